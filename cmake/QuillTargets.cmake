@@ -1,0 +1,108 @@
+# Build rules that every folder shares: language level, warnings, output places, target kinds.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTOUIC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY)
+include_directories(${CMAKE_SOURCE_DIR})
+
+if(QUILL_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(QUILL_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# quill_library(<target> <SHARED|STATIC> SOURCES ... DEPENDS ...)
+# One folder, one target. DEPENDS is the whole list of folders that it may include from.
+# Host folders are SHARED, because the program and the module share their state; module folders
+# are STATIC and end up together in the one module file.
+function(quill_library target kind)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_library(${target} ${kind} ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC ${ARG_DEPENDS})
+endfunction()
+
+# What every test sees, whoever starts it; the test programs' own main() sets the same (tests/support).
+set(QUILL_TEST_ENVIRONMENT QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 TZ=UTC)
+
+# Tests, benchmarks and fuzz targets are built on demand: the targets "tests", "benchmarks" and "fuzzers".
+add_custom_target(tests)
+add_custom_target(benchmarks)
+add_custom_target(fuzzers)
+function(quill_on_demand group target folder)
+  set_target_properties(${target} PROPERTIES
+    EXCLUDE_FROM_ALL ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${folder})
+  add_dependencies(${group} ${target})
+endfunction()
+
+# quill_test(<target> [GUI] SOURCES ... DEPENDS ...): one GoogleTest program, run offscreen.
+# With GUI it has a QApplication, otherwise a QCoreApplication.
+function(quill_test target)
+  cmake_parse_arguments(ARG "GUI" "" "SOURCES;DEPENDS" ${ARGN})
+  set(main tests_main)
+  if(ARG_GUI)
+    set(main tests_main_gui)
+  endif()
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_DEPENDS} ${main} tests_support GTest::gmock)
+  quill_on_demand(tests ${target} tests)
+  add_test(NAME ${target} COMMAND ${target} --gtest_output=xml:${CMAKE_BINARY_DIR}/tests/${target}.xml)
+  set_tests_properties(${target} PROPERTIES TIMEOUT 600 ENVIRONMENT "${QUILL_TEST_ENVIRONMENT}")
+endfunction()
+
+# quill_script_test(<name> <script>): one test written in Python (.py) or Bash, counted as one case.
+# It finds the program in $QUILLNOTE, the repository in $QUILL_ROOT, and may write into the folder that
+# it is started in, which is empty and holds the settings of its runs.
+function(quill_script_test name script)
+  get_filename_component(path ${script} ABSOLUTE)
+  set(interpreter bash)
+  if(script MATCHES "\\.py$")
+    set(interpreter python3)
+  endif()
+  set(folder ${CMAKE_BINARY_DIR}/tests/${name}.dir)
+  add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tests/support/in_empty_folder ${folder}
+    ${interpreter} ${path})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT
+    "${QUILL_TEST_ENVIRONMENT};QUILLNOTE=${CMAKE_BINARY_DIR}/bin/quillnote;QUILL_ROOT=${CMAKE_SOURCE_DIR}")
+endfunction()
+
+# quill_bench(<target> SOURCES ... DEPENDS ...): one Google Benchmark program, one claim about speed.
+function(quill_bench target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_DEPENDS} benchmark::benchmark)
+  quill_on_demand(benchmarks ${target} bench)
+endfunction()
+
+# quill_fuzz(<target> SOURCES ... DEPENDS ... CORPUS <folder>...): one libFuzzer program, one parser.
+# As a test it replays the corpus, which is the same that the parser's tests read.
+function(quill_fuzz target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;CORPUS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_DEPENDS})
+  target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+  quill_on_demand(fuzzers ${target} fuzz)
+  set(corpus)
+  foreach(folder IN LISTS ARG_CORPUS)
+    list(APPEND corpus ${CMAKE_SOURCE_DIR}/${folder})
+  endforeach()
+  add_test(NAME ${target} COMMAND ${target} -runs=0 ${corpus})
+  set_tests_properties(${target} PROPERTIES TIMEOUT 600 ENVIRONMENT "${QUILL_TEST_ENVIRONMENT}")
+endfunction()

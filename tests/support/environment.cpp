@@ -1,0 +1,34 @@
+#include "tests/support/environment.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDir>
+
+namespace tests
+{
+
+Environment::Environment()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "UTC");
+    qputenv("FONTCONFIG_FILE", QUILL_SOURCE_DIR "/tests/support/fonts.conf");
+    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "TMPDIR"}) {
+        const QString folder = m_scratch.filePath(QString::fromLatin1(variable));
+        QDir().mkpath(folder);
+        qputenv(variable, QFile::encodeName(folder));
+    }
+    QCoreApplication::setOrganizationName(QStringLiteral("quillnote"));
+    QCoreApplication::setApplicationName(QStringLiteral("quillnote-tests"));
+}
+
+int runAll(int argc, char **argv)
+{
+    GTEST_FLAG_SET(shuffle, true);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
+
+} // namespace tests

@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy with the checks of .clang-tidy over the product's sources: check_tidy.py [BUILD]
+
+BUILD is a configured and built tree, build/release unless told. A source that was found clean is not
+looked at again until something that the check can see changes: the source after preprocessing, the
+compiler's options, the checks or clang-tidy itself. What is known to be clean is kept in the user's
+cache folder. Prints the findings, and the line "N passed, N failed" that counts sources.
+"""
+
+import hashlib
+import json
+import os
+import re
+import shlex
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+STOREYS = ("host/", "quillnote/", "app/", "helpers/")
+CACHE = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "quillnote" / "tidy"
+
+
+def sources(build):
+    """(path, command, folder) of each product source that the build compiles."""
+    tracked = subprocess.run(
+        ["git", "ls-files", "-z", *STOREYS], cwd=ROOT, capture_output=True, text=True, check=True
+    ).stdout.split("\0")
+    ours = {str(ROOT / name) for name in tracked}
+    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
+        if entry["file"] in ours:
+            yield entry["file"], shlex.split(entry["command"]), entry["directory"]
+
+
+def options(command):
+    """The options that matter to the front end: without launcher, compiler, input and output."""
+    start = next(i for i, word in enumerate(command) if word.startswith("-"))
+    kept, words = [], iter(command[start:])
+    for word in words:
+        if word in ("-o", "-c", "-MF", "-MT"):
+            next(words, None)
+        elif word not in ("-MD", "-MMD"):
+            kept.append(word)
+    return kept
+
+
+def fingerprint(path, command, folder, rules):
+    """None when the source cannot be preprocessed; clang-tidy then tells why."""
+    preprocess = ["clang++", "-E", "-P", "-C", "-w", *options(command), path]
+    text = subprocess.run(preprocess, cwd=folder, capture_output=True)
+    if text.returncode:
+        return None
+    defines = [word for word in options(command) if not word.startswith(("-I", "-isystem", "/"))]
+    seen = hashlib.sha256(rules)
+    seen.update("\0".join(word.replace(str(ROOT), "") for word in defines).encode())
+    seen.update(text.stdout.replace(str(ROOT).encode(), b""))
+    return seen.hexdigest()
+
+
+def check(source, build, rules):
+    """What clang-tidy says about the source; empty when it is clean."""
+    path, command, folder = source
+    key = fingerprint(path, command, folder, rules)
+    if key and (CACHE / key).exists():
+        return ""
+    tidy = subprocess.run(
+        ["clang-tidy", "-p", str(build), "--quiet", "--warnings-as-errors=*", "--extra-arg=-w",
+         f"--header-filter=^{re.escape(str(ROOT))}/({'|'.join(s.rstrip('/') for s in STOREYS)})/", path],
+        capture_output=True, text=True,
+    )  # fmt: skip
+    if tidy.returncode == 0:
+        if key:
+            (CACHE / key).touch()
+        return ""
+    return tidy.stdout.strip() or tidy.stderr.strip() or f"{path}: clang-tidy ended with {tidy.returncode}"
+
+
+def main():
+    build = Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/release").resolve()
+    version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
+    rules = version + (ROOT / ".clang-tidy").read_bytes()
+    CACHE.mkdir(parents=True, exist_ok=True)
+
+    todo = list(sources(build))
+    if not todo:
+        sys.exit(f"{build} compiles no source of this repository")
+    failed = 0
+    told = set()  # A fault in a header comes once for each source that includes it.
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        for done, findings in enumerate(pool.map(lambda source: check(source, build, rules), todo), 1):
+            failed += bool(findings)
+            new = [line for line in findings.splitlines() if line not in told]
+            told.update(line for line in new if re.match(r"/.*: (error|warning):", line))
+            if findings:
+                print(*new, sep="\n", flush=True)
+            if done % 25 == 0:
+                print(f"- {done} of {len(todo)} sources", flush=True)
+    print(f"{len(todo) - failed} passed, {failed} failed")
+    sys.exit(1 if failed else 0)
+
+
+if __name__ == "__main__":
+    main()
