@@ -1,0 +1,1 @@
+// Drawing files into databases and back, the format told by content.

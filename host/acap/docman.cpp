@@ -1,0 +1,1 @@
+// The open documents, their locks and who hears of them.

@@ -1,0 +1,1 @@
+// The view that a drawing was saved with.

@@ -1,0 +1,1 @@
+// The command stack: registration and look-up by name.

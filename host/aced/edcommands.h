@@ -1,0 +1,96 @@
+// Commands: named functions that a person, a script, a menu or another command can run.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+enum AcEdCommandFlag : int {
+    ACRX_CMD_MODAL = 0x00000000,
+    ACRX_CMD_TRANSPARENT = 0x00000001,
+    ACRX_CMD_USEPICKSET = 0x00000002,
+    ACRX_CMD_NOUNDO = 0x00010000,  ///< Makes no step of its own (UNDO, ZOOM, SAVE).
+    ACRX_CMD_SESSION = 0x00200000, ///< Runs outside any document; locks documents itself.
+};
+
+struct AcEdCommand {
+    QString group;
+    QString globalName;
+    QString localName;
+    int flags = ACRX_CMD_MODAL;
+    std::function<void()> function;
+};
+
+/// All commands of the process, in registration order. Names ignore letter case.
+class AcEdCommandStack
+{
+public:
+    /// False when the group has a command of that global name already.
+    bool addCommand(const QString &group, const QString &globalName, const QString &localName, int flags,
+                    std::function<void()> function);
+    bool removeCmd(const QString &group, const QString &globalName);
+    void removeGroup(const QString &group);
+    /// By local name, then by global name ("_LINE" is the global name LINE); later groups win; null.
+    const AcEdCommand *lookup(const QString &name) const;
+    const std::vector<AcEdCommand> &commands() const { return m_commands; }
+
+private:
+    std::vector<AcEdCommand> m_commands;
+};
+
+AcEdCommandStack *acedRegCmds();
+
+class AcEditorReactor
+{
+public:
+    virtual ~AcEditorReactor() = default;
+    virtual void commandWillStart(const QString & /*globalName*/) {}
+    virtual void commandEnded(const QString & /*globalName*/) {}
+    virtual void commandCancelled(const QString & /*globalName*/) {}
+    virtual void lispWillStart(const QString & /*firstLine*/) {}
+    virtual void lispEnded() {}
+};
+
+/// The editor: runs commands one inside another and tells the reactors.
+class AcEditor
+{
+public:
+    void addReactor(AcEditorReactor *reactor);
+    void removeReactor(AcEditorReactor *reactor);
+
+    /// Runs one command by name as one undo step, with document lock and notifications. RTNORM, RTCAN when
+    /// it was cancelled, RTERROR with a printed line when there is no such command.
+    int runCommand(const QString &name);
+    /// One line as a person types it at the command prompt: a command name, a LISP expression.
+    int execute(const QString &line);
+    /// Runs queued expressions and then lines from the front end until there are no more, or QUIT.
+    void processInput();
+    /// Adds a LISP expression or command text to what runs before the next line.
+    void queueExpression(const QString &expression);
+    void runQueue();
+
+    /// Global names of the running commands, outermost first, joined by apostrophes (CMDNAMES).
+    QString activeCommands() const;
+    /// The running command was told to stop (a prompt found no answer or was cancelled).
+    void requestCancel() { m_cancelled = true; }
+    bool isCancelled() const { return m_cancelled; }
+    void requestQuit() { m_quit = true; }
+    bool isQuitting() const { return m_quit; }
+
+private:
+    int runLocked(const AcEdCommand &command);
+    template <class Notify>
+    void notify(Notify event);
+
+    std::vector<AcEditorReactor *> m_reactors;
+    QStringList m_active;
+    QStringList m_queue;
+    bool m_cancelled = false;
+    bool m_quit = false;
+};
+
+AcEditor *acedEditor();
+/// The platform's name for AcEditor::queueExpression.
+void ads_queueexpr(const QString &expression);

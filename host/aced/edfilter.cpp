@@ -1,0 +1,1 @@
+// Selection filters: group lists compiled into a test on an entity's data.

@@ -1,0 +1,1 @@
+// Prompts for points, numbers, texts and keywords.

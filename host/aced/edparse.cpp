@@ -1,0 +1,1 @@
+// Reading typed answers: pure functions from text to values.

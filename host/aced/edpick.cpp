@@ -1,0 +1,1 @@
+// Picking one entity.

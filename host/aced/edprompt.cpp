@@ -1,0 +1,1 @@
+// The prompt machine: where answers come from, what is refused and asked again.

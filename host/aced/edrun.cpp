@@ -1,0 +1,1 @@
+// The editor: running commands, nesting, undo groups, notifications.

@@ -1,0 +1,1 @@
+// Selection sets by window, crossing, filter and by the user.

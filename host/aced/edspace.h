@@ -1,0 +1,1 @@
+// Model space, paper space and layouts: which one is current.

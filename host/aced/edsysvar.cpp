@@ -1,0 +1,1 @@
+// Reading and setting system variables.

@@ -1,0 +1,36 @@
+// Console verbs that modules bring: "quillnote marks FILE". The program opens the file, makes it current and
+// calls the verb; the module never sees a command line parser and the program never sees the module.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+struct AcEdVerbOption {
+    QString name;  ///< "--pictures"
+    QString value; ///< Placeholder "DIR"; empty for a switch.
+    QString help;
+};
+
+struct AcEdVerbCall {
+    bool json = false;
+    std::map<QString, QString> options; ///< Given options; switches have an empty value.
+    bool has(const QString &name) const { return options.count(name) > 0; }
+};
+
+struct AcEdVerb {
+    QString name;
+    QString help;
+    std::vector<AcEdVerbOption> options;
+    /// Prints to standard output; the result is the exit status (0 done, 1 findings, 2 trouble).
+    std::function<int(const AcEdVerbCall &)> run;
+};
+
+void acedRegisterVerb(AcEdVerb verb);
+void acedRemoveVerb(const QString &name);
+const std::vector<AcEdVerb> &acedVerbs();
+/// Where verbs print their results.
+void acedPrintResult(const QString &text);

@@ -1,0 +1,1 @@
+// World, display and pixel coordinates; zooming.

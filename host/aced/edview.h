@@ -1,0 +1,32 @@
+// Views: world, display and pixel coordinates of the current document's view; zooming.
+#pragma once
+
+#include "host/acap/docman.h"
+#include "host/acge/geextents.h"
+
+#include <QPoint>
+
+/// Pixel (0, 0) is the upper left of the view. False without a document or for a viewport number that the
+/// drawing does not show.
+bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel);
+bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world);
+
+/// World to the view's own frame: turned by the view twist, origin kept. Its inverse goes back.
+AcGeMatrix3d acedViewFrame(const AcApView &view);
+
+/// A view to be made current, as AcDbViewTableRecord describes it.
+struct AcEdViewRecord {
+    AcGePoint3d centre;       ///< In the view's frame.
+    double height = 1.0;
+    double width = 1.0;
+    double twist = 0.0;
+    AcDbObjectId layout;      ///< Block record of the paper-space layout to switch to; null: stay.
+};
+Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record);
+
+/// Extents of everything visible in the current space.
+AcDbExtents acedCurrentExtents(const AcApDocument &document);
+/// Fits the rectangle (world) into the view.
+void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+/// The drawing's saved view (active viewport record) into the document's view, as after opening.
+void acedRestoreSavedView(AcApDocument &document);
