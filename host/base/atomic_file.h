@@ -40,7 +40,8 @@ public:
     bool failed() const { return m_error.has_value(); }
 
     /// Flushes the file to the disk, renames it over the target, flushes the folder. Reports the first
-    /// failure since open(); the target then still has its old content.
+    /// failure since open(); the target then has its old content (or, when only flushing the folder
+    /// failed, already the new one). Called once; nothing may be written after it.
     Result<void, FileError> commit();
 
 private:
@@ -49,7 +50,8 @@ private:
     void fail(int systemError);
     void discard();
 
-    int m_file = -1;
+    int m_file = -1;        ///< Closed by commit().
+    QString m_path;         ///< As the caller spelled it.
     QByteArray m_target;    ///< Path with links resolved, as the system spells it.
     QByteArray m_temporary; ///< Empty when there is nothing to remove.
     QByteArray m_pending;

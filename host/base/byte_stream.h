@@ -2,6 +2,8 @@
 // fail, it stays failed, and everything read from then on is zero or empty.
 #pragma once
 
+#include "host/base/assert.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -11,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <utility>
 
 namespace base
 {

@@ -33,7 +33,7 @@ public:
     std::size_t size() const { return m_size; }
 
 private:
-    friend class FileReader;
+    friend class FileReader; ///< Fills it.
     void release();
 
     char *m_data = nullptr;

@@ -1,0 +1,223 @@
+#include "host/base/atomic_file.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace base
+{
+
+static constexpr qsizetype kGatherLimit = 256 * 1024;
+static constexpr int kMaximumLinks = 40; // As many as the kernel follows.
+static constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+static constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
+
+static QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    if (slash < 0)
+        return ".";
+    return slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+/// Follows links by hand, because the file that a link names need not exist yet.
+static Result<QByteArray, int> resolveLinks(QByteArray path)
+{
+    for (int followed = 0; followed < kMaximumLinks; ++followed) {
+        QByteArray link(4096, Qt::Uninitialized);
+        const ssize_t length =
+            ::readlink(path.constData(), link.data(), static_cast<std::size_t>(link.size()));
+        if (length < 0)
+            return path; // Not a link; what else may be wrong with it shows when it is used.
+        link.truncate(length);
+        path = link.startsWith('/') ? link : folderOf(path) + '/' + link;
+    }
+    return Failure{ELOOP};
+}
+
+/// The system lets a privileged user write everywhere, so the permission bits are looked at as well: a
+/// file that was marked read-only is meant to stay as it is.
+static std::optional<FileError> refusal(const QString &path, const QByteArray &target, mode_t &mode)
+{
+    struct stat folder;
+    if (::stat(folderOf(target).constData(), &folder) != 0)
+        return FileError::fromErrno(path, errno);
+    struct stat file;
+    const bool exists = ::stat(target.constData(), &file) == 0;
+    if (!exists && errno != ENOENT)
+        return FileError::fromErrno(path, errno);
+    if (exists && !S_ISREG(file.st_mode))
+        return FileError{FileError::Code::notAFile, 0, path};
+    if ((folder.st_mode & kAnyWrite) == 0 || (exists && (file.st_mode & kAnyWrite) == 0))
+        return FileError{FileError::Code::readOnly, 0, path};
+    if (exists && ::faccessat(AT_FDCWD, target.constData(), W_OK, AT_EACCESS) != 0)
+        return FileError::fromErrno(path, errno);
+    if (exists)
+        mode = file.st_mode & kPermissionBits;
+    return std::nullopt;
+}
+
+/// A new file in the target's folder, so that the rename stays within one file system.
+static int createBeside(const QByteArray &target, mode_t mode, QByteArray &temporary)
+{
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        temporary = folderOf(target) + "/.quill-" +
+                    QByteArray::number(QRandomGenerator::global()->generate(), 16) + ".tmp";
+        const int file = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST)
+            return file;
+    }
+    return -1;
+}
+
+Result<AtomicFileWriter, FileError> AtomicFileWriter::open(const QString &path)
+{
+    const auto target = resolveLinks(QFile::encodeName(path));
+    if (!target)
+        return Failure{FileError::fromErrno(path, target.error())};
+
+    constexpr mode_t kUnknownMode = ~mode_t(0);
+    mode_t mode = kUnknownMode;
+    if (auto error = refusal(path, *target, mode))
+        return Failure{std::move(*error)};
+
+    AtomicFileWriter writer;
+    writer.m_path = path;
+    writer.m_target = *target;
+    // A replaced file's bits count already when the new one is created: nobody else may look in meanwhile.
+    writer.m_file = createBeside(*target, mode == kUnknownMode ? 0666 : mode, writer.m_temporary);
+    if (writer.m_file < 0) {
+        writer.m_temporary.clear();
+        return Failure{FileError::fromErrno(path, errno)};
+    }
+    if (mode != kUnknownMode && ::fchmod(writer.m_file, mode) != 0)
+        return Failure{FileError::fromErrno(path, errno)};
+    return writer;
+}
+
+AtomicFileWriter::AtomicFileWriter(AtomicFileWriter &&other) noexcept
+    : m_file(std::exchange(other.m_file, -1)), m_path(std::move(other.m_path)),
+      m_target(std::move(other.m_target)), m_temporary(std::exchange(other.m_temporary, {})),
+      m_pending(std::move(other.m_pending)), m_error(std::move(other.m_error))
+{
+}
+
+AtomicFileWriter &AtomicFileWriter::operator=(AtomicFileWriter &&other) noexcept
+{
+    if (this != &other) {
+        discard();
+        m_file = std::exchange(other.m_file, -1);
+        m_path = std::move(other.m_path);
+        m_target = std::move(other.m_target);
+        m_temporary = std::exchange(other.m_temporary, {});
+        m_pending = std::move(other.m_pending);
+        m_error = std::move(other.m_error);
+    }
+    return *this;
+}
+
+AtomicFileWriter::~AtomicFileWriter()
+{
+    discard();
+}
+
+void AtomicFileWriter::discard()
+{
+    if (m_file >= 0)
+        ::close(std::exchange(m_file, -1));
+    if (!m_temporary.isEmpty())
+        ::unlink(std::exchange(m_temporary, {}).constData());
+}
+
+void AtomicFileWriter::fail(int systemError)
+{
+    if (!m_error)
+        m_error = FileError::fromErrno(m_path, systemError);
+}
+
+void AtomicFileWriter::write(std::span<const char> bytes)
+{
+    QUILL_ASSERT(m_file >= 0 || m_error);
+    const auto size = static_cast<qsizetype>(bytes.size());
+    if (size > kGatherLimit - m_pending.size())
+        flush(bytes);
+    else
+        m_pending.append(bytes.data(), size);
+}
+
+/// Writes what was gathered, and `more` after it, without copying `more`.
+void AtomicFileWriter::flush(std::span<const char> more)
+{
+    iovec pieces[2] = {{m_pending.data(), static_cast<std::size_t>(m_pending.size())},
+                       {const_cast<char *>(more.data()), more.size()}};
+    while (!m_error && pieces[0].iov_len + pieces[1].iov_len != 0) {
+        const ssize_t count = ::writev(m_file, pieces, 2);
+        if (count < 0) {
+            if (errno != EINTR)
+                fail(errno);
+            continue;
+        }
+        auto written = static_cast<std::size_t>(count);
+        for (iovec &piece : pieces) {
+            const std::size_t part = std::min(written, piece.iov_len);
+            piece.iov_base = static_cast<char *>(piece.iov_base) + part;
+            piece.iov_len -= part;
+            written -= part;
+        }
+    }
+    m_pending.resize(0); // Keeps the memory, unlike clear().
+}
+
+/// The rename has happened by then; not every file system can flush a folder, so EINVAL is no failure.
+static int flushFolder(const QByteArray &folder)
+{
+    const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno == EACCES ? 0 : errno; // A folder may be writable and yet not readable.
+    const int result = ::fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
+    ::close(descriptor);
+    return result;
+}
+
+Result<void, FileError> AtomicFileWriter::commit()
+{
+    QUILL_ASSERT(m_file >= 0 || m_error);
+    if (!m_error)
+        flush({});
+    if (!m_error && ::fsync(m_file) != 0)
+        fail(errno);
+    // Network file systems report a failed write as late as this.
+    if (m_file >= 0 && ::close(std::exchange(m_file, -1)) != 0)
+        fail(errno);
+    if (!m_error && ::rename(m_temporary.constData(), m_target.constData()) != 0)
+        fail(errno);
+    if (!m_error) {
+        m_temporary.clear();
+        if (const int systemError = flushFolder(folderOf(m_target)))
+            fail(systemError);
+    }
+    discard();
+    if (m_error)
+        return Failure{*m_error};
+    return {};
+}
+
+Result<void, FileError> writeFileAtomically(const QString &path, QByteArrayView content)
+{
+    auto writer = AtomicFileWriter::open(path);
+    if (!writer)
+        return Failure{writer.error()};
+    writer->write(content);
+    return writer->commit();
+}
+
+} // namespace base

@@ -1,0 +1,62 @@
+#include "host/base/file_error.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace base
+{
+
+static FileError::Code codeOf(int systemError)
+{
+    switch (systemError) {
+    case ENOENT:
+    case ENOTDIR:
+        return FileError::Code::notFound;
+    case EACCES:
+    case EPERM:
+        return FileError::Code::accessDenied;
+    case EROFS:
+        return FileError::Code::readOnly;
+    case EISDIR:
+        return FileError::Code::notAFile;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return FileError::Code::noSpace;
+    default:
+        return FileError::Code::other;
+    }
+}
+
+FileError FileError::fromErrno(const QString &path, int systemError)
+{
+    return {codeOf(systemError), systemError, path};
+}
+
+static QString reason(const FileError &error)
+{
+    if (error.systemError != 0)
+        return QString::fromStdString(std::generic_category().message(error.systemError));
+    switch (error.code) {
+    case FileError::Code::notFound:
+        return QStringLiteral("not found");
+    case FileError::Code::accessDenied:
+        return QStringLiteral("access denied");
+    case FileError::Code::readOnly:
+        return QStringLiteral("the file or its folder is read-only");
+    case FileError::Code::notAFile:
+        return QStringLiteral("not a plain file");
+    case FileError::Code::noSpace:
+        return QStringLiteral("no space left");
+    case FileError::Code::other:
+        break;
+    }
+    return QStringLiteral("cannot be used");
+}
+
+QString FileError::text() const
+{
+    return path + QStringLiteral(": ") + reason(*this);
+}
+
+} // namespace base

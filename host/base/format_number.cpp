@@ -1,0 +1,137 @@
+#include "host/base/format_number.h"
+
+#include "host/base/assert.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <span>
+#include <string>
+
+namespace base
+{
+
+void NumberText::append(std::string_view text)
+{
+    QUILL_ASSERT(text.size() <= m_text.size() - m_size);
+    std::memcpy(m_text.data() + m_size, text.data(), text.size());
+    m_size += text.size();
+}
+
+static std::string_view written(std::span<const char> buffer, std::to_chars_result result)
+{
+    return {buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data())};
+}
+
+NumberText formatReal(double value)
+{
+    NumberText text;
+    if (!std::isfinite(value)) {
+        text.append("0.0");
+        return text;
+    }
+    std::array<char, 32> buffer;
+    const std::string_view shortest =
+        written(buffer, std::to_chars(buffer.data(), buffer.data() + buffer.size(), value));
+    const std::size_t exponent = std::min(shortest.find('e'), shortest.size());
+    const std::string_view mantissa = shortest.substr(0, exponent);
+    text.append(mantissa);
+    if (mantissa.find('.') == std::string_view::npos)
+        text.append(".0");
+    if (exponent != shortest.size()) {
+        text.append("E");
+        text.append(shortest.substr(exponent + 1));
+    }
+    return text;
+}
+
+NumberText formatPrintfG(double value)
+{
+    std::array<char, 32> buffer;
+    const std::string_view general =
+        written(buffer, std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                      std::chars_format::general, 6));
+    NumberText text;
+    const std::size_t exponent = general.find('e');
+    if (exponent == std::string_view::npos) {
+        text.append(general);
+        return text;
+    }
+    const std::size_t digits = exponent + 2; // After "e" and the sign.
+    text.append(general.substr(0, digits));
+    if (general.size() - digits == 2)
+        text.append("0");
+    text.append(general.substr(digits));
+    return text;
+}
+
+static std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view kBlanks = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+/// from_chars() knows no "+"; behind one no second sign may follow.
+static std::optional<std::string_view> withoutPlus(std::string_view text)
+{
+    if (!text.starts_with('+'))
+        return text;
+    text.remove_prefix(1);
+    if (text.starts_with('-'))
+        return std::nullopt;
+    return text;
+}
+
+static std::optional<double> parseBareReal(std::string_view text)
+{
+    double value = 0.0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc::invalid_argument || stop != end)
+        return std::nullopt;
+    if (error == std::errc::result_out_of_range) {
+        // The library does not say which end was passed; a negative exponent or a leading zero does.
+        const std::size_t exponent = text.find_first_of("eE");
+        const bool tiny = exponent != std::string_view::npos
+                              ? text.substr(exponent + 1).starts_with('-')
+                              : text.find_first_of("123456789") > text.find('.');
+        if (!tiny)
+            return std::nullopt;
+        return text.starts_with('-') ? -0.0 : 0.0;
+    }
+    if (!std::isfinite(value))
+        return std::nullopt; // from_chars() reads "inf" and "nan".
+    return value;
+}
+
+std::optional<double> parseReal(std::string_view text)
+{
+    const auto number = withoutPlus(trimmed(text));
+    if (!number)
+        return std::nullopt;
+    const std::size_t oldExponent = number->find_first_of("dD");
+    if (oldExponent == std::string_view::npos)
+        return parseBareReal(*number);
+    std::string modern(*number);
+    modern[oldExponent] = 'E';
+    return parseBareReal(modern);
+}
+
+std::optional<std::int64_t> parseInteger(std::string_view text)
+{
+    const auto number = withoutPlus(trimmed(text));
+    if (!number)
+        return std::nullopt;
+    std::int64_t value = 0;
+    const char *const end = number->data() + number->size();
+    const auto [stop, error] = std::from_chars(number->data(), end, value);
+    if (error != std::errc() || stop != end)
+        return std::nullopt;
+    return value;
+}
+
+} // namespace base
