@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy with the checks of .clang-tidy over the product's sources: check_tidy.py [BUILD]
+"""Runs clang-tidy with the checks of .clang-tidy over the product's sources:
+check_tidy.py [--minutes N] [BUILD]
 
 BUILD is a configured and built tree, build/release unless told. A source that was found clean is not
 looked at again until something that the check can see changes: the source after preprocessing, the
 compiler's options, the checks or clang-tidy itself. What is known to be clean is kept in the user's
-cache folder. Prints the findings, and the line "N passed, N failed" that counts sources.
+cache folder. When the minutes are over, the sources that are left wait for the next run, and the output
+says how many. Prints the findings, and the line "N passed, N failed" that counts sources looked at.
 """
 
+import argparse
 import hashlib
 import json
 import os
@@ -14,6 +17,7 @@ import re
 import shlex
 import subprocess
 import sys
+import time
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -58,15 +62,18 @@ def fingerprint(path, command, folder, rules):
     return seen.hexdigest()
 
 
-def check(source, build, rules):
-    """What clang-tidy says about the source; empty when it is clean."""
+def check(source, build, rules, deadline):
+    """What clang-tidy says about the source: empty when it is clean, None when there was no time."""
     path, command, folder = source
     key = fingerprint(path, command, folder, rules)
     if key and (CACHE / key).exists():
         return ""
+    if time.monotonic() > deadline:
+        return None
+    storeys = "|".join(storey.rstrip("/") for storey in STOREYS)
     tidy = subprocess.run(
         ["clang-tidy", "-p", str(build), "--quiet", "--warnings-as-errors=*", "--extra-arg=-w",
-         f"--header-filter=^{re.escape(str(ROOT))}/({'|'.join(s.rstrip('/') for s in STOREYS)})/", path],
+         f"--header-filter=^{re.escape(str(ROOT))}/({storeys})/", path],
         capture_output=True, text=True,
     )  # fmt: skip
     if tidy.returncode == 0:
@@ -76,8 +83,22 @@ def check(source, build, rules):
     return tidy.stdout.strip() or tidy.stderr.strip() or f"{path}: clang-tidy ended with {tidy.returncode}"
 
 
+def print_new(findings, told):
+    """A fault in a header is found once for each source that includes it, and printed once."""
+    # Each finding is a line "path:line:column: error: ..." and the lines that show the place.
+    for finding in re.split(r"\n(?=/\S+: (?:error|warning):)", findings):
+        if finding not in told:
+            told.add(finding)
+            print(finding, flush=True)
+
+
 def main():
-    build = Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/release").resolve()
+    parser = argparse.ArgumentParser(description="Runs clang-tidy over the product's sources.")
+    parser.add_argument("build", nargs="?", type=Path, default=ROOT / "build/release")
+    parser.add_argument("--minutes", type=float, default=float("inf"), help="begin nothing new after that")
+    arguments = parser.parse_args()
+    build = arguments.build.resolve()
+    deadline = time.monotonic() + arguments.minutes * 60
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
     rules = version + (ROOT / ".clang-tidy").read_bytes()
     CACHE.mkdir(parents=True, exist_ok=True)
@@ -85,18 +106,20 @@ def main():
     todo = list(sources(build))
     if not todo:
         sys.exit(f"{build} compiles no source of this repository")
-    failed = 0
-    told = set()  # A fault in a header comes once for each source that includes it.
+    failed = waiting = 0
+    told = set()
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        for done, findings in enumerate(pool.map(lambda source: check(source, build, rules), todo), 1):
-            failed += bool(findings)
-            new = [line for line in findings.splitlines() if line not in told]
-            told.update(line for line in new if re.match(r"/.*: (error|warning):", line))
+        results = pool.map(lambda source: check(source, build, rules, deadline), todo)
+        for done, findings in enumerate(results, 1):
+            waiting += findings is None
             if findings:
-                print(*new, sep="\n", flush=True)
+                failed += 1
+                print_new(findings, told)
             if done % 25 == 0:
                 print(f"- {done} of {len(todo)} sources", flush=True)
-    print(f"{len(todo) - failed} passed, {failed} failed")
+    if waiting:
+        print(f"{waiting} sources were not looked at in the time given; the next run goes on with them.")
+    print(f"{len(todo) - failed - waiting} passed, {failed} failed")
     sys.exit(1 if failed else 0)
 
 
