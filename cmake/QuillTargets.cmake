@@ -29,6 +29,18 @@ if(QUILL_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# quill_folders(<folder>...): adds the folders in this order; says which of them have no build file.
+function(quill_folders)
+  foreach(folder IN LISTS ARGN)
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+      add_subdirectory(${folder})
+    else()
+      file(RELATIVE_PATH path ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+      message(NOTICE "${path} has no CMakeLists.txt: left out")
+    endif()
+  endforeach()
+endfunction()
+
 # quill_library(<target> <SHARED|STATIC> SOURCES ... DEPENDS ...)
 # One folder, one target. DEPENDS is the whole list of folders that it may include from.
 # Host folders are SHARED, because the program and the module share their state; module folders
