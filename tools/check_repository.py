@@ -65,16 +65,25 @@ def the_build_knows_every_source(repository):
     for name in repository.sources():
         if not name.endswith(".cpp") or not name.startswith(BUILT):
             continue
-        if not any(names_source(repository, parent, name) for parent in Path(name).parents):
+        if not any(build_file_names(repository, parent, name) for parent in Path(name).parents):
             yield f"{name}: in no CMakeLists.txt"
 
 
-def names_source(repository, folder, name):
+def build_file_names(repository, folder, name):
     listing = repository.root / folder / "CMakeLists.txt"
     if not listing.is_file():
         return False
     relative = Path(name).relative_to(folder).as_posix()
     return re.search(rf"(?<![\w/.]){re.escape(relative)}(?![\w.])", listing.read_text("utf-8")) is not None
+
+
+def the_build_reaches_every_folder(repository):
+    for name in repository.files:
+        folder = Path(name).parent
+        if Path(name).name != "CMakeLists.txt" or folder == Path("."):
+            continue
+        if not any(build_file_names(repository, parent, folder.as_posix()) for parent in folder.parents):
+            yield f"{name}: named in no CMakeLists.txt above it"
 
 
 def texts_are_clean(repository):
@@ -146,6 +155,7 @@ RULES = (
     files_say_what_they_are,
     sources_stay_short,
     the_build_knows_every_source,
+    the_build_reaches_every_folder,
     texts_are_clean,
     texts_name_no_machine,
     files_are_small,
