@@ -18,6 +18,10 @@ if(CCACHE)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # This compiler warns wrongly about a literal joined with a std::string (GCC bug 105651).
+  add_compile_options(-Wno-restrict)
+endif()
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY)
 include_directories(${CMAKE_SOURCE_DIR})
 

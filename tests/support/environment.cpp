@@ -15,9 +15,10 @@ Environment::Environment()
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "UTC");
     qputenv("FONTCONFIG_FILE", QUILL_SOURCE_DIR "/tests/support/fonts.conf");
-    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "TMPDIR"}) {
+    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR", "TMPDIR"}) {
         const QString folder = m_scratch.filePath(QString::fromLatin1(variable));
         QDir().mkpath(folder);
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv(variable, QFile::encodeName(folder));
     }
     QCoreApplication::setOrganizationName(QStringLiteral("quillnote"));

@@ -2,8 +2,8 @@
 #include "tests/support/files.h"
 #include "tests/support/golden.h"
 
+#include <QDir>
 #include <QStandardPaths>
-#include <QTimeZone>
 
 TEST(Golden, NamesTheFirstDifference)
 {
