@@ -44,6 +44,9 @@ public:
     /// The next dialog line without its "@" ("set 1003 \"text\"", "ok"), when dialogs are answered by a
     /// script. No value: the script has no answer; `what` names the dialog for the message.
     virtual std::optional<QString> dialogLine(const QString &what) = 0;
+    /// The last answer or dialog line makes no sense where it was given (a control that is not there, a value
+    /// that it does not take). A script ends here with the reason; others just see it.
+    virtual void refuseAnswer(const QString &reason) { print(QStringLiteral("\n") + reason); }
     /// True: dialogs run on dialogLine(); false: they are shown to a person.
     virtual bool isScripted() const = 0;
     /// Command-line output, as printed ("\n" begins a line).
