@@ -1,0 +1,12 @@
+// Message boxes of the widget layer: shown to a person, answered by "@ok", "@yes" ... in a scripted run.
+#pragma once
+
+#include "host/aced/edmessage.h"
+
+class AcUiMessageBox : public AcEdMessageBox
+{
+public:
+    /// In a scripted run the text is printed. An answer that the box has no button for is refused. Without an
+    /// answer the box is left by the button that changes nothing: Cancel, else No, else OK.
+    AcEdButton show(const QString &text, AcEdButtons buttons) override;
+};
