@@ -1,0 +1,51 @@
+// The front end in use, and the one that stands in while there is none.
+#include "host/aced/edfrontend.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace
+{
+
+class NoFrontEnd : public AcEdFrontEnd
+{
+public:
+    std::optional<AcEdAnswer> answer(const AcEdPrompt &) override { return std::nullopt; }
+    std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
+    bool isScripted() const override { return true; }
+    void print(const QString &text) override { std::fputs(text.toUtf8().constData(), stderr); }
+};
+
+AcEdFrontEnd *none()
+{
+    static NoFrontEnd frontEnd;
+    return &frontEnd;
+}
+
+AcEdFrontEnd *&current()
+{
+    static AcEdFrontEnd *frontEnd = none();
+    return frontEnd;
+}
+
+} // namespace
+
+AcEdFrontEnd &acedFrontEnd()
+{
+    return *current();
+}
+
+AcEdFrontEnd *acedSetFrontEnd(AcEdFrontEnd *frontEnd)
+{
+    return std::exchange(current(), frontEnd ? frontEnd : none());
+}
+
+void acutPrintf(const QString &text)
+{
+    acedFrontEnd().print(text);
+}
+
+void acdbFail(const QString &text)
+{
+    acutPrintf(QLatin1Char('\n') + text);
+}
