@@ -10,6 +10,7 @@
 
 #include <initializer_list>
 #include <variant>
+#include <vector>
 
 enum AcEdResult : int {
     RTNORM = 5100,
@@ -60,6 +61,8 @@ using AcEdToken = std::variant<QString, int, double, AcGePoint3d, AcDbObjectId, 
 /// Runs a host or module command to its end with these answers; an empty text is Enter. Answers left over are
 /// dropped; a prompt without answer cancels the command. RTNORM, RTCAN, RTERROR (no such command).
 int acedCommandS(std::initializer_list<AcEdToken> tokens);
+/// The same with a list made at run time (LISP).
+int acedCommandTokens(const std::vector<AcEdToken> &tokens);
 
 /// Turns a point or vector between 0 world, 1 current UCS, 2 display.
 enum class AcEdSpace : int { world = 0, ucs = 1, display = 2 };
