@@ -65,7 +65,7 @@ private:
     int m_number = 1;
     std::uint64_t m_savedChangeCount = 0;
     AcAp::DocLockMode m_lockMode = AcAp::kNone;
-    int m_lockDepth = 0;
+    std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
     AcApView m_view;
     AcApUcs m_ucs;
     std::vector<AcDbObjectId> m_pickSet;
@@ -118,6 +118,7 @@ public:
 
 private:
     AcApDocument *adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
+    void showLockMode(AcApDocument *document);
     template <class Notify>
     void notify(Notify event);
 

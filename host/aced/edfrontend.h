@@ -22,6 +22,7 @@ struct AcEdPrompt {
     bool hasBase = false;
     AcGePoint3d base; ///< Rubber bands start here; UCS coordinates.
     bool allowsEmpty = true;
+    bool allowsBlanks = false; ///< Blanks are part of the answer.
 };
 
 /// One answer: typed text (empty: Enter), or something pointed at.

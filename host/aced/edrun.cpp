@@ -1,1 +1,221 @@
 // The editor: running commands, nesting, undo groups, notifications.
+#include "host/acap/docman.h"
+#include "host/aced/edcommands.h"
+#include "host/aced/edlisp.h"
+#include "host/aced/edprompt.h"
+
+#include <algorithm>
+#include <utility>
+
+void AcEditor::addReactor(AcEditorReactor *reactor)
+{
+    if (std::find(m_reactors.begin(), m_reactors.end(), reactor) == m_reactors.end())
+        m_reactors.push_back(reactor);
+}
+
+void AcEditor::removeReactor(AcEditorReactor *reactor)
+{
+    std::erase(m_reactors, reactor);
+}
+
+template <class Notify>
+void AcEditor::notify(Notify event)
+{
+    const std::vector<AcEditorReactor *> reactors = m_reactors;
+    for (AcEditorReactor *reactor : reactors) {
+        if (std::find(m_reactors.begin(), m_reactors.end(), reactor) != m_reactors.end())
+            event(*reactor);
+    }
+}
+
+// One command -------------------------------------------------------------------------------------
+
+namespace
+{
+
+/// Lock and undo group of a document for one command; the command may close the document.
+class CommandScope
+{
+public:
+    CommandScope(AcApDocument *document, const AcEdCommand &command) : m_document(document)
+    {
+        if (!m_document)
+            return;
+        if (!(command.flags & ACRX_CMD_SESSION))
+            m_status = acDocManager()->lockDocument(m_document, AcAp::kWrite);
+        m_locked = m_status == Acad::eOk && !(command.flags & ACRX_CMD_SESSION);
+        m_grouped = m_status == Acad::eOk && !(command.flags & ACRX_CMD_NOUNDO);
+        if (m_grouped)
+            m_document->database()->undo().beginGroup(command.globalName);
+    }
+    ~CommandScope()
+    {
+        if (!m_document || !isOpen())
+            return;
+        if (m_grouped)
+            m_document->database()->undo().endGroup();
+        if (m_locked)
+            acDocManager()->unlockDocument(m_document);
+    }
+    CommandScope(const CommandScope &) = delete;
+    CommandScope &operator=(const CommandScope &) = delete;
+    Acad::ErrorStatus status() const { return m_status; }
+
+private:
+    bool isOpen() const
+    {
+        const auto &documents = acDocManager()->documents();
+        return std::any_of(documents.begin(), documents.end(),
+                           [this](const auto &opened) { return opened.get() == m_document; });
+    }
+
+    AcApDocument *m_document;
+    Acad::ErrorStatus m_status = Acad::eOk;
+    bool m_locked = false;
+    bool m_grouped = false;
+};
+
+} // namespace
+
+int AcEditor::runCommand(const QString &name)
+{
+    const AcEdCommand *const found = acedRegCmds()->lookup(name);
+    if (!found) {
+        acutPrintf(QStringLiteral("\n未知命令“%1”。").arg(name));
+        return RTERROR;
+    }
+    const AcEdCommand command = *found; // It may remove itself while it runs.
+    AcApDocument *const document = curDoc();
+    if (!document && !(command.flags & ACRX_CMD_SESSION)) {
+        acutPrintf(QStringLiteral("\n没有打开的图形，不能执行“%1”。").arg(command.globalName));
+        return RTERROR;
+    }
+    const bool outerCancelled = std::exchange(m_cancelled, false);
+    const int result = runLocked(command);
+    // A command that another one called answers to its caller alone.
+    m_cancelled = outerCancelled;
+    return result;
+}
+
+int AcEditor::runLocked(const AcEdCommand &command)
+{
+    const CommandScope scope(curDoc(), command);
+    if (scope.status() != Acad::eOk) {
+        acutPrintf(QStringLiteral("\n图形已被锁定，不能执行“%1”。").arg(command.globalName));
+        return RTERROR;
+    }
+    const QString &name = command.globalName;
+    if (curDoc() && !(command.flags & (ACRX_CMD_USEPICKSET | ACRX_CMD_TRANSPARENT)))
+        curDoc()->pickSet().clear();
+    m_active.append(name);
+    acedTakeRules(); // What an earlier command prepared for a prompt that never came.
+    notify([&name](AcEditorReactor &reactor) { reactor.commandWillStart(name); });
+    command.function();
+    if (m_cancelled)
+        notify([&name](AcEditorReactor &reactor) { reactor.commandCancelled(name); });
+    else
+        notify([&name](AcEditorReactor &reactor) { reactor.commandEnded(name); });
+    m_active.removeLast();
+    acedTakeRules();
+    return m_cancelled ? RTCAN : RTNORM;
+}
+
+QString AcEditor::activeCommands() const
+{
+    return m_active.join(u'\'');
+}
+
+// Lines -------------------------------------------------------------------------------------------
+
+static int evaluate(const QString &expression)
+{
+    const auto value = acedEvaluateLisp(expression);
+    acutPrintf(u'\n' + (value ? *value : value.error()));
+    return value ? RTNORM : RTERROR;
+}
+
+/// Menus begin their macros with cancels; at the command prompt there is nothing to cancel.
+static QString withoutCancels(QString line)
+{
+    while (line.startsWith(QLatin1String("^C"), Qt::CaseInsensitive))
+        line.remove(0, 2);
+    return line;
+}
+
+int AcEditor::execute(const QString &line)
+{
+    const QString typed = withoutCancels(line);
+    if (typed.trimmed().startsWith(u'(')) {
+        const QString first = typed.section(u'\n', 0, 0);
+        notify([&first](AcEditorReactor &reactor) { reactor.lispWillStart(first); });
+        const int result = evaluate(typed.trimmed());
+        notify([](AcEditorReactor &reactor) { reactor.lispEnded(); });
+        return result;
+    }
+    // The words behind the name answer its prompts; what is left over names the next command.
+    AcEdFeed feed(AcEdFeed::open, acedSplitLine(typed));
+    int result = RTNONE;
+    while (!feed.tokens().empty() && !m_quit) {
+        const QString name = std::get<QString>(feed.tokens().front());
+        feed.tokens().pop_front();
+        if (name.isEmpty())
+            continue;
+        result = runCommand(name);
+        if (result != RTNORM)
+            break;
+    }
+    return result;
+}
+
+void AcEditor::processInput()
+{
+    m_quit = false;
+    AcEdPrompt prompt;
+    prompt.message = QStringLiteral("\n命令: ");
+    for (;;) {
+        runQueue();
+        if (m_quit)
+            return;
+        const auto answer = acedFrontEnd().answer(prompt);
+        if (!answer)
+            return;
+        if (answer->kind == AcEdAnswer::text)
+            execute(answer->typed);
+        else if (answer->kind == AcEdAnswer::entity && curDoc())
+            curDoc()->pickSet().push_back(answer->picked);
+    }
+}
+
+void AcEditor::queueExpression(const QString &expression)
+{
+    m_queue.append(expression);
+}
+
+void AcEditor::runQueue()
+{
+    // Queued texts run between commands, one after the other, also those that they queue themselves.
+    while (m_active.isEmpty() && !m_queue.isEmpty() && !m_quit)
+        execute(m_queue.takeFirst());
+}
+
+AcEditor *acedEditor()
+{
+    static AcEditor editor;
+    return &editor;
+}
+
+void ads_queueexpr(const QString &expression)
+{
+    acedEditor()->queueExpression(expression);
+}
+
+int acedCommandS(std::initializer_list<AcEdToken> tokens)
+{
+    std::deque<AcEdToken> answers(tokens.begin(), tokens.end());
+    if (answers.empty() || !std::holds_alternative<QString>(answers.front()))
+        return RTERROR;
+    const QString name = std::get<QString>(answers.front());
+    answers.pop_front();
+    const AcEdFeed feed(AcEdFeed::closed, std::move(answers));
+    return acedEditor()->runCommand(name);
+}

@@ -1,0 +1,253 @@
+#include "host/acdb/dbapi.h"
+
+#include "host/acdb/dbdict.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/base/wildcard.h"
+
+#include <algorithm>
+#include <map>
+
+static bool isAngleCode(int code)
+{
+    return code >= 50 && code <= 58;
+}
+
+static bool isEntityNameCode(int code)
+{
+    return code >= 330 && code <= 369;
+}
+
+static QString handleText(AcDbHandle handle)
+{
+    return QString::number(handle.value, 16).toUpper();
+}
+
+// Angles are degrees in files and radians in data lists; references are entity names; handles are texts.
+static resbuf dataGroup(const AcDbDatabase &database, const resbuf &group)
+{
+    const bool isHandle = std::holds_alternative<AcDbHandle>(group.resval);
+    if (isHandle && isEntityNameCode(group.restype))
+        return {group.restype, database.getAcDbObjectId(group.handle())};
+    if (isHandle)
+        return {group.restype, handleText(group.handle())};
+    if (isAngleCode(group.restype) && std::holds_alternative<double>(group.resval))
+        return {group.restype, group.real() * kGePi / 180.0};
+    return {group.restype, group.resval};
+}
+
+static void appendSpace(ResbufList &data, AcDbObjectId block)
+{
+    AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+    const bool paper = record && record->isPaperSpace();
+    data.emplace_back(67, std::int64_t(paper ? 1 : 0));
+    data.emplace_back(410, record && record->isLayout() ? acdbLayoutName(block) : QStringLiteral("Model"));
+}
+
+static AcDbObjectId owningBlock(const AcDbStub &stub)
+{
+    const AcDbStub *owner = stub.database->stub(stub.owner);
+    while (owner->has(AcDbStub::kEntity))
+        owner = stub.database->stub(owner->owner);
+    return AcDbObjectId(stub.database->stub(owner->index));
+}
+
+static void appendExtendedData(ResbufList &data, const ResbufList &groups, const QString &applications)
+{
+    const base::Wildcard wanted(applications);
+    bool inWanted = false;
+    bool any = false;
+    for (std::size_t i = extendedDataBegin(groups); i < groups.size(); ++i) {
+        if (groups[i].restype == 1001)
+            inWanted = wanted.matches(groups[i].text());
+        if (!inWanted)
+            continue;
+        if (!std::exchange(any, true))
+            data.emplace_back(-3, resbuf::Value());
+        data.emplace_back(groups[i].restype, std::holds_alternative<AcDbHandle>(groups[i].resval)
+                                                 ? resbuf::Value(handleText(groups[i].handle()))
+                                                 : groups[i].resval);
+    }
+}
+
+// Owner before handle, unless braces follow the handle: then the handle, the braces, the owner.
+static void appendIdentity(ResbufList &data, const AcDbStub &stub, const ResbufList &braces)
+{
+    const int handleCode = acdbKindName(stub.kind) == "DIMSTYLE" ? 105 : 5;
+    const resbuf owner(330, stub.owner ? AcDbObjectId(stub.database->stub(stub.owner)) : AcDbObjectId());
+    const resbuf handle(handleCode, handleText({stub.handle}));
+    if (braces.empty())
+        data.push_back(owner);
+    data.push_back(handle);
+    data.insert(data.end(), braces.begin(), braces.end());
+    if (!braces.empty())
+        data.push_back(owner);
+}
+
+ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
+{
+    if (!id.isValid())
+        return {};
+    const AcDbStub &stub = *id.stub();
+    const AcDbDatabase &database = *stub.database;
+    const ResbufList groups = database.fileGroups(stub);
+    const std::size_t end = extendedDataBegin(groups);
+
+    ResbufList braces;
+    ResbufList content;
+    bool inBraces = false;
+    bool ownerSeen = false;
+    for (std::size_t i = 1; i < end; ++i) {
+        const resbuf &group = groups[i];
+        const bool opens = group.restype == 102 && group.text().startsWith(QLatin1Char('{')) && content.empty();
+        if (opens || inBraces) {
+            inBraces = opens || group.restype != 102;
+            braces.push_back(dataGroup(database, group));
+        } else if (content.empty() && (group.restype == 5 || group.restype == 105)) {
+            continue;
+        } else if (content.empty() && group.restype == 330 && !std::exchange(ownerSeen, true)) {
+            continue;
+        } else if (stub.has(AcDbStub::kEntity) && (group.restype == 67 || group.restype == 410)) {
+            continue;
+        } else {
+            content.push_back(dataGroup(database, group));
+        }
+    }
+
+    ResbufList data{{-1, id}, {0, groups.empty() ? QString() : groups.front().text()}};
+    appendIdentity(data, stub, braces);
+    std::size_t from = 0;
+    if (stub.has(AcDbStub::kEntity)) {
+        data.emplace_back(100, QStringLiteral("AcDbEntity"));
+        if (!content.empty() && content.front().restype == 100 && content.front().text() == u"AcDbEntity")
+            from = 1;
+        appendSpace(data, owningBlock(stub));
+    }
+    data.insert(data.end(), content.begin() + std::ptrdiff_t(from), content.end());
+    if (!applications.isEmpty())
+        appendExtendedData(data, groups, applications);
+    return data;
+}
+
+/// Copies objects with everything they own; references among the copied ones point to the copies.
+class ObjectCopier
+{
+public:
+    explicit ObjectCopier(AcDbDatabase &database) : m_database(database) {}
+
+    AcDbObjectId copyEntity(AcDbObjectId entity, AcDbBlockTableRecord &block)
+    {
+        AcDbObjectId copy;
+        if (block.appendAcDbEntity(copy, static_cast<AcDbEntity *>(duplicate(entity))) != Acad::eOk)
+            return {};
+        remember(entity, copy);
+        for (const AcDbObjectId owned : acdbSubEntities(entity)) {
+            AcDbObjectId part;
+            m_database.addAcDbObject(duplicate(owned), copy, &part);
+            part.stub()->set(AcDbStub::kSubEntity);
+            remember(owned, part);
+        }
+        copyExtensionDictionary(entity, copy);
+        return copy;
+    }
+
+    /// Settles the references and closes the copies; the outermost entity last, when it is whole.
+    void finish()
+    {
+        for (auto made = m_made.rbegin(); made != m_made.rend(); ++made) {
+            AcDbObject *const object = made->stub()->object;
+            for (resbuf &group : object->m_groups)
+                redirect(group);
+            object->close();
+        }
+        m_made.clear();
+        m_copies.clear();
+    }
+
+private:
+    AcDbObject *duplicate(AcDbObjectId id)
+    {
+        const AcDbStub &stub = *id.stub();
+        AcDbObjectPointer<AcDbObject> original(id, AcDb::kForRead);
+        AcRxClass *const known = original && original->m_isProxy ? AcDbEntity::desc() : id.objectClass();
+        auto *const copy = static_cast<AcDbObject *>(known->create());
+        copy->m_groups = original ? original->m_groups : m_database.fileGroups(stub);
+        copy->m_isProxy = original && original->m_isProxy;
+        acdbDropApplicationGroups(copy->m_groups);
+        std::erase_if(copy->m_groups, [](const resbuf &g) { return g.restype == 67; });
+        if (original && original->isCustom() && !original->m_isProxy) {
+            AcDbMemoryFiler out(AcDb::kDeepCloneFiler, &m_database);
+            original->dwgOutFields(&out);
+            AcDbMemoryFiler in(AcDb::kDeepCloneFiler, &m_database, out.stream());
+            copy->dwgInFields(&in);
+        }
+        return copy;
+    }
+
+    void remember(AcDbObjectId original, AcDbObjectId copy)
+    {
+        m_copies.emplace(original.handle(), copy.handle());
+        m_made.push_back(copy);
+    }
+
+    // The carrier is made anew for the copy when the drawing is saved.
+    void copyExtensionDictionary(AcDbObjectId original, AcDbObjectId copy)
+    {
+        AcDbObjectId dictionaryId;
+        {
+            AcDbObjectPointer<AcDbObject> object(original, AcDb::kForRead);
+            if (!object || object->isCustom())
+                return;
+            dictionaryId = object->extensionDictionary();
+        }
+        if (!dictionaryId.isValid())
+            return;
+        const AcDbObjectId dictionaryCopy = copyTree(dictionaryId, copy, 0);
+        copy.stub()->object->linkExtensionDictionary(dictionaryCopy.handle());
+    }
+
+    AcDbObjectId copyTree(AcDbObjectId original, AcDbObjectId owner, int depth)
+    {
+        static constexpr int kDeepest = 16;
+        AcDbObjectId copy;
+        m_database.addAcDbObject(duplicate(original), owner, &copy);
+        remember(original, copy);
+        AcDbObjectPointer<AcDbDictionary> dictionary(original, AcDb::kForRead);
+        if (!dictionary || depth == kDeepest)
+            return copy;
+        for (const AcDbDictionary::Entry &entry : dictionary->entries()) {
+            if (entry.id.isValid() && entry.id.stub()->owner == original.stub()->index)
+                copyTree(entry.id, copy, depth + 1);
+        }
+        return copy;
+    }
+
+    void redirect(resbuf &group)
+    {
+        if (group.restype == 5 || group.restype == 105 || !std::holds_alternative<AcDbHandle>(group.resval))
+            return;
+        if (const auto copied = m_copies.find(group.handle()); copied != m_copies.end())
+            group.assign(copied->second);
+    }
+
+    AcDbDatabase &m_database;
+    std::map<AcDbHandle, AcDbHandle> m_copies;
+    std::vector<AcDbObjectId> m_made;
+};
+
+Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
+                                        std::vector<AcDbObjectId> &copies)
+{
+    AcDbObjectPointer<AcDbBlockTableRecord> block(blockRecord, AcDb::kForWrite);
+    if (!block)
+        return block.openStatus();
+    for (const AcDbObjectId entity : entities) {
+        if (!entity.isValid() || !entity.isEntity())
+            continue;
+        ObjectCopier copier(*blockRecord.database());
+        const AcDbObjectId copy = copier.copyEntity(entity, *block);
+        copier.finish();
+        if (!copy.isNull())
+            copies.push_back(copy);
+    }
+    return Acad::eOk;
+}

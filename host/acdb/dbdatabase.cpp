@@ -1,0 +1,519 @@
+#include "host/acdb/dbdatabase.h"
+
+#include "host/acdb/dbdict.h"
+#include "host/acdb/dbreactor.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
+#include "host/acdb/dwgcarrier.h"
+#include "host/base/assert.h"
+
+#include <algorithm>
+#include <set>
+
+static std::set<AcDbDatabase *> &openDatabases()
+{
+    static std::set<AcDbDatabase *> all;
+    return all;
+}
+
+/// Objects of a class that leaves go back to groups; kept groups become objects when their class comes.
+class ClassObserver : public AcRxClassObserver
+{
+public:
+    static void install()
+    {
+        static ClassObserver observer;
+        static const bool installed = (acrxClassDictionary().addObserver(&observer), true);
+        (void)installed;
+    }
+    void classAppeared(AcRxClass *added) override
+    {
+        for (AcDbDatabase *database : openDatabases())
+            database->classAppeared(added);
+    }
+    void classToBeDeleted(AcRxClass *doomed) override
+    {
+        for (AcDbDatabase *database : openDatabases())
+            database->classRemoved(doomed);
+    }
+};
+
+AcDbDatabase::AcDbDatabase() : m_undo(std::make_unique<AcDbUndo>(*this))
+{
+    acdbRegisterClasses();
+    ClassObserver::install();
+    openDatabases().insert(this);
+    newStub(); // Index 0 means "none".
+}
+
+AcDbDatabase::~AcDbDatabase()
+{
+    for (std::size_t i = m_reactors.size(); i-- > 0;)
+        m_reactors[i]->goodbye(this);
+    openDatabases().erase(this);
+    for (std::uint32_t i = 0; i < m_stubCount; ++i)
+        delete stub(i)->object;
+}
+
+DrawingVersion AcDbDatabase::version() const
+{
+    return m_source ? m_source->version() : DrawingVersion::unknown;
+}
+
+AcDbStub *AcDbDatabase::newStub()
+{
+    if (m_stubCount % kChunk == 0)
+        m_chunks.push_back(std::make_unique<AcDbStub[]>(kChunk));
+    AcDbStub *const added = stub(m_stubCount);
+    added->database = this;
+    added->index = m_stubCount++;
+    return added;
+}
+
+AcDbObjectId AcDbDatabase::getAcDbObjectId(AcDbHandle handle) const
+{
+    const auto place = std::ranges::lower_bound(m_byHandle, handle.value, {},
+                                                [this](std::uint32_t index) { return stub(index)->handle; });
+    if (handle.isNull() || place == m_byHandle.end() || stub(*place)->handle != handle.value)
+        return {};
+    return AcDbObjectId(stub(*place));
+}
+
+void AcDbDatabase::indexHandle(AcDbStub *added)
+{
+    const auto place = std::ranges::lower_bound(m_byHandle, added->handle, {},
+                                                [this](std::uint32_t index) { return stub(index)->handle; });
+    m_byHandle.insert(place, added->index);
+}
+
+// Objects in memory ------------------------------------------------------------------------------
+
+// The fields of a custom class stand between the host's own groups and the extended data; the class's
+// marker begins them.
+static std::size_t ownFieldsBegin(const ResbufList &groups, bool isEntity)
+{
+    std::size_t i = 0;
+    while (i < groups.size() && groups[i].restype != 1001 &&
+           (groups[i].restype != 100 || (isEntity && groups[i].text() == u"AcDbEntity")))
+        ++i;
+    return i;
+}
+
+std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList groups) const
+{
+    const bool isEntity = stub.has(AcDbStub::kEntity);
+    AcRxClass *const known = acdbKindClass(stub.kind, isEntity);
+    const auto asKept = [&](bool isProxy) {
+        std::unique_ptr<AcDbObject> kept(
+            isProxy ? (isEntity ? new AcDbEntity : new AcDbObject) : static_cast<AcDbObject *>(known->create()));
+        kept->m_stub = &stub;
+        kept->m_isProxy = isProxy;
+        kept->m_groups = std::move(groups);
+        return kept;
+    };
+    if (!known->application())
+        return asKept(false);
+
+    const auto own = groups.begin() + std::ptrdiff_t(ownFieldsBegin(groups, isEntity));
+    const auto extended = groups.begin() + std::ptrdiff_t(extendedDataBegin(groups));
+    std::unique_ptr<AcDbObject> object(static_cast<AcDbObject *>(known->create()));
+    object->m_stub = &stub;
+    object->m_writing = true;
+    object->m_groups.assign(groups.begin(), own);
+    object->m_groups.insert(object->m_groups.end(), extended, groups.end());
+
+    // What DXF does not carry comes from the carrier; then the DXF fields have the last word.
+    auto *const self = const_cast<AcDbDatabase *>(this);
+    if (const QByteArray carried = acdbCarriedFields(*this, object->m_groups); !carried.isEmpty()) {
+        AcDbMemoryFiler filer(AcDb::kFileFiler, self, carried);
+        object->dwgInFields(&filer);
+    }
+    AcDbDxfFiler filer(self, ResbufList(own, extended));
+    const Acad::ErrorStatus status = object->dxfInFields(&filer);
+    object->m_writing = false;
+    return status == Acad::eOk ? std::move(object) : asKept(true);
+}
+
+AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
+{
+    if (!stub.object)
+        stub.object = materialise(stub, m_source->read(stub)).release();
+    return stub.object;
+}
+
+// Custom objects stay: making them again costs more than keeping them. Native ones are made in a blink.
+void AcDbDatabase::releaseIdle(AcDbStub &stub)
+{
+    const AcDbObject *const object = stub.object;
+    if (!object || object->m_writing || object->m_notifying || object->m_readers > 0)
+        return;
+    if (stub.has(AcDbStub::kChanged) || !stub.has(AcDbStub::kHasSource) || object->isCustom())
+        return;
+    delete std::exchange(stub.object, nullptr);
+}
+
+void AcDbDatabase::replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> object)
+{
+    if (const AcDbObject *const old = stub.object)
+        QUILL_ASSERT(!old->m_writing && old->m_readers == 0);
+    delete std::exchange(stub.object, object.release());
+}
+
+Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased)
+{
+    object = nullptr;
+    if (id.isNull())
+        return Acad::eNullObjectId;
+    if (id.database() != this)
+        return Acad::eWrongDatabase;
+    AcDbStub &stub = *id.stub();
+    if (stub.has(AcDbStub::kErased) && !openErased)
+        return Acad::eWasErased;
+    AcDbObject *const opened = resident(stub);
+    if (opened->m_writing)
+        return Acad::eWasOpenForWrite;
+    if (mode == AcDb::kForRead) {
+        ++opened->m_readers;
+    } else if (mode == AcDb::kForNotify) {
+        opened->m_notifying = true;
+    } else {
+        if (opened->m_readers > 0)
+            return Acad::eWasOpenForRead;
+        if (opened->m_notifying)
+            return Acad::eWasOpenForNotify;
+        if (onLockedLayer(*opened)) {
+            releaseIdle(stub);
+            return Acad::eOnLockedLayer;
+        }
+        m_undo->recordObject(stub);
+        opened->m_writing = true;
+    }
+    object = opened;
+    return Acad::eOk;
+}
+
+bool AcDbDatabase::onLockedLayer(const AcDbObject &object) const
+{
+    if (!object.m_stub->has(AcDbStub::kEntity) || object.m_isNew)
+        return false;
+    const resbuf *const layer = findGroup(object.m_groups, 8);
+    const AcDbObjectId record = layer ? tableRecord(SymbolTable::layer, layer->text()) : AcDbObjectId();
+    if (record.isNull())
+        return false;
+    const ResbufList groups = fileGroups(*record.stub());
+    const resbuf *const flags = findGroup(groups, 70);
+    return flags && (flags->integer() & 4);
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id)
+{
+    if (!object)
+        return Acad::eNullObjectPointer;
+    if (object->m_stub)
+        return Acad::eAlreadyInDb;
+    AcDbStub *const added = newStub();
+    added->kind = acdbKind(object->dxfName());
+    added->handle = m_nextHandle++;
+    added->owner = owner.isNull() ? 0 : owner.stub()->index;
+    added->set(AcDbStub::kEntity, object->isKindOf(AcDbEntity::desc()));
+    added->object = object;
+    indexHandle(added);
+    object->m_stub = added;
+    object->m_writing = true;
+    object->m_isNew = true;
+    object->stampIdentity();
+    m_undo->recordAppended(*added);
+    if (object->isCustom())
+        ensureClass(*object->isA());
+    noteChange(*added);
+    if (id)
+        *id = AcDbObjectId(added);
+    return Acad::eOk;
+}
+
+void AcDbDatabase::noteChange(AcDbStub &stub)
+{
+    stub.set(AcDbStub::kChanged);
+    ++m_changeCount;
+    if (!stub.has(AcDbStub::kInChangeList)) {
+        stub.set(AcDbStub::kInChangeList);
+        m_changed.push_back(stub.index);
+    }
+    if (!stub.has(AcDbStub::kEntity)) {
+        for (Table &table : m_tables)
+            table.named = false;
+    }
+}
+
+// A reactor that upgraded the object to write has it closed for it.
+void AcDbDatabase::notifyWhileOpen(AcDbStub &stub,
+                                   const std::function<void(AcDbDatabaseReactor &, AcDbObject &)> &event)
+{
+    AcDbObject *const object = stub.object;
+    const bool wasNotifying = std::exchange(object->m_notifying, true);
+    const std::vector<AcDbDatabaseReactor *> hearers = m_reactors;
+    for (AcDbDatabaseReactor *reactor : hearers) {
+        if (std::ranges::find(m_reactors, reactor) != m_reactors.end())
+            event(*reactor, *object);
+        if (std::exchange(object->m_writing, false))
+            noteChange(stub);
+    }
+    object->m_notifying = wasNotifying;
+}
+
+void AcDbDatabase::finishWriting(AcDbStub &stub)
+{
+    AcDbObject *const object = stub.object;
+    object->m_writing = false;
+    const bool isNew = std::exchange(object->m_isNew, false);
+    noteChange(stub);
+    if (object->m_notifying)
+        return; // The change of a reactor is part of what is being told already.
+    notifyWhileOpen(stub, [this, isNew](AcDbDatabaseReactor &reactor, AcDbObject &changed) {
+        if (isNew)
+            reactor.objectAppended(this, &changed);
+        else
+            reactor.objectModified(this, &changed);
+    });
+}
+
+void AcDbDatabase::setErased(AcDbStub &stub, bool erased)
+{
+    for (const AcDbObjectId owned : acdbSubEntities(AcDbObjectId(&stub))) {
+        m_undo->recordObject(*owned.stub());
+        resident(*owned.stub());
+        owned.stub()->set(AcDbStub::kErased, erased);
+        noteChange(*owned.stub());
+    }
+    stub.set(AcDbStub::kErased, erased);
+    noteChange(stub);
+    AcDbObject *const object = resident(stub);
+    const bool wasWriting = std::exchange(object->m_writing, false);
+    notifyWhileOpen(stub, [this, erased](AcDbDatabaseReactor &reactor, AcDbObject &changed) {
+        reactor.objectErased(this, &changed, erased);
+    });
+    object->m_writing = wasWriting;
+}
+
+ResbufList AcDbDatabase::fileGroups(const AcDbStub &stub) const
+{
+    AcDbObject *const object = stub.object;
+    if (!object)
+        return m_source->read(stub);
+    if (object->m_isProxy || !object->isCustom())
+        return object->m_groups;
+    ++object->m_readers;
+    AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this));
+    object->dxfOutFields(&filer);
+    --object->m_readers;
+    ResbufList groups = object->m_groups;
+    groups.insert(groups.begin() + std::ptrdiff_t(extendedDataBegin(groups)), filer.groups().begin(),
+                  filer.groups().end());
+    return groups;
+}
+
+// Classes that come and go ------------------------------------------------------------------------
+
+void AcDbDatabase::classAppeared(const AcRxClass *added)
+{
+    for (std::uint32_t i = 1; i < m_stubCount; ++i) {
+        AcDbStub &kept = *stub(i);
+        if (!kept.object || !kept.object->m_isProxy || acdbKindName(kept.kind) != added->dxfName())
+            continue;
+        if (kept.has(AcDbStub::kChanged))
+            replaceObject(kept, materialise(kept, kept.object->m_groups));
+        else
+            replaceObject(kept, nullptr);
+    }
+}
+
+void AcDbDatabase::classRemoved(const AcRxClass *doomed)
+{
+    acdbPrepareDxfSave(*this);
+    bool any = false;
+    for (std::uint32_t i = 1; i < m_stubCount; ++i) {
+        AcDbStub &leaving = *stub(i);
+        if (!leaving.object || leaving.object->m_isProxy || leaving.object->isA() != doomed)
+            continue;
+        any = true;
+        std::unique_ptr<AcDbObject> kept;
+        if (leaving.has(AcDbStub::kChanged) || !leaving.has(AcDbStub::kHasSource)) {
+            kept.reset(leaving.has(AcDbStub::kEntity) ? new AcDbEntity : new AcDbObject);
+            kept->m_stub = &leaving;
+            kept->m_isProxy = true;
+            kept->m_groups = fileGroups(leaving);
+        }
+        replaceObject(leaving, std::move(kept));
+    }
+    // Before-images hold fields that nobody can read any more.
+    if (any)
+        m_undo->clear();
+}
+
+void AcDbDatabase::ensureClass(const AcRxClass &added)
+{
+    const auto sameNames = [&](const DrawingClass &c) {
+        return c.dxfName == added.dxfName() && c.className == added.name();
+    };
+    if (std::ranges::any_of(m_classes, sameNames))
+        return;
+    m_classes.push_back({added.dxfName(), added.name(), added.application()->description,
+                         added.application()->proxyFlags, false, added.isDerivedFrom(AcDbEntity::desc()), false});
+}
+
+// Structure ---------------------------------------------------------------------------------------
+
+AcDbObjectId AcDbDatabase::symbolTableId(SymbolTable kind) const
+{
+    return AcDbObjectId(table(kind).head);
+}
+
+const std::vector<std::uint32_t> &AcDbDatabase::tableRecords(SymbolTable kind) const
+{
+    return table(kind).records;
+}
+
+void AcDbDatabase::registerRecord(SymbolTable kind, AcDbStub *record)
+{
+    table(kind).records.push_back(record->index);
+    table(kind).named = false;
+    if (kind == SymbolTable::block)
+        m_blocks.try_emplace(record->index);
+}
+
+AcDbObjectId AcDbDatabase::tableRecord(SymbolTable kind, const QString &name) const
+{
+    Table &names = table(kind);
+    if (!names.named) {
+        names.byName.clear();
+        for (const std::uint32_t index : names.records) {
+            if (stub(index)->has(AcDbStub::kErased))
+                continue;
+            const ResbufList groups = fileGroups(*stub(index));
+            if (const resbuf *const own = findGroup(groups, 2))
+                names.byName.try_emplace(own->text().toCaseFolded(), index);
+        }
+        names.named = true;
+    }
+    const auto found = names.byName.find(name.toCaseFolded());
+    return found == names.byName.end() ? AcDbObjectId() : AcDbObjectId(stub(found->second));
+}
+
+AcDbObjectId AcDbDatabase::modelSpaceId() const
+{
+    return tableRecord(SymbolTable::block, QStringLiteral("*Model_Space"));
+}
+
+AcDbObjectId AcDbDatabase::paperSpaceId() const
+{
+    return tableRecord(SymbolTable::block, QStringLiteral("*Paper_Space"));
+}
+
+AcDbObjectId AcDbDatabase::currentSpaceId() const
+{
+    if (m_currentSpace.isValid())
+        return m_currentSpace;
+    return headerInteger("$TILEMODE", 1) != 0 ? modelSpaceId() : paperSpaceId();
+}
+
+const BlockContents *AcDbDatabase::blockContents(AcDbObjectId blockRecord) const
+{
+    const auto found = blockRecord.isNull() ? m_blocks.end() : m_blocks.find(blockRecord.stub()->index);
+    return found == m_blocks.end() ? nullptr : &found->second;
+}
+
+// Drawing variables -------------------------------------------------------------------------------
+
+const ResbufList *AcDbDatabase::headerVariable(const QByteArray &name) const
+{
+    const auto found = m_header.find(name);
+    return found == m_header.end() || !found->second.present ? nullptr : &found->second.groups;
+}
+
+static const resbuf *firstValue(const ResbufList *groups)
+{
+    return groups && !groups->empty() ? &groups->front() : nullptr;
+}
+
+QString AcDbDatabase::headerText(const QByteArray &name, const QString &fallback) const
+{
+    const resbuf *const value = firstValue(headerVariable(name));
+    return value ? value->text() : fallback;
+}
+
+std::int64_t AcDbDatabase::headerInteger(const QByteArray &name, std::int64_t fallback) const
+{
+    const resbuf *const value = firstValue(headerVariable(name));
+    return value ? value->integer() : fallback;
+}
+
+double AcDbDatabase::headerReal(const QByteArray &name, double fallback) const
+{
+    const resbuf *const value = firstValue(headerVariable(name));
+    return value ? value->real() : fallback;
+}
+
+AcGePoint3d AcDbDatabase::headerPoint(const QByteArray &name, AcGePoint3d fallback) const
+{
+    const resbuf *const value = firstValue(headerVariable(name));
+    return value ? value->point() : fallback;
+}
+
+void AcDbDatabase::setHeaderVariable(const QByteArray &name, ResbufList groups)
+{
+    const auto known = m_header.find(name);
+    if (known != m_header.end() && known->second.present && known->second.groups == groups)
+        return;
+    m_undo->recordHeader(name);
+    if (known == m_header.end())
+        m_headerNames.push_back(name);
+    HeaderValue &value = m_header[name];
+    value.groups = std::move(groups);
+    value.present = true;
+    value.changed = true;
+    ++m_changeCount;
+    for (AcDbDatabaseReactor *reactor : std::vector(m_reactors))
+        reactor->headerSysVarChanged(this, name.constData());
+}
+
+std::vector<QByteArray> AcDbDatabase::changedHeaderNames() const
+{
+    std::vector<QByteArray> changed;
+    std::ranges::copy_if(m_headerNames, std::back_inserter(changed), [this](const QByteArray &name) {
+        const HeaderValue &value = m_header.at(name);
+        return value.changed && value.present;
+    });
+    return changed;
+}
+
+// Changes -----------------------------------------------------------------------------------------
+
+std::vector<AcDbStub *> AcDbDatabase::changedStubs() const
+{
+    std::vector<AcDbStub *> changed;
+    for (const std::uint32_t index : m_changed) {
+        AcDbStub *const candidate = stub(index);
+        const bool inFile = candidate->has(AcDbStub::kHasSource);
+        const bool erased = candidate->has(AcDbStub::kErased);
+        if (candidate->has(AcDbStub::kNoFileForm))
+            continue;
+        if (inFile ? erased || candidate->has(AcDbStub::kChanged) : !erased)
+            changed.push_back(candidate);
+    }
+    return changed;
+}
+
+bool AcDbDatabase::hasChanges() const
+{
+    return !changedStubs().empty() || !changedHeaderNames().empty();
+}
+
+void AcDbDatabase::addReactor(AcDbDatabaseReactor *reactor)
+{
+    m_reactors.push_back(reactor);
+}
+
+void AcDbDatabase::removeReactor(AcDbDatabaseReactor *reactor)
+{
+    std::erase(m_reactors, reactor);
+}

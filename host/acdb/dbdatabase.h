@@ -1,0 +1,208 @@
+// AcDbDatabase: one drawing in memory.
+//
+// Source bytes and overlay: an object is its bytes in the drawing source until somebody writes to it;
+// from then on the resident object is the truth. Reading makes an object from its bytes and forgets it
+// again at closing. What nobody touches is never decoded and is saved as it came.
+//
+// All operations run on one thread. Ids stay good for the life of the database.
+#pragma once
+
+#include "host/acdb/dbid.h"
+#include "host/acdb/dbsource.h"
+#include "host/acdb/errorstatus.h"
+#include "host/acdb/resbuf.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+class AcDbDatabaseReactor;
+class AcDbLoader;
+class AcDbUndo;
+
+namespace AcDb
+{
+enum OpenMode { kForRead, kForWrite, kForNotify };
+} // namespace AcDb
+
+enum class SymbolTable { viewport, linetype, layer, textStyle, view, ucs, appId, dimStyle, block };
+inline constexpr std::size_t kSymbolTableCount = 9;
+
+/// A class record of the drawing's CLASSES section.
+struct DrawingClass {
+    QByteArray dxfName;
+    QString className;
+    QString application;
+    int proxyFlags = 0;
+    bool wasProxy = false;
+    bool isEntity = false;
+    bool fromSource = false; ///< Stands in the file already.
+};
+
+/// The entities of one block definition, model space or layout, in drawing order. Entities that others
+/// own (attributes, vertices) are not listed: they follow their owner among the stubs.
+struct BlockContents {
+    AcDbStub *blockBegin = nullptr; ///< BLOCK; null when the file has none.
+    AcDbStub *blockEnd = nullptr;   ///< ENDBLK
+    std::vector<std::uint32_t> entities;
+};
+
+class AcDbDatabase
+{
+public:
+    AcDbDatabase();
+    ~AcDbDatabase();
+    AcDbDatabase(const AcDbDatabase &) = delete;
+    AcDbDatabase &operator=(const AcDbDatabase &) = delete;
+
+    /// Null only before a loader has filled the database.
+    const DrawingSource *source() const { return m_source.get(); }
+    DrawingVersion version() const;
+    /// What opening had to mend, one sentence each, in file order.
+    const QStringList &repairs() const { return m_repairs; }
+
+    // Objects ------------------------------------------------------------------------------------
+    AcDbObjectId getAcDbObjectId(AcDbHandle handle) const;
+    /// All objects, erased ones included; index 0 is not used.
+    std::uint32_t stubCount() const { return m_stubCount; }
+    AcDbStub *stub(std::uint32_t index) const { return &m_chunks[index / kChunk][index % kChunk]; }
+
+    /// Opens an object. eWasErased unless `openErased`; eWasOpenForWrite while a writer has it;
+    /// eWasOpenForRead when a writer is asked for while readers have it; eOnLockedLayer for writing to
+    /// an entity on a locked layer. The object belongs to the database.
+    Acad::ErrorStatus openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
+    /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
+    /// write. Entities go through AcDbBlockTableRecord::appendAcDbEntity instead.
+    Acad::ErrorStatus addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id = nullptr);
+    /// The handle that the next new object gets ($HANDSEED).
+    AcDbHandle handseed() const { return {m_nextHandle}; }
+
+    // Structure ----------------------------------------------------------------------------------
+    /// The table's own object; a null id when the file has none (R12).
+    AcDbObjectId symbolTableId(SymbolTable table) const;
+    /// Records in table order, erased ones included.
+    const std::vector<std::uint32_t> &tableRecords(SymbolTable table) const;
+    /// A record by name, ignoring letter case; null when missing or erased.
+    AcDbObjectId tableRecord(SymbolTable table, const QString &name) const;
+    AcDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
+    /// For drawings that came without one; see acdbEnsureNamedObjects().
+    void setNamedObjectsDictionary(AcDbObjectId dictionary) { m_namedObjects = dictionary; }
+
+    AcDbObjectId modelSpaceId() const;
+    /// The paper space that "*Paper_Space" names: the layout that is current when TILEMODE is 0.
+    AcDbObjectId paperSpaceId() const;
+    /// The space that new entities go to: model or paper space by $TILEMODE, unless another layout was set.
+    AcDbObjectId currentSpaceId() const;
+    /// Block record of a layout; null goes back to the rule above.
+    void setCurrentSpace(AcDbObjectId layoutBlock) { m_currentSpace = layoutBlock; }
+    /// Contents of a block record; null when `blockRecord` is none.
+    const BlockContents *blockContents(AcDbObjectId blockRecord) const;
+
+    const std::vector<DrawingClass> &classes() const { return m_classes; }
+    /// Class records of custom classes that this drawing's objects need and that are not there yet are
+    /// added when such an object is added.
+    void ensureClass(const AcRxClass &added);
+
+    // Drawing variables --------------------------------------------------------------------------
+    /// Names carry the dollar sign: "$CLAYER". Null when the drawing does not have the variable.
+    const ResbufList *headerVariable(const QByteArray &name) const;
+    QString headerText(const QByteArray &name, const QString &fallback = {}) const;
+    std::int64_t headerInteger(const QByteArray &name, std::int64_t fallback = 0) const;
+    double headerReal(const QByteArray &name, double fallback = 0.0) const;
+    AcGePoint3d headerPoint(const QByteArray &name, AcGePoint3d fallback = {}) const;
+    /// Sets or adds a variable; part of the current undo group.
+    void setHeaderVariable(const QByteArray &name, ResbufList groups);
+    /// Names in file order, then the added ones.
+    const std::vector<QByteArray> &headerNames() const { return m_headerNames; }
+    /// Variables that differ from the source, in the order of their first change.
+    std::vector<QByteArray> changedHeaderNames() const;
+
+    // Changes ------------------------------------------------------------------------------------
+    AcDbUndo &undo() { return *m_undo; }
+    /// Stubs whose saved form differs from the source: changed, erased, new. Order of first change.
+    std::vector<AcDbStub *> changedStubs() const;
+    /// True when saving would write anything else than the source bytes.
+    bool hasChanges() const;
+    /// Counts every change to anything; equal numbers mean that nothing happened in between.
+    std::uint64_t changeCount() const { return m_changeCount; }
+
+    void addReactor(AcDbDatabaseReactor *reactor);
+    void removeReactor(AcDbDatabaseReactor *reactor);
+
+    /// The object's groups in file form, custom objects included: what saving writes.
+    ResbufList fileGroups(const AcDbStub &stub) const;
+
+private:
+    friend class AcDbLoader;
+    friend class AcDbObject;
+    friend class AcDbUndo;
+    friend class AcDbBlockTableRecord;
+    friend class AcDbSymbolTable;
+    friend class ClassObserver;
+    friend class CarrierKeeper;
+
+    static constexpr std::uint32_t kChunk = 4096;
+    struct Table {
+        AcDbStub *head = nullptr;
+        std::vector<std::uint32_t> records;
+        mutable std::unordered_map<QString, std::uint32_t> byName; ///< Folded name to index; built on use.
+        mutable bool named = false;
+    };
+    struct HeaderValue {
+        ResbufList groups;
+        bool present = true;  ///< False: an undone addition.
+        bool changed = false; ///< Differs from the source.
+        bool fromSource = false;
+    };
+
+    AcDbStub *newStub();
+    std::unique_ptr<AcDbObject> materialise(AcDbStub &stub, ResbufList groups) const;
+    AcDbObject *resident(AcDbStub &stub);
+    void releaseIdle(AcDbStub &stub);
+    void replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> object);
+    void noteChange(AcDbStub &stub);
+    void finishWriting(AcDbStub &stub);
+    void setErased(AcDbStub &stub, bool erased);
+    void notifyWhileOpen(AcDbStub &stub, const std::function<void(AcDbDatabaseReactor &, AcDbObject &)> &event);
+    void indexHandle(AcDbStub *stub);
+    void registerRecord(SymbolTable table, AcDbStub *stub);
+    bool onLockedLayer(const AcDbObject &object) const;
+    void classAppeared(const AcRxClass *added);
+    void classRemoved(const AcRxClass *doomed);
+    Table &table(SymbolTable kind) const { return m_tables[std::size_t(kind)]; }
+
+    std::unique_ptr<DrawingSource> m_source;
+    std::vector<std::unique_ptr<AcDbStub[]>> m_chunks;
+    std::uint32_t m_stubCount = 0;
+    std::vector<std::uint32_t> m_byHandle; ///< Stub indexes in ascending order of handle.
+    std::uint64_t m_nextHandle = 1;
+    mutable std::array<Table, kSymbolTableCount> m_tables;
+    std::unordered_map<std::uint32_t, BlockContents> m_blocks; ///< By index of the block record's stub.
+    AcDbObjectId m_namedObjects;
+    AcDbObjectId m_currentSpace;
+    std::vector<DrawingClass> m_classes;
+    std::vector<QByteArray> m_headerNames;
+    std::unordered_map<QByteArray, HeaderValue> m_header;
+    std::vector<std::uint32_t> m_changed;
+    std::uint64_t m_changeCount = 0;
+    std::unique_ptr<AcDbUndo> m_undo;
+    std::vector<AcDbDatabaseReactor *> m_reactors;
+    /// Carriers made for saving, by the index of the entity's stub.
+    struct Carrier {
+        AcDbObjectId dictionary;
+        AcDbObjectId record;
+        bool madeDictionary = false;
+    };
+    std::unordered_map<std::uint32_t, Carrier> m_carriers;
+    QStringList m_repairs;
+};
+
+/// Numbers DXF object names for the process; the same name gives the same number.
+AcDbKind acdbKind(const QByteArray &dxfName);
+const QByteArray &acdbKindName(AcDbKind kind);
+/// The registered class for a kind; AcDbEntity or AcDbObject for kinds without one.
+AcRxClass *acdbKindClass(AcDbKind kind, bool isEntity);
+/// Registers the host's own object classes; harmless when repeated.
+void acdbRegisterClasses();

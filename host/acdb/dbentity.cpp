@@ -1,0 +1,157 @@
+#include "host/acdb/dbentity.h"
+
+#include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbtransform.h"
+
+static AcDbNativeExtents s_nativeExtents = nullptr;
+
+void acdbSetNativeExtents(AcDbNativeExtents provider)
+{
+    s_nativeExtents = provider;
+}
+
+AcDbEntity::AcDbEntity() = default;
+
+AcDbEntity::AcDbEntity(const QByteArray &dxfName) : AcDbObject(dxfName)
+{
+    ResbufList &groups = editGroups();
+    groups.emplace_back(100, QStringLiteral("AcDbEntity"));
+    groups.emplace_back(8, QStringLiteral("0"));
+}
+
+std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups)
+{
+    std::unique_ptr<AcDbEntity> entity(new AcDbEntity(dxfName));
+    ResbufList &groups = entity->editGroups();
+    groups.insert(groups.end(), std::make_move_iterator(ownGroups.begin()), std::make_move_iterator(ownGroups.end()));
+    return entity;
+}
+
+AcRxClass *AcDbEntity::isA() const
+{
+    AcRxClass *const known = AcDbObject::isA();
+    return known->isDerivedFrom(AcDbEntity::desc()) ? known : AcDbEntity::desc();
+}
+
+static QString textGroup(const AcDbEntity &entity, int code, const QString &fallback)
+{
+    const resbuf *const group = findGroup(entity.groups(), code);
+    return group ? group->text() : fallback;
+}
+
+static int integerGroup(const AcDbEntity &entity, int code, int fallback)
+{
+    const resbuf *const group = findGroup(entity.groups(), code);
+    return group ? int(group->integer()) : fallback;
+}
+
+QString AcDbEntity::layer() const
+{
+    return textGroup(*this, 8, QStringLiteral("0"));
+}
+
+AcDbObjectId AcDbEntity::layerId() const
+{
+    return database() ? database()->tableRecord(SymbolTable::layer, layer()) : AcDbObjectId();
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(const QString &name)
+{
+    if (database() && !database()->tableRecord(SymbolTable::layer, name).isValid())
+        return Acad::eKeyNotFound;
+    setGroup(8, name, u"AcDbEntity");
+    return Acad::eOk;
+}
+
+int AcDbEntity::colorIndex() const
+{
+    return integerGroup(*this, 62, 256);
+}
+
+Acad::ErrorStatus AcDbEntity::setColorIndex(int index)
+{
+    if (index < 0 || index > 256)
+        return Acad::eInvalidInput;
+    ResbufList &groups = editGroups();
+    // A true colour would win over the index.
+    std::erase_if(groups, [](const resbuf &g) { return g.restype == 420 || g.restype == 430; });
+    setGroup(62, std::int64_t(index), u"AcDbEntity");
+    return Acad::eOk;
+}
+
+QString AcDbEntity::linetype() const
+{
+    return textGroup(*this, 6, QStringLiteral("BYLAYER"));
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetype(const QString &name)
+{
+    if (database() && !database()->tableRecord(SymbolTable::linetype, name).isValid())
+        return Acad::eKeyNotFound;
+    setGroup(6, name, u"AcDbEntity");
+    return Acad::eOk;
+}
+
+double AcDbEntity::linetypeScale() const
+{
+    const resbuf *const group = findGroup(groups(), 48);
+    return group ? group->real() : 1.0;
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale)
+{
+    if (!(scale > 0.0))
+        return Acad::eInvalidInput;
+    setGroup(48, scale, u"AcDbEntity");
+    return Acad::eOk;
+}
+
+int AcDbEntity::lineWeight() const
+{
+    return integerGroup(*this, 370, -1);
+}
+
+Acad::ErrorStatus AcDbEntity::setLineWeight(int weight)
+{
+    if (weight < -3 || weight > 211)
+        return Acad::eInvalidInput;
+    setGroup(370, std::int64_t(weight), u"AcDbEntity");
+    return Acad::eOk;
+}
+
+AcDbObjectId AcDbEntity::blockId() const
+{
+    AcDbObjectId owner = ownerId();
+    while (owner.isEntity())
+        owner = AcDbObjectId(owner.database()->stub(owner.stub()->owner));
+    return owner;
+}
+
+Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents &extents) const
+{
+    assertReadEnabled();
+    return subGetGeomExtents(extents);
+}
+
+Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents &extents) const
+{
+    return s_nativeExtents ? s_nativeExtents(*this, extents) : Acad::eInvalidExtents;
+}
+
+Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
+{
+    assertWriteEnabled();
+    if (const Acad::ErrorStatus refused = subTransformBy(matrix); refused != Acad::eOk)
+        return refused;
+    for (const AcDbObjectId owned : acdbSubEntities(objectId())) {
+        AcDbObjectPointer<AcDbEntity> part(owned, AcDb::kForWrite);
+        if (part)
+            part->subTransformBy(matrix);
+    }
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d &matrix)
+{
+    return acdbTransformGroups(editGroups(), matrix);
+}

@@ -1,0 +1,54 @@
+// AcDbEntity: an object that stands in a block and has a layer, a colour, a linetype.
+#pragma once
+
+#include "host/acdb/dbobject.h"
+#include "host/acge/geextents.h"
+#include "host/acge/gematrix.h"
+
+class AcDbEntity : public AcDbObject
+{
+public:
+    AcDbEntity();
+    static AcRxClass *desc();
+    AcRxClass *isA() const override;
+
+    QString layer() const;
+    AcDbObjectId layerId() const;
+    /// eKeyNotFound when the drawing has no such layer (an entity in no drawing takes any name).
+    Acad::ErrorStatus setLayer(const QString &name);
+    /// 1 to 255, 256 by layer, 0 by block.
+    int colorIndex() const;
+    virtual Acad::ErrorStatus setColorIndex(int index);
+    QString linetype() const;
+    virtual Acad::ErrorStatus setLinetype(const QString &name);
+    double linetypeScale() const;
+    virtual Acad::ErrorStatus setLinetypeScale(double scale);
+    /// Hundredths of a millimetre; -1 by layer, -2 by block, -3 default.
+    int lineWeight() const;
+    virtual Acad::ErrorStatus setLineWeight(int weight);
+    /// The block record whose contents the entity is part of.
+    AcDbObjectId blockId() const;
+
+    /// World extents; eInvalidExtents for what has none.
+    Acad::ErrorStatus getGeomExtents(AcDbExtents &extents) const;
+    /// Needs write access. Attributes and vertices go along.
+    Acad::ErrorStatus transformBy(const AcGeMatrix3d &matrix);
+
+    // Overridden by custom entities --------------------------------------------------------------
+    virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const;
+    virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix);
+
+protected:
+    /// A new entity of a custom kind: subclass marker AcDbEntity, layer "0".
+    explicit AcDbEntity(const QByteArray &dxfName);
+
+private:
+    friend std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups);
+};
+
+/// A native entity in no drawing: layer "0" and the groups of its own subclasses, markers included.
+std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups);
+
+/// How the extents of native entities are found: given by the drawing layer, which knows how each draws.
+using AcDbNativeExtents = Acad::ErrorStatus (*)(const AcDbEntity &entity, AcDbExtents &extents);
+void acdbSetNativeExtents(AcDbNativeExtents provider);

@@ -1,0 +1,169 @@
+// Kinds: DXF object names numbered for the process, and the run-time classes behind them.
+#include "host/acdb/dbdatabase.h"
+#include "host/acdb/dbdict.h"
+#include "host/acdb/dbents.h"
+#include "host/acdb/dbsymtb.h"
+
+#include "host/base/assert.h"
+
+#include <QHash>
+
+#include <limits>
+
+struct Kinds {
+    std::vector<QByteArray> names{QByteArray()};
+    QHash<QByteArray, AcDbKind> numbers;
+    std::vector<AcRxClass *> classes; ///< By kind; null: not looked up since classes changed.
+};
+
+static Kinds &kinds()
+{
+    static Kinds all;
+    return all;
+}
+
+AcDbKind acdbKind(const QByteArray &dxfName)
+{
+    Kinds &all = kinds();
+    if (const auto known = all.numbers.constFind(dxfName); known != all.numbers.constEnd())
+        return *known;
+    // A file can name more kinds than there are numbers only on purpose; the rest share the nameless kind
+    // and keep their bytes like every unknown object.
+    if (all.names.size() >= std::numeric_limits<AcDbKind>::max())
+        return 0;
+    const auto number = AcDbKind(all.names.size());
+    all.names.push_back(dxfName);
+    all.numbers.insert(dxfName, number);
+    return number;
+}
+
+const QByteArray &acdbKindName(AcDbKind kind)
+{
+    return kinds().names.at(kind);
+}
+
+/// The answers of acdbKindClass() hold until the class dictionary changes.
+class KindCacheKeeper : public AcRxClassObserver
+{
+public:
+    void classAppeared(AcRxClass *) override { kinds().classes.clear(); }
+    void classToBeDeleted(AcRxClass *) override { kinds().classes.clear(); }
+    void classDeleted() override { kinds().classes.clear(); }
+};
+
+AcRxClass *acdbKindClass(AcDbKind kind, bool isEntity)
+{
+    std::vector<AcRxClass *> &known = kinds().classes;
+    if (kind >= known.size())
+        known.resize(kinds().names.size(), nullptr);
+    if (!known[kind])
+        known[kind] = acrxClassDictionary().atDxfName(acdbKindName(kind));
+    if (known[kind])
+        return known[kind];
+    return isEntity ? AcDbEntity::desc() : AcDbObject::desc();
+}
+
+AcRxClass *AcDbObjectId::objectClass() const
+{
+    QUILL_ASSERT(m_stub != nullptr);
+    return acdbKindClass(m_stub->kind, isEntity());
+}
+
+struct KindRow {
+    const char *dxfName;
+    const char *className;
+};
+
+// clang-format off
+static constexpr KindRow kEntityKinds[] = {
+    {"3DFACE", "AcDbFace"}, {"3DSOLID", "AcDb3dSolid"}, {"ACAD_PROXY_ENTITY", "AcDbProxyEntity"},
+    {"ACAD_TABLE", "AcDbTable"}, {"ARC", "AcDbArc"}, {"ARC_DIMENSION", "AcDbArcDimension"},
+    {"ATTDEF", "AcDbAttributeDefinition"}, {"BLOCK", "AcDbBlockBegin"}, {"BODY", "AcDbBody"},
+    {"CIRCLE", "AcDbCircle"}, {"DIMENSION", "AcDbDimension"}, {"ELLIPSE", "AcDbEllipse"},
+    {"ENDBLK", "AcDbBlockEnd"}, {"HATCH", "AcDbHatch"}, {"HELIX", "AcDbHelix"}, {"IMAGE", "AcDbRasterImage"},
+    {"LEADER", "AcDbLeader"}, {"LIGHT", "AcDbLight"}, {"LINE", "AcDbLine"}, {"LWPOLYLINE", "AcDbPolyline"},
+    {"MESH", "AcDbSubDMesh"}, {"MLINE", "AcDbMline"}, {"MULTILEADER", "AcDbMLeader"}, {"OLE2FRAME", "AcDbOle2Frame"},
+    {"POINT", "AcDbPoint"}, {"POLYLINE", "AcDb2dPolyline"}, {"RAY", "AcDbRay"}, {"REGION", "AcDbRegion"},
+    {"SECTION", "AcDbSection"}, {"SEQEND", "AcDbSequenceEnd"}, {"SHAPE", "AcDbShape"}, {"SOLID", "AcDbSolid"},
+    {"SPLINE", "AcDbSpline"}, {"SURFACE", "AcDbSurface"}, {"TOLERANCE", "AcDbFcf"}, {"TRACE", "AcDbTrace"},
+    {"UNDERLAY", "AcDbUnderlayReference"}, {"VERTEX", "AcDbVertex"}, {"VIEWPORT", "AcDbViewport"},
+    {"WIPEOUT", "AcDbWipeout"}, {"XLINE", "AcDbXline"},
+};
+static constexpr KindRow kObjectKinds[] = {
+    {"ACAD_PROXY_OBJECT", "AcDbProxyObject"}, {"ACDBPLACEHOLDER", "AcDbPlaceHolder"}, {"GROUP", "AcDbGroup"},
+    {"IMAGEDEF", "AcDbRasterImageDef"}, {"LAYOUT", "AcDbLayout"}, {"MATERIAL", "AcDbMaterial"},
+    {"MLEADERSTYLE", "AcDbMLeaderStyle"}, {"MLINESTYLE", "AcDbMlineStyle"}, {"PLOTSETTINGS", "AcDbPlotSettings"},
+    {"SCALE", "AcDbScale"}, {"SORTENTSTABLE", "AcDbSortentsTable"}, {"TABLE", "AcDbSymbolTable"},
+    {"TABLESTYLE", "AcDbTableStyle"}, {"VISUALSTYLE", "AcDbVisualStyle"},
+};
+static constexpr KindRow kRecordKinds[] = {
+    {"APPID", "AcDbRegAppTableRecord"}, {"DIMSTYLE", "AcDbDimStyleTableRecord"},
+    {"LTYPE", "AcDbLinetypeTableRecord"}, {"STYLE", "AcDbTextStyleTableRecord"}, {"UCS", "AcDbUCSTableRecord"},
+    {"VIEW", "AcDbViewTableRecord"}, {"VPORT", "AcDbViewportTableRecord"},
+};
+// clang-format on
+
+template <class T, std::size_t Count>
+static void addKinds(const KindRow (&rows)[Count], AcRxClass *parent)
+{
+    for (const KindRow &row : rows)
+        newAcRxClass(QString::fromLatin1(row.className), parent, row.dxfName, [] { return new T; });
+}
+
+template <class T>
+static AcRxClass *addKind(const char *className, AcRxClass *parent, const char *dxfName)
+{
+    return newAcRxClass(QString::fromLatin1(className), parent, dxfName, [] { return new T; });
+}
+
+static void registerOnce()
+{
+    static KindCacheKeeper keeper;
+    acrxClassDictionary().addObserver(&keeper);
+    AcRxClass *const object = newAcRxClass(QStringLiteral("AcDbObject"), nullptr, {}, [] { return new AcDbObject; });
+    AcRxClass *const entity =
+        newAcRxClass(QStringLiteral("AcDbEntity"), object, {}, [] { return new AcDbEntity; });
+    addKinds<AcDbEntity>(kEntityKinds, entity);
+    addKinds<AcDbObject>(kObjectKinds, object);
+    AcRxClass *const text = addKind<AcDbText>("AcDbText", entity, "TEXT");
+    addKind<AcDbAttribute>("AcDbAttribute", text, "ATTRIB");
+    addKind<AcDbMText>("AcDbMText", entity, "MTEXT");
+    addKind<AcDbBlockReference>("AcDbBlockReference", entity, "INSERT");
+    AcRxClass *const dictionary = addKind<AcDbDictionary>("AcDbDictionary", object, "DICTIONARY");
+    addKind<AcDbDictionary>("AcDbDictionaryWithDefault", dictionary, "ACDBDICTIONARYWDFLT");
+    addKind<AcDbXrecord>("AcDbXrecord", object, "XRECORD");
+    AcRxClass *const record = newAcRxClass(QStringLiteral("AcDbSymbolTableRecord"), object, {},
+                                           [] { return new AcDbSymbolTableRecord; });
+    addKinds<AcDbSymbolTableRecord>(kRecordKinds, record);
+    addKind<AcDbLayerTableRecord>("AcDbLayerTableRecord", record, "LAYER");
+    addKind<AcDbBlockTableRecord>("AcDbBlockTableRecord", record, "BLOCK_RECORD");
+}
+
+void acdbRegisterClasses()
+{
+    static const bool done = (registerOnce(), true);
+    (void)done;
+}
+
+static AcRxClass *hostClass(const char *name)
+{
+    acdbRegisterClasses();
+    AcRxClass *const known = acrxClassDictionary().at(QString::fromLatin1(name));
+    QUILL_ASSERT(known != nullptr);
+    return known;
+}
+
+// The run-time classes of the host's own types, by the names registered above.
+// clang-format off
+AcRxClass *AcDbObject::desc() { static AcRxClass *const c = hostClass("AcDbObject"); return c; }
+AcRxClass *AcDbEntity::desc() { static AcRxClass *const c = hostClass("AcDbEntity"); return c; }
+AcRxClass *AcDbText::desc() { static AcRxClass *const c = hostClass("AcDbText"); return c; }
+AcRxClass *AcDbAttribute::desc() { static AcRxClass *const c = hostClass("AcDbAttribute"); return c; }
+AcRxClass *AcDbMText::desc() { static AcRxClass *const c = hostClass("AcDbMText"); return c; }
+AcRxClass *AcDbBlockReference::desc() { static AcRxClass *const c = hostClass("AcDbBlockReference"); return c; }
+AcRxClass *AcDbDictionary::desc() { static AcRxClass *const c = hostClass("AcDbDictionary"); return c; }
+AcRxClass *AcDbXrecord::desc() { static AcRxClass *const c = hostClass("AcDbXrecord"); return c; }
+AcRxClass *AcDbSymbolTableRecord::desc() { static AcRxClass *const c = hostClass("AcDbSymbolTableRecord"); return c; }
+AcRxClass *AcDbLayerTableRecord::desc() { static AcRxClass *const c = hostClass("AcDbLayerTableRecord"); return c; }
+AcRxClass *AcDbBlockTableRecord::desc() { static AcRxClass *const c = hostClass("AcDbBlockTableRecord"); return c; }
+// clang-format on

@@ -1,0 +1,271 @@
+#include "host/acdb/dbsymtb.h"
+
+#include "host/acdb/dbundo.h"
+
+#include <algorithm>
+
+QString AcDbSymbolTableRecord::getName() const
+{
+    const resbuf *const name = findGroup(groups(), 2);
+    return name ? name->text() : QString();
+}
+
+int AcDbSymbolTableRecord::flags() const
+{
+    const resbuf *const flags = findGroup(groups(), 70);
+    return flags ? int(flags->integer()) : 0;
+}
+
+// The flags follow the name in every kind of record.
+void AcDbSymbolTableRecord::setFlags(int flags)
+{
+    ResbufList &list = editGroups();
+    if (resbuf *const known = findGroup(list, 70)) {
+        if (known->integer() != flags)
+            known->assign(std::int64_t(flags));
+        return;
+    }
+    const auto name = std::ranges::find(list, 2, &resbuf::restype);
+    list.insert(name == list.end() ? name : name + 1, resbuf(70, std::int64_t(flags)));
+}
+
+static void setFlag(AcDbSymbolTableRecord &record, int flag, bool on)
+{
+    record.setFlags(on ? record.flags() | flag : record.flags() & ~flag);
+}
+
+std::vector<AcDbObjectId> AcDbSymbolTable::records() const
+{
+    std::vector<AcDbObjectId> valid;
+    for (const std::uint32_t index : m_database.tableRecords(m_kind)) {
+        const AcDbObjectId id(m_database.stub(index));
+        if (id.isValid())
+            valid.push_back(id);
+    }
+    return valid;
+}
+
+// A record made like an existing one carries whatever this file version expects of its kind.
+Acad::ErrorStatus AcDbSymbolTable::addLike(const QString &model, const QString &name, AcDbObjectId &added)
+{
+    if (has(name))
+        return Acad::eDuplicateKey;
+    const AcDbObjectId modelId = getAt(model);
+    if (modelId.isNull())
+        return Acad::eKeyNotFound;
+    ResbufList groups = m_database.fileGroups(*modelId.stub());
+    groups.resize(extendedDataBegin(groups));
+    acdbDropApplicationGroups(groups);
+    if (resbuf *const known = findGroup(groups, 2))
+        known->assign(name);
+    return addRecord(std::move(groups), added);
+}
+
+Acad::ErrorStatus AcDbSymbolTable::addRecord(ResbufList groups, AcDbObjectId &added)
+{
+    const AcDbKind kind = acdbKind(groups.front().text().toLatin1());
+    auto *const record = static_cast<AcDbObject *>(acdbKindClass(kind, false)->create());
+    record->editGroups() = std::move(groups);
+    const Acad::ErrorStatus status =
+        m_database.addAcDbObject(record, m_database.symbolTableId(m_kind), &added);
+    if (status == Acad::eOk)
+        m_database.registerRecord(m_kind, added.stub());
+    return status;
+}
+
+AcDbObjectId AcDbSymbolTable::ensureApplicationId(AcDbDatabase &database, const QString &name)
+{
+    AcDbSymbolTable table(database, SymbolTable::appId);
+    if (const AcDbObjectId known = table.getAt(name); known.isValid())
+        return known;
+    ResbufList groups{{0, QStringLiteral("APPID")}};
+    if (database.version() > DrawingVersion::r12) {
+        groups.emplace_back(100, QStringLiteral("AcDbSymbolTableRecord"));
+        groups.emplace_back(100, QStringLiteral("AcDbRegAppTableRecord"));
+    }
+    groups.emplace_back(2, name);
+    groups.emplace_back(70, std::int64_t(0));
+    AcDbObjectId added;
+    if (table.addRecord(std::move(groups), added) == Acad::eOk)
+        added.stub()->object->close();
+    return added;
+}
+
+void AcDbLayerTableRecord::setIsFrozen(bool on)
+{
+    setFlag(*this, 1, on);
+}
+
+void AcDbLayerTableRecord::setIsFrozenInNewViewports(bool on)
+{
+    setFlag(*this, 2, on);
+}
+
+void AcDbLayerTableRecord::setIsLocked(bool on)
+{
+    setFlag(*this, 4, on);
+}
+
+static int layerColor(const AcDbLayerTableRecord &layer)
+{
+    const resbuf *const color = findGroup(layer.groups(), 62);
+    return color ? int(color->integer()) : 7;
+}
+
+bool AcDbLayerTableRecord::isOff() const
+{
+    return layerColor(*this) < 0;
+}
+
+void AcDbLayerTableRecord::setIsOff(bool on)
+{
+    setGroup(62, std::int64_t(on ? -colorIndex() : colorIndex()), u"AcDbLayerTableRecord");
+}
+
+int AcDbLayerTableRecord::colorIndex() const
+{
+    return std::abs(layerColor(*this));
+}
+
+void AcDbLayerTableRecord::setColorIndex(int index)
+{
+    const bool off = isOff();
+    std::erase_if(editGroups(), [](const resbuf &g) { return g.restype == 420 || g.restype == 430; });
+    setGroup(62, std::int64_t(off ? -index : index), u"AcDbLayerTableRecord");
+}
+
+QString AcDbLayerTableRecord::linetype() const
+{
+    const resbuf *const name = findGroup(groups(), 6);
+    return name ? name->text() : QStringLiteral("CONTINUOUS");
+}
+
+void AcDbLayerTableRecord::setLinetype(const QString &name)
+{
+    setGroup(6, name, u"AcDbLayerTableRecord");
+}
+
+bool AcDbLayerTableRecord::isPlottable() const
+{
+    const resbuf *const plot = findGroup(groups(), 290);
+    return !plot || plot->integer() != 0;
+}
+
+void AcDbLayerTableRecord::setIsPlottable(bool on)
+{
+    if (isPlottable() == on)
+        return;
+    ResbufList &list = editGroups();
+    if (resbuf *const known = findGroup(list, 290)) {
+        known->assign(std::int64_t(on));
+        return;
+    }
+    const auto linetype = std::ranges::find(list, 6, &resbuf::restype);
+    list.insert(linetype == list.end() ? linetype : linetype + 1, resbuf(290, std::int64_t(on)));
+}
+
+bool AcDbBlockTableRecord::isModelSpace() const
+{
+    return getName().compare(u"*Model_Space", Qt::CaseInsensitive) == 0;
+}
+
+bool AcDbBlockTableRecord::isLayout() const
+{
+    return isModelSpace() || getName().startsWith(u"*Paper_Space", Qt::CaseInsensitive);
+}
+
+AcDbObjectId AcDbBlockTableRecord::layoutId() const
+{
+    const resbuf *const layout = findGroup(groups(), 340);
+    return layout && database() ? database()->getAcDbObjectId(layout->handle()) : AcDbObjectId();
+}
+
+AcGePoint3d AcDbBlockTableRecord::origin() const
+{
+    const BlockContents *const contents = database()->blockContents(objectId());
+    if (!contents || !contents->blockBegin)
+        return {};
+    const ResbufList block = database()->fileGroups(*contents->blockBegin);
+    const resbuf *const base = findGroup(block, 10);
+    return base ? base->point() : AcGePoint3d();
+}
+
+Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId &id, AcDbEntity *entity)
+{
+    assertWriteEnabled();
+    if (!entity)
+        return Acad::eNullObjectPointer;
+    if (isPaperSpace())
+        entity->setGroup(67, std::int64_t(1), u"AcDbEntity");
+    const Acad::ErrorStatus status = database()->addAcDbObject(entity, objectId(), &id);
+    if (status == Acad::eOk)
+        database()->m_blocks[objectId().stub()->index].entities.push_back(id.stub()->index);
+    return status;
+}
+
+std::vector<AcDbObjectId> AcDbBlockTableRecord::entities() const
+{
+    std::vector<AcDbObjectId> valid;
+    if (const BlockContents *const contents = database()->blockContents(objectId())) {
+        valid.reserve(contents->entities.size());
+        for (const std::uint32_t index : contents->entities) {
+            const AcDbObjectId id(database()->stub(index));
+            if (id.isValid())
+                valid.push_back(id);
+        }
+    }
+    return valid;
+}
+
+std::vector<AcDbObjectId> acdbLayoutBlocks(const AcDbDatabase &database)
+{
+    std::vector<AcDbObjectId> layouts;
+    for (const std::uint32_t index : database.tableRecords(SymbolTable::block)) {
+        AcDbObjectPointer<AcDbBlockTableRecord> record(AcDbObjectId(database.stub(index)), AcDb::kForRead);
+        if (record && record->isLayout())
+            layouts.push_back(record->objectId());
+    }
+    return layouts;
+}
+
+QString acdbLayoutName(AcDbObjectId blockRecord)
+{
+    AcDbObjectPointer<AcDbBlockTableRecord> record(blockRecord, AcDb::kForRead);
+    if (!record || !record->isLayout())
+        return {};
+    if (record->isModelSpace())
+        return QStringLiteral("Model");
+    AcDbObjectPointer<AcDbObject> layout(record->layoutId(), AcDb::kForRead);
+    if (!layout)
+        return QStringLiteral("Layout1");
+    const resbuf *const name = findGroup(layout->groups(), 1, subclassBegin(layout->groups(), u"AcDbLayout"));
+    return name ? name->text() : QString();
+}
+
+std::vector<AcDbObjectId> acdbSubEntities(AcDbObjectId entity)
+{
+    std::vector<AcDbObjectId> owned;
+    const AcDbStub *const owner = entity.stub();
+    if (!owner || !owner->has(AcDbStub::kEntity))
+        return owned;
+    for (std::uint32_t i = owner->index + 1; i < owner->database->stubCount(); ++i) {
+        AcDbStub *const next = owner->database->stub(i);
+        if (!next->has(AcDbStub::kSubEntity) || next->owner != owner->index)
+            break;
+        owned.emplace_back(next);
+    }
+    return owned;
+}
+
+void acdbDropApplicationGroups(ResbufList &groups)
+{
+    bool inBraces = false;
+    std::erase_if(groups, [&inBraces](const resbuf &group) {
+        if (group.restype == 102 && group.text().startsWith(QLatin1Char('{')))
+            return inBraces = true;
+        const bool drop = inBraces;
+        if (group.restype == 102)
+            inBraces = false;
+        return drop;
+    });
+}

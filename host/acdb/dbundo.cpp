@@ -1,0 +1,229 @@
+#include "host/acdb/dbundo.h"
+
+#include "host/acdb/dbobject.h"
+#include "host/acdb/dbreactor.h"
+#include "host/base/assert.h"
+
+#include <algorithm>
+
+void AcDbUndo::beginGroup(const QString &label)
+{
+    if (m_depth++ > 0)
+        return;
+    // What changed between commands is a step of its own.
+    if (m_current)
+        closeCurrent();
+    m_current.emplace().label = label;
+}
+
+void AcDbUndo::endGroup()
+{
+    QUILL_ASSERT(m_depth > 0);
+    if (--m_depth == 0)
+        closeCurrent();
+}
+
+void AcDbUndo::closeCurrent()
+{
+    for (const ObjectChange &change : m_current->objects)
+        change.stub->set(AcDbStub::kRecorded, false);
+    if (!m_current->isEmpty()) {
+        m_done.push_back(std::move(*m_current));
+        m_undone.clear();
+    }
+    m_current.reset();
+}
+
+AcDbUndo::Group *AcDbUndo::openGroup()
+{
+    if (!m_recording)
+        return nullptr;
+    if (!m_current)
+        m_current.emplace();
+    return &*m_current;
+}
+
+void AcDbUndo::recordObject(AcDbStub &stub)
+{
+    if (stub.has(AcDbStub::kRecorded))
+        return;
+    if (Group *const group = openGroup()) {
+        group->objects.push_back({&stub, capture(stub)});
+        stub.set(AcDbStub::kRecorded);
+    }
+}
+
+// Before it was added an object was not there: its image is only that.
+void AcDbUndo::recordAppended(AcDbStub &stub)
+{
+    if (Group *const group = openGroup()) {
+        Image image;
+        image.erased = true;
+        image.owner = stub.owner;
+        group->objects.push_back({&stub, std::move(image)});
+        stub.set(AcDbStub::kRecorded);
+    }
+}
+
+void AcDbUndo::recordHeader(const QByteArray &name)
+{
+    Group *const group = openGroup();
+    if (!group || std::ranges::any_of(group->header, [&](const HeaderChange &c) { return c.name == name; }))
+        return;
+    const auto known = m_database.m_header.find(name);
+    HeaderChange change{name, {}};
+    if (known == m_database.m_header.end())
+        change.value.present = false;
+    else
+        change.value = known->second;
+    group->header.push_back(std::move(change));
+}
+
+AcDbUndo::Image AcDbUndo::capture(const AcDbStub &stub) const
+{
+    Image image;
+    image.erased = stub.has(AcDbStub::kErased);
+    image.owner = stub.owner;
+    image.fromSource = stub.has(AcDbStub::kHasSource) && !stub.has(AcDbStub::kChanged);
+    if (image.fromSource)
+        return image;
+    AcDbObject *const object = stub.object;
+    image.groups = object->m_groups;
+    image.isProxy = object->m_isProxy;
+    if (object->isCustom()) {
+        AcDbMemoryFiler filer(AcDb::kUndoFiler, &m_database);
+        ++object->m_readers;
+        object->dwgOutFields(&filer);
+        --object->m_readers;
+        image.filed = filer.stream();
+    }
+    return image;
+}
+
+void AcDbUndo::restoreContent(AcDbStub &stub, const Image &image)
+{
+    if (image.fromSource) {
+        m_database.replaceObject(stub, nullptr);
+        stub.set(AcDbStub::kChanged, false);
+        return;
+    }
+    if (image.groups.empty())
+        return; // It was not there; its content does not matter.
+    AcRxClass *const known = acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity));
+    const bool asProxy = image.isProxy;
+    AcRxClass *const made =
+        asProxy ? acrxClassDictionary().at(stub.has(AcDbStub::kEntity) ? QStringLiteral("AcDbEntity")
+                                                                       : QStringLiteral("AcDbObject"))
+                : known;
+    std::unique_ptr<AcDbObject> object(static_cast<AcDbObject *>(made->create()));
+    object->m_stub = &stub;
+    object->m_isProxy = asProxy;
+    object->m_groups = image.groups;
+    if (!image.filed.isEmpty()) {
+        object->m_writing = true;
+        AcDbMemoryFiler filer(AcDb::kUndoFiler, &m_database, image.filed);
+        object->dwgInFields(&filer);
+        object->m_writing = false;
+    }
+    m_database.replaceObject(stub, std::move(object));
+    stub.set(AcDbStub::kChanged);
+}
+
+void AcDbUndo::restore(AcDbStub &stub, Image image)
+{
+    const bool wasErased = stub.has(AcDbStub::kErased);
+    const bool neverWas = !stub.has(AcDbStub::kHasSource);
+    restoreContent(stub, image);
+    stub.owner = image.owner;
+    const bool stillChanged = stub.has(AcDbStub::kChanged);
+    m_database.noteChange(stub);
+    stub.set(AcDbStub::kChanged, stillChanged);
+    stub.set(AcDbStub::kErased, image.erased);
+    m_database.resident(stub);
+    m_database.notifyWhileOpen(stub, [&](AcDbDatabaseReactor &reactor, AcDbObject &object) {
+        if (wasErased == image.erased)
+            reactor.objectModified(&m_database, &object);
+        else if (!neverWas)
+            reactor.objectErased(&m_database, &object, image.erased);
+        else if (image.erased)
+            reactor.objectUnAppended(&m_database, &object);
+        else
+            reactor.objectReAppended(&m_database, &object);
+    });
+    m_database.releaseIdle(stub);
+}
+
+// Every object stands once in a group, so the order matters only to those who are told: undoing tells
+// backwards.
+void AcDbUndo::swap(Group &group)
+{
+    for (auto change = group.objects.rbegin(); change != group.objects.rend(); ++change) {
+        Image now = capture(*change->stub);
+        restore(*change->stub, std::exchange(change->image, std::move(now)));
+    }
+    std::ranges::reverse(group.objects);
+    for (HeaderChange &change : group.header) {
+        AcDbDatabase::HeaderValue &value = m_database.m_header[change.name];
+        std::swap(value, change.value);
+        ++m_database.m_changeCount;
+        for (AcDbDatabaseReactor *reactor : std::vector(m_database.m_reactors))
+            reactor->headerSysVarChanged(&m_database, change.name.constData());
+    }
+}
+
+bool AcDbUndo::move(std::vector<Group> &from, std::vector<Group> &to)
+{
+    if (m_depth > 0)
+        return false;
+    if (m_current)
+        closeCurrent();
+    if (from.empty())
+        return false;
+    Group group = std::move(from.back());
+    from.pop_back();
+    const bool wasRecording = std::exchange(m_recording, false);
+    swap(group);
+    m_recording = wasRecording;
+    to.push_back(std::move(group));
+    return true;
+}
+
+bool AcDbUndo::undo()
+{
+    return move(m_done, m_undone);
+}
+
+bool AcDbUndo::redo()
+{
+    return move(m_undone, m_done);
+}
+
+QStringList AcDbUndo::labels(const std::vector<Group> &groups)
+{
+    QStringList all;
+    for (auto group = groups.rbegin(); group != groups.rend(); ++group)
+        all.append(group->label);
+    return all;
+}
+
+QStringList AcDbUndo::undoLabels() const
+{
+    return labels(m_done);
+}
+
+QStringList AcDbUndo::redoLabels() const
+{
+    return labels(m_undone);
+}
+
+void AcDbUndo::clear()
+{
+    if (m_current) {
+        for (const ObjectChange &change : m_current->objects)
+            change.stub->set(AcDbStub::kRecorded, false);
+        m_current->objects.clear();
+        m_current->header.clear();
+    }
+    m_done.clear();
+    m_undone.clear();
+}

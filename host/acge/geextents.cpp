@@ -1,0 +1,55 @@
+#include "host/acge/geextents.h"
+
+#include "host/acge/gematrix.h"
+
+#include <algorithm>
+#include <limits>
+
+static constexpr double kBeyond = std::numeric_limits<double>::infinity();
+
+AcDbExtents::AcDbExtents() : m_min(kBeyond, kBeyond, kBeyond), m_max(-kBeyond, -kBeyond, -kBeyond) {}
+
+AcDbExtents::AcDbExtents(const AcGePoint3d &low, const AcGePoint3d &high) : AcDbExtents()
+{
+    addPoint(low);
+    addPoint(high);
+}
+
+void AcDbExtents::addPoint(const AcGePoint3d &point)
+{
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || !std::isfinite(point.z))
+        return;
+    m_min = {std::min(m_min.x, point.x), std::min(m_min.y, point.y), std::min(m_min.z, point.z)};
+    m_max = {std::max(m_max.x, point.x), std::max(m_max.y, point.y), std::max(m_max.z, point.z)};
+}
+
+void AcDbExtents::addExt(const AcDbExtents &other)
+{
+    if (!other.isValid())
+        return;
+    addPoint(other.m_min);
+    addPoint(other.m_max);
+}
+
+void AcDbExtents::transformBy(const AcGeMatrix3d &matrix)
+{
+    if (!isValid())
+        return;
+    AcDbExtents turned;
+    for (int corner = 0; corner < 8; ++corner)
+        turned.addPoint(matrix * AcGePoint3d(corner & 1 ? m_max.x : m_min.x, corner & 2 ? m_max.y : m_min.y,
+                                             corner & 4 ? m_max.z : m_min.z));
+    *this = turned;
+}
+
+bool AcDbExtents::containsInPlane(const AcDbExtents &other) const
+{
+    return isValid() && other.isValid() && m_min.x <= other.m_min.x && m_min.y <= other.m_min.y &&
+           m_max.x >= other.m_max.x && m_max.y >= other.m_max.y;
+}
+
+bool AcDbExtents::meetsInPlane(const AcDbExtents &other) const
+{
+    return isValid() && other.isValid() && m_min.x <= other.m_max.x && other.m_min.x <= m_max.x &&
+           m_min.y <= other.m_max.y && other.m_min.y <= m_max.y;
+}
