@@ -1,0 +1,18 @@
+// Why a DXF drawing could not be read or written.
+#pragma once
+
+#include <QString>
+
+struct DxfError {
+    QString file;
+    /// Line, from 1; in binary files the byte offset; -1 when the whole file is meant.
+    qint64 line = -1;
+    QString reason; ///< One English sentence without a full stop.
+
+    /// "plan.dxf, line 12: there is no section".
+    QString text() const
+    {
+        const QString place = line < 0 ? file : QStringLiteral("%1, line %2").arg(file).arg(line);
+        return place.isEmpty() ? reason : place + QStringLiteral(": ") + reason;
+    }
+};

@@ -1,0 +1,115 @@
+#include "host/formats/dxf/dxfobject.h"
+
+#include <algorithm>
+#include <set>
+
+namespace dxf
+{
+
+int handleCode(AcDbKind kind)
+{
+    static const AcDbKind kDimensionStyle = acdbKind("DIMSTYLE");
+    return kind == kDimensionStyle ? 105 : 5;
+}
+
+/// The kinds that R12 has: in its files they carry neither markers nor owners.
+static bool isR12Kind(AcDbKind kind)
+{
+    static const std::set<AcDbKind> kKinds = [] {
+        std::set<AcDbKind> kinds;
+        for (const char *const name :
+             {"LINE",      "POINT",    "CIRCLE", "ARC",    "TRACE",   "SOLID",  "TEXT",     "SHAPE",
+              "INSERT",    "ATTDEF",   "ATTRIB", "3DLINE", "VERTEX",  "SEQEND", "POLYLINE", "3DFACE",
+              "BLOCK",     "VIEWPORT", "ENDBLK", "VPORT",  "LTYPE",   "LAYER",  "STYLE",    "VIEW",
+              "DIMENSION", "UCS",      "APPID",  "TABLE",  "DIMSTYLE"})
+            kinds.insert(acdbKind(name));
+        return kinds;
+    }();
+    return kKinds.contains(kind);
+}
+
+/// Codes that native objects of R12 do not have.
+static bool isLaterThanR12(int code)
+{
+    return (code >= 90 && code <= 101) || code == 103 || code == 104 || (code >= 106 && code <= 139) ||
+           (code >= 148 && code <= 169) || (code >= 240 && code < 999);
+}
+
+static void ensureHandle(ResbufList &groups, const AcDbStub &stub)
+{
+    const int code = handleCode(stub.kind);
+    const auto bodyBegin =
+        std::ranges::find_if(groups, [](const resbuf &g) { return g.restype == 100 || g.restype == 1001; });
+    const auto place =
+        std::find_if(groups.begin(), bodyBegin, [=](const resbuf &g) { return g.restype == code; });
+    if (place == bodyBegin)
+        groups.insert(groups.begin() + 1, resbuf(code, AcDbHandle{stub.handle}));
+    else if (place->handle().value != stub.handle)
+        place->assign(AcDbHandle{stub.handle});
+}
+
+bool ObjectEncoder::isPaperSpace(const AcDbStub &blockRecord) const
+{
+    if (m_database.paperSpaceId().stub() == &blockRecord)
+        return true;
+    const ResbufList groups = m_database.fileGroups(blockRecord);
+    const resbuf *const name = findGroup(groups, 2);
+    return name && name->text().startsWith(QLatin1String("*Paper_Space"), Qt::CaseInsensitive);
+}
+
+bool ObjectEncoder::needsPaperSpaceMark(const AcDbStub &stub, const ResbufList &groups) const
+{
+    if (stub.has(AcDbStub::kHasSource) || !stub.has(AcDbStub::kEntity) || findGroup(groups, 67))
+        return false;
+    const AcDbStub *owner = m_database.stub(stub.owner);
+    if (stub.has(AcDbStub::kSubEntity))
+        owner = m_database.stub(owner->owner);
+    return owner->index != 0 && isPaperSpace(*owner);
+}
+
+/// In paper space group 67 stands before the layer.
+static void addPaperSpaceMark(ResbufList &groups)
+{
+    const auto layer = std::ranges::find(groups, 8, &resbuf::restype);
+    const auto place =
+        layer != groups.end() ? layer : groups.begin() + std::ptrdiff_t(extendedDataBegin(groups));
+    groups.insert(place, resbuf(67, std::int64_t(1)));
+}
+
+void ObjectEncoder::leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) const
+{
+    const bool r12Native = m_source.version() <= DrawingVersion::r12 && isR12Kind(stub.kind);
+    const bool ownerInFile = stub.owner != 0 && !m_database.stub(stub.owner)->has(AcDbStub::kNoFileForm);
+    bool marked = false;  // Behind the first subclass marker.
+    bool bracket = false; // Inside a "102 {" group, which any version keeps.
+    std::erase_if(groups, [&](const resbuf &group) {
+        const int code = group.restype;
+        if (code == 102)
+            bracket = group.text().startsWith(QLatin1Char('{'));
+        const bool isOwner = code == 330 && !marked && !bracket;
+        marked = marked || code == 100;
+        if (m_source.holds(group.source) || (bracket && !marked))
+            return false;
+        return (isOwner && !ownerInFile && stub.has(AcDbStub::kEntity)) ||
+               (r12Native && isLaterThanR12(code));
+    });
+}
+
+QByteArray ObjectEncoder::encode(const AcDbStub &stub, std::optional<std::int64_t> recordCount) const
+{
+    ResbufList groups = m_database.fileGroups(stub);
+    if (groups.empty())
+        groups.emplace_back(0, QString::fromLatin1(acdbKindName(stub.kind)));
+    ensureHandle(groups, stub);
+    if (needsPaperSpaceMark(stub, groups))
+        addPaperSpaceMark(groups);
+    leaveOutUnknown(groups, stub);
+    resbuf *const count = recordCount ? findGroup(groups, 70) : nullptr;
+    if (count && count->integer() != *recordCount)
+        count->assign(*recordCount);
+    QByteArray out;
+    m_encoder.append(out, groups);
+    return out;
+}
+
+} // namespace dxf

@@ -1,0 +1,59 @@
+#include "host/formats/dxf/dxfreader.h"
+
+#include "host/formats/dxf/dxfidentity.h"
+#include "host/formats/dxf/dxfmapper.h"
+
+using dxf::RepairLog;
+
+/// The loader settles handles that occur twice; the source remembers whose bytes hold another handle.
+static void noteRenumbered(const AcDbDatabase &database, DxfSource &source)
+{
+    for (std::uint32_t index = 1; index < database.stubCount(); ++index) {
+        const AcDbStub &stub = *database.stub(index);
+        if (!stub.has(AcDbStub::kHasSource) || stub.has(AcDbStub::kNoFileHandle))
+            continue;
+        const std::string_view bytes = source.bytes().substr(stub.begin, stub.size);
+        if (dxf::findHandleGroup(source, bytes).handle != stub.handle)
+            source.editLayout().renumbered.push_back(index);
+    }
+}
+
+static bool map(AcDbLoader &loader, DxfSource &source, RepairLog &log)
+{
+    const std::string_view groups = source.bytes().substr(source.contentBegin());
+    source.learnStyle(groups);
+    if (source.format() == DrawingFormat::dxfBinary)
+        return dxf::Mapper(loader, source, log, dxf::BinaryScanner(groups, source.shortCodes())).run();
+    return dxf::Mapper(loader, source, log, dxf::TextScanner(groups, source.lineEnd())).run();
+}
+
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes bytes, const QString &name)
+{
+    constexpr std::size_t kUsualObjectSize = 220;
+    if (bytes.size() == 0)
+        return base::Failure{DxfError{name, -1, QStringLiteral("the file is empty")}};
+    auto database = std::make_unique<AcDbDatabase>();
+    auto owned = std::make_unique<DxfSource>(std::move(bytes));
+    DxfSource &source = *owned;
+    AcDbLoader loader(*database, std::move(owned));
+    loader.reserve(source.bytes().size() / kUsualObjectSize);
+    RepairLog log(source);
+    if (!map(loader, source, log))
+        return base::Failure{DxfError{name, log.place(source.contentBegin()),
+                                      QStringLiteral("this is no DXF drawing, it has no section")}};
+    for (const QString &sentence : log.sentences())
+        loader.addRepair(sentence);
+    const qsizetype repairsBefore = database->repairs().size();
+    loader.finish();
+    if (database->repairs().size() != repairsBefore)
+        noteRenumbered(*database, source);
+    return database;
+}
+
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(const QString &path)
+{
+    auto bytes = base::readFileBytes(path);
+    if (!bytes)
+        return base::Failure{DxfError{QString(), -1, bytes.error().text()}};
+    return readDxf(*std::move(bytes), path);
+}

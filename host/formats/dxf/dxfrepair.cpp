@@ -1,0 +1,41 @@
+#include "host/formats/dxf/dxfrepair.h"
+
+#include <algorithm>
+
+namespace dxf
+{
+
+qint64 RepairLog::place(std::uint64_t offset)
+{
+    if (m_source.format() == DrawingFormat::dxfBinary)
+        return qint64(offset);
+    if (offset < m_countedTo) {
+        m_countedTo = 0;
+        m_line = 1;
+    }
+    const std::string_view bytes = m_source.bytes();
+    m_line += std::count(bytes.data() + m_countedTo, bytes.data() + offset, m_source.lineEnd());
+    m_countedTo = offset;
+    return m_line;
+}
+
+void RepairLog::add(std::uint64_t offset, const QString &what)
+{
+    if (m_sentences.size() == kMost) {
+        ++m_more;
+        return;
+    }
+    const QString unit =
+        m_source.format() == DrawingFormat::dxfBinary ? QStringLiteral("Byte") : QStringLiteral("Line");
+    m_sentences.append(QStringLiteral("%1 %2: %3.").arg(unit).arg(place(offset)).arg(what));
+}
+
+QStringList RepairLog::sentences() const
+{
+    QStringList all = m_sentences;
+    if (m_more > 0)
+        all.append(QStringLiteral("%1 more repairs are not listed.").arg(m_more));
+    return all;
+}
+
+} // namespace dxf

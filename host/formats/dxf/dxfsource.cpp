@@ -1,0 +1,225 @@
+#include "host/formats/dxf/dxfsource.h"
+
+#include "host/base/format_number.h"
+
+#include <algorithm>
+#include <charconv>
+
+using dxf::Group;
+
+DxfSource::DxfSource(base::FileBytes bytes) : m_bytes(std::move(bytes))
+{
+    const std::string_view all = m_bytes.view();
+    m_binary = all.starts_with(dxf::kBinarySentinel);
+    if (m_binary) {
+        m_contentBegin = dxf::kBinarySentinel.size();
+        m_shortCodes = dxf::hasShortCodes(all.substr(m_contentBegin));
+        return;
+    }
+    m_contentBegin = all.starts_with("\xef\xbb\xbf") ? 3 : 0;
+    m_lineEnd = dxf::TextScanner::lineEndOf(all);
+}
+
+bool DxfSource::holds(std::string_view part) const
+{
+    const std::less_equal<const char *> notAfter;
+    return !part.empty() && notAfter(m_bytes.data(), part.data()) &&
+           notAfter(part.data() + part.size(), m_bytes.data() + m_bytes.size());
+}
+
+static DrawingVersion versionOf(std::string_view text)
+{
+    constexpr DrawingVersion kVersions[] = {
+        DrawingVersion::r2018, DrawingVersion::r2013, DrawingVersion::r2010, DrawingVersion::r2007,
+        DrawingVersion::r2004, DrawingVersion::r2000, DrawingVersion::r14,   DrawingVersion::r13,
+    };
+    text = dxf::trimmed(text);
+    const std::int64_t number = text.starts_with("AC") ? base::parseInteger(text.substr(2)).value_or(0) : 0;
+    const auto known = std::ranges::find_if(kVersions, [=](DrawingVersion v) { return number >= int(v); });
+    return known == std::end(kVersions) ? DrawingVersion::r12 : *known;
+}
+
+void DxfSource::setVersion(std::string_view version, std::string_view codePage)
+{
+    m_version = versionOf(version);
+    if (m_version >= DrawingVersion::r2007)
+        m_codec = base::TextCodec("UTF-8");
+    else if (const std::string_view name = dxf::trimmed(codePage); !name.empty())
+        m_codec = base::TextCodec(name);
+}
+
+void DxfSource::learnStyle(std::string_view part)
+{
+    if (m_binary)
+        return;
+    bool first = true;
+    visitGroups(part, [&](const Group &group) {
+        if (first) {
+            const std::string_view code(group.begin, std::size_t(group.value.data() - group.begin));
+            const std::size_t lineEnd = code.find_first_of("\r\n");
+            m_style.codeWidth = int(lineEnd);
+            m_style.lineEnd = QByteArray(code.data() + lineEnd, qsizetype(code.size() - lineEnd));
+            first = false;
+        }
+        if (groupKind(group.code) != GroupKind::integer16)
+            return true;
+        m_style.padsIntegers = group.value.starts_with("    ");
+        return false;
+    });
+}
+
+ResbufList DxfSource::read(const AcDbStub &stub) const
+{
+    static const AcDbKind kDimensionStyle = acdbKind("DIMSTYLE");
+    return decode(bytes().substr(stub.begin, stub.size), stub.kind == kDimensionStyle);
+}
+
+ResbufList DxfSource::decode(std::string_view part, bool dimensionStyle) const
+{
+    constexpr std::size_t kUsualGroupSize = 14;
+    const std::size_t expected = part.size() / kUsualGroupSize + 1;
+    if (m_binary)
+        return decodeWith(dxf::BinaryScanner(part, m_shortCodes), dimensionStyle, expected);
+    return decodeWith(dxf::TextScanner(part, m_lineEnd), dimensionStyle, expected);
+}
+
+static double realOf(std::string_view text)
+{
+    const std::string_view field = dxf::trimmed(text);
+    double value = 0.0;
+    const auto [rest, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (error == std::errc() && rest == field.data() + field.size() && std::isfinite(value))
+        return value;
+    return base::parseReal(field).value_or(0.0); // Signs and exponents that from_chars() does not know.
+}
+
+static double binaryReal(std::string_view bytes)
+{
+    double value = 0.0;
+    std::memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
+    return std::isfinite(value) ? value : 0.0;
+}
+
+/// Puts y (and z) behind x into one point, as far as they stand there.
+template <class Scanner>
+static resbuf::Value pointValue(Scanner &scanner, Group &group, double x, double (*real)(std::string_view))
+{
+    const int code = group.code;
+    Group next;
+    Scanner ahead = scanner;
+    if (ahead.next(next) != dxf::Step::group || next.code != code + 10)
+        return x;
+    const double y = real(next.value);
+    group.end = next.end;
+    scanner = ahead;
+    if (ahead.next(next) != dxf::Step::group || next.code != code + 20)
+        return AcGePoint2d(x, y);
+    group.end = next.end;
+    scanner = ahead;
+    return AcGePoint3d(x, y, real(next.value));
+}
+
+template <class Scanner>
+ResbufList DxfSource::decodeWith(Scanner scanner, bool dimensionStyle, std::size_t expectedGroups) const
+{
+    constexpr bool kBinary = std::is_same_v<Scanner, dxf::BinaryScanner>;
+    ResbufList list;
+    list.reserve(expectedGroups);
+    Group group;
+    while (scanner.next(group) == dxf::Step::group) {
+        const GroupKind kind = dimensionStyle && group.code == 5 ? GroupKind::text : groupKind(group.code);
+        resbuf &added = list.emplace_back();
+        added.restype = group.code;
+        if (kind == GroupKind::point) {
+            constexpr auto kReal = kBinary ? binaryReal : realOf;
+            added.resval = pointValue(scanner, group, kReal(group.value), kReal);
+        } else {
+            added.resval = kBinary ? binaryValue(group, kind) : value(group, kind);
+        }
+        added.source = {group.begin, std::size_t(group.end - group.begin)};
+    }
+    return list;
+}
+
+static std::int64_t integerOf(std::string_view text)
+{
+    const std::string_view field = dxf::trimmed(text);
+    std::int64_t value = 0;
+    const auto [rest, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (error == std::errc() && rest == field.data() + field.size())
+        return value;
+    if (const auto signedValue = base::parseInteger(field))
+        return *signedValue;
+    const double real = realOf(field); // Some writers put "1.0" where an integer belongs.
+    return std::abs(real) < 9e18 ? std::int64_t(real) : 0;
+}
+
+static QByteArray bytesOfHex(std::string_view text)
+{
+    const std::string_view field = dxf::trimmed(text);
+    const auto isHex = [](unsigned char c) { return std::isxdigit(c) != 0; };
+    if (field.size() % 2 != 0 || !std::ranges::all_of(field, isHex))
+        return {};
+    return QByteArray::fromHex(QByteArray::fromRawData(field.data(), qsizetype(field.size())));
+}
+
+QString DxfSource::text(std::string_view bytes) const
+{
+    const auto isPlain = [](char c) { return static_cast<signed char>(c) >= 0 && c != '\\' && c != '^'; };
+    if (std::ranges::all_of(bytes, isPlain))
+        return QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
+    return base::decodeDrawingText(bytes, m_codec);
+}
+
+resbuf::Value DxfSource::value(const Group &group, GroupKind kind) const
+{
+    switch (kind) {
+    case GroupKind::text:
+        return text(group.value);
+    case GroupKind::point:
+    case GroupKind::real:
+        return realOf(group.value);
+    case GroupKind::integer16:
+    case GroupKind::integer32:
+    case GroupKind::integer64:
+    case GroupKind::boolean:
+        return integerOf(group.value);
+    case GroupKind::handle:
+        return AcDbHandle{dxf::parseHandle(group.value)};
+    case GroupKind::binary:
+        return bytesOfHex(group.value);
+    }
+    return {};
+}
+
+template <class Number>
+static std::int64_t binaryInteger(std::string_view bytes)
+{
+    Number number{};
+    std::memcpy(&number, bytes.data(), std::min(bytes.size(), sizeof number));
+    return number;
+}
+
+resbuf::Value DxfSource::binaryValue(const Group &group, GroupKind kind) const
+{
+    switch (kind) {
+    case GroupKind::text:
+        return text(group.value);
+    case GroupKind::point:
+    case GroupKind::real:
+        return binaryReal(group.value);
+    case GroupKind::integer16:
+        return binaryInteger<std::int16_t>(group.value);
+    case GroupKind::integer32:
+        return binaryInteger<std::int32_t>(group.value);
+    case GroupKind::integer64:
+        return binaryInteger<std::int64_t>(group.value);
+    case GroupKind::boolean:
+        return binaryInteger<std::uint8_t>(group.value);
+    case GroupKind::handle:
+        return AcDbHandle{dxf::parseHandle(group.value)};
+    case GroupKind::binary:
+        return QByteArray(group.value.data(), qsizetype(group.value.size()));
+    }
+    return {};
+}
