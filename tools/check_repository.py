@@ -86,6 +86,21 @@ def the_build_reaches_every_folder(repository):
             yield f"{name}: named in no CMakeLists.txt above it"
 
 
+def the_build_names_only_what_exists(repository):
+    """The build leaves out what is not written yet, so that work in progress can be built."""
+    for name in repository.files:
+        if Path(name).name != "CMakeLists.txt":
+            continue
+        folder = repository.root / Path(name).parent
+        text = re.sub(r"#.*", "", repository.read(name))
+        for source in re.findall(r"(?<![\w/.${}<>-])[\w/.-]+\.(?:cpp|h|py)\b", text):
+            if not (folder / source).is_file():
+                yield f"{name}: there is no {source}"
+        for call in re.findall(r"\bquill_folders\(([^)]*)\)", text):
+            yield from (f"{name}: there is no {below}/CMakeLists.txt" for below in call.split()
+                        if not (folder / below / "CMakeLists.txt").is_file())  # fmt: skip
+
+
 def texts_are_clean(repository):
     for name in repository.texts():
         try:
@@ -156,6 +171,7 @@ RULES = (
     sources_stay_short,
     the_build_knows_every_source,
     the_build_reaches_every_folder,
+    the_build_names_only_what_exists,
     texts_are_clean,
     texts_name_no_machine,
     files_are_small,

@@ -131,6 +131,8 @@ class RepositoryTest(TreeTest):
             ("host/base/b.cpp", "int b;\n", "host/base/b.cpp: does not open with a comment"),
             ("host/base/b.cpp", "// B.\n", "host/base/b.cpp: in no CMakeLists.txt"),
             ("host/base/ba.cpp", "// B.\n", "host/base/ba.cpp: in no CMakeLists.txt"),
+            ("host/base/CMakeLists.txt", "quill_library(host_base SHARED SOURCES a.cpp c.cpp)\n", "there is no c.cpp"),
+            ("CMakeLists.txt", "quill_folders(host/base app)\n", "there is no app/CMakeLists.txt"),
             ("host/os/CMakeLists.txt", "\n", "host/os/CMakeLists.txt: named in no CMakeLists.txt"),
             ("host/base/a.h", "// A.\n#pragma once\n" + "\n" * 1000, "more than 1000"),
             ("host/base/a.h", "// A. \n#pragma once\n", "blanks at the end of a line"),
