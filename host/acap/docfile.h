@@ -1,1 +1,14 @@
-// Drawing files into databases and back, the format told by content.
+// Drawing files into databases and back; the format is told by the content, not by the name.
+#pragma once
+
+#include "host/acdb/dbdatabase.h"
+#include "host/base/result.h"
+
+#include <memory>
+
+/// The error is a sentence with file, place and reason.
+base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QString &path);
+/// Writes in the drawing's own format and version; a crash leaves the old file or the new one.
+base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path);
+/// A drawing made from the built-in template.
+std::unique_ptr<AcDbDatabase> acapTemplateDrawing();

@@ -48,9 +48,9 @@ static QString withoutMarks(const QString &name, bool &globalOnly)
 const AcEdCommand *AcEdCommandStack::lookup(const QString &name) const
 {
     const auto find = [this](const QString &wanted, QString AcEdCommand::*member) -> const AcEdCommand * {
-        const auto found = std::find_if(m_commands.rbegin(), m_commands.rend(), [&](const AcEdCommand &command) {
-            return sameName(command.*member, wanted);
-        });
+        const auto found =
+            std::find_if(m_commands.rbegin(), m_commands.rend(),
+                         [&](const AcEdCommand &command) { return sameName(command.*member, wanted); });
         return found == m_commands.rend() ? nullptr : &*found;
     };
     bool globalOnly = false;

@@ -22,12 +22,14 @@ static AcEdPrompt promptOf(AcEdPromptKind kind, const QString &message, const Ac
 /// "需要数值。" or "需要数值或选项关键字。"
 static QString required(const QString &what, const AcEdRules &rules)
 {
-    return QStringLiteral("需要%1%2。").arg(what, rules.keywords.isEmpty() ? QString() : QStringLiteral("或选项关键字"));
+    return QStringLiteral("需要%1%2。")
+        .arg(what, rules.keywords.isEmpty() ? QString() : QStringLiteral("或选项关键字"));
 }
 
 // Points ------------------------------------------------------------------------------------------
 
-static int askPoint(const AcEdPrompt &prompt, const AcEdRules &rules, const AcGePoint3d *base, AcGePoint3d &point)
+static int askPoint(const AcEdPrompt &prompt, const AcEdRules &rules, const AcGePoint3d *base,
+                    AcGePoint3d &point)
 {
     return acedPromptFor(prompt, rules, [&](const AcEdAnswer &answer) {
         const auto given = acedAnswerPoint(answer, base);
@@ -53,7 +55,8 @@ static int askSecondPoint(const AcGePoint3d &first, AcGePoint3d &second)
 {
     AcEdRules rules;
     rules.bits = RSG_NONULL;
-    return askPoint(promptOf(AcEdPromptKind::point, QStringLiteral("\n指定第二点: "), &first), rules, &first, second);
+    return askPoint(promptOf(AcEdPromptKind::point, QStringLiteral("\n指定第二点: "), &first), rules, &first,
+                    second);
 }
 
 // Numbers -----------------------------------------------------------------------------------------
@@ -88,7 +91,8 @@ static int askInteger(const AcEdPrompt &prompt, const AcEdRules &rules, int &val
         if (!given || *given != std::floor(*given))
             return AcEdVerdict::refuse(required(QStringLiteral("整数"), rules));
         if (*given < kLow || *given > kHigh)
-            return AcEdVerdict::refuse(QStringLiteral("需要 %1 到 %2 之间的整数。").arg(int(kLow)).arg(int(kHigh)));
+            return AcEdVerdict::refuse(
+                QStringLiteral("需要 %1 到 %2 之间的整数。").arg(int(kLow)).arg(int(kHigh)));
         double checked = 0;
         const AcEdVerdict verdict = takeReal(*given, rules, checked);
         if (verdict.done)
@@ -105,10 +109,12 @@ int acedGetInt(const QString &prompt, int &value)
 int acedGetReal(const QString &prompt, double &value)
 {
     const AcEdRules rules = acedTakeRules();
-    return acedPromptFor(promptOf(AcEdPromptKind::real, prompt, nullptr), rules, [&](const AcEdAnswer &answer) {
-        const auto given = answer.kind == AcEdAnswer::text ? acedParseNumber(answer.typed) : std::nullopt;
-        return given ? takeReal(*given, rules, value) : AcEdVerdict::refuse(required(QStringLiteral("数值"), rules));
-    });
+    return acedPromptFor(
+        promptOf(AcEdPromptKind::real, prompt, nullptr), rules, [&](const AcEdAnswer &answer) {
+            const auto given = answer.kind == AcEdAnswer::text ? acedParseNumber(answer.typed) : std::nullopt;
+            return given ? takeReal(*given, rules, value)
+                         : AcEdVerdict::refuse(required(QStringLiteral("数值"), rules));
+        });
 }
 
 namespace
@@ -138,21 +144,22 @@ static std::optional<TwoPoints> twoPoints(const AcEdAnswer &answer, const AcGePo
 int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance)
 {
     const AcEdRules rules = acedTakeRules();
-    return acedPromptFor(promptOf(AcEdPromptKind::distance, prompt, base), rules, [&](const AcEdAnswer &answer) {
-        if (answer.kind == AcEdAnswer::text) {
-            if (const auto given = acedParseNumber(answer.typed))
-                return takeReal(*given, rules, distance);
-        }
-        const auto points = twoPoints(answer, base);
-        if (!points)
-            return AcEdVerdict::refuse(required(QStringLiteral("距离数值、两点"), rules));
-        if (points->result != RTNORM)
-            return AcEdVerdict::accept(points->result);
-        AcGeVector3d way = points->to - points->from;
-        if (rules.has(RSG_2D))
-            way.z = 0;
-        return takeReal(way.length(), rules, distance);
-    });
+    return acedPromptFor(
+        promptOf(AcEdPromptKind::distance, prompt, base), rules, [&](const AcEdAnswer &answer) {
+            if (answer.kind == AcEdAnswer::text) {
+                if (const auto given = acedParseNumber(answer.typed))
+                    return takeReal(*given, rules, distance);
+            }
+            const auto points = twoPoints(answer, base);
+            if (!points)
+                return AcEdVerdict::refuse(required(QStringLiteral("距离数值、两点"), rules));
+            if (points->result != RTNORM)
+                return AcEdVerdict::accept(points->result);
+            AcGeVector3d way = points->to - points->from;
+            if (rules.has(RSG_2D))
+                way.z = 0;
+            return takeReal(way.length(), rules, distance);
+        });
 }
 
 int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle)

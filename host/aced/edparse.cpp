@@ -162,8 +162,8 @@ static std::optional<AcGePoint3d> cartesian(const QList<QStringView> &parts, boo
     return AcGePoint3d(values[0], values[1], values[2]);
 }
 
-static std::optional<AcGePoint3d> polarWithHeight(const QList<QStringView> &parts, const AcEdAngleFormat &format,
-                                                  bool &hasZ)
+static std::optional<AcGePoint3d> polarWithHeight(const QList<QStringView> &parts,
+                                                  const AcEdAngleFormat &format, bool &hasZ)
 {
     if (parts.size() > 2)
         return std::nullopt;
@@ -229,7 +229,8 @@ static Fit fit(const QString &text, const QString &keyword)
     const auto same = [&text](const QString &other) { return text.compare(other, Qt::CaseInsensitive) == 0; };
     if (same(full) || same(abbreviation) || same(capitals(full)))
         return Fit::exact;
-    if (full.startsWith(text, Qt::CaseInsensitive) || fromFirstCapital(full).startsWith(text, Qt::CaseInsensitive))
+    if (full.startsWith(text, Qt::CaseInsensitive) ||
+        fromFirstCapital(full).startsWith(text, Qt::CaseInsensitive))
         return Fit::beginning;
     return Fit::none;
 }

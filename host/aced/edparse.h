@@ -10,14 +10,15 @@
 
 /// How angles are typed (AUNITS, ANGBASE, ANGDIR).
 struct AcEdAngleFormat {
-    int units = 0;        ///< 0 and 1 degrees, 2 gradians, 3 radians, 4 surveyor's.
-    double base = 0.0;    ///< Radians, counter-clockwise from the X axis.
+    int units = 0;     ///< 0 and 1 degrees, 2 gradians, 3 radians, 4 surveyor's.
+    double base = 0.0; ///< Radians, counter-clockwise from the X axis.
     bool clockwise = false;
 };
 
 /// "12", "1.5e3", "-.5"; whole text. Fractions "1/2" and "1-1/2" too.
 std::optional<double> acedParseNumber(const QString &text);
-/// An angle as typed, in radians, counter-clockwise, without the base: "45", "45d30'15\"", "50g", "0.5r", "N45dE".
+/// An angle as typed, in radians, counter-clockwise, without the base: "45", "45d30'15\"", "50g", "0.5r",
+/// "N45dE".
 std::optional<double> acedParseAngle(const QString &text, const AcEdAngleFormat &format);
 
 /// A typed point. `relative` counts from the base or last point; `world` is no UCS coordinates.

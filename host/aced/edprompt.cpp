@@ -157,8 +157,9 @@ static QString lispAnswer(const QString &expression)
     if (text == u"nil")
         return {};
     if (text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"'))
-        return text.mid(1, text.size() - 2).replace(QLatin1String("\\\""), QLatin1String("\"")).replace(
-            QLatin1String("\\\\"), QLatin1String("\\"));
+        return text.mid(1, text.size() - 2)
+            .replace(QLatin1String("\\\""), QLatin1String("\""))
+            .replace(QLatin1String("\\\\"), QLatin1String("\\"));
     if (text.startsWith(u'(') && text.endsWith(u')'))
         return text.mid(1, text.size() - 2).split(u' ', Qt::SkipEmptyParts).join(u',');
     return text;
@@ -192,10 +193,11 @@ struct Round {
 static Round settleKeyword(const QString &typed, const AcEdRules &rules)
 {
     const bool global = typed.size() > 1 && typed.startsWith(u'_');
-    const auto match = global ? acedMatchKeyword(typed.mid(1), rules.globalNames)
-                              : acedMatchKeyword(typed, rules.keywords);
+    const auto match =
+        global ? acedMatchKeyword(typed.mid(1), rules.globalNames) : acedMatchKeyword(typed, rules.keywords);
     if (match.ambiguous)
-        return {Round::again, RTNORM, QStringLiteral("回答不明确，请说明是 %1。").arg(match.candidates.join(u'/'))};
+        return {Round::again, RTNORM,
+                QStringLiteral("回答不明确，请说明是 %1。").arg(match.candidates.join(u'/'))};
     if (match.index < 0)
         return {};
     acedSetInput(rules.globalNames[match.index]);

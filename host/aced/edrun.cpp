@@ -1,5 +1,6 @@
 // The editor: running commands, nesting, undo groups, notifications.
 #include "host/acap/docman.h"
+#include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edlisp.h"
 #include "host/aced/edprompt.h"
@@ -209,13 +210,22 @@ void ads_queueexpr(const QString &expression)
     acedEditor()->queueExpression(expression);
 }
 
-int acedCommandS(std::initializer_list<AcEdToken> tokens)
+static int runWith(std::deque<AcEdToken> answers)
 {
-    std::deque<AcEdToken> answers(tokens.begin(), tokens.end());
     if (answers.empty() || !std::holds_alternative<QString>(answers.front()))
         return RTERROR;
     const QString name = std::get<QString>(answers.front());
     answers.pop_front();
     const AcEdFeed feed(AcEdFeed::closed, std::move(answers));
     return acedEditor()->runCommand(name);
+}
+
+int acedCommandS(std::initializer_list<AcEdToken> tokens)
+{
+    return runWith({tokens.begin(), tokens.end()});
+}
+
+int acedCommandTokens(const std::vector<AcEdToken> &tokens)
+{
+    return runWith({tokens.begin(), tokens.end()});
 }
