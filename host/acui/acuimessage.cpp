@@ -92,3 +92,8 @@ AcEdButton AcUiMessageBox::show(const QString &text, AcEdButtons buttons)
     const QMessageBox::StandardButtons offered = standardButtons(buttons);
     return acedFrontEnd().isScripted() ? askScript(text, offered) : askPerson(text, offered);
 }
+
+bool acuiIsAlert(const QString &what)
+{
+    return what.startsWith(u"message box ") && what.endsWith(u"(@ok)");
+}

@@ -10,3 +10,6 @@ public:
     /// answer the box is left by the button that changes nothing: Cancel, else No, else OK.
     AcEdButton show(const QString &text, AcEdButtons buttons) override;
 };
+
+/// True for what a front end is told of a message box that has only an OK button: nothing depends on it.
+bool acuiIsAlert(const QString &what);
