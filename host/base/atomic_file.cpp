@@ -144,21 +144,20 @@ void AtomicFileWriter::fail(int systemError)
         m_error = FileError::fromErrno(m_path, systemError);
 }
 
-void AtomicFileWriter::write(std::span<const char> bytes)
+void AtomicFileWriter::write(QByteArrayView bytes)
 {
     QUILL_ASSERT(m_file >= 0 || m_error);
-    const auto size = static_cast<qsizetype>(bytes.size());
-    if (size > kGatherLimit - m_pending.size())
+    if (bytes.size() > kGatherLimit - m_pending.size())
         flush(bytes);
     else
-        m_pending.append(bytes.data(), size);
+        m_pending.append(bytes);
 }
 
 /// Writes what was gathered, and `more` after it, without copying `more`.
-void AtomicFileWriter::flush(std::span<const char> more)
+void AtomicFileWriter::flush(QByteArrayView more)
 {
     iovec pieces[2] = {{m_pending.data(), static_cast<std::size_t>(m_pending.size())},
-                       {const_cast<char *>(more.data()), more.size()}};
+                       {const_cast<char *>(more.data()), static_cast<std::size_t>(more.size())}};
     while (!m_error && pieces[0].iov_len + pieces[1].iov_len != 0) {
         const ssize_t count = ::writev(m_file, pieces, 2);
         if (count < 0) {

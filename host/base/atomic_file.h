@@ -7,9 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include <cstddef>
 #include <optional>
-#include <span>
 
 namespace base
 {
@@ -32,11 +30,7 @@ public:
 
     /// Small pieces are gathered, large ones go straight to the file. After a failure nothing more is
     /// written; commit() reports it. Long writers look at failed() to stop early.
-    void write(std::span<const char> bytes);
-    void write(QByteArrayView bytes)
-    {
-        write(std::span(bytes.data(), static_cast<std::size_t>(bytes.size())));
-    }
+    void write(QByteArrayView bytes);
     bool failed() const { return m_error.has_value(); }
 
     /// Flushes the file to the disk, renames it over the target, flushes the folder. Reports the first
@@ -46,7 +40,7 @@ public:
 
 private:
     AtomicFileWriter() = default;
-    void flush(std::span<const char> more);
+    void flush(QByteArrayView more);
     void fail(int systemError);
     void discard();
 

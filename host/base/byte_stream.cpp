@@ -33,20 +33,16 @@ void ByteReader::seek(std::size_t offset)
     m_offset = offset;
 }
 
-void ByteWriter::bytes(std::span<const std::byte> bytes)
-{
-    m_bytes.append(reinterpret_cast<const char *>(bytes.data()), static_cast<qsizetype>(bytes.size()));
-}
-
 void ByteWriter::utf16(QStringView text)
 {
-    bytes(std::as_bytes(std::span(text.utf16(), static_cast<std::size_t>(text.size()))));
+    m_bytes.append(reinterpret_cast<const char *>(text.utf16()), text.size() * qsizetype(sizeof(char16_t)));
 }
 
-void ByteWriter::overwrite(std::size_t offset, std::span<const std::byte> bytes)
+void ByteWriter::overwrite(std::size_t offset, QByteArrayView bytes)
 {
-    QUILL_ASSERT(offset <= size() && bytes.size() <= size() - offset);
-    std::memcpy(m_bytes.data() + offset, bytes.data(), bytes.size());
+    const auto count = static_cast<std::size_t>(bytes.size());
+    QUILL_ASSERT(offset <= size() && count <= size() - offset);
+    std::memcpy(m_bytes.data() + offset, bytes.data(), count);
 }
 
 } // namespace base

@@ -32,7 +32,6 @@ inline std::span<const std::byte> asBytes(QByteArrayView bytes)
 class ByteReader
 {
 public:
-    explicit ByteReader(std::span<const std::byte> bytes) : m_bytes(bytes) {}
     explicit ByteReader(QByteArrayView bytes) : m_bytes(asBytes(bytes)) {}
 
     template <StreamNumber T>
@@ -89,7 +88,6 @@ public:
     {
         m_bytes.append(reinterpret_cast<const char *>(&value), sizeof value);
     }
-    void bytes(std::span<const std::byte> bytes);
     void bytes(QByteArrayView bytes) { m_bytes.append(bytes); }
     /// The code units alone: no count, no terminator.
     void utf16(QStringView text);
@@ -98,7 +96,7 @@ public:
     template <StreamNumber T>
     void patch(std::size_t offset, std::type_identity_t<T> value)
     {
-        overwrite(offset, asBytes({reinterpret_cast<const char *>(&value), sizeof value}));
+        overwrite(offset, {reinterpret_cast<const char *>(&value), sizeof value});
     }
 
     std::size_t size() const { return static_cast<std::size_t>(m_bytes.size()); }
@@ -107,7 +105,7 @@ public:
     QByteArray take() { return std::exchange(m_bytes, {}); }
 
 private:
-    void overwrite(std::size_t offset, std::span<const std::byte> bytes);
+    void overwrite(std::size_t offset, QByteArrayView bytes);
 
     QByteArray m_bytes;
 };

@@ -66,13 +66,18 @@ NumberText formatPrintfG(double value)
     return text;
 }
 
+static bool isBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 static std::string_view trimmed(std::string_view text)
 {
-    constexpr std::string_view kBlanks = " \t\r\n\v\f";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 /// from_chars() knows no "+"; behind one no second sign may follow.
@@ -86,26 +91,14 @@ static std::optional<std::string_view> withoutPlus(std::string_view text)
     return text;
 }
 
-static std::optional<double> parseBareReal(std::string_view text)
+/// The library does not say whether a number was too large or too small for a double: a negative exponent
+/// tells, or a fraction without whole part.
+static bool isTiny(std::string_view text)
 {
-    double value = 0.0;
-    const char *const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error == std::errc::invalid_argument || stop != end)
-        return std::nullopt;
-    if (error == std::errc::result_out_of_range) {
-        // The library does not say which end was passed; a negative exponent or a leading zero does.
-        const std::size_t exponent = text.find_first_of("eE");
-        const bool tiny = exponent != std::string_view::npos
-                              ? text.substr(exponent + 1).starts_with('-')
-                              : text.find_first_of("123456789") > text.find('.');
-        if (!tiny)
-            return std::nullopt;
-        return text.starts_with('-') ? -0.0 : 0.0;
-    }
-    if (!std::isfinite(value))
-        return std::nullopt; // from_chars() reads "inf" and "nan".
-    return value;
+    const std::size_t exponent = text.find_first_of("eE");
+    if (exponent != std::string_view::npos)
+        return text.substr(exponent + 1).starts_with('-');
+    return text.find_first_of("123456789") > text.find('.');
 }
 
 std::optional<double> parseReal(std::string_view text)
@@ -113,12 +106,26 @@ std::optional<double> parseReal(std::string_view text)
     const auto number = withoutPlus(trimmed(text));
     if (!number)
         return std::nullopt;
-    const std::size_t oldExponent = number->find_first_of("dD");
-    if (oldExponent == std::string_view::npos)
-        return parseBareReal(*number);
-    std::string modern(*number);
-    modern[oldExponent] = 'E';
-    return parseBareReal(modern);
+    double value = 0.0;
+    const char *const end = number->data() + number->size();
+    const auto [stop, error] = std::from_chars(number->data(), end, value);
+    if (error == std::errc::invalid_argument)
+        return std::nullopt;
+    if (stop != end) {
+        if (*stop != 'd' && *stop != 'D')
+            return std::nullopt;
+        std::string modern(*number);
+        modern[static_cast<std::size_t>(stop - number->data())] = 'E';
+        return parseReal(modern);
+    }
+    if (error == std::errc::result_out_of_range) {
+        if (!isTiny(*number))
+            return std::nullopt;
+        return number->starts_with('-') ? -0.0 : 0.0;
+    }
+    if (!std::isfinite(value))
+        return std::nullopt; // from_chars() reads "inf" and "nan".
+    return value;
 }
 
 std::optional<std::int64_t> parseInteger(std::string_view text)

@@ -1,0 +1,150 @@
+// Code pages and the escapes of drawing strings. The bytes come from the published code charts.
+#include "host/base/text_codec.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+using base::decodeDrawingText;
+using base::encodeDrawingText;
+using base::Substitute;
+using base::TextCodec;
+
+namespace
+{
+struct Golden {
+    const char *page;
+    const char *bytes;
+    const char16_t *text;
+};
+std::ostream &operator<<(std::ostream &out, const Golden &golden)
+{
+    return out << golden.page;
+}
+} // namespace
+
+class CodePageTest : public testing::TestWithParam<Golden>
+{
+};
+
+TEST_P(CodePageTest, ReadsAndWritesTheGoldenBytes)
+{
+    const auto &[page, bytes, text] = GetParam();
+    const TextCodec codec(page);
+    bool clean = false;
+    EXPECT_TRUE(codec.known());
+    EXPECT_EQ(codec.decode(bytes, clean), QString::fromUtf16(text));
+    EXPECT_TRUE(clean);
+    EXPECT_EQ(codec.encode(QString::fromUtf16(text), clean).toHex(), QByteArray(bytes).toHex());
+    EXPECT_TRUE(clean);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Pages, CodePageTest,
+    testing::Values(Golden{"ANSI_936",
+                           "\xC6\xC0\xCD\xBC"
+                           "a\x80\x81\x5C",
+                           u"评图a€乗"},
+                    Golden{"gb2312", "\xB1\xEA\xC7\xA9", u"标签"},
+                    Golden{"ansi_932", "\x90\x7D\x96\xCA\x83\x5C\xB1\\", u"図面ソｱ\\"},
+                    Golden{"ANSI_949", "\xB5\xB5\xB8\xE9\x8C\x63", u"도면똠"},
+                    Golden{"ANSI_950", "\xB9\xCF\xAD\xB1\xA5\x5C\xA3\xE1", u"圖面功€"},
+                    Golden{"BIG5", "\xB9\xCF", u"圖"}, Golden{"johab", "\x88\x61\xD0\x65\\", u"가한\\"},
+                    Golden{"ANSI_1250", "\xE8\x9A", u"čš"}, Golden{"ANSI_1251", "\xD7\xE5\xF0", u"Чер"},
+                    Golden{"ANSI_1252",
+                           "\xD8"
+                           "50 \xB1\x80",
+                           u"Ø50 ±€"},
+                    Golden{"ANSI_1253", "\xE4", u"δ"}, Golden{"ansi-1254", "\xFE", u"ş"},
+                    Golden{"ANSI_1255", "\xF9", u"ש"}, Golden{"ANSI_1256", "\xD3", u"س"},
+                    Golden{"ANSI_1257", "\xE0", u"ą"}, Golden{"ANSI_1258", "\xFE", u"₫"},
+                    Golden{"ANSI_874", "\xA1\x80", u"ก€"}, Golden{"dos850", "\x9D\xF8", u"Ø°"},
+                    Golden{"DOS437", "\xF8", u"°"}, Golden{"iso8859-1", "\xE9", u"é"},
+                    Golden{"ISO_8859-5", "\xD0", u"а"},
+                    Golden{"utf-8", "\xE8\xAF\x84\xF0\x9F\x98\x80", u"评😀"}));
+
+TEST(TextCodec, UnknownPagesFallBackAndSaySo)
+{
+    for (const char *name : {"", "ANSI_", "ANSI_99999", "klingon"}) {
+        const TextCodec codec(name);
+        EXPECT_FALSE(codec.known()) << name;
+        EXPECT_EQ(codec.name(), "ANSI_1252") << name;
+    }
+    EXPECT_EQ(TextCodec::fromDwgNumber(39), TextCodec("ANSI_936"));
+    EXPECT_EQ(TextCodec::fromDwgNumber(30).dwgNumber(), 30);
+    EXPECT_FALSE(TextCodec::fromDwgNumber(0).known());
+}
+
+TEST(TextCodec, BytesWithoutMeaningDoNotSwallowTheirNeighbours)
+{
+    const TextCodec codec("ANSI_936");
+    bool clean = true;
+    EXPECT_EQ(codec.decode("\xC6\x31"
+                           "2",
+                           clean),
+              QStringLiteral("\uFFFD12"));
+    EXPECT_FALSE(clean);
+    EXPECT_EQ(codec.decode("\xC6\xC0\xCD"), QStringLiteral("评\uFFFD")) << "cut in the middle of a character";
+    EXPECT_EQ(TextCodec("ASCII").decode("a\xE9"), QStringLiteral("a\uFFFD"));
+}
+
+TEST(TextCodec, SubstitutesOncePerCharacter)
+{
+    const TextCodec codec("GB2312");
+    bool lossless = true;
+    EXPECT_EQ(codec.encode(u"a😀\u00E5b", lossless), "a??b");
+    EXPECT_FALSE(lossless);
+    EXPECT_EQ(codec.encode(u"😀\u00E5", Substitute::unicodeEscape), "\\U+D83D\\U+DE00\\U+00E5");
+    EXPECT_EQ(TextCodec("utf-8").encode(u"\xD83D评", Substitute::unicodeEscape), "\\U+D83D评");
+}
+
+TEST(DrawingText, EscapesBecomeCharacters)
+{
+    const TextCodec codec("ANSI_936");
+    const std::pair<const char *, const char16_t *> rows[] = {
+        {"\\U+00B0", u"°"},
+        {"\\U+220545,6", u"∅45,6"}, // Four digits, whatever follows.
+        {"\\U+d83d\\U+DE00", u"😀"},
+        {"\\M+1837D\\M+2B9CF\\M+3B5B5\\M+48861\\M+5C6C0", u"マ圖도가评"},
+        {"a^Ib^Jc^Md", u"a\tb\nc\rd"},
+        {"1^ 2 ^  ^5 ^", u"1^2 ^ ^5 ^"},
+        {"\\U+00G0 \\U+12 \\M+61234 \\M+5FF \\M+5FFFF \\P",
+         u"\\U+00G0 \\U+12 \\M+61234 \\M+5FF \\M+5FFFF \\P"},
+        {"\xC6\xC0\x81\x5CU+0041\x81\x5E", u"评乗U+0041乛"}, // Second bytes that look like "\" and "^".
+    };
+    for (const auto &[bytes, text] : rows) {
+        EXPECT_EQ(decodeDrawingText(bytes, codec), QString::fromUtf16(text)) << bytes;
+    }
+    EXPECT_EQ(decodeDrawingText("^@^_", codec), QString::fromUtf16(u"\0\x1F", 2));
+}
+
+TEST(DrawingText, EncodesWhatAReaderOfTheCodePageUnderstands)
+{
+    EXPECT_EQ(encodeDrawingText(u"评°😀", TextCodec("ANSI_1252")), "\\U+8BC4\xB0\\U+D83D\\U+DE00");
+    EXPECT_EQ(encodeDrawingText(u"a\tb\nc^J^", TextCodec("ANSI_1252")), "a^Ib^Jc^ J^ ");
+    EXPECT_EQ(encodeDrawingText(u"评^\r", TextCodec("utf-8")), "评^ ^M");
+    for (const char *page : {"ANSI_936", "ANSI_1252", "ANSI_1361", "utf-8"}) {
+        const QString text = QStringLiteral("评图 ^J^ ^^ \t\r\n \\P 100% ∅ ñ 😀 \\S1^ 2;");
+        EXPECT_EQ(decodeDrawingText(encodeDrawingText(text, TextCodec(page)).toStdString(), TextCodec(page)),
+                  text)
+            << page;
+    }
+}
+
+TEST(DrawingText, Utf8WinsOverAStaleCodePage)
+{
+    EXPECT_EQ(decodeDrawingText("评图标签", TextCodec("ANSI_936")), QStringLiteral("评图标签"));
+    EXPECT_EQ(decodeDrawingText("Größe 评", TextCodec("ANSI_1252")), QStringLiteral("Größe 评"));
+    EXPECT_EQ(decodeDrawingText("\xD8"
+                                "50",
+                                TextCodec("ANSI_1252")),
+              QStringLiteral("Ø50"));
+    // C4A3 is one Chinese character and also a Latin letter in UTF-8.
+    EXPECT_EQ(decodeDrawingText("\xC4\xA3", TextCodec("ANSI_936")), QStringLiteral("模"));
+    EXPECT_EQ(decodeDrawingText("\xC4\xA3", TextCodec("ANSI_1252")), QStringLiteral("ģ"));
+
+    EXPECT_FALSE(base::looksLikeUtf8("plain"));
+    EXPECT_FALSE(base::looksLikeUtf8("\xC0\x80")) << "overlong";
+    EXPECT_FALSE(base::looksLikeUtf8("\xED\xA0\x80")) << "surrogate";
+    EXPECT_FALSE(base::looksLikeUtf8("评\xE8\xAF")) << "cut";
+}
