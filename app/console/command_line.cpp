@@ -1,0 +1,233 @@
+#include "app/console/command_line.h"
+
+#include "app/console/console_front_end.h"
+#include "app/console/documents.h"
+#include "app/console/info_verb.h"
+#include "app/console/menu_verb.h"
+#include "app/console/module_verbs.h"
+#include "app/console/run_verb.h"
+#include "app/console/settings_verb.h"
+#include "host/base/file_bytes.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <memory>
+
+namespace console
+{
+
+namespace
+{
+
+QString text(const std::string &bytes)
+{
+    return QString::fromStdString(bytes);
+}
+
+QStringList texts(const std::vector<std::string> &list)
+{
+    QStringList result;
+    for (const std::string &each : list)
+        result.append(text(each));
+    return result;
+}
+
+/// What the parser fills in, and what to run once the whole line is understood.
+struct CommandLine {
+    CLI::App app{"Review marks in CAD drawings: the window, scripts of commands, and verbs."};
+    std::function<int()> chosen;
+
+    std::vector<std::string> files;
+    std::string script, output, key, name, value, file;
+    bool json = false, overwrite = false, echo = false, noModule = false;
+    bool asNumber = false, asText = false;
+    std::map<QString, std::string> values; ///< Options of a module's verb, by name.
+    std::map<QString, bool> switches;
+
+    CLI::App *addVerb(CLI::App &parent, const std::string &verb, const std::string &help,
+                      std::function<int()> run);
+    void addFiles(CLI::App &verb) { verb.add_option("FILE", files, "Drawings (DXF)")->required(); }
+    void addJson(CLI::App &verb) { verb.add_flag("--json", json, "Print JSON"); }
+};
+
+CLI::App *CommandLine::addVerb(CLI::App &parent, const std::string &verb, const std::string &help,
+                               std::function<int()> run)
+{
+    CLI::App *added = parent.add_subcommand(verb, help);
+    added->fallthrough();
+    added->callback([this, run = std::move(run)] { chosen = run; });
+    return added;
+}
+
+// Verbs of the program ---------------------------------------------------------------------------
+
+void addRun(CommandLine &line)
+{
+    CLI::App *verb = line.addVerb(line.app, "run", "Run a script of commands on each file", [&line] {
+        RunOptions options;
+        options.script = text(line.script);
+        options.files = texts(line.files);
+        options.output = text(line.output);
+        options.overwrite = line.overwrite ? Overwrite::yes : Overwrite::no;
+        options.echo = line.echo ? ScriptFrontEnd::Echo::on : ScriptFrontEnd::Echo::off;
+        return runScript(options);
+    });
+    verb->add_option("SCRIPT", line.script, "Script, or - for standard input")->required();
+    line.addFiles(*verb);
+    verb->add_option("-o", line.output, "Save the result: a file for one FILE, a folder for several");
+    verb->add_flag("-f", line.overwrite, "Let -o overwrite");
+    verb->add_flag("--echo", line.echo, "Print each prompt and dialog with the line that answers it");
+}
+
+void addInfo(CommandLine &line)
+{
+    CLI::App *verb = line.addVerb(line.app, "info", "Tell what drawings hold",
+                                  [&line] { return printInfo(texts(line.files), line.json); });
+    line.addFiles(*verb);
+    line.addJson(*verb);
+}
+
+void addMenu(CommandLine &line)
+{
+    CLI::App *verb = line.addVerb(line.app, "menu", "Print the menus that modules load with a drawing",
+                                  [&line] { return printMenus(text(line.file), line.json); });
+    verb->add_option("FILE", line.file, "Drawing; a new one without it");
+    line.addJson(*verb);
+}
+
+SettingType typeOf(const CommandLine &line)
+{
+    return line.asNumber ? SettingType::number : line.asText ? SettingType::text : SettingType::byLook;
+}
+
+void addSettings(CommandLine &line)
+{
+    CLI::App *settings = line.app.add_subcommand("settings", "Read and change your settings");
+    settings->require_subcommand(1);
+    settings->fallthrough();
+
+    CLI::App *list = line.addVerb(*settings, "list", "Print all settings, or those below KEY",
+                                  [&line] { return listSettings(text(line.key), line.json); });
+    list->add_option("KEY", line.key, "Key path");
+    line.addJson(*list);
+
+    CLI::App *get = line.addVerb(*settings, "get", "Print one setting",
+                                 [&line] { return getSetting(text(line.key), text(line.name), line.json); });
+    line.addJson(*get);
+    CLI::App *set = line.addVerb(*settings, "set", "Store one setting", [&line] {
+        return setSetting(text(line.key), text(line.name), text(line.value), typeOf(line));
+    });
+    CLI::App *remove = line.addVerb(*settings, "remove", "Remove one setting",
+                                    [&line] { return removeSetting(text(line.key), text(line.name)); });
+    for (CLI::App *verb : {get, set, remove}) {
+        verb->add_option("KEY", line.key, "Key path, for example Software\\Quillnote3")->required();
+        verb->add_option("NAME", line.name, "Name of the value")->required();
+    }
+    set->add_option("VALUE", line.value, "A number or a text; by its look unless told")->required();
+    auto *asNumber = set->add_flag("--number", line.asNumber, "VALUE is a number");
+    set->add_flag("--text", line.asText, "VALUE is a text")->excludes(asNumber);
+
+    CLI::App *exportTo = line.addVerb(*settings, "export", "Write all settings to a text file",
+                                      [&line] { return exportSettingsTo(text(line.file), line.overwrite); });
+    exportTo->add_option("FILE", line.file, "File, or - for standard output")->required();
+    exportTo->add_flag("-f", line.overwrite, "Overwrite FILE");
+    CLI::App *importFrom = line.addVerb(*settings, "import", "Store the settings of a text file",
+                                        [&line] { return importSettingsFrom(text(line.file)); });
+    importFrom->add_option("FILE", line.file, "File, or - for standard input")->required();
+}
+
+// Verbs of modules -------------------------------------------------------------------------------
+
+AcEdVerbCall moduleCall(const CommandLine &line, const CLI::App &parsed, const AcEdVerb &verb)
+{
+    AcEdVerbCall call;
+    call.json = line.json;
+    for (const AcEdVerbOption &option : verb.options) {
+        if (parsed.count(option.name.toStdString()) == 0)
+            continue;
+        const auto value = line.values.find(option.name);
+        call.options[option.name] = value == line.values.end() ? QString() : text(value->second);
+    }
+    return call;
+}
+
+void addModuleVerb(CommandLine &line, const AcEdVerb &verb)
+{
+    auto parsed = std::make_shared<CLI::App *>(nullptr);
+    *parsed = line.addVerb(line.app, verb.name.toStdString(), verb.help.toStdString(), [&line, parsed, verb] {
+        return runModuleVerb(verb, texts(line.files), moduleCall(line, **parsed, verb));
+    });
+    line.addFiles(**parsed);
+    line.addJson(**parsed);
+    for (const AcEdVerbOption &option : verb.options) {
+        const std::string name = option.name.toStdString();
+        if (option.value.isEmpty())
+            (*parsed)->add_flag(name, line.switches[option.name], option.help.toStdString());
+        else
+            (*parsed)
+                ->add_option(name, line.values[option.name], option.help.toStdString())
+                ->type_name(option.value.toStdString());
+    }
+}
+
+// Without a verb ---------------------------------------------------------------------------------
+
+int refuseWindow(const std::vector<std::string> &files)
+{
+    if (!files.empty() && !QFileInfo::exists(text(files.front()))) {
+        printMessageLine(
+            QStringLiteral("%1 is neither a verb nor a file; see quillnote --help").arg(text(files.front())));
+        return kTrouble;
+    }
+    printMessageLine(QStringLiteral("The window is not built yet; the console works: see quillnote --help."));
+    return kTrouble;
+}
+
+void build(CommandLine &line)
+{
+    line.app.name("quillnote");
+    line.app.set_version_flag("--version", "quillnote " QUILLNOTE_VERSION);
+    line.app.add_flag("--no-module", line.noModule, "Load no modules");
+    line.app.add_option("FILE", line.files, "Drawings to open in the window");
+    line.app.require_subcommand(0, 1);
+    line.app.footer("Exit status: 0 done, 1 findings, 2 trouble.");
+    line.chosen = [&line] { return refuseWindow(line.files); };
+    addRun(line);
+    addInfo(line);
+    addMenu(line);
+    addSettings(line);
+    for (const AcEdVerb &verb : acedVerbs())
+        addModuleVerb(line, verb);
+}
+
+} // namespace
+
+bool runsWithoutModules(const std::vector<std::string> &arguments)
+{
+    if (std::ranges::find(arguments, "--no-module") != arguments.end() ||
+        std::ranges::find(arguments, "--version") != arguments.end())
+        return true;
+    const auto verb =
+        std::ranges::find_if(arguments, [](const std::string &each) { return !each.starts_with('-'); });
+    return verb != arguments.end() && *verb == "settings";
+}
+
+int runCommandLine(const std::vector<std::string> &arguments)
+{
+    CommandLine line;
+    build(line);
+    try {
+        // The parser takes the last argument first.
+        line.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError &error) {
+        return line.app.exit(error, std::cout, std::cerr) == 0 ? kDone : kTrouble;
+    }
+    return line.chosen();
+}
+
+} // namespace console

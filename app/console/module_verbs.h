@@ -1,0 +1,13 @@
+// Verbs that modules bring: each works on the drawing that is current.
+#pragma once
+
+#include "host/aced/edverbs.h"
+
+namespace console
+{
+
+/// Runs the verb on each file in turn; the exit status is the worst one. Without `--json` each file's result
+/// stands below its name when there are several.
+int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerbCall &call);
+
+} // namespace console

@@ -1,0 +1,64 @@
+#include "app/console/output_paths.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace console
+{
+
+static base::Result<void, QString> checkTarget(const QString &target, Overwrite overwrite)
+{
+    const QFileInfo file(target);
+    if (file.exists() && !file.isFile())
+        return base::Failure{QStringLiteral("%1 is no plain file").arg(target)};
+    if (file.exists() && overwrite == Overwrite::no)
+        return base::Failure{QStringLiteral("%1 exists; -f overwrites it").arg(target)};
+    return {};
+}
+
+static base::Result<QStringList, QString> intoFolder(const QStringList &files, const QString &folder)
+{
+    if (QFileInfo::exists(folder) && !QFileInfo(folder).isDir())
+        return base::Failure{QStringLiteral("%1 is no folder").arg(folder)};
+    QStringList targets;
+    for (const QString &file : files) {
+        const QString target = QDir(folder).filePath(QFileInfo(file).fileName());
+        if (targets.contains(target))
+            return base::Failure{QStringLiteral("two files would become %1").arg(target)};
+        targets.append(target);
+    }
+    return targets;
+}
+
+static base::Result<QStringList, QString> asFile(const QString &target)
+{
+    const QFileInfo folder(QFileInfo(target).path());
+    if (!folder.isDir())
+        return base::Failure{QStringLiteral("there is no folder %1").arg(folder.filePath())};
+    return QStringList{target};
+}
+
+base::Result<QStringList, QString> planOutputs(const QStringList &files, const QString &output,
+                                               Overwrite overwrite)
+{
+    if (output.isEmpty())
+        return QStringList(files.size(), QString());
+    const bool isFolder = files.size() > 1 || output.endsWith(u'/') || QFileInfo(output).isDir();
+    auto targets = isFolder ? intoFolder(files, output) : asFile(output);
+    if (!targets)
+        return targets;
+    for (const QString &target : *targets) {
+        if (const auto checked = checkTarget(target, overwrite); !checked)
+            return base::Failure{checked.error()};
+    }
+    return targets;
+}
+
+base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite)
+{
+    if (!QDir().mkpath(QFileInfo(target).path()))
+        return base::Failure{QStringLiteral("the folder of %1 cannot be made").arg(target)};
+    return checkTarget(target, overwrite);
+}
+
+} // namespace console

@@ -1,0 +1,104 @@
+#include "app/console/run_verb.h"
+
+#include "host/aced/edcommands.h"
+#include "host/aced/edinput.h"
+#include "host/base/file_bytes.h"
+
+#include <QFile>
+
+#include <cstdio>
+
+namespace console
+{
+
+static base::Result<Script, QString> readScript(const QString &path)
+{
+    if (path == u"-") {
+        QFile input;
+        if (!input.open(stdin, QIODevice::ReadOnly))
+            return base::Failure{QStringLiteral("standard input cannot be read")};
+        return Script::parse(input.readAll(), QStringLiteral("standard input"));
+    }
+    const auto bytes = base::readFileBytes(path);
+    if (!bytes)
+        return base::Failure{bytes.error().text()};
+    const std::string_view view = bytes->view();
+    return Script::parse(QByteArrayView(view.data(), qsizetype(view.size())), path);
+}
+
+/// Feeds the script's lines to the command prompt until its end, QUIT, or the first line that fails.
+static void feedEditor(ScriptFrontEnd &face)
+{
+    AcEdPrompt prompt;
+    while (!face.hasFailed() && !acedEditor()->isQuitting()) {
+        const auto answer = face.answer(prompt);
+        if (!answer)
+            return;
+        if (answer->kind != AcEdAnswer::text)
+            continue;
+        const QString position = face.position();
+        if (acedEditor()->execute(answer->typed) == RTERROR && !face.hasFailed())
+            face.fail(QStringLiteral("\"%1\" cannot be run").arg(answer->typed.trimmed()));
+        acedEditor()->runQueue();
+    }
+}
+
+static bool playScript(const Script &script, const RunOptions &options)
+{
+    ScriptFrontEnd face(script, options.echo);
+    AcEdFrontEnd *const before = acedSetFrontEnd(&face);
+    feedEditor(face);
+    acedSetFrontEnd(before);
+    return !face.hasFailed();
+}
+
+static base::Result<void, QString> saveResult(AcApDocument *document, const QString &target,
+                                              Overwrite overwrite)
+{
+    if (!document)
+        return base::Failure{QStringLiteral("the script closed the drawing, %1 is not written").arg(target)};
+    if (auto prepared = prepareOutput(target, overwrite); !prepared)
+        return prepared;
+    if (const auto saved = acDocManager()->saveDocument(document, target, true); !saved)
+        return base::Failure{saved.error()};
+    return {};
+}
+
+static int runOnFile(const Script &script, const QString &file, const QString &target,
+                     const RunOptions &options)
+{
+    const OpenDrawing drawing(file);
+    if (!drawing.document())
+        return kTrouble;
+    if (!playScript(script, options)) {
+        printMessageLine(QStringLiteral("%1: the script did not reach its end").arg(file));
+        return kTrouble;
+    }
+    if (target.isEmpty())
+        return kDone;
+    if (const auto saved = saveResult(drawing.document(), target, options.overwrite); !saved) {
+        printMessageLine(saved.error());
+        return kTrouble;
+    }
+    return kDone;
+}
+
+int runScript(const RunOptions &options)
+{
+    const auto script = readScript(options.script);
+    if (!script) {
+        printMessageLine(script.error());
+        return kTrouble;
+    }
+    const auto targets = planOutputs(options.files, options.output, options.overwrite);
+    if (!targets) {
+        printMessageLine(targets.error());
+        return kTrouble;
+    }
+    int status = kDone;
+    for (qsizetype i = 0; i < options.files.size(); ++i)
+        status = std::max(status, runOnFile(*script, options.files[i], (*targets)[i], options));
+    return status;
+}
+
+} // namespace console

@@ -1,0 +1,147 @@
+#include "app/console/settings_verb.h"
+
+#include "app/console/console_front_end.h"
+#include "app/console/documents.h"
+#include "host/aced/edverbs.h"
+#include "host/base/atomic_file.h"
+#include "host/base/file_bytes.h"
+#include "host/os/settings_store.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+#include <limits>
+
+namespace console
+{
+
+using Value = std::variant<std::uint32_t, QString>;
+
+static int trouble(const QString &reason)
+{
+    printMessageLine(reason);
+    return kTrouble;
+}
+
+static QString valueText(const Value &value)
+{
+    const auto *number = std::get_if<std::uint32_t>(&value);
+    return number ? QString::number(*number) : std::get<QString>(value);
+}
+
+static QJsonValue valueJson(const Value &value)
+{
+    const auto *number = std::get_if<std::uint32_t>(&value);
+    return number ? QJsonValue(qint64(*number)) : QJsonValue(std::get<QString>(value));
+}
+
+static QString oneLine(QString text)
+{
+    return text.replace(u'\\', QStringLiteral("\\\\")).replace(u'\n', QStringLiteral("\\n"));
+}
+
+int listSettings(const QString &key, bool json)
+{
+    QJsonArray list;
+    QString text;
+    for (const os::SettingsStore::Entry &entry : os::SettingsStore::user().entries(key)) {
+        list.append(QJsonObject{{QStringLiteral("key"), entry.key},
+                                {QStringLiteral("name"), entry.name},
+                                {QStringLiteral("value"), valueJson(entry.value)}});
+        const bool isText = std::holds_alternative<QString>(entry.value);
+        text += QStringLiteral("%1\t%2\t%3\t%4\n")
+                    .arg(entry.key, entry.name, isText ? QStringLiteral("text") : QStringLiteral("number"),
+                         oneLine(valueText(entry.value)));
+    }
+    acedPrintResult(json ? QString::fromUtf8(QJsonDocument(list).toJson()) : text);
+    return kDone;
+}
+
+int getSetting(const QString &key, const QString &name, bool json)
+{
+    const os::SettingsStore &store = os::SettingsStore::user();
+    std::optional<Value> value;
+    if (const auto number = store.number(key, name))
+        value = *number;
+    else if (const auto text = store.text(key, name))
+        value = *text;
+    if (!value)
+        return trouble(QStringLiteral("there is no setting %1 under %2").arg(name, key));
+    const QJsonObject object{{QStringLiteral("value"), valueJson(*value)}};
+    acedPrintResult(json ? QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) +
+                               QLatin1Char('\n')
+                         : valueText(*value) + QLatin1Char('\n'));
+    return kDone;
+}
+
+static std::optional<std::uint32_t> numberOf(const QString &value)
+{
+    if (value == u"-1")
+        return std::numeric_limits<std::uint32_t>::max();
+    bool isNumber = false;
+    const std::uint32_t number = value.toUInt(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+int setSetting(const QString &key, const QString &name, const QString &value, SettingType type)
+{
+    os::SettingsStore &store = os::SettingsStore::user();
+    const auto number = type == SettingType::text ? std::nullopt : numberOf(value);
+    if (type == SettingType::number && !number)
+        return trouble(QStringLiteral("\"%1\" is no number from 0 to 4294967295").arg(value));
+    const bool stored = number ? store.setNumber(key, name, *number) : store.setText(key, name, value);
+    return stored ? kDone : trouble(QStringLiteral("%1 under %2 could not be stored").arg(name, key));
+}
+
+int removeSetting(const QString &key, const QString &name)
+{
+    return os::SettingsStore::user().remove(key, name)
+               ? kDone
+               : trouble(QStringLiteral("%1 under %2 could not be removed").arg(name, key));
+}
+
+int exportSettingsTo(const QString &file, bool overwrite)
+{
+    const QByteArray text = os::exportSettings(os::SettingsStore::user());
+    if (file == u"-") {
+        acedPrintResult(QString::fromUtf8(text));
+        return kDone;
+    }
+    if (QFileInfo::exists(file) && !overwrite)
+        return trouble(QStringLiteral("%1 exists; -f overwrites it").arg(file));
+    const auto written = base::writeFileAtomically(file, text);
+    return written ? kDone : trouble(written.error().text());
+}
+
+static base::Result<QByteArray, QString> readInput(const QString &file)
+{
+    if (file == u"-") {
+        QFile input;
+        if (!input.open(stdin, QIODevice::ReadOnly))
+            return base::Failure{QStringLiteral("standard input cannot be read")};
+        return input.readAll();
+    }
+    const auto bytes = base::readFileBytes(file);
+    if (!bytes)
+        return base::Failure{bytes.error().text()};
+    return QByteArray(bytes->view().data(), qsizetype(bytes->view().size()));
+}
+
+int importSettingsFrom(const QString &file)
+{
+    const auto text = readInput(file);
+    if (!text)
+        return trouble(text.error());
+    const auto imported = os::importSettings(os::SettingsStore::user(), *text);
+    if (!imported)
+        return trouble(
+            QStringLiteral("%1:%2: %3").arg(file).arg(imported.error().line).arg(imported.error().reason));
+    printMessageLine(QStringLiteral("%1 settings imported").arg(*imported));
+    return kDone;
+}
+
+} // namespace console

@@ -1,0 +1,38 @@
+// The program: sets up the application and the host, loads the modules, runs what the command line asks for.
+#include "app/console/command_line.h"
+#include "app/console/console_front_end.h"
+#include "app/console/modules.h"
+#include "host/aced/hostcommands.h"
+#include "host/acrx/rxmodule.h"
+#include "host/acui/acuiinstall.h"
+#include "host/os/shell.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    // Nothing here needs a display: pictures and dialogs of a console run live in memory.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    int applicationArguments = 1; // The options are ours, not Qt's.
+    const QApplication application(applicationArguments, argv);
+    QApplication::setApplicationName(QStringLiteral("quillnote"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Quillnote"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    console::ConsoleFrontEnd frontEnd;
+    acedSetFrontEnd(&frontEnd);
+    os::setShellEnabled(false);
+    acedRegisterHostCommands();
+    acuiInstall();
+    if (!console::runsWithoutModules(arguments))
+        console::loadModules();
+
+    const int status = console::runCommandLine(arguments);
+
+    acrxDynamicLinker()->unloadAll();
+    acuiUninstall();
+    acedSetFrontEnd(nullptr);
+    return status;
+}
