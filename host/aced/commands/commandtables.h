@@ -1,0 +1,27 @@
+// The host's commands, one table for each concern.
+#pragma once
+
+#include "host/aced/edcommands.h"
+
+#include <span>
+
+namespace hostcommands
+{
+
+struct Entry {
+    const char *name;
+    int flags;
+    void (*run)();
+};
+
+std::span<const Entry> fileCommands();
+std::span<const Entry> editCommands();
+std::span<const Entry> undoCommands();
+std::span<const Entry> viewCommands();
+std::span<const Entry> coordinateCommands(); ///< UCS, PLAN, layouts.
+std::span<const Entry> layerCommands();
+std::span<const Entry> drawCommands();
+std::span<const Entry> inquiryCommands();
+std::span<const Entry> menuCommands();
+
+} // namespace hostcommands

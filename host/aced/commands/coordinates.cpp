@@ -1,0 +1,197 @@
+// Coordinate systems and layouts: UCS, PLAN, LAYOUT, MODEL.
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/support.h"
+#include "host/aced/edsysvar.h"
+#include "host/aced/edview.h"
+
+#include <array>
+
+namespace hostcommands
+{
+
+static void setUcs(const AcApUcs &ucs)
+{
+    DocumentMemory::of(curDoc()).earlierUcs.push_back(curDoc()->ucs());
+    curDoc()->ucs() = ucs;
+}
+
+static void previousUcs()
+{
+    std::vector<AcApUcs> &earlier = DocumentMemory::of(curDoc()).earlierUcs;
+    if (earlier.empty()) {
+        acutPrintf(QStringLiteral("\n没有上一个坐标系。"));
+        return;
+    }
+    curDoc()->ucs() = earlier.back();
+    earlier.pop_back();
+}
+
+static void moveOrigin()
+{
+    const auto origin = askPoint(nullptr, QStringLiteral("\n指定新原点 <0,0,0>: "));
+    if (!origin)
+        return;
+    AcApUcs ucs = curDoc()->ucs();
+    ucs.origin = toWorld(*origin);
+    setUcs(ucs);
+}
+
+static void turnAboutZ()
+{
+    double angle = 0.0;
+    if (acedGetAngle(nullptr, QStringLiteral("\n指定绕 Z 轴的旋转角度 <90>: "), angle) == RTNONE)
+        angle = kGePi / 2;
+    AcApUcs ucs = curDoc()->ucs();
+    const AcGeVector3d normal = ucsNormal();
+    ucs.xAxis = ucs.xAxis.rotateBy(angle, normal);
+    ucs.yAxis = ucs.yAxis.rotateBy(angle, normal);
+    setUcs(ucs);
+}
+
+/// X towards `onX`, Y on the side of `onPlane`; none when the three are on one line.
+static std::optional<AcApUcs> ucsThrough(const AcGePoint3d &origin, const AcGePoint3d &onX,
+                                         const AcGePoint3d &onPlane)
+{
+    const AcGeVector3d x = onX - origin;
+    const AcGeVector3d z = x.crossProduct(onPlane - origin);
+    if (x.isZeroLength() || z.isZeroLength())
+        return std::nullopt;
+    return AcApUcs{origin, x.normal(), z.crossProduct(x).normal()};
+}
+
+/// The second and third point may be left out: the present directions stay, or turn about Z.
+static void throughPoints(const AcGePoint3d &origin)
+{
+    AcGePoint3d onX = origin + AcGeVector3d::kXAxis;
+    const int xResult = acedGetPoint(&origin, QStringLiteral("\n指定 X 轴上的点或 <接受>: "), onX);
+    if (xResult != RTNORM && xResult != RTNONE)
+        return;
+    AcGePoint3d onPlane = origin + AcGeVector3d::kZAxis.crossProduct(onX - origin);
+    if (xResult == RTNORM) {
+        const int planeResult =
+            acedGetPoint(&origin, QStringLiteral("\n指定 XY 平面上的点或 <接受>: "), onPlane);
+        if (planeResult != RTNORM && planeResult != RTNONE)
+            return;
+    }
+    if (const auto ucs = ucsThrough(toWorld(origin), toWorld(onX), toWorld(onPlane)))
+        setUcs(*ucs);
+    else
+        acutPrintf(QStringLiteral("\n三个点在一条直线上。"));
+}
+
+static void threePoints()
+{
+    AcGePoint3d origin;
+    const int result = acedGetPoint(nullptr, QStringLiteral("\n指定新原点 <0,0,0>: "), origin);
+    if (result == RTNORM || result == RTNONE)
+        throughPoints(origin);
+}
+
+/// Upright on the screen, in the plane of the view.
+static void alongView()
+{
+    const AcGeMatrix3d toView = acedViewFrame(curDoc()->view());
+    const AcGeMatrix3d fromView = toView.inverse();
+    setUcs({curDoc()->ucs().origin, fromView * AcGeVector3d::kXAxis, fromView * AcGeVector3d::kYAxis});
+}
+
+static void worldUcs()
+{
+    setUcs({});
+}
+
+static void ucs()
+{
+    acedInitGet(0, QStringLiteral("Move Origin Previous World Z 3 View"));
+    AcGePoint3d origin;
+    const int result = acedGetPoint(
+        nullptr,
+        QStringLiteral("\n指定 UCS 的原点或 [原点(O)/上一个(P)/世界(W)/Z 轴(Z)/三点(3)/视图(V)] <世界>: "),
+        origin);
+    if (result == RTNORM)
+        throughPoints(origin);
+    else if (result == RTNONE)
+        worldUcs();
+    if (result != RTKWORD)
+        return;
+    static constexpr std::array<std::pair<const char *, void (*)()>, 7> kActions{{{"Move", moveOrigin},
+                                                                                  {"Origin", moveOrigin},
+                                                                                  {"Previous", previousUcs},
+                                                                                  {"World", worldUcs},
+                                                                                  {"Z", turnAboutZ},
+                                                                                  {"3", threePoints},
+                                                                                  {"View", alongView}}};
+    for (const auto &[name, action] : kActions) {
+        if (acedGetInput() == QLatin1String(name)) {
+            action();
+            return;
+        }
+    }
+}
+
+/// Turns the view so that the X axis points right.
+static void plan()
+{
+    const auto option =
+        askKeyword(QStringLiteral("Current World"),
+                   QStringLiteral("\n输入选项 [当前 UCS(C)/世界(W)] <当前>: "), QStringLiteral("Current"));
+    if (!option)
+        return;
+    const AcGeVector3d xAxis =
+        *option == QLatin1String("World") ? AcGeVector3d::kXAxis : curDoc()->ucs().xAxis;
+    AcApView &view = curDoc()->view();
+    DocumentMemory::of(curDoc()).earlierViews.push_back(view);
+    view.twist = std::atan2(xAxis.y, xAxis.x);
+    const AcDbExtents extents = acedCurrentExtents(*curDoc());
+    if (extents.isValid())
+        acedZoomWindow(*curDoc(), extents.minPoint(), extents.maxPoint());
+}
+
+// Layouts ----------------------------------------------------------------------------------------------
+
+static void listLayouts()
+{
+    for (const AcDbObjectId block : acdbLayoutBlocks(*acdbCurDwg()))
+        acutPrintf(u'\n' + acdbLayoutName(block));
+}
+
+static void setLayout(const QString &name)
+{
+    if (acedSetVarText(QStringLiteral("CTAB"), name) != RTNORM)
+        acutPrintf(QStringLiteral("\n没有名为“%1”的布局。").arg(name));
+}
+
+static void layout()
+{
+    const auto option =
+        askKeyword(QStringLiteral("Set ?"), QStringLiteral("\n输入布局选项 [置为当前(S)/?] <置为当前>: "),
+                   QStringLiteral("Set"));
+    if (!option)
+        return;
+    if (*option == QLatin1String("?")) {
+        listLayouts();
+        return;
+    }
+    const QString present = acedTextVar(QStringLiteral("CTAB"));
+    const auto name = askText(QStringLiteral("\n输入要置为当前的布局 <%1>: ").arg(present));
+    if (name && !name->isEmpty())
+        setLayout(*name);
+}
+
+static void model()
+{
+    setLayout(QStringLiteral("Model"));
+}
+
+std::span<const Entry> coordinateCommands()
+{
+    static constexpr std::array entries{
+        Entry{"UCS", ACRX_CMD_NOUNDO, ucs},      Entry{"PLAN", ACRX_CMD_NOUNDO, plan},
+        Entry{"LAYOUT", ACRX_CMD_MODAL, layout}, Entry{"-LAYOUT", ACRX_CMD_MODAL, layout},
+        Entry{"MODEL", ACRX_CMD_MODAL, model},
+    };
+    return entries;
+}
+
+} // namespace hostcommands

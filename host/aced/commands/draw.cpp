@@ -1,0 +1,197 @@
+// Commands that draw simple entities: LINE, CIRCLE, POINT, TEXT.
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/support.h"
+#include "host/aced/edsysvar.h"
+
+#include <array>
+
+namespace hostcommands
+{
+
+static void takeCurrentProperties(AcDbEntity &entity, const AcDbDatabase &database)
+{
+    entity.setLayer(acedTextVar(QStringLiteral("CLAYER"), QStringLiteral("0")));
+    const QString linetype = database.headerText("$CELTYPE", QStringLiteral("BYLAYER"));
+    if (linetype.compare(QLatin1String("BYLAYER"), Qt::CaseInsensitive) != 0)
+        entity.setLinetype(linetype);
+    const int color = int(database.headerInteger("$CECOLOR", 256));
+    if (color != 256)
+        entity.setColorIndex(color);
+    const double scale = database.headerReal("$CELTSCALE", 1.0);
+    if (scale != 1.0)
+        entity.setLinetypeScale(scale);
+}
+
+/// Makes the entity with the current layer, colour and linetype in the current space; null when refused.
+static AcDbObjectId draw(const QByteArray &dxfName, ResbufList ownGroups)
+{
+    AcDbDatabase &database = *acdbCurDwg();
+    auto entity = acdbNewEntity(dxfName, std::move(ownGroups));
+    takeCurrentProperties(*entity, database);
+    if (database.version() <= DrawingVersion::r12)
+        std::erase_if(entity->editGroups(), [](const resbuf &group) { return group.restype == 100; });
+
+    AcDbObjectId added;
+    AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
+    const Acad::ErrorStatus status =
+        space ? space->appendAcDbEntity(added, entity.get()) : space.openStatus();
+    if (status != Acad::eOk) {
+        acutPrintf(QStringLiteral("\n不能绘制: %1").arg(acadErrorStatusText(status)));
+        return {};
+    }
+    AcDbObjectPointer<AcDbEntity>(entity.release()).close();
+    return added;
+}
+
+/// Plane figures carry coordinates of their own plane: that of the current UCS.
+static AcGePoint3d inPlane(const AcGePoint3d &ucsPoint)
+{
+    return AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * toWorld(ucsPoint);
+}
+
+static void appendNormal(ResbufList &groups)
+{
+    const AcGeVector3d normal = ucsNormal();
+    if (!(normal - AcGeVector3d::kZAxis).isZeroLength())
+        groups.emplace_back(210, AcGePoint3d(normal.x, normal.y, normal.z));
+}
+
+// LINE -------------------------------------------------------------------------------------------------
+
+static AcDbObjectId drawLine(const AcGePoint3d &from, const AcGePoint3d &to)
+{
+    return draw("LINE", {{100, QStringLiteral("AcDbLine")}, {10, toWorld(from)}, {11, toWorld(to)}});
+}
+
+static void eraseEntity(AcDbObjectId id)
+{
+    AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+    if (entity)
+        entity->erase();
+}
+
+static void line()
+{
+    const auto start = askPoint(nullptr, QStringLiteral("\n指定第一点: "));
+    if (!start)
+        return;
+    std::vector<AcGePoint3d> points{*start};
+    std::vector<AcDbObjectId> drawn;
+    for (;;) {
+        const bool canClose = drawn.size() >= 2;
+        acedInitGet(0, canClose ? QStringLiteral("Close Undo") : QStringLiteral("Undo"));
+        AcGePoint3d next;
+        const int result = acedGetPoint(&points.back(),
+                                        canClose ? QStringLiteral("\n指定下一点或 [闭合(C)/放弃(U)]: ")
+                                                 : QStringLiteral("\n指定下一点或 [放弃(U)]: "),
+                                        next);
+        if (result == RTNORM) {
+            drawn.push_back(drawLine(points.back(), next));
+            points.push_back(next);
+        } else if (result == RTKWORD && acedGetInput() == QLatin1String("Undo")) {
+            if (drawn.empty()) {
+                acutPrintf(QStringLiteral("\n所有线段都已放弃。"));
+                continue;
+            }
+            eraseEntity(drawn.back());
+            drawn.pop_back();
+            points.pop_back();
+        } else {
+            if (result == RTKWORD)
+                drawLine(points.back(), points.front());
+            return;
+        }
+    }
+}
+
+// CIRCLE, POINT ----------------------------------------------------------------------------------------
+
+static std::optional<double> askRadius(const AcGePoint3d &centre)
+{
+    double value = 0.0;
+    acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, QStringLiteral("Diameter"));
+    int result = acedGetDist(&centre, QStringLiteral("\n指定圆的半径或 [直径(D)]: "), value);
+    if (result == RTNORM)
+        return value;
+    if (result != RTKWORD)
+        return std::nullopt;
+    acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+    result = acedGetDist(&centre, QStringLiteral("\n指定圆的直径: "), value);
+    return result == RTNORM ? std::optional(value / 2) : std::nullopt;
+}
+
+static void circle()
+{
+    const auto centre = askPoint(nullptr, QStringLiteral("\n指定圆的圆心: "));
+    const auto radius = centre ? askRadius(*centre) : std::nullopt;
+    if (!radius)
+        return;
+    ResbufList groups{{100, QStringLiteral("AcDbCircle")}, {10, inPlane(*centre)}, {40, *radius}};
+    appendNormal(groups);
+    draw("CIRCLE", std::move(groups));
+}
+
+static void point()
+{
+    if (const auto place = askPoint(nullptr, QStringLiteral("\n指定点: ")))
+        draw("POINT", {{100, QStringLiteral("AcDbPoint")}, {10, toWorld(*place)}});
+}
+
+// TEXT -------------------------------------------------------------------------------------------------
+
+/// Angle of the direction in the figure's own plane, degrees.
+static double rotationInPlane(double angle)
+{
+    const AcGeVector3d direction = toWorld(AcGeVector3d(std::cos(angle), std::sin(angle), 0.0));
+    const AcGeVector3d flat = AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * direction;
+    const double degrees = std::atan2(flat.y, flat.x) * 180.0 / kGePi;
+    return degrees < 0.0 ? degrees + 360.0 : degrees;
+}
+
+static void drawText(const AcGePoint3d &start, double height, double angle, const QString &text)
+{
+    ResbufList groups{{100, QStringLiteral("AcDbText")}, {10, inPlane(start)}, {40, height}, {1, text}};
+    const double rotation = rotationInPlane(angle);
+    if (rotation != 0.0)
+        groups.emplace_back(50, rotation);
+    groups.emplace_back(7, acdbCurDwg()->headerText("$TEXTSTYLE", QStringLiteral("STANDARD")));
+    appendNormal(groups);
+    groups.emplace_back(100, QStringLiteral("AcDbText"));
+    draw("TEXT", std::move(groups));
+}
+
+static void text()
+{
+    auto start = askPoint(nullptr, QStringLiteral("\n指定文字的起点: "));
+    if (!start)
+        return;
+    double height = acedRealVar(QStringLiteral("TEXTSIZE"), 2.5);
+    acedInitGet(RSG_NOZERO | RSG_NONEG);
+    int result = acedGetDist(&*start, QStringLiteral("\n指定高度 <%1>: ").arg(numberText(height)), height);
+    if (result != RTNORM && result != RTNONE)
+        return;
+    double angle = 0.0;
+    result = acedGetAngle(&*start, QStringLiteral("\n指定文字的旋转角度 <0>: "), angle);
+    if (result != RTNORM && result != RTNONE)
+        return;
+    static constexpr double kLineDistance = 5.0 / 3.0;
+    QString line;
+    while (acedGetString(true, QStringLiteral("\n输入文字: "), line) == RTNORM && !line.isEmpty()) {
+        drawText(*start, height, angle, line);
+        *start = polarOffset(*start, angle - kGePi / 2, height * kLineDistance);
+    }
+}
+
+std::span<const Entry> drawCommands()
+{
+    static constexpr std::array entries{
+        Entry{"LINE", ACRX_CMD_MODAL, line},
+        Entry{"CIRCLE", ACRX_CMD_MODAL, circle},
+        Entry{"POINT", ACRX_CMD_MODAL, point},
+        Entry{"TEXT", ACRX_CMD_MODAL, text},
+    };
+    return entries;
+}
+
+} // namespace hostcommands

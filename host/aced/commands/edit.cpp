@@ -1,0 +1,203 @@
+// Commands that erase, move and copy entities.
+#include "host/acdb/dbapi.h"
+#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/support.h"
+
+#include <algorithm>
+#include <array>
+
+namespace hostcommands
+{
+
+static void erase()
+{
+    std::vector<AcDbObjectId> erased;
+    std::size_t refused = 0;
+    for (const AcDbObjectId id : askSelection()) {
+        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (entity && entity->erase() == Acad::eOk)
+            erased.push_back(id);
+        else
+            ++refused;
+    }
+    reportLocked(refused);
+    if (!erased.empty())
+        DocumentMemory::of(curDoc()).lastErased = std::move(erased);
+}
+
+static void oops()
+{
+    for (const AcDbObjectId id : std::exchange(DocumentMemory::of(curDoc()).lastErased, {})) {
+        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite, true);
+        if (entity && entity->isErased())
+            entity->erase(false);
+    }
+}
+
+namespace
+{
+
+/// The way from a base point, or a displacement of its own.
+struct Base {
+    AcGePoint3d point; ///< UCS.
+    bool isDisplacement = false;
+};
+
+} // namespace
+
+static std::optional<Base> askBase()
+{
+    acedInitGet(0, QStringLiteral("Displacement"));
+    AcGePoint3d point;
+    const int result = acedGetPoint(nullptr, QStringLiteral("\n指定基点或 [位移(D)] <位移>: "), point);
+    if (result == RTNORM)
+        return Base{point, false};
+    if (result != RTKWORD && result != RTNONE)
+        return std::nullopt;
+    if (const auto displacement = askPoint(nullptr, QStringLiteral("\n指定位移 <0,0,0>: ")))
+        return Base{*displacement, true};
+    return std::nullopt;
+}
+
+static AcGeMatrix3d movement(const AcGePoint3d &from, const AcGePoint3d &to)
+{
+    return AcGeMatrix3d::translation(toWorld(to) - toWorld(from));
+}
+
+static void move()
+{
+    const AcEdSelectionSet selected = askSelection();
+    const auto base = selected.empty() ? std::nullopt : askBase();
+    if (!base)
+        return;
+    if (base->isDisplacement) {
+        transformAll(selected, movement({}, base->point));
+        return;
+    }
+    AcGePoint3d target;
+    switch (acedGetPoint(&base->point, QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: "), target)) {
+    case RTNORM:
+        transformAll(selected, movement(base->point, target));
+        break;
+    case RTNONE:
+        transformAll(selected, movement({}, base->point));
+        break;
+    default:
+        break;
+    }
+}
+
+static void copyBy(const AcEdSelectionSet &originals, const AcGeMatrix3d &matrix)
+{
+    std::vector<AcDbObjectId> copies;
+    const Acad::ErrorStatus status = acdbDeepCloneEntities(originals, acdbCurDwg()->currentSpaceId(), copies);
+    if (status != Acad::eOk)
+        acutPrintf(QStringLiteral("\n不能复制: %1").arg(acadErrorStatusText(status)));
+    else
+        transformAll(copies, matrix);
+}
+
+/// A copy on a locked layer could not be moved to its place.
+static void dropLocked(AcEdSelectionSet &entities)
+{
+    reportLocked(std::erase_if(entities, isOnLockedLayer));
+}
+
+static void copy()
+{
+    AcEdSelectionSet selected = askSelection();
+    dropLocked(selected);
+    const auto base = selected.empty() ? std::nullopt : askBase();
+    if (!base)
+        return;
+    if (base->isDisplacement) {
+        copyBy(selected, movement({}, base->point));
+        return;
+    }
+    QString prompt = QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: ");
+    for (bool first = true;; first = false) {
+        AcGePoint3d target;
+        acedInitGet(0, first ? QString() : QStringLiteral("Exit"));
+        const int result = acedGetPoint(&base->point, prompt, target);
+        if (result == RTNONE && first)
+            copyBy(selected, movement({}, base->point));
+        if (result != RTNORM)
+            return;
+        copyBy(selected, movement(base->point, target));
+        prompt = QStringLiteral("\n指定第二个点或 [退出(E)] <退出>: ");
+    }
+}
+
+static void rotate()
+{
+    const AcEdSelectionSet selected = askSelection();
+    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
+    double angle = 0.0;
+    if (base && acedGetAngle(&*base, QStringLiteral("\n指定旋转角度: "), angle) == RTNORM)
+        transformAll(selected, AcGeMatrix3d::rotation(angle, ucsNormal(), toWorld(*base)));
+}
+
+static std::optional<double> askScale(const AcGePoint3d &base)
+{
+    const auto distance = [&base](const QString &prompt) -> std::optional<double> {
+        acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+        double value = 0.0;
+        return acedGetDist(&base, prompt, value) == RTNORM ? std::optional(value) : std::nullopt;
+    };
+    acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, QStringLiteral("Reference"));
+    double factor = 1.0;
+    const int result = acedGetDist(&base, QStringLiteral("\n指定比例因子或 [参照(R)]: "), factor);
+    if (result == RTNORM)
+        return factor;
+    if (result != RTKWORD)
+        return std::nullopt;
+    const auto present = distance(QStringLiteral("\n指定参照长度: "));
+    const auto wanted = present ? distance(QStringLiteral("\n指定新的长度: ")) : std::nullopt;
+    if (!wanted)
+        return std::nullopt;
+    return *wanted / *present;
+}
+
+static void scale()
+{
+    const AcEdSelectionSet selected = askSelection();
+    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
+    const auto factor = base ? askScale(*base) : std::nullopt;
+    if (factor)
+        transformAll(selected, AcGeMatrix3d::scaling(*factor, toWorld(*base)));
+}
+
+static void mirror()
+{
+    AcEdSelectionSet selected = askSelection();
+    dropLocked(selected);
+    const auto first =
+        selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定镜像线的第一点: "));
+    const auto second = first ? askPoint(&*first, QStringLiteral("\n指定镜像线的第二点: ")) : std::nullopt;
+    if (!second)
+        return;
+    const AcGeVector3d direction = toWorld(*second) - toWorld(*first);
+    if (direction.isZeroLength()) {
+        acutPrintf(QStringLiteral("\n镜像线的两点重合。"));
+        return;
+    }
+    const AcGeMatrix3d matrix = AcGeMatrix3d::mirroring(toWorld(*first), direction);
+    const auto eraseSource = askYes(QStringLiteral("\n要删除源对象吗?"), false);
+    if (eraseSource && *eraseSource)
+        transformAll(selected, matrix);
+    else if (eraseSource)
+        copyBy(selected, matrix);
+}
+
+std::span<const Entry> editCommands()
+{
+    static constexpr std::array entries{
+        Entry{"ERASE", ACRX_CMD_USEPICKSET, erase},   Entry{"OOPS", ACRX_CMD_MODAL, oops},
+        Entry{"MOVE", ACRX_CMD_USEPICKSET, move},     Entry{"COPY", ACRX_CMD_USEPICKSET, copy},
+        Entry{"ROTATE", ACRX_CMD_USEPICKSET, rotate}, Entry{"SCALE", ACRX_CMD_USEPICKSET, scale},
+        Entry{"MIRROR", ACRX_CMD_USEPICKSET, mirror},
+    };
+    return entries;
+}
+
+} // namespace hostcommands

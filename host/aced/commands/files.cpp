@@ -1,0 +1,136 @@
+// Commands on files: drawings opened, saved and closed; modules loaded.
+#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/support.h"
+#include "host/aced/edsysvar.h"
+#include "host/acrx/rxmodule.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+namespace hostcommands
+{
+
+static void open()
+{
+    const auto path = askText(QStringLiteral("\n输入要打开的图形文件名: "));
+    if (!path || path->isEmpty())
+        return;
+    if (const auto opened = acDocManager()->openDocument(*path); !opened)
+        acutPrintf(QStringLiteral("\n不能打开图形: %1").arg(opened.error()));
+}
+
+static void newDrawing()
+{
+    acDocManager()->newDocument();
+}
+
+static void save(AcApDocument *document, const QString &path, bool copyOnly)
+{
+    if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
+        acutPrintf(QStringLiteral("\n不能保存图形: %1").arg(saved.error()));
+}
+
+/// With the ending of the present name when the user typed none.
+static QString withEnding(const AcApDocument &document, const QString &path)
+{
+    if (!QFileInfo(path).suffix().isEmpty())
+        return path;
+    return path + u'.' + QFileInfo(document.docTitle()).suffix();
+}
+
+/// Asks unless the file is new, the document's own, or EXPERT says not to.
+static bool mayOverwrite(const AcApDocument &document, const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.exists() || file == QFileInfo(document.fileName()) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
+        return true;
+    return askYes(QStringLiteral("\n已有名为 %1 的文件。替换它吗?").arg(file.absoluteFilePath()), false)
+        .value_or(false);
+}
+
+static void saveUnderAskedName(bool copyOnly)
+{
+    AcApDocument *const document = curDoc();
+    const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
+    auto path = askText(QStringLiteral("\n图形另存为 <%1>: ").arg(present));
+    if (!path)
+        return;
+    path = withEnding(*document, path->isEmpty() ? present : *path);
+    if (mayOverwrite(*document, *path))
+        save(document, *path, copyOnly);
+}
+
+static void saveAs()
+{
+    saveUnderAskedName(false);
+}
+
+/// Writes a file of another name beside the document, which keeps its own.
+static void saveCopy()
+{
+    saveUnderAskedName(curDoc()->isNamedDrawing());
+}
+
+static void quickSave()
+{
+    if (curDoc()->isNamedDrawing())
+        save(curDoc(), {}, false);
+    else
+        saveAs();
+}
+
+static void close()
+{
+    AcApDocument *const document = curDoc();
+    if (!document)
+        return;
+    if (!document->isModified() ||
+        askYes(QStringLiteral("\n%1 的修改尚未保存。放弃修改吗?").arg(document->docTitle()), false)
+            .value_or(false))
+        acDocManager()->closeDocument(document);
+}
+
+static void quit()
+{
+    const auto modified = std::ranges::count_if(acDocManager()->documents(),
+                                                [](const auto &document) { return document->isModified(); });
+    if (modified == 0 ||
+        askYes(QStringLiteral("\n%1 个图形的修改尚未保存。放弃修改并退出吗?").arg(modified), false)
+            .value_or(false))
+        acedEditor()->requestQuit();
+}
+
+static void loadModule()
+{
+    const auto path = askText(QStringLiteral("\n输入模块文件名: "));
+    if (!path || path->isEmpty())
+        return;
+    const auto loaded = acrxDynamicLinker()->loadModule(*path);
+    if (!loaded) {
+        acutPrintf(QStringLiteral("\n不能加载模块: %1").arg(loaded.error()));
+        return;
+    }
+    // A module hears of drawings that were open before it came.
+    if (curDoc())
+        acrxDynamicLinker()->send(*loaded, AcRx::kLoadDwgMsg);
+}
+
+std::span<const Entry> fileCommands()
+{
+    static constexpr int kFlags = ACRX_CMD_SESSION | ACRX_CMD_NOUNDO;
+    static constexpr std::array entries{
+        Entry{"OPEN", kFlags, open},
+        Entry{"NEW", kFlags, newDrawing},
+        Entry{"SAVE", ACRX_CMD_NOUNDO, saveCopy},
+        Entry{"QSAVE", ACRX_CMD_NOUNDO, quickSave},
+        Entry{"SAVEAS", ACRX_CMD_NOUNDO, saveAs},
+        Entry{"CLOSE", kFlags, close},
+        Entry{"QUIT", kFlags, quit},
+        Entry{"APPLOAD", kFlags, loadModule},
+    };
+    return entries;
+}
+
+} // namespace hostcommands

@@ -1,0 +1,44 @@
+// Registers the host's commands and their short names.
+#include "host/aced/hostcommands.h"
+
+#include "host/aced/commands/commandtables.h"
+
+#include <array>
+
+using namespace hostcommands;
+
+static const QString kGroup = QStringLiteral("HOST");
+
+/// Short names as people type them.
+static constexpr std::array<std::pair<const char *, const char *>, 21> kAliases{{
+    {"L", "LINE"},  {"C", "CIRCLE"},   {"PO", "POINT"},   {"DT", "TEXT"},  {"E", "ERASE"},   {"M", "MOVE"},
+    {"CO", "COPY"}, {"CP", "COPY"},    {"RO", "ROTATE"},  {"SC", "SCALE"}, {"MI", "MIRROR"}, {"Z", "ZOOM"},
+    {"P", "PAN"},   {"RE", "REGEN"},   {"LA", "LAYER"},   {"DV", "DVIEW"}, {"LI", "LIST"},   {"LS", "LIST"},
+    {"DI", "DIST"}, {"TO", "TOOLBAR"}, {"AP", "APPLOAD"},
+}};
+
+/// An alias is the same command under another local name, in a group of its own: what reactors hear is the
+/// command's global name.
+static void registerAliases()
+{
+    for (const auto &[alias, name] : kAliases) {
+        const AcEdCommand *const found = acedRegCmds()->lookup(QLatin1String(name));
+        const AcEdCommand command = *found;
+        acedRegCmds()->addCommand(kGroup + u'.' + QLatin1String(alias), command.globalName,
+                                  QLatin1String(alias), command.flags, command.function);
+    }
+}
+
+void acedRegisterHostCommands()
+{
+    const std::array tables{fileCommands(), editCommands(),       undoCommands(),
+                            viewCommands(), coordinateCommands(), layerCommands(),
+                            drawCommands(), inquiryCommands(),    menuCommands()};
+    for (const std::span<const Entry> table : tables) {
+        for (const Entry &entry : table) {
+            const QString name = QLatin1String(entry.name);
+            acedRegCmds()->addCommand(kGroup, name, name, entry.flags, entry.run);
+        }
+    }
+    registerAliases();
+}

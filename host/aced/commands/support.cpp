@@ -1,0 +1,150 @@
+// What the host's commands share: questions, coordinates, what they remember of a document.
+#include "host/aced/commands/support.h"
+
+#include "host/acdb/dbsymtb.h"
+
+#include <algorithm>
+#include <map>
+
+namespace hostcommands
+{
+
+namespace
+{
+
+/// One for the process: listens so that nothing outlives its document.
+class Memories : public AcApDocManagerReactor
+{
+public:
+    Memories() { acDocManager()->addReactor(this); }
+    void documentToBeDestroyed(AcApDocument *document) override { m_memories.erase(document); }
+    DocumentMemory &of(AcApDocument *document) { return m_memories[document]; }
+
+private:
+    std::map<AcApDocument *, DocumentMemory> m_memories;
+};
+
+} // namespace
+
+DocumentMemory &DocumentMemory::of(AcApDocument *document)
+{
+    static auto *const memories =
+        new Memories; // Outlives the document manager, which may call it at the end.
+    return memories->of(document);
+}
+
+// Questions --------------------------------------------------------------------------------------------
+
+std::optional<QString> askText(const QString &prompt)
+{
+    QString text;
+    const int result = acedGetString(true, prompt, text);
+    if (result != RTNORM && result != RTNONE)
+        return std::nullopt;
+    text = text.trimmed();
+    if (text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"'))
+        text = text.mid(1, text.size() - 2);
+    return text;
+}
+
+std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback)
+{
+    acedInitGet(0, keywords);
+    QString keyword;
+    switch (acedGetKword(prompt, keyword)) {
+    case RTNORM:
+    case RTKWORD:
+        return keyword;
+    case RTNONE:
+        return fallback;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<bool> askYes(const QString &prompt, bool fallback)
+{
+    const QString choice = fallback ? QStringLiteral("是") : QStringLiteral("否");
+    const auto answer =
+        askKeyword(QStringLiteral("Yes No"), QStringLiteral("%1 [是(Yes)/否(No)] <%2>: ").arg(prompt, choice),
+                   fallback ? QStringLiteral("Yes") : QStringLiteral("No"));
+    if (!answer)
+        return std::nullopt;
+    return *answer == QLatin1String("Yes");
+}
+
+std::optional<AcGePoint3d> askPoint(const AcGePoint3d *base, const QString &prompt)
+{
+    AcGePoint3d point;
+    if (acedGetPoint(base, prompt, point) != RTNORM)
+        return std::nullopt;
+    return point;
+}
+
+// Coordinates ------------------------------------------------------------------------------------------
+
+AcGePoint3d toWorld(const AcGePoint3d &point)
+{
+    return acedTrans(point, AcEdSpace::ucs, AcEdSpace::world);
+}
+
+AcGeVector3d toWorld(const AcGeVector3d &vector)
+{
+    return acedTrans(vector, AcEdSpace::ucs, AcEdSpace::world);
+}
+
+AcGeVector3d ucsNormal()
+{
+    return toWorld(AcGeVector3d::kZAxis).normal();
+}
+
+// Entities ---------------------------------------------------------------------------------------------
+
+AcEdSelectionSet askSelection()
+{
+    AcEdSelectionSet selected;
+    if (acedSSGet({}, nullptr, nullptr, {}, selected) != RTNORM)
+        selected.clear();
+    return selected;
+}
+
+bool isOnLockedLayer(AcDbObjectId entity)
+{
+    AcDbObjectPointer<AcDbEntity> opened(entity, AcDb::kForRead);
+    if (!opened)
+        return false;
+    AcDbObjectPointer<AcDbLayerTableRecord> layer(opened->layerId(), AcDb::kForRead);
+    return layer && layer->isLocked();
+}
+
+void reportLocked(std::size_t count)
+{
+    if (count > 0)
+        acutPrintf(QStringLiteral("\n%1 个对象不能改动（所在图层已锁定）。").arg(count));
+}
+
+void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix)
+{
+    std::size_t refused = 0;
+    for (const AcDbObjectId id : entities) {
+        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (!entity || entity->transformBy(matrix) != Acad::eOk)
+            ++refused;
+    }
+    reportLocked(refused);
+}
+
+// Messages ---------------------------------------------------------------------------------------------
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', 10);
+}
+
+QString pointText(const AcGePoint3d &point)
+{
+    return QStringLiteral("X = %1  Y = %2  Z = %3")
+        .arg(numberText(point.x), numberText(point.y), numberText(point.z));
+}
+
+} // namespace hostcommands

@@ -1,0 +1,51 @@
+// What the host's commands share: questions, coordinates, what they remember of a document.
+#pragma once
+
+#include "host/acap/docman.h"
+#include "host/acdb/dbentity.h"
+#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
+#include "host/aced/edselect.h"
+
+#include <optional>
+
+namespace hostcommands
+{
+
+/// Remembered between commands; forgotten with the document.
+struct DocumentMemory {
+    std::vector<std::size_t> undoMarks; ///< Undo positions.
+    bool groupOpen = false;             ///< UNDO Begin without its End.
+    std::vector<AcApUcs> earlierUcs;
+    std::vector<AcApView> earlierViews;
+    std::vector<AcDbObjectId> lastErased; ///< For OOPS.
+
+    static DocumentMemory &of(AcApDocument *document);
+};
+
+/// A line that no quotes surround; none when the command was cancelled.
+std::optional<QString> askText(const QString &prompt);
+/// One of the keywords; `fallback` for Enter; none when cancelled.
+std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback);
+std::optional<bool> askYes(const QString &prompt, bool fallback);
+/// UCS coordinates; none for anything else than a point.
+std::optional<AcGePoint3d> askPoint(const AcGePoint3d *base, const QString &prompt);
+
+AcGePoint3d toWorld(const AcGePoint3d &point);
+AcGeVector3d toWorld(const AcGeVector3d &vector);
+/// The current UCS's Z axis in world coordinates.
+AcGeVector3d ucsNormal();
+
+/// Asks for entities until Enter; empty when there are none.
+AcEdSelectionSet askSelection();
+bool isOnLockedLayer(AcDbObjectId entity);
+/// Transforms those that can be changed and says how many cannot.
+void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
+void reportLocked(std::size_t count);
+
+/// A number for messages: "12.5".
+QString numberText(double number);
+/// "X = 1.0  Y = 2.0  Z = 0.0"
+QString pointText(const AcGePoint3d &point);
+
+} // namespace hostcommands
