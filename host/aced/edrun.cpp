@@ -4,6 +4,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/edlisp.h"
 #include "host/aced/edprompt.h"
+#include "host/aced/edsysvar.h"
 
 #include <algorithm>
 #include <utility>
@@ -143,6 +144,16 @@ static QString withoutCancels(QString line)
     return line;
 }
 
+/// A variable's name at the command prompt stands for SETVAR and the name.
+static QString commandFor(const QString &name, AcEdFeed &feed)
+{
+    resbuf value;
+    if (acedRegCmds()->lookup(name) || acedGetVar(name, value) != RTNORM)
+        return name;
+    feed.tokens().push_front(name);
+    return QStringLiteral("SETVAR");
+}
+
 int AcEditor::execute(const QString &line)
 {
     const QString typed = withoutCancels(line);
@@ -161,7 +172,7 @@ int AcEditor::execute(const QString &line)
         feed.tokens().pop_front();
         if (name.isEmpty())
             continue;
-        result = runCommand(name);
+        result = runCommand(commandFor(name, feed));
         if (result != RTNORM)
             break;
     }
