@@ -1,0 +1,37 @@
+// The LISP reader and evaluator, with a front end that swallows what is printed.
+#include "host/aced/edfrontend.h"
+#include "host/aced/edlisp_eval.h"
+#include "host/aced/edlisp_reader.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+class SilentFrontEnd : public AcEdFrontEnd
+{
+public:
+    std::optional<AcEdAnswer> answer(const AcEdPrompt &) override { return std::nullopt; }
+    std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
+    bool isScripted() const override { return true; }
+    void print(const QString &) override {}
+};
+
+} // namespace
+
+/// What was read prints, and reads again as what it printed; then it is evaluated.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static SilentFrontEnd frontEnd;
+    acedSetFrontEnd(&frontEnd);
+    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
+    const auto form = lisp::readExpression(text);
+    if (!form)
+        return 0;
+    const QString printed = lisp::printed(*form);
+    if (const auto again = lisp::readExpression(printed); again && lisp::printed(*again) != printed)
+        std::abort();
+    (void)lisp::Evaluator().run(*form);
+    lisp::State::instance().reset();
+    return 0;
+}

@@ -1,0 +1,1 @@
+(if(null(menugroup "REVIEW"))(command "menuload" "C:\\menus\\review.mnu")) 
