@@ -66,7 +66,9 @@ AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcDbDatabase> database, cons
     added->m_savedChangeCount = added->m_database->changeCount();
     if (fileName.isEmpty())
         added->m_number = ++m_created;
-    acapRestoreView(*added->m_database, added->m_view);
+    const AcDbObjectId space = added->m_database->currentSpaceId();
+    acapRestoreView(*added->m_database, space, added->m_view);
+    added->m_ucs = acapSavedUcs(*added->m_database, space);
     m_documents.push_back(std::move(owned));
 
     notify([added](AcApDocManagerReactor &reactor) { reactor.documentCreated(added); });

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -19,7 +20,7 @@ enum DocLockMode : int { kNone = 0x00, kAutoWrite = 0x01, kNotLocked = 0x02, kWr
 struct AcApView {
     AcGePoint3d centre{0.0, 0.0, 0.0}; ///< Middle of the view, world coordinates.
     double height = 297.0;             ///< World units from the lower to the upper edge.
-    double twist = 0.0;                ///< Radians; the drawing appears turned by -twist (VIEWTWIST).
+    double twist = 0.0;                ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
 
@@ -32,6 +33,12 @@ struct AcApUcs {
     AcGePoint3d origin;
     AcGeVector3d xAxis = AcGeVector3d::kXAxis;
     AcGeVector3d yAxis = AcGeVector3d::kYAxis;
+};
+
+/// How a space of a drawing looked when another one was made current.
+struct AcApSpaceState {
+    AcApView view;
+    AcApUcs ucs;
 };
 
 class AcApDocument
@@ -52,6 +59,8 @@ public:
     const AcApView &view() const { return m_view; }
     AcApUcs &ucs() { return m_ucs; }
     const AcApUcs &ucs() const { return m_ucs; }
+    /// Of the spaces that were current before, by block record.
+    std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() { return m_otherSpaces; }
     /// Entities selected before a command (pick first).
     std::vector<AcDbObjectId> &pickSet() { return m_pickSet; }
     /// The last selection set of an editing command ("Previous").
@@ -68,6 +77,7 @@ private:
     std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
     AcApView m_view;
     AcApUcs m_ucs;
+    std::map<AcDbObjectId, AcApSpaceState> m_otherSpaces;
     std::vector<AcDbObjectId> m_pickSet;
     std::vector<AcDbObjectId> m_previousSet;
 };

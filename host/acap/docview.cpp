@@ -6,7 +6,7 @@
 
 AcGeMatrix3d acapViewFrame(double twist)
 {
-    return AcGeMatrix3d::rotation(-twist, AcGeVector3d::kZAxis);
+    return AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis);
 }
 
 static bool isUsableHeight(double height)
@@ -14,15 +14,16 @@ static bool isUsableHeight(double height)
     return std::isfinite(height) && height > 1e-9 && height < 1e18;
 }
 
-static void setView(AcApView &view, const AcGePoint3d &target, const AcGePoint3d &centre, double height,
+static bool setView(AcApView &view, const AcGePoint3d &target, const AcGePoint3d &centre, double height,
                     double twist)
 {
     if (!isUsableHeight(height) || !std::isfinite(twist))
-        return;
+        return false;
     const AcGeVector3d offset = acapViewFrame(twist).inverse() * centre.asVector();
     view.centre = target + offset;
     view.height = height;
     view.twist = twist;
+    return true;
 }
 
 static double realOf(const ResbufList &groups, int code)
@@ -47,17 +48,16 @@ static bool restoreModelView(const AcDbDatabase &database, AcApView &view)
             continue;
         const ResbufList &groups = record->groups();
         // Group 51 is in degrees, as angles are in files.
-        setView(view, pointOf(groups, 17), pointOf(groups, 12), realOf(groups, 40),
-                realOf(groups, 51) * kGePi / 180.0);
-        return true;
+        return setView(view, pointOf(groups, 17), pointOf(groups, 12), realOf(groups, 40),
+                       realOf(groups, 51) * kGePi / 180.0);
     }
     return false;
 }
 
 /// The sheet itself is shown through the viewport entity whose number (69) is 1.
-static bool restoreSheetView(const AcDbDatabase &database, AcApView &view)
+static bool restoreSheetView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view)
 {
-    const BlockContents *sheet = database.blockContents(database.paperSpaceId());
+    const BlockContents *sheet = database.blockContents(space);
     if (!sheet)
         return false;
     static const AcDbKind viewportKind = acdbKind("VIEWPORT");
@@ -68,19 +68,29 @@ static bool restoreSheetView(const AcDbDatabase &database, AcApView &view)
         const resbuf *number = viewport ? findGroup(viewport->groups(), 69) : nullptr;
         if (!number || number->integer() != 1)
             continue;
-        setView(view, {}, pointOf(viewport->groups(), 12), realOf(viewport->groups(), 45), 0.0);
-        return true;
+        return setView(view, {}, pointOf(viewport->groups(), 12), realOf(viewport->groups(), 45), 0.0);
     }
     return false;
 }
 
-void acapRestoreView(const AcDbDatabase &database, AcApView &view)
+bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view)
 {
-    const bool onSheet = database.headerInteger("$TILEMODE", 1) == 0;
-    if (onSheet && restoreSheetView(database, view))
-        return;
-    if (!onSheet && restoreModelView(database, view))
-        return;
-    if (database.headerVariable("$VIEWCTR"))
-        setView(view, {}, database.headerPoint("$VIEWCTR"), database.headerReal("$VIEWSIZE"), 0.0);
+    if (space != database.modelSpaceId())
+        return restoreSheetView(database, space, view);
+    if (restoreModelView(database, view))
+        return true;
+    return database.headerVariable("$VIEWCTR") &&
+           setView(view, {}, database.headerPoint("$VIEWCTR"), database.headerReal("$VIEWSIZE"), 0.0);
+}
+
+AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space)
+{
+    const QByteArray prefix = space == database.modelSpaceId() ? "$UCS" : "$PUCS";
+    AcApUcs ucs;
+    ucs.origin = database.headerPoint(prefix + "ORG");
+    ucs.xAxis = database.headerPoint(prefix + "XDIR", {1, 0, 0}).asVector().normal();
+    ucs.yAxis = database.headerPoint(prefix + "YDIR", {0, 1, 0}).asVector().normal();
+    const bool usable = ucs.xAxis.length() > 0.5 && ucs.yAxis.length() > 0.5 &&
+                        std::abs(ucs.xAxis.dotProduct(ucs.yAxis)) < 1e-6;
+    return usable ? ucs : AcApUcs();
 }

@@ -1,4 +1,4 @@
-// The view that a drawing was saved with, and the frame that a view sees it in.
+// The view and the coordinate system that a drawing was saved with, and the frame that a view sees it in.
 #pragma once
 
 #include "host/acap/docman.h"
@@ -8,6 +8,8 @@
 /// origin stays.
 AcGeMatrix3d acapViewFrame(double twist);
 
-/// Puts the drawing's saved view into `view` (its pixels stay): the active viewport of model space, or the
-/// sheet's own viewport when a layout is current. A drawing without either leaves `view` as it is.
-void acapRestoreView(const AcDbDatabase &database, AcApView &view);
+/// Puts the saved view of a space (block record) into `view`, whose pixels stay: the active viewport of model
+/// space, or a sheet's own viewport. False, and nothing changed, when the drawing has none.
+bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view);
+/// The saved coordinate system of model space or of the sheets; the world's when it has none or a bad one.
+AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space);

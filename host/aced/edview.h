@@ -11,16 +11,16 @@
 bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel);
 bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world);
 
-/// World to the view's own frame: turned by the view twist, origin kept. Its inverse goes back.
+/// World to the view's own frame: turned counter-clockwise by the view twist, origin kept. Its inverse goes back.
 AcGeMatrix3d acedViewFrame(const AcApView &view);
 
 /// A view to be made current, as AcDbViewTableRecord describes it.
 struct AcEdViewRecord {
-    AcGePoint3d centre;       ///< In the view's frame.
+    AcGePoint3d centre; ///< In the view's frame.
     double height = 1.0;
     double width = 1.0;
     double twist = 0.0;
-    AcDbObjectId layout;      ///< Block record of the paper-space layout to switch to; null: stay.
+    AcDbObjectId layout; ///< Block record of the paper-space layout to switch to; null: stay.
 };
 Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record);
 
