@@ -3,6 +3,8 @@
 #include "host/acap/docview.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edspace.h"
+#include "host/acgi/gispatialindex.h"
+#include "host/acgi/givisibility.h"
 
 #include <cmath>
 #include <limits>
@@ -88,6 +90,56 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record)
     view.centre = acedViewFrame(view).inverse() * record.centre;
     view.height = height;
     return Acad::eOk;
+}
+
+/// True when a visible entity reaches the side of the box that `strip` is.
+static bool isReached(AcGiSpatialIndex &index, AcDbObjectId space, const AcDbExtents &strip)
+{
+    AcGiVisibility visibility;
+    for (const AcDbObjectId id : index.query(space, strip)) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+        AcDbExtents box;
+        if (entity && visibility.isVisible(*entity) && acgiExtents(*entity, box) == Acad::eOk &&
+            box.meetsInPlane(strip))
+            return true;
+    }
+    return false;
+}
+
+static bool isReachedAllAround(AcGiSpatialIndex &index, AcDbObjectId space, const AcDbExtents &box)
+{
+    const AcGePoint3d low = box.minPoint();
+    const AcGePoint3d high = box.maxPoint();
+    return isReached(index, space, {low, {low.x, high.y, 0}}) &&
+           isReached(index, space, {{high.x, low.y, 0}, high}) &&
+           isReached(index, space, {low, {high.x, low.y, 0}}) &&
+           isReached(index, space, {{low.x, high.y, 0}, high});
+}
+
+static AcDbExtents extentsOneByOne(const AcDbDatabase &database, AcDbObjectId space)
+{
+    AcDbExtents all;
+    AcGiVisibility visibility;
+    AcGiBlockExtents blocks;
+    for (const std::uint32_t index : database.blockContents(space)->entities) {
+        const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(database.stub(index)), AcDb::kForRead);
+        AcDbExtents box;
+        if (entity && visibility.isVisible(*entity) && acgiExtents(*entity, box, &blocks) == Acad::eOk)
+            all.addExt(box);
+    }
+    return all;
+}
+
+AcDbExtents acedCurrentExtents(const AcApDocument &document)
+{
+    AcDbDatabase &database = *document.database();
+    const AcDbObjectId space = database.currentSpaceId();
+    AcGiSpatialIndex &index = acgiSpatialIndex(database);
+    // The index also counts what is hidden; that matters only where nothing else reaches its edge.
+    const AcDbExtents indexed = index.extents(space);
+    if (!indexed.isValid() || isReachedAllAround(index, space, indexed))
+        return indexed;
+    return extentsOneByOne(database, space);
 }
 
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2)
