@@ -1,0 +1,126 @@
+#include "host/acgi/gidraw.h"
+
+#include "host/acgi/giextents.h"
+#include "host/acgi/gikinds.h"
+#include "host/acgi/giread.h"
+
+namespace
+{
+
+struct KindRow {
+    const char *dxfName;
+    acgi::DrawFunction draw;
+};
+
+// clang-format off
+constexpr KindRow kKinds[] = {
+    {"3DFACE", acgi::drawFace},
+    {"ACAD_TABLE", acgi::drawTable},
+    {"ARC", acgi::drawArc},
+    {"ARC_DIMENSION", acgi::drawDimension},
+    {"ATTDEF", acgi::drawAttributeDefinition},
+    {"ATTRIB", acgi::drawAttribute},
+    {"CIRCLE", acgi::drawCircle},
+    {"DIMENSION", acgi::drawDimension},
+    {"ELLIPSE", acgi::drawEllipse},
+    {"HATCH", acgi::drawHatch},
+    {"HELIX", acgi::drawSpline},
+    {"IMAGE", acgi::drawImage},
+    {"INSERT", acgi::drawInsert},
+    {"LARGE_RADIAL_DIMENSION", acgi::drawDimension},
+    {"LEADER", acgi::drawLeader},
+    {"LINE", acgi::drawLine},
+    {"LWPOLYLINE", acgi::drawLightPolyline},
+    {"MLINE", acgi::drawMultiline},
+    {"MTEXT", acgi::drawMText},
+    {"OLE2FRAME", acgi::drawOleFrame},
+    {"POINT", acgi::drawPoint},
+    {"POLYLINE", acgi::drawPolyline},
+    {"RAY", acgi::drawRay},
+    {"SOLID", acgi::drawSolid},
+    {"SPLINE", acgi::drawSpline},
+    {"TEXT", acgi::drawText},
+    {"TOLERANCE", acgi::drawTolerance},
+    {"TRACE", acgi::drawSolid},
+    {"VIEWPORT", acgi::drawViewport},
+    {"WIPEOUT", acgi::drawWipeout},
+    {"XLINE", acgi::drawConstructionLine},
+};
+// clang-format on
+
+} // namespace
+
+/// Indexed by kind number: a million entities look their function up.
+static acgi::DrawFunction drawFunction(AcDbKind kind)
+{
+    static const std::vector<acgi::DrawFunction> functions = [] {
+        std::vector<acgi::DrawFunction> table;
+        for (const KindRow &row : kKinds) {
+            const AcDbKind number = acdbKind(row.dxfName);
+            table.resize(std::max(table.size(), std::size_t(number) + 1));
+            table[number] = row.draw;
+        }
+        return table;
+    }();
+    return kind < functions.size() ? functions[kind] : nullptr;
+}
+
+static bool drawCustom(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    AcDbExtents box;
+    if (entity.subGetGeomExtents(box) != Acad::eOk || !box.isValid())
+        return false;
+    const AcGePoint3d &low = box.minPoint();
+    const AcGePoint3d &high = box.maxPoint();
+    const AcGePoint3d corners[] = {low, {high.x, low.y, low.z}, high, {low.x, high.y, high.z}, low};
+    sink.polyline(5, corners);
+    return true;
+}
+
+bool acgiDrawEntity(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    const AcDbStub *const stub = entity.objectId().stub();
+    const acgi::DrawFunction draw = drawFunction(stub ? stub->kind : acdbKind(entity.dxfName()));
+    if (draw) {
+        draw(entity, sink);
+        return true;
+    }
+    if (entity.isCustom() && drawCustom(entity, sink))
+        return true;
+    sink.countUndrawn();
+    return false;
+}
+
+void acgiDrawBlock(AcDbObjectId blockRecord, AcGiGeometry &sink)
+{
+    AcDbDatabase *const database = blockRecord.database();
+    const BlockContents *const contents = database ? database->blockContents(blockRecord) : nullptr;
+    if (!contents || !sink.enterBlock(blockRecord))
+        return;
+    for (const std::uint32_t index : contents->entities) {
+        if (sink.isDone())
+            break;
+        readEntity(AcDbObjectId(database->stub(index)), [&](const AcDbEntity &entity) {
+            if (sink.wants(entity))
+                acgiDrawEntity(entity, sink);
+        });
+    }
+    sink.leaveBlock();
+}
+
+AcGePoint3d acgiBlockOrigin(AcDbObjectId blockRecord)
+{
+    AcGePoint3d origin;
+    AcDbDatabase *const database = blockRecord.database();
+    const BlockContents *const contents = database ? database->blockContents(blockRecord) : nullptr;
+    if (contents && contents->blockBegin)
+        readEntity(AcDbObjectId(contents->blockBegin),
+                   [&](const AcDbEntity &begin) { origin = EntityGroups(begin).point(10); });
+    return origin;
+}
+
+void acgiInstall()
+{
+    acdbSetNativeExtents(
+        [](const AcDbEntity &entity, AcDbExtents &extents) { return acgiExtents(entity, extents); });
+}

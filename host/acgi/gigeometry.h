@@ -1,0 +1,137 @@
+// AcGiGeometry: where entities draw to. Whoever wants the geometry of entities (extents, a pick, the
+// screen, a file) derives from it; what an entity looks like is written once.
+#pragma once
+
+#include "host/acdb/dbid.h"
+#include "host/acge/gematrix.h"
+
+#include <QString>
+
+#include <span>
+#include <vector>
+
+class AcDbEntity;
+
+/// centre + u cos t + v sin t for t from `start` over `sweep` (radians, negative runs backward). Circles
+/// and ellipses, whole or in part, and whatever an affine transform makes of them.
+struct AcGiArc {
+    AcGePoint3d centre;
+    AcGeVector3d u;
+    AcGeVector3d v;
+    double start = 0.0;
+    double sweep = 2.0 * kGePi;
+
+    AcGePoint3d at(double t) const { return centre + u * std::cos(t) + v * std::sin(t); }
+    bool isWhole() const { return std::abs(sweep) >= 2.0 * kGePi - 1e-12; }
+    /// True when the point of parameter `t` belongs to the arc.
+    bool covers(double t) const;
+    AcGiArc transformed(const AcGeMatrix3d &matrix) const;
+    /// Points along the arc, both ends and the extreme points of x and y included.
+    void appendSamples(std::vector<AcGePoint3d> &points, int perTurn = 64) const;
+};
+
+/// The arc from `from` to `to` in the XY plane with a bulge (tangent of a quarter of the angle).
+AcGiArc acgiBulgeArc(const AcGePoint3d &from, const AcGePoint3d &to, double bulge);
+
+/// A vertex of a polyline in its plane; bulge and widths belong to the segment that begins here.
+struct AcGiVertex {
+    AcGePoint3d point;
+    double bulge = 0.0;
+    double startWidth = 0.0;
+    double endWidth = 0.0;
+};
+
+/// One line of text. The box is position + direction * (0 .. width) + up * (0 .. 1).
+struct AcGiTextLine {
+    QString text;           ///< Without control codes.
+    AcGePoint3d position;   ///< Left end of the base line.
+    AcGeVector3d direction; ///< Along the base line; its length is text height times width factor.
+    AcGeVector3d up;        ///< Its length is the text height; leans for oblique text.
+    double width = 0.0;     ///< Length of the line in units of `direction`.
+};
+
+using AcGiLoop = std::vector<AcGePoint3d>;
+
+/// How a block stands in its owner, with the repetition of a multiple insert.
+struct AcGiBlockPlacement {
+    AcDbObjectId record;
+    AcGeMatrix3d placement; ///< Block coordinates to model coordinates, of the first instance.
+    int columns = 1;
+    int rows = 1;
+    AcGeVector3d columnStep; ///< From one column to the next, in model coordinates.
+    AcGeVector3d rowStep;
+
+    AcGeMatrix3d instance(int column, int row) const;
+};
+
+/// Everything comes in model coordinates; modelToWorld() leads to the world.
+class AcGiGeometry
+{
+public:
+    virtual ~AcGiGeometry() = default;
+
+    void pushModelTransform(const AcGeMatrix3d &matrix);
+    void popModelTransform();
+    const AcGeMatrix3d &modelToWorld() const { return m_toWorld; }
+    AcGePoint3d toWorld(const AcGePoint3d &point) const { return m_isWorld ? point : m_toWorld * point; }
+    AcGiArc toWorld(const AcGiArc &arc) const { return m_isWorld ? arc : arc.transformed(m_toWorld); }
+
+    // Primitives ---------------------------------------------------------------------------------
+    /// A chain of lines; one point is a dot.
+    virtual void polyline(std::uint32_t count, const AcGePoint3d *points) = 0;
+    virtual void arc(const AcGiArc &arc) = 0;
+    /// Area between closed loops, by the even-odd rule.
+    virtual void fill(std::span<const AcGiLoop> loops) = 0;
+    virtual void text(const AcGiTextLine &line) = 0;
+    /// A line without end: from `base` one way, or both ways.
+    virtual void infiniteLine(const AcGePoint3d &base, const AcGeVector3d &direction, bool bothWays) = 0;
+    /// Lines and arcs in one go; wide segments are areas.
+    virtual void pline(std::span<const AcGiVertex> vertices, bool closed);
+
+    void polygon(std::uint32_t count, const AcGePoint3d *points);
+    void circle(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal);
+    /// `startVector` points from the centre to the start; the arc turns counter-clockwise about `normal`.
+    void circularArc(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal,
+                     const AcGeVector3d &startVector, double sweep);
+
+    // Structure ----------------------------------------------------------------------------------
+    /// Asked before each entity inside a block and each attribute; false leaves it out.
+    virtual bool wants(const AcDbEntity & /*nested*/) { return true; }
+    /// A sink that knows the block already returns true; otherwise its entities are drawn one by one.
+    virtual bool blockReference(const AcGiBlockPlacement & /*reference*/) { return false; }
+    /// True when nothing more is needed; drawing then ends early.
+    virtual bool isDone() const { return false; }
+    /// Entities whose kind draws nothing here.
+    std::size_t undrawnCount() const { return m_undrawn; }
+    void countUndrawn() { ++m_undrawn; }
+
+    /// Blocks that are being drawn. False when the block is one of them already, or too deep.
+    bool enterBlock(AcDbObjectId record);
+    void leaveBlock() { m_blocks.pop_back(); }
+    bool insideBlock() const { return !m_blocks.empty(); }
+
+private:
+    void wideSegment(const AcGiVertex &from, const AcGiVertex &to);
+
+    std::vector<AcGeMatrix3d> m_stack;
+    AcGeMatrix3d m_toWorld;
+    bool m_isWorld = true;
+    std::vector<AcDbObjectId> m_blocks;
+    std::size_t m_undrawn = 0;
+};
+
+/// A model transform for the life of a scope.
+class AcGiModelTransform
+{
+public:
+    AcGiModelTransform(AcGiGeometry &sink, const AcGeMatrix3d &matrix) : m_sink(sink)
+    {
+        m_sink.pushModelTransform(matrix);
+    }
+    ~AcGiModelTransform() { m_sink.popModelTransform(); }
+    AcGiModelTransform(const AcGiModelTransform &) = delete;
+    AcGiModelTransform &operator=(const AcGiModelTransform &) = delete;
+
+private:
+    AcGiGeometry &m_sink;
+};
