@@ -67,10 +67,12 @@ static bool refuse(const QString &command, const QString &reason)
     return false;
 }
 
-static bool hasPopup(const AcEdMenuGroup &group, const QString &popup)
+/// The pull-down's id as its file spells it; empty when there is none.
+static QString popupId(const AcEdMenuGroup &group, const QString &wanted)
 {
-    return std::ranges::any_of(group.popups,
-                               [&popup](const AcEdMenuItem &item) { return sameName(item.id, popup); });
+    const auto found = std::ranges::find_if(
+        group.popups, [&wanted](const AcEdMenuItem &item) { return sameName(item.id, wanted); });
+    return found == group.popups.end() ? QString() : found->id;
 }
 
 bool AcEdMenus::menuCommand(const QString &command)
@@ -90,11 +92,11 @@ bool AcEdMenus::menuCommand(const QString &command)
         return true;
     }
     const AcEdMenuGroup *const owner = group(match.captured(4));
-    const QString popup = match.captured(5);
     if (!owner)
         return refuse(command, QStringLiteral("菜单组“%1”未加载").arg(match.captured(4)));
-    if (!hasPopup(*owner, popup))
-        return refuse(command, QStringLiteral("菜单组“%1”中没有“%2”").arg(owner->name, popup));
+    const QString popup = popupId(*owner, match.captured(5));
+    if (popup.isEmpty())
+        return refuse(command, QStringLiteral("菜单组“%1”中没有“%2”").arg(owner->name, match.captured(5)));
 
     // A pull-down stands in the bar once: a repeated command moves it.
     std::erase_if(m_bar, [&](const BarEntry &entry) {
