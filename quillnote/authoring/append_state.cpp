@@ -1,0 +1,7 @@
+#include "quillnote/authoring/append_state.h"
+
+AppendState &appendState()
+{
+    static AppendState state;
+    return state;
+}

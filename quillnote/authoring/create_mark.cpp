@@ -1,0 +1,103 @@
+#include "quillnote/authoring/create_mark.h"
+
+#include "quillnote/authoring/append_state.h"
+#include "quillnote/authoring/mark_layer.h"
+#include "quillnote/entity/mark_dictionary.h"
+#include "quillnote/entity/mark_geometry.h"
+#include "quillnote/entity/mark_record.h"
+#include "quillnote/frame/settings/settings.h"
+#include "quillnote/frame/settings/start_up_settings.h"
+
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/edsysvar.h"
+#include "host/os/guid.h"
+
+#include <QFile>
+
+#include <memory>
+
+static bool isPaperSpaceCurrent()
+{
+    return acedIntVar(QStringLiteral("TILEMODE"), 1) == 0 && acedIntVar(QStringLiteral("CVPORT"), 2) == 1;
+}
+
+static void fillText(QuillnoteObj3 &mark, const NewMark &request)
+{
+    mark.suggestionName = request.reviewerName;
+    mark.suggestionContent = request.opinionText;
+    mark.weight = static_cast<std::int16_t>(request.weight);
+    mark.bigCategory = request.bigCategory;
+    mark.smallCategory = request.smallCategory;
+    mark.GUID = os::newGuidText();
+}
+
+static void fillTarget(QuillnoteObj3 &mark, const NewMark &request)
+{
+    const StartUpSettings &start = startUpSettings();
+    mark.textHeight = isPaperSpaceCurrent() ? start.textHeightPS : start.textHeight;
+    mark.autoTextHeight = start.autoTargetTextHeight;
+    mark.normal = AcGeVector3d::kZAxis;
+    // The drawing appears turned by the twist, so what the user sees as "to the right" is turned back.
+    mark.xDirection =
+        AcGeVector3d::kXAxis.rotateBy(-acedRealVar(QStringLiteral("VIEWTWIST")), AcGeVector3d::kZAxis);
+    mark.targetCorner1 = request.corner1;
+    mark.targetCorner2 = request.corner2;
+    completeTargetCorners(mark);
+    mark.leaderMode = 0;
+    mark.targetStyle = static_cast<std::int16_t>(request.isFreehand ? 0 : start.style);
+    if (request.isFreehand)
+        mark.flagStyle = 0;
+}
+
+static void fillSettings(QuillnoteObj3 &mark)
+{
+    mark.color1 = static_cast<std::uint16_t>(startUpSettings().color1);
+    mark.color2 = static_cast<std::uint16_t>(startUpSettings().color2);
+    mark.chPwMD5 = settings::text(u"chPwMD5").left(QuillnoteObj3::kPasswordHashLength);
+}
+
+static void fillSketch(QuillnoteObj3 &mark, const QString &path)
+{
+    QFile file(path);
+    if (!path.isEmpty() && file.open(QIODevice::ReadOnly))
+        mark.sketchData = file.readAll();
+}
+
+static void putOnLayer(AcDbDatabase &database, QuillnoteObj3 &mark)
+{
+    const bool ownLayer = settings::number(u"useLayer") == 1;
+    if (ownLayer)
+        ensureMarkLayer(database);
+    const QString layer = ownLayer ? markLayerName() : QStringLiteral("0");
+    if (database.tableRecord(SymbolTable::layer, layer).isValid())
+        mark.setLayer(layer);
+}
+
+static AcDbObjectId append(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
+{
+    const ImportingScope ours;
+    AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
+    AcDbObjectId id;
+    if (!space || space->appendAcDbEntity(id, mark.get()) != Acad::eOk)
+        return {};
+    mark.release()->close();
+    return id;
+}
+
+AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
+{
+    const auto number = static_cast<std::uint16_t>(readLastMarkNumber(database) + 1);
+    auto mark = std::make_unique<QuillnoteObj3>();
+    mark->markNumber = number;
+    fillTarget(*mark, request);
+    fillText(*mark, request);
+    putOnLayer(database, *mark);
+    fillSettings(*mark);
+    fillSketch(*mark, request.sketchFile);
+    const AcDbObjectId id = append(database, std::move(mark));
+    if (id.isNull())
+        return {};
+    appendState().lastCreatedMark = id;
+    writeLastMarkNumber(database, number);
+    return id;
+}

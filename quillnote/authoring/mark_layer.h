@@ -1,0 +1,13 @@
+// The layer that marks are put on when the settings ask for one of their own.
+#pragma once
+
+#include <QString>
+
+class AcDbDatabase;
+
+/// The setting "LayerName"; "评图标签" when it is empty or 37 characters or longer.
+QString markLayerName();
+
+/// Makes the mark layer, or repairs it (thawed, on, unlocked, thawed in new viewports, not plotting when the
+/// settings say so), and makes it current. Marks are made without it when the layer table refuses.
+void ensureMarkLayer(AcDbDatabase &database);

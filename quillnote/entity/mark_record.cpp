@@ -1,0 +1,111 @@
+#include "quillnote/entity/mark_record.h"
+
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_state.h"
+#include "quillnote/entity/mark_values.h"
+#include "quillnote/entity/password.h"
+
+#include "host/aced/edfrontend.h"
+#include "host/base/assert.h"
+#include "host/os/clock.h"
+
+QuillnoteObj3::QuillnoteObj3(PlainDefaults) : AcDbEntity(kMarkDxfName) {}
+
+QuillnoteObj3::QuillnoteObj3() : QuillnoteObj3(PlainDefaults{})
+{
+    color1 = firstColorOfNewMarks();
+    color2 = secondColorOfNewMarks();
+    createTime = os::julianNow();
+}
+
+std::unique_ptr<QuillnoteObj3> QuillnoteObj3::forReading()
+{
+    return std::unique_ptr<QuillnoteObj3>(new QuillnoteObj3(PlainDefaults{}));
+}
+
+AcRxClass *QuillnoteObj3::desc()
+{
+    return markClass();
+}
+
+AcRxClass *QuillnoteObj3::isA() const
+{
+    AcRxClass *registered = desc();
+    QUILL_ASSERT(registered != nullptr);
+    return registered;
+}
+
+Acad::ErrorStatus QuillnoteObj3::subClose()
+{
+    gripEditing = false;
+    markDrawingState().textSuppressed = false;
+    return AcDbEntity::subClose();
+}
+
+Acad::ErrorStatus QuillnoteObj3::subErase(bool erasing)
+{
+    if (!erasable || !mayChangeProtected(chPwMD5))
+        return Acad::eInvalidInput;
+    return AcDbEntity::subErase(erasing);
+}
+
+void QuillnoteObj3::subList() const
+{
+    acutPrintf(QStringLiteral("\n标记[%1]：%2").arg(QString::number(markNumber), suggestionContent));
+}
+
+Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
+{
+    AcDbExtents box;
+    // Corners that were never computed lie at the origin, not at the mark.
+    const auto addRectangle = [&](const AcGePoint3d &c1, const AcGePoint3d &c2, const AcGePoint3d &c3,
+                                  const AcGePoint3d &c4) {
+        box.addPoint(c1);
+        box.addPoint(c2);
+        if (cornersValid) {
+            box.addPoint(c3);
+            box.addPoint(c4);
+        }
+    };
+    if (targetStyle > 0)
+        addRectangle(targetCorner1, targetCorner2, targetCorner3, targetCorner4);
+    if (leaderMode > 0) {
+        addRectangle(textBoxCorner1, textBoxCorner2, textBoxCorner3, textBoxCorner4);
+        for (std::size_t i = 0; i < kSlots; ++i) {
+            if (leaderUsed[i])
+                box.addPoint(leaderEnds[i]);
+        }
+    }
+    if (textEndPoint)
+        box.addPoint(*textEndPoint);
+    if (!sketchData.isEmpty() && cachedExtents.isValid())
+        box.addExt(cachedExtents);
+    // A sketch that was not drawn yet will fill the target.
+    if (!box.isValid())
+        addRectangle(targetCorner1, targetCorner2, targetCorner3, targetCorner4);
+    extents = box;
+    return box.isValid() ? Acad::eOk : Acad::eInvalidExtents;
+}
+
+Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
+{
+    assertWriteEnabled();
+    normal.transformBy(matrix);
+    xDirection.transformBy(matrix);
+    xDirection = xDirection.normal();
+    for (AcGePoint3d *point :
+         {&targetCorner1, &targetCorner2, &targetCorner3, &targetCorner4, &textBoxCorner1, &textBoxCorner2,
+          &textBoxCorner3, &textBoxCorner4, &flagPoint, &textAnchor})
+        point->transformBy(matrix);
+    if (textEndPoint)
+        textEndPoint->transformBy(matrix);
+    cachedExtents.transformBy(matrix);
+    for (std::size_t i = 0; i < kSlots; ++i) {
+        if (leaderUsed[i])
+            leaderEnds[i].transformBy(matrix);
+        if (targetStyle > 50)
+            vertices[i].transformBy(matrix);
+    }
+    syncDone = false;
+    return Acad::eOk;
+}

@@ -1,0 +1,129 @@
+// QuillnoteObj3: the review mark, a custom entity that lives in the drawing. Everything the program
+// knows of a review stands in these records; there is no other database.
+//
+// Fields are public: whoever has the mark open for read reads them, whoever has it open for write
+// changes them. The filed fields stand in the table of mark_fields.h, which files, dumps and compares.
+#pragma once
+
+#include "quillnote/entity/field_table.h"
+
+#include "host/acdb/dbentity.h"
+
+#include <memory>
+#include <optional>
+
+class QuillnoteObj3 : public AcDbEntity
+{
+public:
+    static constexpr std::uint16_t kFormatVersion = 7;
+    static constexpr std::size_t kSlots = fields::kSlots; ///< Vertices and leaders.
+    static constexpr int kPasswordHashLength = 32;
+
+    /// A new mark: first colours from the settings, created now.
+    QuillnoteObj3();
+    /// The same, without asking settings and clock, for filers that are about to set every field.
+    static std::unique_ptr<QuillnoteObj3> forReading();
+
+    /// The registered class; null while it is not registered.
+    static AcRxClass *desc();
+    AcRxClass *isA() const override;
+
+    // Filed fields ----------------------------------------------------------------------------------
+    std::uint16_t formatVersion = kFormatVersion; ///< Always the current one in memory.
+    bool erasable = true;                         ///< False refuses every erase.
+    std::int16_t displayMode = 0;                 ///< -1 hidden, 0 full, 1 shrunk
+    std::uint16_t markNumber = 1;
+    std::uint16_t subNumber = 0; ///< 0 is none.
+    QString suggestionContent;   ///< The reviewer's opinion.
+    QString feedbackContent;     ///< The designer's answer.
+    /// Two opposite corners of the target; 3 and 4 follow from them (mark_geometry.h).
+    AcGePoint3d targetCorner1;
+    AcGePoint3d targetCorner2{1.0, 1.0, 0.0};
+    std::int16_t feedbackType = 0; ///< Handling status: mark_values.h.
+    std::int16_t targetStyle = 2;  ///< Outline: -6 to 6, 51 to 54
+    std::uint16_t reservedShort = 8;
+    std::uint16_t color1 = 2; ///< Colour indexes.
+    std::uint16_t color2 = 5;
+    AcGeVector3d normal = AcGeVector3d::kZAxis;
+    AcGeVector3d xDirection = AcGeVector3d::kXAxis; ///< Of the target and the text, length 1.
+    AcGePoint3d targetCorner3;
+    AcGePoint3d targetCorner4;
+    AcGePoint3d textBoxCorner1; ///< Of a leader mark; in the order of the target's corners.
+    AcGePoint3d textBoxCorner2;
+    AcGePoint3d textBoxCorner3;
+    AcGePoint3d textBoxCorner4;
+    std::int16_t flagStyle = 101; ///< Text-box frame, 100 to 105
+    std::int16_t leaderMode = 0;  ///< 1: text in a box joined to the target by leaders. 0: flag mark.
+    std::int16_t reservedShort2 = 0;
+    bool cornersValid = false; ///< Corners 3 and 4 are computed.
+    AcGePoint3d flagPoint;
+    std::int16_t vertexCount = 0; ///< Entries of `vertices` in use.
+    fields::PointArray vertices{};
+    double reservedDouble = 0.0;
+    QString bigCategory;
+    QString smallCategory;
+    std::int16_t weight = 5; ///< 1 to 10
+    QString suggestionName;
+    QString feedbackName;
+    QString chPwMD5;           ///< At most 32 hexadecimal digits; empty: no password. Ignore letter case.
+    double createTime = 0.0;   ///< Julian dates, as the system variable DATE.
+    double feedbackTime = 0.0; ///< 0 is none.
+    QString GUID;
+    QByteArray sketchData; ///< Freehand strokes.
+    double textHeight = 0.0;
+    fields::PointArray leaderEnds{};
+    fields::FlagArray leaderUsed{};
+    std::int16_t editVersion = 1; ///< 0 to 255
+    std::int16_t reservedShortA = 0;
+    std::int16_t reservedShortB = 0;
+    double reservedDoubleA = 0.0;
+    double reservedDoubleB = 0.0;
+    double reservedDoubleC = 0.0;
+    AcGePoint3d reservedPointA;
+    AcGePoint3d reservedPointB;
+    AcGePoint3d reservedPointC;
+    bool autoTextHeight = false; ///< The text height follows the target.
+    bool reservedBoolA = false;
+    bool reservedBoolB = false;
+    std::vector<AcDbObjectId> snapEntityIds; ///< What the target held when its snapshot was taken.
+    QString snapNote;
+    QString snapChecksum;
+    QByteArray snapImage; ///< PNG of the target.
+    QByteArray fullImage; ///< PNG of the whole view.
+
+    // The sizes are filed before the bytes they count.
+    std::uint32_t sketchSize() const { return static_cast<std::uint32_t>(sketchData.size()); }
+    std::uint32_t snapEntityCount() const { return static_cast<std::uint32_t>(snapEntityIds.size()); }
+    std::uint32_t snapImageSize() const { return static_cast<std::uint32_t>(snapImage.size()); }
+    std::uint32_t fullImageSize() const { return static_cast<std::uint32_t>(fullImage.size()); }
+
+    /// Polygon and spline marks carry their vertices, when there are two at least.
+    bool hasFiledVertices() const { return vertexCount >= 2 && targetStyle > 50; }
+
+    // Run-time members: not filed, as new in every mark that is opened -------------------------------
+    std::vector<AcGePoint3d> outlineCache; ///< Middles of the wave arcs of the last pass, at most 256.
+    double outlineChord = 1.0;             ///< Chord of the last wave arc.
+    bool gripEditing = false;              ///< A grip is being dragged.
+    bool plotting = false;
+    bool syncDone = false; ///< This change was handed to the synchronisation.
+    AcGePoint3d textAnchor;
+    std::optional<AcGePoint3d> textEndPoint; ///< Set once the text was laid out.
+    AcDbExtents cachedExtents;               ///< Of the drawn sketch.
+
+    // Entity ----------------------------------------------------------------------------------------
+    Acad::ErrorStatus subClose() override;
+    /// eInvalidInput when the mark is not erasable, or its password is neither unlocked nor given.
+    Acad::ErrorStatus subErase(bool erasing) override;
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler *filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler *filer) const override;
+    Acad::ErrorStatus dxfInFields(AcDbDxfFiler *filer) override;
+    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler *filer) const override;
+    void subList() const override;
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix) override;
+
+private:
+    struct PlainDefaults {
+    };
+    explicit QuillnoteObj3(PlainDefaults);
+};

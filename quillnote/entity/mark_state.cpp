@@ -1,0 +1,7 @@
+#include "quillnote/entity/mark_state.h"
+
+MarkDrawingState &markDrawingState()
+{
+    static MarkDrawingState state;
+    return state;
+}

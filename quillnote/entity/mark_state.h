@@ -1,0 +1,19 @@
+// What drawing and editing of marks keep for the whole process.
+#pragma once
+
+#include "host/acdb/dbid.h"
+
+#include <unordered_set>
+
+struct MarkDrawingState {
+    /// The text is not drawn: grips are shown. Lasts until a mark is drawn or closed or a command ends.
+    bool textSuppressed = false;
+    /// Size of number flags; the tick resize commands change it.
+    double flagScale = 1.0;
+    /// Marks that were drawn at least once in the current document.
+    std::unordered_set<AcDbObjectId> drawnMarks;
+
+    void reset() { *this = {}; }
+};
+
+MarkDrawingState &markDrawingState();

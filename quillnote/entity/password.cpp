@@ -1,0 +1,67 @@
+#include "quillnote/entity/password.h"
+
+#include "quillnote/frame/settings/start_up_settings.h"
+
+#include "host/aced/edfrontend.h"
+#include "host/base/text_codec.h"
+
+#include <QCryptographicHash>
+
+static PasswordPrompt passwordPrompt;
+
+PasswordState &passwordState()
+{
+    static PasswordState state;
+    return state;
+}
+
+PasswordPrompt setPasswordPrompt(PasswordPrompt prompt)
+{
+    return std::exchange(passwordPrompt, std::move(prompt));
+}
+
+QString hashPassword(const QString &password)
+{
+    // The code page of the systems that the first marks were protected on.
+    const QByteArray bytes = base::TextCodec("ANSI_936").encode(password);
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex());
+}
+
+bool sameHash(const QString &a, const QString &b)
+{
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+const QString &unlockedHash()
+{
+    return passwordState().unlocked;
+}
+
+static bool refuse(const QString &chinese, const QString &english)
+{
+    acutPrintf(startUpSettings().chineseVersion ? chinese : english);
+    return false;
+}
+
+bool checkPassword(const QString &hash)
+{
+    PasswordState &state = passwordState();
+    if (sameHash(state.lastEntered, hash) || hash.isEmpty())
+        return true;
+    const std::optional<QString> typed = passwordPrompt ? passwordPrompt() : std::nullopt;
+    if (!typed)
+        return false;
+    const QString password = typed->trimmed();
+    if (password.isEmpty())
+        return refuse(QStringLiteral("\n密码不能为空！"), QStringLiteral("\nPassword null, Error!"));
+    state.lastEntered = hashPassword(password);
+    if (!sameHash(state.lastEntered, hash))
+        return refuse(QStringLiteral("\n密码错误！"), QStringLiteral("\nPassword Error!"));
+    state.unlocked = state.lastEntered;
+    return true;
+}
+
+bool mayChangeProtected(const QString &hash)
+{
+    return hash.isEmpty() || sameHash(hash, unlockedHash()) || checkPassword(hash);
+}

@@ -1,0 +1,18 @@
+// QNK_DbReactor: gives marks that a person copies, pastes or inserts an identity of their own.
+#pragma once
+
+#include "host/acdb/dbreactor.h"
+
+class QNK_DbReactor : public AcDbDatabaseReactor
+{
+public:
+    /// Listens to the database until it is deleted, or until the database goes.
+    explicit QNK_DbReactor(AcDbDatabase &database);
+    ~QNK_DbReactor() override;
+
+    void objectAppended(const AcDbDatabase *database, const AcDbObject *object) override;
+    void goodbye(const AcDbDatabase *database) override;
+
+private:
+    AcDbDatabase *m_database;
+};

@@ -1,0 +1,102 @@
+// The module's one exported function: the host's messages, and the order of start-up and unload.
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/frame/command_table.h"
+#include "quillnote/frame/lisp_functions.h"
+#include "quillnote/frame/menu_loading.h"
+#include "quillnote/frame/reactors.h"
+#include "quillnote/frame/settings/settings.h"
+#include "quillnote/frame/settings/start_up_settings.h"
+#include "quillnote/frame/verbs.h"
+#include "quillnote/ui/ask_password.h"
+
+#include "host/aced/edcommands.h"
+#include "host/aced/edfrontend.h"
+#include "host/aced/edmessage.h"
+#include "host/aced/edsysvar.h"
+
+static constexpr int kNoticeLimit = 10;
+
+static std::optional<double> currentViewSize()
+{
+    resbuf value;
+    if (acedGetVar(QStringLiteral("VIEWSIZE"), value) != RTNORM)
+        return {};
+    return value.real();
+}
+
+static void showNotice()
+{
+    const QString notice = settings::text(u"NoticeString");
+    const int shown = settings::number(u"NoticeStringN");
+    if (notice.isEmpty() || shown >= kNoticeLimit)
+        return;
+    acedAlert(notice);
+    settings::setNumber(u"NoticeStringN", shown + 1);
+}
+
+static void writeDemandLoadRecord(const QString &modulePath)
+{
+    AcadAppInfo info;
+    info.appName = QString::fromUtf16(kProductName);
+    info.moduleName = modulePath;
+    info.description = QStringLiteral("Quillnote version 7.0");
+    info.loadReasons =
+        AcadAppInfo::kOnProxyDetection | AcadAppInfo::kOnAutoCADStartup | AcadAppInfo::kOnCommandInvocation;
+    info.groupName = QString::fromUtf16(kCommandGroup);
+    info.commands = recordedCommands();
+    info.writeToRegistry();
+}
+
+static void initialise(void *packet)
+{
+    acrxDynamicLinker()->unlockApplication(packet);
+    acrxDynamicLinker()->registerAppMDIAware(packet);
+    createDocumentRegistry();
+    readStartUpSettings(currentViewSize);
+    registerMarkClass();
+    installPasswordPrompt();
+    showNotice();
+    registerCommands();
+    registerVerbs();
+    writeDemandLoadRecord(static_cast<AcRxModulePacket *>(packet)->path);
+    createReactors();
+    acutPrintf(QStringLiteral("\n评图标签软件Quillnote加载成功！"));
+}
+
+static void unload()
+{
+    deleteReactors();
+    removeVerbs();
+    acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
+    removePasswordPrompt();
+    unregisterMarkClass();
+}
+
+// A second pass after a LISP call would only queue the menu again, so these steps run once a drawing.
+static void drawingLoaded()
+{
+    queueMenuLoad();
+    defineLispFunctions();
+}
+
+extern "C" __attribute__((visibility("default"))) AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message,
+                                                                                    void *packet)
+{
+    switch (message) {
+    case AcRx::kInitAppMsg:
+        initialise(packet);
+        break;
+    case AcRx::kUnloadAppMsg:
+        unload();
+        break;
+    case AcRx::kLoadDwgMsg:
+        drawingLoaded();
+        break;
+    case AcRx::kInvkSubrMsg:
+        invokeLispFunction();
+        break;
+    default:
+        break;
+    }
+    return AcRx::kRetOK;
+}

@@ -1,0 +1,15 @@
+// Commands that hand over to programs and pages outside: the cloud programs and the help pages.
+#pragma once
+
+/// Starts the cloud client.
+void qn8_quillNoteYun();
+/// Starts the cloud push helper.
+void qn8_runPush();
+/// Opens the help on the phrase menus: the shipped file, else the online page.
+void QN8_menuToYun();
+/// Opens the page about the cloud service.
+void qn8_aboutYun();
+/// Opens the home page.
+void QN3_gotoWWW();
+/// Opens the online help.
+void QN3_HelpOnline();

@@ -1,0 +1,97 @@
+#include "quillnote/frame/reactors.h"
+
+#include "quillnote/entity/mark_state.h"
+#include "quillnote/frame/document_registry.h"
+
+#include "host/aced/edcommands.h"
+
+#include <utility>
+
+/// Keeps the registry and the drawn-mark set in step with the documents.
+class QNK2_DocReactor : public AcApDocManagerReactor
+{
+public:
+    explicit QNK2_DocReactor(DocumentRegistry &registry) : m_registry(registry) { acDocManager()->addReactor(this); }
+    ~QNK2_DocReactor() override { acDocManager()->removeReactor(this); }
+
+    void documentCreated(AcApDocument *document) override
+    {
+        m_registry.attach(document);
+        markDrawingState().drawnMarks.clear();
+        m_registry.ensureDatabaseReactor();
+    }
+    void documentToBeDestroyed(AcApDocument *document) override
+    {
+        m_registry.detach(document);
+        markDrawingState().drawnMarks.clear();
+    }
+    void documentToBeActivated(AcApDocument *document) override
+    {
+        m_registry.attach(document);
+        markDrawingState().drawnMarks = m_registry.current()->drawnMarks;
+    }
+    void documentToBeDeactivated(AcApDocument *) override
+    {
+        if (m_registry.current())
+            m_registry.current()->drawnMarks = markDrawingState().drawnMarks;
+        markDrawingState().drawnMarks.clear();
+    }
+    void documentActivated(AcApDocument *) override { m_registry.ensureDatabaseReactor(); }
+
+private:
+    DocumentRegistry &m_registry;
+};
+
+/// Keeps the review palette's list current. The palette asks for it when there is one.
+class QNNK_DocumentReactor : public AcApDocManagerReactor
+{
+public:
+    QNNK_DocumentReactor() { acDocManager()->addReactor(this); }
+    ~QNNK_DocumentReactor() override { acDocManager()->removeReactor(this); }
+};
+
+/// Sees commands begin and end.
+class QNK2_CommandReactor : public AcEditorReactor
+{
+public:
+    explicit QNK2_CommandReactor(DocumentRegistry &registry) : m_registry(registry)
+    {
+        acedEditor()->addReactor(this);
+    }
+    ~QNK2_CommandReactor() override { acedEditor()->removeReactor(this); }
+
+    void commandWillStart(const QString &) override { m_registry.ensureDatabaseReactor(); }
+    void commandEnded(const QString &) override { markDrawingState().textSuppressed = false; }
+
+private:
+    DocumentRegistry &m_registry;
+};
+
+/// Deleted from the last member to the first.
+struct Reactors {
+    DocumentRegistry registry;
+    QNK2_DocReactor documents{registry};
+    std::unique_ptr<QNNK_DocumentReactor> palette;
+    std::unique_ptr<QNK2_CommandReactor> commands;
+};
+
+static std::unique_ptr<Reactors> s_reactors;
+
+void createDocumentRegistry()
+{
+    s_reactors = std::make_unique<Reactors>();
+    if (acDocManager()->curDocument())
+        s_reactors->registry.attach(acDocManager()->curDocument());
+}
+
+void createReactors()
+{
+    s_reactors->palette = std::make_unique<QNNK_DocumentReactor>();
+    s_reactors->commands = std::make_unique<QNK2_CommandReactor>(s_reactors->registry);
+    s_reactors->registry.ensureDatabaseReactor();
+}
+
+void deleteReactors()
+{
+    s_reactors.reset();
+}

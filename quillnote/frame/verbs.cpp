@@ -1,0 +1,20 @@
+#include "quillnote/frame/verbs.h"
+
+#include "quillnote/reports/marks_verb.h"
+
+static std::vector<AcEdVerb> moduleVerbs()
+{
+    return {marksVerb(), reportVerb()};
+}
+
+void registerVerbs()
+{
+    for (AcEdVerb &verb : moduleVerbs())
+        acedRegisterVerb(std::move(verb));
+}
+
+void removeVerbs()
+{
+    for (const AcEdVerb &verb : moduleVerbs())
+        acedRemoveVerb(verb.name);
+}

@@ -1,0 +1,81 @@
+#include "quillnote/reports/marks_verb.h"
+
+#include "quillnote/authoring/collect_marks.h"
+#include "quillnote/entity/mark_fields.h"
+#include "quillnote/reports/report_file.h"
+#include "quillnote/reports/text_report.h"
+
+#include "host/acap/docman.h"
+#include "host/acdb/dbsymtb.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+static QString asJson(const QJsonObject &object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + QLatin1Char('\n');
+}
+
+/// A JSON value on one line: texts with their quotes and escapes, numbers and lists bare.
+static QString asText(const QJsonValue &value)
+{
+    const QString inList = QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
+    return inList.mid(1, inList.size() - 2);
+}
+
+static QString asLine(const QJsonObject &place, const std::vector<std::pair<QString, QJsonValue>> &fields)
+{
+    QString line = QStringLiteral("%1 %2 %3").arg(place[QStringLiteral("handle")].toString(),
+                                                  asText(place[QStringLiteral("layout")]),
+                                                  asText(place[QStringLiteral("layer")]));
+    for (const auto &[name, value] : fields)
+        line += QStringLiteral(" %1=%2").arg(name, asText(value));
+    return line + QLatin1Char('\n');
+}
+
+static int listMarks(const AcEdVerbCall &call)
+{
+    for (const AcDbObjectId id : collectMarks(*acdbCurDwg()).ids) {
+        AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+        if (!mark)
+            continue;
+        QJsonObject place{{QStringLiteral("handle"), QString::number(id.handle().value, 16).toUpper()},
+                          {QStringLiteral("layout"), acdbLayoutName(mark->blockId())},
+                          {QStringLiteral("layer"), mark->layer()}};
+        const auto fields = markFieldValues(*mark);
+        if (!call.json) {
+            acedPrintResult(asLine(place, fields));
+            continue;
+        }
+        place.insert(QStringLiteral("file"), curDoc()->fileName());
+        for (const auto &[name, value] : fields)
+            place.insert(name, value);
+        acedPrintResult(asJson(place));
+    }
+    return 0;
+}
+
+AcEdVerb marksVerb()
+{
+    return {QStringLiteral("marks"), QStringLiteral("List the review marks with all their fields."), {}, listMarks};
+}
+
+static int report(const AcEdVerbCall &call)
+{
+    const QString text = textReport(*acdbCurDwg());
+    const auto output = call.options.find(QStringLiteral("--output"));
+    if (output == call.options.end()) {
+        acedPrintResult(text);
+        return 0;
+    }
+    return writeReportFile(output->second, text) ? 0 : 2;
+}
+
+AcEdVerb reportVerb()
+{
+    return {QStringLiteral("report"),
+            QStringLiteral("Print the text report, or write it to a file as the report command does."),
+            {{QStringLiteral("--output"), QStringLiteral("FILE"), QStringLiteral("Write to this file.")}},
+            report};
+}
