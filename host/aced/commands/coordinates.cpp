@@ -142,7 +142,7 @@ static void plan()
         *option == QLatin1String("World") ? AcGeVector3d::kXAxis : curDoc()->ucs().xAxis;
     AcApView &view = curDoc()->view();
     DocumentMemory::of(curDoc()).earlierViews.push_back(view);
-    view.twist = std::atan2(xAxis.y, xAxis.x);
+    view.twist = -std::atan2(xAxis.y, xAxis.x);
     const AcDbExtents extents = acedCurrentExtents(*curDoc());
     if (extents.isValid())
         acedZoomWindow(*curDoc(), extents.minPoint(), extents.maxPoint());
