@@ -17,6 +17,8 @@
 namespace os
 {
 
+class SettingsDatabase;
+
 /// A store in one file. Key paths ("Software\Quillnote3") and value names ignore letter case and keep
 /// the spelling under which they were first written. A number and a text are different things: asking
 /// for the one where the other is stored finds nothing.
@@ -70,8 +72,7 @@ public:
     bool setEntries(const std::vector<Entry> &entries);
 
 private:
-    struct Database;
-    std::unique_ptr<Database> m_database;
+    std::unique_ptr<SettingsDatabase> m_database;
 };
 
 /// The settings as a text file; docs/formats/settings.md describes it.

@@ -171,6 +171,19 @@ TEST_F(Settings, AFileThatCannotBeMadeIsReportedOnce)
     EXPECT_EQ(messages.size(), 1);
 }
 
+TEST_F(Settings, AFileOfANewerProgramIsLeftAlone)
+{
+    SettingsStore(file).setNumber(kKey, u"style", 3);
+    QByteArray bytes = tests::readFile(file);
+    bytes[63] = 2; // The schema version, big-endian at 60.
+    tests::writeFile(file, bytes);
+    SettingsStore store(file);
+    EXPECT_FALSE(store.isOpen());
+    EXPECT_FALSE(store.setNumber(kKey, u"style", 4));
+    EXPECT_EQ(tests::readFile(file), bytes);
+    EXPECT_EQ(messages.size(), 1);
+}
+
 TEST_F(Settings, TheFourCallsKeepTheirPromises)
 {
     const auto text = [](QStringView name) {
