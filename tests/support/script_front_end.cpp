@@ -1,0 +1,73 @@
+#include "tests/support/script_front_end.h"
+
+namespace tests
+{
+
+ScriptFrontEnd::ScriptFrontEnd(const QStringList &answers, const QStringList &dialogLines)
+    : m_dialogLines(dialogLines.begin(), dialogLines.end()), m_before(acedSetFrontEnd(this))
+{
+    for (const QString &typed : answers)
+        add(typed);
+}
+
+ScriptFrontEnd::~ScriptFrontEnd()
+{
+    acedSetFrontEnd(m_before);
+}
+
+void ScriptFrontEnd::add(const QString &typed)
+{
+    AcEdAnswer answer;
+    answer.kind = typed == u"^C" ? AcEdAnswer::cancel : AcEdAnswer::text;
+    answer.typed = typed;
+    m_answers.push_back(answer);
+}
+
+void ScriptFrontEnd::addPoint(const AcGePoint3d &where)
+{
+    AcEdAnswer answer;
+    answer.kind = AcEdAnswer::point;
+    answer.where = where;
+    m_answers.push_back(answer);
+}
+
+void ScriptFrontEnd::addEntity(AcDbObjectId entity, const AcGePoint3d &where)
+{
+    AcEdAnswer answer;
+    answer.kind = AcEdAnswer::entity;
+    answer.picked = entity;
+    answer.where = where;
+    m_answers.push_back(answer);
+}
+
+std::optional<AcEdAnswer> ScriptFrontEnd::answer(const AcEdPrompt &prompt)
+{
+    prompts.push_back(prompt);
+    if (m_answers.empty())
+        return std::nullopt;
+    const AcEdAnswer next = m_answers.front();
+    m_answers.pop_front();
+    return next;
+}
+
+std::optional<QString> ScriptFrontEnd::dialogLine(const QString &what)
+{
+    dialogs.append(what);
+    if (m_dialogLines.empty())
+        return std::nullopt;
+    const QString next = m_dialogLines.front();
+    m_dialogLines.pop_front();
+    return next;
+}
+
+OpenDrawing::OpenDrawing(std::unique_ptr<AcDbDatabase> database, const QString &fileName)
+    : m_document(acDocManager()->addDocument(std::move(database), fileName))
+{
+}
+
+OpenDrawing::~OpenDrawing()
+{
+    acDocManager()->closeDocument(m_document);
+}
+
+} // namespace tests
