@@ -9,12 +9,26 @@
 
 #include <QApplication>
 
+static QtMessageHandler &qtHandler()
+{
+    static QtMessageHandler handler = nullptr;
+    return handler;
+}
+
+/// The screenless platform remarks on every window that it has no frames; nobody can do anything about it.
+static void passMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (!text.startsWith(QLatin1String("This plugin does not support")))
+        qtHandler()(type, context, text);
+}
+
 int main(int argc, char **argv)
 {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     // Nothing here needs a display: pictures and dialogs of a console run live in memory.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    qtHandler() = qInstallMessageHandler(passMessage);
     int applicationArguments = 1; // The options are ours, not Qt's.
     const QApplication application(applicationArguments, argv);
     QApplication::setApplicationName(QStringLiteral("quillnote"));

@@ -225,7 +225,7 @@ static Done typeNumber(QAbstractSpinBox &spin, const QString &value)
         return refused(QStringLiteral("is read-only"));
     edit->selectAll();
     edit->insert(value);
-    if (!spin.hasAcceptableInput())
+    if (edit->text() != value || !spin.hasAcceptableInput())
         return wrongValue(value);
     spin.interpretText();
     Q_EMIT spin.editingFinished();

@@ -36,7 +36,9 @@ private:
                 acedFrontEnd().refuseAnswer(
                     QStringLiteral("window %1 \"%2\" opened, which a script cannot answer")
                         .arg(QLatin1String(dialog->metaObject()->className()), dialog->windowTitle()));
-                dialog->reject();
+                dialog->close(); // As Esc does; a box without a way out ignores it.
+                if (dialog->isVisible())
+                    dialog->reject();
             },
             Qt::QueuedConnection);
     }
