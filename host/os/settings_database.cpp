@@ -260,7 +260,7 @@ std::optional<SettingsDatabase::Value> SettingsDatabase::read(QStringView key, Q
 {
     if (!m_handle || !refreshCache())
         return std::nullopt;
-    FoldedName wanted = folded(key, name);
+    const FoldedName wanted = folded(key, name);
     if (const auto known = m_cache.constFind(wanted); known != m_cache.constEnd())
         return *known;
     std::optional<Value> value;
@@ -275,7 +275,7 @@ std::optional<SettingsDatabase::Value> SettingsDatabase::read(QStringView key, Q
     }
     if (!check(result))
         return std::nullopt;
-    m_cache.insert(std::move(wanted), value);
+    m_cache.insert(wanted, value);
     return value;
 }
 
