@@ -54,9 +54,8 @@ static AcEdButton askScript(const QString &text, AcEdButtons buttons)
             line->trimmed().compare(QLatin1String(word), Qt::CaseInsensitive) == 0)
             return button;
     }
-    const QString reason =
-        line ? QStringLiteral("消息框不接受回答“%1”").arg(*line) : QStringLiteral("消息框没有得到回答");
-    acutPrintf(QStringLiteral("\n%1: %2").arg(reason, text));
+    if (line)
+        acedFrontEnd().refuseAnswer(QStringLiteral("消息框没有按钮“%1”: %2").arg(*line, text));
     acedEditor()->requestCancel();
     acedEditor()->requestQuit();
     return carefulButton(buttons);

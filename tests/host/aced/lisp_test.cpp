@@ -1,12 +1,12 @@
 #include "host/aced/edlisp.h"
 
 #include "host/aced/edcommands.h"
-#include "host/aced/edfrontend.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edlisp_eval.h"
 #include "host/aced/edmenu.h"
 #include "host/acrx/rxmodule.h"
 #include "tests/support/files.h"
+#include "tests/support/script_front_end.h"
 
 #include <gtest/gtest.h>
 
@@ -15,30 +15,13 @@
 namespace
 {
 
-/// Keeps what is printed; has no answers.
-class Recorder : public AcEdFrontEnd
-{
-public:
-    Recorder() : m_before(acedSetFrontEnd(this)) {}
-    ~Recorder() override { acedSetFrontEnd(m_before); }
-    std::optional<AcEdAnswer> answer(const AcEdPrompt &) override { return std::nullopt; }
-    std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
-    bool isScripted() const override { return true; }
-    void print(const QString &text) override { printed += text; }
-
-    QString printed;
-
-private:
-    AcEdFrontEnd *m_before;
-};
-
 class Lisp : public testing::Test
 {
 protected:
     void SetUp() override { lisp::State::instance().reset(); }
     void TearDown() override { lisp::State::instance().reset(); }
 
-    Recorder recorder;
+    tests::ScriptFrontEnd frontEnd;
 };
 
 QString value(const QString &expression)
@@ -182,7 +165,7 @@ TEST_F(Lisp, BoundsDepthAndSize)
     const QString deep = QStringLiteral("(list ").repeated(150) + QStringLiteral(")").repeated(150);
     EXPECT_FALSE(value(deep).startsWith(u"error"));
     for (const QString &opening : {QStringLiteral("("), QStringLiteral("'"), QStringLiteral("(list ")})
-        EXPECT_TRUE(value(opening.repeated(100'000)).startsWith(u"error")) << opening;
+        EXPECT_TRUE(value(opening.repeated(100'000)).startsWith(u"error")) << qPrintable(opening);
 
     // Values that double or deepen at every step end in an error, not in the memory.
     const auto grows = [](const QString &start, const QString &step) {
@@ -211,7 +194,7 @@ TEST_F(Lisp, PrintsOnTheCommandLine)
     EXPECT_EQ(value(QStringLiteral("(princ \"a\\nb\")")), u"\"a\\nb\"");
     EXPECT_EQ(value(QStringLiteral("(print '(\"c\" 1))")), u"(\"c\" 1)");
     EXPECT_EQ(value(QStringLiteral("(princ)")), u"");
-    EXPECT_EQ(recorder.printed, u"a\nb\n(\"c\" 1) ");
+    EXPECT_EQ(frontEnd.printed, u"a\nb\n(\"c\" 1) ");
 }
 
 TEST_F(Lisp, RunsCommandsWithItsValuesAsAnswers)

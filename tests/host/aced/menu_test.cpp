@@ -37,7 +37,7 @@ QString bar(const AcEdMenus &menus)
 TEST(MenuFile, HoldsMenusToolbarsAndDoubleClicks)
 {
     const auto group = acedReadMenuFile(corpus("review.mnu"), QStringLiteral("review.mnu"));
-    ASSERT_TRUE(group) << group.error();
+    ASSERT_TRUE(group) << qPrintable(group.error());
     EXPECT_EQ(group->name, u"审查");
     ASSERT_EQ(group->popups.size(), 2u);
     const AcEdMenuItem &popup = group->popups[0];
@@ -94,8 +94,9 @@ TEST(MenuFile, SaysWhereABadFileIsBad)
         {QByteArray((4 << 20) + 1, ' '), "m.mnu:1: the file is larger than 4 MiB"},
     };
     for (const auto &row : cases)
-        EXPECT_TRUE(refusal(row.bytes).startsWith(QLatin1String(row.start))) << row.start << "\n"
-                                                                             << refusal(row.bytes);
+        EXPECT_TRUE(refusal(row.bytes).startsWith(QLatin1String(row.start)))
+            << row.start << "\n"
+            << qPrintable(refusal(row.bytes));
 }
 
 TEST(MenuFile, RefusesEveryTruncation)
@@ -111,12 +112,12 @@ TEST(Menus, LoadAndUnloadGroups)
     AcEdMenus menus;
     const auto missing = menus.load(folder.path(QStringLiteral("missing.mnu")));
     ASSERT_FALSE(missing);
-    EXPECT_TRUE(missing.error().contains(u"missing.mnu")) << missing.error();
+    EXPECT_TRUE(missing.error().contains(u"missing.mnu")) << qPrintable(missing.error());
 
     // The ending does not matter.
     const QString path = folder.write(QStringLiteral("review.cuix"), corpus("review.mnu"));
     const auto loaded = menus.load(path);
-    ASSERT_TRUE(loaded) << loaded.error();
+    ASSERT_TRUE(loaded) << qPrintable(loaded.error());
     EXPECT_EQ((*loaded)->file, path);
     EXPECT_EQ(menus.group(QStringLiteral("审查")), *loaded);
     const auto again = menus.load(path);
