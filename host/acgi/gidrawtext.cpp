@@ -42,16 +42,17 @@ static void drawLineOfText(const EntityGroups &groups, const QString &coded, int
     double height = groups.real(40);
     double widthFactor = groups.real(41, 1.0);
     double angle = radians(groups.real(50));
+    const std::int64_t generation = groups.integer(71);
     const bool between = (horizontal == kAligned || horizontal == kFit) && !first.isEqualTo(second);
     if (between) {
         const double length = first.distanceTo(second);
-        angle = directionAngle(first, second);
+        // Backward text runs against its angle.
+        angle = generation & 2 ? directionAngle(second, first) : directionAngle(first, second);
         if (horizontal == kAligned)
             height = length / (line.width * widthFactor);
         else
             widthFactor = length / (line.width * height);
     }
-    const std::int64_t generation = groups.integer(71);
     AcGeVector3d along(std::cos(angle), std::sin(angle), 0.0);
     AcGeVector3d up(-along.y, along.x, 0.0);
     if (generation & 2)

@@ -3,6 +3,8 @@
 #include "host/acdb/dbreactor.h"
 #include "host/acgi/giread.h"
 
+// One of its headers names an old header of its own library.
+#define BOOST_ALLOW_DEPRECATED_HEADERS
 #include <boost/geometry.hpp>
 #include <boost/geometry/index/rtree.hpp>
 

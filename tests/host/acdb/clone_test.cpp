@@ -1,0 +1,55 @@
+// Copies: with all their parts, with references among themselves, under handles of their own.
+#include "host/acdb/dbapi.h"
+#include "host/acdb/dbdict.h"
+#include "host/acdb/dbsymtb.h"
+#include "tests/host/acdb/custom_note.h"
+#include "tests/support/memory_drawing.h"
+
+#include <gmock/gmock.h>
+
+using tests::MemoryDrawing;
+
+TEST(Clone, CopiesPartsAndExtensionDictionaries)
+{
+    MemoryDrawing drawing;
+    const auto insert = drawing.entity("INSERT", {{66, 1}, {2, "DOOR"}, {10, AcGePoint3d()}});
+    drawing.subEntity("ATTRIB", {{1, "A1"}, {2, "TAG"}});
+    drawing.subEntity("SEQEND", {{8, "0"}});
+    const auto database = drawing.open();
+    const AcDbObjectId original = database->getAcDbObjectId({insert});
+    {
+        AcDbObjectPointer<AcDbEntity> entity(original, AcDb::kForWrite);
+        AcDbObjectPointer<AcDbDictionary> dictionary(entity->createExtensionDictionary(), AcDb::kForWrite);
+        AcDbObjectId id;
+        auto *const record = new AcDbXrecord;
+        dictionary->setAt(QStringLiteral("DATA"), record, id);
+        record->setFromRbChain({{330, original.handle()}});
+        record->close();
+    }
+    std::vector<AcDbObjectId> copies;
+    ASSERT_EQ(acdbDeepCloneEntities({original}, database->modelSpaceId(), copies), Acad::eOk);
+    ASSERT_EQ(copies.size(), 1U);
+    EXPECT_EQ(acdbSubEntities(copies[0]).size(), 2U);
+    AcDbObjectPointer<AcDbEntity> copy(copies[0], AcDb::kForRead);
+    AcDbObjectPointer<AcDbDictionary> dictionary(copy->extensionDictionary(), AcDb::kForRead);
+    ASSERT_TRUE(dictionary);
+    EXPECT_NE(dictionary->objectId(), AcDbObjectPointer<AcDbEntity>(original, AcDb::kForRead)->extensionDictionary());
+    AcDbObjectPointer<AcDbXrecord> record(dictionary->getAt(QStringLiteral("DATA")), AcDb::kForRead);
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->rbChain(), ResbufList({{330, copies[0].handle()}}));
+    EXPECT_EQ(record->ownerId(), dictionary->objectId());
+}
+
+TEST(Clone, CopiesEveryFieldOfACustomEntity)
+{
+    NoteClass known;
+    const auto database = MemoryDrawing().open();
+    const AcDbObjectId original = addNote(*database, QStringLiteral("t"), "secret");
+    std::vector<AcDbObjectId> copies;
+    ASSERT_EQ(acdbDeepCloneEntities({original}, database->paperSpaceId(), copies), Acad::eOk);
+    AcDbObjectPointer<NoteEntity> copy(copies.at(0), AcDb::kForRead);
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(copy->secret, "secret");
+    EXPECT_EQ(copy->blockId(), database->paperSpaceId());
+    EXPECT_TRUE(findGroup(copy->groups(), 67));
+}
