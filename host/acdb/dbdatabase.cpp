@@ -16,7 +16,7 @@ static std::set<AcDbDatabase *> &openDatabases()
     return all;
 }
 
-/// Objects of a class that leaves go back to groups; kept groups become objects when their class comes.
+/// Objects of a class that leaves go back to groups.
 class ClassObserver : public AcRxClassObserver
 {
 public:
@@ -25,11 +25,6 @@ public:
         static ClassObserver observer;
         static const bool installed = (acrxClassDictionary().addObserver(&observer), true);
         (void)installed;
-    }
-    void classAppeared(AcRxClass *added) override
-    {
-        for (AcDbDatabase *database : openDatabases())
-            database->classAppeared(added);
     }
     void classToBeDeleted(AcRxClass *doomed) override
     {
@@ -108,6 +103,7 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
             isProxy ? (isEntity ? new AcDbEntity : new AcDbObject) : static_cast<AcDbObject *>(known->create()));
         kept->m_stub = &stub;
         kept->m_isProxy = isProxy;
+        kept->m_proxySince = acrxClassDictionary().generation();
         kept->m_groups = std::move(groups);
         return kept;
     };
@@ -134,10 +130,15 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     return status == Acad::eOk ? std::move(object) : asKept(true);
 }
 
+// A proxy is tried again when classes came or went since it was made.
 AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
 {
-    if (!stub.object)
+    AcDbObject *const kept = stub.object;
+    if (!kept) {
         stub.object = materialise(stub, m_source->read(stub)).release();
+    } else if (kept->m_isProxy && kept->isIdle() && kept->m_proxySince != acrxClassDictionary().generation()) {
+        replaceObject(stub, materialise(stub, kept->m_groups));
+    }
     return stub.object;
 }
 
@@ -145,7 +146,7 @@ AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
 void AcDbDatabase::releaseIdle(AcDbStub &stub)
 {
     const AcDbObject *const object = stub.object;
-    if (!object || object->m_writing || object->m_notifying || object->m_readers > 0)
+    if (!object || !object->isIdle())
         return;
     if (stub.has(AcDbStub::kChanged) || !stub.has(AcDbStub::kHasSource) || object->isCustom())
         return;
@@ -154,8 +155,7 @@ void AcDbDatabase::releaseIdle(AcDbStub &stub)
 
 void AcDbDatabase::replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> object)
 {
-    if (const AcDbObject *const old = stub.object)
-        QUILL_ASSERT(!old->m_writing && old->m_readers == 0);
+    QUILL_ASSERT(!stub.object || stub.object->isIdle());
     delete std::exchange(stub.object, object.release());
 }
 
@@ -313,19 +313,6 @@ ResbufList AcDbDatabase::fileGroups(const AcDbStub &stub) const
 }
 
 // Classes that come and go ------------------------------------------------------------------------
-
-void AcDbDatabase::classAppeared(const AcRxClass *added)
-{
-    for (std::uint32_t i = 1; i < m_stubCount; ++i) {
-        AcDbStub &kept = *stub(i);
-        if (!kept.object || !kept.object->m_isProxy || acdbKindName(kept.kind) != added->dxfName())
-            continue;
-        if (kept.has(AcDbStub::kChanged))
-            replaceObject(kept, materialise(kept, kept.object->m_groups));
-        else
-            replaceObject(kept, nullptr);
-    }
-}
 
 void AcDbDatabase::classRemoved(const AcRxClass *doomed)
 {

@@ -169,7 +169,6 @@ private:
     void indexHandle(AcDbStub *stub);
     void registerRecord(SymbolTable table, AcDbStub *stub);
     bool onLockedLayer(const AcDbObject &object) const;
-    void classAppeared(const AcRxClass *added);
     void classRemoved(const AcRxClass *doomed);
     Table &table(SymbolTable kind) const { return m_tables[std::size_t(kind)]; }
 

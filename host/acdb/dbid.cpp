@@ -13,7 +13,8 @@
 struct Kinds {
     std::vector<QByteArray> names{QByteArray()};
     QHash<QByteArray, AcDbKind> numbers;
-    std::vector<AcRxClass *> classes; ///< By kind; null: not looked up since classes changed.
+    std::vector<AcRxClass *> classes; ///< By kind; null: not looked up in this generation.
+    unsigned generation = 0;          ///< Of the class dictionary.
 };
 
 static Kinds &kinds()
@@ -42,18 +43,13 @@ const QByteArray &acdbKindName(AcDbKind kind)
     return kinds().names.at(kind);
 }
 
-/// The answers of acdbKindClass() hold until the class dictionary changes.
-class KindCacheKeeper : public AcRxClassObserver
-{
-public:
-    void classAppeared(AcRxClass *) override { kinds().classes.clear(); }
-    void classToBeDeleted(AcRxClass *) override { kinds().classes.clear(); }
-    void classDeleted() override { kinds().classes.clear(); }
-};
-
 AcRxClass *acdbKindClass(AcDbKind kind, bool isEntity)
 {
     std::vector<AcRxClass *> &known = kinds().classes;
+    if (kinds().generation != acrxClassDictionary().generation()) {
+        known.clear();
+        kinds().generation = acrxClassDictionary().generation();
+    }
     if (kind >= known.size())
         known.resize(kinds().names.size(), nullptr);
     if (!known[kind])
@@ -118,8 +114,6 @@ static AcRxClass *addKind(const char *className, AcRxClass *parent, const char *
 
 static void registerOnce()
 {
-    static KindCacheKeeper keeper;
-    acrxClassDictionary().addObserver(&keeper);
     AcRxClass *const object = newAcRxClass(QStringLiteral("AcDbObject"), nullptr, {}, [] { return new AcDbObject; });
     AcRxClass *const entity =
         newAcRxClass(QStringLiteral("AcDbEntity"), object, {}, [] { return new AcDbEntity; });

@@ -90,6 +90,7 @@ private:
     friend class ObjectCopier;
     friend class CarrierKeeper;
 
+    bool isIdle() const { return !m_writing && !m_notifying && m_readers == 0; }
     void stampIdentity();
     void linkExtensionDictionary(AcDbHandle handle);
 
@@ -100,6 +101,7 @@ private:
     bool m_notifying = false;
     bool m_isNew = false;   ///< Added, and not closed since.
     bool m_isProxy = false; ///< Of a custom class that is missing or refused the bytes.
+    unsigned m_proxySince = 0; ///< Generation of the class dictionary.
 };
 
 /// Opens an object as a T; eNotThatKindOfClass (and the object closed again) when it is something else.

@@ -44,11 +44,9 @@ AcRxClass *AcRxClassDictionary::add(std::unique_ptr<AcRxClass> added)
 {
     if (at(added->name()))
         return nullptr;
+    ++m_generation;
     m_classes.push_back(std::move(added));
-    AcRxClass *const known = m_classes.back().get();
-    for (AcRxClassObserver *observer : m_observers)
-        observer->classAppeared(known);
-    return known;
+    return m_classes.back().get();
 }
 
 void AcRxClassDictionary::remove(AcRxClass *doomed)
@@ -59,8 +57,7 @@ void AcRxClassDictionary::remove(AcRxClass *doomed)
     for (AcRxClassObserver *observer : m_observers)
         observer->classToBeDeleted(doomed);
     m_classes.erase(found);
-    for (AcRxClassObserver *observer : m_observers)
-        observer->classDeleted();
+    ++m_generation;
 }
 
 AcRxClassDictionary &acrxClassDictionary()

@@ -55,10 +55,7 @@ class AcRxClassObserver
 {
 public:
     virtual ~AcRxClassObserver() = default;
-    virtual void classAppeared(AcRxClass *added) = 0;
     virtual void classToBeDeleted(AcRxClass *doomed) = 0;
-    /// The class is gone.
-    virtual void classDeleted() {}
 };
 
 /// The class dictionary of the process. Names are compared as they are written.
@@ -72,8 +69,11 @@ public:
     /// Tells the observers, then deletes the class. Unknown classes are ignored.
     void remove(AcRxClass *doomed);
     void addObserver(AcRxClassObserver *observer) { m_observers.push_back(observer); }
+    /// Grows with every class that comes or goes: what was looked up before may be wrong.
+    unsigned generation() const { return m_generation; }
 
 private:
+    unsigned m_generation = 1;
     std::vector<std::unique_ptr<AcRxClass>> m_classes;
     std::vector<AcRxClassObserver *> m_observers;
 };
