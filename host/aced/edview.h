@@ -3,6 +3,7 @@
 
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
+#include "host/acge/gematrix.h"
 
 #include <QPoint>
 

@@ -124,13 +124,13 @@ TEST(DocumentManager, AFileIsOpenOnce)
     QFile::link(file, folder.path("link.dxf"));
     AcApDocManager manager;
     const auto opened = manager.openDocument(file);
-    ASSERT_TRUE(opened) << opened.error();
+    ASSERT_TRUE(opened) << qPrintable(opened.error());
     manager.newDocument();
     ASSERT_NE(manager.curDocument(), *opened);
     for (const QString &again : {file, folder.path("./plan.dxf"), folder.path("link.dxf")}) {
         const auto second = manager.openDocument(again);
-        ASSERT_TRUE(second) << again;
-        EXPECT_EQ(*second, *opened) << again;
+        ASSERT_TRUE(second) << qPrintable(again);
+        EXPECT_EQ(*second, *opened) << qPrintable(again);
     }
     EXPECT_EQ(manager.curDocument(), *opened);
     EXPECT_EQ(manager.documents().size(), 2u);
@@ -157,7 +157,7 @@ TEST(DocumentManager, TheFormatIsToldByTheContent)
     for (const Case &c : cases) {
         const auto opened = manager.openDocument(folder.write(c.name, c.bytes));
         ASSERT_FALSE(opened) << c.name;
-        EXPECT_TRUE(opened.error().contains(c.reason)) << opened.error();
+        EXPECT_TRUE(opened.error().contains(c.reason)) << qPrintable(opened.error());
     }
     EXPECT_FALSE(manager.openDocument(folder.path("missing.dxf")));
     EXPECT_EQ(manager.documents().size(), 1u);
@@ -191,7 +191,7 @@ TEST(DocumentManager, SavingSettlesNameAndChanges)
 
     manager.closeDocument(document);
     const auto reopened = manager.openDocument(folder.path("plan.dxf"));
-    ASSERT_TRUE(reopened) << reopened.error();
+    ASSERT_TRUE(reopened) << qPrintable(reopened.error());
     EXPECT_EQ((*reopened)->database()->headerInteger("$USERI1"), 5);
 }
 
