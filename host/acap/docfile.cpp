@@ -2,6 +2,7 @@
 
 #include "host/base/file_bytes.h"
 #include "host/formats/dxf/dxfreader.h"
+#include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
 
 #include <QStringList>

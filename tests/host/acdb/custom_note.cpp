@@ -14,7 +14,8 @@ NoteClass::NoteClass()
 
 NoteClass::~NoteClass()
 {
-    deleteAcRxClass(std::exchange(s_class, nullptr));
+    deleteAcRxClass(s_class);
+    s_class = nullptr;
 }
 
 AcRxClass *NoteEntity::desc()

@@ -18,7 +18,7 @@ static std::vector<int> codes(const ResbufList &list)
 TEST(EntGet, FollowsThePlatformsOrder)
 {
     MemoryDrawing drawing;
-    const auto arc = drawing.entity("ARC", {{100, "AcDbEntity"}, {8, "0"}, {62, 1}, {100, "AcDbCircle"},
+    const auto arc = drawing.entity("ARC", {{8, "0"}, {62, 1}, {100, "AcDbCircle"},
                                             {10, AcGePoint3d(1, 2, 3)}, {40, 5.0}, {100, "AcDbArc"}, {50, 90.0}, {51, 180.0},
                                             {1001, "ACAD"}, {1000, "x"}, {1001, "OTHER"}, {1005, AcDbHandle{0xAB}}});
     const auto database = drawing.open();
@@ -44,7 +44,7 @@ TEST(EntGet, PutsTheOwnerBehindBracesAndTellsThePaperSpace)
 {
     MemoryDrawing drawing;
     const auto line = drawing.entity("LINE", {{102, "{ACAD_REACTORS"}, {330, AcDbHandle{0x999}}, {102, "}"},
-                                              {330, AcDbHandle{drawing.paperSpace()}}, {100, "AcDbEntity"}, {67, 1}, {8, "0"},
+                                              {330, AcDbHandle{drawing.paperSpace()}}, {67, 1}, {8, "0"},
                                               {100, "AcDbLine"}, {10, AcGePoint3d()}, {11, AcGePoint3d(1, 0, 0)}},
                                      drawing.paperSpace());
     const auto database = drawing.open();
