@@ -85,11 +85,23 @@ void BlockCollector::addEntity(AcDbStub *entity, std::uint64_t owner, bool paper
             block.waiting.push_back(entity);
         return;
     }
-    AcDbStub *record = owner != 0 ? recordByHandle(owner) : paperSpace ? m_paper : m_model;
+    AcDbStub *const space = paperSpace ? m_paper : m_model;
+    AcDbStub *record = owner != 0 ? recordByHandle(owner) : space;
+    if (!record && space) {
+        noteUnknownOwner(owner, paperSpace, place.offset);
+        record = space;
+    }
     if (record)
         m_loader.addEntity(record, entity);
     else
         m_waiting.push_back({entity, owner, paperSpace, place.offset});
+}
+
+void BlockCollector::noteUnknownOwner(std::uint64_t owner, bool paperSpace, std::uint64_t offset)
+{
+    m_log.add(offset, QStringLiteral("the owner %1 is no block; the entity was put into %2 space")
+                          .arg(QString::number(owner, 16).toUpper(),
+                               paperSpace ? QStringLiteral("paper") : QStringLiteral("model")));
 }
 
 AcDbStub *BlockCollector::makeRecord(const QByteArray &name)
@@ -144,10 +156,7 @@ void BlockCollector::finish(bool recordsExpected)
     for (const Waiting &waiting : m_waiting) {
         AcDbStub *record = waiting.owner != 0 ? recordByHandle(waiting.owner) : nullptr;
         if (!record && waiting.owner != 0 && recordsExpected)
-            m_log.add(waiting.offset,
-                      QStringLiteral("the owner %1 is no block; the entity was put into %2 space")
-                          .arg(QString::number(waiting.owner, 16).toUpper(),
-                               waiting.paperSpace ? QStringLiteral("paper") : QStringLiteral("model")));
+            noteUnknownOwner(waiting.owner, waiting.paperSpace, waiting.offset);
         m_loader.addEntity(record ? record : waiting.paperSpace ? m_paper : m_model, waiting.entity);
     }
 }

@@ -54,6 +54,7 @@ private:
     AcDbStub *recordByName(const QByteArray &name) const;
     AcDbStub *makeRecord(const QByteArray &name);
     AcDbStub *spaceRecord(const QByteArray &name);
+    void noteUnknownOwner(std::uint64_t owner, bool paperSpace, std::uint64_t offset);
     void claim(Block &block, AcDbStub *record);
     void settle(Block &block, bool recordsExpected);
 

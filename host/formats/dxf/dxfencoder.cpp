@@ -112,8 +112,14 @@ void Encoder::chunks(QByteArray &out, int groupCode, QByteArrayView bytes) const
 void Encoder::copy(QByteArray &out, std::string_view source) const
 {
     out.append(source.data(), qsizetype(source.size()));
-    if (!isBinary() && !source.ends_with(m_source.lineEnd()))
-        out.append(m_source.style().lineEnd);
+    out.append(missingLineEnd(source));
+}
+
+QByteArray Encoder::missingLineEnd(std::string_view source) const
+{
+    if (isBinary() || source.ends_with(m_source.lineEnd()))
+        return {};
+    return source.ends_with('\r') ? QByteArray("\n") : m_source.style().lineEnd;
 }
 
 static double realOf(const resbuf &group)

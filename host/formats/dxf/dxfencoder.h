@@ -26,6 +26,8 @@ public:
     void marker(QByteArray &out, QByteArrayView kind) const { plainText(out, 0, kind); }
     /// A stretch of whole groups of the file; completed when the file's last line has no end.
     void copy(QByteArray &out, std::string_view source) const;
+    /// What a stretch of the file lacks of its last line end; empty in binary files.
+    QByteArray missingLineEnd(std::string_view source) const;
 
 private:
     bool isBinary() const { return m_source.format() == DrawingFormat::dxfBinary; }

@@ -48,34 +48,6 @@ static void ensureHandle(ResbufList &groups, const AcDbStub &stub)
         place->assign(AcDbHandle{stub.handle});
 }
 
-bool ObjectEncoder::isPaperSpace(const AcDbStub &blockRecord) const
-{
-    if (m_database.paperSpaceId().stub() == &blockRecord)
-        return true;
-    const ResbufList groups = m_database.fileGroups(blockRecord);
-    const resbuf *const name = findGroup(groups, 2);
-    return name && name->text().startsWith(QLatin1String("*Paper_Space"), Qt::CaseInsensitive);
-}
-
-bool ObjectEncoder::needsPaperSpaceMark(const AcDbStub &stub, const ResbufList &groups) const
-{
-    if (stub.has(AcDbStub::kHasSource) || !stub.has(AcDbStub::kEntity) || findGroup(groups, 67))
-        return false;
-    const AcDbStub *owner = m_database.stub(stub.owner);
-    if (stub.has(AcDbStub::kSubEntity))
-        owner = m_database.stub(owner->owner);
-    return owner->index != 0 && isPaperSpace(*owner);
-}
-
-/// In paper space group 67 stands before the layer.
-static void addPaperSpaceMark(ResbufList &groups)
-{
-    const auto layer = std::ranges::find(groups, 8, &resbuf::restype);
-    const auto place =
-        layer != groups.end() ? layer : groups.begin() + std::ptrdiff_t(extendedDataBegin(groups));
-    groups.insert(place, resbuf(67, std::int64_t(1)));
-}
-
 void ObjectEncoder::leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) const
 {
     const bool r12Native = m_source.version() <= DrawingVersion::r12 && isR12Kind(stub.kind);
@@ -101,8 +73,6 @@ QByteArray ObjectEncoder::encode(const AcDbStub &stub, std::optional<std::int64_
     if (groups.empty())
         groups.emplace_back(0, QString::fromLatin1(acdbKindName(stub.kind)));
     ensureHandle(groups, stub);
-    if (needsPaperSpaceMark(stub, groups))
-        addPaperSpaceMark(groups);
     leaveOutUnknown(groups, stub);
     resbuf *const count = recordCount ? findGroup(groups, 70) : nullptr;
     if (count && count->integer() != *recordCount)

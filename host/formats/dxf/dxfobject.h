@@ -21,11 +21,7 @@ public:
     /// replaces the first group 70 (of a table).
     QByteArray encode(const AcDbStub &stub, std::optional<std::int64_t> recordCount = {}) const;
 
-    /// The block record is a paper space.
-    bool isPaperSpace(const AcDbStub &blockRecord) const;
-
 private:
-    bool needsPaperSpaceMark(const AcDbStub &stub, const ResbufList &groups) const;
     void leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) const;
 
     const AcDbDatabase &m_database;

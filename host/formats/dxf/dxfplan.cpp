@@ -121,7 +121,10 @@ void SavePlan::writeNew()
             added.push_back(stub);
     }
     m_handlesWritten = !added.empty();
-    std::ranges::sort(added, {}, &AcDbStub::index);
+    // Many readers take the first dictionary of the file for the root.
+    const AcDbStub *const root = m_database.namedObjectsDictionaryId().stub();
+    std::ranges::sort(added, {},
+                      [root](const AcDbStub *stub) { return std::pair(stub != root, stub->index); });
     for (const AcDbStub *const stub : added) {
         if (stub->has(AcDbStub::kSubEntity))
             m_newParts[stub->owner].push_back(stub);
@@ -496,8 +499,6 @@ void SavePlan::sortEdits()
 
     // A last line without an end must not run into what is added behind it.
     const std::string_view bytes = m_source.bytes();
-    if (m_source.format() == DrawingFormat::dxfBinary || bytes.ends_with(m_source.lineEnd()))
-        return;
     const auto behindAll =
         std::ranges::find_if(m_edits, [&](const Edit &edit) { return edit.offset == bytes.size(); });
     if (behindAll == m_edits.end())
@@ -505,7 +506,7 @@ void SavePlan::sortEdits()
     const bool endRewritten = behindAll != m_edits.begin() &&
                               std::prev(behindAll)->offset + std::prev(behindAll)->removed == bytes.size();
     if (!endRewritten)
-        behindAll->bytes.prepend(m_source.style().lineEnd);
+        behindAll->bytes.prepend(m_encoder.missingLineEnd(bytes));
 }
 
 } // namespace dxf

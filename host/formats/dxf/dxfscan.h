@@ -79,7 +79,7 @@ public:
         if (!parseCode(m_at, codeEnd, group.code))
             return onlyBlanksLeft() ? Step::end : Step::damaged;
         group.begin = m_at;
-        if (codeEnd == m_end)
+        if (codeEnd == m_end || codeEnd + 1 == m_end)
             return Step::cut;
         const char *const value = codeEnd + 1;
         const char *const valueEnd = findLineEnd(value);

@@ -1,0 +1,98 @@
+// R12: files without block records, owners, markers, and often without handles.
+#include "dxf_support.h"
+
+#include "host/acdb/dbdict.h"
+
+#include <gmock/gmock.h>
+
+using tests::blockList;
+using tests::dxfBinary;
+using tests::dxfText;
+using tests::openDxf;
+using tests::saveDxf;
+
+TEST(DxfR12, FindsObjectsAndMakesBlockRecords)
+{
+    for (const QByteArray &bytes :
+         {dxfText(tests::smallR12Drawing(true)), dxfBinary(tests::smallR12Drawing(true), true)}) {
+        const auto database = openDxf(bytes);
+        EXPECT_THAT(database->repairs(), testing::IsEmpty());
+        EXPECT_EQ(blockList(*database, database->modelSpaceId()), "CIRCLE A2 | POLYLINE A3");
+        EXPECT_EQ(blockList(*database, database->paperSpaceId()), "TEXT A6");
+        EXPECT_EQ(blockList(*database, database->tableRecord(SymbolTable::block, "DOOR")), "LINE A1");
+        EXPECT_EQ(acdbSubEntities(tests::object(*database, 0xA3)).size(), 2u);
+        EXPECT_TRUE(database->symbolTableId(SymbolTable::layer).isNull());
+        EXPECT_TRUE(database->tableRecord(SymbolTable::layer, "WALL").isValid());
+        EXPECT_EQ(saveDxf(*database), bytes);
+    }
+}
+
+TEST(DxfR12, TakesItsNamesOfTheSpaces)
+{
+    const auto database = openDxf(
+        dxfText(QByteArray(tests::smallR12Drawing(true))
+                    .replace("2 BLOCKS|", "2 BLOCKS|0 BLOCK|5 B1|8 0|2 $MODEL_SPACE|70 0|0 ENDBLK|5 B2|")));
+    EXPECT_EQ(blockList(*database, database->modelSpaceId()), "CIRCLE A2 | POLYLINE A3");
+    EXPECT_EQ(database->tableRecords(SymbolTable::block).size(), 3u);
+}
+
+TEST(DxfR12, GivesTheSameHandlesAtEveryOpening)
+{
+    const QByteArray bytes = dxfText(tests::smallR12Drawing(false));
+    const auto database = openDxf(bytes);
+    const QString objects = tests::objectList(*database);
+    EXPECT_EQ(objects, "LAYER 1 | LAYER 2 | BLOCK 3 | LINE 4 | ENDBLK 5 | CIRCLE 6 | POLYLINE 7 | VERTEX 8 | "
+                       "SEQEND 9 | TEXT A");
+    EXPECT_EQ(saveDxf(*database), bytes);
+
+    tests::appendCircle(database->modelSpaceId());
+    tests::setGroup(*database, 0x6, 40, 3.0);
+    const QByteArray saved = saveDxf(*database);
+    EXPECT_TRUE(tests::objectList(*openDxf(saved)).startsWith(objects.left(objects.size() - 6)));
+    EXPECT_EQ(tests::groupsOf(*openDxf(saved), 0xA), tests::groupsOf(*database, 0xA));
+    EXPECT_EQ(saved.count("\r\n  5\r\n"), 3) << "the changed circle, the new one and the seed, no others";
+}
+
+TEST(DxfR12, WritesHandlesWhenANumberedObjectGoes)
+{
+    const auto database = openDxf(dxfText(tests::smallR12Drawing(false)));
+    tests::erase(*database, 0x6);
+    const auto again = openDxf(saveDxf(*database));
+    EXPECT_EQ(tests::objectList(*again),
+              "LAYER 1 | LAYER 2 | BLOCK 3 | LINE 4 | ENDBLK 5 | POLYLINE 7 | VERTEX 8 | SEQEND 9 | TEXT A");
+}
+
+TEST(DxfR12, WritesNativeEntitiesAsR12KnowsThem)
+{
+    const auto database = openDxf(dxfText(tests::smallR12Drawing(true), "\n", 0));
+    tests::appendCircle(database->paperSpaceId());
+    const QByteArray handle = QByteArray::number(database->handseed().value - 1, 16).toUpper();
+    EXPECT_TRUE(saveDxf(*database).contains(
+        dxfText("0 CIRCLE|5 " + handle + "|8 0|67 1|10 1.5|20 2.0|30 0.0|40 0.25|0 ENDSEC|0 EOF", "\n", 0)));
+}
+
+TEST(DxfR12, KeepsWhatItHasNoSectionFor)
+{
+    const auto database = openDxf(dxfText(tests::smallR12Drawing(true), "\n", 0));
+    const AcDbObjectId root = acdbEnsureNamedObjects(*database);
+    AcDbObjectPointer<AcDbEntity> circle(tests::object(*database, 0xA2), AcDb::kForWrite);
+    const AcDbHandle dictionary = circle->createExtensionDictionary().handle();
+    circle.close();
+    const AcDbObjectId special = tests::append(database->modelSpaceId(), {{0, QStringLiteral("QUILLTEST")},
+                                                                          {100, QStringLiteral("AcDbEntity")},
+                                                                          {8, QStringLiteral("0")},
+                                                                          {100, QStringLiteral("QuillTest")},
+                                                                          {90, std::int64_t(5)}});
+    const auto again = openDxf(saveDxf(*database));
+    EXPECT_EQ(again->version(), DrawingVersion::r12);
+    EXPECT_EQ(again->namedObjectsDictionaryId().handle(), root.handle());
+    AcDbObjectPointer<AcDbEntity> reread(tests::object(*again, 0xA2), AcDb::kForRead);
+    ASSERT_TRUE(reread);
+    EXPECT_EQ(reread->extensionDictionary().handle(), dictionary);
+    const ResbufList kept = tests::groupsOf(*again, special.handle().value);
+    const ResbufList expected{{0, QStringLiteral("QUILLTEST")},    {5, special.handle()},
+                              {100, QStringLiteral("AcDbEntity")}, {8, QStringLiteral("0")},
+                              {100, QStringLiteral("QuillTest")},  {90, std::int64_t(5)}};
+    EXPECT_EQ(kept, expected);
+    EXPECT_EQ(blockList(*again, again->modelSpaceId()), blockList(*database, database->modelSpaceId()));
+}
