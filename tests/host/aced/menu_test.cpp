@@ -74,7 +74,7 @@ TEST(MenuFile, SaysWhereABadFileIsBad)
     } cases[] = {
         {"", "m.mnu:1: not well-formed XML"},
         {"***MENUGROUP=G", "m.mnu:1: not well-formed XML"},
-        {"<menu-file version=\"1\">\n<group name=\"G\">\n</menu-file>", "m.mnu:3: not well-formed XML"},
+        {"<menu-file version=\"1\">\n<group name=\"G\">\n</menu-file>", "m.mnu:2: not well-formed XML"},
         {"<other/>", "m.mnu:1: this is no menu file"},
         {"<menu-file/>", "m.mnu:1: menu file version"},
         {"<menu-file version=\"2\"/>", "m.mnu:1: menu file version 2 is not supported"},
