@@ -15,10 +15,11 @@ static QtMessageHandler &qtHandler()
     return handler;
 }
 
-/// The screenless platform remarks on every window that it has no frames; nobody can do anything about it.
+/// Qt remarks on everything that a session without a desktop lacks; nobody can do anything about it.
 static void passMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    if (!text.startsWith(QLatin1String("This plugin does not support")))
+    if (!text.startsWith(QLatin1String("This plugin does not support")) &&
+        !text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR")))
         qtHandler()(type, context, text);
 }
 

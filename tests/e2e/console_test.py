@@ -125,7 +125,7 @@ class InfoTest(ConsoleTest):
         self.assertIn("(0, 0, 0) to (100, 60, 0)", text)
 
     def test_a_file_that_cannot_be_read_does_not_hide_the_others(self):
-        broken = self.write("broken.dxf", "0\nSECTION\n2\nENTITIES\nnonsense\n")
+        broken = self.write("broken.dxf", "no drawing at all\n")
         result = run("info", self.folder / "missing.dxf", broken, self.drawing, "--json", "--no-module")
         self.expect(result, 2, "missing.dxf", "broken.dxf")
         self.assertEqual(json.loads(result.stdout)["entities"]["LINE"], 1)
@@ -212,15 +212,15 @@ class SettingsTest(ConsoleTest):
         self.expect(run("settings", "set", self.KEY, "n", "4294967296", "--number"), 2, "is no number")
 
     def test_they_travel_in_a_file(self):
-        self.expect(run("settings", "set", self.KEY, "travels", "yes"), 0)
+        self.expect(run("settings", "set", self.KEY + "2", "travels", "yes"), 0)
         file = self.folder / "settings.txt"
         self.expect(run("settings", "export", file), 0)
         self.expect(run("settings", "export", file), 2, "exists; -f overwrites it")
         self.expect(run("settings", "export", file, "-f"), 0)
-        self.expect(run("settings", "remove", self.KEY, "travels"), 0)
-        self.expect(run("settings", "get", self.KEY, "travels"), 2)
+        self.expect(run("settings", "remove", self.KEY + "2", "travels"), 0)
+        self.expect(run("settings", "get", self.KEY + "2", "travels"), 2)
         self.expect(run("settings", "import", file), 0)
-        self.assertEqual(run("settings", "get", self.KEY, "travels").stdout, "yes\n")
+        self.assertEqual(run("settings", "get", self.KEY + "2", "travels").stdout, "yes\n")
         broken = self.write("broken.txt", file.read_text(encoding="utf-8") + "nonsense\n")
         self.expect(run("settings", "import", broken), 2, "broken.txt:")
 

@@ -7,7 +7,7 @@
 #include "host/aced/edmessage.h"
 #include "host/aced/edverbs.h"
 #include "host/acrx/rxmodule.h"
-#include "host/acui/acuidialog.h"
+#include "tests/e2e/sample_windows.h"
 
 #include <QLineEdit>
 #include <QMessageBox>
@@ -16,43 +16,31 @@
 
 #include <memory>
 
-class CSample : public CAcUiDialog
+CSample::CSample()
 {
-    Q_OBJECT
+    setWindowTitle(QStringLiteral("Sample"));
+    auto *column = new QVBoxLayout(this);
+    auto *edit = new QLineEdit;
+    auto *confirm = new QPushButton(QStringLiteral("OK"));
+    edit->setObjectName(acuiObjectName(1003));
+    confirm->setObjectName(acuiObjectName(kAcUiOk));
+    column->addWidget(edit);
+    column->addWidget(confirm);
+    connect(confirm, &QPushButton::clicked, this, [this] {
+        if (acedAsk(QStringLiteral("Sure?"), AcEdButtons::yesNo) == AcEdButton::yes)
+            accept();
+    });
+}
 
-public:
-    CSample()
-    {
-        setWindowTitle(QStringLiteral("Sample"));
-        auto *column = new QVBoxLayout(this);
-        auto *edit = new QLineEdit;
-        auto *confirm = new QPushButton(QStringLiteral("OK"));
-        edit->setObjectName(acuiObjectName(1003));
-        confirm->setObjectName(acuiObjectName(kAcUiOk));
-        column->addWidget(edit);
-        column->addWidget(confirm);
-        connect(confirm, &QPushButton::clicked, this, [this] {
-            if (acedAsk(QStringLiteral("Sure?"), AcEdButtons::yesNo) == AcEdButton::yes)
-                accept();
-        });
-    }
-};
-
-class CPalette : public CAcUiDialog
+CPalette::CPalette()
 {
-    Q_OBJECT
-
-public:
-    CPalette()
-    {
-        auto *button = new QPushButton(QStringLiteral("Circle"), this);
-        button->setObjectName(acuiObjectName(1006));
-        connect(button, &QPushButton::clicked, this, [] {
-            ads_queueexpr(QStringLiteral("(command \"_CIRCLE\" \"5,5\" \"2\")"));
-            acutPrintf(QStringLiteral("\nkeys:") + acedFrontEnd().heldKeys().join(u'+'));
-        });
-    }
-};
+    auto *button = new QPushButton(QStringLiteral("Circle"), this);
+    button->setObjectName(acuiObjectName(1006));
+    connect(button, &QPushButton::clicked, this, [] {
+        ads_queueexpr(QStringLiteral("(command \"_CIRCLE\" \"5,5\" \"2\")"));
+        acutPrintf(QStringLiteral("\nkeys:") + acedFrontEnd().heldKeys().join(u'+'));
+    });
+}
 
 static std::unique_ptr<CPalette> &palette()
 {
@@ -126,5 +114,3 @@ extern "C" Q_DECL_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode messag
         stop();
     return AcRx::kRetOK;
 }
-
-#include "sample_module.moc"
