@@ -22,7 +22,7 @@ AcGiArc AcGiArc::transformed(const AcGeMatrix3d &matrix) const
     return {matrix * centre, matrix * u, matrix * v, start, sweep};
 }
 
-void AcGiArc::appendSamples(std::vector<AcGePoint3d> &points, int perTurn) const
+std::vector<double> AcGiArc::sampleParameters(int perTurn) const
 {
     const int count = std::clamp(int(std::ceil(std::abs(sweep) / kTurn * perTurn)), 1, perTurn);
     std::vector<double> offsets;
@@ -38,8 +38,15 @@ void AcGiArc::appendSamples(std::vector<AcGePoint3d> &points, int perTurn) const
         }
     }
     std::ranges::sort(offsets, [](double a, double b) { return std::abs(a) < std::abs(b); });
-    for (const double offset : offsets)
-        points.push_back(at(start + offset));
+    for (double &offset : offsets)
+        offset += start;
+    return offsets;
+}
+
+void AcGiArc::appendSamples(std::vector<AcGePoint3d> &points, int perTurn) const
+{
+    for (const double t : sampleParameters(perTurn))
+        points.push_back(at(t));
 }
 
 AcGiArc acgiBulgeArc(const AcGePoint3d &from, const AcGePoint3d &to, double bulge)
@@ -112,26 +119,24 @@ void AcGiGeometry::pline(std::span<const AcGiVertex> vertices, bool closed)
 // The width grows evenly along the segment, also along an arc.
 void AcGiGeometry::wideSegment(const AcGiVertex &from, const AcGiVertex &to)
 {
-    std::vector<AcGePoint3d> middle{from.point, to.point};
     const AcGeVector3d chord = to.point - from.point;
     if (chord.isZeroLength())
         return;
-    const bool curved = from.bulge != 0.0;
-    AcGiArc curve;
-    if (curved) {
-        curve = acgiBulgeArc(from.point, to.point, from.bulge);
-        middle.clear();
-        curve.appendSamples(middle);
-    }
     AcGiLoop left;
     AcGiLoop right;
-    for (std::size_t i = 0; i < middle.size(); ++i) {
-        const double share = double(i) / double(middle.size() - 1);
+    const auto addBorders = [&](const AcGePoint3d &middle, const AcGeVector3d &across, double share) {
         const double half = 0.5 * (from.startWidth + (from.endWidth - from.startWidth) * share);
-        const AcGeVector3d across =
-            curved ? (middle[i] - curve.centre).normal() : AcGeVector3d(-chord.y, chord.x, 0.0).normal();
-        left.push_back(middle[i] + across * half);
-        right.push_back(middle[i] - across * half);
+        left.push_back(middle + across * half);
+        right.push_back(middle - across * half);
+    };
+    if (from.bulge != 0.0) {
+        const AcGiArc curve = acgiBulgeArc(from.point, to.point, from.bulge);
+        for (const double t : curve.sampleParameters())
+            addBorders(curve.at(t), (curve.at(t) - curve.centre).normal(), (t - curve.start) / curve.sweep);
+    } else {
+        const AcGeVector3d across = AcGeVector3d(-chord.y, chord.x, 0.0).normal();
+        addBorders(from.point, across, 0.0);
+        addBorders(to.point, across, 1.0);
     }
     left.insert(left.end(), right.rbegin(), right.rend());
     fill(std::span(&left, 1));

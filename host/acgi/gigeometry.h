@@ -26,7 +26,9 @@ struct AcGiArc {
     /// True when the point of parameter `t` belongs to the arc.
     bool covers(double t) const;
     AcGiArc transformed(const AcGeMatrix3d &matrix) const;
-    /// Points along the arc, both ends and the extreme points of x and y included.
+    /// Parameters along the arc, both ends and the extreme points of x and y included.
+    std::vector<double> sampleParameters(int perTurn = 64) const;
+    /// The points of those parameters.
     void appendSamples(std::vector<AcGePoint3d> &points, int perTurn = 64) const;
 };
 
