@@ -140,15 +140,16 @@ static void zoomCentre()
         return;
     const auto text =
         askText(QStringLiteral("\n输入比例或高度 <%1>: ").arg(numberText(curDoc()->view().height)));
-    const auto scale = text && !text->isEmpty() ? readScale(*text) : std::nullopt;
-    if (!text || (!text->isEmpty() && !scale)) {
+    // Enter keeps the height.
+    const auto scale =
+        text && text->isEmpty() ? std::optional(ZoomScale{1.0, true}) : readScale(text.value_or(QString()));
+    if (!scale) {
         acutPrintf(QStringLiteral("\n需要高度，或比例因子 (如 2x)。"));
         return;
     }
     AcApView &view = viewToChange();
     view.centre = toWorld(centre);
-    if (scale)
-        view.height = scale->ofView ? view.height / scale->factor : scale->factor;
+    view.height = scale->ofView ? view.height / scale->factor : scale->factor;
 }
 
 static void zoomPrevious()
