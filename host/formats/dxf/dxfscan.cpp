@@ -27,6 +27,50 @@ char TextScanner::lineEndOf(std::string_view bytes)
     return first + 1 < bytes.size() && bytes[first + 1] == '\n' ? '\n' : '\r';
 }
 
+const char *TextScanner::findLineEnd(const char *at) const
+{
+    const __m128i wanted = _mm_set1_epi8(m_lineEnd);
+    while (m_end - at >= 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+        if (const int hits = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)))
+            return at + __builtin_ctz(unsigned(hits));
+        at += 16;
+    }
+    while (at != m_end && *at != m_lineEnd)
+        ++at;
+    return at;
+}
+
+Step TextScanner::nextLong(Group &group)
+{
+    const char *const codeEnd = findLineEnd(m_at);
+    if (!parseCode(m_at, codeEnd, group.code))
+        return onlyBlanksLeft() ? Step::end : Step::damaged;
+    if (codeEnd == m_end || codeEnd + 1 == m_end)
+        return Step::cut;
+    take(group, codeEnd, findLineEnd(codeEnd + 1));
+    return Step::group;
+}
+
+bool TextScanner::parseUnusualCode(const char *at, const char *end, int &code)
+{
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+    while (at != end && isBlank(*at))
+        ++at;
+    const bool negative = at != end && *at == '-';
+    at += negative;
+    const char *const digits = at;
+    int number = 0;
+    while (at != end && unsigned(*at) - '0' <= 9 && at - digits < 5)
+        number = number * 10 + (*at++ - '0');
+    if (at == digits)
+        return false;
+    while (at != end && isBlank(*at))
+        ++at;
+    code = negative ? -number : number;
+    return at == end;
+}
+
 bool TextScanner::onlyBlanksLeft() const
 {
     return std::all_of(m_at, m_end, [](char c) {

@@ -75,18 +75,14 @@ public:
 
     Step next(Group &group)
     {
-        const char *const codeEnd = findLineEnd(m_at);
+        // Most groups are short: one look finds the ends of both lines.
+        const std::uint32_t lineEnds = lineEndsAhead();
+        if ((lineEnds & (lineEnds - 1)) == 0)
+            return nextLong(group);
+        const char *const codeEnd = m_at + __builtin_ctz(lineEnds);
         if (!parseCode(m_at, codeEnd, group.code))
-            return onlyBlanksLeft() ? Step::end : Step::damaged;
-        group.begin = m_at;
-        if (codeEnd == m_end || codeEnd + 1 == m_end)
-            return Step::cut;
-        const char *const value = codeEnd + 1;
-        const char *const valueEnd = findLineEnd(value);
-        const bool carriageReturn = valueEnd > value && valueEnd[-1] == '\r';
-        group.value = {value, std::size_t(valueEnd - value) - carriageReturn};
-        group.end = valueEnd == m_end ? m_end : valueEnd + 1;
-        m_at = group.end;
+            return nextLong(group);
+        take(group, codeEnd, m_at + __builtin_ctz(lineEnds & (lineEnds - 1)));
         return Step::group;
     }
 
@@ -94,38 +90,45 @@ public:
     void resynchronise();
 
 private:
-    const char *findLineEnd(const char *at) const
+    /// Bit n: byte n from here is a line end. 0 when fewer than 32 bytes are left.
+    std::uint32_t lineEndsAhead() const
     {
+        if (m_end - m_at < 32)
+            return 0;
+        const auto *const at = reinterpret_cast<const __m128i *>(m_at);
         const __m128i wanted = _mm_set1_epi8(m_lineEnd);
-        while (m_end - at >= 16) {
-            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-            if (const int hits = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted)))
-                return at + __builtin_ctz(unsigned(hits));
-            at += 16;
-        }
-        while (at != m_end && *at != m_lineEnd)
-            ++at;
-        return at;
+        const int low = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(at), wanted));
+        const int high = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(at + 1), wanted));
+        return std::uint32_t(low) | std::uint32_t(high) << 16;
     }
+
+    void take(Group &group, const char *codeEnd, const char *valueEnd)
+    {
+        const char *const value = codeEnd + 1;
+        const bool carriageReturn = valueEnd > value && valueEnd[-1] == '\r';
+        group.begin = m_at;
+        group.value = {value, std::size_t(valueEnd - value) - carriageReturn};
+        group.end = valueEnd == m_end ? m_end : valueEnd + 1;
+        m_at = group.end;
+    }
+
+    Step nextLong(Group &group);
+    const char *findLineEnd(const char *at) const;
 
     static bool parseCode(const char *at, const char *end, int &code)
     {
-        while (at != end && (*at == ' ' || *at == '\t'))
-            ++at;
-        const bool negative = at != end && *at == '-';
-        at += negative;
-        const char *const digits = at;
-        int number = 0;
-        while (at != end && unsigned(*at) - '0' <= 9 && at - digits < 5)
-            number = number * 10 + (*at++ - '0');
-        if (at == digits)
-            return false;
-        while (at != end && (*at == ' ' || *at == '\t' || *at == '\r'))
-            ++at;
-        code = negative ? -number : number;
-        return at == end;
+        end -= end > at && end[-1] == '\r';
+        if (end - at != 3)
+            return parseUnusualCode(at, end, code);
+        const auto digitOr = [](char c, bool blankAllowed) {
+            return unsigned(c) - '0' <= 9 || (c == ' ' && blankAllowed);
+        };
+        code = (at[0] & 15) * 100 + (at[1] & 15) * 10 + (at[2] & 15);
+        return (digitOr(at[0], true) && digitOr(at[1], at[0] == ' ') && digitOr(at[2], false)) ||
+               parseUnusualCode(at, end, code);
     }
 
+    static bool parseUnusualCode(const char *at, const char *end, int &code);
     bool onlyBlanksLeft() const;
 
     const char *m_at;
