@@ -1,5 +1,6 @@
-// Claims: opening a DXF drawing takes at most three times as long as splitting its bytes into lines, saving it
-// with one mark added at most twice as long as copying it, and an open drawing takes at most 1.5 times its size.
+// Claims: opening a DXF drawing takes at most three times as long as splitting its bytes into lines, saving
+// it with one mark added at most twice as long as copying it, and an open drawing takes at most 1.5 times its
+// size.
 //
 // usage: bench_open_save FILE.dxf...   (bench/make_drawing.py makes them)
 #include "host/acdb/dbsymtb.h"
@@ -24,7 +25,8 @@ static double bestSeconds(int runs, Work work)
     for (int run = 0; run < runs; ++run) {
         const auto begin = std::chrono::steady_clock::now();
         work();
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+        best =
+            std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     }
     return best;
 }
@@ -97,8 +99,8 @@ static bool measure(const QString &path)
 
     const double size = double(bytes->size());
     std::printf("%s: %.1f MB, %zu lines\n", qPrintable(QFileInfo(path).fileName()), size / 1e6, lines);
-    std::printf("  open    %8.3f s = %.2f x splitting into lines (%.3f s); of that %.3f s reading the file\n", open,
-                open / split, split, read);
+    std::printf("  open    %8.3f s = %.2f x splitting into lines (%.3f s); of that %.3f s reading the file\n",
+                open, open / split, split, read);
     std::printf("  save    %8.3f s = %.2f x copying (%.3f s)\n", save, save / copy, copy);
     std::printf("  memory  %8.1f MB = %.2f x file\n", resident / 1e6, resident / size);
     std::printf("  decode  %8.3f s, all objects once\n", decode);

@@ -1,6 +1,10 @@
 // Reading: which objects a drawing has, who owns them, what its tables, blocks, variables and classes are.
 #include "dxf_support.h"
 
+#include "tests/support/files.h"
+
+#include <QDir>
+
 #include <gmock/gmock.h>
 
 using tests::blockList;
@@ -181,4 +185,20 @@ TEST(DxfReader, RefusesWhatIsNoDrawing)
     ASSERT_FALSE(missing);
     EXPECT_TRUE(missing.error().text().startsWith(u"/nowhere/plan.dxf"))
         << missing.error().text().toStdString();
+}
+
+// The files that the fuzzer starts from: forms and damages of the small drawings.
+TEST(DxfReader, OpensTheCorpus)
+{
+    const QDir folder(tests::testDataPath("corpus/dxf"));
+    const QStringList names = folder.entryList({"*.dxf"}, QDir::Files);
+    ASSERT_FALSE(names.isEmpty());
+    for (const QString &name : names) {
+        SCOPED_TRACE(name.toStdString());
+        const QByteArray bytes = tests::readFile(folder.filePath(name));
+        const auto database = openDxf(bytes);
+        EXPECT_EQ(database->repairs().isEmpty(), name.startsWith("small_"));
+        EXPECT_NE(blockList(*database, database->modelSpaceId()), "");
+        EXPECT_EQ(tests::saveDxf(*database), bytes);
+    }
 }
