@@ -145,7 +145,7 @@ static void plan()
     view.twist = -std::atan2(xAxis.y, xAxis.x);
     const AcDbExtents extents = acedCurrentExtents(*curDoc());
     if (extents.isValid())
-        acedZoomWindow(*curDoc(), extents.minPoint(), extents.maxPoint());
+        fitIntoView(*curDoc(), extents);
 }
 
 // Layouts ----------------------------------------------------------------------------------------------

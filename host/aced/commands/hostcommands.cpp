@@ -2,6 +2,7 @@
 #include "host/aced/hostcommands.h"
 
 #include "host/aced/commands/commandtables.h"
+#include "host/base/assert.h"
 
 #include <array>
 
@@ -23,7 +24,8 @@ static void registerAliases()
 {
     for (const auto &[alias, name] : kAliases) {
         const AcEdCommand *const found = acedRegCmds()->lookup(QLatin1String(name));
-        const AcEdCommand command = *found;
+        QUILL_ASSERT(found);
+        const AcEdCommand command = *found; // The table may move while it grows.
         acedRegCmds()->addCommand(kGroup + u'.' + QLatin1String(alias), command.globalName,
                                   QLatin1String(alias), command.flags, command.function);
     }

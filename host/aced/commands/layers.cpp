@@ -266,13 +266,13 @@ static void layer()
     QStringList keywords;
     for (const auto &[name, option] : kOptions)
         keywords << QLatin1String(name);
-    for (;;) {
+    while (!acedEditor()->isCancelled()) {
         const auto choice =
             askKeyword(keywords.join(u' '),
                        QStringLiteral("\n输入选项 [?/新建并置为当前(M)/置为当前(S)/新建(N)/开(ON)/关(OFF)/"
                                       "颜色(C)/线型(L)/打印(P)/冻结(F)/解冻(T)/锁定(LO)/解锁(U)]: "),
                        QString());
-        if (!choice || choice->isEmpty() || acedEditor()->isCancelled())
+        if (!choice || choice->isEmpty())
             return;
         const auto option = std::ranges::find_if(
             kOptions, [&](const auto &entry) { return *choice == QLatin1String(entry.first); });

@@ -2,6 +2,7 @@
 #include "host/aced/commands/support.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/aced/edview.h"
 
 #include <algorithm>
 #include <map>
@@ -96,6 +97,14 @@ AcGeVector3d toWorld(const AcGeVector3d &vector)
 AcGeVector3d ucsNormal()
 {
     return toWorld(AcGeVector3d::kZAxis).normal();
+}
+
+void fitIntoView(AcApDocument &document, AcDbExtents box)
+{
+    const AcGeMatrix3d frame = acedViewFrame(document.view());
+    box.transformBy(frame);
+    const AcGeMatrix3d back = frame.inverse();
+    acedZoomWindow(document, back * box.minPoint(), back * box.maxPoint());
 }
 
 // Entities ---------------------------------------------------------------------------------------------

@@ -36,6 +36,9 @@ AcGeVector3d toWorld(const AcGeVector3d &vector);
 /// The current UCS's Z axis in world coordinates.
 AcGeVector3d ucsNormal();
 
+/// Zooms so that the whole box (world) is inside the view, whatever its twist.
+void fitIntoView(AcApDocument &document, AcDbExtents box);
+
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();
 bool isOnLockedLayer(AcDbObjectId entity);

@@ -29,7 +29,7 @@ static void zoomTo(const AcDbExtents &extents)
         return;
     }
     viewToChange();
-    acedZoomWindow(*curDoc(), extents.minPoint(), extents.maxPoint());
+    fitIntoView(*curDoc(), extents);
 }
 
 static void zoomExtents()
@@ -119,7 +119,7 @@ static void zoomScale(const QString &text)
         if (whole.isValid()) {
             AcApView &view = curDoc()->view();
             const AcApView present = view;
-            acedZoomWindow(*curDoc(), whole.minPoint(), whole.maxPoint());
+            fitIntoView(*curDoc(), whole);
             height = std::exchange(view, present).height;
         }
     }
@@ -230,7 +230,7 @@ static void twistView()
 static void dynamicView()
 {
     askSelection(); // Shown while dragging elsewhere; the answer changes nothing.
-    for (;;) {
+    while (!acedEditor()->isCancelled()) {
         const auto option =
             askKeyword(QStringLiteral("TWist Zoom PAn Undo eXit"),
                        QStringLiteral("\n输入选项 [扭曲(TW)/缩放(Z)/平移(PA)/放弃(U)/退出(X)] <退出>: "),

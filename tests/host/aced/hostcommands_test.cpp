@@ -64,6 +64,9 @@ protected:
         acedSetVar(QStringLiteral("CMDECHO"), resbuf(5003, std::int64_t(0)));
     }
 
+    /// A run that has ended does not end the next one.
+    ~HostCommands() override { type({}); }
+
     AcDbDatabase &database() const { return m_drawing->database(); }
     AcApDocument &document() const { return m_drawing->document(); }
     AcDbObjectId id(std::uint64_t handle) const { return m_drawing->id(handle); }
@@ -361,6 +364,9 @@ TEST_F(HostCommands, ZoomChangesTheView)
     type({"Z", "E"}); // 0,-5 to 25,50
     expectNear(view.centre, 12.5, 22.5);
     EXPECT_DOUBLE_EQ(view.height, 55);
+    type({"DVIEW", "", "TW", "330", "", "Z", "E"}); // The box around the turned box.
+    EXPECT_NEAR(view.height, 25 * 0.5 + 55 * std::sqrt(0.75), 1e-9);
+    expectNear(view.centre, 12.5, 22.5);
     const AcApView before = view;
     EXPECT_TRUE(type({"Z", "nonsense"}).contains(u"比例因子"));
     EXPECT_TRUE(type({"Z", "W", "1,1", "1,1"}).contains(u"窗口太小"));
@@ -468,6 +474,7 @@ TEST_F(HostCommands, LoadMenusAndShowToolbars)
 
 TEST_F(HostCommands, MessageBoxesAreAnsweredByTheScript)
 {
+    type({});
     tests::ScriptFrontEnd script({}, lines({"ok", "YES", "no", "cancel", "yes"}));
     acedAlert(QStringLiteral("first"));
     EXPECT_EQ(acedAsk(QStringLiteral("a?"), AcEdButtons::yesNo), AcEdButton::yes);
