@@ -306,7 +306,7 @@ QByteArray encodeDrawingText(QStringView text, const TextCodec &codec)
     bool needsCaret = false;
     for (const QChar c : text) {
         all |= c.unicode();
-        needsCaret |= (c.unicode() < 0x20) | (c == u'^');
+        needsCaret |= (c.unicode() < 0x20) || (c == u'^');
     }
     if (!needsCaret)
         return all < 0x80 ? text.toLatin1() : codec.encode(text, Substitute::unicodeEscape);
