@@ -1,3 +1,4 @@
+// Transforms of hatches and multileaders, whose group codes mean different things in different places.
 #include "host/acdb/entitytransform.h"
 
 #include <algorithm>

@@ -33,6 +33,7 @@ constexpr KindRow kKinds[] = {
     {"LWPOLYLINE", acgi::drawLightPolyline},
     {"MLINE", acgi::drawMultiline},
     {"MTEXT", acgi::drawMText},
+    {"MULTILEADER", acgi::drawMultileader},
     {"OLE2FRAME", acgi::drawOleFrame},
     {"POINT", acgi::drawPoint},
     {"POLYLINE", acgi::drawPolyline},

@@ -129,22 +129,30 @@ static AcGeVector3d directionOf(const EntityGroups &groups, const AcGeVector3d &
     return along;
 }
 
-static void drawParagraphs(const EntityGroups &groups, const std::vector<MTextLine> &lines,
-                           AcGiGeometry &sink)
+namespace
 {
-    const AcGeVector3d normal = groups.normal().normal();
-    const AcGeVector3d along = directionOf(groups, normal);
-    const AcGeVector3d up = normal.crossProduct(along).normal();
+
+/// Where the lines of a multi-line text hang.
+struct Hanging {
+    AcGePoint3d position;
+    AcGeVector3d along;
+    AcGeVector3d normal;
+    std::int64_t attachment = 1; ///< In rows from the upper left: 1 top left ... 9 bottom right.
+    double spacingFactor = 1.0;
+};
+
+} // namespace
+
+static void drawParagraphs(const Hanging &hanging, const std::vector<MTextLine> &lines, AcGiGeometry &sink)
+{
+    const AcGeVector3d &along = hanging.along;
+    const AcGeVector3d up = hanging.normal.crossProduct(along).normal();
     constexpr double kLineDistance = 5.0 / 3.0;
-    const double spacing = groups.real(44, 1.0) * kLineDistance;
-    double widest = 0.0;
+    const double spacing = hanging.spacingFactor * kLineDistance;
     double total = 0.0;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        widest = std::max(widest, lines[i].width);
+    for (std::size_t i = 0; i < lines.size(); ++i)
         total += i == 0 ? lines[i].height : lines[i].height * spacing;
-    }
-    // Attachment points run in rows from the upper left: 1 top left ... 9 bottom right.
-    const std::int64_t attachment = std::clamp<std::int64_t>(groups.integer(71, 1), 1, 9) - 1;
+    const std::int64_t attachment = std::clamp<std::int64_t>(hanging.attachment, 1, 9) - 1;
     const double across = double(attachment % 3) / 2.0;
     double below = total * double(attachment / 3) / 2.0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -156,7 +164,7 @@ static void drawParagraphs(const EntityGroups &groups, const std::vector<MTextLi
         line.direction = along * lines[i].height;
         line.up = up * lines[i].height;
         line.width = lines[i].width / lines[i].height;
-        line.position = groups.point(10) - along * (lines[i].width * across) + up * below;
+        line.position = hanging.position - along * (lines[i].width * across) + up * below;
         sink.text(line);
     }
 }
@@ -165,8 +173,110 @@ void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity, u"AcDbMText");
     const double height = groups.real(40, 1.0);
-    if (height > 0.0)
-        drawParagraphs(groups, layOutMText(wholeText(groups), height, 1.0, groups.real(41)), sink);
+    if (!(height > 0.0))
+        return;
+    const AcGeVector3d normal = groups.normal().normal();
+    drawParagraphs(
+        {groups.point(10), directionOf(groups, normal), normal, groups.integer(71, 1), groups.real(44, 1.0)},
+        layOutMText(wholeText(groups), height, 1.0, groups.real(41)), sink);
+}
+
+namespace
+{
+
+/// Reads a MULTILEADER, which nests its content, leaders and their lines in braces, and draws it.
+class MultileaderReader
+{
+public:
+    MultileaderReader(const EntityGroups &groups, AcGiGeometry &sink) : m_sink(sink)
+    {
+        static constexpr QStringView kOpening[] = {u"CONTEXT_DATA{", u"LEADER{", u"LEADER_LINE{"};
+        for (const resbuf &group : groups) {
+            if (m_depth < 3 && group.restype == 300 + 2 * m_depth && group.text() == kOpening[m_depth])
+                ++m_depth;
+            else if (m_depth > 0 && group.restype == 299 + 2 * m_depth && group.text() == u"}")
+                close();
+            else if (m_depth == 1)
+                readContent(group);
+            else if (m_depth == 2)
+                readLeader(group);
+            else if (m_depth == 3 && group.restype == 10)
+                m_line.push_back(group.point());
+        }
+        if (m_height > 0.0 && !m_text.isEmpty())
+            drawParagraphs(m_hanging, layOutMText(m_text, m_height, 1.0, m_wrapWidth), m_sink);
+    }
+
+private:
+    void close()
+    {
+        if (m_depth-- != 3 || m_line.empty())
+            return;
+        m_line.push_back(m_landing);
+        m_line.push_back(m_landing + m_dogleg * m_doglegLength);
+        m_sink.polyline(std::uint32_t(m_line.size()), m_line.data());
+        m_line.clear();
+    }
+
+    void readContent(const resbuf &group)
+    {
+        switch (group.restype) {
+        case 304:
+            m_text = group.text();
+            break;
+        case 11:
+            m_hanging.normal = group.point().asVector().normal();
+            break;
+        case 12:
+            m_hanging.position = group.point();
+            break;
+        case 13:
+            m_hanging.along = group.point().asVector().normal();
+            break;
+        case 41:
+            m_height = group.real();
+            break;
+        case 43:
+            m_wrapWidth = group.real();
+            break;
+        case 45:
+            m_hanging.spacingFactor = group.real() > 0.0 ? group.real() : 1.0;
+            break;
+        case 171:
+            m_hanging.attachment = group.integer(); // Left, centre or right, always from the top.
+            break;
+        default:
+            break;
+        }
+    }
+
+    void readLeader(const resbuf &group)
+    {
+        if (group.restype == 10)
+            m_landing = group.point();
+        else if (group.restype == 11)
+            m_dogleg = group.point().asVector();
+        else if (group.restype == 40)
+            m_doglegLength = group.real();
+    }
+
+    AcGiGeometry &m_sink;
+    int m_depth = 0;
+    QString m_text;
+    Hanging m_hanging{{}, AcGeVector3d::kXAxis, AcGeVector3d::kZAxis};
+    double m_height = 0.0;
+    double m_wrapWidth = 0.0;
+    AcGePoint3d m_landing;
+    AcGeVector3d m_dogleg;
+    double m_doglegLength = 0.0;
+    std::vector<AcGePoint3d> m_line;
+};
+
+} // namespace
+
+void drawMultileader(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    MultileaderReader(EntityGroups(entity), sink);
 }
 
 /// Text height of the entity's dimension style.

@@ -39,6 +39,7 @@ void drawText(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawAttribute(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawAttributeDefinition(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink);
+void drawMultileader(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawTolerance(const AcDbEntity &entity, AcGiGeometry &sink);
 
 // Blocks
