@@ -67,6 +67,18 @@ void ObjectEncoder::leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) co
     });
 }
 
+std::string_view ObjectEncoder::unreadableTail(const AcDbStub &stub) const
+{
+    if (!stub.has(AcDbStub::kHasSource))
+        return {};
+    std::string_view tail = m_source.bytes().substr(stub.begin, stub.size);
+    m_source.visitGroups(tail, [&](const Group &group) {
+        tail.remove_prefix(std::size_t(group.end - tail.data()));
+        return true;
+    });
+    return tail;
+}
+
 QByteArray ObjectEncoder::encode(const AcDbStub &stub, std::optional<std::int64_t> recordCount) const
 {
     ResbufList groups = m_database.fileGroups(stub);
@@ -79,6 +91,8 @@ QByteArray ObjectEncoder::encode(const AcDbStub &stub, std::optional<std::int64_
         count->assign(*recordCount);
     QByteArray out;
     m_encoder.append(out, groups);
+    if (const std::string_view tail = unreadableTail(stub); !tail.empty())
+        m_encoder.copy(out, tail);
     return out;
 }
 

@@ -18,10 +18,11 @@ public:
 
     /// Groups that came from the file stay as they are. Others are left out when the file's version
     /// knows nothing of them; the object's handle is put in when it is missing. `recordCount`
-    /// replaces the first group 70 (of a table).
+    /// replaces the first group 70 (of a table). Damaged bytes at the object's end are kept.
     QByteArray encode(const AcDbStub &stub, std::optional<std::int64_t> recordCount = {}) const;
 
 private:
+    std::string_view unreadableTail(const AcDbStub &stub) const;
     void leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) const;
 
     const AcDbDatabase &m_database;

@@ -22,6 +22,7 @@ except ImportError:
 
 # What adding a record or an entry changes in the file: the table's count, the root dictionary, the seed.
 CHANGED_ALLOWED = 3
+BINARY = b"AutoCAD Binary DXF"
 
 
 def groups(data):
@@ -45,7 +46,10 @@ def objects(data):
 
 
 def audit_errors(path):
-    document, auditor = ezdxf.recover.readfile(str(path))
+    if path.read_bytes().startswith(BINARY):
+        document = ezdxf.readfile(str(path))
+    else:
+        document, auditor = ezdxf.recover.readfile(str(path))
     auditor = document.audit()
     return len(auditor.errors), len(auditor.fixes)
 
@@ -59,7 +63,7 @@ def check(path, probe, folder):
     if untouched.read_bytes() != original:
         return "saved untouched, but not the same bytes"
     notes = "; ".join(line for line in run.stdout.splitlines() if line.startswith("repair"))[:200]
-    if not original.startswith(b"AutoCAD Binary DXF"):
+    if not original.startswith(BINARY):
         lost = objects(original) - objects(changed.read_bytes())
         # Section heads hold the header variables; anything else that differs is an object.
         lost_objects = [o for o in lost.elements() if o[0][1].strip() != b"SECTION"]

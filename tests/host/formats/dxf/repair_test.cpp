@@ -91,6 +91,15 @@ TEST(DxfRepair, SavingWithAChangeLeavesASoundFile)
     }
 }
 
+TEST(DxfRepair, KeepsTheDamagedBytesOfAChangedObject)
+{
+    const QByteArray before = dxfText("0 SECTION|2 ENTITIES|0 LINE|5 A|8 0", "\n");
+    const QByteArray after = "torn\ntext\n" + dxfText("0 CIRCLE|5 B|8 0|0 ENDSEC|0 EOF", "\n");
+    const auto database = openDxf(before + after);
+    tests::setGroup(*database, 0xA, 8, QStringLiteral("WALL"));
+    EXPECT_EQ(saveDxf(*database), dxfText("0 SECTION|2 ENTITIES|0 LINE|5 A|8 WALL", "\n") + after);
+}
+
 TEST(DxfRepair, MakesMissingBlockRecordsAndOwners)
 {
     QByteArray groups = tests::smallDrawing();

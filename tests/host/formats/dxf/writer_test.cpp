@@ -211,6 +211,26 @@ TEST(DxfWriter, AddsClassesAndCountsInstances)
     }
 }
 
+TEST(DxfWriter, WritesNewBlocks)
+{
+    for (const QByteArray &groups :
+         {tests::smallDrawing(), tests::smallR12Drawing(true), tests::smallR12Drawing(false)}) {
+        const auto database = openDxf(dxfText(groups));
+        AcDbObjectId gate;
+        ASSERT_EQ(AcDbSymbolTable(*database, SymbolTable::block).addLike("DOOR", "GATE", gate), Acad::eOk);
+        AcDbObjectPointer<AcDbObject>(gate.stub()->object).close();
+        appendCircle(gate);
+        appendCircle(database->modelSpaceId());
+        const auto again = openDxf(saveDxf(*database));
+        EXPECT_THAT(again->repairs(), testing::IsEmpty());
+        const AcDbObjectId reread = again->tableRecord(SymbolTable::block, "GATE");
+        EXPECT_EQ(tests::blockList(*again, reread), tests::blockList(*database, gate));
+        const BlockContents *const contents = again->blockContents(reread);
+        ASSERT_TRUE(contents && contents->blockBegin && contents->blockEnd);
+        EXPECT_GT(again->handseed().value, contents->blockEnd->handle);
+    }
+}
+
 TEST(DxfWriter, MakesMissingSectionsAndTablesInTheirPlaces)
 {
     const auto database = openDxf(
