@@ -138,16 +138,48 @@ Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents &extents) const
     return s_nativeExtents ? s_nativeExtents(*this, extents) : Acad::eInvalidExtents;
 }
 
+// Vertices carry no plane of their own: they lie in that of their polyline as it was.
+static AcGeVector3d planeNormal(const AcDbEntity &entity)
+{
+    const resbuf *const normal = findGroup(entity.groups(), 210);
+    return normal ? normal->point().asVector() : AcGeVector3d::kZAxis;
+}
+
+static void transformParts(AcDbObjectId entity, const AcGeMatrix3d &matrix, const AcGeVector3d &normal)
+{
+    for (const AcDbObjectId owned : acdbSubEntities(entity)) {
+        AcDbObjectPointer<AcDbEntity> part(owned, AcDb::kForWrite);
+        if (part)
+            acdbTransformGroups(part->editGroups(), matrix, normal);
+    }
+}
+
+/// A dimension shows the entities of an anonymous block, which stand in world coordinates.
+static void transformPicture(const AcDbEntity &dimension, const AcGeMatrix3d &matrix)
+{
+    const resbuf *const name = findGroup(dimension.groups(), 2);
+    if (!name || !name->text().startsWith(QLatin1Char('*')))
+        return;
+    AcDbObjectPointer<AcDbBlockTableRecord> picture(
+        dimension.database()->tableRecord(SymbolTable::block, name->text()), AcDb::kForRead);
+    if (!picture)
+        return;
+    for (const AcDbObjectId id : picture->entities()) {
+        AcDbObjectPointer<AcDbEntity> drawn(id, AcDb::kForWrite);
+        if (drawn)
+            drawn->transformBy(matrix);
+    }
+}
+
 Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
 {
     assertWriteEnabled();
+    const AcGeVector3d normal = planeNormal(*this);
     if (const Acad::ErrorStatus refused = subTransformBy(matrix); refused != Acad::eOk)
         return refused;
-    for (const AcDbObjectId owned : acdbSubEntities(objectId())) {
-        AcDbObjectPointer<AcDbEntity> part(owned, AcDb::kForWrite);
-        if (part)
-            part->subTransformBy(matrix);
-    }
+    transformParts(objectId(), matrix, normal);
+    if (database() && dxfName() == "DIMENSION")
+        transformPicture(*this, matrix);
     return Acad::eOk;
 }
 

@@ -37,7 +37,7 @@ static void showNotice()
 static void writeDemandLoadRecord(const QString &modulePath)
 {
     AcadAppInfo info;
-    info.appName = QString::fromUtf16(kProductName);
+    info.appName = kProductName.toString();
     info.moduleName = modulePath;
     info.description = QStringLiteral("Quillnote version 7.0");
     info.loadReasons =

@@ -1,5 +1,6 @@
 // Data lists as programs see them: order, types, angles, applications.
 #include "host/acdb/dbapi.h"
+#include "host/acdb/dbload.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gmock/gmock.h>
@@ -40,18 +41,44 @@ TEST(EntGet, FollowsThePlatformsOrder)
     EXPECT_THAT(acdbEntGetX(id, QStringLiteral("NONE")), plain);
 }
 
+/// An R2000 line as files hold it, braces and all; MemoryDrawing's own lists have no braces.
+class OneLine : public DrawingSource
+{
+public:
+    DrawingFormat format() const override { return DrawingFormat::dxfText; }
+    DrawingVersion version() const override { return DrawingVersion::r2000; }
+    ResbufList read(const AcDbStub &stub) const override
+    {
+        if (stub.kind == acdbKind("BLOCK_RECORD"))
+            return {{0, QStringLiteral("BLOCK_RECORD")}, {2, QStringLiteral("*Paper_Space")}};
+        return {{0, QStringLiteral("LINE")},
+                {5, AcDbHandle{0x20}},
+                {102, QStringLiteral("{ACAD_REACTORS")},
+                {330, AcDbHandle{0x10}},
+                {102, QStringLiteral("}")},
+                {330, AcDbHandle{0x10}},
+                {100, QStringLiteral("AcDbEntity")},
+                {67, std::int64_t(1)},
+                {8, QStringLiteral("0")},
+                {100, QStringLiteral("AcDbLine")},
+                {10, AcGePoint3d()},
+                {11, AcGePoint3d(1, 0, 0)}};
+    }
+};
+
 TEST(EntGet, PutsTheOwnerBehindBracesAndTellsThePaperSpace)
 {
-    MemoryDrawing drawing;
-    const auto line = drawing.entity("LINE", {{102, "{ACAD_REACTORS"}, {330, AcDbHandle{0x999}}, {102, "}"},
-                                              {330, AcDbHandle{drawing.paperSpace()}}, {67, 1}, {8, "0"},
-                                              {100, "AcDbLine"}, {10, AcGePoint3d()}, {11, AcGePoint3d(1, 0, 0)}},
-                                     drawing.paperSpace());
-    const auto database = drawing.open();
-    const ResbufList list = acdbEntGetX(database->getAcDbObjectId({line}));
+    AcDbDatabase database;
+    AcDbLoader loader(database, std::make_unique<OneLine>());
+    AcDbStub *const space = loader.addObject(acdbKind("BLOCK_RECORD"), 0x10, 0, 1, 0);
+    loader.addRecord(SymbolTable::block, space);
+    loader.addEntity(space, loader.addObject(acdbKind("LINE"), 0x20, 0, 1, AcDbStub::kEntity));
+    loader.finish();
+    const AcDbObjectId line = database.getAcDbObjectId({0x20});
+    const ResbufList list = acdbEntGetX(line);
     EXPECT_THAT(codes(list), ElementsAre(-1, 0, 5, 102, 330, 102, 330, 100, 67, 410, 8, 100, 10, 11));
     EXPECT_EQ(list[8].integer(), 1);
     EXPECT_EQ(list[9].text(), "Layout1");
-    AcDbObjectPointer<AcDbEntity>(database->getAcDbObjectId({line}), AcDb::kForWrite)->erase();
-    EXPECT_TRUE(acdbEntGetX(database->getAcDbObjectId({line})).empty());
+    AcDbObjectPointer<AcDbEntity>(line, AcDb::kForWrite)->erase();
+    EXPECT_TRUE(acdbEntGetX(line).empty());
 }

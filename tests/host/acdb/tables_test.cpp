@@ -68,13 +68,13 @@ TEST(Blocks, PaperSpaceEntitiesSayWhereTheyAre)
 TEST(Blocks, AnInsertPlacesItsBlock)
 {
     MemoryDrawing drawing;
-    drawing.block("DOOR");
+    drawing.block("DOOR", {1, 1, 0});
     const auto handle = drawing.entity("INSERT", {{2, "DOOR"}, {10, AcGePoint3d(10, 20, 0)}, {41, 2.0}, {42, 3.0}, {50, 90.0}});
     const auto database = drawing.open();
     AcDbObjectPointer<AcDbBlockReference> insert(database->getAcDbObjectId({handle}), AcDb::kForRead);
     ASSERT_TRUE(insert);
     EXPECT_TRUE(insert->blockTableRecord().isValid());
-    EXPECT_TRUE((insert->blockTransform() * AcGePoint3d(1, 1, 0)).isEqualTo({7, 22, 0}, 1e-9));
+    EXPECT_TRUE((insert->blockTransform() * AcGePoint3d(2, 2, 0)).isEqualTo({7, 22, 0}, 1e-9));
 }
 
 TEST(Dictionaries, ReplaceWhatTheyHold)
