@@ -1,5 +1,5 @@
-// Scripts from anywhere: reading one never fails otherwise than by its message, and what was read is what stands
-// in the file.
+// Scripts from anywhere: reading one never fails otherwise than by its message, and what was read is what
+// stands in the file.
 #include "app/console/script_reader.h"
 #include "host/base/assert.h"
 

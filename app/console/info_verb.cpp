@@ -48,13 +48,20 @@ static QString formatName(const AcDbDatabase &database)
     return QStringLiteral("DWG");
 }
 
-/// Numbers of the objects that are not erased, by kind.
+/// The marks that begin and end a block definition stand among entities and are none.
+static bool isDrawn(const AcDbStub &stub)
+{
+    const QByteArray &kind = acdbKindName(stub.kind);
+    return stub.has(AcDbStub::kEntity) && kind != "BLOCK" && kind != "ENDBLK";
+}
+
+/// Numbers of the entities, or of the other objects, that are not erased, by kind.
 static QJsonObject countByKind(const AcDbDatabase &database, bool entities)
 {
     std::map<AcDbKind, int> counts;
     for (std::uint32_t i = 1; i < database.stubCount(); ++i) {
         const AcDbStub *stub = database.stub(i);
-        if (!stub->has(AcDbStub::kErased) && stub->has(AcDbStub::kEntity) == entities)
+        if (!stub->has(AcDbStub::kErased) && isDrawn(*stub) == entities)
             ++counts[stub->kind];
     }
     QJsonObject result;
