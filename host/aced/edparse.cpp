@@ -227,7 +227,7 @@ static Fit fit(const QString &text, const QString &keyword)
     const QString full = keyword.section(u',', 0, 0);
     const QString abbreviation = keyword.section(u',', 1, 1);
     const auto same = [&text](const QString &other) { return text.compare(other, Qt::CaseInsensitive) == 0; };
-    if (same(full) || same(abbreviation) || same(capitals(full)))
+    if (same(full) || same(abbreviation.isEmpty() ? capitals(full) : abbreviation))
         return Fit::exact;
     if (full.startsWith(text, Qt::CaseInsensitive) ||
         fromFirstCapital(full).startsWith(text, Qt::CaseInsensitive))

@@ -108,11 +108,13 @@ static QByteArray spaceVariable(const AcApDocument &document, const QByteArray &
 static AcDbExtents extents(const AcApDocument &document)
 {
     const AcDbDatabase &database = *document.database();
-    const AcDbExtents filed(database.headerPoint(spaceVariable(document, "EXTMIN"), {1, 1, 1}),
-                            database.headerPoint(spaceVariable(document, "EXTMAX")));
-    const bool usable = filed.isValid() && filed.maxPoint().x < 1e19 &&
-                        filed.minPoint().y <= filed.maxPoint().y && filed.minPoint() != filed.maxPoint();
-    return usable && !database.hasChanges() ? filed : acedCurrentExtents(document);
+    const QByteArray lowName = spaceVariable(document, "EXTMIN");
+    const QByteArray highName = spaceVariable(document, "EXTMAX");
+    const AcGePoint3d low = database.headerPoint(lowName);
+    const AcGePoint3d high = database.headerPoint(highName);
+    const bool usable = database.headerVariable(lowName) && database.headerVariable(highName) &&
+                        low.x < high.x && low.y < high.y && low.x > -1e19 && high.x < 1e19;
+    return usable && !database.hasChanges() ? AcDbExtents(low, high) : acedCurrentExtents(document);
 }
 
 Value extentsMin(AcApDocument *document)

@@ -37,8 +37,8 @@ private:
     void note(const char *event, AcApDocument *document)
     {
         const AcApDocument *const current = m_manager.curDocument();
-        events.push_back(std::string(event) + ' ' + document->docTitle().toStdString() + " (current: " +
-                         (current ? current->docTitle().toStdString() : "none") + ')');
+        events.push_back(std::string(event) + ' ' + document->docTitle().toStdString() +
+                         " (current: " + (current ? current->docTitle().toStdString() : "none") + ')');
     }
 
     AcApDocManager &m_manager;
@@ -84,7 +84,8 @@ TEST(DocumentManager, TellsOfDocumentsInOrder)
     EXPECT_THAT(recorder.events,
                 ElementsAre("created a.dxf (current: none)", "toBeActivated a.dxf (current: none)",
                             "activated a.dxf (current: a.dxf)", "created Drawing1.dxf (current: a.dxf)",
-                            "toBeDeactivated a.dxf (current: a.dxf)", "toBeActivated Drawing1.dxf (current: a.dxf)",
+                            "toBeDeactivated a.dxf (current: a.dxf)",
+                            "toBeActivated Drawing1.dxf (current: a.dxf)",
                             "activated Drawing1.dxf (current: Drawing1.dxf)",
                             "toBeDeactivated Drawing1.dxf (current: Drawing1.dxf)",
                             "toBeDestroyed Drawing1.dxf (current: Drawing1.dxf)",

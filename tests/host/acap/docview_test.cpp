@@ -12,11 +12,9 @@ namespace
 
 void addViewport(MemoryDrawing &drawing, const char *name, double centre, double height, double twistDegrees)
 {
-    drawing.record(SymbolTable::viewport, "VPORT", name,
-                   {{12, AcGePoint2d(centre, 0)},
-                    {17, AcGePoint3d(100, 0, 0)},
-                    {40, height},
-                    {51, twistDegrees}});
+    drawing.record(
+        SymbolTable::viewport, "VPORT", name,
+        {{12, AcGePoint2d(centre, 0)}, {17, AcGePoint3d(100, 0, 0)}, {40, height}, {51, twistDegrees}});
 }
 
 AcApView opened(const AcDbDatabase &database)

@@ -60,8 +60,8 @@ TEST(CommandStack, FindsByLocalThenGlobalName)
     EXPECT_FALSE(stack.addCommand("a", "erase", "other", 0, run("")));
 
     const std::pair<const char *, const char *> cases[] = {
-        {"ERASE", "mark"},    {"_ERASE", "erase"}, {"._erase", "erase"},  {"shanchu", "erase"},
-        {"_MARK", "mark"},    {"-layer", "layer"}, {"_-LAYER", "layer"},  {"-_LAYER", "layer"},
+        {"ERASE", "mark"},    {"_ERASE", "erase"}, {"._erase", "erase"}, {"shanchu", "erase"},
+        {"_MARK", "mark"},    {"-layer", "layer"}, {"_-LAYER", "layer"}, {"-_LAYER", "layer"},
         {"'_ERASE", "erase"}, {"-TUCENG", "layer"}};
     for (const auto &[name, expected] : cases) {
         const AcEdCommand *const command = stack.lookup(name);
@@ -91,7 +91,8 @@ TEST_F(Commands, OneCommandIsOneUndoStep)
         setUserNumber("$USERI2", 2);
     });
     add("LOOK", [] {});
-    add("QUIET", [this] { EXPECT_FALSE(m_drawing.database().undo().isOpen()); }, ACRX_CMD_NOUNDO);
+    add(
+        "QUIET", [this] { EXPECT_FALSE(m_drawing.database().undo().isOpen()); }, ACRX_CMD_NOUNDO);
 
     ScriptFrontEnd script;
     EXPECT_EQ(acedEditor()->runCommand("twice"), RTNORM);
@@ -119,8 +120,8 @@ TEST_F(Commands, ReactorsHearOfStartEndAndCancel)
     EXPECT_EQ(acedEditor()->execute("(+ 1 2)"), RTNORM);
     EXPECT_EQ(acedEditor()->runCommand("NOSUCH"), RTERROR);
     EXPECT_TRUE(script.printed.contains("NOSUCH"));
-    EXPECT_THAT(recorder.events, ElementsAre("start ASK", "cancel ASK", "start OUTER", "start ASK", "cancel ASK",
-                                             "end OUTER", "lisp (+ 1 2)", "lisp ended"));
+    EXPECT_THAT(recorder.events, ElementsAre("start ASK", "cancel ASK", "start OUTER", "start ASK",
+                                             "cancel ASK", "end OUTER", "lisp (+ 1 2)", "lisp ended"));
 }
 
 TEST_F(Commands, CallsAnswerPromptsFromTheirArguments)
@@ -199,7 +200,8 @@ TEST_F(Commands, TransparentCommandsRunInsideAPrompt)
         acedGetInt("n", value);
         order << QString::number(value);
     });
-    add("PEEK", [&order] { order << acedEditor()->activeCommands(); }, ACRX_CMD_TRANSPARENT);
+    add(
+        "PEEK", [&order] { order << acedEditor()->activeCommands(); }, ACRX_CMD_TRANSPARENT);
     add("LOUD", [&order] { order << "loud"; });
     ScriptFrontEnd script({"'PEEK", "'LOUD", "5"});
     EXPECT_EQ(acedEditor()->runCommand("ASK"), RTNORM);
@@ -209,7 +211,8 @@ TEST_F(Commands, TransparentCommandsRunInsideAPrompt)
 TEST_F(Commands, ThePickSetIsForCommandsThatUseIt)
 {
     std::size_t seen = 99;
-    add("USES", [&seen, this] { seen = m_drawing.document().pickSet().size(); }, ACRX_CMD_USEPICKSET);
+    add(
+        "USES", [&seen, this] { seen = m_drawing.document().pickSet().size(); }, ACRX_CMD_USEPICKSET);
     add("IGNORES", [&seen, this] { seen = m_drawing.document().pickSet().size(); });
     ScriptFrontEnd script;
     m_drawing.document().pickSet() = {m_drawing.database().modelSpaceId()};
@@ -222,7 +225,8 @@ TEST_F(Commands, ThePickSetIsForCommandsThatUseIt)
 TEST_F(Commands, ACommandMayCloseItsDrawing)
 {
     AcApDocument *const other = acDocManager()->addDocument(tests::MemoryDrawing().open(), {});
-    add("SHUT", [other] { acDocManager()->closeDocument(other); }, ACRX_CMD_SESSION);
+    add(
+        "SHUT", [other] { acDocManager()->closeDocument(other); }, ACRX_CMD_SESSION);
     ScriptFrontEnd script;
     EXPECT_EQ(acedEditor()->runCommand("SHUT"), RTNORM);
     EXPECT_EQ(curDoc(), &m_drawing.document());

@@ -1,8 +1,8 @@
 // Selection sets: modes, filters, and what a person does.
 #include "host/aced/edselect.h"
 
-#include "host/acdb/dbsymtb.h"
 #include "host/acap/docman.h"
+#include "host/acdb/dbsymtb.h"
 #include "host/aced/edfilter.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
@@ -138,10 +138,16 @@ TEST_F(Selection, FiltersCompareData)
         {{{-3, resbuf::Value()}, {1001, QStringLiteral("Q*")}}, {circle}},
         {{{-3, resbuf::Value()}, {1001, QStringLiteral("OTHER")}}, {}},
         {{op("<not"), {0, QStringLiteral("LINE")}, op("not>")}, {circle}},
-        {{op("<OR"), {0, QStringLiteral("CIRCLE")}, op("<and"), {0, QStringLiteral("LINE")}, {62, std::int64_t(1)},
-          op("and>"), op("or>")},
+        {{op("<OR"),
+          {0, QStringLiteral("CIRCLE")},
+          op("<and"),
+          {0, QStringLiteral("LINE")},
+          {62, std::int64_t(1)},
+          op("and>"),
+          op("or>")},
          {circle, a}},
-        {{op("<xor"), {0, QStringLiteral("LINE")}, {8, QStringLiteral("0")}, op("xor>")}, {locked, circle, b}},
+        {{op("<xor"), {0, QStringLiteral("LINE")}, {8, QStringLiteral("0")}, op("xor>")},
+         {locked, circle, b}},
         {{op(">="), {62, std::int64_t(5)}}, {locked, circle, b}},
         {{op("<"), {40, 3.5}}, {circle}},
         {{op("!="), {8, QStringLiteral("0")}}, {locked, b}},
@@ -205,22 +211,27 @@ TEST(SelectionCost, AKindFilterDecodesNothing)
 
 TEST_F(Selection, AUserBuildsASetStepByStep)
 {
-    m_drawing.document().view() = {.centre = {20, 5, 0}, .height = 100, .pixelWidth = 100, .pixelHeight = 100};
+    m_drawing.document().view() = {
+        .centre = {20, 5, 0}, .height = 100, .pixelWidth = 100, .pixelHeight = 100};
     struct Case {
         QStringList answers;
         std::vector<std::uint64_t> chosen;
     };
     const Case cases[] = {
-        {{"0,5", "", }, {a}},
-        {{"0,5", "0,5", "10,5", ""}, {a, b}},                       // Twice is once.
+        {{
+             "0,5",
+             "",
+         },
+         {a}},
+        {{"0,5", "0,5", "10,5", ""}, {a, b}}, // Twice is once.
         {{"all", ""}, {locked, circle, b, a}},
         {{"all", "r", "10,5", "a", "10,5", ""}, {locked, circle, a, b}}, // Taken out and put back.
         {{"w", "-5,-5", "15,15", ""}, {b, a}},
-        {{"-5,-5", "5,8", "15,8", "5,2", ""}, {b}},                  // To the right: only what is inside.
-        {{"5,2", "-5,8", ""}, {a}},                                 // To the left: also what is crossed.
+        {{"-5,-5", "5,8", "13.5,8", "5,2", ""}, {b}}, // To the right: only what is inside.
+        {{"5,2", "-5,8", ""}, {a}},                   // To the left: also what is crossed.
         {{"c", "18,0", "45,4", ""}, {locked, circle}},
         {{"l", "nonsense", ""}, {locked}},
-        {{"si", "5,12", "15,8"}, {b}},
+        {{"si", "13.5,12", "5,8"}, {b}},
         {{QStringLiteral("handle %1").arg(circle, 0, 16), ""}, {circle}},
     };
     for (const Case &c : cases) {

@@ -43,7 +43,8 @@ TEST(SystemVariables, EveryOneCanBeRead)
         const int codes[] = {5003, 5001, 5005, 5002, 5009};
         const auto *const code = std::find(std::begin(codes), std::end(codes), value.restype);
         ASSERT_NE(code, std::end(codes)) << qPrintable(name);
-        EXPECT_EQ(kind, samples[code - codes].index()) << qPrintable(name) << " has a value of another type than it says";
+        EXPECT_EQ(kind, samples[code - codes].index())
+            << qPrintable(name) << " has a value of another type than it says";
     }
     resbuf value;
     EXPECT_EQ(acedGetVar("NOSUCH", value), RTERROR);
@@ -153,18 +154,43 @@ TEST(SystemVariables, FollowFromDrawingAndClock)
     memory.entity("LINE", {{8, "OFF"}, {10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(500, 500, 0)}});
     const tests::OpenDrawing drawing(memory.open(), "/plans/house.dxf");
     AcApDocument &document = drawing.document();
-    document.view() = {.centre = {10, 20, 0}, .height = 50, .twist = 0.5, .pixelWidth = 800, .pixelHeight = 600};
+    document.view() = {
+        .centre = {10, 20, 0}, .height = 50, .twist = 0.5, .pixelWidth = 800, .pixelHeight = 600};
     document.ucs() = {{10, 0, 0}, {0, 1, 0}, {-1, 0, 0}};
 
     const std::pair<const char *, const char *> expected[] = {
-        {"DWGNAME", "house.dxf"}, {"DWGPREFIX", "/plans/"}, {"DWGTITLED", "1"},      {"VIEWSIZE", "50"},
+        {"DWGNAME", "house.dxf"}, {"DWGPREFIX", "/plans/"}, {"DWGTITLED", "1"},        {"VIEWSIZE", "50"},
         {"VIEWTWIST", "0.5"},     {"VIEWCTR", "20,0,0"},    {"SCREENSIZE", "800,600"}, {"UCSORG", "10,0,0"},
-        {"UCSXDIR", "0,1,0"},     {"UCSYDIR", "-1,0,0"},    {"WORLDUCS", "0"},       {"EXTMIN", "1,2,0"},
-        {"EXTMAX", "11,7,0"},     {"CMDNAMES", ""},         {"CMDACTIVE", "0"},      {"UNDOCTL", "5"},
+        {"UCSXDIR", "0,1,0"},     {"UCSYDIR", "-1,0,0"},    {"WORLDUCS", "0"},         {"EXTMIN", "1,2,0"},
+        {"EXTMAX", "11,7,0"},     {"CMDNAMES", ""},         {"CMDACTIVE", "0"},        {"UNDOCTL", "5"},
         {"CTAB", "Model"},        {"CVPORT", "2"},          {"TILEMODE", "1"}};
     for (const auto &[name, value] : expected)
         EXPECT_EQ(shown(name), value) << name;
     EXPECT_DOUBLE_EQ(acedRealVar("DATE"), os::julianNow());
     EXPECT_DOUBLE_EQ(acedRealVar("CDATE"), 20240506.070809);
     os::setFixedTime(std::nullopt);
+}
+
+TEST(SystemVariables, FiledExtentsHoldUntilTheDrawingChanges)
+{
+    struct Case {
+        AcGePoint3d low;
+        AcGePoint3d high;
+        const char *before;
+    };
+    const Case cases[] = {
+        {{-5, -5, 0}, {50, 60, 0}, "50,60,0"},
+        {{1e20, 1e20, 1e20}, {-1e20, -1e20, -1e20}, "11,7,0"}, // Never computed by its writer.
+        {{5, 5, 0}, {-5, -5, 0}, "11,7,0"},
+    };
+    for (const Case &c : cases) {
+        MemoryDrawing memory;
+        memory.entity("LINE", {{10, AcGePoint3d(1, 2, 0)}, {11, AcGePoint3d(11, 7, 0)}});
+        memory.headerVariable("$EXTMIN", {{10, c.low}});
+        memory.headerVariable("$EXTMAX", {{10, c.high}});
+        const tests::OpenDrawing drawing(memory.open());
+        EXPECT_EQ(shown("EXTMAX"), c.before);
+        acedSetIntVar("USERI1", 3);
+        EXPECT_EQ(shown("EXTMAX"), "11,7,0");
+    }
 }
