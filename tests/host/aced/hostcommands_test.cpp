@@ -438,7 +438,7 @@ TEST_F(HostCommands, SetsVariablesByNameAndBySetvar)
     type({"SETVAR", "osmode", "33", "EXPERT", "2"});
     EXPECT_EQ(acedIntVar(QStringLiteral("OSMODE")), 33);
     EXPECT_EQ(acedIntVar(QStringLiteral("EXPERT")), 2);
-    type({"EXPERT 0"});
+    type({"EXPERT 0", "OSMODE", "0"});
     EXPECT_EQ(acedIntVar(QStringLiteral("EXPERT")), 0);
     EXPECT_TRUE(type({"EXPERT", "77"}).contains(u"不接受"));
     EXPECT_TRUE(type({"CDATE", "1"}).contains(u"只读"));
