@@ -88,6 +88,8 @@ Acad::ErrorStatus QuillnoteObj3::dwgOutFields(AcDbDwgFiler *filer) const
     if (filer->filerType() == AcDb::kIdXlateFiler)
         return filer->filerStatus();
     for (const MarkField &field : markFields()) {
+        if (field.since > formatVersion)
+            continue;
         if (const auto status = fields::writeDwgField(*filer, *this, field); status != Acad::eOk)
             return status;
     }

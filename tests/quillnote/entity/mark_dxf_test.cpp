@@ -1,0 +1,143 @@
+// Review marks in DXF groups: what is written, what is lost, what is refused.
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_fields.h"
+
+#include "tests/quillnote/entity/mark_streams.h"
+#include "tests/support/script_front_end.h"
+
+#include <gtest/gtest.h>
+
+class MarkDxf : public testing::Test
+{
+protected:
+    MarkDxf() { registerMarkClass(); }
+
+    static Acad::ErrorStatus read(QuillnoteObj3 &mark, const ResbufList &groups)
+    {
+        AcDbDxfFiler filer(nullptr, groups);
+        const Acad::ErrorStatus status = mark.dxfInFields(&filer);
+        EXPECT_EQ(status, filer.filerStatus());
+        return status;
+    }
+    static ResbufList written(const QuillnoteObj3 &mark)
+    {
+        AcDbDxfFiler filer(nullptr);
+        EXPECT_EQ(mark.dxfOutFields(&filer), Acad::eOk);
+        return filer.groups();
+    }
+    static ResbufList with(ResbufList groups, const ResbufList &more)
+    {
+        groups.insert(groups.end(), more.begin(), more.end());
+        return groups;
+    }
+    static resbuf &group(ResbufList &groups, int code) { return *findGroup(groups, code); }
+
+    std::unique_ptr<AcDbDatabase> database = tests::drawingOfStreams();
+    tests::ScriptFrontEnd frontEnd;
+};
+
+TEST_F(MarkDxf, TheGroupsAreWrittenInTheirSequence)
+{
+    QuillnoteObj3 mark;
+    tests::setFullMark(mark, *database);
+    const ResbufList groups = written(mark);
+    const ResbufList expected = tests::dxfGroups();
+    ASSERT_EQ(groups.size(), expected.size());
+    for (std::size_t i = 0; i < groups.size(); ++i)
+        EXPECT_EQ(groups[i], expected[i]) << "group " << i << ", code " << groups[i].restype;
+}
+
+TEST_F(MarkDxf, ReadingLosesOnlyWhatDxfDoesNotHold)
+{
+    QuillnoteObj3 full;
+    tests::setFullMark(full, *database);
+    QuillnoteObj3 mark;
+    ASSERT_EQ(read(mark, tests::dxfGroups()), Acad::eOk);
+    EXPECT_EQ(
+        differingMarkFields(mark, full).join(u' '),
+        u"chPwMD5 GUID sketchData editVersion reservedShortA reservedShortB reservedDoubleA reservedDoubleB "
+        u"reservedDoubleC reservedPointA reservedPointB reservedPointC autoTextHeight reservedBoolB "
+        u"snapEntityIds snapChecksum snapImage fullImage");
+
+    // Over a mark that has them already, as beside the carrier, nothing is lost.
+    QuillnoteObj3 carried;
+    tests::setFullMark(carried, *database);
+    ASSERT_EQ(read(carried, tests::dxfGroups()), Acad::eOk);
+    EXPECT_EQ(differingMarkFields(carried, full), QStringList());
+}
+
+TEST_F(MarkDxf, OtherVersionsAndAMissingMarkerAreRefused)
+{
+    for (const auto &[version, status] :
+         {std::pair{8, Acad::eMakeMeProxy}, std::pair{6, Acad::eBadDxfSequence},
+          std::pair{0, Acad::eBadDxfSequence}, std::pair{-1, Acad::eMakeMeProxy}}) {
+        ResbufList groups = tests::dxfGroups();
+        group(groups, 70).assign(std::int64_t(version));
+        QuillnoteObj3 mark;
+        EXPECT_EQ(read(mark, groups), status) << version;
+        EXPECT_EQ(mark.markNumber, 1) << "reading went on behind the version";
+        EXPECT_EQ(mark.formatVersion, 7);
+    }
+    ResbufList groups = tests::dxfGroups();
+    groups.erase(groups.begin());
+    QuillnoteObj3 mark;
+    EXPECT_EQ(read(mark, groups), Acad::eBadDxfSequence);
+    EXPECT_EQ(read(mark, {}), Acad::eBadDxfSequence);
+    group(groups = tests::dxfGroups(), 100).assign(QStringLiteral("QuillLink"));
+    EXPECT_EQ(read(mark, groups), Acad::eBadDxfSequence);
+}
+
+TEST_F(MarkDxf, WhatIsTooMuchOrUnknownIsSkipped)
+{
+    const AcGePoint3d stray(-1, -1, -1);
+    QuillnoteObj3 mark;
+    ASSERT_EQ(read(mark, with(tests::dxfGroups(), {{11, stray},
+                                                   {12, stray},
+                                                   {14, stray},
+                                                   {15, stray},
+                                                   {292, std::int64_t(1)},
+                                                   {100, QStringLiteral("Other")},
+                                                   {999, QStringLiteral("?")},
+                                                   {310, QByteArray("x")}})),
+              Acad::eOk);
+    QuillnoteObj3 clean;
+    ASSERT_EQ(read(clean, tests::dxfGroups()), Acad::eOk);
+    clean.createTime = mark.createTime;
+    EXPECT_EQ(differingMarkFields(mark, clean), QStringList());
+}
+
+TEST_F(MarkDxf, OfOtherCodesTheLastCountsAndRangesAreSettled)
+{
+    QuillnoteObj3 mark;
+    ASSERT_EQ(read(mark, with(tests::dxfGroups(), {{172, std::int64_t(40)},
+                                                   {71, std::int64_t(11)},
+                                                   {270, std::int64_t(20)},
+                                                   {301, std::int64_t(5)}})),
+              Acad::eOk);
+    EXPECT_EQ(mark.markNumber, 40);
+    EXPECT_EQ(mark.weight, 5);
+    EXPECT_EQ(mark.vertexCount, 16);
+    EXPECT_EQ(mark.suggestionContent, QString()) << "a group of the wrong type";
+}
+
+TEST_F(MarkDxf, NumbersAbove32767ComeBack)
+{
+    QuillnoteObj3 mark;
+    mark.markNumber = 65535;
+    mark.color1 = 40000;
+    const ResbufList groups = written(mark);
+    EXPECT_EQ(findGroup(groups, 172)->integer(), -1);
+    QuillnoteObj3 again;
+    ASSERT_EQ(read(again, groups), Acad::eOk);
+    EXPECT_EQ(differingMarkFields(again, mark), QStringList());
+}
+
+TEST_F(MarkDxf, ReadingForgetsOldVertices)
+{
+    QuillnoteObj3 mark;
+    tests::setFullMark(mark, *database);
+    ResbufList groups = tests::dxfGroups();
+    std::erase_if(groups, [](const resbuf &g) { return g.restype == 14; });
+    ASSERT_EQ(read(mark, groups), Acad::eOk);
+    EXPECT_EQ(mark.vertices[2], AcGePoint3d());
+}
