@@ -6,8 +6,7 @@ namespace dxf
 /// R12 spells the names of the spaces with a dollar sign; letter case means nothing.
 static QByteArray foldedName(std::string_view name)
 {
-    const std::string_view plain = trimmed(name);
-    QByteArray folded = QByteArray(plain.data(), qsizetype(plain.size())).toUpper();
+    QByteArray folded = QByteArray(name.data(), qsizetype(name.size())).toUpper();
     if (folded == "$MODEL_SPACE" || folded == "$PAPER_SPACE")
         folded[0] = '*';
     return folded;

@@ -123,7 +123,7 @@ void Mapper<Scanner>::readHeadGroups(Head &head, bool handleIn5)
         switch (m_group.code) {
         case 2:
             if (WantName && !extended && head.name.empty())
-                head.name = trimmed(m_group.value);
+                head.name = m_group.value;
             break;
         case 5:
         case 105:
@@ -366,8 +366,8 @@ void Mapper<Scanner>::readTable()
     table.head.begin = here();
     const Head head = readHead(true);
     table.head.end = here();
-    table.name = toByteArray(head.name);
-    table.kind = tableByName(head.name);
+    table.name = toByteArray(trimmed(head.name));
+    table.kind = tableByName(trimmed(head.name));
     if (head.handle != 0) {
         table.stub = addObject(kind, head, table.head.begin, 0);
         if (table.kind)
@@ -389,6 +389,11 @@ void Mapper<Scanner>::addTableRecord(const Table &table)
 {
     const std::uint64_t begin = here();
     const Kind kind = m_kind;
+    if (table.kind && acdbKindName(kind.number) != table.name) {
+        skipStray(QStringLiteral("in the table %1")
+                      .arg(quoted({table.name.data(), std::size_t(table.name.size())})));
+        return;
+    }
     const bool isBlock = table.kind == SymbolTable::block;
     const Head head = readHead(isBlock);
     AcDbStub *const stub = addObject(kind, head, begin, 0);
