@@ -164,14 +164,24 @@ void AcDbLayerTableRecord::setIsPlottable(bool on)
     list.insert(linetype == list.end() ? linetype : linetype + 1, resbuf(290, std::int64_t(on)));
 }
 
+static bool isModelSpaceName(const QString &name)
+{
+    return name.compare(u"*Model_Space", Qt::CaseInsensitive) == 0;
+}
+
+static bool isLayoutName(const QString &name)
+{
+    return isModelSpaceName(name) || name.startsWith(u"*Paper_Space", Qt::CaseInsensitive);
+}
+
 bool AcDbBlockTableRecord::isModelSpace() const
 {
-    return getName().compare(u"*Model_Space", Qt::CaseInsensitive) == 0;
+    return isModelSpaceName(getName());
 }
 
 bool AcDbBlockTableRecord::isLayout() const
 {
-    return isModelSpace() || getName().startsWith(u"*Paper_Space", Qt::CaseInsensitive);
+    return isLayoutName(getName());
 }
 
 AcDbObjectId AcDbBlockTableRecord::layoutId() const
@@ -217,13 +227,16 @@ std::vector<AcDbObjectId> AcDbBlockTableRecord::entities() const
     return valid;
 }
 
+// A record may be open for write while somebody asks, as when an entity is being appended to it.
 std::vector<AcDbObjectId> acdbLayoutBlocks(const AcDbDatabase &database)
 {
     std::vector<AcDbObjectId> layouts;
     for (const std::uint32_t index : database.tableRecords(SymbolTable::block)) {
-        AcDbObjectPointer<AcDbBlockTableRecord> record(AcDbObjectId(database.stub(index)), AcDb::kForRead);
-        if (record && record->isLayout())
-            layouts.push_back(record->objectId());
+        const AcDbObjectId id(database.stub(index));
+        const ResbufList groups = database.fileGroups(*id.stub());
+        const resbuf *const name = findGroup(groups, 2);
+        if (id.isValid() && name && isLayoutName(name->text()))
+            layouts.push_back(id);
     }
     return layouts;
 }

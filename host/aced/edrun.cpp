@@ -132,7 +132,10 @@ QString AcEditor::activeCommands() const
 static int evaluate(const QString &expression)
 {
     const auto value = acedEvaluateLisp(expression);
-    acutPrintf(u'\n' + (value ? *value : value.error()));
+    if (!value)
+        acutPrintf(u'\n' + value.error());
+    else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
+        acutPrintf(u'\n' + *value);
     return value ? RTNORM : RTERROR;
 }
 
@@ -205,9 +208,15 @@ void AcEditor::queueExpression(const QString &expression)
 
 void AcEditor::runQueue()
 {
-    // Queued texts run between commands, one after the other, also those that they queue themselves.
-    while (m_active.isEmpty() && !m_queue.isEmpty() && !m_quit)
+    if (m_queue.isEmpty() || !m_active.isEmpty())
+        return;
+    // Queued texts run between commands, one after the other, also those that they queue themselves. Nobody
+    // typed them, so nothing but their failures is shown.
+    const int echo = acedIntVar(QStringLiteral("CMDECHO"));
+    acedSetIntVar(QStringLiteral("CMDECHO"), 0);
+    while (!m_queue.isEmpty() && !m_quit)
         execute(m_queue.takeFirst());
+    acedSetIntVar(QStringLiteral("CMDECHO"), echo);
 }
 
 AcEditor *acedEditor()

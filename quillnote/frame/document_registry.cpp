@@ -30,7 +30,6 @@ void DocumentRegistry::detach(const AcApDocument *document)
 
 void DocumentRegistry::ensureDatabaseReactor()
 {
-    AcDbDatabase *const working = acdbCurDwg();
-    if (m_current && !m_current->reactor && working)
-        m_current->reactor = std::make_unique<QNK_DbReactor>(*working);
+    if (m_current && !m_current->reactor)
+        m_current->reactor = std::make_unique<QNK_DbReactor>(*m_current->document->database());
 }

@@ -30,7 +30,7 @@ public:
     /// Forgets the document; the first record becomes current when its record was.
     void detach(const AcApDocument *document);
     DocumentRecord *current() const { return m_current; }
-    /// The current record gets a reactor on the working database when it has none.
+    /// The current record gets a reactor on its document's database when it has none.
     void ensureDatabaseReactor();
 
 private:

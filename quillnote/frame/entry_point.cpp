@@ -1,4 +1,6 @@
-// The module's one exported function: the host's messages, and the order of start-up and unload.
+// The host's messages, and the order of start-up and unload.
+#include "quillnote/frame/entry_point.h"
+
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/frame/command_table.h"
 #include "quillnote/frame/lisp_functions.h"
@@ -79,8 +81,7 @@ static void drawingLoaded()
     defineLispFunctions();
 }
 
-extern "C" __attribute__((visibility("default"))) AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message,
-                                                                                    void *packet)
+AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void *packet)
 {
     switch (message) {
     case AcRx::kInitAppMsg:

@@ -1,11 +1,16 @@
 #include "tests/support/script_front_end.h"
 
+#include "host/aced/edcommands.h"
+
 namespace tests
 {
 
 ScriptFrontEnd::ScriptFrontEnd(const QStringList &answers, const QStringList &dialogLines)
     : m_dialogLines(dialogLines.begin(), dialogLines.end()), m_before(acedSetFrontEnd(this))
 {
+    // The editor forgets that an earlier script ran out of answers.
+    acedEditor()->processInput();
+    prompts.clear();
     for (const QString &typed : answers)
         add(typed);
 }

@@ -2,6 +2,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edmenu.h"
+#include "host/aced/edsysvar.h"
 
 #include <algorithm>
 #include <array>
@@ -15,10 +16,10 @@ static void loadMenu()
     if (!path || path->isEmpty())
         return;
     const auto loaded = acedMenus().load(*path);
-    if (loaded)
-        acutPrintf(QStringLiteral("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
-    else
+    if (!loaded)
         acutPrintf(QStringLiteral("\n不能加载菜单: %1").arg(loaded.error()));
+    else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
+        acutPrintf(QStringLiteral("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
 }
 
 static void unloadMenu()

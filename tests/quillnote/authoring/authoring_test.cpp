@@ -1,0 +1,251 @@
+// Making marks: picking, the record that comes out, its number and layer, and the one collector.
+#include "quillnote/authoring/collect_marks.h"
+#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/mark_layer.h"
+#include "quillnote/authoring/pick_points.h"
+#include "quillnote/authoring/rectangle_mark.h"
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_dictionary.h"
+#include "quillnote/entity/mark_record.h"
+#include "quillnote/entity/password.h"
+#include "quillnote/frame/reactors.h"
+#include "quillnote/frame/settings/settings.h"
+#include "quillnote/frame/settings/start_up_settings.h"
+#include "quillnote/ui/ask_password.h"
+#include "quillnote/ui/mark_editor.h"
+
+#include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
+#include "host/aced/edcommands.h"
+#include "host/aced/edsysvar.h"
+#include "host/aced/hostcommands.h"
+#include "host/acgi/gidraw.h"
+#include "tests/support/memory_drawing.h"
+#include "tests/support/script_front_end.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+
+struct AuthoringTest : testing::Test {
+    AuthoringTest()
+    {
+        acgiInstall();
+        acedRegisterHostCommands();
+        registerMarkClass();
+        createDocumentRegistry();
+        createReactors();
+        installPasswordPrompt();
+        passwordState().reset();
+        startUpSettings().reset();
+        for (const QStringView name : {u"useLayer", u"noPlotLayer"})
+            settings::setNumber(name, 0);
+        settings::setText(u"LayerName", u"");
+        settings::setText(u"chPwMD5", u"");
+        settings::setText(u"name", u"张工");
+        drawing = std::make_unique<tests::OpenDrawing>(tests::MemoryDrawing().open());
+    }
+    ~AuthoringTest() override
+    {
+        drawing.reset();
+        removePasswordPrompt();
+        deleteReactors();
+        unregisterMarkClass();
+    }
+    AcDbDatabase &database() const { return drawing->database(); }
+    AcDbObjectId make(const QString &reviewer = QStringLiteral("张工"), const QString &text = {}) const
+    {
+        NewMark request;
+        request.corner2 = {20, 10, 0};
+        request.reviewerName = reviewer;
+        request.opinionText = text;
+        return createMark(database(), request);
+    }
+    std::unique_ptr<tests::OpenDrawing> drawing;
+};
+
+TEST_F(AuthoringTest, CornersComeOutSortedAsTheUserSeesThem)
+{
+    const double twist = kGePi / 6;
+    for (const double turned : {0.0, twist}) {
+        drawing->document().view().twist = turned;
+        AcGePoint3d a;
+        AcGePoint3d b;
+        tests::ScriptFrontEnd script;
+        script.addPoint({30, 20, 5});
+        script.addPoint({-10, 40, 0});
+        ASSERT_TRUE(pickMarkPoints(a, b, PickMode::rectangle));
+        AcGePoint3d seenA = a.rotateBy(turned, AcGeVector3d::kZAxis);
+        AcGePoint3d seenB = b.rotateBy(turned, AcGeVector3d::kZAxis);
+        EXPECT_LT(seenA.x, seenB.x);
+        EXPECT_LT(seenA.y, seenB.y);
+        EXPECT_EQ(a.z, 0.0);
+
+        NewMark request;
+        request.corner1 = a;
+        request.corner2 = b;
+        AcDbObjectPointer<QuillnoteObj3> mark(createMark(database(), request), AcDb::kForRead);
+        const AcGePoint3d seen4 = mark->targetCorner4.rotateBy(turned, AcGeVector3d::kZAxis);
+        EXPECT_TRUE(seen4.isEqualTo({seenB.x, seenA.y, 0}, 1e-9));
+    }
+}
+
+TEST_F(AuthoringTest, PickingLeavesTheVariablesAsTheyWere)
+{
+    acedSetIntVar(QStringLiteral("OSMODE"), 35);
+    AcGePoint3d a;
+    AcGePoint3d b;
+    {
+        tests::ScriptFrontEnd script({"^C"});
+        EXPECT_FALSE(pickMarkPoints(a, b, PickMode::rectangle));
+        EXPECT_TRUE(script.printed.contains(QStringLiteral("未获取点，放弃!")));
+    }
+    EXPECT_EQ(acedIntVar(QStringLiteral("OSMODE")), 35);
+    tests::ScriptFrontEnd script({"0,0", "^C"});
+    EXPECT_FALSE(pickMarkPoints(a, b, PickMode::leader));
+    EXPECT_TRUE(script.printed.contains(QStringLiteral("未获取第二点，放弃!")));
+    EXPECT_EQ(acedIntVar(QStringLiteral("OSMODE")), 35);
+}
+
+TEST_F(AuthoringTest, ACommandMakesOneMarkAndOneStep)
+{
+    tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"门宽不足\"", "ok"});
+    acedRegCmds()->addCommand(QStringLiteral("T"), QStringLiteral("MARK"), QStringLiteral("MARK"), ACRX_CMD_MODAL, QN3_Quillnote);
+    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("MARK")), RTNORM);
+    acedRegCmds()->removeGroup(QStringLiteral("T"));
+    const CollectedMarks marks = collectMarks(database());
+    ASSERT_EQ(marks.ids.size(), 1U);
+    {
+        AcDbObjectPointer<QuillnoteObj3> mark(marks.ids[0], AcDb::kForRead);
+        EXPECT_EQ(mark->suggestionContent, QStringLiteral("门宽不足"));
+        EXPECT_EQ(mark->suggestionName, QStringLiteral("张工"));
+        EXPECT_EQ(mark->targetCorner2, AcGePoint3d(40, 30, 0));
+        EXPECT_EQ(mark->GUID.size(), 38);
+        EXPECT_TRUE(mark->cornersValid);
+    }
+    EXPECT_EQ(readLastMarkNumber(database()), 1);
+    EXPECT_TRUE(database().undo().undo());
+    EXPECT_TRUE(collectMarks(database()).ids.empty());
+    EXPECT_FALSE(database().hasChanges());
+}
+
+TEST_F(AuthoringTest, ACancelledEditorMakesNothing)
+{
+    tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"x\"", "cancel"});
+    QN3_Quillnote();
+    EXPECT_TRUE(collectMarks(database()).ids.empty());
+    EXPECT_EQ(readLastMarkNumber(database()), 0);
+}
+
+TEST_F(AuthoringTest, NumbersOnlyGrow)
+{
+    for (int i = 0; i < 5; ++i)
+        make();
+    const std::vector<AcDbObjectId> ids = collectMarks(database()).ids;
+    AcDbObjectPointer<QuillnoteObj3>(ids[2], AcDb::kForWrite)->erase();
+    AcDbObjectPointer<QuillnoteObj3> next(make(), AcDb::kForRead);
+    EXPECT_EQ(next->markNumber, 6);
+}
+
+TEST_F(AuthoringTest, TheLayerIsMadeOrRepaired)
+{
+    settings::setNumber(u"useLayer", 1);
+    settings::setNumber(u"noPlotLayer", 1);
+    settings::setText(u"LayerName", u"  校审 ");
+    for (int round = 0; round < 2; ++round) {
+        AcDbObjectPointer<QuillnoteObj3> mark(make(), AcDb::kForRead);
+        EXPECT_EQ(mark->layer(), QStringLiteral("校审"));
+        mark.close();
+        AcDbObjectPointer<AcDbLayerTableRecord> layer(
+            database().tableRecord(SymbolTable::layer, QStringLiteral("校审")), AcDb::kForWrite);
+        ASSERT_TRUE(layer);
+        EXPECT_FALSE(layer->isPlottable() || layer->isLocked() || layer->isFrozen() || layer->isOff());
+        EXPECT_EQ(acedTextVar(QStringLiteral("CLAYER")), QStringLiteral("校审"));
+        layer->setIsLocked(true);
+        layer->setIsOff(true);
+    }
+    settings::setText(u"LayerName", QString(37, QLatin1Char('a')));
+    EXPECT_EQ(markLayerName(), QStringLiteral("评图标签"));
+    settings::setText(u"LayerName", QString(36, QLatin1Char('a')));
+    EXPECT_EQ(markLayerName().size(), 36);
+}
+
+TEST_F(AuthoringTest, PaperSpaceMarksTakeThePaperHeight)
+{
+    startUpSettings().textHeight = 300;
+    startUpSettings().textHeightPS = 7;
+    acedSetIntVar(QStringLiteral("TILEMODE"), 0);
+    AcDbObjectPointer<QuillnoteObj3> mark(make(), AcDb::kForRead);
+    EXPECT_EQ(mark->textHeight, 7.0);
+    EXPECT_EQ(mark->blockId(), database().paperSpaceId());
+    mark.close();
+    acedSetIntVar(QStringLiteral("TILEMODE"), 1);
+    EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(make(), AcDb::kForRead)->textHeight, 300.0);
+    // Model space comes first whatever was made first.
+    EXPECT_EQ(collectMarks(database()).ids.size(), 2U);
+}
+
+TEST_F(AuthoringTest, TheCollectorFilters)
+{
+    make(QStringLiteral("Li"));
+    make(QStringLiteral(" wang "));
+    make(QString());
+    make(QStringLiteral("LI"));
+    EXPECT_THAT(collectMarks(database()).reviewers, ElementsAre("Li", "wang", QStringLiteral("*未命名*"), "LI"));
+    EXPECT_EQ(collectMarks(database(), {QStringLiteral("li"), 0}).ids.size(), 2U);
+    EXPECT_EQ(collectMarks(database(), {QStringLiteral("WANG"), 0}).ids.size(), 1U);
+    EXPECT_EQ(collectMarks(database(), {QStringLiteral("*未命名*"), 0}).ids.size(), 1U);
+    EXPECT_EQ(collectMarks(database(), {QString(), 0}).ids.size(), 1U);
+    EXPECT_EQ(collectMarks(database(), {QStringLiteral("all"), 4}).ids.size(), 1U);
+    for (int i = 0; i < 20; ++i)
+        make(QString::number(i));
+    EXPECT_EQ(collectMarks(database()).reviewers.size(), 16);
+}
+
+TEST_F(AuthoringTest, ACopyGetsAnIdentityOfItsOwn)
+{
+    const AcDbObjectId original = make();
+    const QString guid = AcDbObjectPointer<QuillnoteObj3>(original, AcDb::kForRead)->GUID;
+    tests::ScriptFrontEnd script({"L", "", "0,0", "100,0", ""});
+    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("COPY")), RTNORM);
+    const std::vector<AcDbObjectId> ids = collectMarks(database()).ids;
+    ASSERT_EQ(ids.size(), 2U);
+    AcDbObjectPointer<QuillnoteObj3> copy(ids[1], AcDb::kForRead);
+    EXPECT_EQ(copy->subNumber, 2);
+    EXPECT_NE(copy->GUID, guid);
+    EXPECT_NEAR(copy->targetCorner1.x, 100.0, 1e-9);
+    EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(original, AcDb::kForRead)->GUID, guid);
+}
+
+TEST_F(AuthoringTest, EditingCountsAndAsksForThePassword)
+{
+    settings::setText(u"chPwMD5", hashPassword(QStringLiteral("open")));
+    const AcDbObjectId id = make(QStringLiteral("Li"), QStringLiteral("old"));
+    {
+        tests::ScriptFrontEnd script({}, {"set 1032 \"wrong\"", "click 1"});
+        editMark(id);
+        EXPECT_TRUE(script.isUsedUp());
+    }
+    EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->suggestionContent, "old");
+    {
+        tests::ScriptFrontEnd script({}, {"set 1032 \" open \"", "click 1", "set 1003 \"new\"", "ok"});
+        editMark(id);
+        EXPECT_TRUE(script.isUsedUp());
+    }
+    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    EXPECT_EQ(mark->suggestionContent, "new");
+    EXPECT_EQ(mark->editVersion, 2);
+}
+
+TEST(MarkEditor, OpensWhereItFitsTheScreen)
+{
+    const QSize screen(1920, 1080);
+    const QRect atTheTop(510, 0, 900, 180);
+    EXPECT_EQ(markEditorRectangle({100, 50, 640, 200}, screen), QRect(100, 50, 640, 200));
+    EXPECT_EQ(markEditorRectangle({0, 0, 0, 0}, screen), atTheTop);
+    EXPECT_EQ(markEditorRectangle({-1, 0, 640, 200}, screen), atTheTop);
+    EXPECT_EQ(markEditorRectangle({1500, 0, 421, 200}, screen), atTheTop);
+    EXPECT_EQ(markEditorRectangle({1500, 0, 420, 200}, screen), QRect(1500, 0, 420, 200));
+    EXPECT_EQ(markEditorRectangle({0, 900, 420, 181}, screen), atTheTop);
+}
