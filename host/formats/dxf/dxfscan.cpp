@@ -162,7 +162,7 @@ void BinaryScanner::resynchronise()
 {
     constexpr std::ptrdiff_t kLongestKind = 255;
     const std::ptrdiff_t codeSize = m_shortCodes ? 1 : 2;
-    for (const char *at = m_at + 1; at < m_end - codeSize; ++at) {
+    for (const char *at = m_at; at < m_end - codeSize; ++at) {
         if (*at != 0 || (codeSize == 2 && at[1] != 0) || at[codeSize] == 0)
             continue;
         const char *const kind = at + codeSize;

@@ -52,13 +52,15 @@ void DxfSource::learnStyle(std::string_view part)
 {
     if (m_binary)
         return;
+    const std::size_t firstEnd = part.find(m_lineEnd);
+    const bool isPair = m_lineEnd == '\n' &&
+                        (firstEnd == std::string_view::npos || (firstEnd > 0 && part[firstEnd - 1] == '\r'));
+    m_style.lineEnd = isPair ? QByteArray("\r\n") : QByteArray(1, m_lineEnd);
     bool first = true;
     visitGroups(part, [&](const Group &group) {
-        if (first) {
+        if (first && group.code < 100) {
             const std::string_view code(group.begin, std::size_t(group.value.data() - group.begin));
-            const std::size_t lineEnd = code.find_first_of("\r\n");
-            m_style.codeWidth = int(lineEnd);
-            m_style.lineEnd = QByteArray(code.data() + lineEnd, qsizetype(code.size() - lineEnd));
+            m_style.codeWidth = int(code.find_first_of("\r\n"));
             first = false;
         }
         if (groupKind(group.code) != GroupKind::integer16)
