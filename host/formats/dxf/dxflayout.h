@@ -52,9 +52,8 @@ struct Layout {
     std::vector<Variable> variables;
     std::vector<ClassRecord> classes;
     std::vector<UnendedBlock> unendedBlocks;
-    std::uint64_t eof = 0; ///< The "0 EOF", or the end of the bytes.
+    std::uint64_t eof = 0; ///< The "0 EOF", or the end of what could be read.
     bool hasEof = false;
-    Place cutTail; ///< The last group, when the file ends inside it; empty otherwise.
     /// Objects whose handle in the file is another's too and was replaced at opening.
     std::vector<std::uint32_t> renumbered;
 

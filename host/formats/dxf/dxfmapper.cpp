@@ -64,11 +64,9 @@ bool Mapper<Scanner>::recover(Step step)
         if (found)
             return true;
     }
-    if (step == Step::cut) {
+    if (step == Step::cut)
         m_log.add(at, QStringLiteral("the file ends inside a group"));
-        m_source.editLayout().cutTail = {at, m_source.bytes().size()};
-    }
-    m_contentEnd = step == Step::damaged ? m_source.bytes().size() : at;
+    m_contentEnd = at;
     m_done = true;
     return false;
 }
@@ -80,7 +78,7 @@ bool Mapper<Scanner>::skipGarbageObject()
     m_scanner.resynchronise();
     if (m_scanner.position() != m_scanner.end())
         return true;
-    m_contentEnd = m_source.bytes().size();
+    m_contentEnd = here();
     m_done = true;
     return false;
 }

@@ -67,7 +67,7 @@ private:
     Group m_group;                  ///< The current group; a group 0 between objects.
     Kind m_kind;                    ///< Of m_group when its code is 0.
     bool m_done = false;            ///< Nothing is left to read.
-    std::uint64_t m_contentEnd = 0; ///< Behind the last whole group, once done.
+    std::uint64_t m_contentEnd = 0; ///< Behind the last readable group, once done.
     AcDbStub *m_mainEntity = nullptr;
     AcDbStub *m_rootDictionary = nullptr;
     bool m_rootHasNoOwner = false;

@@ -456,9 +456,7 @@ void SavePlan::writeMissingEnds()
             mark(section.end, kSectionEnd, "ENDSEC");
     }
     if (!m_layout.hasEof)
-        mark(m_layout.eof, kFileEnd, "EOF");
-    if (m_layout.cutTail.end > m_layout.cutTail.begin)
-        replace(m_layout.cutTail, {});
+        mark(m_layout.eof, kFileEnd, "EOF"); // What could not be read stays behind it.
 }
 
 void SavePlan::writeNewSections()
