@@ -68,13 +68,13 @@ QJsonValue toJson(const std::vector<AcDbObjectId> &value)
     return handles;
 }
 
-Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const std::source_location &row)
+Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const RowPlace &row)
 {
     // Only the file's name: where the sources lay when the program was built is nobody's business.
-    const QString path = QString::fromUtf8(row.file_name());
+    const QString path = QString::fromUtf8(row.file);
     acutPrintf(QStringLiteral("\n!%1@%2: %3")
                    .arg(path.mid(path.lastIndexOf(u'/') + 1))
-                   .arg(row.line())
+                   .arg(row.line)
                    .arg(acadErrorStatusText(status)));
     return status;
 }

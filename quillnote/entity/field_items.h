@@ -1,12 +1,13 @@
 // How values of each type stand in DWG streams, in DXF groups and in dumps.
 #pragma once
 
+#include "quillnote/entity/field_table.h"
+
 #include "host/acdb/dbfiler.h"
 
 #include <QJsonArray>
 #include <QJsonValue>
 
-#include <source_location>
 #include <type_traits>
 
 namespace fields
@@ -133,6 +134,6 @@ QJsonValue toJson(const QByteArray &value);
 QJsonValue toJson(const std::vector<AcDbObjectId> &value);
 
 /// Prints the line "!file@line: status" for a field that could not be filed, and returns the status.
-Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const std::source_location &row);
+Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const RowPlace &row);
 
 } // namespace fields

@@ -13,7 +13,6 @@
 
 #include <array>
 #include <cstdint>
-#include <source_location>
 #include <variant>
 #include <vector>
 
@@ -47,6 +46,12 @@ struct Dxf {
     int place = 0;
 };
 
+/// Where a row stands in the sources.
+struct RowPlace {
+    const char *file;
+    int line;
+};
+
 template <class Record>
 struct Field {
     /// Byte buffers are filed as a 32-bit size and the bytes, id lists as a 32-bit count and hard pointers.
@@ -57,10 +62,13 @@ struct Field {
     /// Brings a value that was read into the field's range.
     using Settle = void (*)(Record &);
 
-    // A constructor, because only a default argument of one knows the line of the row.
+    // A constructor, because a default argument knows the line of the row. (std::source_location is not in
+    // all compilers that build this.)
     constexpr Field(QStringView fieldName, Member fieldMember, std::uint16_t sinceVersion, Dxf inDxf = {},
-                    Settle settleRead = nullptr, std::source_location line = std::source_location::current())
-        : name(fieldName), member(fieldMember), since(sinceVersion), dxf(inDxf), settle(settleRead), row(line)
+                    Settle settleRead = nullptr, const char *file = __builtin_FILE(),
+                    int line = __builtin_LINE())
+        : name(fieldName), member(fieldMember), since(sinceVersion), dxf(inDxf),
+          settle(settleRead), row{file, line}
     {
     }
 
@@ -69,7 +77,7 @@ struct Field {
     std::uint16_t since; ///< First format version whose records hold the field.
     Dxf dxf;
     Settle settle;
-    std::source_location row; ///< Printed when the field cannot be filed.
+    RowPlace row; ///< Printed when the field cannot be filed.
 };
 
 } // namespace fields

@@ -2,10 +2,14 @@
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_fields.h"
 
+#include "tests/quillnote/entity/group_lines.h"
 #include "tests/quillnote/entity/mark_streams.h"
+#include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 
 #include <gtest/gtest.h>
+
+#include <QDir>
 
 class MarkDxf : public testing::Test
 {
@@ -140,4 +144,19 @@ TEST_F(MarkDxf, ReadingForgetsOldVertices)
     std::erase_if(groups, [](const resbuf &g) { return g.restype == 14; });
     ASSERT_EQ(read(mark, groups), Acad::eOk);
     EXPECT_EQ(mark.vertices[2], AcGePoint3d());
+}
+
+TEST_F(MarkDxf, TheCorpusIsReadOrRefusedAndWhatIsReadIsStable)
+{
+    const QDir corpus(tests::testDataPath(QStringLiteral("corpus/mark_dxf")));
+    const QStringList names = corpus.entryList(QDir::Files);
+    ASSERT_FALSE(names.isEmpty());
+    for (const QString &name : names) {
+        QuillnoteObj3 mark;
+        const ResbufList groups = tests::groupsFromLines(tests::readFile(corpus.filePath(name)));
+        EXPECT_EQ(read(mark, groups) != Acad::eOk, name.contains(u"refused")) << name.toStdString();
+        QuillnoteObj3 again;
+        EXPECT_EQ(read(again, written(mark)), Acad::eOk) << name.toStdString();
+        EXPECT_EQ(differingMarkFields(again, mark), QStringList()) << name.toStdString();
+    }
 }

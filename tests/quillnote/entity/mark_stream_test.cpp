@@ -178,7 +178,7 @@ TEST_F(MarkStream, EveryTruncationIsRefusedWithTheRowOfItsField)
     EXPECT_EQ(read(mark, tests::version7Stream().left(12)), Acad::eEndOfFile);
     EXPECT_EQ(mark.markNumber, 12);
     EXPECT_TRUE(std::exchange(frontEnd.printed, {})
-                    .contains(QStringLiteral("@%1:").arg(markField(u"suggestionContent").row.line())));
+                    .contains(QStringLiteral("@%1:").arg(markField(u"suggestionContent").row.line)));
 }
 
 TEST_F(MarkStream, ValuesOutOfRangeAreSettled)
@@ -259,7 +259,7 @@ TEST_F(MarkStream, WritingEndsAtTheFirstFailure)
     EXPECT_EQ(filer.stream().size(), 9);
     EXPECT_EQ(
         std::exchange(frontEnd.printed, {}),
-        QStringLiteral("\n!mark_fields.cpp@%1: eFilerError").arg(markField(u"suggestionContent").row.line()));
+        QStringLiteral("\n!mark_fields.cpp@%1: eFilerError").arg(markField(u"suggestionContent").row.line));
 }
 
 TEST_F(MarkStream, TheCorpusIsReadOrRefusedAndWhatIsReadIsStable)
