@@ -168,10 +168,12 @@ private:
     {
         const AcDbStub &stub = *id.stub();
         AcDbObjectPointer<AcDbObject> original(id, AcDb::kForRead);
-        AcRxClass *const known = original && original->m_isProxy ? AcDbEntity::desc() : id.objectClass();
+        const bool asProxy = original && original->m_isProxy;
+        AcRxClass *const kept = id.isEntity() ? AcDbEntity::desc() : AcDbObject::desc();
+        AcRxClass *const known = asProxy ? kept : id.objectClass();
         auto *const copy = static_cast<AcDbObject *>(known->create());
         copy->m_groups = original ? original->m_groups : m_database.fileGroups(stub);
-        copy->m_isProxy = original && original->m_isProxy;
+        copy->m_isProxy = asProxy;
         acdbDropApplicationGroups(copy->m_groups);
         std::erase_if(copy->m_groups, [](const resbuf &g) { return g.restype == 67; });
         if (original && original->isCustom() && !original->m_isProxy) {

@@ -107,8 +107,9 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
         kept->m_groups = std::move(groups);
         return kept;
     };
+    // An unknown kind may turn out to be a custom class that comes later.
     if (!known->application())
-        return asKept(false);
+        return asKept(known->dxfName().isEmpty());
 
     const auto own = groups.begin() + std::ptrdiff_t(ownFieldsBegin(groups, isEntity));
     const auto extended = groups.begin() + std::ptrdiff_t(extendedDataBegin(groups));

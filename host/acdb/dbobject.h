@@ -100,7 +100,7 @@ private:
     bool m_writing = false;
     bool m_notifying = false;
     bool m_isNew = false;   ///< Added, and not closed since.
-    bool m_isProxy = false; ///< Of a custom class that is missing or refused the bytes.
+    bool m_isProxy = false; ///< Of a class that is missing or refused the bytes: just its groups.
     unsigned m_proxySince = 0; ///< Generation of the class dictionary.
 };
 

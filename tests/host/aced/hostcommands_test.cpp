@@ -457,6 +457,7 @@ TEST_F(HostCommands, LoadMenusAndShowToolbars)
         acedEditor()->processInput();
         return script.printed;
     };
+    acedSetIntVar(QStringLiteral("CMDECHO"), 1);
     EXPECT_TRUE(run({QStringLiteral("MENULOAD"), menu}).contains(u"菜单组: 审查"));
     EXPECT_TRUE(run({QStringLiteral("_MENULOAD"), menu}).contains(u"loaded already"));
     EXPECT_TRUE(run({QStringLiteral("CUILOAD"), bad}).contains(u"cut.mnu:1: "));
