@@ -12,16 +12,19 @@ static QByteArray toByteArray(std::string_view text)
     return QByteArray(text.data(), qsizetype(text.size()));
 }
 
-static QString quoted(std::string_view value)
-{
-    constexpr std::size_t kShown = 40;
-    return QString::fromLatin1(value.data(), qsizetype(std::min(value.size(), kShown)));
-}
-
 template <class Scanner>
 Mapper<Scanner>::Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner)
     : m_loader(loader), m_source(source), m_log(log), m_scanner(scanner), m_blocks(loader, source, log)
 {
+}
+
+/// A value as repairs show it.
+template <class Scanner>
+QString Mapper<Scanner>::quoted(std::string_view value) const
+{
+    constexpr std::size_t kMostBytes = 200;
+    constexpr qsizetype kShown = 40;
+    return m_source.text(value.substr(0, kMostBytes)).left(kShown);
 }
 
 // Walking ----------------------------------------------------------------------------------------

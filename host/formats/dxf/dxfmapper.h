@@ -32,6 +32,7 @@ public:
 private:
     std::uint64_t offset(const char *at) const { return std::uint64_t(at - m_source.bytes().data()); }
     std::uint64_t here() const { return m_done ? m_contentEnd : offset(m_group.begin); }
+    QString quoted(std::string_view value) const;
     bool advance();
     bool recover(Step step);
     bool skipGarbageObject();
