@@ -12,7 +12,14 @@
 
 namespace AcAp
 {
-enum DocLockMode : int { kNone = 0x00, kAutoWrite = 0x01, kNotLocked = 0x02, kWrite = 0x04, kRead = 0x20, kXWrite = 0x40 };
+enum DocLockMode : int {
+    kNone = 0x00,
+    kAutoWrite = 0x01,
+    kNotLocked = 0x02,
+    kWrite = 0x04,
+    kRead = 0x20,
+    kXWrite = 0x40
+};
 } // namespace AcAp
 
 /// What part of a drawing is on the screen, as every view of a document keeps it. Screen and console
@@ -20,7 +27,7 @@ enum DocLockMode : int { kNone = 0x00, kAutoWrite = 0x01, kNotLocked = 0x02, kWr
 struct AcApView {
     AcGePoint3d centre{0.0, 0.0, 0.0}; ///< Middle of the view, world coordinates.
     double height = 297.0;             ///< World units from the lower to the upper edge.
-    double twist = 0.0;                ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
+    double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
 
@@ -114,7 +121,8 @@ public:
     /// A document over a database made elsewhere (tests).
     AcApDocument *addDocument(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
     /// Saves under the document's name or under `path`, which becomes its name unless `copyOnly`.
-    base::Result<bool, QString> saveDocument(AcApDocument *document, const QString &path, bool copyOnly = false);
+    base::Result<bool, QString> saveDocument(AcApDocument *document, const QString &path,
+                                             bool copyOnly = false);
     /// Closes without saving.
     void closeDocument(AcApDocument *document);
     void activateDocument(AcApDocument *document);

@@ -98,7 +98,8 @@ ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
     bool ownerSeen = false;
     for (std::size_t i = 1; i < end; ++i) {
         const resbuf &group = groups[i];
-        const bool opens = group.restype == 102 && group.text().startsWith(QLatin1Char('{')) && content.empty();
+        const bool opens =
+            group.restype == 102 && group.text().startsWith(QLatin1Char('{')) && content.empty();
         if (opens || inBraces) {
             inBraces = opens || group.restype != 102;
             braces.push_back(dataGroup(database, group));

@@ -99,8 +99,8 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     const bool isEntity = stub.has(AcDbStub::kEntity);
     AcRxClass *const known = acdbKindClass(stub.kind, isEntity);
     const auto asKept = [&](bool isProxy) {
-        std::unique_ptr<AcDbObject> kept(
-            isProxy ? (isEntity ? new AcDbEntity : new AcDbObject) : static_cast<AcDbObject *>(known->create()));
+        std::unique_ptr<AcDbObject> kept(isProxy ? (isEntity ? new AcDbEntity : new AcDbObject)
+                                                 : static_cast<AcDbObject *>(known->create()));
         kept->m_stub = &stub;
         kept->m_isProxy = isProxy;
         kept->m_proxySince = acrxClassDictionary().generation();
@@ -137,7 +137,8 @@ AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
     AcDbObject *const kept = stub.object;
     if (!kept) {
         stub.object = materialise(stub, m_source->read(stub)).release();
-    } else if (kept->m_isProxy && kept->isIdle() && kept->m_proxySince != acrxClassDictionary().generation()) {
+    } else if (kept->m_isProxy && kept->isIdle() &&
+               kept->m_proxySince != acrxClassDictionary().generation()) {
         replaceObject(stub, materialise(stub, kept->m_groups));
     }
     return stub.object;
@@ -160,7 +161,8 @@ void AcDbDatabase::replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> obj
     delete std::exchange(stub.object, object.release());
 }
 
-Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased)
+Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode,
+                                           bool openErased)
 {
     object = nullptr;
     if (id.isNull())
@@ -346,7 +348,8 @@ void AcDbDatabase::ensureClass(const AcRxClass &added)
     if (std::ranges::any_of(m_classes, sameNames))
         return;
     m_classes.push_back({added.dxfName(), added.name(), added.application()->description,
-                         added.application()->proxyFlags, false, added.isDerivedFrom(AcDbEntity::desc()), false});
+                         added.application()->proxyFlags, false, added.isDerivedFrom(AcDbEntity::desc()),
+                         false});
 }
 
 // Structure ---------------------------------------------------------------------------------------

@@ -72,7 +72,8 @@ public:
     /// Opens an object. eWasErased unless `openErased`; eWasOpenForWrite while a writer has it;
     /// eWasOpenForRead when a writer is asked for while readers have it; eOnLockedLayer for writing to
     /// an entity on a locked layer. The object belongs to the database.
-    Acad::ErrorStatus openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased = false);
+    Acad::ErrorStatus openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode,
+                                 bool openErased = false);
     /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
     /// write. Entities go through AcDbBlockTableRecord::appendAcDbEntity instead.
     Acad::ErrorStatus addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id = nullptr);
@@ -165,7 +166,8 @@ private:
     void noteChange(AcDbStub &stub);
     void finishWriting(AcDbStub &stub);
     void setErased(AcDbStub &stub, bool erased);
-    void notifyWhileOpen(AcDbStub &stub, const std::function<void(AcDbDatabaseReactor &, AcDbObject &)> &event);
+    void notifyWhileOpen(AcDbStub &stub,
+                         const std::function<void(AcDbDatabaseReactor &, AcDbObject &)> &event);
     void indexHandle(AcDbStub *stub);
     void registerRecord(SymbolTable table, AcDbStub *stub);
     bool onLockedLayer(const AcDbObject &object) const;

@@ -53,7 +53,8 @@ Acad::ErrorStatus AcDbDictionary::setAt(const QString &key, AcDbObject *object, 
     const auto entry = entryOf(editGroups(), key);
     const bool replaces = entry != editGroups().end();
     if (replaces) {
-        AcDbObjectPointer<AcDbObject> old(database()->getAcDbObjectId((entry + 1)->handle()), AcDb::kForWrite);
+        AcDbObjectPointer<AcDbObject> old(database()->getAcDbObjectId((entry + 1)->handle()),
+                                          AcDb::kForWrite);
         if (old) {
             const Acad::ErrorStatus refused = old->erase();
             if (refused != Acad::eOk)
@@ -71,7 +72,8 @@ Acad::ErrorStatus AcDbDictionary::setAt(const QString &key, AcDbObject *object, 
     ResbufList &list = editGroups();
     // Entries end where a derived class's marker or the extended data begins.
     const auto behind = list.begin() + std::ptrdiff_t(subclassBegin(list, u"AcDbDictionary"));
-    const auto end = std::find_if(behind, list.end(), [](const resbuf &g) { return g.restype == 100 || g.restype == 1001; });
+    const auto end = std::find_if(behind, list.end(),
+                                  [](const resbuf &g) { return g.restype == 100 || g.restype == 1001; });
     list.insert(end, {resbuf(3, key), resbuf(hard && hard->integer() == 1 ? 360 : 350, id.handle())});
     return Acad::eOk;
 }

@@ -17,8 +17,8 @@ public:
     std::vector<Entry> entries() const;
     /// Null when missing or erased. Keys ignore letter case.
     AcDbObjectId getAt(const QString &key) const;
-    /// Adds the object to the drawing, or replaces (erases) the object of that key. Leaves the new object open for
-    /// write. Needs write access.
+    /// Adds the object to the drawing, or replaces (erases) the object of that key. Leaves the new object
+    /// open for write. Needs write access.
     Acad::ErrorStatus setAt(const QString &key, AcDbObject *object, AcDbObjectId &id);
     /// Erases the object of the key; eKeyNotFound.
     Acad::ErrorStatus remove(const QString &key);

@@ -23,7 +23,8 @@ std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList 
 {
     std::unique_ptr<AcDbEntity> entity(new AcDbEntity(dxfName));
     ResbufList &groups = entity->editGroups();
-    groups.insert(groups.end(), std::make_move_iterator(ownGroups.begin()), std::make_move_iterator(ownGroups.end()));
+    groups.insert(groups.end(), std::make_move_iterator(ownGroups.begin()),
+                  std::make_move_iterator(ownGroups.end()));
     return entity;
 }
 

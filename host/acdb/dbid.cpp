@@ -114,7 +114,8 @@ static AcRxClass *addKind(const char *className, AcRxClass *parent, const char *
 
 static void registerOnce()
 {
-    AcRxClass *const object = newAcRxClass(QStringLiteral("AcDbObject"), nullptr, {}, [] { return new AcDbObject; });
+    AcRxClass *const object =
+        newAcRxClass(QStringLiteral("AcDbObject"), nullptr, {}, [] { return new AcDbObject; });
     AcRxClass *const entity =
         newAcRxClass(QStringLiteral("AcDbEntity"), object, {}, [] { return new AcDbEntity; });
     addKinds<AcDbEntity>(kEntityKinds, entity);

@@ -25,14 +25,14 @@ using AcDbKind = std::uint16_t;
 
 struct AcDbStub {
     enum Flag : std::uint16_t {
-        kEntity = 1 << 0,     ///< Stands in a block, has a layer.
-        kHasSource = 1 << 1,  ///< `begin` and `size` name a place in the drawing source.
+        kEntity = 1 << 0,    ///< Stands in a block, has a layer.
+        kHasSource = 1 << 1, ///< `begin` and `size` name a place in the drawing source.
         kErased = 1 << 2,
-        kChanged = 1 << 3,    ///< `object` is the truth, not the source.
-        kNoFileForm = 1 << 4, ///< Needed in memory, but this file version has no place for it.
+        kChanged = 1 << 3,      ///< `object` is the truth, not the source.
+        kNoFileForm = 1 << 4,   ///< Needed in memory, but this file version has no place for it.
         kNoFileHandle = 1 << 5, ///< The file gives no handle; one was given at opening.
-        kSubEntity = 1 << 6,  ///< VERTEX, ATTRIB, SEQEND: owned by the entity before it.
-        kRecorded = 1 << 7,   ///< Before-image taken in the current undo group.
+        kSubEntity = 1 << 6,    ///< VERTEX, ATTRIB, SEQEND: owned by the entity before it.
+        kRecorded = 1 << 7,     ///< Before-image taken in the current undo group.
         kInChangeList = 1 << 8,
     };
 
@@ -80,5 +80,8 @@ inline constexpr AcDbObjectId AcDbObjectId::kNull{};
 
 template <>
 struct std::hash<AcDbObjectId> {
-    std::size_t operator()(const AcDbObjectId &id) const noexcept { return std::hash<const void *>()(id.stub()); }
+    std::size_t operator()(const AcDbObjectId &id) const noexcept
+    {
+        return std::hash<const void *>()(id.stub());
+    }
 };

@@ -33,7 +33,8 @@ AcDbStub *AcDbLoader::addSynthetic(AcDbKind kind, ResbufList groups, std::uint16
 {
     AcDbStub *const added = m_database.newStub();
     added->kind = kind;
-    added->flags = std::uint16_t(flags | AcDbStub::kNoFileForm | AcDbStub::kNoFileHandle | AcDbStub::kChanged);
+    added->flags =
+        std::uint16_t(flags | AcDbStub::kNoFileForm | AcDbStub::kNoFileHandle | AcDbStub::kChanged);
     added->object = m_database.materialise(*added, std::move(groups)).release();
     return added;
 }
@@ -102,7 +103,8 @@ void AcDbLoader::finish()
         std::ranges::stable_sort(db.m_byHandle, {}, byHandle);
     const std::uint64_t highest = db.m_byHandle.empty() ? 0 : db.stub(db.m_byHandle.back())->handle;
     const ResbufList *const seed = db.headerVariable("$HANDSEED");
-    db.m_nextHandle = std::max<std::uint64_t>(highest + 1, seed && !seed->empty() ? seed->front().handle().value : 1);
+    db.m_nextHandle =
+        std::max<std::uint64_t>(highest + 1, seed && !seed->empty() ? seed->front().handle().value : 1);
     settleDuplicates();
     giveMissingHandles();
     resolveOwners();

@@ -121,7 +121,8 @@ void AcDbObject::setGroup(int code, resbuf::Value value, QStringView subclass)
         unmarked || subclass.isEmpty() ? extendedDataBegin(m_groups) : subclassEnd(m_groups, begin);
     const auto first = m_groups.begin() + std::ptrdiff_t(begin);
     const auto last = m_groups.begin() + std::ptrdiff_t(end);
-    const auto found = std::find_if(first, last, [code](const resbuf &group) { return group.restype == code; });
+    const auto found =
+        std::find_if(first, last, [code](const resbuf &group) { return group.restype == code; });
     if (found == last)
         m_groups.insert(last, resbuf(code, std::move(value)));
     else if (found->resval != value)
@@ -159,7 +160,8 @@ Acad::ErrorStatus AcDbObject::setXData(const ResbufList &data)
     while (first != m_groups.end() && first->text().compare(application, Qt::CaseInsensitive) != 0)
         first = std::find_if(first + 1, m_groups.end(), [](const resbuf &g) { return g.restype == 1001; });
     if (first != m_groups.end()) {
-        const auto last = std::find_if(first + 1, m_groups.end(), [](const resbuf &g) { return g.restype == 1001; });
+        const auto last =
+            std::find_if(first + 1, m_groups.end(), [](const resbuf &g) { return g.restype == 1001; });
         first = m_groups.erase(first, last);
     }
     if (data.size() > 1)
@@ -204,9 +206,11 @@ void AcDbObject::linkExtensionDictionary(AcDbHandle handle)
         return;
     }
     // Application groups stand right behind the handle.
-    const auto place = std::ranges::find_if(m_groups, [](const resbuf &g) { return g.restype == 5 || g.restype == 105; });
+    const auto place =
+        std::ranges::find_if(m_groups, [](const resbuf &g) { return g.restype == 5 || g.restype == 105; });
     const auto at = place == m_groups.end() ? m_groups.begin() + 1 : place + 1;
-    m_groups.insert(at, {resbuf(102, kDictionaryBrace), resbuf(360, handle), resbuf(102, QStringLiteral("}"))});
+    m_groups.insert(at,
+                    {resbuf(102, kDictionaryBrace), resbuf(360, handle), resbuf(102, QStringLiteral("}"))});
 }
 
 // Every object in a database carries its own handle and its owner's; a file of R12 has no owners, which
@@ -231,7 +235,8 @@ void AcDbObject::stampIdentity()
             return;
         }
     }
-    const auto at = marker == m_groups.size() ? m_groups.begin() + 2 : m_groups.begin() + std::ptrdiff_t(marker);
+    const auto at =
+        marker == m_groups.size() ? m_groups.begin() + 2 : m_groups.begin() + std::ptrdiff_t(marker);
     m_groups.insert(at, resbuf(330, ownerId().handle()));
 }
 

@@ -99,8 +99,8 @@ private:
     int m_readers = 0;
     bool m_writing = false;
     bool m_notifying = false;
-    bool m_isNew = false;   ///< Added, and not closed since.
-    bool m_isProxy = false; ///< Of a class that is missing or refused the bytes: just its groups.
+    bool m_isNew = false;      ///< Added, and not closed since.
+    bool m_isProxy = false;    ///< Of a class that is missing or refused the bytes: just its groups.
     unsigned m_proxySince = 0; ///< Generation of the class dictionary.
 };
 
@@ -132,7 +132,8 @@ public:
     {
     }
     /// Takes over an object that is open already.
-    explicit AcDbObjectPointer(T *opened) : m_object(opened), m_status(opened ? Acad::eOk : Acad::eNullObjectPointer)
+    explicit AcDbObjectPointer(T *opened)
+        : m_object(opened), m_status(opened ? Acad::eOk : Acad::eNullObjectPointer)
     {
     }
     ~AcDbObjectPointer() { close(); }

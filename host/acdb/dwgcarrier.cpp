@@ -13,9 +13,8 @@ static constexpr qsizetype kChunkBytes = 127; // The longest binary group that e
 // class name (1), byte count (90), CRC-16 of the bytes (91), chunks (310)
 static ResbufList packed(const QString &className, const QByteArray &stream)
 {
-    ResbufList chain{{1, className},
-                     {90, std::int64_t(stream.size())},
-                     {91, std::int64_t(qChecksum(stream))}};
+    ResbufList chain{
+        {1, className}, {90, std::int64_t(stream.size())}, {91, std::int64_t(qChecksum(stream))}};
     for (qsizetype at = 0; at < stream.size(); at += kChunkBytes)
         chain.emplace_back(310, stream.mid(at, kChunkBytes));
     return chain;
@@ -88,7 +87,8 @@ private:
     // The entity went back to its source bytes, or away: so does what was made beside it.
     void putBack(const AcDbDatabase::Carrier &carrier)
     {
-        for (const AcDbObjectId id : {carrier.record, carrier.madeDictionary ? carrier.dictionary : AcDbObjectId()}) {
+        for (const AcDbObjectId id :
+             {carrier.record, carrier.madeDictionary ? carrier.dictionary : AcDbObjectId()}) {
             if (id.isNull())
                 continue;
             if (id.stub()->has(AcDbStub::kHasSource)) {

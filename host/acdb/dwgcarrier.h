@@ -6,8 +6,8 @@
 
 #include "host/acdb/dbobject.h"
 
-/// Stores the carrier of every custom object that will be written from memory. Part of saving as DXF; makes no
-/// undo steps and notifies nobody.
+/// Stores the carrier of every custom object that will be written from memory. Part of saving as DXF; makes
+/// no undo steps and notifies nobody.
 void acdbPrepareDxfSave(AcDbDatabase &database);
 
 /// The bytes kept for a custom object; empty when it has none or they are damaged.

@@ -16,8 +16,8 @@
 #include <vector>
 
 struct resbuf {
-    using Value = std::variant<std::monostate, QString, std::int64_t, double, AcGePoint2d, AcGePoint3d, AcDbHandle,
-                               AcDbObjectId, QByteArray>;
+    using Value = std::variant<std::monostate, QString, std::int64_t, double, AcGePoint2d, AcGePoint3d,
+                               AcDbHandle, AcDbObjectId, QByteArray>;
 
     int restype = 0;
     Value resval;
@@ -60,7 +60,17 @@ std::size_t subclassBegin(const ResbufList &list, QStringView subclass);
 std::size_t extendedDataBegin(const ResbufList &list);
 
 /// What kind of value a group code carries.
-enum class GroupKind : std::uint8_t { text, point, real, integer16, integer32, integer64, boolean, handle, binary };
+enum class GroupKind : std::uint8_t {
+    text,
+    point,
+    real,
+    integer16,
+    integer32,
+    integer64,
+    boolean,
+    handle,
+    binary
+};
 
 /// The DXF reference's table of group codes; unknown codes carry text.
 GroupKind groupKind(int code);

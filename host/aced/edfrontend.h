@@ -12,7 +12,19 @@
 
 #include <optional>
 
-enum class AcEdPromptKind { command, point, corner, distance, angle, integer, real, string, keyword, entity, selection };
+enum class AcEdPromptKind {
+    command,
+    point,
+    corner,
+    distance,
+    angle,
+    integer,
+    real,
+    string,
+    keyword,
+    entity,
+    selection
+};
 
 /// What is being asked, for showing and for rubber bands.
 struct AcEdPrompt {

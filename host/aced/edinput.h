@@ -14,7 +14,7 @@
 
 enum AcEdResult : int {
     RTNORM = 5100,
-    RTNONE = 5000,  ///< Enter.
+    RTNONE = 5000, ///< Enter.
     RTERROR = -5001,
     RTCAN = -5002,
     RTREJ = -5003,
@@ -55,7 +55,8 @@ int acedGetKword(const QString &prompt, QString &keyword);
 int acedEntSel(const QString &prompt, AcDbObjectId &entity, AcGePoint3d &pickPoint);
 
 /// An argument of a command call: text, number, point, entity, or PAUSE (ask the user).
-struct AcEdPause {};
+struct AcEdPause {
+};
 inline constexpr AcEdPause PAUSE{};
 using AcEdToken = std::variant<QString, int, double, AcGePoint3d, AcDbObjectId, AcEdPause>;
 /// Runs a host or module command to its end with these answers; an empty text is Enter. Answers left over are

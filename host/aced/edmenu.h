@@ -14,9 +14,9 @@
 struct AcEdMenuItem {
     enum Kind { popup, item, separator };
     Kind kind = item;
-    QString id;      ///< "POP1" for a pull-down; any for items.
+    QString id; ///< "POP1" for a pull-down; any for items.
     QString label;
-    QString macro;   ///< As typed at the command line: "^C^C_QN3_Quillnote ".
+    QString macro; ///< As typed at the command line: "^C^C_QN3_Quillnote ".
     QString help;
     QString icon;
     std::vector<AcEdMenuItem> children;

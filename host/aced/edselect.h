@@ -20,10 +20,11 @@ using AcEdSelectionSet = std::vector<AcDbObjectId>;
 /// hold operators: "<and" "and>" "<or" "or>" "<xor" "xor>" "<not" "not>" and the relations
 /// "=" "!=" "/=" "<" "<=" ">" ">=" "&" "&=" "*" (per coordinate with commas: ">,>,*").
 /// RTNORM; RTERROR when nothing was selected or the filter is malformed (printed); RTCAN.
-int acedSSGet(const QString &mode, const AcGePoint3d *point1, const AcGePoint3d *point2, const ResbufList &filter,
-              AcEdSelectionSet &selected);
+int acedSSGet(const QString &mode, const AcGePoint3d *point1, const AcGePoint3d *point2,
+              const ResbufList &filter, AcEdSelectionSet &selected);
 /// As acedSSGet("") with the prompt texts for adding and removing.
-int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufList &filter, AcEdSelectionSet &selected);
+int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufList &filter,
+                    AcEdSelectionSet &selected);
 
 /// True when the entity's data passes the filter; for lists from elsewhere than the drawing.
 bool acedPassesFilter(AcDbObjectId entity, const ResbufList &filter);

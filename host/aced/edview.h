@@ -12,7 +12,8 @@
 bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel);
 bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world);
 
-/// World to the view's own frame: turned counter-clockwise by the view twist, origin kept. Its inverse goes back.
+/// World to the view's own frame: turned counter-clockwise by the view twist, origin kept. Its inverse goes
+/// back.
 AcGeMatrix3d acedViewFrame(const AcApView &view);
 
 /// A view to be made current, as AcDbViewTableRecord describes it.

@@ -51,9 +51,8 @@ AcGeMatrix3d AcGeMatrix3d::mirroring(const AcGePoint3d &point, const AcGeVector3
 {
     const AcGeVector3d u = AcGeVector3d(direction.x, direction.y, 0).normal();
     AcGeMatrix3d m;
-    m.entry = {{{2 * u.x * u.x - 1, 2 * u.x * u.y, 0, 0},
-                {2 * u.x * u.y, 2 * u.y * u.y - 1, 0, 0},
-                {0, 0, 1, 0}}};
+    m.entry = {
+        {{2 * u.x * u.x - 1, 2 * u.x * u.y, 0, 0}, {2 * u.x * u.y, 2 * u.y * u.y - 1, 0, 0}, {0, 0, 1, 0}}};
     return aboutCentre(m, point);
 }
 
@@ -72,8 +71,7 @@ AcGeMatrix3d AcGeMatrix3d::planeToWorld(const AcGeVector3d &normal)
     const AcGeVector3d n = normal.isZeroLength() ? AcGeVector3d::kZAxis : normal.normal();
     constexpr double kNearAxis = 1.0 / 64.0;
     const bool nearZ = std::abs(n.x) < kNearAxis && std::abs(n.y) < kNearAxis;
-    const AcGeVector3d ax =
-        (nearZ ? AcGeVector3d::kYAxis : AcGeVector3d::kZAxis).crossProduct(n).normal();
+    const AcGeVector3d ax = (nearZ ? AcGeVector3d::kYAxis : AcGeVector3d::kZAxis).crossProduct(n).normal();
     return fromAxes({}, ax, n.crossProduct(ax).normal(), n);
 }
 
@@ -114,8 +112,8 @@ double AcGeMatrix3d::scale() const
 {
     double largest = 0.0;
     for (int column = 0; column < 3; ++column)
-        largest = std::max(
-            largest, AcGeVector3d(entry[0][column], entry[1][column], entry[2][column]).length());
+        largest =
+            std::max(largest, AcGeVector3d(entry[0][column], entry[1][column], entry[2][column]).length());
     return largest;
 }
 

@@ -69,8 +69,8 @@ AcRxClassDictionary &acrxClassDictionary()
 AcRxClass *newAcRxClass(const QString &name, AcRxClass *parent, const QByteArray &dxfName,
                         AcRxClass::Factory factory)
 {
-    AcRxClass *const added = acrxClassDictionary().add(
-        std::make_unique<AcRxClass>(name, parent, dxfName, std::move(factory)));
+    AcRxClass *const added =
+        acrxClassDictionary().add(std::make_unique<AcRxClass>(name, parent, dxfName, std::move(factory)));
     QUILL_ASSERT(added != nullptr);
     return added;
 }

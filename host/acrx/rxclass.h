@@ -20,10 +20,10 @@ public:
 
     /// What a drawing's class record says of a custom class.
     struct Application {
-        int drawingVersion = 0;     ///< Host format number that the class appeared in.
+        int drawingVersion = 0; ///< Host format number that the class appeared in.
         int maintenanceVersion = 0;
-        int proxyFlags = 0;         ///< Operations allowed while the class is missing.
-        QString description;        ///< "Name|Product Desc: ...|Company: ...|WEB Address: ..."
+        int proxyFlags = 0;  ///< Operations allowed while the class is missing.
+        QString description; ///< "Name|Product Desc: ...|Company: ...|WEB Address: ..."
     };
 
     /// `dxfName` is empty for classes that never stand in a file by their own name.

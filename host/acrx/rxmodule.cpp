@@ -78,8 +78,7 @@ void AcRxDynamicLinker::broadcast(AcRx::AppMsgCode message)
 
 AcRx::AppRetCode AcRxDynamicLinker::send(AcRxModulePacket *module, AcRx::AppMsgCode message)
 {
-    const auto found =
-        std::ranges::find(m_modules, module, [](const auto &m) { return &m->packet; });
+    const auto found = std::ranges::find(m_modules, module, [](const auto &m) { return &m->packet; });
     return found == m_modules.end() ? AcRx::kRetError : deliver(**found, message);
 }
 
@@ -131,10 +130,15 @@ std::vector<AcadAppInfo> AcadAppInfo::readAll()
         const auto text = [&](const char *value) {
             return store.text(key, QString::fromLatin1(value)).value_or(QString());
         };
-        AcadAppInfo info{name, text("Loader"), text("Description"),
-                         int(store.number(key, QStringLiteral("LoadReasons")).value_or(0)), text("Group"), {}};
+        AcadAppInfo info{name,
+                         text("Loader"),
+                         text("Description"),
+                         int(store.number(key, QStringLiteral("LoadReasons")).value_or(0)),
+                         text("Group"),
+                         {}};
         for (const QString &line : text("Commands").split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-            info.commands.push_back({line.section(QLatin1Char('\t'), 0, 0), line.section(QLatin1Char('\t'), 1)});
+            info.commands.push_back(
+                {line.section(QLatin1Char('\t'), 0, 0), line.section(QLatin1Char('\t'), 1)});
         all.push_back(std::move(info));
     }
     return all;

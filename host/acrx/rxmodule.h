@@ -23,9 +23,9 @@ enum AppRetCode : int { kRetOK = 0, kRetError = 3 };
 
 /// What the host hands to the entry point: the module it is talking to.
 struct AcRxModulePacket {
-    QString path;           ///< Path under which the host loaded the module.
-    bool unlocked = false;  ///< The module said that it may be unloaded.
-    bool mdiAware = false;  ///< The module said that it knows several documents.
+    QString path;          ///< Path under which the host loaded the module.
+    bool unlocked = false; ///< The module said that it may be unloaded.
+    bool mdiAware = false; ///< The module said that it knows several documents.
 };
 
 using AcRxEntryPoint = AcRx::AppRetCode (*)(AcRx::AppMsgCode message, void *packet);
@@ -80,7 +80,7 @@ public:
     };
 
     QString appName;
-    QString moduleName;  ///< Path of the library.
+    QString moduleName; ///< Path of the library.
     QString description;
     int loadReasons = 0;
     QString groupName;

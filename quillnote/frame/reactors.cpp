@@ -11,7 +11,10 @@
 class QNK2_DocReactor : public AcApDocManagerReactor
 {
 public:
-    explicit QNK2_DocReactor(DocumentRegistry &registry) : m_registry(registry) { acDocManager()->addReactor(this); }
+    explicit QNK2_DocReactor(DocumentRegistry &registry) : m_registry(registry)
+    {
+        acDocManager()->addReactor(this);
+    }
     ~QNK2_DocReactor() override { acDocManager()->removeReactor(this); }
 
     void documentCreated(AcApDocument *document) override

@@ -26,9 +26,9 @@ static QString asText(const QJsonValue &value)
 
 static QString asLine(const QJsonObject &place, const std::vector<std::pair<QString, QJsonValue>> &fields)
 {
-    QString line = QStringLiteral("%1 %2 %3").arg(place[QStringLiteral("handle")].toString(),
-                                                  asText(place[QStringLiteral("layout")]),
-                                                  asText(place[QStringLiteral("layer")]));
+    QString line = QStringLiteral("%1 %2 %3")
+                       .arg(place[QStringLiteral("handle")].toString(),
+                            asText(place[QStringLiteral("layout")]), asText(place[QStringLiteral("layer")]));
     for (const auto &[name, value] : fields)
         line += QStringLiteral(" %1=%2").arg(name, asText(value));
     return line + QLatin1Char('\n');
@@ -58,7 +58,10 @@ static int listMarks(const AcEdVerbCall &call)
 
 AcEdVerb marksVerb()
 {
-    return {QStringLiteral("marks"), QStringLiteral("List the review marks with all their fields."), {}, listMarks};
+    return {QStringLiteral("marks"),
+            QStringLiteral("List the review marks with all their fields."),
+            {},
+            listMarks};
 }
 
 static int report(const AcEdVerbCall &call)

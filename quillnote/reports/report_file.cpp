@@ -16,7 +16,8 @@ static QString withReportLineEnds(QString text)
 bool writeReportFile(const QString &path, QString text)
 {
     const base::TextCodec codec("ANSI_936");
-    const QByteArray bytes = codec.encode(withReportLineEnds(std::move(text)), base::Substitute::questionMark);
+    const QByteArray bytes =
+        codec.encode(withReportLineEnds(std::move(text)), base::Substitute::questionMark);
     if (base::writeFileAtomically(path, bytes))
         return true;
     acedAlert(QStringLiteral("创建文件<%1>失败！").arg(path));

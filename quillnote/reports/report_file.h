@@ -3,8 +3,8 @@
 
 #include <QString>
 
-/// Characters outside the code page become question marks. An existing file is replaced. A file that cannot be
-/// written is told in a message box.
+/// Characters outside the code page become question marks. An existing file is replaced. A file that cannot
+/// be written is told in a message box.
 bool writeReportFile(const QString &path, QString text);
 
 /// Opens the file with the program that the desktop has for it; without a desktop nothing happens.

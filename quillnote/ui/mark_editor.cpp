@@ -16,7 +16,8 @@ static constexpr QSize kSmallestLayout(200, 20);
 QRect markEditorRectangle(const QRect &saved, const QSize &screen)
 {
     const bool none = saved.left() == 0 && saved.top() == 0 && saved.width() == 0 && saved.height() == 0;
-    const bool outside = saved.left() < 0 || saved.top() < 0 || saved.left() + saved.width() > screen.width() ||
+    const bool outside = saved.left() < 0 || saved.top() < 0 ||
+                         saved.left() + saved.width() > screen.width() ||
                          saved.top() + saved.height() > screen.height();
     if (none || outside)
         return {screen.width() / 2 - 450, 0, 900, 180};
@@ -67,7 +68,8 @@ bool CAddMarkWnd::drawsDirectly() const
 bool CAddMarkWnd::preTranslateKey(QKeyEvent *event)
 {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const Qt::KeyboardModifiers held = event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+    const Qt::KeyboardModifiers held =
+        event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
     if (!isEnter || held == Qt::NoModifier)
         return false;
     setItemText(kText, itemText(kText).trimmed());
@@ -81,7 +83,8 @@ void CAddMarkWnd::resizeEvent(QResizeEvent *event)
 {
     CAcUiDialog::resizeEvent(event);
     const QSize now = event->size();
-    if (now.width() < kSmallestLayout.width() || now.height() < kSmallestLayout.height() || m_laidOut.isEmpty())
+    if (now.width() < kSmallestLayout.width() || now.height() < kSmallestLayout.height() ||
+        m_laidOut.isEmpty())
         return;
     const double across = double(now.width()) / m_laidOut.width();
     const double down = double(now.height()) / m_laidOut.height();

@@ -1,5 +1,5 @@
-// The mark editor: the dialog in which the reviewer types an opinion. Values in, values out: the caller makes or
-// changes the mark.
+// The mark editor: the dialog in which the reviewer types an opinion. Values in, values out: the caller makes
+// or changes the mark.
 #pragma once
 
 #include "host/acui/acuidialog.h"
@@ -21,12 +21,12 @@ struct MarkEditorValue {
     QString smallCategory;
 };
 
-/// Shows the editor until it is closed; no value when it was cancelled. The window's place and its options are
-/// kept in the settings.
+/// Shows the editor until it is closed; no value when it was cancelled. The window's place and its options
+/// are kept in the settings.
 std::optional<MarkEditorValue> runMarkEditor(const MarkEditorValue &start);
 
-/// Where the editor opens: the saved rectangle, or 900 x 180 pixels at the top of the screen, centred, when there is
-/// none or it does not fit the screen.
+/// Where the editor opens: the saved rectangle, or 900 x 180 pixels at the top of the screen, centred, when
+/// there is none or it does not fit the screen.
 QRect markEditorRectangle(const QRect &saved, const QSize &screen);
 
 class CAddMarkWnd : public CAcUiDialog

@@ -33,7 +33,8 @@ TEST(Clone, CopiesPartsAndExtensionDictionaries)
     AcDbObjectPointer<AcDbEntity> copy(copies[0], AcDb::kForRead);
     AcDbObjectPointer<AcDbDictionary> dictionary(copy->extensionDictionary(), AcDb::kForRead);
     ASSERT_TRUE(dictionary);
-    EXPECT_NE(dictionary->objectId(), AcDbObjectPointer<AcDbEntity>(original, AcDb::kForRead)->extensionDictionary());
+    EXPECT_NE(dictionary->objectId(),
+              AcDbObjectPointer<AcDbEntity>(original, AcDb::kForRead)->extensionDictionary());
     AcDbObjectPointer<AcDbXrecord> record(dictionary->getAt(QStringLiteral("DATA")), AcDb::kForRead);
     ASSERT_TRUE(record);
     EXPECT_EQ(record->rbChain(), ResbufList({{330, copies[0].handle()}}));

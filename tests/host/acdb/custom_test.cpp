@@ -97,7 +97,8 @@ static std::unique_ptr<AcDbDatabase> reopened(AcDbDatabase &saved)
     AcDbLoader loader(*database, std::move(source));
     std::uint64_t place = 0;
     for (const AcDbStub *stub : written)
-        loader.addObject(stub->kind, stub->handle, place++, 1, std::uint16_t(stub->flags & AcDbStub::kEntity));
+        loader.addObject(stub->kind, stub->handle, place++, 1,
+                         std::uint16_t(stub->flags & AcDbStub::kEntity));
     loader.finish();
     return database;
 }
@@ -122,7 +123,8 @@ TEST(Custom, TheCarrierBringsBackWhatDxfDoesNotCarry)
     const std::uint32_t before = second->stubCount();
     const auto third = reopened(*second);
     EXPECT_EQ(second->stubCount(), before);
-    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(third->getAcDbObjectId(id.handle()), AcDb::kForRead)->secret, "short");
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(third->getAcDbObjectId(id.handle()), AcDb::kForRead)->secret,
+              "short");
 }
 
 TEST(Custom, DxfFieldsWinOverTheCarrierAndADamagedOneIsIgnored)
@@ -149,8 +151,8 @@ TEST(Custom, DxfFieldsWinOverTheCarrierAndADamagedOneIsIgnored)
     const ResbufList groups = id.stub()->object->groups();
     EXPECT_EQ(acdbCarriedFields(*database, groups), other.stream());
 
-    AcDbObjectPointer<AcDbXrecord> damaged(AcDbObjectPointer<AcDbDictionary>(dictionaryId, AcDb::kForRead)->entries().at(0).id,
-                                           AcDb::kForWrite);
+    AcDbObjectPointer<AcDbXrecord> damaged(
+        AcDbObjectPointer<AcDbDictionary>(dictionaryId, AcDb::kForRead)->entries().at(0).id, AcDb::kForWrite);
     chain[3].assign(QByteArray("garbage"));
     damaged->setFromRbChain(chain);
     damaged.close();

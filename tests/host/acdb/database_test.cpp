@@ -52,7 +52,8 @@ TEST_F(OpenTest, RefusesWhatCannotBeOpened)
     AcDbText *asText = nullptr;
     EXPECT_EQ(acdbOpenObject(asText, {}, AcDb::kForRead), Acad::eNullObjectId);
     EXPECT_EQ(acdbOpenObject(asText, id(line), AcDb::kForRead), Acad::eNotThatKindOfClass);
-    EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(id(lockedLine), AcDb::kForWrite).openStatus(), Acad::eOnLockedLayer);
+    EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(id(lockedLine), AcDb::kForWrite).openStatus(),
+              Acad::eOnLockedLayer);
     AcDbObjectPointer<AcDbEntity> reader(id(lockedLine), AcDb::kForRead);
     EXPECT_EQ(reader->upgradeOpen(), Acad::eOnLockedLayer);
     // The refused attempts left nothing open.
@@ -119,7 +120,7 @@ TEST_F(OpenTest, ReactorsHearOnceAndMayChangeWhatTheyHear)
     copy.close();
     AcDbObjectPointer<AcDbEntity>(id(line), AcDb::kForWrite)->setColorIndex(3);
     AcDbObjectPointer<AcDbEntity>(id(line), AcDb::kForWrite)->erase();
-    EXPECT_THAT(recorder.heard, ElementsAre("appended LINE", "modified BLOCK_RECORD", "modified LINE", "erased LINE",
-                                            "modified LINE"));
+    EXPECT_THAT(recorder.heard, ElementsAre("appended LINE", "modified BLOCK_RECORD", "modified LINE",
+                                            "erased LINE", "modified LINE"));
     database->removeReactor(&recorder);
 }

@@ -19,9 +19,18 @@ static std::vector<int> codes(const ResbufList &list)
 TEST(EntGet, FollowsThePlatformsOrder)
 {
     MemoryDrawing drawing;
-    const auto arc = drawing.entity("ARC", {{8, "0"}, {62, 1}, {100, "AcDbCircle"},
-                                            {10, AcGePoint3d(1, 2, 3)}, {40, 5.0}, {100, "AcDbArc"}, {50, 90.0}, {51, 180.0},
-                                            {1001, "ACAD"}, {1000, "x"}, {1001, "OTHER"}, {1005, AcDbHandle{0xAB}}});
+    const auto arc = drawing.entity("ARC", {{8, "0"},
+                                            {62, 1},
+                                            {100, "AcDbCircle"},
+                                            {10, AcGePoint3d(1, 2, 3)},
+                                            {40, 5.0},
+                                            {100, "AcDbArc"},
+                                            {50, 90.0},
+                                            {51, 180.0},
+                                            {1001, "ACAD"},
+                                            {1000, "x"},
+                                            {1001, "OTHER"},
+                                            {1005, AcDbHandle{0xAB}}});
     const auto database = drawing.open();
     const AcDbObjectId id = database->getAcDbObjectId({arc});
 

@@ -17,13 +17,12 @@ static QByteArray sampleStream()
 
 TEST(MemoryFiler, WritesTheDocumentedBytes)
 {
-    EXPECT_EQ(sampleStream().toHex(),
-              QByteArray("01"
-                         "feff"
-                         "04030201"
-                         "000000000000f83f"
-                         "02000000fe564100"
-                         "78797a"));
+    EXPECT_EQ(sampleStream().toHex(), QByteArray("01"
+                                                 "feff"
+                                                 "04030201"
+                                                 "000000000000f83f"
+                                                 "02000000fe564100"
+                                                 "78797a"));
 }
 
 TEST(MemoryFiler, EveryTruncationFailsAndKeepsFailing)

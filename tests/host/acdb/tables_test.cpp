@@ -1,8 +1,8 @@
 // Layers, blocks, dictionaries, xrecords, extended data.
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbents.h"
-#include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbload.h"
+#include "host/acdb/dbsymtb.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gmock/gmock.h>
@@ -15,8 +15,8 @@ TEST(Layers, ChangeOnlyTheirOwnFlag)
     MemoryDrawing drawing;
     drawing.layer("A", {.flags = 64, .color = -3});
     const auto database = drawing.open();
-    AcDbObjectPointer<AcDbLayerTableRecord> layer(database->tableRecord(SymbolTable::layer, QStringLiteral("a")),
-                                                  AcDb::kForWrite);
+    AcDbObjectPointer<AcDbLayerTableRecord> layer(
+        database->tableRecord(SymbolTable::layer, QStringLiteral("a")), AcDb::kForWrite);
     ASSERT_TRUE(layer);
     EXPECT_TRUE(layer->isOff());
     EXPECT_EQ(layer->colorIndex(), 3);
@@ -54,9 +54,9 @@ TEST(Blocks, PaperSpaceEntitiesSayWhereTheyAre)
     ASSERT_EQ(acdbLayoutBlocks(*database).size(), 2U);
     AcDbObjectPointer<AcDbBlockTableRecord> paper(database->paperSpaceId(), AcDb::kForWrite);
     AcDbObjectId id;
-    ASSERT_EQ(paper->appendAcDbEntity(id, acdbNewEntity("POINT", {{100, QStringLiteral("AcDbPoint")},
-                                                                  {10, AcGePoint3d(1, 1, 0)}})
-                                              .release()),
+    ASSERT_EQ(paper->appendAcDbEntity(
+                  id, acdbNewEntity("POINT", {{100, QStringLiteral("AcDbPoint")}, {10, AcGePoint3d(1, 1, 0)}})
+                          .release()),
               Acad::eOk);
     id.stub()->object->close();
     AcDbObjectPointer<AcDbEntity> point(id, AcDb::kForRead);
@@ -69,7 +69,8 @@ TEST(Blocks, AnInsertPlacesItsBlock)
 {
     MemoryDrawing drawing;
     drawing.block("DOOR", {1, 1, 0});
-    const auto handle = drawing.entity("INSERT", {{2, "DOOR"}, {10, AcGePoint3d(10, 20, 0)}, {41, 2.0}, {42, 3.0}, {50, 90.0}});
+    const auto handle = drawing.entity(
+        "INSERT", {{2, "DOOR"}, {10, AcGePoint3d(10, 20, 0)}, {41, 2.0}, {42, 3.0}, {50, 90.0}});
     const auto database = drawing.open();
     AcDbObjectPointer<AcDbBlockReference> insert(database->getAcDbObjectId({handle}), AcDb::kForRead);
     ASSERT_TRUE(insert);
@@ -101,16 +102,19 @@ TEST(Dictionaries, ReplaceWhatTheyHold)
 TEST(ExtendedData, IsKeptByApplication)
 {
     MemoryDrawing drawing;
-    const auto handle = drawing.entity("POINT", {{10, AcGePoint3d()}, {1001, "A"}, {1000, "a"}, {1001, "B"}, {1070, 2}});
+    const auto handle =
+        drawing.entity("POINT", {{10, AcGePoint3d()}, {1001, "A"}, {1000, "a"}, {1001, "B"}, {1070, 2}});
     const auto database = drawing.open();
     AcDbObjectPointer<AcDbEntity> point(database->getAcDbObjectId({handle}), AcDb::kForWrite);
     point->setXData({{1001, QStringLiteral("a")}, {1000, QStringLiteral("new")}});
-    EXPECT_EQ(point->xData(QStringLiteral("A")), (ResbufList{{1001, QStringLiteral("a")}, {1000, QStringLiteral("new")}}));
+    EXPECT_EQ(point->xData(QStringLiteral("A")),
+              (ResbufList{{1001, QStringLiteral("a")}, {1000, QStringLiteral("new")}}));
     EXPECT_EQ(point->xData(QStringLiteral("B")).size(), 2U);
     point->setXData({{1001, QStringLiteral("B")}});
     EXPECT_EQ(point->xData().size(), 2U);
     point->setGroup(62, std::int64_t(1));
-    EXPECT_LT(std::size_t(findGroup(point->groups(), 62) - point->groups().data()), extendedDataBegin(point->groups()));
+    EXPECT_LT(std::size_t(findGroup(point->groups(), 62) - point->groups().data()),
+              extendedDataBegin(point->groups()));
 }
 
 TEST(Loading, SettlesHandles)

@@ -71,15 +71,18 @@ struct UndoTest : testing::Test {
 
 TEST_F(UndoTest, ChangesOfEveryKindComeBack)
 {
-    checkUndoRedo([&] { AcDbObjectPointer<AcDbText>(id(text), AcDb::kForWrite)->setTextString(QStringLiteral("x")); });
+    checkUndoRedo(
+        [&] { AcDbObjectPointer<AcDbText>(id(text), AcDb::kForWrite)->setTextString(QStringLiteral("x")); });
     checkUndoRedo([&] { AcDbObjectPointer<AcDbEntity>(id(line), AcDb::kForWrite)->erase(); });
     checkUndoRedo([&] { addNote(*database, QStringLiteral("n"), "secret"); });
     checkUndoRedo([&] { database->setHeaderVariable("$LTSCALE", {{40, 2.0}}); });
     checkUndoRedo([&] { database->setHeaderVariable("$NEWVAR", {{70, std::int64_t(1)}}); });
     checkUndoRedo([&] {
         AcDbObjectId added;
-        AcDbSymbolTable(*database, SymbolTable::layer).addLike(QStringLiteral("WALLS"), QStringLiteral("DOORS"), added);
-        AcDbObjectPointer<AcDbLayerTableRecord> layer(static_cast<AcDbLayerTableRecord *>(added.stub()->object));
+        AcDbSymbolTable(*database, SymbolTable::layer)
+            .addLike(QStringLiteral("WALLS"), QStringLiteral("DOORS"), added);
+        AcDbObjectPointer<AcDbLayerTableRecord> layer(
+            static_cast<AcDbLayerTableRecord *>(added.stub()->object));
         layer->setColorIndex(3);
     });
     checkUndoRedo([&] {
@@ -94,7 +97,8 @@ TEST_F(UndoTest, NamesFollowUndo)
     AcDbObjectId added;
     {
         AcDbUndoGroup group(*database, QStringLiteral("LAYER"));
-        AcDbSymbolTable(*database, SymbolTable::layer).addLike(QStringLiteral("0"), QStringLiteral("NEW"), added);
+        AcDbSymbolTable(*database, SymbolTable::layer)
+            .addLike(QStringLiteral("0"), QStringLiteral("NEW"), added);
         added.stub()->object->close();
     }
     EXPECT_EQ(database->tableRecord(SymbolTable::layer, QStringLiteral("new")), added);
@@ -157,7 +161,8 @@ TEST_F(UndoTest, RandomChangesUndoneToTheStartGiveTheDrawingBack)
             const AcDbObjectId target = known[random() % known.size()];
             switch (random() % 5) {
             case 0:
-                known.push_back(addNote(*database, QString::number(command), QByteArray(int(random() % 9), 's')));
+                known.push_back(
+                    addNote(*database, QString::number(command), QByteArray(int(random() % 9), 's')));
                 break;
             case 1:
                 if (AcDbObjectPointer<AcDbEntity> entity(target, AcDb::kForWrite); entity)

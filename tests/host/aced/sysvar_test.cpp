@@ -64,6 +64,7 @@ TEST(SystemVariables, DrawingVariablesNeedADrawing)
 
 TEST(SystemVariables, SettingChecksTypeRangeAndRights)
 {
+    acedSetIntVar(QStringLiteral("CMDECHO"), 1); // Whatever other tests left.
     MemoryDrawing memory;
     memory.layer("WALLS");
     memory.layer("ICE", {.flags = 1});

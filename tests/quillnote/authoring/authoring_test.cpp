@@ -111,7 +111,8 @@ TEST_F(AuthoringTest, PickingLeavesTheVariablesAsTheyWere)
 TEST_F(AuthoringTest, ACommandMakesOneMarkAndOneStep)
 {
     tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"门宽不足\"", "ok"});
-    acedRegCmds()->addCommand(QStringLiteral("T"), QStringLiteral("MARK"), QStringLiteral("MARK"), ACRX_CMD_MODAL, QN3_Quillnote);
+    acedRegCmds()->addCommand(QStringLiteral("T"), QStringLiteral("MARK"), QStringLiteral("MARK"),
+                              ACRX_CMD_MODAL, QN3_Quillnote);
     EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("MARK")), RTNORM);
     acedRegCmds()->removeGroup(QStringLiteral("T"));
     const CollectedMarks marks = collectMarks(database());
@@ -192,7 +193,8 @@ TEST_F(AuthoringTest, TheCollectorFilters)
     make(QStringLiteral(" wang "));
     make(QString());
     make(QStringLiteral("LI"));
-    EXPECT_THAT(collectMarks(database()).reviewers, ElementsAre("Li", "wang", QStringLiteral("*未命名*"), "LI"));
+    EXPECT_THAT(collectMarks(database()).reviewers,
+                ElementsAre("Li", "wang", QStringLiteral("*未命名*"), "LI"));
     EXPECT_EQ(collectMarks(database(), {QStringLiteral("li"), 0}).ids.size(), 2U);
     EXPECT_EQ(collectMarks(database(), {QStringLiteral("WANG"), 0}).ids.size(), 1U);
     EXPECT_EQ(collectMarks(database(), {QStringLiteral("*未命名*"), 0}).ids.size(), 1U);

@@ -272,7 +272,8 @@ TEST_F(MarkRecord, UnregisteringMakesProxiesThatComeBackWhole)
     const AcDbObjectId id = append(std::move(mark));
     unregisterMarkClass();
     EXPECT_EQ(markClass(), nullptr);
-    EXPECT_EQ(id.objectClass(), AcDbEntity::desc());
+    EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead).openStatus(), Acad::eNotThatKindOfClass);
+    EXPECT_TRUE(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForRead));
     registerMarkClass();
     AcDbObjectPointer<QuillnoteObj3> back(id, AcDb::kForRead);
     ASSERT_TRUE(back);

@@ -87,7 +87,8 @@ TEST_F(FrameTest, TheDemandLoadRecordNamesTheRecordedCommands)
     EXPECT_EQ(ours->loadReasons, 7);
     EXPECT_EQ(ours->description, "Quillnote version 7.0");
     const auto localName = [&](const char *global) {
-        const auto found = std::ranges::find(ours->commands, QString::fromLatin1(global), &AcadAppInfo::Command::globalName);
+        const auto found =
+            std::ranges::find(ours->commands, QString::fromLatin1(global), &AcadAppInfo::Command::globalName);
         return found == ours->commands.end() ? QString() : found->localName;
     };
     EXPECT_EQ(ours->commands.size(), 47U);
@@ -135,7 +136,8 @@ TEST_F(FrameTest, LispCallsItsTwoFunctionsOnly)
 
 TEST_F(FrameTest, TheMenuFileFollowsTheHostAndTheFolder)
 {
-    for (const QString &location : {folder.path(), folder.path() + QLatin1Char('/'), folder.path() + QLatin1Char('\\')}) {
+    for (const QString &location :
+         {folder.path(), folder.path() + QLatin1Char('/'), folder.path() + QLatin1Char('\\')}) {
         settings::setText(u"Location", location);
         EXPECT_EQ(menuFilePath(16), folder.path(QStringLiteral("quillnote3_chn2004.mnu")));
         EXPECT_EQ(menuFilePath(17), folder.path(QStringLiteral("quillnote3_chn2008.cui")));
@@ -168,7 +170,8 @@ TEST_F(FrameTest, AMissingMenuFileIsTold)
 {
     tests::ScriptFrontEnd script({}, {"ok", "ok"});
     ptbq();
-    EXPECT_TRUE(script.printed.contains(folder.path(QStringLiteral("quillnote3_chn2010.cuix")) + QStringLiteral(" 未找到！")));
+    EXPECT_TRUE(script.printed.contains(folder.path(QStringLiteral("quillnote3_chn2010.cuix")) +
+                                        QStringLiteral(" 未找到！")));
     EXPECT_FALSE(acedIsMenuGroupLoaded(QStringLiteral("评图标签")));
 }
 
@@ -193,7 +196,8 @@ TEST_F(FrameTest, HelpersAreStartedFromTheInstallFolder)
     tests::ScriptFrontEnd script({}, {"ok"});
     qn8_runPush();
     EXPECT_TRUE(requests.empty());
-    EXPECT_TRUE(script.printed.contains(QStringLiteral("qcpush.exe程序文件未找到，请重新安装CAD评图标签软件云模块！")));
+    EXPECT_TRUE(script.printed.contains(
+        QStringLiteral("qcpush.exe程序文件未找到，请重新安装CAD评图标签软件云模块！")));
     QDir(folder.path()).mkpath(QStringLiteral("Yun"));
     const QString program = folder.write(QStringLiteral("Yun/qcpush.exe"), "");
     qn8_runPush();

@@ -18,7 +18,8 @@ struct ReportTest : testing::Test {
     ReportTest() { registerMarkClass(); }
     ~ReportTest() override { unregisterMarkClass(); }
 
-    static void mark(AcDbDatabase &database, const QString &text, const QString &feedback, std::int16_t status)
+    static void mark(AcDbDatabase &database, const QString &text, const QString &feedback,
+                     std::int16_t status)
     {
         NewMark request;
         request.opinionText = text;
@@ -72,7 +73,8 @@ TEST_F(ReportTest, SaysWhenThereIsNothingToWriteOrNowhere)
     QN3_QuillnoteOutputTxt();
     EXPECT_EQ(script.printed, QStringLiteral("\n本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
 
-    const tests::OpenDrawing lost(tests::MemoryDrawing().open(), folder.path(QStringLiteral("no/such/plan.dxf")));
+    const tests::OpenDrawing lost(tests::MemoryDrawing().open(),
+                                  folder.path(QStringLiteral("no/such/plan.dxf")));
     mark(lost.database(), QStringLiteral("x"), {}, 0);
     script.printed.clear();
     script.addDialogLine(QStringLiteral("ok"));
