@@ -73,14 +73,15 @@ TEST_F(MarkDxf, ReadingLosesOnlyWhatDxfDoesNotHold)
 TEST_F(MarkDxf, OtherVersionsAndAMissingMarkerAreRefused)
 {
     for (const auto &[version, status] :
-         {std::pair{8, Acad::eMakeMeProxy}, std::pair{6, Acad::eBadDxfSequence},
-          std::pair{0, Acad::eBadDxfSequence}, std::pair{-1, Acad::eMakeMeProxy}}) {
+         {std::pair{QuillnoteObj3::kFormatVersion + 1, Acad::eMakeMeProxy},
+          std::pair{6, Acad::eBadDxfSequence}, std::pair{0, Acad::eBadDxfSequence},
+          std::pair{-1, Acad::eMakeMeProxy}}) {
         ResbufList groups = tests::dxfGroups();
         group(groups, 70).assign(std::int64_t(version));
         QuillnoteObj3 mark;
         EXPECT_EQ(read(mark, groups), status) << version;
         EXPECT_EQ(mark.markNumber, 1) << "reading went on behind the version";
-        EXPECT_EQ(mark.formatVersion, 7);
+        EXPECT_EQ(mark.formatVersion, QuillnoteObj3::kFormatVersion);
     }
     ResbufList groups = tests::dxfGroups();
     groups.erase(groups.begin());

@@ -36,32 +36,34 @@ protected:
         auto expected = std::make_unique<QuillnoteObj3>();
         tests::setFullMark(*expected, *database);
         expected->targetStyle = targetStyle;
-        const QuillnoteObj3 fresh;
-        expected->normal = fresh.normal;
-        expected->xDirection = fresh.xDirection;
-        for (auto point :
-             {&QuillnoteObj3::targetCorner3, &QuillnoteObj3::targetCorner4, &QuillnoteObj3::textBoxCorner1,
-              &QuillnoteObj3::textBoxCorner2, &QuillnoteObj3::textBoxCorner3, &QuillnoteObj3::textBoxCorner4,
-              &QuillnoteObj3::flagPoint})
-            (*expected).*point = {};
-        expected->flagStyle = 101;
-        expected->leaderMode = 0;
-        expected->reservedShort2 = 0;
-        expected->cornersValid = false;
-        expected->vertexCount = 0;
-        expected->reservedDouble = 0;
-        expected->bigCategory.clear();
-        expected->smallCategory.clear();
-        expected->weight = 5;
-        if (version < 6) {
-            expected->snapEntityIds.clear();
-            expected->snapChecksum.clear();
-            expected->snapImage.clear();
-            expected->fullImage.clear();
-        }
+        if (version < 7)
+            forgetVersion7(*expected);
+        if (version < 6)
+            forgetVersion6(*expected);
         if (version < 4)
             forgetVersion4(*expected);
         return expected;
+    }
+    static void forgetVersion7(QuillnoteObj3 &mark)
+    {
+        mark.normal = {0, 0, 1};
+        mark.xDirection = {1, 0, 0};
+        mark.targetCorner3 = mark.targetCorner4 = mark.flagPoint = {};
+        mark.textBoxCorner1 = mark.textBoxCorner2 = mark.textBoxCorner3 = mark.textBoxCorner4 = {};
+        mark.flagStyle = 101;
+        mark.leaderMode = mark.reservedShort2 = mark.vertexCount = 0;
+        mark.cornersValid = false;
+        mark.reservedDouble = 0;
+        mark.bigCategory.clear();
+        mark.smallCategory.clear();
+        mark.weight = 5;
+    }
+    static void forgetVersion6(QuillnoteObj3 &mark)
+    {
+        mark.snapEntityIds.clear();
+        mark.snapChecksum.clear();
+        mark.snapImage.clear();
+        mark.fullImage.clear();
     }
     static void forgetVersion4(QuillnoteObj3 &mark)
     {
@@ -108,7 +110,7 @@ TEST_F(MarkStream, OldRecordsGetDefaultsAndAreWrittenAsTheCurrentVersion)
         tests::setFullMark(mark, *database);
         ASSERT_EQ(read(mark, row.stream), Acad::eOk);
         EXPECT_EQ(position, row.stream.size());
-        EXPECT_EQ(mark.formatVersion, 7);
+        EXPECT_EQ(mark.formatVersion, QuillnoteObj3::kFormatVersion);
         EXPECT_EQ(differingMarkFields(mark, *fullMarkOfVersion(row.version, row.targetStyle)), QStringList());
 
         QuillnoteObj3 again;
@@ -151,7 +153,7 @@ TEST_F(MarkStream, ATextBoxBeginsAtTheLeftCorner)
 TEST_F(MarkStream, ANewerRecordIsRefusedAndLeftAlone)
 {
     QByteArray stream = tests::version7Stream();
-    stream[0] = 8;
+    stream[0] = char(QuillnoteObj3::kFormatVersion + 1);
     QuillnoteObj3 mark;
     const QuillnoteObj3 untouched;
     EXPECT_EQ(read(mark, stream), Acad::eMakeMeProxy);
@@ -170,7 +172,7 @@ TEST_F(MarkStream, EveryTruncationIsRefusedWithTheRowOfItsField)
             const QString line = std::exchange(frontEnd.printed, {});
             ASSERT_TRUE(line.startsWith(u"\n!mark_fields.cpp@") && line.endsWith(u": eEndOfFile"))
                 << line.toStdString();
-            ASSERT_EQ(mark.formatVersion, 7);
+            ASSERT_EQ(mark.formatVersion, QuillnoteObj3::kFormatVersion);
         }
     }
     // Opinion missing: what came before is kept, the row is named.
