@@ -1,3 +1,4 @@
+// The host's own commands, typed line by line.
 #include "host/aced/hostcommands.h"
 
 #include "host/acdb/dbapi.h"

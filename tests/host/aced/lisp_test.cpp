@@ -1,3 +1,4 @@
+// The small LISP: reading, evaluating, functions of modules.
 #include "host/aced/edlisp.h"
 
 #include "host/aced/edcommands.h"

@@ -1,3 +1,4 @@
+// Menu files and the menu bar.
 #include "host/aced/edmenu.h"
 
 #include "host/aced/edfrontend.h"
