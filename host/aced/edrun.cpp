@@ -169,8 +169,9 @@ int AcEditor::execute(const QString &line)
     }
     // The words behind the name answer its prompts; what is left over names the next command.
     AcEdFeed feed(AcEdFeed::open, acedSplitLine(typed));
+    const bool alreadyQuitting = m_quit; // From an earlier run; this line is run all the same.
     int result = RTNONE;
-    while (!feed.tokens().empty() && !m_quit) {
+    while (!feed.tokens().empty() && m_quit == alreadyQuitting) {
         const QString name = std::get<QString>(feed.tokens().front());
         feed.tokens().pop_front();
         if (name.isEmpty())

@@ -78,6 +78,7 @@ TEST(SystemVariables, SettingChecksTypeRangeAndRights)
         int result;
         const char *value; ///< Afterwards.
     };
+    acedSetIntVar("CMDECHO", 1);
     const Case cases[] = {
         {"OSMODE", "35", RTNORM, "35"},
         {"OSMODE", "-1", RTREJ, "35"},
