@@ -107,7 +107,8 @@ int AcEditor::runLocked(const AcEdCommand &command)
         return RTERROR;
     }
     const QString &name = command.globalName;
-    if (curDoc() && !(command.flags & (ACRX_CMD_USEPICKSET | ACRX_CMD_TRANSPARENT)))
+    const bool keepsPickSet = command.flags & (ACRX_CMD_USEPICKSET | ACRX_CMD_TRANSPARENT);
+    if (curDoc() && m_active.isEmpty() && !keepsPickSet)
         curDoc()->pickSet().clear();
     m_active.append(name);
     acedTakeRules(); // What an earlier command prepared for a prompt that never came.

@@ -214,9 +214,13 @@ TEST_F(Commands, ThePickSetIsForCommandsThatUseIt)
     add(
         "USES", [&seen, this] { seen = m_drawing.document().pickSet().size(); }, ACRX_CMD_USEPICKSET);
     add("IGNORES", [&seen, this] { seen = m_drawing.document().pickSet().size(); });
+    add(
+        "CALLS", [] { acedCommandS({"IGNORES"}); }, ACRX_CMD_USEPICKSET);
     ScriptFrontEnd script;
     m_drawing.document().pickSet() = {m_drawing.database().modelSpaceId()};
     acedEditor()->runCommand("USES");
+    EXPECT_EQ(seen, 1u);
+    acedEditor()->runCommand("CALLS"); // What a command calls leaves its caller's pick set alone.
     EXPECT_EQ(seen, 1u);
     acedEditor()->runCommand("IGNORES");
     EXPECT_EQ(seen, 0u);
