@@ -3,6 +3,7 @@
 #include "app/console/console_front_end.h"
 #include "app/console/modules.h"
 #include "host/aced/hostcommands.h"
+#include "host/acgi/gidraw.h"
 #include "host/acrx/rxmodule.h"
 #include "host/acui/acuiinstall.h"
 #include "host/os/shell.h"
@@ -40,6 +41,7 @@ int main(int argc, char **argv)
     acedSetFrontEnd(&frontEnd);
     os::setShellEnabled(false);
     acedRegisterHostCommands();
+    acgiInstall();
     acuiInstall();
     if (!console::runsWithoutModules(arguments))
         console::loadModules();
@@ -47,6 +49,7 @@ int main(int argc, char **argv)
     const int status = console::runCommandLine(arguments);
 
     acrxDynamicLinker()->unloadAll();
+    console::endMessageLine();
     acuiUninstall();
     acedSetFrontEnd(nullptr);
     return status;

@@ -50,7 +50,14 @@ void printMessage(const QString &text)
 
 void printMessageLine(const QString &text)
 {
-    printMessage((atLineStart() ? QString() : QStringLiteral("\n")) + text + QLatin1Char('\n'));
+    endMessageLine();
+    printMessage(text + QLatin1Char('\n'));
+}
+
+void endMessageLine()
+{
+    if (!atLineStart())
+        printMessage(QStringLiteral("\n"));
 }
 
 } // namespace console

@@ -23,5 +23,7 @@ public:
 void printMessage(const QString &text);
 /// The same on a line of its own.
 void printMessageLine(const QString &text);
+/// Ends the line that messages have begun, so that results or the shell's prompt do not continue it.
+void endMessageLine();
 
 } // namespace console

@@ -1,5 +1,6 @@
 #include "app/console/module_verbs.h"
 
+#include "app/console/console_front_end.h"
 #include "app/console/documents.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ static int runOnFile(const AcEdVerb &verb, const QString &file, const AcEdVerbCa
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
+    endMessageLine();
     if (titled)
         acedPrintResult(file + QStringLiteral(":\n"));
     return std::clamp(verb.run(call), int(kDone), int(kTrouble));
