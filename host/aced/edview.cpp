@@ -24,7 +24,7 @@ static const AcApDocument *shown(int viewport)
 
 static bool toPixel(double value, int &pixel)
 {
-    constexpr double kLimit = std::numeric_limits<int>::max() / 2;
+    constexpr double kLimit = std::numeric_limits<int>::max() / 2.0;
     if (!(std::abs(value) < kLimit))
         return false;
     pixel = int(std::lround(value));

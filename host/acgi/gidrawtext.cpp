@@ -154,8 +154,8 @@ static void drawParagraphs(const Hanging &hanging, const std::vector<MTextLine> 
         total += i == 0 ? lines[i].height : lines[i].height * spacing;
     const std::int64_t attachment = std::clamp<std::int64_t>(hanging.attachment, 1, 9) - 1;
     const double across = double(attachment % 3) / 2.0;
-    const int row = attachment / 3; // 0 top, 1 middle, 2 bottom
-    double below = total * row / 2.0;
+    const std::int64_t row = attachment / 3; // 0 top, 1 middle, 2 bottom
+    double below = total * double(row) / 2.0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         below -= i == 0 ? lines[i].height : lines[i].height * spacing;
         if (lines[i].text.isEmpty())

@@ -126,6 +126,7 @@ const MarkField &markField(QStringView name)
 std::vector<std::pair<QString, QJsonValue>> markFieldValues(const QuillnoteObj3 &mark)
 {
     std::vector<std::pair<QString, QJsonValue>> values;
+    values.reserve(kFields.size());
     for (const MarkField &field : kFields)
         values.emplace_back(field.name.toString(), fields::fieldToJson(mark, field));
     return values;
