@@ -237,6 +237,38 @@ private:
     std::vector<AcDbObjectId> m_made;
 };
 
+static QString freePictureName(const AcDbSymbolTable &blocks)
+{
+    for (int number = 1;; ++number) {
+        const QString name = QStringLiteral("*D%1").arg(number);
+        if (!blocks.has(name))
+            return name;
+    }
+}
+
+/// A dimension shows an anonymous block of its own; two that share one would move it for each other.
+static void copyPicture(AcDbObjectId dimension)
+{
+    AcDbDatabase &database = *dimension.database();
+    AcDbSymbolTable blocks(database, SymbolTable::block);
+    AcDbObjectPointer<AcDbEntity> copy(dimension, AcDb::kForWrite);
+    const resbuf *const name = copy ? findGroup(copy->groups(), 2) : nullptr;
+    const AcDbObjectId shared = name ? blocks.getAt(name->text()) : AcDbObjectId();
+    if (shared.isNull() || !name->text().startsWith(QLatin1Char('*')))
+        return;
+    std::vector<AcDbObjectId> shown;
+    if (AcDbObjectPointer<AcDbBlockTableRecord> picture(shared, AcDb::kForRead); picture)
+        shown = picture->entities();
+    const QString ownName = freePictureName(blocks);
+    AcDbObjectId own;
+    if (blocks.addLike(name->text(), ownName, own) != Acad::eOk)
+        return;
+    own.stub()->object->close();
+    std::vector<AcDbObjectId> copies;
+    acdbDeepCloneEntities(shown, own, copies);
+    findGroup(copy->editGroups(), 2)->assign(ownName);
+}
+
 Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
                                         std::vector<AcDbObjectId> &copies)
 {
@@ -249,8 +281,11 @@ Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entitie
         ObjectCopier copier(*blockRecord.database());
         const AcDbObjectId copy = copier.copyEntity(entity, *block);
         copier.finish();
-        if (!copy.isNull())
-            copies.push_back(copy);
+        if (copy.isNull())
+            continue;
+        if (acdbKindName(copy.stub()->kind) == "DIMENSION")
+            copyPicture(copy);
+        copies.push_back(copy);
     }
     return Acad::eOk;
 }

@@ -54,3 +54,33 @@ TEST(Clone, CopiesEveryFieldOfACustomEntity)
     EXPECT_EQ(copy->blockId(), database->paperSpaceId());
     EXPECT_TRUE(findGroup(copy->groups(), 67));
 }
+
+TEST(Clone, ADimensionGetsAPictureOfItsOwn)
+{
+    MemoryDrawing drawing;
+    const auto picture = drawing.block("*D1");
+    drawing.entity("LINE", {{10, AcGePoint3d()}, {11, AcGePoint3d(1, 0, 0)}}, picture);
+    const auto handle = drawing.entity("DIMENSION", {{100, "AcDbDimension"},
+                                                     {2, "*D1"},
+                                                     {10, AcGePoint3d()},
+                                                     {11, AcGePoint3d()},
+                                                     {70, 0},
+                                                     {100, "AcDbAlignedDimension"},
+                                                     {13, AcGePoint3d()},
+                                                     {14, AcGePoint3d(1, 0, 0)}});
+    const auto database = drawing.open();
+    std::vector<AcDbObjectId> copies;
+    ASSERT_EQ(acdbDeepCloneEntities({database->getAcDbObjectId({handle})}, database->modelSpaceId(), copies),
+              Acad::eOk);
+    AcDbObjectPointer<AcDbEntity> copy(copies.at(0), AcDb::kForWrite);
+    EXPECT_EQ(copy->transformBy(AcGeMatrix3d::translation({5, 0, 0})), Acad::eOk);
+    const auto lineStart = [&](const QString &block) {
+        AcDbObjectPointer<AcDbBlockTableRecord> record(database->tableRecord(SymbolTable::block, block),
+                                                       AcDb::kForRead);
+        return record ? findGroup(database->fileGroups(*record->entities().at(0).stub()), 10)->point()
+                      : AcGePoint3d();
+    };
+    EXPECT_EQ(findGroup(copy->groups(), 2)->text(), "*D2");
+    EXPECT_EQ(lineStart(QStringLiteral("*D1")), AcGePoint3d());
+    EXPECT_EQ(lineStart(QStringLiteral("*D2")), AcGePoint3d(5, 0, 0));
+}
