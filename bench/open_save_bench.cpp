@@ -3,6 +3,7 @@
 // size.
 //
 // usage: bench_open_save FILE.dxf...   (bench/make_drawing.py makes them)
+#include "bench/stopwatch.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/base/atomic_file.h"
 #include "host/formats/dxf/dxfreader.h"
@@ -12,24 +13,9 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
-
-template <class Work>
-static double bestSeconds(int runs, Work work)
-{
-    double best = 1e9;
-    for (int run = 0; run < runs; ++run) {
-        const auto begin = std::chrono::steady_clock::now();
-        work();
-        best =
-            std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    }
-    return best;
-}
 
 static std::size_t countLines(std::string_view bytes)
 {
@@ -75,7 +61,7 @@ static bool measure(const QString &path)
     }
     const double resident = residentBytes() - before;
     AcDbDatabase &database = **opened;
-    const double decode = bestSeconds(1, [&] {
+    const double decode = bench::bestSeconds(1, [&] {
         std::size_t groups = 0;
         for (std::uint32_t index = 1; index < database.stubCount(); ++index) {
             if (database.stub(index)->has(AcDbStub::kHasSource))
@@ -86,17 +72,18 @@ static bool measure(const QString &path)
 
     const auto bytes = base::readFileBytes(path);
     std::size_t lines = 0;
-    const double split = bestSeconds(runs, [&] { lines = countLines(bytes->view()); });
-    const double read = bestSeconds(runs, [&] { (void)base::readFileBytes(path).ok(); });
-    const double open = bestSeconds(runs, [&] { (void)readDxf(path).ok(); });
+    const double split = bench::bestSeconds(runs, [&] { lines = countLines(bytes->view()); });
+    const double read = bench::bestSeconds(runs, [&] { (void)base::readFileBytes(path).ok(); });
+    const double open = bench::bestSeconds(runs, [&] { (void)readDxf(path).ok(); });
 
     const QTemporaryDir folder(QFileInfo(path).absolutePath() + QStringLiteral("/bench-XXXXXX"));
     const QString target = folder.filePath(QStringLiteral("out.dxf"));
     const QByteArrayView content(bytes->data(), qsizetype(bytes->size()));
-    const double copy = bestSeconds(runs, [&] { (void)base::writeFileAtomically(target, content).ok(); });
+    const double copy =
+        bench::bestSeconds(runs, [&] { (void)base::writeFileAtomically(target, content).ok(); });
     addMark(database);
     bool saved = true;
-    const double save = bestSeconds(runs, [&] { saved = saved && writeDxf(database, target).ok(); });
+    const double save = bench::bestSeconds(runs, [&] { saved = saved && writeDxf(database, target).ok(); });
 
     const double size = double(bytes->size());
     std::printf("%s: %.1f MB, %zu lines\n", qPrintable(QFileInfo(path).fileName()), size / 1e6, lines);

@@ -1,0 +1,73 @@
+// Claim: ten thousand marks are opened, listed and filed in a time that goes with their bytes. The bound for
+// filing is copying the filed bytes; opening is told by itself.
+//
+// usage: bench_marks
+#include "bench/stopwatch.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/formats/dxf/dxfreader.h"
+#include "host/formats/dxf/dxftemplate.h"
+#include "host/formats/dxf/dxfwriter.h"
+#include "quillnote/authoring/collect_marks.h"
+#include "quillnote/authoring/create_mark.h"
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_record.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <cstring>
+
+static constexpr int kMarks = 10'000;
+static constexpr int kPictureBytes = 8'000;
+
+static std::unique_ptr<AcDbDatabase> opened(const QByteArray &bytes)
+{
+    auto database = readDxf(base::FileBytes::fromByteArray(bytes), QStringLiteral("bench"));
+    return std::move(database).value();
+}
+
+static void draw(AcDbDatabase &database)
+{
+    for (int i = 0; i < kMarks; ++i) {
+        NewMark request;
+        request.corner1 = {double(i % 100) * 50, double(i / 100) * 50, 0};
+        request.corner2 = {request.corner1.x + 40, request.corner1.y + 30, 0};
+        request.opinionText = QStringLiteral("第 %1 处门宽不足，请核对。").arg(i);
+        AcDbObjectPointer<QuillnoteObj3> mark(createMark(database, request), AcDb::kForWrite);
+        mark->snapImage = QByteArray(kPictureBytes, char(i));
+    }
+}
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    registerMarkClass();
+    auto first = opened(newDrawingDxf());
+    const double made = bench::seconds([&] { draw(*first); });
+    QByteArray saved;
+    const double written = bench::seconds([&] { saved = writeDxf(*first).value(); });
+    first.reset();
+
+    std::unique_ptr<AcDbDatabase> second;
+    const double read = bench::seconds([&] { second = opened(saved); });
+    std::size_t found = 0;
+    const double collected = bench::seconds([&] { found = collectMarks(*second).ids.size(); });
+    const double again = bench::seconds([&] { found += collectMarks(*second).ids.size(); });
+    QByteArray filed;
+    const std::vector<AcDbObjectId> ids = collectMarks(*second).ids;
+    const double filing = bench::seconds([&] {
+        AcDbMemoryFiler filer(AcDb::kFileFiler, second.get());
+        for (const AcDbObjectId id : ids)
+            AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->dwgOutFields(&filer);
+        filed = filer.stream();
+    });
+    QByteArray copy(filed.size(), Qt::Uninitialized);
+    const double copying = bench::bestSeconds(
+        5, [&] { std::memcpy(copy.data(), filed.constData(), std::size_t(filed.size())); });
+    std::printf("%d marks with %d bytes of picture each (%zu seen)\n", kMarks, kPictureBytes, found / 2);
+    std::printf("make %.3f s, save %.3f s (%.1f MB), open the drawing %.3f s\n", made, written,
+                double(saved.size()) / 1e6, read);
+    std::printf("first look at every mark %.3f s, the next %.4f s\n", collected, again);
+    std::printf("file %.4f s, copying the %.1f MB %.4f s, ratio %.1f\n", filing, double(filed.size()) / 1e6,
+                copying, filing / copying);
+}
