@@ -250,7 +250,8 @@ int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
     AcEdPrompt shown = prompt;
     shown.keywords = rules.keywords;
     shown.allowsEmpty = !rules.has(RSG_NONULL);
-    // A script that gives wrong answers must not be eaten up by one prompt.
+    // A person is asked again, but not for ever; a script ends at its first wrong answer, before it gets out
+    // of step.
     constexpr int kMostAttempts = 10;
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
         auto answer = acedNextAnswer(shown);
@@ -260,7 +261,7 @@ int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
         if (round.outcome == Round::finished)
             return round.result;
         if (!round.complaint.isEmpty())
-            acutPrintf(u'\n' + round.complaint);
+            acedFrontEnd().refuseAnswer(round.complaint);
     }
     acutPrintf(QStringLiteral("\n没有得到可用的回答，命令已取消。"));
     acedEditor()->requestCancel();

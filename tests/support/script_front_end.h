@@ -33,7 +33,11 @@ public:
     std::optional<QString> dialogLine(const QString &what) override;
     bool isScripted() const override { return true; }
     void print(const QString &text) override { printed += text; }
-    void refuseAnswer(const QString &reason) override { refusals.append(reason); }
+    void refuseAnswer(const QString &reason) override
+    {
+        refusals.append(reason);
+        print(QStringLiteral("\n") + reason);
+    }
     QStringList heldKeys() const override { return held; }
 
     bool isUsedUp() const { return m_answers.empty() && m_dialogLines.empty(); }
