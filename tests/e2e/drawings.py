@@ -32,37 +32,39 @@ def drawing(version, code_page="ANSI_936"):
     program knows nothing of, and numbers in spellings that no writer would choose."""
     wall = "墙体" if code_page == "ANSI_936" else "mur ext\u00e9rieur"
     note = "控制室 \\U+2205 %%d" if code_page == "ANSI_936" else "salle \\U+2205 %%d"
-    if version == "R12":
-        return split(R12.replace("WALL", wall.replace(" ", "_")).replace("NOTE", note).replace("PAGE", code_page))
-    modern = MODERN if VERSIONS[version] >= "AC1018" else MODERN.replace("|91 1", "")
-    for word, text in (("VERSION", VERSIONS[version]), ("PAGE", code_page), ("WALL", wall), ("NOTE", note)):
-        modern = modern.replace(word, text)
-    return split(modern)
+    template = R12 if version == "R12" else MODERN
+    if VERSIONS[version] < "AC1018":
+        template = template.replace("|91 1", "")  # Classes count their instances since then.
+    words = {"VERSION": VERSIONS[version], "PAGE": code_page, "NOTE": note}
+    words["WALL"] = wall.replace(" ", "_") if version == "R12" else wall
+    for word, text in words.items():
+        template = template.replace(f"<{word}>", text)
+    return split(template)
 
 
 R12 = (
-    "999 kept as it is|0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|9 $DWGCODEPAGE|3 PAGE|9 $INSBASE|10 0.0|20 0.0|30 0.0"
+    "999 kept as it is|0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|9 $DWGCODEPAGE|3 <PAGE>|9 $INSBASE|10 0.0|20 0.0|30 0.0"
     "|9 $EXTMIN|10 0.0|20 0.0|30 0.0|9 $EXTMAX|10 1000.0|20 600.0|30 0.0|9 $HANDLING|70 1|9 $HANDSEED|5 C0|0 ENDSEC"
     "|0 SECTION|2 TABLES|0 TABLE|2 LTYPE|70 1|0 LTYPE|2 CONTINUOUS|70 64|3 Solid line|72 65|73 0|40 0.0|0 ENDTAB"
-    "|0 TABLE|2 LAYER|70 2|0 LAYER|2 0|70 0|62 7|6 CONTINUOUS|0 LAYER|2 WALL|70 64|62 1|6 CONTINUOUS|0 ENDTAB"
+    "|0 TABLE|2 LAYER|70 2|0 LAYER|2 0|70 0|62 7|6 CONTINUOUS|0 LAYER|2 <WALL>|70 64|62 1|6 CONTINUOUS|0 ENDTAB"
     "|0 TABLE|2 STYLE|70 1|0 STYLE|2 STANDARD|70 0|40 0.0|41 1.0|50 0.0|71 0|42 2.5|3 txt|4 |0 ENDTAB"
     "|0 TABLE|2 APPID|70 1|0 APPID|2 ACAD|70 64|0 ENDTAB|0 ENDSEC"
     "|0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 DOOR|70 2|10 0.0|20 0.0|30 0.0|3 DOOR|1 "
     "|0 LINE|5 A1|8 0|10 0.0|20 0.0|30 0.0|11 90|21 0.0|31 0.0|0 ATTDEF|5 A2|8 0|10 0.0|20 -20.0|30 0.0|40 10.0"
     "|1 D00|3 door|2 NR|70 0|0 ENDBLK|5 A3|8 0|0 ENDSEC"
-    "|0 SECTION|2 ENTITIES|0 LINE|5 B1|8 WALL|10 0.0|20 0.0|30 0.0|11 1000.00|21 0.0|31 0.0"
-    "|0 CIRCLE|5 B2|8 WALL|62 3|10 500.0|20 300.0|30 0.0|40 1.50e2"
+    "|0 SECTION|2 ENTITIES|0 LINE|5 B1|8 <WALL>|10 0.0|20 0.0|30 0.0|11 1000.00|21 0.0|31 0.0"
+    "|0 CIRCLE|5 B2|8 <WALL>|62 3|10 500.0|20 300.0|30 0.0|40 1.50e2"
     "|0 INSERT|5 B3|8 0|66 1|2 DOOR|10 200.0|20 0.0|30 0.0|0 ATTRIB|5 B4|8 0|10 200.0|20 -20.0|30 0.0|40 10.0|1 D01"
     "|2 NR|70 0|0 SEQEND|5 B5|8 0"
     "|0 POLYLINE|5 B6|8 0|66 1|10 0.0|20 0.0|30 0.0|0 VERTEX|5 B7|8 0|10 0.0|20 600.0|30 0.0|0 VERTEX|5 B8|8 0|10 80.0"
-    "|20 590.0|30 0.0|0 SEQEND|5 B9|8 0|0 TEXT|5 BA|8 0|10 600.0|20 500.0|30 0.0|40 25.|1 NOTE|1001 ACAD|1000 kept"
+    "|20 590.0|30 0.0|0 SEQEND|5 B9|8 0|0 TEXT|5 BA|8 0|10 600.0|20 500.0|30 0.0|40 25.|1 <NOTE>|1001 ACAD|1000 kept"
     "|0 TEXT|5 BB|8 0|10 10.0|20 10.0|30 0.0|40 5.0|1 title|67 1|0 ENDSEC|0 EOF"
 )
 
 RECORD = "|100 AcDbSymbolTableRecord|100 AcDb"
 ENTITY = "|100 AcDbEntity"
 MODERN = (
-    "0 SECTION|2 HEADER|9 $ACADVER|1 VERSION|9 $DWGCODEPAGE|3 PAGE|9 $INSBASE|10 0.0|20 0.0|30 0.0"
+    "0 SECTION|2 HEADER|9 $ACADVER|1 <VERSION>|9 $DWGCODEPAGE|3 <PAGE>|9 $INSBASE|10 0.0|20 0.0|30 0.0"
     "|9 $EXTMIN|10 0.0|20 0.0|30 0.0|9 $EXTMAX|10 1000.0|20 600.0|30 0.0|9 $CLAYER|8 0|9 $HANDSEED|5 C0|0 ENDSEC"
     "|0 SECTION|2 CLASSES|0 CLASS|1 SPECIAL|2 AcDbSpecial|3 Some Maker|90 0|91 1|280 0|281 1|0 ENDSEC"
     "|0 SECTION|2 TABLES"
@@ -74,7 +76,7 @@ MODERN = (
     "|70 0|3 |72 65|73 0|40 0.0|0 LTYPE|5 62|330 5" + RECORD + "LinetypeTableRecord|2 BYLAYER|70 0|3 |72 65|73 0|40 0.0"
     "|0 LTYPE|5 63|330 5" + RECORD + "LinetypeTableRecord|2 CONTINUOUS|70 0|3 Solid|72 65|73 0|40 0.0|0 ENDTAB"
     "|0 TABLE|2 LAYER|5 2|330 0|100 AcDbSymbolTable|70 2|0 LAYER|5 64|330 2" + RECORD + "LayerTableRecord|2 0|70 0|62 7"
-    "|6 CONTINUOUS|0 LAYER|5 65|330 2" + RECORD + "LayerTableRecord|2 WALL|70 0|62 1|6 CONTINUOUS|0 ENDTAB"
+    "|6 CONTINUOUS|0 LAYER|5 65|330 2" + RECORD + "LayerTableRecord|2 <WALL>|70 0|62 1|6 CONTINUOUS|0 ENDTAB"
     "|0 TABLE|2 STYLE|5 3|330 0|100 AcDbSymbolTable|70 1|0 STYLE|5 66|330 3" + RECORD + "TextStyleTableRecord|2 STANDARD"
     "|70 0|40 0.0|41 1.0|50 0.0|71 0|42 2.5|3 txt|4 |0 ENDTAB"
     "|0 TABLE|2 VIEW|5 6|330 0|100 AcDbSymbolTable|70 0|0 ENDTAB|0 TABLE|2 UCS|5 7|330 0|100 AcDbSymbolTable|70 0|0 ENDTAB"
@@ -95,13 +97,13 @@ MODERN = (
     "|0 ATTDEF|5 29|330 26" + ENTITY + "|8 0|100 AcDbText|10 0.0|20 -20.0|30 0.0|40 10.0|1 D00"
     "|100 AcDbAttributeDefinition|3 door|2 NR|70 0|0 ENDBLK|5 2A|330 26" + ENTITY + "|8 0|100 AcDbBlockEnd|0 ENDSEC"
     "|0 SECTION|2 ENTITIES"
-    "|0 LINE|5 30|330 20" + ENTITY + "|8 WALL|100 AcDbLine|10 0.0|20 0.0|30 0.0|11 1000.00|21 0.0|31 0.0"
-    "|0 CIRCLE|5 31|330 20" + ENTITY + "|8 WALL|62 3|100 AcDbCircle|10 500.0|20 300.0|30 0.0|40 1.50e2"
+    "|0 LINE|5 30|330 20" + ENTITY + "|8 <WALL>|100 AcDbLine|10 0.0|20 0.0|30 0.0|11 1000.00|21 0.0|31 0.0"
+    "|0 CIRCLE|5 31|330 20" + ENTITY + "|8 <WALL>|62 3|100 AcDbCircle|10 500.0|20 300.0|30 0.0|40 1.50e2"
     "|0 INSERT|5 32|102 {ACAD_XDICTIONARY|360 54|102 }|330 20" + ENTITY + "|8 0|100 AcDbBlockReference|66 1|2 DOOR"
     "|10 200.0|20 0.0|30 0.0|0 ATTRIB|5 33|330 32" + ENTITY + "|8 0|100 AcDbText|10 200.0|20 -20.0|30 0.0|40 10.0"
     "|1 D01|100 AcDbAttribute|2 NR|70 0|0 SEQEND|5 34|330 32" + ENTITY + "|8 0"
     "|0 SPECIAL|5 35|330 20" + ENTITY + "|8 0|100 AcDbSpecial|90 2|310 00FF7F|1 nobody knows this|340 31"
-    "|0 TEXT|5 36|330 20" + ENTITY + "|8 0|100 AcDbText|10 600.0|20 500.0|30 0.0|40 25.|1 NOTE|100 AcDbText"
+    "|0 TEXT|5 36|330 20" + ENTITY + "|8 0|100 AcDbText|10 600.0|20 500.0|30 0.0|40 25.|1 <NOTE>|100 AcDbText"
     "|1001 ACAD|1000 kept"
     "|0 TEXT|5 37|330 23" + ENTITY + "|67 1|8 0|100 AcDbText|10 10.0|20 10.0|30 0.0|40 5.0|1 title|100 AcDbText|0 ENDSEC"
     "|0 SECTION|2 OBJECTS"
@@ -214,18 +216,12 @@ class Parts:
 def differences(before, after):
     """What an edit lost and what it added: lists of objects. The order of what stayed is checked too."""
     left, right = Counter(before.objects), Counter(after.objects)
-    stayed = left & right
-    for one, other in zip(_among(before.objects, stayed), _among(after.objects, stayed)):
-        assert one == other, f"moved: {one[:3]}"
+    stayed, rest = left & right, iter(after.objects)
+    for each in before.objects:
+        if stayed[each] > 0:
+            stayed[each] -= 1
+            assert each in rest, f"moved: {each[:3]}"
     return list((left - right).elements()), list((right - left).elements())
-
-
-def _among(objects, kept):
-    counts = Counter(kept)
-    for each in objects:
-        if counts[each] > 0:
-            counts[each] -= 1
-            yield each
 
 
 def grew_only(before, after):

@@ -13,7 +13,7 @@ from pathlib import Path
 import drawings
 import program
 
-SAVES = 1000
+SAVES = 4000
 KILLS = 25
 
 

@@ -4,6 +4,7 @@ joined by a second one, while everything else in the file stays as it was."""
 
 import re
 import unittest
+from pathlib import Path
 
 import drawings
 import program
@@ -65,10 +66,11 @@ class MarkRoadTest(unittest.TestCase):
         }  # fmt: skip
         self.assertEqual({key: mark.get(key) for key in expected}, expected)
         self.assertRegex(mark["GUID"], GUID)
-        self.assertAlmostEqual(mark["createTime"], 2460436.5 + (7 * 3600 + 8 * 60 + 9) / 86400, places=6)
+        # The number of the day and the part of it since midnight, as the system variable DATE.
+        self.assertAlmostEqual(mark["createTime"], 2460437 + (7 * 3600 + 8 * 60 + 9) / 86400, places=6)
 
     def check_rest(self, original, saved, marks):
-        before, after = (drawings.Parts(open(path, "rb").read()) for path in (original, saved))
+        before, after = (drawings.Parts(Path(path).read_bytes()) for path in (original, saved))
         lost, added = drawings.differences(before, after)
         for each in lost:
             if each[0] == (9, b"$HANDSEED"):
@@ -111,7 +113,7 @@ class MarkRoadTest(unittest.TestCase):
             self.assertEqual(len(guids), 3)
             for mark in listed:
                 mark.pop("file")
-            parts = drawings.Parts(open(name, "rb").read())
+            parts = drawings.Parts(Path(name).read_bytes())
             # The GUID stands among the fields that are kept as bytes with a checksum.
             written.append((listed, [tuple(g for g in each if g[0] not in (91, 310)) for each in parts.objects]))
         self.assertEqual(written[0], written[1])
