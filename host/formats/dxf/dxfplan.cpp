@@ -4,6 +4,7 @@
 #include "host/formats/dxf/dxftables.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace dxf
 {
@@ -58,7 +59,12 @@ static Place placeOf(const AcDbStub &stub)
 /// What an erased object owns goes with it, however deep.
 void SavePlan::findGone()
 {
-    if (std::ranges::none_of(m_changed, [](const AcDbStub *stub) { return stub->has(AcDbStub::kErased); }))
+    // What was made and erased again is no change, but may have left something that it owned.
+    const auto isErased = [this](std::uint32_t index) {
+        return m_database.stub(index)->has(AcDbStub::kErased);
+    };
+    if (std::ranges::none_of(std::views::iota(std::uint32_t(1), std::uint32_t(m_database.stubCount())),
+                             isErased))
         return;
     enum State : char { unknown, pending, alive, gone };
     std::vector<State> states(m_database.stubCount(), unknown);
