@@ -112,11 +112,13 @@ endfunction()
 # quill_script_test(<name> <script>): one test written in Python (.py) or Bash, counted as one case.
 # It finds the program in $QUILLNOTE, the repository in $QUILL_ROOT, and may write into the folder that
 # it is started in, which is empty and holds the settings of its runs.
+# Python is the system's own first, which finds the packages that tools/packages.txt names.
+find_program(QUILL_PYTHON python3 HINTS /usr/bin REQUIRED)
 function(quill_script_test name script)
   get_filename_component(path ${script} ABSOLUTE)
   set(interpreter bash)
   if(script MATCHES "\\.py$")
-    set(interpreter python3)
+    set(interpreter ${QUILL_PYTHON})
   endif()
   set(folder ${CMAKE_BINARY_DIR}/tests/${name}.dir)
   add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tests/support/in_empty_folder ${folder}

@@ -193,13 +193,17 @@ def read_binary(data):
 
 
 class Parts:
-    """A file as objects: tuples of groups from one 0 to the next, and header variables from one 9 to the next."""
+    """A file as objects: tuples of groups from one 0 to the next, and header variables from one 9 to the next.
+    Comments stand apart."""
 
     def __init__(self, data):
         groups = read_binary(data) if data.startswith(SENTINEL) else read_text(data)
+        self.comments = [value for code, value in groups if code == 999]
         self.objects, current = [], []
         in_header = False
         for code, value in groups:
+            if code == 999:
+                continue
             starts = code == 0 or in_header and code == 9
             if starts and current:
                 self.objects.append(tuple(current))
@@ -221,6 +225,7 @@ def differences(before, after):
         if stayed[each] > 0:
             stayed[each] -= 1
             assert each in rest, f"moved: {each[:3]}"
+    assert grew_only(before.comments, after.comments), "comments are lost"
     return list((left - right).elements()), list((right - left).elements())
 
 

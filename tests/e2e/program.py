@@ -62,7 +62,10 @@ def audit(path):
     """Faults that the independent reader finds, by code; none when it is not there."""
     if ezdxf is None:
         return []
-    document, _ = ezdxf.recover.readfile(str(path))
+    try:
+        document = ezdxf.readfile(str(path))
+    except (ezdxf.DXFError, UnicodeDecodeError):
+        document, _ = ezdxf.recover.readfile(str(path))
     auditor = document.audit()
     return sorted(entry.code for entry in auditor.errors + auditor.fixes)
 

@@ -77,6 +77,21 @@ class UndoTest(unittest.TestCase):
                 data = drawings.as_text(drawings.drawing(version), drawings.encoding_of(version, "ANSI_936"))
                 self.check(f"random-{seed}", data, steps)
 
+    def test_what_is_erased_leaves_nothing_behind(self):
+        """A copy takes the dictionary that belongs to it along when it is erased again."""
+        for version in drawings.VERSIONS:
+            insert = "handle B3" if version == "R12" else "handle 32"
+            data = drawings.as_text(drawings.drawing(version), drawings.encoding_of(version, "ANSI_936"))
+            drawing = program.write("erased.dxf", data)
+            for steps in (f"COPY\n{insert}\n\n0,0\n5,5\n\nERASE\nL\n\n", f"ERASE\n{insert}\n\n", "ERASE\nALL\n\n"):
+                with self.subTest(version=version, steps=steps):
+                    program.play(steps, drawing, "erased-out.dxf")
+                    _, added = drawings.differences(*(drawings.Parts(Path(path).read_bytes())
+                                                      for path in ("erased.dxf", "erased-out.dxf")))  # fmt: skip
+                    # The next handle and the classes' counts of instances may differ, nothing else is new.
+                    self.assertLessEqual({each[0][1] for each in added}, {b"$HANDSEED", b"CLASS"})
+                    self.assertEqual(program.audit("erased-out.dxf"), [])
+
     def test_undo_half_way_leaves_what_was_done_before(self):
         data = drawings.as_text(drawings.drawing("2013"), "utf-8")
         drawing = program.write("half.dxf", data)

@@ -1,0 +1,50 @@
+#!/usr/bin/env python3
+"""What is shipped as an example works: the sample drawing is what its program writes, the sample script marks it up,
+the report command writes the file that other programs expect."""
+
+import os
+import shutil
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+import drawings
+import program
+
+SAMPLES = Path(os.environ["QUILL_ROOT"]) / "samples"
+OPINIONS = [
+    "双开门净宽 1800 偏小，请按水泵外形尺寸复核运输通道。",
+    "吸水管阀门前应设过滤器。",
+    "控制柜 1AP~3AP 柜前操作通道\n不应小于 1500。",
+    "吸水管阀门前应设过滤器。",
+]
+
+
+class SamplesTest(unittest.TestCase):
+    def test_the_drawing_is_what_its_program_writes(self):
+        subprocess.run([sys.executable, SAMPLES / "make_plan.py", "made.dxf"], check=True)
+        self.assertEqual(Path("made.dxf").read_bytes(), (SAMPLES / "plan.dxf").read_bytes())
+        self.assertEqual(program.audit("made.dxf"), [])
+
+    def test_the_script_marks_it_up(self):
+        shutil.copy(SAMPLES / "plan.dxf", "plan.dxf")
+        script = (SAMPLES / "mark-up.qns").read_text(encoding="utf-8")
+        program.play(script + "QN3_txt\n", "plan.dxf", "marked.dxf")
+
+        listed = program.marks("marked.dxf")
+        self.assertEqual([mark["suggestionContent"] for mark in listed], OPINIONS)
+        self.assertEqual([(mark["markNumber"], mark["subNumber"]) for mark in listed], [(1, 0), (2, 0), (3, 0), (2, 2)])
+        self.assertEqual([mark["editVersion"] for mark in listed], [2, 1, 1, 1])
+        self.assertEqual(program.audit("marked.dxf"), [])
+        before, after = (drawings.Parts(Path(path).read_bytes()) for path in ("plan.dxf", "marked.dxf"))
+        lost, _ = drawings.differences(before, after)
+        self.assertEqual({each[0][1] for each in lost}, {b"$HANDSEED", b"DICTIONARY"})
+
+        report = "".join(f"第 {n} 个审图意见：\n    {text}\n\n" for n, text in enumerate(OPINIONS, 1))
+        self.assertEqual(Path("plan_dxf.txt").read_bytes().decode("gbk"), report.replace("\n", "\r\n"))
+        self.assertEqual(program.call("report", "marked.dxf").stdout, report)
+
+
+if __name__ == "__main__":
+    unittest.main()
