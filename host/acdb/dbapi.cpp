@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dwgcarrier.h"
 #include "host/base/wildcard.h"
 
 #include <algorithm>
@@ -192,16 +193,11 @@ private:
         m_made.push_back(copy);
     }
 
-    // The carrier is made anew for the copy when the drawing is saved.
     void copyExtensionDictionary(AcDbObjectId original, AcDbObjectId copy)
     {
         AcDbObjectId dictionaryId;
-        {
-            AcDbObjectPointer<AcDbObject> object(original, AcDb::kForRead);
-            if (!object || object->isCustom())
-                return;
+        if (AcDbObjectPointer<AcDbObject> object(original, AcDb::kForRead); object)
             dictionaryId = object->extensionDictionary();
-        }
         if (!dictionaryId.isValid())
             return;
         const AcDbObjectId dictionaryCopy = copyTree(dictionaryId, copy, 0);
@@ -218,7 +214,10 @@ private:
         if (!dictionary || depth == kDeepest)
             return copy;
         for (const AcDbDictionary::Entry &entry : dictionary->entries()) {
-            if (entry.id.isValid() && entry.id.stub()->owner == original.stub()->index)
+            // The carrier is made anew when the drawing is saved.
+            if (entry.key == kDwgCarrierKey)
+                static_cast<AcDbDictionary *>(copy.stub()->object)->unlink(entry.key);
+            else if (entry.id.isValid() && entry.id.stub()->owner == original.stub()->index)
                 copyTree(entry.id, copy, depth + 1);
         }
         return copy;

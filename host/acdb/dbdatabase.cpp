@@ -10,10 +10,11 @@
 #include <algorithm>
 #include <set>
 
+// Never destroyed: databases that live to the end of the process leave it later than a static would.
 static std::set<AcDbDatabase *> &openDatabases()
 {
-    static std::set<AcDbDatabase *> all;
-    return all;
+    static auto *const all = new std::set<AcDbDatabase *>;
+    return *all;
 }
 
 /// Objects of a class that leaves go back to groups.
@@ -177,8 +178,6 @@ Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id,
         return Acad::eWasOpenForWrite;
     if (mode == AcDb::kForRead) {
         ++opened->m_readers;
-    } else if (mode == AcDb::kForNotify) {
-        opened->m_notifying = true;
     } else {
         if (opened->m_readers > 0)
             return Acad::eWasOpenForRead;
@@ -268,16 +267,18 @@ void AcDbDatabase::finishWriting(AcDbStub &stub)
 {
     AcDbObject *const object = stub.object;
     object->m_writing = false;
-    const bool isNew = std::exchange(object->m_isNew, false);
     noteChange(stub);
     if (object->m_notifying)
         return; // The change of a reactor is part of what is being told already.
+    // Until it was told of, a new object may be changed whatever its layer.
+    const bool isNew = object->m_isNew;
     notifyWhileOpen(stub, [this, isNew](AcDbDatabaseReactor &reactor, AcDbObject &changed) {
         if (isNew)
             reactor.objectAppended(this, &changed);
         else
             reactor.objectModified(this, &changed);
     });
+    object->m_isNew = false;
 }
 
 void AcDbDatabase::setErased(AcDbStub &stub, bool erased)
@@ -319,7 +320,7 @@ ResbufList AcDbDatabase::fileGroups(const AcDbStub &stub) const
 
 void AcDbDatabase::classRemoved(const AcRxClass *doomed)
 {
-    acdbPrepareDxfSave(*this);
+    AcDbDwgCarriers carriers(*this);
     bool any = false;
     for (std::uint32_t i = 1; i < m_stubCount; ++i) {
         AcDbStub &leaving = *stub(i);
@@ -335,9 +336,12 @@ void AcDbDatabase::classRemoved(const AcRxClass *doomed)
         }
         replaceObject(leaving, std::move(kept));
     }
+    if (!any)
+        return;
+    carriers.leave();
+    m_carriers.clear();
     // Before-images hold fields that nobody can read any more.
-    if (any)
-        m_undo->clear();
+    m_undo->clear();
 }
 
 void AcDbDatabase::ensureClass(const AcRxClass &added)

@@ -24,7 +24,8 @@ class AcDbUndo;
 
 namespace AcDb
 {
-enum OpenMode { kForRead, kForWrite, kForNotify };
+/// For notify the host alone opens objects, while it tells reactors of them.
+enum OpenMode { kForRead, kForWrite };
 } // namespace AcDb
 
 enum class SymbolTable { viewport, linetype, layer, textStyle, view, ucs, appId, dimStyle, block };
@@ -70,8 +71,9 @@ public:
     AcDbStub *stub(std::uint32_t index) const { return &m_chunks[index / kChunk][index % kChunk]; }
 
     /// Opens an object. eWasErased unless `openErased`; eWasOpenForWrite while a writer has it;
-    /// eWasOpenForRead when a writer is asked for while readers have it; eOnLockedLayer for writing to
-    /// an entity on a locked layer. The object belongs to the database.
+    /// eWasOpenForRead when a writer is asked for while readers have it; eWasOpenForNotify while
+    /// reactors are told of it (they upgrade); eOnLockedLayer for writing to an entity on a locked layer. The
+    /// object belongs to the database.
     Acad::ErrorStatus openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode,
                                  bool openErased = false);
     /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
@@ -190,11 +192,10 @@ private:
     std::uint64_t m_changeCount = 0;
     std::unique_ptr<AcDbUndo> m_undo;
     std::vector<AcDbDatabaseReactor *> m_reactors;
-    /// Carriers made for saving, by the index of the entity's stub.
+    /// Objects made for an earlier save, by the index of the custom object's stub; erased in between.
     struct Carrier {
         AcDbObjectId dictionary;
         AcDbObjectId record;
-        bool madeDictionary = false;
     };
     std::unordered_map<std::uint32_t, Carrier> m_carriers;
     QStringList m_repairs;

@@ -50,32 +50,40 @@ static ResbufList::iterator entryOf(ResbufList &list, const QString &key)
 Acad::ErrorStatus AcDbDictionary::setAt(const QString &key, AcDbObject *object, AcDbObjectId &id)
 {
     assertWriteEnabled();
-    const auto entry = entryOf(editGroups(), key);
-    const bool replaces = entry != editGroups().end();
-    if (replaces) {
+    if (const auto entry = entryOf(editGroups(), key); entry != editGroups().end()) {
         AcDbObjectPointer<AcDbObject> old(database()->getAcDbObjectId((entry + 1)->handle()),
                                           AcDb::kForWrite);
-        if (old) {
-            const Acad::ErrorStatus refused = old->erase();
-            if (refused != Acad::eOk)
-                return refused;
-        }
+        const Acad::ErrorStatus refused = old ? old->erase() : Acad::eOk;
+        if (refused != Acad::eOk)
+            return refused;
     }
     const Acad::ErrorStatus status = database()->addAcDbObject(object, objectId(), &id);
-    if (status != Acad::eOk)
-        return status;
-    if (replaces) {
-        (entry + 1)->assign(id.handle());
-        return Acad::eOk;
-    }
-    const resbuf *const hard = findGroup(groups(), 280);
+    if (status == Acad::eOk)
+        link(key, id);
+    return status;
+}
+
+void AcDbDictionary::link(const QString &key, AcDbObjectId id)
+{
     ResbufList &list = editGroups();
+    if (const auto entry = entryOf(list, key); entry != list.end()) {
+        (entry + 1)->assign(id.handle());
+        return;
+    }
+    const resbuf *const hard = findGroup(list, 280);
+    const int code = hard && hard->integer() == 1 ? 360 : 350;
     // Entries end where a derived class's marker or the extended data begins.
     const auto behind = list.begin() + std::ptrdiff_t(subclassBegin(list, u"AcDbDictionary"));
     const auto end = std::find_if(behind, list.end(),
                                   [](const resbuf &g) { return g.restype == 100 || g.restype == 1001; });
-    list.insert(end, {resbuf(3, key), resbuf(hard && hard->integer() == 1 ? 360 : 350, id.handle())});
-    return Acad::eOk;
+    list.insert(end, {resbuf(3, key), resbuf(code, id.handle())});
+}
+
+void AcDbDictionary::unlink(const QString &key)
+{
+    ResbufList &list = editGroups();
+    if (const auto entry = entryOf(list, key); entry != list.end())
+        list.erase(entry, entry + 2);
 }
 
 Acad::ErrorStatus AcDbDictionary::remove(const QString &key)
@@ -91,7 +99,7 @@ Acad::ErrorStatus AcDbDictionary::remove(const QString &key)
         if (refused != Acad::eOk)
             return refused;
     }
-    list.erase(entry, entry + 2);
+    unlink(key);
     return Acad::eOk;
 }
 

@@ -20,6 +20,10 @@ public:
     /// Adds the object to the drawing, or replaces (erases) the object of that key. Leaves the new object
     /// open for write. Needs write access.
     Acad::ErrorStatus setAt(const QString &key, AcDbObject *object, AcDbObjectId &id);
+    /// Sets the key's entry to an object of the drawing. Needs write access.
+    void link(const QString &key, AcDbObjectId id);
+    /// Takes the key's entry out; the object stays. Needs write access.
+    void unlink(const QString &key);
     /// Erases the object of the key; eKeyNotFound.
     Acad::ErrorStatus remove(const QString &key);
 };

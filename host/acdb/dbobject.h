@@ -41,7 +41,7 @@ public:
     Acad::ErrorStatus downgradeOpen();
     /// Ends one opening. The object may be gone afterwards.
     Acad::ErrorStatus close();
-    /// Erases or un-erases; needs write access; asks subErase first. What the object owns goes with it.
+    /// Erases or un-erases; needs write access; asks subErase first. Attributes and vertices go along.
     Acad::ErrorStatus erase(bool erasing = true);
     bool isErased() const { return m_stub && m_stub->has(AcDbStub::kErased); }
 

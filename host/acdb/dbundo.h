@@ -33,6 +33,7 @@ public:
 private:
     friend class AcDbDatabase;
     friend class AcDbObject;
+    friend class CarrierKeeper;
 
     /// What an object was: its source bytes, or its groups and filed fields.
     struct Image {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 
-static const QString kCarrierKey = QStringLiteral("DWG_FIELDS");
 static constexpr qsizetype kChunkBytes = 127; // The longest binary group that every reader takes.
 
 // class name (1), byte count (90), CRC-16 of the bytes (91), chunks (310)
@@ -48,33 +47,32 @@ QByteArray acdbCarriedFields(const AcDbDatabase &database, const ResbufList &gro
     AcDbObjectPointer<AcDbDictionary> dictionary(extensionDictionaryOf(database, groups), AcDb::kForRead);
     if (!dictionary)
         return {};
-    AcDbObjectPointer<AcDbXrecord> record(dictionary->getAt(kCarrierKey), AcDb::kForRead);
+    AcDbObjectPointer<AcDbXrecord> record(dictionary->getAt(kDwgCarrierKey.toString()), AcDb::kForRead);
     return record ? unpacked(record->rbChain()) : QByteArray();
 }
 
-/// Keeps each changed custom object's carrier in step with it while a drawing is being saved.
+/// What AcDbDwgCarriers did and how to take it back.
 class CarrierKeeper
 {
 public:
-    explicit CarrierKeeper(AcDbDatabase &database) : m_database(database) {}
-
-    void keep()
+    explicit CarrierKeeper(AcDbDatabase &database) : m_database(database)
     {
-        const std::vector<AcDbDatabaseReactor *> hearers = std::exchange(m_database.m_reactors, {});
-        const bool wasRecording = m_database.undo().isRecording();
-        const std::uint64_t changeCount = m_database.m_changeCount;
-        m_database.undo().setRecording(false);
-        for (const auto &[index, carrier] : std::unordered_map(m_database.m_carriers)) {
-            if (!isWrittenFromMemory(*m_database.stub(index)))
-                putBack(carrier);
-        }
-        for (const std::uint32_t index : std::vector(m_database.m_changed)) {
-            if (isWrittenFromMemory(*m_database.stub(index)))
-                store(*m_database.stub(index));
-        }
-        m_database.undo().setRecording(wasRecording);
-        m_database.m_changeCount = changeCount; // The drawing a person sees did not change.
-        m_database.m_reactors = hearers;
+        quietly([this] {
+            for (const std::uint32_t index : std::vector(m_database.m_changed)) {
+                if (isWrittenFromMemory(*m_database.stub(index)))
+                    put(*m_database.stub(index));
+            }
+        });
+    }
+
+    void takeBack()
+    {
+        for (auto &[stub, image] : m_touched)
+            m_database.m_undo->restoreContent(*stub, image);
+        for (AcDbStub *const made : m_made)
+            made->set(AcDbStub::kErased);
+        for (auto &[object, groups] : m_linked)
+            object->m_groups = std::move(groups);
     }
 
 private:
@@ -84,49 +82,43 @@ private:
                stub.object->isCustom() && !stub.object->m_isProxy;
     }
 
-    // The entity went back to its source bytes, or away: so does what was made beside it.
-    void putBack(const AcDbDatabase::Carrier &carrier)
+    // The drawing that a person sees does not change.
+    template <class Work>
+    void quietly(Work work)
     {
-        for (const AcDbObjectId id :
-             {carrier.record, carrier.madeDictionary ? carrier.dictionary : AcDbObjectId()}) {
-            if (id.isNull())
-                continue;
-            if (id.stub()->has(AcDbStub::kHasSource)) {
-                m_database.replaceObject(*id.stub(), nullptr);
-                id.stub()->set(AcDbStub::kChanged, false);
-            } else {
-                id.stub()->set(AcDbStub::kErased);
-            }
-        }
-        if (!carrier.madeDictionary && !carrier.record.stub()->has(AcDbStub::kHasSource)) {
-            AcDbObjectPointer<AcDbDictionary> dictionary(carrier.dictionary, AcDb::kForWrite);
-            if (dictionary)
-                dictionary->remove(kCarrierKey);
-        }
+        const std::vector<AcDbDatabaseReactor *> hearers = std::exchange(m_database.m_reactors, {});
+        const bool wasRecording = m_database.undo().isRecording();
+        const std::uint64_t changeCount = m_database.m_changeCount;
+        m_database.undo().setRecording(false);
+        work();
+        m_database.undo().setRecording(wasRecording);
+        m_database.m_changeCount = changeCount;
+        m_database.m_reactors = hearers;
     }
 
-    void store(AcDbStub &stub)
+    void put(AcDbStub &stub)
     {
-        AcDbObject &object = *stub.object;
-        const QByteArray stream = filed(object);
-        AcDbDatabase::Carrier &carrier = m_database.m_carriers[stub.index];
-        findDictionary(object, carrier);
-        AcDbObjectPointer<AcDbDictionary> dictionary(carrier.dictionary, AcDb::kForWrite);
-        if (!dictionary)
-            return;
-        const QString className = object.isA()->name();
-        if (const AcDbObjectId known = dictionary->getAt(kCarrierKey); known.isValid()) {
-            carrier.record = known;
-            AcDbObjectPointer<AcDbXrecord> record(known, AcDb::kForWrite);
-            if (record && unpacked(record->rbChain()) != stream)
-                record->setFromRbChain(packed(className, stream));
-            return;
+        const QByteArray stream = filed(*stub.object);
+        const AcDbObjectId dictionary = dictionaryFor(stub);
+        AcDbObjectId known;
+        if (AcDbObjectPointer<AcDbDictionary> reader(dictionary, AcDb::kForRead); reader)
+            known = reader->getAt(kDwgCarrierKey.toString());
+        const bool isOurs = !known.isNull() && known == m_database.m_carriers[stub.index].record;
+        if (!known.isNull() && !isOurs) {
+            if (unpacked(chainOf(known)) == stream)
+                return;
+            touch(known);
         }
-        auto *const record = new AcDbXrecord;
-        if (dictionary->setAt(kCarrierKey, record, carrier.record) == Acad::eOk) {
-            record->setFromRbChain(packed(className, stream));
-            record->close();
-        }
+        const AcDbObjectId record = known.isNull() ? recordFor(stub, dictionary) : known;
+        AcDbObjectPointer<AcDbXrecord> writer(record, AcDb::kForWrite);
+        if (writer)
+            writer->setFromRbChain(packed(stub.object->isA()->name(), stream));
+    }
+
+    static ResbufList chainOf(AcDbObjectId record)
+    {
+        AcDbObjectPointer<AcDbXrecord> reader(record, AcDb::kForRead);
+        return reader ? reader->rbChain() : ResbufList();
     }
 
     QByteArray filed(AcDbObject &object)
@@ -138,29 +130,73 @@ private:
         return filer.stream();
     }
 
-    // A dictionary made for an earlier save serves again after undo and redo.
-    void findDictionary(AcDbObject &object, AcDbDatabase::Carrier &carrier)
+    /// The extension dictionary that the object has, or one that is linked for the time of saving.
+    AcDbObjectId dictionaryFor(AcDbStub &stub)
     {
-        const AcDbObjectId linked = object.extensionDictionary();
-        if (linked.isValid() && linked != carrier.dictionary) {
-            carrier = {linked, {}, false};
-        } else if (!carrier.dictionary.isNull()) {
-            for (const AcDbObjectId id : {carrier.dictionary, carrier.record}) {
-                if (!id.isNull())
-                    id.stub()->set(AcDbStub::kErased, false);
-            }
-            object.linkExtensionDictionary(carrier.dictionary.handle());
-        } else {
+        AcDbObject &object = *stub.object;
+        if (const AcDbObjectId linked = object.extensionDictionary(); linked.isValid())
+            return linked;
+        m_linked.emplace_back(&object, object.m_groups);
+        AcDbDatabase::Carrier &carrier = m_database.m_carriers[stub.index];
+        if (carrier.dictionary.isNull()) {
             object.m_writing = true;
-            carrier = {object.createExtensionDictionary(), {}, true};
+            carrier.dictionary = object.createExtensionDictionary();
             object.m_writing = false;
         }
+        show(carrier.dictionary);
+        object.linkExtensionDictionary(carrier.dictionary.handle());
+        return carrier.dictionary;
+    }
+
+    /// A record of our own in the dictionary.
+    AcDbObjectId recordFor(AcDbStub &stub, AcDbObjectId dictionary)
+    {
+        AcDbDatabase::Carrier &carrier = m_database.m_carriers[stub.index];
+        if (dictionary != carrier.dictionary)
+            touch(dictionary);
+        if (carrier.record.isNull() || m_database.stub(carrier.record.stub()->owner) != dictionary.stub()) {
+            auto *const record = new AcDbXrecord;
+            m_database.addAcDbObject(record, dictionary, &carrier.record);
+            record->close();
+        }
+        show(carrier.record);
+        AcDbObjectPointer<AcDbDictionary> writer(dictionary, AcDb::kForWrite);
+        if (writer)
+            writer->link(kDwgCarrierKey.toString(), carrier.record);
+        return carrier.record;
+    }
+
+    /// Something of ours, in the drawing until takeBack().
+    void show(AcDbObjectId ours)
+    {
+        ours.stub()->set(AcDbStub::kErased, false);
+        m_made.push_back(ours.stub());
+    }
+
+    /// Something of the drawing's that will be changed until takeBack().
+    void touch(AcDbObjectId id)
+    {
+        m_database.resident(*id.stub());
+        m_touched.emplace_back(id.stub(), m_database.m_undo->capture(*id.stub()));
     }
 
     AcDbDatabase &m_database;
+    std::vector<std::pair<AcDbStub *, AcDbUndo::Image>> m_touched;
+    std::vector<AcDbStub *> m_made;
+    std::vector<std::pair<AcDbObject *, ResbufList>> m_linked;
 };
 
-void acdbPrepareDxfSave(AcDbDatabase &database)
+AcDbDwgCarriers::AcDbDwgCarriers(AcDbDatabase &database) : m_keeper(std::make_unique<CarrierKeeper>(database))
 {
-    CarrierKeeper(database).keep();
+}
+
+AcDbDwgCarriers::~AcDbDwgCarriers()
+{
+    if (m_keeper)
+        m_keeper->takeBack();
+}
+
+void AcDbDwgCarriers::leave()
+{
+    m_keeper.reset();
 }

@@ -6,9 +6,26 @@
 
 #include "host/acdb/dbobject.h"
 
-/// Stores the carrier of every custom object that will be written from memory. Part of saving as DXF; makes
-/// no undo steps and notifies nobody.
-void acdbPrepareDxfSave(AcDbDatabase &database);
+/// The carrier's key in an extension dictionary.
+inline constexpr QStringView kDwgCarrierKey = u"DWG_FIELDS";
+
+/// Puts the carriers of all custom objects that will be written from memory into the drawing, for as long as
+/// it is being saved; afterwards the drawing is as it was. Makes no undo steps and notifies nobody. Saving
+/// again uses the same handles.
+class AcDbDwgCarriers
+{
+public:
+    explicit AcDbDwgCarriers(AcDbDatabase &database);
+    ~AcDbDwgCarriers();
+    AcDbDwgCarriers(const AcDbDwgCarriers &) = delete;
+    AcDbDwgCarriers &operator=(const AcDbDwgCarriers &) = delete;
+
+    /// The carriers stay in the drawing as ordinary objects: the class that could make them again is leaving.
+    void leave();
+
+private:
+    std::unique_ptr<class CarrierKeeper> m_keeper;
+};
 
 /// The bytes kept for a custom object; empty when it has none or they are damaged.
 QByteArray acdbCarriedFields(const AcDbDatabase &database, const ResbufList &groups);

@@ -39,8 +39,9 @@ CollectedMarks collectMarks(const AcDbDatabase &database, const MarkFilter &filt
             if (status == Acad::eOk) {
                 collect(*mark, filter, collected);
                 mark->close();
-            } else if (status == Acad::eWasOpenForWrite) {
-                collect(static_cast<const QuillnoteObj3 &>(*stub->object), filter, collected);
+            } else if (const auto *const open = acrxCast<QuillnoteObj3>(stub->object);
+                       open && status == Acad::eWasOpenForWrite) {
+                collect(*open, filter, collected);
             }
         }
     }

@@ -9,6 +9,7 @@
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/aced/edfrontend.h"
 #include "host/aced/edsysvar.h"
 #include "host/os/guid.h"
 
@@ -98,6 +99,7 @@ AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
     if (id.isNull())
         return {};
     appendState().lastCreatedMark = id;
-    writeLastMarkNumber(database, number);
+    if (const Acad::ErrorStatus refused = writeLastMarkNumber(database, number); refused != Acad::eOk)
+        acutPrintf(QStringLiteral("\n无法在图中保存评图标签编号：%1").arg(acadErrorStatusText(refused)));
     return id;
 }

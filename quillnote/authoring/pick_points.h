@@ -5,8 +5,7 @@
 
 enum class PickMode { rectangle, leader };
 
-/// Object snap, highlighting and echo are off while this lives. Their values wait in the settings store, so
-/// that they come back even after a crash during picking.
+/// Object snap, highlighting and echo are off while this lives. Their values wait in the settings store.
 class PickVariables
 {
 public:

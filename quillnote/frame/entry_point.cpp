@@ -1,7 +1,10 @@
 // The host's messages, and the order of start-up and unload.
 #include "quillnote/frame/entry_point.h"
 
+#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_state.h"
+#include "quillnote/entity/password.h"
 #include "quillnote/frame/command_table.h"
 #include "quillnote/frame/lisp_functions.h"
 #include "quillnote/frame/menu_loading.h"
@@ -49,8 +52,18 @@ static void writeDemandLoadRecord(const QString &modulePath)
     info.writeToRegistry();
 }
 
+/// A module that is loaded again starts as it did the first time.
+static void resetState()
+{
+    passwordState().reset();
+    markDrawingState().reset();
+    appendState().reset();
+    startUpSettings().reset();
+}
+
 static void initialise(void *packet)
 {
+    resetState();
     acrxDynamicLinker()->unlockApplication(packet);
     acrxDynamicLinker()->registerAppMDIAware(packet);
     createDocumentRegistry();

@@ -5,11 +5,11 @@
 void qn8_quillNoteYun();
 /// Starts the cloud push helper.
 void qn8_runPush();
-/// Opens the help on the phrase menus: the shipped file, else the online page.
+/// Opens the help on the phrase menus: the file of the phrase library, else the shipped page.
 void QN8_menuToYun();
 /// Opens the page about the cloud service.
 void qn8_aboutYun();
 /// Opens the home page.
 void QN3_gotoWWW();
-/// Opens the online help.
+/// Opens the help page.
 void QN3_HelpOnline();

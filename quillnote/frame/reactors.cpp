@@ -1,5 +1,6 @@
 #include "quillnote/frame/reactors.h"
 
+#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/frame/document_registry.h"
 
@@ -19,6 +20,7 @@ public:
 
     void documentCreated(AcApDocument *document) override
     {
+        keepDrawnMarks();
         m_registry.attach(document);
         markDrawingState().drawnMarks.clear();
         m_registry.ensureDatabaseReactor();
@@ -27,21 +29,30 @@ public:
     {
         m_registry.detach(document);
         markDrawingState().drawnMarks.clear();
+        if (appendState().lastCreatedMark.database() == document->database())
+            appendState().lastCreatedMark = {};
     }
     void documentToBeActivated(AcApDocument *document) override
     {
         m_registry.attach(document);
         markDrawingState().drawnMarks = m_registry.current()->drawnMarks;
     }
-    void documentToBeDeactivated(AcApDocument *) override
+    void documentToBeDeactivated(AcApDocument *document) override
     {
-        if (m_registry.current())
-            m_registry.current()->drawnMarks = markDrawingState().drawnMarks;
+        // A document that was just created is current already, and what was drawn in this one is kept.
+        if (m_registry.current() && m_registry.current()->document == document)
+            keepDrawnMarks();
         markDrawingState().drawnMarks.clear();
     }
     void documentActivated(AcApDocument *) override { m_registry.ensureDatabaseReactor(); }
 
 private:
+    void keepDrawnMarks()
+    {
+        if (m_registry.current())
+            m_registry.current()->drawnMarks = markDrawingState().drawnMarks;
+    }
+
     DocumentRegistry &m_registry;
 };
 

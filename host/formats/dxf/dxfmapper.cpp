@@ -14,7 +14,8 @@ static QByteArray toByteArray(std::string_view text)
 
 template <class Scanner>
 Mapper<Scanner>::Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner)
-    : m_loader(loader), m_source(source), m_log(log), m_scanner(scanner), m_blocks(loader, source, log)
+    : m_loader(loader), m_source(source), m_log(log), m_scanner(scanner), m_begin(source.bytes().data()),
+      m_blocks(loader, source, log)
 {
 }
 
@@ -192,6 +193,21 @@ void Mapper<Scanner>::skipStray(const QString &where)
 template <class Scanner>
 bool Mapper<Scanner>::run()
 {
+    readSections();
+    closeAtEof();
+    const bool anySection = !m_source.layout().sections.empty();
+    if (anySection) {
+        readKept();
+        if (m_rootDictionary)
+            m_loader.setNamedObjects(m_rootDictionary);
+        m_blocks.finish(m_source.version() >= DrawingVersion::r13 && m_source.layout().section("TABLES"));
+    }
+    return anySection;
+}
+
+template <class Scanner>
+void Mapper<Scanner>::readSections()
+{
     advance();
     while (!m_done) {
         if (m_group.code != 0) {
@@ -206,14 +222,30 @@ bool Mapper<Scanner>::run()
             skipStray(QStringLiteral("outside of any section"));
         }
     }
-    closeAtEof();
-    const bool anySection = !m_source.layout().sections.empty();
-    if (anySection) {
-        if (m_rootDictionary)
-            m_loader.setNamedObjects(m_rootDictionary);
-        m_blocks.finish(m_source.version() >= DrawingVersion::r13 && m_source.layout().section("TABLES"));
+}
+
+/// The sections that stand in comments behind the last one.
+template <class Scanner>
+void Mapper<Scanner>::readKept()
+{
+    if constexpr (std::is_same_v<Scanner, TextScanner>) {
+        const Layout &layout = m_source.layout();
+        if (!m_source.keepsInComments())
+            return;
+        const Place part{layout.sections.back().end, layout.hasEof ? layout.eof : m_source.bytes().size()};
+        m_source.setKept(findKept(m_source.bytes(), part, m_source.lineEnd(), m_source.style().lineEnd));
+        if (m_source.kept().damage)
+            m_log.add(*m_source.kept().damage, QStringLiteral("the objects kept in comments are damaged, "
+                                                              "what could be read of them is used"));
+        if (m_source.kept().text.isEmpty())
+            return;
+        m_scanner = TextScanner(m_source.keptText(), m_source.lineEnd());
+        m_begin = m_source.keptText().data();
+        m_beginOffset = m_source.keptBegin();
+        m_done = false;
+        readSections();
+        m_source.endKeptAt(here());
     }
-    return anySection;
 }
 
 template <class Scanner>
@@ -248,7 +280,8 @@ void Mapper<Scanner>::readSection()
     const auto *const known = std::ranges::find_if(kReaders, [&](const auto &row) {
         return row.name == std::string_view(section.name.data(), std::size_t(section.name.size()));
     });
-    const bool isKnown = known != std::end(kReaders);
+    const bool belongsHere = !m_source.isKept(section.begin) || standsInComments(section.name);
+    const bool isKnown = belongsHere && known != std::end(kReaders);
     if (named && section.name == "HEADER")
         advance();
     else if (named || (!m_done && m_group.code != 0))

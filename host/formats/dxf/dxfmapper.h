@@ -30,7 +30,7 @@ public:
     bool run();
 
 private:
-    std::uint64_t offset(const char *at) const { return std::uint64_t(at - m_source.bytes().data()); }
+    std::uint64_t offset(const char *at) const { return std::uint64_t(at - m_begin) + m_beginOffset; }
     std::uint64_t here() const { return m_done ? m_contentEnd : offset(m_group.begin); }
     QString quoted(std::string_view value) const;
     bool advance();
@@ -58,11 +58,15 @@ private:
     void addEntity(BlockCollector::Place place);
     void readObjects();
     void closeAtEof();
+    void readSections();
+    void readKept();
 
     AcDbLoader &m_loader;
     DxfSource &m_source;
     RepairLog &m_log;
     Scanner m_scanner;
+    const char *m_begin;             ///< What is being read, the file or the text kept in its comments.
+    std::uint64_t m_beginOffset = 0; ///< The offset that m_begin has in the source.
     BlockCollector m_blocks;
     KindCache m_kinds;
     Group m_group;                  ///< The current group; a group 0 between objects.

@@ -71,7 +71,7 @@ std::string_view ObjectEncoder::unreadableTail(const AcDbStub &stub) const
 {
     if (!stub.has(AcDbStub::kHasSource))
         return {};
-    std::string_view tail = m_source.bytes().substr(stub.begin, stub.size);
+    std::string_view tail = m_source.bytes(stub);
     m_source.visitGroups(tail, [&](const Group &group) {
         tail.remove_prefix(std::size_t(group.end - tail.data()));
         return true;

@@ -28,6 +28,7 @@ SavePlan::SavePlan(const AcDbDatabase &database, const DxfSource &source)
     writeHandseed();
     writeMissingEnds();
     writeNewSections();
+    writeKept();
     sortEdits();
 }
 
@@ -291,7 +292,7 @@ void SavePlan::writeTableCounts()
                 return true;
             QByteArray count;
             m_encoder.integer(count, 70, recordCount(*table.kind));
-            const std::uint64_t begin = std::uint64_t(group.begin - m_source.bytes().data());
+            const std::uint64_t begin = m_source.offsetOf(group.begin);
             replace({begin, begin + std::uint64_t(group.end - group.begin)}, count);
             return false;
         });
@@ -366,7 +367,7 @@ void SavePlan::writeInstanceCount(const ClassRecord &record, std::int64_t count)
             return true;
         QByteArray bytes;
         m_encoder.integer(bytes, 91, count);
-        const std::uint64_t begin = std::uint64_t(group.begin - m_source.bytes().data());
+        const std::uint64_t begin = m_source.offsetOf(group.begin);
         replace({begin, begin + std::uint64_t(group.end - group.begin)}, bytes);
         return false;
     });
@@ -411,7 +412,7 @@ void SavePlan::writeHandle(const AcDbStub &stub)
     m_encoder.handle(bytes, handleCode(stub.kind), stub.handle);
     const std::string_view place =
         known.bytes.empty() ? known.firstGroup.substr(known.firstGroup.size()) : known.bytes;
-    const std::uint64_t begin = std::uint64_t(place.data() - m_source.bytes().data());
+    const std::uint64_t begin = m_source.offsetOf(place.data());
     replace({begin, begin + place.size()}, bytes);
     m_handlesWritten = true;
 }
@@ -481,20 +482,64 @@ void SavePlan::writeNewSections()
         m_encoder.plainText(bytes, 2, name);
         bytes.append(added->second);
         m_encoder.marker(bytes, "ENDSEC");
+        const bool kept = m_source.keepsInComments() && standsInComments(name);
         const auto later = std::ranges::find_if(m_layout.sections, [&](const Section &section) {
-            return orderOf(section.name) > orderOf(added->first);
+            return m_source.isKept(section.begin) == kept && orderOf(section.name) > orderOf(added->first);
         });
-        insert(later != m_layout.sections.end() ? later->begin : m_layout.eof, kNewSection, bytes);
+        const std::uint64_t end = kept ? m_source.keptEnd() : m_layout.eof;
+        insert(later != m_layout.sections.end() ? later->begin : end, kNewSection, bytes);
     }
 }
 
+/// Something besides empty sections.
+static bool holdsAnything(const DxfSource &source, std::string_view text)
+{
+    bool found = false;
+    source.visitGroups(text, [&](const Group &group) {
+        const std::string_view kind = trimmed(group.value);
+        found = group.code == 0 && kind != "SECTION" && kind != "ENDSEC";
+        return !found;
+    });
+    return found;
+}
+
+/// The edits of the kept text become its new comments, right before the file's end, where the old ones go.
+void SavePlan::writeKept()
+{
+    for (const Place comment : m_source.kept().comments)
+        replace(comment, {});
+    sortEdits();
+    const auto first =
+        std::ranges::find_if(m_edits, [this](const Edit &edit) { return m_source.isKept(edit.offset); });
+    QByteArray text;
+    std::uint64_t at = m_source.keptBegin();
+    const auto copyTo = [&](std::uint64_t end) {
+        const std::string_view part = m_source.bytes({at, end});
+        text.append(part.data(), qsizetype(part.size()));
+    };
+    for (auto edit = first; edit != m_edits.end(); ++edit) {
+        copyTo(edit->offset);
+        text.append(edit->bytes);
+        at = edit->offset + edit->removed;
+    }
+    copyTo(m_source.keptEnd());
+    m_edits.erase(first, m_edits.end());
+    const std::string_view whole(text.constData(), std::size_t(text.size()));
+    if (!holdsAnything(m_source, whole))
+        return;
+    QByteArray comments;
+    appendKept(comments, m_encoder, whole, m_source.lineEnd());
+    insert(m_layout.eof, kKept, comments);
+}
+
+/// Puts the insertions among the edits. At one offset they come before what replaces the bytes behind it.
 void SavePlan::sortEdits()
 {
-    // At one offset insertions come before what replaces the bytes behind it.
     std::vector<Edit> all;
     all.reserve(m_insertions.size() + m_edits.size());
     for (auto &[key, bytes] : m_insertions)
         all.push_back({key.first, 0, std::move(bytes)});
+    m_insertions.clear();
     std::ranges::move(m_edits, std::back_inserter(all));
     std::ranges::stable_sort(all, [](const Edit &a, const Edit &b) {
         return a.offset != b.offset ? a.offset < b.offset : (a.removed != 0) < (b.removed != 0);

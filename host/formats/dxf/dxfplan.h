@@ -27,7 +27,7 @@ public:
 
 private:
     /// What comes first among insertions at one offset.
-    enum Rank { kContents, kInnerEnd, kContainer, kSectionEnd, kNewSection, kFileEnd };
+    enum Rank { kContents, kInnerEnd, kContainer, kSectionEnd, kNewSection, kKept, kFileEnd };
 
     void findGone();
     bool isGone(const AcDbStub &stub) const { return !m_gone.empty() && m_gone[stub.index]; }
@@ -58,6 +58,7 @@ private:
     void writeHandle(const AcDbStub &stub);
     void writeMissingEnds();
     void writeNewSections();
+    void writeKept();
     void sortEdits();
 
     const AcDbDatabase &m_database;

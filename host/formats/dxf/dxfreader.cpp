@@ -12,8 +12,7 @@ static void noteRenumbered(const AcDbDatabase &database, DxfSource &source)
         const AcDbStub &stub = *database.stub(index);
         if (!stub.has(AcDbStub::kHasSource) || stub.has(AcDbStub::kNoFileHandle))
             continue;
-        const std::string_view bytes = source.bytes().substr(stub.begin, stub.size);
-        if (dxf::findHandleGroup(source, bytes).handle != stub.handle)
+        if (dxf::findHandleGroup(source, source.bytes(stub)).handle != stub.handle)
             source.editLayout().renumbered.push_back(index);
     }
 }

@@ -9,6 +9,8 @@ qint64 RepairLog::place(std::uint64_t offset)
 {
     if (m_source.format() == DrawingFormat::dxfBinary)
         return qint64(offset);
+    if (m_source.isKept(offset))
+        offset = m_source.kept().placeInFile(offset - m_source.keptBegin());
     if (offset < m_countedTo) {
         m_countedTo = 0;
         m_line = 1;

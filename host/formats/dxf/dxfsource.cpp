@@ -23,8 +23,20 @@ DxfSource::DxfSource(base::FileBytes bytes) : m_bytes(std::move(bytes))
 bool DxfSource::holds(std::string_view part) const
 {
     const std::less_equal<const char *> notAfter;
-    return !part.empty() && notAfter(m_bytes.data(), part.data()) &&
-           notAfter(part.data() + part.size(), m_bytes.data() + m_bytes.size());
+    const auto isPartOf = [&](std::string_view whole) {
+        return notAfter(whole.data(), part.data()) &&
+               notAfter(part.data() + part.size(), whole.data() + whole.size());
+    };
+    return !part.empty() && (isPartOf(bytes()) || isPartOf(keptText()));
+}
+
+std::uint64_t DxfSource::offsetOf(const char *at) const
+{
+    const std::string_view text = keptText();
+    const std::less_equal<const char *> notAfter;
+    if (!text.empty() && notAfter(text.data(), at) && notAfter(at, text.data() + text.size()))
+        return keptBegin() + std::uint64_t(at - text.data());
+    return std::uint64_t(at - m_bytes.data());
 }
 
 static DrawingVersion versionOf(std::string_view text)
@@ -73,7 +85,7 @@ void DxfSource::learnStyle(std::string_view part)
 ResbufList DxfSource::read(const AcDbStub &stub) const
 {
     static const AcDbKind kDimensionStyle = acdbKind("DIMSTYLE");
-    return decode(bytes().substr(stub.begin, stub.size), stub.kind == kDimensionStyle);
+    return decode(bytes(stub), stub.kind == kDimensionStyle);
 }
 
 ResbufList DxfSource::decode(std::string_view part, bool dimensionStyle) const

@@ -1,8 +1,12 @@
 // DxfSource: the bytes of an opened DXF file, and how its groups decode.
+//
+// Offsets count from the file's begin. From keptBegin() on, which is behind the file's end, they name the
+// text that a file of R12 keeps in its comments.
 #pragma once
 
 #include "host/base/file_bytes.h"
 #include "host/base/text_codec.h"
+#include "host/formats/dxf/dxfkept.h"
 #include "host/formats/dxf/dxflayout.h"
 #include "host/formats/dxf/dxfscan.h"
 
@@ -18,11 +22,25 @@ public:
     DrawingVersion version() const override { return m_version; }
     ResbufList read(const AcDbStub &stub) const override;
 
+    /// The whole file.
     std::string_view bytes() const { return m_bytes.view(); }
     std::string_view bytes(dxf::Place place) const
     {
-        return bytes().substr(place.begin, place.end - place.begin);
+        const bool kept = place.begin >= keptBegin();
+        return (kept ? keptText() : bytes())
+            .substr(kept ? place.begin - keptBegin() : place.begin, place.end - place.begin);
     }
+    std::string_view bytes(const AcDbStub &stub) const { return bytes({stub.begin, stub.begin + stub.size}); }
+    /// Of a byte that this source holds.
+    std::uint64_t offsetOf(const char *at) const;
+
+    /// Sections that the file's version does not have stand in comments.
+    bool keepsInComments() const { return !m_binary && m_version <= DrawingVersion::r12; }
+    std::uint64_t keptBegin() const { return m_bytes.size() + 1; }
+    std::uint64_t keptEnd() const { return keptBegin() + keptText().size(); }
+    bool isKept(std::uint64_t offset) const { return offset >= keptBegin(); }
+    const dxf::KeptText &kept() const { return m_kept; }
+    std::string_view keptText() const { return {m_kept.text.constData(), std::size_t(m_kept.text.size())}; }
     /// True for views into this source: what may be written back as it is.
     bool holds(std::string_view part) const;
     /// Groups of any stretch of the file. In dimension styles group 5 is a text.
@@ -42,6 +60,9 @@ public:
     /// For the reader: $ACADVER and $DWGCODEPAGE, empty when the file has none.
     void setVersion(std::string_view version, std::string_view codePage);
     dxf::Layout &editLayout() { return m_layout; }
+    void setKept(dxf::KeptText kept) { m_kept = std::move(kept); }
+    /// Forgets what stands in the kept text from here on. Nothing of it moves.
+    void endKeptAt(std::uint64_t offset) { m_kept.text.truncate(qsizetype(offset - keptBegin())); }
     /// For the reader: learns the style from a stretch of ordinary groups.
     void learnStyle(std::string_view part);
     /// Where the groups begin: behind a byte-order mark or the sentinel.
@@ -62,6 +83,7 @@ private:
     base::TextCodec m_codec;
     dxf::TextStyle m_style;
     dxf::Layout m_layout;
+    dxf::KeptText m_kept;
 };
 
 template <class Visit>

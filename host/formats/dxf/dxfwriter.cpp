@@ -32,7 +32,7 @@ base::Result<QByteArray, DxfError> writeDxf(AcDbDatabase &database)
     const DxfSource *const source = sourceOf(database);
     if (!source)
         return base::Failure{notFromDxf({})};
-    acdbPrepareDxfSave(database);
+    const AcDbDwgCarriers carriers(database);
     QByteArray saved;
     saved.reserve(qsizetype(source->bytes().size()));
     writePieces(*source, dxf::SavePlan(database, *source).edits(),
@@ -48,7 +48,7 @@ base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &pat
     auto file = base::AtomicFileWriter::open(path);
     if (!file)
         return base::Failure{DxfError{{}, -1, file.error().text()}};
-    acdbPrepareDxfSave(database);
+    const AcDbDwgCarriers carriers(database);
     writePieces(*source, dxf::SavePlan(database, *source).edits(),
                 [&](std::string_view piece) { file->write(std::span(piece.data(), piece.size())); });
     if (const auto done = file->commit(); !done)

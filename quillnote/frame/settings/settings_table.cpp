@@ -20,7 +20,7 @@ static constexpr std::array kTable = std::to_array<Value>({
     {kKey, u"textHeightPS", N, u"VIEWSIZE / 20", u"text height of new marks in paper space"},
     {kKey, u"autoTargetTxtH", N, u"0", u"text height follows the target: 0 or more on, -1 off"},
     {kKey, u"autoFlagSize", N, u"0", u"flag size follows the view: 1 on, -1 or 0 off"},
-    {kKey, u"applyAll", N, u"0", u"1: all marks are drawn with the configured height and colours, not their own"},
+    {kKey, u"applyAll", N, u"0", u"1: all marks are drawn with the configured height and first colour, not their own"},
     {kKey, u"NoDisplayText", N, u"0", u"1: the text is not shown below the target"},
     {kKey, u"viewDateTime", N, u"0", u"1: marks show their date"},
     {kKey, u"viewName", N, u"0", u"1: marks show the reviewer"},

@@ -1,7 +1,9 @@
 // Custom entities: bytes without their class, objects with it, and the fields that DXF does not carry.
+#include "host/acdb/dbapi.h"
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbload.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
 #include "host/acdb/dwgcarrier.h"
 #include "tests/host/acdb/custom_note.h"
 #include "tests/support/memory_drawing.h"
@@ -84,7 +86,7 @@ static std::unique_ptr<AcDbDatabase> reopened(AcDbDatabase &saved)
         DrawingVersion version() const override { return DrawingVersion::r2000; }
         ResbufList read(const AcDbStub &stub) const override { return objects[std::size_t(stub.begin)]; }
     };
-    acdbPrepareDxfSave(saved);
+    const AcDbDwgCarriers carriers(saved);
     auto source = std::make_unique<Copy>();
     std::vector<const AcDbStub *> written;
     for (std::uint32_t i = 1; i < saved.stubCount(); ++i) {
@@ -132,7 +134,7 @@ TEST(Custom, DxfFieldsWinOverTheCarrierAndADamagedOneIsIgnored)
     NoteClass known;
     const auto database = MemoryDrawing().open();
     const AcDbObjectId id = addNote(*database, QStringLiteral("new"), "secret");
-    acdbPrepareDxfSave(*database);
+    const AcDbDwgCarriers carriers(*database);
     const AcDbObjectId dictionaryId = id.stub()->object->extensionDictionary();
     AcDbObjectPointer<AcDbDictionary> dictionary(dictionaryId, AcDb::kForRead);
     AcDbObjectPointer<AcDbXrecord> record(dictionary->entries().at(0).id, AcDb::kForWrite);
@@ -157,4 +159,61 @@ TEST(Custom, DxfFieldsWinOverTheCarrierAndADamagedOneIsIgnored)
     damaged->setFromRbChain(chain);
     damaged.close();
     EXPECT_TRUE(acdbCarriedFields(*database, groups).isEmpty());
+}
+
+TEST(Custom, AnUndoneEditTakesTheCarriedFieldsBackToo)
+{
+    NoteClass known;
+    const auto first = MemoryDrawing().open();
+    const AcDbHandle handle = addNote(*first, QStringLiteral("n"), "old").handle();
+    const auto database = reopened(*first);
+    const AcDbObjectId id = database->getAcDbObjectId(handle);
+    {
+        AcDbUndoGroup group(*database, QStringLiteral("EDIT"));
+        AcDbObjectPointer<NoteEntity>(id, AcDb::kForWrite)->secret = "new";
+    }
+    const auto saved = reopened(*database);
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(saved->getAcDbObjectId(handle), AcDb::kForRead)->secret, "new");
+    database->undo().undo();
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead)->secret, "old");
+    EXPECT_FALSE(database->hasChanges());
+    database->undo().redo();
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead)->secret, "new");
+}
+
+TEST(Custom, CarriedFieldsOutliveTheirClass)
+{
+    AcDbHandle handle;
+    const auto database = MemoryDrawing().open();
+    {
+        NoteClass known;
+        handle = addNote(*database, QStringLiteral("n"), "secret").handle();
+    }
+    const auto saved = reopened(*database);
+    NoteClass again;
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(saved->getAcDbObjectId(handle), AcDb::kForRead)->secret,
+              "secret");
+}
+
+TEST(Custom, ACopyKeepsWhatOthersHungOnIt)
+{
+    NoteClass known;
+    const auto first = MemoryDrawing().open();
+    const AcDbObjectId id = addNote(*first, QStringLiteral("n"), "secret");
+    {
+        AcDbObjectPointer<NoteEntity> note(id, AcDb::kForWrite);
+        AcDbObjectPointer<AcDbDictionary> dictionary(note->createExtensionDictionary(), AcDb::kForWrite);
+        AcDbObjectId record;
+        auto *const theirs = new AcDbXrecord;
+        dictionary->setAt(QStringLiteral("THEIRS"), theirs, record);
+        theirs->close();
+    }
+    const AcDbDwgCarriers saving(*first);
+    std::vector<AcDbObjectId> copies;
+    acdbDeepCloneEntities({id}, first->modelSpaceId(), copies);
+    AcDbObjectPointer<AcDbDictionary> dictionary(
+        AcDbObjectPointer<NoteEntity>(copies.at(0), AcDb::kForRead)->extensionDictionary(), AcDb::kForRead);
+    ASSERT_TRUE(dictionary);
+    EXPECT_TRUE(dictionary->getAt(QStringLiteral("THEIRS")).isValid());
+    EXPECT_TRUE(dictionary->getAt(kDwgCarrierKey.toString()).isNull());
 }

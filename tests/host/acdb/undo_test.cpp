@@ -131,21 +131,26 @@ TEST_F(UndoTest, AGroupIsOneStepAndAnEmptyOneIsNone)
     EXPECT_FALSE(database->undo().redo());
 }
 
-TEST_F(UndoTest, CarriersDoNotDisturbUndo)
+TEST_F(UndoTest, SavingInBetweenLeavesNoTrace)
 {
-    AcDbObjectId note;
-    {
-        AcDbUndoGroup group(*database, QStringLiteral("NOTE"));
-        note = addNote(*database, QStringLiteral("n"), "secret");
+    const AcDbObjectId note = addNote(*database, QStringLiteral("n"), "secret");
+    const auto before = dump(*database);
+    std::vector<std::pair<std::uint64_t, ResbufList>> saved;
+    for (int save = 0; save < 2; ++save) {
+        const AcDbDwgCarriers carriers(*database);
+        EXPECT_FALSE(acdbCarriedFields(*database, note.stub()->object->groups()).isEmpty());
+        if (save == 0)
+            saved = dump(*database);
+        EXPECT_EQ(dump(*database), saved);
     }
-    acdbPrepareDxfSave(*database);
-    const auto saved = dump(*database);
-    EXPECT_EQ(acdbCarriedFields(*database, note.stub()->object->groups()).isEmpty(), false);
+    EXPECT_EQ(dump(*database), before);
     database->undo().undo();
-    acdbPrepareDxfSave(*database);
-    EXPECT_FALSE(database->hasChanges());
+    {
+        const AcDbDwgCarriers carriers(*database);
+        EXPECT_FALSE(database->hasChanges());
+    }
     database->undo().redo();
-    acdbPrepareDxfSave(*database);
+    const AcDbDwgCarriers carriers(*database);
     EXPECT_EQ(dump(*database), saved);
 }
 
@@ -176,13 +181,12 @@ TEST_F(UndoTest, RandomChangesUndoneToTheStartGiveTheDrawingBack)
                 acdbDeepCloneEntities({target}, database->modelSpaceId(), known);
                 break;
             default:
-                acdbPrepareDxfSave(*database);
+                AcDbDwgCarriers saving(*database);
             }
         }
         const auto end = dump(*database);
         while (database->undo().undo())
             ++steps;
-        acdbPrepareDxfSave(*database);
         EXPECT_EQ(dump(*database), start) << "seed " << seed;
         EXPECT_FALSE(database->hasChanges()) << "seed " << seed;
         while (steps-- > 0)

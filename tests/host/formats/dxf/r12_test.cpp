@@ -96,3 +96,70 @@ TEST(DxfR12, KeepsWhatItHasNoSectionFor)
     EXPECT_EQ(kept, expected);
     EXPECT_EQ(blockList(*again, again->modelSpaceId()), blockList(*database, database->modelSpaceId()));
 }
+
+/// A drawing of R12 with a dictionary and a record in it.
+static QByteArray drawingWithRecord(const QByteArray &drawing)
+{
+    const auto database = openDxf(drawing);
+    AcDbObjectPointer<AcDbDictionary> root(acdbEnsureNamedObjects(*database), AcDb::kForWrite);
+    AcDbObjectId id;
+    auto *const record = new AcDbXrecord;
+    root->setAt(QStringLiteral("NOTE"), record, id);
+    record->setFromRbChain({{1, QStringLiteral("  kept blanks ")}, {310, QByteArray(300, 'x')}});
+    record->close();
+    root.close();
+    return saveDxf(*database);
+}
+
+static ResbufList recordOf(const AcDbDatabase &database)
+{
+    AcDbObjectPointer<AcDbDictionary> root(database.namedObjectsDictionaryId(), AcDb::kForRead);
+    AcDbObjectPointer<AcDbXrecord> record(root ? root->getAt(QStringLiteral("NOTE")) : AcDbObjectId(),
+                                          AcDb::kForRead);
+    return record ? record->rbChain() : ResbufList();
+}
+
+TEST(DxfR12, KeepsWhatItLacksInComments)
+{
+    for (const QByteArray &lineEnd : {QByteArray("\r\n"), QByteArray("\n")}) {
+        const QByteArray bytes = drawingWithRecord(dxfText(tests::smallR12Drawing(true), lineEnd));
+        EXPECT_FALSE(bytes.contains(lineEnd + "OBJECTS" + lineEnd));
+        const auto database = openDxf(bytes);
+        EXPECT_THAT(database->repairs(), testing::IsEmpty());
+        const ResbufList chain = recordOf(*database);
+        ASSERT_EQ(chain.size(), 4u);
+        EXPECT_EQ(chain[0].text(), "  kept blanks ");
+        EXPECT_EQ(saveDxf(*database), bytes);
+
+        tests::appendCircle(database->modelSpaceId());
+        const QByteArray changed = saveDxf(*database);
+        EXPECT_EQ(recordOf(*openDxf(changed)), chain);
+        EXPECT_EQ(changed.count("QUILLNOTE SECTIONS 1"), 1);
+
+        // With the last object the comments go.
+        tests::erase(*database, database->namedObjectsDictionaryId().handle().value);
+        EXPECT_FALSE(saveDxf(*database).contains("QUILLNOTE"));
+    }
+}
+
+TEST(DxfR12, ReadsWhatIsLeftOfDamagedComments)
+{
+    const QByteArray whole = drawingWithRecord(dxfText(tests::smallR12Drawing(true)));
+    const auto foreign =
+        openDxf(QByteArray(whole).replace("999\r\n|XRECORD", "999\r\nsomebody else\r\n999\r\n|XRECORD"));
+    EXPECT_EQ(recordOf(*foreign).size(), 4u);
+    EXPECT_TRUE(saveDxf(*foreign).contains("somebody else"));
+
+    QByteArray endless = whole;
+    endless.replace("999\r\nQUILLNOTE END\r\n", "");
+    EXPECT_EQ(openDxf(endless)->repairs().size(), 1);
+    EXPECT_EQ(recordOf(*openDxf(endless)).size(), 4u);
+
+    for (qsizetype size = whole.indexOf("QUILLNOTE SECTIONS"); size < whole.size(); ++size) {
+        const auto cut = openDxf(whole.left(size));
+        tests::appendCircle(cut->modelSpaceId());
+        const auto again = openDxf(saveDxf(*cut));
+        EXPECT_TRUE(blockList(*again, again->modelSpaceId())
+                        .startsWith(QStringLiteral("CIRCLE A2 | POLYLINE A3 | ")));
+    }
+}
