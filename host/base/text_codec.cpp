@@ -303,24 +303,27 @@ QString decodeDrawingText(std::string_view bytes, const TextCodec &codec)
 QByteArray encodeDrawingText(QStringView text, const TextCodec &codec)
 {
     char16_t all = 0;
-    bool needsCaret = false;
+    bool needsEscape = false;
     for (const QChar c : text) {
         all |= c.unicode();
-        needsCaret |= (c.unicode() < 0x20) || (c == u'^');
+        needsEscape |= (c.unicode() < 0x20) || (c == u'^') || (c == u'\\');
     }
-    if (!needsCaret)
+    if (!needsEscape)
         return all < 0x80 ? text.toLatin1() : codec.encode(text, Substitute::unicodeEscape);
-    QString carets;
-    carets.reserve(text.size() * 2);
-    for (const QChar c : text) {
+    QString escaped;
+    escaped.reserve(text.size() * 2);
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QChar c = text[at];
         if (c == u'^')
-            carets += QStringLiteral("^ ");
+            escaped += QStringLiteral("^ ");
         else if (c.unicode() < 0x20)
-            (carets += u'^') += QChar(static_cast<char16_t>(c.unicode() + 0x40));
+            (escaped += u'^') += QChar(static_cast<char16_t>(c.unicode() + 0x40));
+        else if (c == u'\\' && escapeAt(text.sliced(at)))
+            escaped += QStringLiteral("\\U+005C"); // Typed so, and not to be taken for an escape.
         else
-            carets += c;
+            escaped += c;
     }
-    return codec.encode(carets, Substitute::unicodeEscape);
+    return codec.encode(escaped, Substitute::unicodeEscape);
 }
 
 } // namespace base

@@ -64,7 +64,7 @@ bool looksLikeUtf8(std::string_view bytes);
 QString decodeDrawingText(std::string_view bytes, const TextCodec &codec);
 
 /// The inverse: control characters become carets, a caret becomes "^ ", and what the code page lacks
-/// becomes "\U+XXXX". decodeDrawingText() gives `text` back unless it holds escapes itself.
+/// becomes "\U+XXXX"; so does a backslash that would begin an escape. decodeDrawingText() gives `text` back.
 QByteArray encodeDrawingText(QStringView text, const TextCodec &codec);
 
 } // namespace base

@@ -123,6 +123,8 @@ TEST(DrawingText, EncodesWhatAReaderOfTheCodePageUnderstands)
     EXPECT_EQ(encodeDrawingText(u"评°😀", TextCodec("ANSI_1252")), "\\U+8BC4\xB0\\U+D83D\\U+DE00");
     EXPECT_EQ(encodeDrawingText(u"a\tb\nc^J^", TextCodec("ANSI_1252")), "a^Ib^Jc^ J^ ");
     EXPECT_EQ(encodeDrawingText(u"评^\r", TextCodec("utf-8")), "评^ ^M");
+    EXPECT_EQ(encodeDrawingText(u"\\U+4E2D \\P \\U+12", TextCodec("utf-8")), "\\U+005CU+4E2D \\P \\U+12");
+    EXPECT_EQ(decodeDrawingText("\\U+005CU+4E2D", TextCodec("utf-8")), QStringLiteral("\\U+4E2D"));
     for (const char *page : {"ANSI_936", "ANSI_1252", "ANSI_1361", "utf-8"}) {
         const QString text = QStringLiteral("评图 ^J^ ^^ \t\r\n \\P 100% ∅ ñ 😀 \\S1^ 2;");
         EXPECT_EQ(decodeDrawingText(encodeDrawingText(text, TextCodec(page)).toStdString(), TextCodec(page)),
