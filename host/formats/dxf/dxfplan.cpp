@@ -4,7 +4,6 @@
 #include "host/formats/dxf/dxftables.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace dxf
 {
@@ -57,15 +56,20 @@ static Place placeOf(const AcDbStub &stub)
 
 // Objects ----------------------------------------------------------------------------------------
 
+static bool anyErased(const AcDbDatabase &database)
+{
+    for (std::uint32_t index = 1; index < database.stubCount(); ++index) {
+        if (database.stub(index)->has(AcDbStub::kErased))
+            return true;
+    }
+    return false;
+}
+
 /// What an erased object owns goes with it, however deep.
 void SavePlan::findGone()
 {
     // What was made and erased again is no change, but may have left something that it owned.
-    const auto isErased = [this](std::uint32_t index) {
-        return m_database.stub(index)->has(AcDbStub::kErased);
-    };
-    if (std::ranges::none_of(std::views::iota(std::uint32_t(1), std::uint32_t(m_database.stubCount())),
-                             isErased))
+    if (!anyErased(m_database))
         return;
     enum State : char { unknown, pending, alive, gone };
     std::vector<State> states(m_database.stubCount(), unknown);
