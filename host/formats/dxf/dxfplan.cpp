@@ -495,6 +495,14 @@ void SavePlan::writeNewSections()
     }
 }
 
+/// At one offset insertions come before what replaces the bytes behind it.
+static void sortByPlace(std::vector<Edit> &edits)
+{
+    std::ranges::stable_sort(edits, [](const Edit &a, const Edit &b) {
+        return a.offset != b.offset ? a.offset < b.offset : (a.removed != 0) < (b.removed != 0);
+    });
+}
+
 /// Something besides empty sections.
 static bool holdsAnything(const DxfSource &source, std::string_view text)
 {
@@ -507,27 +515,38 @@ static bool holdsAnything(const DxfSource &source, std::string_view text)
     return found;
 }
 
-/// The edits of the kept text become its new comments, right before the file's end, where the old ones go.
-void SavePlan::writeKept()
+/// What the edits make of the kept text; they are edits of the file no more.
+QByteArray SavePlan::takeKeptText()
 {
-    for (const Place comment : m_source.kept().comments)
-        replace(comment, {});
-    sortEdits();
-    const auto first =
-        std::ranges::find_if(m_edits, [this](const Edit &edit) { return m_source.isKept(edit.offset); });
+    std::vector<Edit> edits;
+    const auto firstInsertion = m_insertions.lower_bound({m_source.keptBegin(), kContents});
+    for (auto insertion = firstInsertion; insertion != m_insertions.end(); ++insertion)
+        edits.push_back({insertion->first.first, 0, std::move(insertion->second)});
+    m_insertions.erase(firstInsertion, m_insertions.end());
+    const auto firstKept = std::stable_partition(
+        m_edits.begin(), m_edits.end(), [this](const Edit &edit) { return !m_source.isKept(edit.offset); });
+    std::move(firstKept, m_edits.end(), std::back_inserter(edits));
+    m_edits.erase(firstKept, m_edits.end());
+    sortByPlace(edits);
+
     QByteArray text;
     std::uint64_t at = m_source.keptBegin();
-    const auto copyTo = [&](std::uint64_t end) {
-        const std::string_view part = m_source.bytes({at, end});
-        text.append(part.data(), qsizetype(part.size()));
-    };
-    for (auto edit = first; edit != m_edits.end(); ++edit) {
-        copyTo(edit->offset);
-        text.append(edit->bytes);
-        at = edit->offset + edit->removed;
+    const auto append = [&text](std::string_view part) { text.append(part.data(), qsizetype(part.size())); };
+    for (const Edit &edit : edits) {
+        append(m_source.bytes({at, edit.offset}));
+        text.append(edit.bytes);
+        at = edit.offset + edit.removed;
     }
-    copyTo(m_source.keptEnd());
-    m_edits.erase(first, m_edits.end());
+    append(m_source.bytes({at, m_source.keptEnd()}));
+    return text;
+}
+
+/// The old comments go, the new ones come to stand right before the file's end.
+void SavePlan::writeKept()
+{
+    const QByteArray text = takeKeptText();
+    for (const Place comments : m_source.kept().comments)
+        replace(comments, {});
     const std::string_view whole(text.constData(), std::size_t(text.size()));
     if (!holdsAnything(m_source, whole))
         return;
@@ -536,18 +555,14 @@ void SavePlan::writeKept()
     insert(m_layout.eof, kKept, comments);
 }
 
-/// Puts the insertions among the edits. At one offset they come before what replaces the bytes behind it.
 void SavePlan::sortEdits()
 {
     std::vector<Edit> all;
     all.reserve(m_insertions.size() + m_edits.size());
     for (auto &[key, bytes] : m_insertions)
         all.push_back({key.first, 0, std::move(bytes)});
-    m_insertions.clear();
     std::ranges::move(m_edits, std::back_inserter(all));
-    std::ranges::stable_sort(all, [](const Edit &a, const Edit &b) {
-        return a.offset != b.offset ? a.offset < b.offset : (a.removed != 0) < (b.removed != 0);
-    });
+    sortByPlace(all);
     m_edits = std::move(all);
 
     // A last line without an end must not run into what is added behind it.

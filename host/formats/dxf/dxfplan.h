@@ -58,6 +58,7 @@ private:
     void writeHandle(const AcDbStub &stub);
     void writeMissingEnds();
     void writeNewSections();
+    QByteArray takeKeptText();
     void writeKept();
     void sortEdits();
 

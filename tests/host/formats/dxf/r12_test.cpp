@@ -163,3 +163,22 @@ TEST(DxfR12, ReadsWhatIsLeftOfDamagedComments)
                         .startsWith(QStringLiteral("CIRCLE A2 | POLYLINE A3 | ")));
     }
 }
+
+// What saving mends at the file's end stands before the comments, or they would not be found again.
+TEST(DxfR12, PutsCommentsBehindWhatItMends)
+{
+    const QByteArray groups = tests::smallR12Drawing(true);
+    const QByteArray noEnds = groups.chopped(QByteArrayView("|0 ENDSEC|0 EOF").size());
+    const QByteArray noEntities = groups.left(groups.indexOf("0 SECTION|2 ENTITIES")) + "0 EOF";
+    for (const QByteArray &damaged : {dxfText(noEnds), dxfText(noEnds).chopped(2), dxfText(noEntities)}) {
+        const QByteArray bytes = drawingWithRecord(damaged);
+        EXPECT_TRUE(bytes.endsWith("999\r\nQUILLNOTE END\r\n  0\r\nEOF\r\n"));
+        const auto database = openDxf(bytes);
+        EXPECT_THAT(database->repairs(), testing::IsEmpty());
+        EXPECT_EQ(recordOf(*database).size(), 4u);
+        tests::appendCircle(database->modelSpaceId());
+        const auto again = openDxf(saveDxf(*database));
+        EXPECT_THAT(again->repairs(), testing::IsEmpty());
+        EXPECT_EQ(recordOf(*again), recordOf(*database));
+    }
+}
