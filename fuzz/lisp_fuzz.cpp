@@ -1,29 +1,15 @@
 // The LISP reader and evaluator, with a front end that swallows what is printed.
-#include "host/aced/edfrontend.h"
+#include "fuzz/silent_front_end.h"
 #include "host/aced/edlisp_eval.h"
 #include "host/aced/edlisp_reader.h"
 #include "host/os/settings_store.h"
 
 #include <cstdlib>
 
-namespace
-{
-
-class SilentFrontEnd : public AcEdFrontEnd
-{
-public:
-    std::optional<AcEdAnswer> answer(const AcEdPrompt &) override { return std::nullopt; }
-    std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
-    bool isScripted() const override { return true; }
-    void print(const QString &) override {}
-};
-
-} // namespace
-
 /// (setvar) must not reach the settings of whoever runs this.
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    static SilentFrontEnd frontEnd;
+    static fuzz::SilentFrontEnd frontEnd;
     acedSetFrontEnd(&frontEnd);
     os::SettingsStore::setMessageHandler([](const QString &) {});
     qputenv("XDG_CONFIG_HOME", "/dev/null");
