@@ -157,7 +157,6 @@ private:
         ResbufList groups;
         bool present = true;  ///< False: an undone addition.
         bool changed = false; ///< Differs from the source.
-        bool fromSource = false;
     };
 
     AcDbStub *newStub();

@@ -76,7 +76,6 @@ public:
 
     const QByteArray &stream() const { return m_stream; }
     qsizetype position() const { return m_position; }
-    bool atEnd() const { return m_position == m_stream.size(); }
 
     AcDb::FilerType filerType() const override { return m_type; }
     Acad::ErrorStatus filerStatus() const override { return m_status; }

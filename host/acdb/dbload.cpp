@@ -75,9 +75,7 @@ void AcDbLoader::addHeaderVariable(const QByteArray &name, ResbufList groups)
 {
     if (!m_database.m_header.contains(name))
         m_database.m_headerNames.push_back(name);
-    AcDbDatabase::HeaderValue &value = m_database.m_header[name];
-    value.groups = std::move(groups);
-    value.fromSource = true;
+    m_database.m_header[name].groups = std::move(groups);
 }
 
 void AcDbLoader::addClass(DrawingClass added)
