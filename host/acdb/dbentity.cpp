@@ -188,3 +188,15 @@ Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d &matrix)
 {
     return acdbTransformGroups(editGroups(), matrix);
 }
+
+bool AcDbEntity::subWorldDraw(AcGiWorldDraw *) const
+{
+    return true;
+}
+
+void AcDbEntity::subViewportDraw(AcGiViewportDraw *) const {}
+
+void AcDbEntity::saveAs(AcGiWorldDraw *context) const
+{
+    subWorldDraw(context);
+}

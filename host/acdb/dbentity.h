@@ -5,6 +5,9 @@
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
 
+class AcGiViewportDraw;
+class AcGiWorldDraw;
+
 class AcDbEntity : public AcDbObject
 {
 public:
@@ -35,6 +38,13 @@ public:
     Acad::ErrorStatus transformBy(const AcGeMatrix3d &matrix);
 
     // Overridden by custom entities --------------------------------------------------------------
+    // Drawing happens while the entity is open for read; it changes nothing that is filed.
+    /// Draws what looks the same in every view. True: that was all, subViewportDraw is not asked.
+    virtual bool subWorldDraw(AcGiWorldDraw *context) const;
+    /// Draws what depends on the view; asked again for each view and whenever its scale or twist changes.
+    virtual void subViewportDraw(AcGiViewportDraw *context) const;
+    /// Draws what programs without the class will see. Unless overridden, as subWorldDraw.
+    virtual void saveAs(AcGiWorldDraw *context) const;
     virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const;
     virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix);
 

@@ -78,7 +78,7 @@ static bool drawCustom(const AcDbEntity &entity, AcGiGeometry &sink)
     return true;
 }
 
-bool acgiDrawEntity(const AcDbEntity &entity, AcGiGeometry &sink)
+static bool drawByKind(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const AcDbStub *const stub = entity.objectId().stub();
     const acgi::DrawFunction draw = drawFunction(stub ? stub->kind : acdbKind(entity.dxfName()));
@@ -88,8 +88,16 @@ bool acgiDrawEntity(const AcDbEntity &entity, AcGiGeometry &sink)
     }
     if (entity.isCustom() && drawCustom(entity, sink))
         return true;
-    sink.countUndrawn();
+    sink.noteUndrawn(QString::fromLatin1(entity.dxfName()));
     return false;
+}
+
+bool acgiDrawEntity(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    sink.beginEntity(entity);
+    const bool drawn = drawByKind(entity, sink);
+    sink.endEntity();
+    return drawn;
 }
 
 void acgiDrawBlock(AcDbObjectId blockRecord, AcGiGeometry &sink)

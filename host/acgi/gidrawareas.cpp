@@ -19,7 +19,8 @@ void drawSolid(const AcDbEntity &entity, AcGiGeometry &sink)
         for (AcGePoint3d &corner : corners)
             corner.transformBy(plane);
     }
-    sink.polygon(4, corners);
+    const AcGiLoop loop(corners, corners + 4);
+    sink.fill(std::span(&loop, 1));
 }
 
 void drawFace(const AcDbEntity &entity, AcGiGeometry &sink)
@@ -65,8 +66,8 @@ void drawImage(const AcDbEntity &entity, AcGiGeometry &sink)
 
 void drawWipeout(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const std::vector<AcGePoint3d> frame = imageFrame(EntityGroups(entity));
-    sink.polygon(std::uint32_t(frame.size() - 1), frame.data());
+    const AcGiLoop frame = imageFrame(EntityGroups(entity));
+    sink.fill(std::span(&frame, 1));
 }
 
 static void drawRectangle(const AcGePoint3d &low, const AcGePoint3d &high, AcGiGeometry &sink)

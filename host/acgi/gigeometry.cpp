@@ -142,10 +142,52 @@ void AcGiGeometry::wideSegment(const AcGiVertex &from, const AcGiVertex &to)
     fill(std::span(&left, 1));
 }
 
+void AcGiGeometry::marker(const AcGePoint3d &point, int, double, double)
+{
+    polyline(1, &point);
+}
+
+void AcGiGeometry::image(const AcGiImage &image)
+{
+    AcGiLoop frame = image.clip;
+    if (frame.empty())
+        frame = {image.origin, image.origin + image.u, image.origin + image.u + image.v,
+                 image.origin + image.v};
+    frame.push_back(frame.front());
+    polyline(std::uint32_t(frame.size()), frame.data());
+}
+
 void AcGiGeometry::polygon(std::uint32_t count, const AcGePoint3d *points)
 {
-    const AcGiLoop loop(points, points + count);
-    fill(std::span(&loop, 1));
+    AcGiLoop loop(points, points + count);
+    if (m_traits.fillType() == kAcGiFillAlways)
+        return fill(std::span(&loop, 1));
+    if (count > 0)
+        loop.push_back(loop.front());
+    polyline(std::uint32_t(loop.size()), loop.data());
+}
+
+// The centre is equally far from the three points: two linear equations in the plane of the points.
+void AcGiGeometry::circularArc(const AcGePoint3d &start, const AcGePoint3d &through, const AcGePoint3d &end)
+{
+    const AcGeVector3d a = through - start;
+    const AcGeVector3d b = end - start;
+    const AcGeVector3d normal = a.crossProduct(b);
+    const double area = normal.dotProduct(normal);
+    if (!(area > 1e-18 * a.dotProduct(a) * b.dotProduct(b))) {
+        const AcGePoint3d chain[] = {start, through, end};
+        return polyline(3, chain);
+    }
+    const AcGeVector3d toCentre =
+        (normal.crossProduct(a) * b.dotProduct(b) + b.crossProduct(normal) * a.dotProduct(a)) / (2.0 * area);
+    const AcGePoint3d centre = start + toCentre;
+    const AcGeVector3d u = -toCentre;
+    const AcGeVector3d v = normal.normal().crossProduct(u);
+    const AcGeVector3d last = end - centre;
+    double sweep = std::atan2(last.dotProduct(v), last.dotProduct(u));
+    if (sweep <= 0.0)
+        sweep += kTurn;
+    arc({centre, u, v, 0.0, sweep});
 }
 
 void AcGiGeometry::circle(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal)

@@ -4,6 +4,7 @@
 
 #include "host/acdb/dbid.h"
 #include "host/acge/gematrix.h"
+#include "host/acgi/gitraits.h"
 
 #include <QString>
 
@@ -11,6 +12,7 @@
 #include <vector>
 
 class AcDbEntity;
+class AcGiFont;
 
 /// centre + u cos t + v sin t for t from `start` over `sweep` (radians, negative runs backward). Circles
 /// and ellipses, whole or in part, and whatever an affine transform makes of them.
@@ -45,11 +47,13 @@ struct AcGiVertex {
 
 /// One line of text. The box is position + direction * (0 .. width) + up * (0 .. 1).
 struct AcGiTextLine {
-    QString text;           ///< Without control codes.
-    AcGePoint3d position;   ///< Left end of the base line.
-    AcGeVector3d direction; ///< Along the base line; its length is text height times width factor.
-    AcGeVector3d up;        ///< Its length is the text height; leans for oblique text.
-    double width = 0.0;     ///< Length of the line in units of `direction`.
+    QString text;                   ///< Without control codes.
+    AcGePoint3d position;           ///< Left end of the base line.
+    AcGeVector3d direction;         ///< Along the base line; its length is text height times width factor.
+    AcGeVector3d up;                ///< Its length is the text height; leans for oblique text.
+    double width = 0.0;             ///< Length of the line in units of `direction`.
+    const AcGiFont *font = nullptr; ///< Null: the default font. See acgiFont().
+    double tracking = 1.0;          ///< Factor on the advance of each character; `width` includes it.
 };
 
 using AcGiLoop = std::vector<AcGePoint3d>;
@@ -66,7 +70,33 @@ struct AcGiBlockPlacement {
     AcGeMatrix3d instance(int column, int row) const;
 };
 
-/// Everything comes in model coordinates; modelToWorld() leads to the world.
+/// A raster image: pixel (0, 0) is its upper left one.
+struct AcGiImage {
+    QString path;       ///< As the drawing names the file.
+    AcGePoint3d origin; ///< Lower left corner of the image.
+    AcGeVector3d u;     ///< Along the lower edge, its whole length.
+    AcGeVector3d v;     ///< Along the left edge, its whole length.
+    AcGiLoop clip;      ///< What shows of it, model coordinates; empty: all.
+    double fade = 0.0;  ///< 0 to 1, towards the background.
+};
+
+/// What a viewport of a layout shows.
+struct AcGiViewportPicture {
+    AcDbObjectId space; ///< Block record that is shown: model space.
+    AcGePoint3d centre; ///< Of the viewport on the sheet.
+    double width = 0.0; ///< On the sheet.
+    double height = 0.0;
+    AcGiLoop clip;          ///< Its boundary on the sheet when that is not the rectangle.
+    AcGePoint3d target;     ///< Of the view, world coordinates.
+    AcGePoint2d viewCentre; ///< In eye coordinates relative to the target.
+    double viewHeight = 1.0;
+    AcGeVector3d direction = AcGeVector3d::kZAxis;
+    double twist = 0.0; ///< Radians, as AcGiViewport::twist.
+    std::vector<AcDbObjectId> frozenLayers;
+};
+
+/// Everything comes in model coordinates; modelToWorld() leads to the world. Each primitive has the traits
+/// that the pen has at that moment.
 class AcGiGeometry
 {
 public:
@@ -77,6 +107,8 @@ public:
     const AcGeMatrix3d &modelToWorld() const { return m_toWorld; }
     AcGePoint3d toWorld(const AcGePoint3d &point) const { return m_isWorld ? point : m_toWorld * point; }
     AcGiArc toWorld(const AcGiArc &arc) const { return m_isWorld ? arc : arc.transformed(m_toWorld); }
+
+    AcGiSubEntityTraits &subEntityTraits() { return m_traits; }
 
     // Primitives ---------------------------------------------------------------------------------
     /// A chain of lines; one point is a dot.
@@ -90,7 +122,18 @@ public:
     /// Lines and arcs in one go; wide segments are areas.
     virtual void pline(std::span<const AcGiVertex> vertices, bool closed);
 
+    /// A POINT as PDMODE and PDSIZE want it shown: `size` above 0 in drawing units, else minus the
+    /// percentage of the view's height (0: 5 percent). Unless overridden, a dot.
+    virtual void marker(const AcGePoint3d &point, int mode, double size, double angle);
+    /// Unless overridden, its frame.
+    virtual void image(const AcGiImage &image);
+    /// What a viewport shows; its frame is drawn beside this. Unless overridden, nothing.
+    virtual void viewport(const AcGiViewportPicture &) {}
+
+    /// An area when the pen fills always, else the closed outline.
     void polygon(std::uint32_t count, const AcGePoint3d *points);
+    /// A circular arc from the first through the second to the third point; lines when they are in a row.
+    void circularArc(const AcGePoint3d &start, const AcGePoint3d &through, const AcGePoint3d &end);
     void circle(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal);
     /// `startVector` points from the centre to the start; the arc turns counter-clockwise about `normal`.
     void circularArc(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal,
@@ -101,11 +144,17 @@ public:
     virtual bool wants(const AcDbEntity & /*nested*/) { return true; }
     /// A sink that knows the block already returns true; otherwise its entities are drawn one by one.
     virtual bool blockReference(const AcGiBlockPlacement & /*reference*/) { return false; }
+    /// Around the drawing of each entity, nested ones and attributes too. Sinks that show something take the
+    /// entity's traits up here and go back to those of whoever shows it.
+    virtual void beginEntity(const AcDbEntity & /*entity*/) {}
+    virtual void endEntity() {}
+    /// What follows shows only inside the loops (even-odd), or only outside when `inverted`; clips nest.
+    virtual void pushClip(std::span<const AcGiLoop> /*loops*/, bool /*inverted*/) {}
+    virtual void popClip() {}
     /// True when nothing more is needed; drawing then ends early.
     virtual bool isDone() const { return false; }
-    /// Entities whose kind draws nothing here.
-    std::size_t undrawnCount() const { return m_undrawn; }
-    void countUndrawn() { ++m_undrawn; }
+    /// An entity, or a part of it, that cannot be drawn; `reason` starts with the kind ("3DSOLID: ...").
+    virtual void noteUndrawn(const QString & /*reason*/) {}
 
     /// Blocks that are being drawn. False when the block is one of them already, or too deep.
     bool enterBlock(AcDbObjectId record);
@@ -118,8 +167,8 @@ private:
     std::vector<AcGeMatrix3d> m_stack;
     AcGeMatrix3d m_toWorld;
     bool m_isWorld = true;
+    AcGiSubEntityTraits m_traits;
     std::vector<AcDbObjectId> m_blocks;
-    std::size_t m_undrawn = 0;
 };
 
 /// A model transform for the life of a scope.

@@ -1,0 +1,70 @@
+// Curves with parameter, length and points by length, as outlines and leaders follow them.
+#pragma once
+
+#include "host/acge/gepoint.h"
+
+#include <optional>
+#include <span>
+#include <vector>
+
+/// A curve of finite length. Lengths are found numerically, to about 1e-9 of the whole.
+class AcGeCurve3d
+{
+public:
+    virtual ~AcGeCurve3d() = default;
+    /// Parameters run from 0 to this; nothing for a curve that cannot be computed.
+    virtual std::optional<double> getEndParam() const = 0;
+    virtual AcGePoint3d getPointAtParam(double parameter) const = 0;
+    virtual AcGeVector3d getFirstDeriv(double parameter) const = 0;
+
+    /// Length from the start to a parameter.
+    std::optional<double> getDistAtParam(double parameter) const;
+    /// The point at a length from the start; lengths outside the curve give its ends.
+    std::optional<AcGePoint3d> getPointAtDist(double distance) const;
+
+private:
+    struct Measure {
+        double parameter;
+        double length;
+    };
+    const std::vector<Measure> &measures() const;
+    mutable std::vector<Measure> m_measures; ///< Made on first use.
+};
+
+/// centre + major cos t + minor sin t; t from 0 to 2 pi.
+class AcGeEllipArc3d : public AcGeCurve3d
+{
+public:
+    AcGeEllipArc3d(const AcGePoint3d &centre, const AcGeVector3d &major, const AcGeVector3d &minor)
+        : m_centre(centre), m_major(major), m_minor(minor)
+    {
+    }
+    std::optional<double> getEndParam() const override;
+    AcGePoint3d getPointAtParam(double parameter) const override;
+    AcGeVector3d getFirstDeriv(double parameter) const override;
+
+private:
+    AcGePoint3d m_centre;
+    AcGeVector3d m_major;
+    AcGeVector3d m_minor;
+};
+
+/// The cubic spline (order 4) with continuous second derivative through fit points, parametrised by the
+/// chord lengths between them. End tangents that are not given follow from the natural end condition; given
+/// ones count by direction, with the speed of chord-length parametrisation (length 1).
+class AcGeFitSpline3d : public AcGeCurve3d
+{
+public:
+    AcGeFitSpline3d(std::span<const AcGePoint3d> fitPoints, std::optional<AcGeVector3d> startTangent,
+                    std::optional<AcGeVector3d> endTangent);
+    /// Nothing with fewer than two distinct points or without finite coordinates.
+    std::optional<double> getEndParam() const override;
+    AcGePoint3d getPointAtParam(double parameter) const override;
+    AcGeVector3d getFirstDeriv(double parameter) const override;
+
+private:
+    std::size_t spanOf(double &parameter) const;
+    std::vector<AcGePoint3d> m_points;
+    std::vector<AcGeVector3d> m_tangents; ///< First derivatives at the fit points.
+    std::vector<double> m_knots;          ///< Parameters of the fit points.
+};
