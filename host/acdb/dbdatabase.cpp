@@ -299,6 +299,35 @@ void AcDbDatabase::setErased(AcDbStub &stub, bool erased)
     object->m_writing = wasWriting;
 }
 
+static AcDbProxyGraphics s_proxyGraphics = nullptr;
+
+void acdbSetProxyGraphics(AcDbProxyGraphics provider)
+{
+    s_proxyGraphics = provider;
+}
+
+/// The groups that the host knows of a custom entity, with its present proxy graphics as the last of them.
+/// R12 has no place for graphics.
+static ResbufList withProxyGraphics(const AcDbObject &object, DrawingVersion version)
+{
+    ResbufList groups = object.groups();
+    if (!object.isKindOf(AcDbEntity::desc()))
+        return groups;
+    std::erase_if(groups, [](const resbuf &group) {
+        return group.restype == 92 || group.restype == 160 || group.restype == 310;
+    });
+    if (!s_proxyGraphics || version < DrawingVersion::r13)
+        return groups;
+    const QByteArray graphics = s_proxyGraphics(static_cast<const AcDbEntity &>(object));
+    if (graphics.isEmpty())
+        return groups;
+    const resbuf added[] = {{version < DrawingVersion::r2010 ? 92 : 160, std::int64_t(graphics.size())},
+                            {310, graphics}};
+    groups.insert(groups.begin() + std::ptrdiff_t(extendedDataBegin(groups)), std::begin(added),
+                  std::end(added));
+    return groups;
+}
+
 ResbufList AcDbDatabase::fileGroups(const AcDbStub &stub) const
 {
     AcDbObject *const object = stub.object;
@@ -310,7 +339,7 @@ ResbufList AcDbDatabase::fileGroups(const AcDbStub &stub) const
     AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this));
     object->dxfOutFields(&filer);
     --object->m_readers;
-    ResbufList groups = object->m_groups;
+    ResbufList groups = withProxyGraphics(*object, version());
     groups.insert(groups.begin() + std::ptrdiff_t(extendedDataBegin(groups)), filer.groups().begin(),
                   filer.groups().end());
     return groups;

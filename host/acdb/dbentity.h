@@ -62,3 +62,8 @@ std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList 
 /// How the extents of native entities are found: given by the drawing layer, which knows how each draws.
 using AcDbNativeExtents = Acad::ErrorStatus (*)(const AcDbEntity &entity, AcDbExtents &extents);
 void acdbSetNativeExtents(AcDbNativeExtents provider);
+
+/// What programs that do not know an entity's class will show of it: bytes that stand in the entity's record.
+/// Given by the drawing layer; empty bytes leave the record without.
+using AcDbProxyGraphics = QByteArray (*)(const AcDbEntity &entity);
+void acdbSetProxyGraphics(AcDbProxyGraphics provider);

@@ -46,6 +46,8 @@ public:
     virtual void layOut(QStringView text, std::vector<AcGiPlacedGlyph> &glyphs) const = 0;
     /// The size (em) of the face at which a capital letter is 1 high.
     virtual double emSize() const = 0;
+    /// What it was found for.
+    virtual const AcGiFontRequest &request() const = 0;
 };
 
 /// The face for a font; never fails, see AcGiFont::isFound(). Main thread only; what is returned may be

@@ -62,6 +62,28 @@ AcGiArc acgiBulgeArc(const AcGePoint3d &from, const AcGePoint3d &to, double bulg
     return arc;
 }
 
+// The centre is equally far from the three points: two linear equations in the plane of the points.
+std::optional<AcGiArc> acgiArcThrough(const AcGePoint3d &start, const AcGePoint3d &through,
+                                      const AcGePoint3d &end)
+{
+    const AcGeVector3d a = through - start;
+    const AcGeVector3d b = end - start;
+    const AcGeVector3d normal = a.crossProduct(b);
+    const double area = normal.dotProduct(normal);
+    if (!(area > 1e-18 * a.dotProduct(a) * b.dotProduct(b)))
+        return std::nullopt;
+    const AcGeVector3d toCentre =
+        (normal.crossProduct(a) * b.dotProduct(b) + b.crossProduct(normal) * a.dotProduct(a)) / (2.0 * area);
+    const AcGePoint3d centre = start + toCentre;
+    const AcGeVector3d u = -toCentre;
+    const AcGeVector3d v = normal.normal().crossProduct(u);
+    const AcGeVector3d last = end - centre;
+    double sweep = std::atan2(last.dotProduct(v), last.dotProduct(u));
+    if (sweep <= 0.0)
+        sweep += kTurn;
+    return AcGiArc{centre, u, v, 0.0, sweep};
+}
+
 AcGeMatrix3d AcGiBlockPlacement::instance(int column, int row) const
 {
     if (column == 0 && row == 0)
@@ -167,27 +189,12 @@ void AcGiGeometry::polygon(std::uint32_t count, const AcGePoint3d *points)
     polyline(std::uint32_t(loop.size()), loop.data());
 }
 
-// The centre is equally far from the three points: two linear equations in the plane of the points.
 void AcGiGeometry::circularArc(const AcGePoint3d &start, const AcGePoint3d &through, const AcGePoint3d &end)
 {
-    const AcGeVector3d a = through - start;
-    const AcGeVector3d b = end - start;
-    const AcGeVector3d normal = a.crossProduct(b);
-    const double area = normal.dotProduct(normal);
-    if (!(area > 1e-18 * a.dotProduct(a) * b.dotProduct(b))) {
-        const AcGePoint3d chain[] = {start, through, end};
-        return polyline(3, chain);
-    }
-    const AcGeVector3d toCentre =
-        (normal.crossProduct(a) * b.dotProduct(b) + b.crossProduct(normal) * a.dotProduct(a)) / (2.0 * area);
-    const AcGePoint3d centre = start + toCentre;
-    const AcGeVector3d u = -toCentre;
-    const AcGeVector3d v = normal.normal().crossProduct(u);
-    const AcGeVector3d last = end - centre;
-    double sweep = std::atan2(last.dotProduct(v), last.dotProduct(u));
-    if (sweep <= 0.0)
-        sweep += kTurn;
-    arc({centre, u, v, 0.0, sweep});
+    if (const auto curve = acgiArcThrough(start, through, end))
+        return arc(*curve);
+    const AcGePoint3d chain[] = {start, through, end};
+    polyline(3, chain);
 }
 
 void AcGiGeometry::circle(const AcGePoint3d &centre, double radius, const AcGeVector3d &normal)

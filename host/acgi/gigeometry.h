@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -36,6 +37,10 @@ struct AcGiArc {
 
 /// The arc from `from` to `to` in the XY plane with a bulge (tangent of a quarter of the angle).
 AcGiArc acgiBulgeArc(const AcGePoint3d &from, const AcGePoint3d &to, double bulge);
+
+/// The circular arc from the first through the second to the third point; nothing when they are in a row.
+std::optional<AcGiArc> acgiArcThrough(const AcGePoint3d &start, const AcGePoint3d &through,
+                                      const AcGePoint3d &end);
 
 /// A vertex of a polyline in its plane; bulge and widths belong to the segment that begins here.
 struct AcGiVertex {

@@ -1,0 +1,42 @@
+// Bits in memory, most significant bit of each byte first, as DWG files pack them. The reader never reads
+// past its end: the first short read makes it fail, it stays failed, and everything read from then on is
+// zero.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace base
+{
+
+/// The names of the packed types are those of the published description of the DWG format.
+class BitReader
+{
+public:
+    explicit BitReader(std::span<const std::byte> bytes) : m_bytes(bytes) {}
+
+    bool bit();                                   ///< B
+    std::uint8_t twoBits();                       ///< BB
+    std::uint8_t rawChar();                       ///< RC
+    std::uint16_t rawShort();                     ///< RS
+    std::uint32_t rawLong();                      ///< RL
+    double rawDouble();                           ///< RD
+    std::int16_t bitShort();                      ///< BS
+    std::int32_t bitLong();                       ///< BL
+    double bitDouble();                           ///< BD
+    double bitDoubleWithDefault(double fallback); ///< DD
+
+    bool failed() const { return m_failed; }
+    std::size_t bitsLeft() const { return m_bytes.size() * 8 - m_position; }
+
+private:
+    template <class Number>
+    Number raw();
+
+    std::span<const std::byte> m_bytes;
+    std::size_t m_position = 0; ///< In bits.
+    bool m_failed = false;
+};
+
+} // namespace base
