@@ -305,7 +305,7 @@ QString ProxyPlayer::string(ByteReader &chunk, bool unicode)
     }
     chunk.skip((4 - (text.size() + 1) % 4) % 4);
     const QString page = m_database ? m_database->headerText("$DWGCODEPAGE") : QString();
-    return base::TextCodec(page.toStdString()).decode(text);
+    return base::decodeDrawingText(text, base::TextCodec(page.toStdString()));
 }
 
 // Kinds with a font name it behind the text; those without have their proportions before it.
