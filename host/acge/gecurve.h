@@ -22,12 +22,19 @@ public:
     /// The point at a length from the start; lengths outside the curve give its ends.
     std::optional<AcGePoint3d> getPointAtDist(double distance) const;
 
+protected:
+    /// Parameters from 0 to the end between which the curve has all derivatives.
+    virtual std::vector<double> smoothSpans(double end) const = 0;
+
 private:
     struct Measure {
         double parameter;
-        double length;
+        double length; ///< From the start.
     };
     const std::vector<Measure> &measures() const;
+    double lengthBetween(double from, double to) const;
+    void measure(double from, double to, double length, double tolerance, int depth) const;
+    double parameterAt(double distance) const;
     mutable std::vector<Measure> m_measures; ///< Made on first use.
 };
 
@@ -42,6 +49,9 @@ public:
     std::optional<double> getEndParam() const override;
     AcGePoint3d getPointAtParam(double parameter) const override;
     AcGeVector3d getFirstDeriv(double parameter) const override;
+
+protected:
+    std::vector<double> smoothSpans(double end) const override;
 
 private:
     AcGePoint3d m_centre;
@@ -62,7 +72,12 @@ public:
     AcGePoint3d getPointAtParam(double parameter) const override;
     AcGeVector3d getFirstDeriv(double parameter) const override;
 
+protected:
+    std::vector<double> smoothSpans(double end) const override;
+
 private:
+    void solveTangents(std::optional<AcGeVector3d> start, std::optional<AcGeVector3d> end);
+    /// The fit point before the parameter, which becomes a number from 0 to 1 along the span.
     std::size_t spanOf(double &parameter) const;
     std::vector<AcGePoint3d> m_points;
     std::vector<AcGeVector3d> m_tangents; ///< First derivatives at the fit points.
