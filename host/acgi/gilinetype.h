@@ -7,7 +7,6 @@
 #include <QPointF>
 #include <QRectF>
 
-#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -38,6 +37,10 @@ struct AcGiLinetype {
 
 /// Patterns that make no sense (no length, not finite, more than 1000 elements) are continuous.
 AcGiLinetype acgiReadLinetype(AcDbObjectId record);
+
+/// The lines of a shape at size 1, x along the line and the origin at its place: the shapes of the common
+/// linetype file (ltypeshp.shx) that everybody has. Empty for texts and for other shapes, which draw nothing.
+std::vector<std::vector<QPointF>> acgiPatternShape(const AcGiPatternText &text);
 
 /// What comes of laying a pattern along a chain.
 class AcGiDashSink
