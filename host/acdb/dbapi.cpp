@@ -3,6 +3,7 @@
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dwgcarrier.h"
+#include "host/acdb/entgetdefaults.h"
 #include "host/base/wildcard.h"
 
 #include <algorithm>
@@ -117,14 +118,14 @@ ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
 
     ResbufList data{{-1, id}, {0, groups.empty() ? QString() : groups.front().text()}};
     appendIdentity(data, stub, braces);
-    std::size_t from = 0;
     if (stub.has(AcDbStub::kEntity)) {
         data.emplace_back(100, QStringLiteral("AcDbEntity"));
         if (!content.empty() && content.front().restype == 100 && content.front().text() == u"AcDbEntity")
-            from = 1;
+            content.erase(content.begin());
         appendSpace(data, owningBlock(stub));
+        acdbSettleDefaults(stub.kind, content);
     }
-    data.insert(data.end(), content.begin() + std::ptrdiff_t(from), content.end());
+    data.insert(data.end(), content.begin(), content.end());
     if (!applications.isEmpty())
         appendExtendedData(data, groups, applications);
     return data;

@@ -1,0 +1,434 @@
+#include "host/acdb/entgetdefaults.h"
+
+#include "host/acdb/dbdatabase.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <unordered_map>
+
+namespace
+{
+
+enum class Habit : std::uint8_t {
+    given,        ///< Listed when the entity has it.
+    always,       ///< Listed with its default when the entity has none.
+    unlessDefault ///< Not listed at its default.
+};
+
+struct Row {
+    int code;
+    Habit habit;
+    resbuf::Value defaultValue;
+};
+
+struct Section {
+    /// The marker of the subclass; several when kinds of one name differ in it.
+    std::vector<const char *> markers;
+    std::vector<Row> rows; ///< In the order of the list.
+};
+
+struct Kind {
+    const char *name;
+    std::vector<Section> sections;
+    bool planar = false; ///< Its points have no z.
+    int stop = 101;      ///< From this group on nothing is touched.
+};
+
+Row given(int code)
+{
+    return {code, Habit::given, {}};
+}
+
+Row real(int code, double value)
+{
+    return {code, Habit::always, value};
+}
+
+Row integer(int code, int value)
+{
+    return {code, Habit::always, std::int64_t(value)};
+}
+
+Row text(int code, const char *value)
+{
+    return {code, Habit::always, QString::fromLatin1(value)};
+}
+
+Row point(int code, double x, double y, double z)
+{
+    return {code, Habit::always, AcGePoint3d(x, y, z)};
+}
+
+Row unlessDefault(Row row)
+{
+    row.habit = Habit::unlessDefault;
+    return row;
+}
+
+const Row kNormal = point(210, 0, 0, 1);
+const Row kThickness = unlessDefault(real(39, 0));
+
+/// Text, attributes and attribute definitions share their first half.
+Section textSection()
+{
+    return {{"AcDbText"},
+            {kThickness, given(10), given(40), text(1, ""), real(50, 0), real(41, 1), real(51, 0),
+             text(7, "Standard"), integer(71, 0), integer(72, 0), point(11, 0, 0, 0), kNormal}};
+}
+
+/// Polylines of any sort start with a point that holds the elevation.
+Section polylineSection()
+{
+    return {{"AcDb2dPolyline", "AcDb3dPolyline", "AcDbPolygonMesh", "AcDbPolyFaceMesh"},
+            {integer(66, 1), point(10, 0, 0, 0), kThickness, integer(70, 0), real(40, 0), real(41, 0),
+             kNormal, integer(71, 0), integer(72, 0), integer(73, 0), integer(74, 0), integer(75, 0)}};
+}
+
+Section dimensionSection()
+{
+    return {{"AcDbDimension"},
+            {given(2), given(10), point(11, 0, 0, 0), point(12, 0, 0, 0), integer(70, 0), text(1, ""),
+             integer(71, 5), integer(72, 1), real(41, 1), given(42), integer(73, 0), integer(74, 0),
+             integer(75, 0), real(52, 0), real(53, 0), real(54, 0), real(51, 0), kNormal,
+             text(3, "Standard")}};
+}
+
+/// Display properties of every kind; they keep the order of the file.
+const std::vector<Row> &commonRows()
+{
+    static const std::vector<Row> rows{
+        text(8, "0"),
+        unlessDefault(text(6, "BYLAYER")),
+        unlessDefault(integer(62, 256)),
+        unlessDefault(real(48, 1)),
+        unlessDefault(integer(60, 0)),
+        unlessDefault(integer(370, -1)),
+        given(420),
+        given(430),
+        given(440),
+    };
+    return rows;
+}
+
+/// The table: kinds, subclasses, codes, defaults; the order of the rows is the order of the list.
+const std::vector<Kind> &kinds()
+{
+    static const std::vector<Kind> table{
+        {"LINE", {{{"AcDbLine"}, {kThickness, given(10), given(11), kNormal}}}},
+        {"POINT", {{{"AcDbPoint"}, {given(10), kThickness, kNormal, real(50, 0)}}}},
+        {"CIRCLE", {{{"AcDbCircle"}, {kThickness, given(10), given(40), kNormal}}}},
+        {"ARC",
+         {{{"AcDbCircle"}, {kThickness, given(10), given(40), kNormal}},
+          {{"AcDbArc"}, {given(50), given(51)}}}},
+        {"ELLIPSE",
+         {{{"AcDbEllipse"}, {given(10), given(11), kNormal, given(40), real(41, 0), real(42, 2 * kGePi)}}}},
+        {"SOLID", {{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), kThickness, kNormal}}}},
+        {"TRACE", {{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), kThickness, kNormal}}}},
+        {"3DFACE", {{{"AcDbFace"}, {given(10), given(11), given(12), given(13), integer(70, 0)}}}},
+        {"LWPOLYLINE",
+         {{{"AcDbPolyline"},
+           {given(90), integer(70, 0), given(43), real(38, 0), real(39, 0), given(10), kNormal}}},
+         true},
+        {"POLYLINE", {polylineSection()}},
+        {"VERTEX",
+         {{{"AcDbVertex"}, {}},
+          {{"AcDb2dVertex", "AcDb3dPolylineVertex", "AcDbPolygonMeshVertex", "AcDbPolyFaceMeshVertex",
+            "AcDbFaceRecord"},
+           {given(10), real(40, 0), real(41, 0), real(42, 0), integer(91, 0), integer(70, 0), real(50, 0),
+            integer(71, 0), integer(72, 0), integer(73, 0), integer(74, 0)}}}},
+        {"SPLINE",
+         {{{"AcDbSpline"},
+           {given(210), integer(70, 0), given(71), given(72), given(73), integer(74, 0), real(42, 1e-7),
+            real(43, 1e-7), given(44), given(12), given(13), given(40), given(41), given(10), given(11)}}}},
+        {"TEXT", {textSection(), {{"AcDbText"}, {integer(73, 0)}}}},
+        {"ATTRIB",
+         {textSection(), {{"AcDbAttribute"}, {given(2), integer(70, 0), integer(73, 0), integer(74, 0)}}}},
+        {"ATTDEF",
+         {textSection(),
+          {{"AcDbAttributeDefinition"},
+           {text(3, ""), given(2), integer(70, 0), integer(73, 0), integer(74, 0)}}}},
+        {"MTEXT",
+         {{{"AcDbMText"},
+           {given(10), given(40), real(41, 0), real(46, 0), integer(71, 1), integer(72, 5), given(3),
+            text(1, ""), text(7, "Standard"), kNormal, given(11), given(42), given(43), given(50),
+            integer(73, 1), real(44, 1)}}},
+         false,
+         75},
+        {"INSERT",
+         {{{"AcDbBlockReference", "AcDbMInsertBlock"},
+           {unlessDefault(integer(66, 0)), given(2), given(10), real(41, 1), real(42, 1), real(43, 1),
+            real(50, 0), integer(70, 0), integer(71, 0), real(44, 0), real(45, 0), kNormal}}}},
+        {"SHAPE",
+         {{{"AcDbShape"},
+           {kThickness, given(10), given(40), given(2), real(50, 0), real(41, 1), real(51, 0), kNormal}}}},
+        {"TOLERANCE",
+         {{{"AcDbFcf"}, {text(3, "Standard"), given(10), text(1, ""), kNormal, point(11, 1, 0, 0)}}}},
+        {"DIMENSION", {dimensionSection()}},
+    };
+    return table;
+}
+
+const Kind *kindOf(AcDbKind kind)
+{
+    static const std::unordered_map<AcDbKind, const Kind *> byKind = [] {
+        std::unordered_map<AcDbKind, const Kind *> map;
+        for (const Kind &each : kinds())
+            map.emplace(acdbKind(each.name), &each);
+        return map;
+    }();
+    const auto found = byKind.find(kind);
+    return found == byKind.end() ? nullptr : found->second;
+}
+
+// Names are found whatever their letters' case, so "STANDARD" is the default as well.
+bool isDefault(const Row &row, const resbuf::Value &value)
+{
+    const auto *const wanted = std::get_if<QString>(&row.defaultValue);
+    const auto *const name = std::get_if<QString>(&value);
+    return wanted && name ? name->compare(*wanted, Qt::CaseInsensitive) == 0 : value == row.defaultValue;
+}
+
+/// Where the layer and the display properties end. Files before R13 mix them with the rest.
+ResbufList::iterator takeCommon(ResbufList &content, ResbufList &common)
+{
+    const auto isMarker = [](const resbuf &group) { return group.restype == 100; };
+    const auto end = std::find_if(content.begin(), content.end(), isMarker);
+    const auto isCommon = [](const resbuf &group) {
+        const auto &rows = commonRows();
+        return std::any_of(rows.begin(), rows.end(),
+                           [&](const Row &row) { return row.code == group.restype; });
+    };
+    if (end != content.end()) {
+        common.assign(content.begin(), end);
+        return end;
+    }
+    const auto rest = std::stable_partition(content.begin(), content.end(), isCommon);
+    common.assign(content.begin(), rest);
+    return rest;
+}
+
+void settleCommon(ResbufList &common)
+{
+    for (const Row &row : commonRows()) {
+        if (row.habit == Habit::unlessDefault)
+            std::erase_if(common, [&row](const resbuf &group) {
+                return group.restype == row.code && isDefault(row, group.resval);
+            });
+        else if (row.habit == Habit::always && !findGroup(common, row.code))
+            common.insert(common.begin(), {row.code, row.defaultValue});
+    }
+}
+
+/// A group of the table, and what follows it that the table does not know.
+struct Entry {
+    resbuf group;
+    ResbufList followers;
+};
+
+/// Sorts the groups of one entity into the rows of its kind and lists them again.
+class Settler
+{
+public:
+    explicit Settler(const Kind &kind) : m_kind(kind)
+    {
+        for (const Section &section : kind.sections)
+            m_parts.push_back({nullptr, {}, std::vector<std::vector<Entry>>(section.rows.size())});
+    }
+
+    void add(ResbufList::const_iterator from, ResbufList::const_iterator end);
+    ResbufList list() const;
+    std::vector<Entry> *entries(int code)
+    {
+        const auto place = placeOf(code);
+        return place ? &m_parts[place->first].rows[place->second] : nullptr;
+    }
+
+private:
+    using Place = std::pair<std::size_t, std::size_t>; ///< Section and row.
+
+    struct Part {
+        const resbuf *marker;
+        ResbufList head; ///< Unknown groups behind the marker.
+        std::vector<std::vector<Entry>> rows;
+    };
+
+    std::optional<Place> placeOf(int code) const;
+    std::optional<std::size_t> sectionAt(const resbuf &marker) const;
+    void listPart(const Section &section, const Part &part, ResbufList &list) const;
+
+    const Kind &m_kind;
+    std::vector<Part> m_parts;
+    ResbufList m_others; ///< Subclasses that the table does not know.
+};
+
+std::optional<Settler::Place> Settler::placeOf(int code) const
+{
+    for (std::size_t section = 0; section < m_kind.sections.size(); ++section) {
+        const std::vector<Row> &rows = m_kind.sections[section].rows;
+        const auto row =
+            std::find_if(rows.begin(), rows.end(), [code](const Row &each) { return each.code == code; });
+        if (row != rows.end())
+            return Place(section, std::size_t(row - rows.begin()));
+    }
+    return {};
+}
+
+/// The first section of the marker's name that has none yet.
+std::optional<std::size_t> Settler::sectionAt(const resbuf &marker) const
+{
+    const QString name = marker.text();
+    for (std::size_t i = 0; i < m_parts.size(); ++i) {
+        const auto &names = m_kind.sections[i].markers;
+        const auto isName = [&name](const char *each) { return name == QLatin1String(each); };
+        if (!m_parts[i].marker && std::any_of(names.begin(), names.end(), isName))
+            return i;
+    }
+    return {};
+}
+
+void Settler::add(ResbufList::const_iterator from, ResbufList::const_iterator end)
+{
+    ResbufList *followers = &m_parts.front().head;
+    bool isKnown = true;
+    for (auto group = from; group != end; ++group) {
+        if (group->restype == 100) {
+            const auto section = sectionAt(*group);
+            isKnown = section.has_value();
+            followers = isKnown ? &m_parts[*section].head : &m_others;
+            if (isKnown)
+                m_parts[*section].marker = &*group;
+            else
+                m_others.push_back(*group);
+            continue;
+        }
+        const auto place = isKnown ? placeOf(group->restype) : std::nullopt;
+        if (!place) {
+            followers->push_back(*group);
+            continue;
+        }
+        std::vector<Entry> &row = m_parts[place->first].rows[place->second];
+        row.push_back({*group, {}});
+        if (const auto *flat = std::get_if<AcGePoint2d>(&group->resval); flat && !m_kind.planar)
+            row.back().group.assign(AcGePoint3d(flat->x, flat->y, 0));
+        followers = &row.back().followers;
+    }
+}
+
+// A marker that the file does not have is written where there is one name for it only.
+void Settler::listPart(const Section &section, const Part &part, ResbufList &list) const
+{
+    if (part.marker)
+        list.push_back(*part.marker);
+    else if (section.markers.size() == 1)
+        list.emplace_back(100, QString::fromLatin1(section.markers.front()));
+    list.insert(list.end(), part.head.begin(), part.head.end());
+    for (std::size_t i = 0; i < section.rows.size(); ++i) {
+        const Row &row = section.rows[i];
+        if (part.rows[i].empty() && row.habit == Habit::always)
+            list.emplace_back(row.code, row.defaultValue);
+        for (const Entry &entry : part.rows[i]) {
+            const bool standard = row.habit != Habit::given && isDefault(row, entry.group.resval);
+            if (!standard)
+                list.push_back(entry.group);
+            else if (row.habit == Habit::always)
+                list.emplace_back(row.code, row.defaultValue);
+            list.insert(list.end(), entry.followers.begin(), entry.followers.end());
+        }
+    }
+}
+
+ResbufList Settler::list() const
+{
+    ResbufList list;
+    for (std::size_t i = 0; i < m_parts.size(); ++i)
+        listPart(m_kind.sections[i], m_parts[i], list);
+    list.insert(list.end(), m_others.begin(), m_others.end());
+    return list;
+}
+
+// Polylines ---------------------------------------------------------------------------------------
+
+/// Start width, end width, bulge and identifier of a vertex.
+constexpr std::array kVertexCodes{40, 41, 42, 91};
+
+double realOf(const ResbufList &groups, int code, double otherwise)
+{
+    const resbuf *const group = findGroup(groups, code);
+    return group ? group->real() : otherwise;
+}
+
+// Each vertex has all its values. One width for all of them is the width of the polyline.
+void settleVertices(Settler &settler)
+{
+    std::vector<Entry> &constant = *settler.entries(43);
+    std::vector<Entry> &vertices = *settler.entries(10);
+    const double width = constant.empty() ? 0.0 : constant.front().group.real();
+    const double common = vertices.empty() ? width : realOf(vertices.front().followers, 40, width);
+    bool varies = false;
+    for (Entry &vertex : vertices) {
+        const double start = realOf(vertex.followers, 40, width);
+        const double end = realOf(vertex.followers, 41, width);
+        varies = varies || start != common || end != common;
+        const resbuf *const identifier = findGroup(vertex.followers, 91);
+        ResbufList settled{{40, start},
+                           {41, end},
+                           {42, realOf(vertex.followers, 42, 0.0)},
+                           {91, identifier ? identifier->integer() : std::int64_t(0)}};
+        std::erase_if(vertex.followers, [](const resbuf &group) {
+            return std::find(kVertexCodes.begin(), kVertexCodes.end(), group.restype) != kVertexCodes.end();
+        });
+        vertex.followers.insert(vertex.followers.begin(), settled.begin(), settled.end());
+    }
+    ResbufList strangers = constant.empty() ? ResbufList() : constant.front().followers;
+    constant.clear();
+    if (!varies)
+        constant.push_back({resbuf(43, common), std::move(strangers)});
+}
+
+// Paragraphs --------------------------------------------------------------------------------------
+
+// Files give the direction of a paragraph as a vector or as an angle; lists give both.
+void settleDirection(Settler &settler)
+{
+    std::vector<Entry> &direction = *settler.entries(11);
+    std::vector<Entry> &angle = *settler.entries(50);
+    if (direction.empty()) {
+        const double turned = angle.empty() ? 0.0 : angle.front().group.real();
+        const AcGePoint3d along =
+            turned == 0.0 ? AcGePoint3d(1, 0, 0) : AcGePoint3d(std::cos(turned), std::sin(turned), 0);
+        direction.push_back({resbuf(11, along), {}});
+    }
+    if (angle.empty()) {
+        const AcGePoint3d along = direction.front().group.point();
+        angle.push_back({resbuf(50, std::atan2(along.y, along.x)), {}});
+    }
+}
+
+} // namespace
+
+void acdbSettleDefaults(AcDbKind kind, ResbufList &content)
+{
+    ResbufList common;
+    const auto begin = takeCommon(content, common);
+    settleCommon(common);
+    const Kind *const known = kindOf(kind);
+    const auto stop = known ? std::find_if(begin, content.end(),
+                                           [known](const resbuf &group) {
+                                               return group.restype == 101 || group.restype == known->stop;
+                                           })
+                            : begin;
+    if (known) {
+        Settler settler(*known);
+        settler.add(begin, stop);
+        if (known->planar)
+            settleVertices(settler);
+        else if (known->stop != 101)
+            settleDirection(settler);
+        const ResbufList settled = settler.list();
+        common.insert(common.end(), settled.begin(), settled.end());
+    }
+    common.insert(common.end(), stop, content.end());
+    content = std::move(common);
+}
