@@ -48,6 +48,13 @@ struct AcApSpaceState {
     AcApUcs ucs;
 };
 
+/// The viewport of a sheet that was entered: the sheet stays on the screen, model space is current.
+struct AcApEnteredViewport {
+    AcDbObjectId sheet;    ///< Block record; null while none is entered.
+    AcDbObjectId viewport; ///< VIEWPORT entity.
+    int number = 0;        ///< CVPORT
+};
+
 class AcApDocument
 {
 public:
@@ -62,10 +69,14 @@ public:
 
     AcAp::DocLockMode lockMode() const { return m_lockMode; }
 
+    /// Of the current space. In an entered viewport: how model space would have to be seen so that it lies on
+    /// the screen as it does through the viewport.
     AcApView &view() { return m_view; }
     const AcApView &view() const { return m_view; }
     AcApUcs &ucs() { return m_ucs; }
     const AcApUcs &ucs() const { return m_ucs; }
+    AcApEnteredViewport &enteredViewport() { return m_enteredViewport; }
+    const AcApEnteredViewport &enteredViewport() const { return m_enteredViewport; }
     /// Of the spaces that were current before, by block record.
     std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() { return m_otherSpaces; }
     /// Entities selected before a command (pick first).
@@ -84,6 +95,7 @@ private:
     std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
     AcApView m_view;
     AcApUcs m_ucs;
+    AcApEnteredViewport m_enteredViewport;
     std::map<AcDbObjectId, AcApSpaceState> m_otherSpaces;
     std::vector<AcDbObjectId> m_pickSet;
     std::vector<AcDbObjectId> m_previousSet;

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "host/acap/docman.h"
+#include "host/acdb/dbentity.h"
 #include "host/acge/gematrix.h"
+
+#include <optional>
 
 /// World to the view's own frame: turned about Z so that the axes lie along the edges of the view; the
 /// origin stays.
@@ -11,5 +14,18 @@ AcGeMatrix3d acapViewFrame(double twist);
 /// Puts the saved view of a space (block record) into `view`, whose pixels stay: the active viewport of model
 /// space, or a sheet's own viewport. False, and nothing changed, when the drawing has none.
 bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view);
+/// What a viewport of a sheet shows, and where.
+struct AcApFloatingView {
+    AcGeMatrix3d toSheet; ///< World to the sheet's coordinates.
+    double scale = 1.0;   ///< Sheet units for a world unit.
+    double twist = 0.0;   ///< Radians.
+    bool isPlan = true;   ///< Seen from above.
+    bool isOn = true;
+};
+/// From a VIEWPORT entity; none when its numbers make no view (R12 keeps them elsewhere: none).
+std::optional<AcApFloatingView> acapFloatingView(const AcDbEntity &viewport);
+/// Numbers (CVPORT, from 2 on) and entities of the viewports of a sheet, without the sheet's own.
+std::vector<std::pair<int, AcDbObjectId>> acapSheetViewports(const AcDbDatabase &database,
+                                                             AcDbObjectId sheet);
 /// The saved coordinate system of model space or of the sheets; the world's when it has none or a bad one.
 AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space);

@@ -6,10 +6,10 @@
 
 #include <QImage>
 
-/// The document's view as a value.
+/// The view of what is on the screen (acedShownSpace) as a value.
 AcGiViewport acedViewport(const AcApDocument &document);
 /// Colours and switches that the screen paints with (background, LWDISPLAY).
 AcGiPaintOptions acedScreenOptions(const AcApDocument &document);
-/// The current space in the document's view, a raster of the view's pixel size.
+/// What is on the screen (acedShownSpace) in the document's view, a raster of the view's pixel size.
 QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options,
                      AcGiPaintReport *report = nullptr);

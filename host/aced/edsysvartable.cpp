@@ -46,6 +46,12 @@ constexpr AcEdVariable settingsInteger(const char *name, double initial, double 
     return {name, Type::integer, Storage::settings, low, high, initial};
 }
 
+/// Red, green, blue as one number.
+constexpr AcEdVariable settingsColor(const char *name, double initial)
+{
+    return {name, Type::longInteger, Storage::settings, 0, 0xFFFFFF, initial};
+}
+
 constexpr AcEdVariable sessionInteger(const char *name, double initial, double low, double high)
 {
     return {name, Type::integer, Storage::session, low, high, initial};
@@ -102,6 +108,7 @@ constexpr AcEdVariable kVariables[] = {
     ofDrawing("LIMMAX",    Type::point2d, sysvar::limitsMax, sysvar::setLimitsMax),
     headerInteger("LIMCHECK", 0, 0, 1),
     headerInteger("REGENMODE", 1, 0, 1),
+    settingsColor("BACKGROUNDCOLOR", 0x000000),
     headerInteger("MAXACTVP", 64, 2, 64),
 
     // Coordinate systems

@@ -33,14 +33,14 @@ static AcGePoint3d asPoint(const Value &value)
 
 Value tileMode(AcApDocument *document)
 {
-    return integer(acedIsModelSpaceCurrent(*document) ? 1 : 0);
+    return integer(acedShownSpace(*document) == document->database()->modelSpaceId() ? 1 : 0);
 }
 
 bool setTileMode(AcApDocument *document, const Value &value)
 {
     const AcDbDatabase &database = *document->database();
     const bool model = asInteger(value) != 0;
-    if (model == acedIsModelSpaceCurrent(*document))
+    if (model == (acedShownSpace(*document) == database.modelSpaceId()))
         return true;
     return acedMakeSpaceCurrent(*document, model ? database.modelSpaceId() : database.paperSpaceId()) ==
            Acad::eOk;
@@ -64,7 +64,7 @@ Value currentViewport(AcApDocument *document)
 
 bool setCurrentViewport(AcApDocument *document, const Value &value)
 {
-    return asInteger(value) == acedCurrentViewport(*document);
+    return acedEnterViewport(*document, int(asInteger(value))) == Acad::eOk;
 }
 
 Value viewSize(AcApDocument *document)

@@ -2,12 +2,14 @@
 
 #include "host/acap/docview.h"
 #include "host/aced/edinput.h"
+#include "host/aced/edpicture.h"
 #include "host/aced/edspace.h"
 #include "host/acgi/gispatialindex.h"
 #include "host/acgi/givisibility.h"
 
 #include <cmath>
 #include <limits>
+#include <optional>
 
 AcGeMatrix3d acedViewFrame(const AcApView &view)
 {
@@ -16,10 +18,41 @@ AcGeMatrix3d acedViewFrame(const AcApView &view)
 
 // Pixels ------------------------------------------------------------------------------------------
 
-static const AcApDocument *shown(int viewport)
+AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace)
+{
+    AcGiViewport viewport;
+    viewport.centre = view.centre;
+    viewport.height = view.height;
+    viewport.twist = view.twist;
+    viewport.pixelWidth = view.pixelWidth;
+    viewport.pixelHeight = view.pixelHeight;
+    viewport.paperSpace = paperSpace;
+    return viewport;
+}
+
+AcGiViewport acedViewport(const AcApDocument &document)
+{
+    return acedGiViewport(acedShownView(document),
+                          acedShownSpace(document) != document.database()->modelSpaceId());
+}
+
+/// World to pixels of a viewport; none for numbers that are not on the screen.
+static std::optional<AcGeMatrix3d> worldToPixel(int number)
 {
     const AcApDocument *const document = curDoc();
-    return document && viewport == acedCurrentViewport(*document) ? document : nullptr;
+    if (!document)
+        return std::nullopt;
+    const AcGiViewport shown = acedViewport(*document);
+    if (number == (shown.paperSpace ? 1 : 2))
+        return shown.worldToPixel();
+    if (!shown.paperSpace)
+        return std::nullopt;
+    for (const auto &[candidate, id] : acapSheetViewports(*document->database(), acedShownSpace(*document))) {
+        const AcDbObjectPointer<AcDbEntity> entity(candidate == number ? id : AcDbObjectId(), AcDb::kForRead);
+        if (const auto through = entity ? acapFloatingView(*entity) : std::nullopt)
+            return shown.worldToPixel() * through->toSheet;
+    }
+    return std::nullopt;
 }
 
 static bool toPixel(double value, int &pixel)
@@ -33,15 +66,13 @@ static bool toPixel(double value, int &pixel)
 
 bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel)
 {
-    const AcApDocument *const document = shown(viewport);
-    if (!document)
+    const auto matrix = worldToPixel(viewport);
+    if (!matrix)
         return false;
-    const AcApView &view = document->view();
-    const AcGeVector3d offset = acedViewFrame(view) * (world - view.centre);
+    const AcGePoint3d place = *matrix * world;
     int x = 0;
     int y = 0;
-    if (!toPixel(view.pixelWidth / 2.0 + offset.x / view.pixelSize(), x) ||
-        !toPixel(view.pixelHeight / 2.0 - offset.y / view.pixelSize(), y))
+    if (!toPixel(place.x, x) || !toPixel(place.y, y))
         return false;
     pixel = {x, y};
     return true;
@@ -49,13 +80,10 @@ bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &p
 
 bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world)
 {
-    const AcApDocument *const document = shown(viewport);
-    if (!document)
+    const auto matrix = worldToPixel(viewport);
+    if (!matrix)
         return false;
-    const AcApView &view = document->view();
-    const AcGeVector3d offset((pixel.x() - view.pixelWidth / 2.0) * view.pixelSize(),
-                              (view.pixelHeight / 2.0 - pixel.y()) * view.pixelSize(), 0);
-    world = view.centre + acedViewFrame(view).inverse() * offset;
+    world = matrix->inverse() * AcGePoint3d(pixel.x(), pixel.y(), curDoc()->view().centre.z);
     return true;
 }
 

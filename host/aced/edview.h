@@ -4,11 +4,16 @@
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
+#include "host/acgi/giviewport.h"
 
 #include <QPoint>
 
-/// Pixel (0, 0) is the upper left of the view. False without a document or for a viewport number that the
-/// drawing does not show.
+/// The view as drawing takes it.
+AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace);
+
+/// By viewport number (CVPORT): 2 is model space, 1 the sheet of a layout, others its viewports. Pixel (0, 0)
+/// is the upper left of the view. False without a document or for a viewport number that the drawing does not
+/// show.
 bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel);
 bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world);
 
