@@ -1,6 +1,7 @@
 #include "quillnote/entity/mark_record.h"
 
 #include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_draw.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"
@@ -39,6 +40,11 @@ Acad::ErrorStatus QuillnoteObj3::subClose()
 {
     gripEditing = false;
     markDrawingState().textSuppressed = false;
+    if (database() && isWriteEnabled()) {
+        // Whatever was changed may move the text.
+        textEndPoint.reset();
+        cachedExtents = {};
+    }
     return AcDbEntity::subClose();
 }
 
@@ -52,6 +58,41 @@ Acad::ErrorStatus QuillnoteObj3::subErase(bool erasing)
 void QuillnoteObj3::subList() const
 {
     acutPrintf(QStringLiteral("\n标记[%1]：%2").arg(QString::number(markNumber), suggestionContent));
+}
+
+bool QuillnoteObj3::subWorldDraw(AcGiWorldDraw *context) const
+{
+    return context->regenType() == kAcGiSaveWorldDrawForProxy;
+}
+
+void QuillnoteObj3::leaveTraces(const MarkLayout &layout) const
+{
+    outlineCache = layout.waveMiddles.slots();
+    outlineChord = layout.waveMiddles.chord();
+    plotting = layout.plotting;
+    textAnchor = layout.writeBack.textAnchor;
+    if (layout.writeBack.textEndPoint)
+        textEndPoint = layout.writeBack.textEndPoint;
+    cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
+}
+
+void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
+{
+    if (displayMode != -1) {
+        markDrawingState().drawnMarks.insert(objectId());
+        const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
+        drawMark(layout, *context);
+        leaveTraces(layout);
+    }
+    gripEditing = false;
+    markDrawingState().textSuppressed = false;
+}
+
+void QuillnoteObj3::saveAs(AcGiWorldDraw *context) const
+{
+    if (displayMode != -1)
+        drawMark(layOutMark(*this, markDrawingSettings(), currentMarkView(database()), MarkPicture::proxy),
+                 *context);
 }
 
 Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
@@ -75,6 +116,12 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
             if (leaderUsed[i])
                 box.addPoint(leaderEnds[i]);
         }
+    }
+    // A mark that was not drawn yet is laid out for this, so that picks and zooms find its text.
+    if (sketchData.isEmpty() ? !textEndPoint : !cachedExtents.isValid()) {
+        const MarkLayout layout = layOutMark(*this, markDrawingSettings(), currentMarkView(database()));
+        textEndPoint = layout.writeBack.textEndPoint;
+        cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
     }
     if (textEndPoint)
         box.addPoint(*textEndPoint);

@@ -12,6 +12,8 @@
 #include <memory>
 #include <optional>
 
+struct MarkLayout;
+
 class QuillnoteObj3 : public AcDbEntity
 {
 public:
@@ -100,15 +102,17 @@ public:
     /// Polygon and spline marks carry their vertices, when there are two at least.
     bool hasFiledVertices() const { return vertexCount >= 2 && targetStyle > 50; }
 
-    // Run-time members: not filed, as new in every mark that is opened -------------------------------
-    std::vector<AcGePoint3d> outlineCache; ///< Middles of the wave arcs of the last pass, at most 256.
-    double outlineChord = 1.0;             ///< Chord of the last wave arc.
-    bool gripEditing = false;              ///< A grip is being dragged.
-    bool plotting = false;
+    // Run-time members: not filed, as new in every mark that is opened. Those that a drawing pass leaves
+    // behind are mutable, because drawing happens while the mark is open for read ---------------------
+    mutable std::vector<AcGePoint3d>
+        outlineCache;                  ///< Middles of the wave arcs of the last pass, at most 256.
+    mutable double outlineChord = 1.0; ///< Chord of the last wave arc.
+    mutable bool gripEditing = false;  ///< A grip is being dragged.
+    mutable bool plotting = false;
     bool syncDone = false; ///< This change was handed to the synchronisation.
-    AcGePoint3d textAnchor;
-    std::optional<AcGePoint3d> textEndPoint; ///< Set once the text was laid out.
-    AcDbExtents cachedExtents;               ///< Of the drawn sketch.
+    mutable AcGePoint3d textAnchor;
+    mutable std::optional<AcGePoint3d> textEndPoint; ///< Set once the text was laid out.
+    mutable AcDbExtents cachedExtents;               ///< Of the drawn sketch.
 
     // Entity ----------------------------------------------------------------------------------------
     Acad::ErrorStatus subClose() override;
@@ -119,10 +123,17 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler *filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler *filer) const override;
     void subList() const override;
+    /// True, and so all that is asked, only for proxy graphics.
+    bool subWorldDraw(AcGiWorldDraw *context) const override;
+    void subViewportDraw(AcGiViewportDraw *context) const override;
+    void saveAs(AcGiWorldDraw *context) const override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix) override;
 
 private:
+    /// What a drawing pass leaves in the run-time members.
+    void leaveTraces(const MarkLayout &layout) const;
+
     struct PlainDefaults {
     };
     explicit QuillnoteObj3(PlainDefaults);

@@ -10,6 +10,8 @@ struct MarkDrawingState {
     bool textSuppressed = false;
     /// Size of number flags; the tick resize commands change it.
     double flagScale = 1.0;
+    /// Flags are refreshed while zooming, so those of leader marks may keep their size on the screen too.
+    bool flagRefreshRunning = false;
     /// Marks that were drawn at least once in the current document.
     std::unordered_set<AcDbObjectId> drawnMarks;
 
