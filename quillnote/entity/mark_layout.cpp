@@ -279,9 +279,9 @@ void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found)
         mark.textEndPoint = found.textEndPoint;
 }
 
-void settleMark(QuillnoteObj3 &mark)
+void settleMark(QuillnoteObj3 &mark, const AcDbDatabase &database)
 {
-    const MarkView view = currentMarkView(mark.database());
+    const MarkView view = currentMarkView(&database);
     applyWriteBack(mark, layOutMark(mark, markDrawingSettings(), view).writeBack);
 }
 

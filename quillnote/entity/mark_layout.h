@@ -84,5 +84,6 @@ MarkLayout layOutMark(const QuillnoteObj3 &mark, const MarkDrawingSettings &sett
 
 /// Needs write access.
 void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found);
-/// Lays the mark out in the current view and applies what that finds. Needs write access.
-void settleMark(QuillnoteObj3 &mark);
+/// Lays the mark out as `database` is seen now and applies what that finds. Needs write access; whoever makes
+/// a mark or changes where it stands calls this before closing it.
+void settleMark(QuillnoteObj3 &mark, const AcDbDatabase &database);
