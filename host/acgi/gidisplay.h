@@ -23,6 +23,7 @@ struct AcGiPaintOptions {
     /// Plots leave out layers that do not plot; text goes out as text that can be searched.
     bool plotting = false;
     bool antialiasing = true;
+    QString imageFolder; ///< Where images are looked for beside the place that the drawing names: its folder.
     /// Asked now and then; true ends the painting early.
     std::function<bool()> isCancelled;
 };

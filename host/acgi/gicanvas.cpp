@@ -1,0 +1,411 @@
+#include "host/acgi/gicanvas.h"
+
+#include "host/acgi/giclip.h"
+#include "host/base/assert.h"
+
+#include <algorithm>
+#include <cmath>
+
+/// QPainter is exact and quick only for coordinates of moderate size.
+static constexpr double kFarPixel = 30000.0;
+static constexpr float kThinnestWide = 1.5F;
+
+AcGiCanvas::AcGiCanvas(QPainter &painter, const QRectF &visible, const AcGiPixels &pixels, bool antialiasing)
+    : m_painter(painter), m_pixels(pixels), m_antialiasing(antialiasing), m_clips{{visible, true, false}}
+{
+    m_painter.setRenderHint(QPainter::Antialiasing, antialiasing);
+    updatePixelClip();
+}
+
+AcGiCanvas::~AcGiCanvas()
+{
+    flushLines();
+    while (m_clips.size() > 1)
+        popClip();
+}
+
+// Clips ------------------------------------------------------------------------------------------
+
+void AcGiCanvas::updatePixelClip()
+{
+    const QRectF &bounds = m_clips.back().bounds;
+    m_left = std::max(0, int(std::floor(bounds.left() + 0.5)));
+    m_right = std::min(m_pixels.width, int(std::floor(bounds.right() + 0.5)));
+    m_upper = std::max(m_pixels.top, int(std::floor(bounds.top() + 0.5)));
+    m_lower = std::min(m_pixels.top + m_pixels.height, int(std::floor(bounds.bottom() + 0.5)));
+}
+
+/// The rectangle that the loops are, if they are one along the axes.
+static bool isRectangle(const std::vector<QPolygonF> &loops)
+{
+    if (loops.size() != 1)
+        return false;
+    QPolygonF loop = loops.front();
+    if (loop.size() == 5 && loop.front() == loop.back())
+        loop.removeLast();
+    if (loop.size() != 4)
+        return false;
+    constexpr double kSame = 1e-3;
+    const auto same = [](double a, double b) { return std::abs(a - b) < kSame; };
+    const bool flatFirst = same(loop[0].y(), loop[1].y()) && same(loop[1].x(), loop[2].x()) &&
+                           same(loop[2].y(), loop[3].y()) && same(loop[3].x(), loop[0].x());
+    const bool steepFirst = same(loop[0].x(), loop[1].x()) && same(loop[1].y(), loop[2].y()) &&
+                            same(loop[2].x(), loop[3].x()) && same(loop[3].y(), loop[0].y());
+    return flatFirst || steepFirst;
+}
+
+void AcGiCanvas::pushClip(const std::vector<QPolygonF> &loops, bool inverted)
+{
+    flushLines();
+    const Clip outer = m_clips.back();
+    Clip inner = outer;
+    QPainterPath path;
+    QRectF box;
+    for (const QPolygonF &loop : loops) {
+        const QPolygonF near = acgiClipPolygon(loop, outer.bounds.adjusted(-2, -2, 2, 2));
+        path.addPolygon(near);
+        path.closeSubpath();
+        box |= near.boundingRect();
+    }
+    m_painter.save();
+    inner.savedPainter = true;
+    if (inverted) {
+        QPainterPath around;
+        around.addRect(outer.bounds.adjusted(-4, -4, 4, 4));
+        m_painter.setClipPath(around.subtracted(path), Qt::IntersectClip);
+        inner.isRectangle = false;
+    } else {
+        inner.bounds = outer.bounds & box;
+        inner.isRectangle = outer.isRectangle && isRectangle(loops);
+        if (inner.isRectangle)
+            m_painter.setClipRect(inner.bounds, Qt::IntersectClip);
+        else
+            m_painter.setClipPath(path, Qt::IntersectClip);
+    }
+    m_clips.push_back(inner);
+    m_state = PainterState::unknown;
+    updatePixelClip();
+}
+
+void AcGiCanvas::popClip()
+{
+    if (m_clips.size() < 2)
+        return;
+    flushLines();
+    if (m_clips.back().savedPainter)
+        m_painter.restore();
+    m_clips.pop_back();
+    m_state = PainterState::unknown;
+    updatePixelClip();
+}
+
+// State of the painter ---------------------------------------------------------------------------
+
+static std::uint32_t premultiplied(QRgb color)
+{
+    return qPremultiply(color);
+}
+
+void AcGiCanvas::setPen(QRgb color, float width)
+{
+    if (color == m_color && width == m_width)
+        return;
+    flushLines();
+    m_color = color;
+    m_premultiplied = premultiplied(color);
+    m_width = width;
+    m_state = PainterState::unknown;
+}
+
+QPainter &AcGiCanvas::painter()
+{
+    flushLines();
+    m_state = PainterState::unknown;
+    return m_painter;
+}
+
+void AcGiCanvas::usePen()
+{
+    if (m_state == PainterState::pen)
+        return;
+    const bool isThin = m_width <= kThinnestWide;
+    QPen pen(QColor::fromRgba(m_color), isThin ? 1.0 : double(m_width), Qt::SolidLine,
+             isThin ? Qt::FlatCap : Qt::RoundCap, isThin ? Qt::MiterJoin : Qt::RoundJoin);
+    pen.setCosmetic(isThin);
+    m_painter.setPen(pen);
+    m_painter.setBrush(Qt::NoBrush);
+    m_state = PainterState::pen;
+}
+
+void AcGiCanvas::useBrush()
+{
+    if (m_state == PainterState::brush)
+        return;
+    m_painter.setPen(Qt::NoPen);
+    m_painter.setBrush(QColor::fromRgba(m_color));
+    m_state = PainterState::brush;
+}
+
+void AcGiCanvas::flushLines()
+{
+    if (m_lines.empty())
+        return;
+    usePen();
+    m_painter.drawLines(m_lines.data(), int(m_lines.size()));
+    m_lines.clear();
+}
+
+// Lines ------------------------------------------------------------------------------------------
+
+void AcGiCanvas::chain(std::span<const QPointF> points)
+{
+    if (points.size() < 2) {
+        if (!points.empty())
+            dot(points.front());
+        return;
+    }
+    const bool isThin = m_width <= kThinnestWide;
+    if (isThin && isDirect()) {
+        for (std::size_t i = 1; i < points.size(); ++i)
+            directSegment(points[i - 1], points[i]);
+        return;
+    }
+    const auto isNear = [](QPointF p) { return std::abs(p.x()) < kFarPixel && std::abs(p.y()) < kFarPixel; };
+    if (points.size() > 2 && std::ranges::all_of(points, isNear)) {
+        flushLines();
+        usePen();
+        m_painter.drawPolyline(points.data(), int(points.size()));
+        return;
+    }
+    for (std::size_t i = 1; i < points.size(); ++i)
+        segment(points[i - 1], points[i]);
+}
+
+void AcGiCanvas::segment(QPointF from, QPointF to)
+{
+    const double margin = double(m_width) + 2.0;
+    if (!acgiClipLine(from, to, visible().adjusted(-margin, -margin, margin, margin)))
+        return;
+    m_lines.emplace_back(from, to);
+    constexpr std::size_t kBatch = 4096;
+    if (m_lines.size() >= kBatch)
+        flushLines();
+}
+
+void AcGiCanvas::dot(QPointF point)
+{
+    if (!visible().adjusted(-8, -8, 8, 8).contains(point))
+        return;
+    const bool isThin = m_width <= kThinnestWide;
+    if (isThin && isDirect())
+        return plot(int(std::floor(point.x())), int(std::floor(point.y())), 256);
+    flushLines();
+    useBrush();
+    const double size = isThin ? 1.0 : double(m_width);
+    if (isThin)
+        m_painter.drawRect(QRectF(std::floor(point.x()), std::floor(point.y()), 1.0, 1.0));
+    else
+        m_painter.drawEllipse(point, size / 2.0, size / 2.0);
+}
+
+// Pixels -----------------------------------------------------------------------------------------
+
+void AcGiCanvas::plotOn(std::uint32_t *pixel, std::uint32_t coverage)
+{
+    // Two channels at a time; `coverage` is 0 to 256.
+    const std::uint32_t s = m_premultiplied;
+    const std::uint32_t keep = 256 - ((s >> 24) + (s >> 31)) * coverage / 256;
+    const std::uint32_t d = *pixel;
+    const std::uint32_t even = ((s & 0x00FF00FFu) * coverage + (d & 0x00FF00FFu) * keep) >> 8 & 0x00FF00FFu;
+    const std::uint32_t odd =
+        ((s >> 8 & 0x00FF00FFu) * coverage + (d >> 8 & 0x00FF00FFu) * keep) & 0xFF00FF00u;
+    *pixel = even | odd;
+}
+
+void AcGiCanvas::plot(int x, int y, std::uint32_t coverage)
+{
+    if (x >= m_left && x < m_right && y >= m_upper && y < m_lower)
+        plotOn(m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + x, coverage);
+}
+
+void AcGiCanvas::row(int y, double from, double to)
+{
+    if (y < m_upper || y >= m_lower)
+        return;
+    if (from > to)
+        std::swap(from, to);
+    const int first = std::max(m_left, int(std::floor(from)));
+    const int last = std::min(m_right - 1, int(std::floor(to)));
+    std::uint32_t *const line = m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride;
+    if (first > last)
+        return;
+    if (qAlpha(m_color) == 255) {
+        std::fill(line + first, line + last + 1, m_premultiplied);
+        return;
+    }
+    for (int x = first; x <= last; ++x)
+        plotOn(line + x, 256);
+}
+
+void AcGiCanvas::column(int x, double from, double to)
+{
+    if (x < m_left || x >= m_right)
+        return;
+    if (from > to)
+        std::swap(from, to);
+    const int first = std::max(m_upper, int(std::floor(from)));
+    const int last = std::min(m_lower - 1, int(std::floor(to)));
+    std::uint32_t *pixel = m_pixels.first + std::ptrdiff_t(first - m_pixels.top) * m_pixels.stride + x;
+    for (int y = first; y <= last; ++y, pixel += m_pixels.stride)
+        plotOn(pixel, 256);
+}
+
+/// Along the axis that the line runs along most, each pixel column (or row) gets the line's place in it,
+/// shared between the two nearest pixels.
+void AcGiCanvas::slope(double x0, double y0, double x1, double y1)
+{
+    const bool isSteep = std::abs(y1 - y0) > std::abs(x1 - x0);
+    if (isSteep) {
+        std::swap(x0, y0);
+        std::swap(x1, y1);
+    }
+    if (x0 > x1) {
+        std::swap(x0, x1);
+        std::swap(y0, y1);
+    }
+    const double rise = x1 - x0 > 1e-9 ? (y1 - y0) / (x1 - x0) : 0.0;
+    const int lowest = isSteep ? m_upper : m_left;
+    const int highest = (isSteep ? m_lower : m_right) - 1;
+    const int first = std::max(lowest, int(std::floor(x0)));
+    const int last = std::min(highest, int(std::floor(x1)));
+    // 16 bits behind the point; the first and last place stay within the line's ends.
+    const auto placeAt = [&](int x) { return y0 + (std::clamp(x + 0.5, x0, x1) - x0) * rise; };
+    const std::int64_t step = std::llround(rise * 65536.0);
+    std::int64_t place = std::llround((y0 + (first + 0.5 - x0) * rise) * 65536.0);
+    for (int x = first; x <= last; ++x, place += step) {
+        const std::int64_t at = x == first || x == last ? std::llround(placeAt(x) * 65536.0) : place;
+        const std::int64_t shifted = m_antialiasing ? at - 32768 : at;
+        const int y = int(shifted >> 16);
+        const auto share = std::uint32_t(shifted >> 8 & 0xFF);
+        if (!m_antialiasing) {
+            isSteep ? plot(y, x, 256) : plot(x, y, 256);
+        } else if (isSteep) {
+            plot(y, x, 256 - share);
+            plot(y + 1, x, share);
+        } else {
+            plot(x, y, 256 - share);
+            plot(x, y + 1, share);
+        }
+    }
+}
+
+void AcGiCanvas::directSegment(QPointF from, QPointF to)
+{
+    if (!acgiClipLine(from, to, QRectF(m_left - 2, m_upper - 2, m_right - m_left + 4, m_lower - m_upper + 4)))
+        return;
+    constexpr double kStraight = 0.01;
+    // Lines along an axis fill one row of pixels: as sharp as the screen can show them.
+    if (std::abs(from.y() - to.y()) < kStraight)
+        row(int(std::floor(from.y())), from.x(), to.x());
+    else if (std::abs(from.x() - to.x()) < kStraight)
+        column(int(std::floor(from.x())), from.y(), to.y());
+    else
+        slope(from.x(), from.y(), to.x(), to.y());
+}
+
+// Areas ------------------------------------------------------------------------------------------
+
+/// True when the loop is so thin that its area would hardly colour a pixel.
+static bool isThin(const QPolygonF &loop)
+{
+    double area = 0.0;
+    double length = 0.0;
+    for (qsizetype i = 0; i < loop.size(); ++i) {
+        const QPointF from = loop[i];
+        const QPointF to = loop[(i + 1) % loop.size()];
+        area += from.x() * to.y() - to.x() * from.y();
+        length += std::hypot(to.x() - from.x(), to.y() - from.y());
+    }
+    // A band of width w and length l has the area w l and the outline 2 l.
+    return std::abs(area) < length;
+}
+
+void AcGiCanvas::fill(std::vector<QPolygonF> &loops)
+{
+    const QRectF near = visible().adjusted(-4, -4, 4, 4);
+    std::vector<QPolygonF> thin;
+    for (QPolygonF &loop : loops) {
+        loop = acgiClipPolygon(loop, near);
+        if (loop.size() > 1 && isThin(loop))
+            thin.push_back(loop);
+    }
+    std::erase_if(loops, [](const QPolygonF &loop) { return loop.size() < 3; });
+    if (!loops.empty()) {
+        flushLines();
+        useBrush();
+        if (loops.size() == 1) {
+            m_painter.drawPolygon(loops.front());
+        } else {
+            QPainterPath path;
+            for (const QPolygonF &loop : loops) {
+                path.addPolygon(loop);
+                path.closeSubpath();
+            }
+            m_painter.drawPath(path);
+        }
+    }
+    const float width = std::exchange(m_width, 0.0F);
+    for (QPolygonF &outline : thin) {
+        m_state = PainterState::unknown;
+        outline.push_back(outline.front());
+        chain({outline.data(), std::size_t(outline.size())});
+        flushLines();
+    }
+    m_state = thin.empty() ? m_state : PainterState::unknown;
+    m_width = width;
+}
+
+// Glyphs -----------------------------------------------------------------------------------------
+
+void AcGiCanvas::beginGlyphs(const AcGiGlyphMatrix &matrix)
+{
+    m_glyphMatrix = matrix;
+    const double size = std::max(std::hypot(matrix.a, matrix.b), std::hypot(matrix.c, matrix.d));
+    m_useMasks = isDirect() && m_antialiasing && size <= AcGiGlyphMasks::kHighest;
+    if (m_useMasks)
+        m_masks.setMatrix(matrix);
+}
+
+void AcGiCanvas::glyph(const AcGiGlyph &glyph, QPointF origin)
+{
+    if (!(std::abs(origin.x()) < kFarPixel && std::abs(origin.y()) < kFarPixel))
+        return;
+    if (m_useMasks) {
+        const AcGiGlyphMask &shape = m_masks.mask(glyph, origin);
+        return mask(shape, int(origin.x()) + shape.left, int(origin.y()) + shape.top);
+    }
+    flushLines();
+    useBrush();
+    QPainterPath path = m_glyphMatrix.at(origin).map(glyph.outline);
+    if (!path.controlPointRect().intersects(visible()))
+        return;
+    path.setFillRule(Qt::WindingFill);
+    m_painter.drawPath(path);
+}
+
+void AcGiCanvas::mask(const AcGiGlyphMask &mask, int left, int top)
+{
+    const int firstX = std::max(m_left, left);
+    const int lastX = std::min(m_right, left + mask.width);
+    const int firstY = std::max(m_upper, top);
+    const int lastY = std::min(m_lower, top + mask.height);
+    for (int y = firstY; y < lastY; ++y) {
+        const std::uint8_t *const coverage =
+            mask.coverage.data() + std::ptrdiff_t(y - top) * mask.width - left;
+        std::uint32_t *const line = m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride;
+        for (int x = firstX; x < lastX; ++x) {
+            if (const std::uint32_t share = coverage[x])
+                plotOn(line + x, share + (share >> 7));
+        }
+    }
+}
