@@ -29,8 +29,10 @@ struct AcGiGlyph {
 struct AcGiPlacedGlyph {
     const AcGiGlyph *glyph;
     double x; ///< From the start of the line, at text height 1.
-    const QRawFont *face;
+    const QRawFont
+        *face; ///< Null for symbols that no face has, and without a QGuiApplication: use the outline.
     std::uint32_t index; ///< In the face.
+    double emSize;       ///< Of the face at text height 1.
 };
 
 /// Lives as long as the process; found through acgiFont() and compared by address.
@@ -44,7 +46,7 @@ public:
     virtual double width(QStringView text) const = 0;
     /// The glyphs of a line, in order; one per character, those missing in the face from the CJK face.
     virtual void layOut(QStringView text, std::vector<AcGiPlacedGlyph> &glyphs) const = 0;
-    /// The size (em) of the face at which a capital letter is 1 high.
+    /// The size (em) of the font's own face at which a capital letter is 1 high; see AcGiPlacedGlyph.
     virtual double emSize() const = 0;
     /// What it was found for.
     virtual const AcGiFontRequest &request() const = 0;

@@ -25,6 +25,7 @@ struct AcGiMText {
     /// Background mask: the box of the text enlarged by (factor - 1) times the height is covered first.
     double maskFactor = 0.0; ///< 0: none.
     AcCmEntityColor maskColor = AcCmEntityColor::background();
+    bool hasFrame = false; ///< A line along the edge of the mask.
 };
 
 /// The area that the text covers, along its own directions from `position`.
@@ -33,5 +34,6 @@ struct AcGiMTextBox {
     AcGePoint2d high;
 };
 
+/// Nothing at all when the height is not positive.
 AcGiMTextBox acgiMTextBox(const AcGiMText &text);
 void acgiDrawMText(const AcGiMText &text, AcGiGeometry &sink);

@@ -1,324 +1,167 @@
 #include "host/acgi/gitextlayout.h"
 
-#include <algorithm>
+#include "host/base/text_codec.h"
+
+#include <array>
+#include <optional>
 
 namespace acgi
 {
 
-static int codeDigits(QStringView text, qsizetype from, qsizetype count, int base, uint &value)
+/// The number of exactly `count` digits at `from`.
+static std::optional<uint> digits(QStringView text, qsizetype from, qsizetype count, int base)
 {
     bool ok = false;
-    value = text.mid(from, count).toUInt(&ok, base);
-    return ok && text.size() >= from + count ? int(count) : 0;
+    const uint value = text.mid(from, count).toUInt(&ok, base);
+    if (!ok || text.size() < from + count || !text[from].isLetterOrNumber())
+        return std::nullopt;
+    return value;
 }
 
-/// The character of a "\U+nnnn" at `at`; 0 when there is none.
-static char16_t unicodeCode(QStringView text, qsizetype at)
+/// The character of "\M+nxxxx": a code page, counted as below, and two bytes.
+static QString multiByteCharacter(QStringView text, qsizetype at)
 {
-    uint value = 0;
-    if (text.mid(at, 3).compare(u"\\U+", Qt::CaseInsensitive) != 0 || !codeDigits(text, at + 3, 4, 16, value))
-        return 0;
-    return char16_t(value);
+    static constexpr const char *kCodePages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
+    const std::optional<uint> page = digits(text, at + 3, 1, 10);
+    const std::optional<uint> bytes = digits(text, at + 4, 4, 16);
+    if (!page || *page < 1 || *page > std::size(kCodePages) || !bytes)
+        return {};
+    const char pair[] = {char(*bytes >> 8), char(*bytes & 0xFF)};
+    const std::string_view all(pair, 2);
+    return base::TextCodec(kCodePages[*page - 1]).decode(pair[0] == 0 ? all.substr(1) : all);
 }
 
-/// Resolves a code that begins with "%%" at `at` and moves behind it; false when it is plain text.
-static bool percentCode(QStringView text, qsizetype &at, QString &out)
+static CharacterCode takeBackslashCode(QStringView text, qsizetype &at, QString &out)
 {
-    if (text.mid(at, 2) != u"%%" || at + 2 >= text.size())
-        return false;
-    uint value = 0;
+    const QStringView opening = text.mid(at, 3);
+    if (opening.compare(u"\\U+", Qt::CaseInsensitive) == 0) {
+        const std::optional<uint> unicode = digits(text, at + 3, 4, 16);
+        if (!unicode || *unicode == 0)
+            return CharacterCode::none;
+        out += QChar(char16_t(*unicode));
+        at += 7;
+        return CharacterCode::character;
+    }
+    if (opening.compare(u"\\M+", Qt::CaseInsensitive) != 0)
+        return CharacterCode::none;
+    const QString character = multiByteCharacter(text, at);
+    if (character.isEmpty())
+        return CharacterCode::none;
+    out += character;
+    at += 8;
+    return CharacterCode::character;
+}
+
+/// Codes 127 to 129 are those of shape fonts.
+static char16_t numberedCharacter(uint code)
+{
+    static constexpr char16_t kShapeCodes[] = {u'\u00B0', u'\u00B1', u'\u2205'};
+    return code >= 127 && code <= 129 ? kShapeCodes[code - 127] : char16_t(code);
+}
+
+static CharacterCode takePercentCode(QStringView text, qsizetype &at, QString &out)
+{
+    CharacterCode code = CharacterCode::character;
     switch (text[at + 2].toLower().unicode()) {
     case u'd':
-        out += QChar(0xB0);
+        out += u'\u00B0';
         break;
     case u'p':
-        out += QChar(0xB1);
+        out += u'\u00B1';
         break;
     case u'c':
-        out += QChar(0x2205);
+        out += u'\u2205';
         break;
     case u'%':
         out += u'%';
         break;
     case u'u':
+        code = CharacterCode::underline;
+        break;
     case u'o':
+        code = CharacterCode::overline;
+        break;
     case u'k':
+        code = CharacterCode::strikeThrough;
         break;
     default:
-        if (!codeDigits(text, at + 2, 3, 10, value))
-            return false;
-        out += QChar(char16_t(value));
+        const std::optional<uint> value = digits(text, at + 2, 3, 10);
+        if (!value)
+            return CharacterCode::none;
+        out += QChar(numberedCharacter(*value));
         at += 5;
-        return true;
+        return CharacterCode::character;
     }
     at += 3;
-    return true;
+    return code;
+}
+
+CharacterCode takeCharacterCode(QStringView text, qsizetype &at, QString &out)
+{
+    if (text[at] == u'\\')
+        return takeBackslashCode(text, at, out);
+    if (text[at] == u'%' && at + 2 < text.size() && text[at + 1] == u'%')
+        return takePercentCode(text, at, out);
+    return CharacterCode::none;
+}
+
+double ruleHeight(CharacterCode kind)
+{
+    switch (kind) {
+    case CharacterCode::underline:
+        return -0.2;
+    case CharacterCode::overline:
+        return 1.2;
+    default:
+        return 0.5;
+    }
 }
 
 QString plainText(const QString &coded)
 {
+    std::vector<TextRule> rules;
+    return plainText(coded, rules);
+}
+
+QString plainText(const QString &coded, std::vector<TextRule> &rules)
+{
+    rules.clear();
     if (!coded.contains(u"%%") && !coded.contains(u'\\'))
         return coded;
     QString plain;
+    std::array<std::optional<qsizetype>, 3> starts; // Of the lines that are switched on.
+    const auto toggle = [&](CharacterCode kind) {
+        auto &start = starts[std::size_t(kind) - std::size_t(CharacterCode::underline)];
+        if (start && plain.size() > *start)
+            rules.push_back({kind, *start, plain.size()});
+        start = start ? std::nullopt : std::optional(plain.size());
+    };
     for (qsizetype i = 0; i < coded.size();) {
-        if (percentCode(coded, i, plain))
-            continue;
-        if (const char16_t unicode = unicodeCode(coded, i)) {
-            plain += QChar(unicode);
-            i += 7;
-            continue;
-        }
-        plain += coded[i++];
+        const CharacterCode code = takeCharacterCode(coded, i, plain);
+        if (code == CharacterCode::none)
+            plain += coded[i++];
+        else if (code != CharacterCode::character)
+            toggle(code);
+    }
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        if (starts[i])
+            toggle(CharacterCode(i + std::size_t(CharacterCode::underline)));
     }
     return plain;
 }
 
-static bool isWide(char16_t c)
+qsizetype characterLength(QStringView text, qsizetype at)
 {
-    return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
-           (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) ||
-           (c >= 0xFFE0 && c <= 0xFFE6);
+    const bool isPair = text[at].isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate();
+    return isPair ? 2 : 1;
 }
 
-// In units of the height of a capital letter.
-static double characterWidth(QChar c)
+qsizetype characterCount(QStringView text)
 {
-    static constexpr QStringView kNarrow = u" .,:;!'`|iIjl()[]ft";
-    static constexpr QStringView kBroad = u"mwMW@%";
-    if (isWide(c.unicode()))
-        return 1.35;
-    if (kNarrow.contains(c))
-        return 0.4;
-    if (kBroad.contains(c))
-        return 1.2;
-    return c.isLowSurrogate() ? 0.55 : 0.8;
-}
-
-double textWidth(const QString &plain)
-{
-    double width = 0.0;
-    for (const QChar c : plain)
-        width += characterWidth(c);
-    return width;
-}
-
-namespace
-{
-
-/// Reads a text with inline codes from left to right and breaks it into lines.
-class MTextReader
-{
-public:
-    MTextReader(const QString &text, double height, double widthFactor, double wrapWidth)
-        : m_text(text), m_state{height, widthFactor}, m_wrap(wrapWidth)
-    {
-        while (m_at < m_text.size())
-            step();
-        endLine();
-    }
-    std::vector<MTextLine> lines;
-
-private:
-    struct State {
-        double height;
-        double widthFactor;
-    };
-
-    void step()
-    {
-        const QChar c = m_text[m_at];
-        QString resolved;
-        if (percentCode(m_text, m_at, resolved)) {
-            for (const QChar character : resolved)
-                put(character);
-        } else if (c == u'\\') {
-            escape();
-        } else if (c == u'{') {
-            m_states.push_back(m_state);
-            ++m_at;
-        } else if (c == u'}') {
-            if (!m_states.empty()) {
-                m_state = m_states.back();
-                m_states.pop_back();
-            }
-            ++m_at;
-        } else if (c == u'^' && m_at + 1 < m_text.size()) {
-            caret(m_text[m_at + 1]);
-        } else if (c == u'\n') {
-            endLine();
-            ++m_at;
-        } else {
-            put(c);
-            ++m_at;
-        }
-    }
-
-    // A control character in two: ^I is a tabulator, ^J a new line, "^ " the caret itself.
-    void caret(QChar next)
-    {
-        m_at += 2;
-        if (next == u'J')
-            endLine();
-        else if (next == u'I')
-            put(u' ');
-        else if (next == u' ')
-            put(u'^');
-    }
-
-    void escape()
-    {
-        if (const char16_t unicode = unicodeCode(m_text, m_at)) {
-            put(QChar(unicode));
-            m_at += 7;
-            return;
-        }
-        const QChar code = m_at + 1 < m_text.size() ? m_text[m_at + 1] : QChar(u'\\');
-        m_at += 2;
-        switch (code.unicode()) {
-        case u'P':
-        case u'X':
-            endLine();
-            break;
-        case u'~':
-            put(QChar::Nbsp);
-            break;
-        case u'H':
-            m_state.height = changed(m_state.height);
-            break;
-        case u'W':
-            m_state.widthFactor = changed(m_state.widthFactor);
-            break;
-        case u'S':
-            stack(parameter());
-            break;
-        case u'A':
-        case u'C':
-        case u'c':
-        case u'F':
-        case u'f':
-        case u'p':
-        case u'Q':
-        case u'T':
-            parameter();
-            break;
-        case u'L':
-        case u'l':
-        case u'O':
-        case u'o':
-        case u'K':
-        case u'k':
-        case u'N':
-            break;
-        default:
-            put(code);
-            break;
-        }
-    }
-
-    /// What stands before the next semicolon.
-    QString parameter()
-    {
-        const qsizetype end = m_text.indexOf(u';', m_at);
-        const qsizetype stop = end < 0 ? m_text.size() : end;
-        const QString value = m_text.mid(m_at, stop - m_at);
-        m_at = end < 0 ? stop : stop + 1;
-        return value;
-    }
-
-    /// "2.5" is a value, "0.7x" a factor.
-    double changed(double before)
-    {
-        QString value = parameter();
-        const bool isFactor = value.endsWith(u'x', Qt::CaseInsensitive);
-        if (isFactor)
-            value.chop(1);
-        bool ok = false;
-        const double number = value.toDouble(&ok);
-        constexpr double kMost = 1e6;
-        if (!ok || !(number > 0.0) || number > kMost)
-            return before;
-        return isFactor ? before * number : number;
-    }
-
-    /// A fraction or tolerance: two parts one above the other, each smaller.
-    void stack(const QString &parts)
-    {
-        const qsizetype split = std::max({parts.indexOf(u'/'), parts.indexOf(u'^'), parts.indexOf(u'#')});
-        const QString upper = split < 0 ? parts : parts.left(split);
-        const QString lower = split < 0 ? QString() : parts.mid(split + 1);
-        constexpr double kStackedScale = 0.7;
-        m_word += upper;
-        if (!lower.isEmpty())
-            m_word += u'/' + lower;
-        m_wordWidth += std::max(textWidth(upper), textWidth(lower)) * m_state.height * m_state.widthFactor *
-                       kStackedScale;
-        m_line.height = std::max(m_line.height, m_state.height);
-    }
-
-    void put(QChar c)
-    {
-        const double width = characterWidth(c) * m_state.height * m_state.widthFactor;
-        if (c == u' ') {
-            endWord();
-            m_line.text += c;
-            m_line.width += width;
-            return;
-        }
-        m_word += c;
-        m_wordWidth += width;
-        m_wordHeight = std::max(m_wordHeight, m_state.height);
-        if (isWide(c.unicode()))
-            endWord(); // Lines break between any two ideographs.
-    }
-
-    void endWord()
-    {
-        if (m_word.isEmpty())
-            return;
-        if (m_wrap > 0.0 && !m_line.text.isEmpty() && m_line.width + m_wordWidth > m_wrap)
-            pushLine();
-        m_line.text += m_word;
-        m_line.width += m_wordWidth;
-        m_line.height = std::max(m_line.height, m_wordHeight);
-        m_word.clear();
-        m_wordWidth = 0.0;
-        m_wordHeight = 0.0;
-    }
-
-    void endLine()
-    {
-        endWord();
-        pushLine();
-    }
-
-    void pushLine()
-    {
-        if (m_line.height == 0.0)
-            m_line.height = m_state.height;
-        while (m_line.text.endsWith(u' ')) {
-            m_line.text.chop(1);
-            m_line.width -= characterWidth(u' ') * m_state.height * m_state.widthFactor;
-        }
-        m_line.width = std::max(m_line.width, 0.0);
-        lines.push_back(std::exchange(m_line, MTextLine()));
-    }
-
-    QString m_text;
-    qsizetype m_at = 0;
-    State m_state;
-    std::vector<State> m_states;
-    double m_wrap;
-    MTextLine m_line;
-    QString m_word;
-    double m_wordWidth = 0.0;
-    double m_wordHeight = 0.0;
-};
-
-} // namespace
-
-std::vector<MTextLine> layOutMText(const QString &coded, double height, double widthFactor, double wrapWidth)
-{
-    return std::move(MTextReader(coded, height, widthFactor, wrapWidth).lines);
+    qsizetype count = 0;
+    for (qsizetype i = 0; i < text.size(); i += characterLength(text, i))
+        ++count;
+    return count;
 }
 
 } // namespace acgi

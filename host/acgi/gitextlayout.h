@@ -1,4 +1,4 @@
-// Text as it is seen: control codes resolved, lines broken, widths measured.
+// One-line text as it is seen: control codes resolved, and the lines that they draw along it.
 #pragma once
 
 #include <QString>
@@ -8,20 +8,33 @@
 namespace acgi
 {
 
-/// Resolves the codes of one-line text: %%d %%p %%c, %%nnn, \U+nnnn; drops %%u %%o %%k.
-QString plainText(const QString &coded);
+enum class CharacterCode : std::uint8_t { none, character, underline, overline, strikeThrough };
 
-/// Estimated length of a line of plain text at height 1 and width factor 1.
-double textWidth(const QString &plain);
+/// Resolves the code at `at` (%%d %%p %%c %%nnn, \U+nnnn, \M+nnnnn; %%u %%o %%k switch a line) and moves
+/// behind it; what it shows is appended. `none` and unmoved when there is no code.
+CharacterCode takeCharacterCode(QStringView text, qsizetype &at, QString &out);
 
-struct MTextLine {
-    QString text;
-    double width = 0.0;  ///< Drawing units.
-    double height = 0.0; ///< The highest text in the line, drawing units.
+/// A line along a part of a text.
+struct TextRule {
+    CharacterCode kind;
+    qsizetype from; ///< Characters of the plain text.
+    qsizetype to;
 };
 
-/// The lines of a multi-line text with its inline codes, broken at `wrapWidth` (0: only where the text
-/// says so). `height` and `widthFactor` are those that the text starts with.
-std::vector<MTextLine> layOutMText(const QString &coded, double height, double widthFactor, double wrapWidth);
+/// Height of the line above the base line, where a capital letter is 1 high.
+double ruleHeight(CharacterCode kind);
+
+/// The text without its codes.
+QString plainText(const QString &coded);
+/// The same with the lines along it.
+QString plainText(const QString &coded, std::vector<TextRule> &rules);
+
+/// Characters of vertical text stand this much below each other, where a capital letter is 1 high.
+inline constexpr double kVerticalAdvance = 4.0 / 3.0;
+
+/// Characters, surrogate pairs counted once.
+qsizetype characterCount(QStringView text);
+/// UTF-16 units of the character at `at`: 1 or 2.
+qsizetype characterLength(QStringView text, qsizetype at);
 
 } // namespace acgi
