@@ -2,7 +2,9 @@
 
 #include "host/acgi/giextents.h"
 #include "host/acgi/gikinds.h"
+#include "host/acgi/giproxygraphics.h"
 #include "host/acgi/giread.h"
+#include "host/acgi/giworlddraw.h"
 
 namespace
 {
@@ -20,24 +22,36 @@ constexpr KindRow kKinds[] = {
     {"ARC_DIMENSION", acgi::drawDimension},
     {"ATTDEF", acgi::drawAttributeDefinition},
     {"ATTRIB", acgi::drawAttribute},
+    {"CAMERA", acgi::drawNothing},
     {"CIRCLE", acgi::drawCircle},
     {"DIMENSION", acgi::drawDimension},
+    {"DGNUNDERLAY", acgi::drawUnderlay},
+    {"DWFUNDERLAY", acgi::drawUnderlay},
     {"ELLIPSE", acgi::drawEllipse},
+    {"GEOPOSITIONMARKER", acgi::drawNothing},
     {"HATCH", acgi::drawHatch},
     {"HELIX", acgi::drawSpline},
     {"IMAGE", acgi::drawImage},
     {"INSERT", acgi::drawInsert},
     {"LARGE_RADIAL_DIMENSION", acgi::drawDimension},
     {"LEADER", acgi::drawLeader},
+    {"LIGHT", acgi::drawNothing},
     {"LINE", acgi::drawLine},
     {"LWPOLYLINE", acgi::drawLightPolyline},
+    {"MESH", acgi::drawSubdivisionMesh},
     {"MLINE", acgi::drawMultiline},
+    {"MPOLYGON", acgi::drawPolygonHatch},
     {"MTEXT", acgi::drawMText},
     {"MULTILEADER", acgi::drawMultileader},
     {"OLE2FRAME", acgi::drawOleFrame},
+    {"OLEFRAME", acgi::drawOleFrame},
+    {"PDFUNDERLAY", acgi::drawUnderlay},
     {"POINT", acgi::drawPoint},
     {"POLYLINE", acgi::drawPolyline},
     {"RAY", acgi::drawRay},
+    {"SECTIONOBJECT", acgi::drawNothing},
+    {"SEQEND", acgi::drawNothing},
+    {"SHAPE", acgi::drawShape},
     {"SOLID", acgi::drawSolid},
     {"SPLINE", acgi::drawSpline},
     {"TEXT", acgi::drawText},
@@ -66,8 +80,22 @@ static acgi::DrawFunction drawFunction(AcDbKind kind)
     return kind < functions.size() ? functions[kind] : nullptr;
 }
 
+static void drawCustomForView(const AcDbEntity &entity, const AcGiViewport &view, AcGiGeometry &sink)
+{
+    AcGiWorldDraw world(sink, kAcGiStandardDisplay);
+    if (entity.subWorldDraw(&world))
+        return;
+    sink.beginViewDependent();
+    AcGiViewportDraw context(sink, kAcGiStandardDisplay, view);
+    entity.subViewportDraw(&context);
+}
+
 static bool drawCustom(const AcDbEntity &entity, AcGiGeometry &sink)
 {
+    if (const AcGiViewport *const view = sink.view()) {
+        drawCustomForView(entity, *view, sink);
+        return true;
+    }
     AcDbExtents box;
     if (entity.subGetGeomExtents(box) != Acad::eOk || !box.isValid())
         return false;
@@ -87,6 +115,9 @@ static bool drawByKind(const AcDbEntity &entity, AcGiGeometry &sink)
         return true;
     }
     if (entity.isCustom() && drawCustom(entity, sink))
+        return true;
+    const QByteArray graphics = acgiProxyGraphicsOf(entity);
+    if (!graphics.isEmpty() && acgiDrawProxyGraphics(std::as_bytes(std::span(graphics)), entity, sink))
         return true;
     sink.noteUndrawn(QString::fromLatin1(entity.dxfName()));
     return false;

@@ -5,8 +5,9 @@
 #include "host/acgi/gigeometry.h"
 
 /// Draws the entity, its attributes and the blocks it refers to, in the coordinates of its owner. False
-/// when its kind draws nothing here; the sink counts such entities. Custom entities draw the box of
-/// their extents. Layers and visibility are the sink's business (AcGiGeometry::wants).
+/// when its kind draws nothing here; the sink counts such entities. Custom entities draw themselves when
+/// the sink has a view, else the box of their extents. Layers and visibility are the sink's business
+/// (AcGiGeometry::wants).
 bool acgiDrawEntity(const AcDbEntity &entity, AcGiGeometry &sink);
 
 /// Draws the entities of a block definition in block coordinates: what an insert shows, so without

@@ -1,24 +1,28 @@
-// Drawing of what shows a block: inserts, tables, dimensions.
+// Drawing of what shows a block: inserts and tables.
+#include "host/acgi/gidrawblocks.h"
 #include "host/acgi/gidraw.h"
+#include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
-#include "host/acgi/giread.h"
 
 #include <algorithm>
 
 namespace acgi
 {
 
-static AcDbObjectId namedBlock(const AcDbEntity &entity, const EntityGroups &groups)
+AcDbObjectId namedBlock(const AcDbEntity &entity, const EntityGroups &groups)
 {
     return entity.database() ? entity.database()->tableRecord(SymbolTable::block, groups.text(2))
                              : AcDbObjectId();
 }
 
-static void drawReference(const AcGiBlockPlacement &reference, AcGiGeometry &sink)
+void drawReference(const AcGiBlockPlacement &reference, AcGiGeometry &sink)
 {
     if (!reference.record.isValid() || sink.blockReference(reference))
         return;
-    for (int row = 0; row < reference.rows && !sink.isDone(); ++row) {
+    // Nobody sees more instances than that one by one; numbers in a file may be anything.
+    constexpr int kMostInstances = 1 << 20;
+    const int rows = std::clamp(kMostInstances / reference.columns, 1, reference.rows);
+    for (int row = 0; row < rows && !sink.isDone(); ++row) {
         for (int column = 0; column < reference.columns && !sink.isDone(); ++column) {
             const AcGiModelTransform placed(sink, reference.instance(column, row));
             acgiDrawBlock(reference.record, sink);
@@ -28,12 +32,72 @@ static void drawReference(const AcGiBlockPlacement &reference, AcGiGeometry &sin
 
 static void drawAttributes(const AcDbEntity &entity, AcGiGeometry &sink)
 {
+    static const QByteArray kVariable = QByteArrayLiteral("$ATTMODE");
+    if (entity.database() && entity.database()->headerInteger(kVariable, 1) == 0)
+        return;
     for (const AcDbObjectId id : acdbSubEntities(entity.objectId())) {
         readEntity(id, [&](const AcDbEntity &attribute) {
-            if (!sink.isDone() && sink.wants(attribute))
+            if (!sink.isDone() && attribute.dxfName() == "ATTRIB" && sink.wants(attribute))
                 acgiDrawEntity(attribute, sink);
         });
     }
+}
+
+/// Says so when the block is another drawing that was not loaded.
+static void noteMissing(AcDbObjectId record, const QString &name, AcGiGeometry &sink)
+{
+    constexpr std::int64_t kExternal = 4 | 8;
+    const AcDbDatabase *const database = record.database();
+    const BlockContents *const contents = database ? database->blockContents(record) : nullptr;
+    if (!contents || !contents->blockBegin || !contents->entities.empty())
+        return;
+    readEntity(AcDbObjectId(contents->blockBegin), [&](const AcDbEntity &begin) {
+        if (EntityGroups(begin).integer(70) & kExternal)
+            sink.noteUndrawn(QStringLiteral("INSERT: xref %1 not loaded").arg(name));
+    });
+}
+
+static AcGeMatrix3d matrixOf(std::span<const double> rows)
+{
+    AcGeMatrix3d matrix;
+    for (std::size_t i = 0; i < 12; ++i)
+        matrix.entry[i / 4][i % 4] = rows[i];
+    return matrix;
+}
+
+// The boundary stands in the coordinates of the space as the insert was when it was clipped; the inverse of
+// the insert's placement at that time brings it into the block. An inverted clip is a boundary around the
+// block with a slit to the inner outline, so the even-odd rule serves both.
+AcGiLoop insertClip(const AcDbEntity &insert)
+{
+    AcGiLoop clip;
+    const AcDbObjectId filters = insert.extensionDictionary();
+    if (filters.isNull())
+        return clip;
+    readObject(dictionaryEntry(filters, QStringLiteral("ACAD_FILTER"), QStringLiteral("SPATIAL")),
+               [&](const AcDbObject &filter) {
+                   const EntityGroups groups(filter, u"AcDbSpatialFilter");
+                   std::vector<double> entries;
+                   for (const resbuf &group : groups) {
+                       if (group.restype == 40)
+                           entries.push_back(group.real());
+                   }
+                   // With a front clip the distance comes first.
+                   constexpr std::size_t kMatrices = 24;
+                   if (groups.integer(71, 1) == 0 || entries.size() < kMatrices)
+                       return;
+                   const auto matrices = std::span(entries).last(kMatrices);
+                   clip = groups.points(10);
+                   if (clip.size() == 2)
+                       clip = {clip[0], {clip[1].x, clip[0].y, 0.0}, clip[1], {clip[0].x, clip[1].y, 0.0}};
+                   const AcGeMatrix3d toBlock =
+                       matrixOf(matrices.first(12)) * AcGeMatrix3d::planeToWorld(groups.normal());
+                   for (AcGePoint3d &corner : clip)
+                       corner.transformBy(toBlock);
+               });
+    if (clip.size() < 3)
+        clip.clear();
+    return clip;
 }
 
 void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
@@ -52,8 +116,41 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
     reference.rows = int(std::clamp<std::int64_t>(groups.integer(71, 1), 1, kMostRepetitions));
     reference.columnStep = turned * AcGeVector3d(groups.real(44), 0.0, 0.0);
     reference.rowStep = turned * AcGeVector3d(0.0, groups.real(45), 0.0);
+    AcGiLoop clip = insertClip(entity);
+    for (AcGePoint3d &corner : clip)
+        corner.transformBy(reference.placement);
+    if (!clip.empty())
+        sink.pushClip(std::span(&clip, 1), false);
     drawReference(reference, sink);
+    if (!clip.empty())
+        sink.popClip();
+    noteMissing(reference.record, groups.text(2), sink);
     drawAttributes(entity, sink);
+}
+
+/// The grid of a table whose picture is missing: rows run down from the insertion point.
+static void drawTableGrid(const EntityGroups &table, const AcGeMatrix3d &placement, AcGiGeometry &sink)
+{
+    std::vector<double> rows{0.0};
+    std::vector<double> columns{0.0};
+    for (const resbuf &group : table) {
+        if (group.restype == 141)
+            rows.push_back(rows.back() - group.real());
+        else if (group.restype == 142)
+            columns.push_back(columns.back() + group.real());
+    }
+    if (rows.size() == 1 || columns.size() == 1)
+        return sink.noteUndrawn(QStringLiteral("ACAD_TABLE: no picture"));
+    const AcGiModelTransform placed(sink, placement);
+    const auto line = [&](AcGePoint3d from, AcGePoint3d to) {
+        const AcGePoint3d ends[] = {from, to};
+        sink.polyline(2, ends);
+    };
+    for (const double y : rows)
+        line({0.0, y, 0.0}, {columns.back(), y, 0.0});
+    for (const double x : columns)
+        line({x, 0.0, 0.0}, {x, rows.back(), 0.0});
+    sink.noteUndrawn(QStringLiteral("ACAD_TABLE: only its grid"));
 }
 
 // A table keeps what it looks like in an anonymous block.
@@ -66,28 +163,10 @@ void drawTable(const AcDbEntity &entity, AcGiGeometry &sink)
     const AcGeVector3d along = table.vector(11, AcGeVector3d::kXAxis).normal();
     const AcGeVector3d normal = groups.normal().normal();
     reference.placement = AcGeMatrix3d::fromAxes(groups.point(10), along, normal.crossProduct(along), normal);
-    drawReference(reference, sink);
-}
-
-// The picture block of a dimension stands in world coordinates. Without it the measured points remain.
-void drawDimension(const AcDbEntity &entity, AcGiGeometry &sink)
-{
-    const EntityGroups groups(entity);
-    AcGiBlockPlacement reference;
-    reference.record = namedBlock(entity, groups);
-    if (!reference.record.isValid()) {
-        std::vector<AcGePoint3d> points;
-        for (const int code : {13, 10, 14}) {
-            if (groups.has(code))
-                points.push_back(groups.point(code));
-        }
-        if (!points.empty())
-            sink.polyline(std::uint32_t(points.size()), points.data());
-        return;
-    }
-    const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(groups.normal());
-    reference.placement = AcGeMatrix3d::translation(plane * groups.vector(12));
-    drawReference(reference, sink);
+    if (reference.record.isValid())
+        drawReference(reference, sink);
+    else
+        drawTableGrid(table, reference.placement, sink);
 }
 
 } // namespace acgi

@@ -1,8 +1,8 @@
-// Drawing of points, lines, arcs and splines.
+// Drawing of points, lines, circles and ellipses.
+#include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
-#include "host/acgi/ginurbs.h"
-#include "host/acgi/giread.h"
 
+#include <array>
 #include <cmath>
 
 namespace acgi
@@ -12,13 +12,20 @@ void drawLine(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity);
     const AcGePoint3d ends[] = {groups.point(10), groups.point(11)};
-    sink.polyline(2, ends);
+    drawExtruded(groups, ends, sink, [&] { sink.polyline(2, ends); });
 }
 
 void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const AcGePoint3d position = EntityGroups(entity).point(10);
-    sink.polyline(1, &position);
+    static const QByteArray kMode = QByteArrayLiteral("$PDMODE");
+    static const QByteArray kSize = QByteArrayLiteral("$PDSIZE");
+    const EntityGroups groups(entity);
+    const AcDbDatabase *const database = entity.database();
+    const AcGePoint3d position = groups.point(10);
+    drawExtruded(groups, std::span(&position, 1), sink, [&] {
+        sink.marker(position, database ? int(database->headerInteger(kMode)) : 0,
+                    database ? database->headerReal(kSize) : 0.0, radians(groups.real(50)));
+    });
 }
 
 static void drawArcOfCircle(const EntityGroups &groups, double startAngle, double sweep, AcGiGeometry &sink)
@@ -26,7 +33,14 @@ static void drawArcOfCircle(const EntityGroups &groups, double startAngle, doubl
     const double radius = std::abs(groups.real(40));
     AcGiArc arc{groups.point(10), {radius, 0.0, 0.0}, {0.0, radius, 0.0}, startAngle, sweep};
     const AcGeVector3d normal = groups.normal();
-    sink.arc(isZAxis(normal) ? arc : arc.transformed(AcGeMatrix3d::planeToWorld(normal)));
+    if (!isZAxis(normal))
+        arc = arc.transformed(AcGeMatrix3d::planeToWorld(normal));
+    constexpr int kWalls = 4;
+    std::array<AcGePoint3d, kWalls> corners;
+    const int intervals = arc.isWhole() ? kWalls : kWalls - 1;
+    for (int i = 0; i < kWalls; ++i)
+        corners[std::size_t(i)] = arc.at(startAngle + sweep * i / intervals);
+    drawExtruded(groups, corners, sink, [&] { sink.arc(arc); });
 }
 
 void drawCircle(const AcDbEntity &entity, AcGiGeometry &sink)
@@ -55,29 +69,6 @@ void drawEllipse(const AcDbEntity &entity, AcGiGeometry &sink)
     const double start = groups.real(41);
     sink.arc({groups.point(10), major, groups.normal().normal().crossProduct(major) * groups.real(40, 1.0),
               start, sweepBetween(start, groups.real(42, 2.0 * kGePi))});
-}
-
-void drawSpline(const AcDbEntity &entity, AcGiGeometry &sink)
-{
-    const EntityGroups groups(entity, u"AcDbSpline");
-    NurbsCurve curve;
-    curve.degree = int(groups.integer(71, 3));
-    std::vector<AcGePoint3d> fitPoints;
-    for (const resbuf &group : groups) {
-        if (group.restype == 10)
-            curve.controlPoints.push_back(group.point());
-        else if (group.restype == 11)
-            fitPoints.push_back(group.point());
-        else if (group.restype == 40)
-            curve.knots.push_back(group.real());
-        else if (group.restype == 41)
-            curve.weights.push_back(group.real());
-    }
-    std::vector<AcGePoint3d> points = curve.samples();
-    if (points.empty())
-        points = fitPoints.empty() ? curve.controlPoints : fitPoints;
-    if (!points.empty())
-        sink.polyline(std::uint32_t(points.size()), points.data());
 }
 
 static void drawInfinite(const AcDbEntity &entity, AcGiGeometry &sink, bool bothWays)

@@ -1,22 +1,60 @@
-// Drawing of polylines, meshes, multilines and leaders.
+// Drawing of polylines: light ones, and those that own their vertices.
+#include "host/acgi/gidrawmesh.h"
+#include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
-#include "host/acgi/giread.h"
+#include "host/acgi/giwideline.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace acgi
 {
 
-static void drawInPlane(const AcGeVector3d &normal, std::span<const AcGiVertex> vertices, bool closed,
-                        AcGiGeometry &sink)
+static bool isWide(std::span<const AcGiVertex> vertices)
 {
-    if (isZAxis(normal)) {
-        sink.pline(vertices, closed);
-        return;
+    return std::ranges::any_of(
+        vertices, [](const AcGiVertex &vertex) { return vertex.startWidth > 0.0 || vertex.endWidth > 0.0; });
+}
+
+/// With filling off wide segments show their borders.
+static void drawWithoutFill(std::span<const AcGiVertex> vertices, bool closed, AcGiGeometry &sink)
+{
+    std::vector<AcGiVertex> thin(vertices.begin(), vertices.end());
+    const std::size_t segments = vertices.size() - (closed ? 0 : 1);
+    for (std::size_t i = 0; i < segments; ++i) {
+        AcGiLoop area = wideSegmentArea(vertices, i, closed);
+        if (area.empty()) {
+            const AcGiVertex segment[] = {{thin[i].point, thin[i].bulge},
+                                          {thin[(i + 1) % thin.size()].point}};
+            sink.pline(segment, false);
+        }
+        drawClosed(std::move(area), sink);
     }
-    const AcGiModelTransform plane(sink, AcGeMatrix3d::planeToWorld(normal));
-    sink.pline(vertices, closed);
+}
+
+static void drawInPlane(const AcDbEntity &entity, const EntityGroups &groups,
+                        std::span<const AcGiVertex> vertices, bool closed, AcGiGeometry &sink)
+{
+    const AcGeVector3d normal = groups.normal();
+    const bool flat = isZAxis(normal);
+    const AcGeMatrix3d plane = flat ? AcGeMatrix3d() : AcGeMatrix3d::planeToWorld(normal);
+    std::vector<AcGePoint3d> corners;
+    if (groups.has(39)) {
+        for (const AcGiVertex &vertex : vertices)
+            corners.push_back(plane * vertex.point);
+    }
+    const bool outlined = vertices.size() > 1 && isWide(vertices) && !isFillOn(entity);
+    const auto draw = [&] {
+        if (outlined)
+            drawWithoutFill(vertices, closed, sink);
+        else
+            sink.pline(vertices, closed);
+    };
+    drawExtruded(groups, corners, sink, [&] {
+        if (flat)
+            return draw();
+        const AcGiModelTransform placed(sink, plane);
+        draw();
+    });
 }
 
 void drawLightPolyline(const AcDbEntity &entity, AcGiGeometry &sink)
@@ -38,7 +76,7 @@ void drawLightPolyline(const AcDbEntity &entity, AcGiGeometry &sink)
         }
     }
     if (!vertices.empty())
-        drawInPlane(groups.normal(), vertices, groups.integer(70) & 1, sink);
+        drawInPlane(entity, groups, vertices, groups.integer(70) & 1, sink);
 }
 
 namespace
@@ -46,7 +84,6 @@ namespace
 
 enum PolylineFlag : std::int64_t {
     kClosed = 1,
-    kCurveFit = 2,
     kSplineFit = 4,
     k3d = 8,
     kMesh = 16,
@@ -55,136 +92,79 @@ enum PolylineFlag : std::int64_t {
 };
 enum VertexFlag : std::int64_t { kFrameControlPoint = 16, kFaceVertexPosition = 64, kFaceRecord = 128 };
 
-struct PolylineVertex {
-    AcGiVertex vertex;
-    std::int64_t flags = 0;
-    std::array<std::int64_t, 4> face{}; ///< Positions from 1, negative: invisible edge, 0: none.
+/// What a POLYLINE and its VERTEX entities say, sorted by what it is for.
+struct PolylineData {
+    std::vector<AcGiVertex> vertices; ///< Of the line or mesh; for a polyface the positions.
+    std::vector<PolyfaceFace> faces;
 };
 
 } // namespace
 
-static PolylineVertex readVertex(const AcDbEntity &entity, const EntityGroups &polyline)
+static PolyfaceFace readFace(const EntityGroups &groups)
 {
-    const EntityGroups groups(entity);
-    PolylineVertex read;
-    read.flags = groups.integer(70);
-    read.vertex = {groups.point(10), groups.real(42), groups.real(40, polyline.real(40)),
-                   groups.real(41, polyline.real(41))};
+    PolyfaceFace face;
     for (int i = 0; i < 4; ++i)
-        read.face[std::size_t(i)] = groups.integer(71 + i);
+        face.positions[std::size_t(i)] = groups.integer(71 + i);
+    face.color = statedColor(groups);
+    return face;
+}
+
+static PolylineData readVertices(const AcDbEntity &entity, const EntityGroups &polyline, std::int64_t flags)
+{
+    PolylineData read;
+    const bool fitted = flags & kSplineFit || (flags & kMesh && polyline.integer(75) != 0);
+    const double startWidth = polyline.real(40);
+    const double endWidth = polyline.real(41);
+    for (const AcDbObjectId id : acdbSubEntities(entity.objectId())) {
+        readEntity(id, [&](const AcDbEntity &part) {
+            if (part.dxfName() != "VERTEX")
+                return;
+            const EntityGroups groups(part);
+            const std::int64_t own = groups.integer(70);
+            if (flags & kPolyface && own & kFaceRecord && !(own & kFaceVertexPosition))
+                read.faces.push_back(readFace(groups));
+            else if (!(fitted && own & kFrameControlPoint))
+                read.vertices.push_back({groups.point(10), groups.real(42), groups.real(40, startWidth),
+                                         groups.real(41, endWidth)});
+        });
+    }
     return read;
 }
 
-static void drawMesh(const EntityGroups &groups, const std::vector<PolylineVertex> &vertices,
-                     AcGiGeometry &sink)
+static MeshGrid gridOf(const EntityGroups &groups, std::vector<AcGiVertex> vertices)
 {
     const bool smooth = groups.integer(75) != 0;
-    const auto m = std::size_t(std::max<std::int64_t>(0, groups.integer(smooth ? 73 : 71)));
-    const auto n = std::size_t(std::max<std::int64_t>(0, groups.integer(smooth ? 74 : 72)));
-    if (m == 0 || n == 0 || vertices.size() < m * n)
-        return;
-    const bool closedM = groups.integer(70) & kClosed;
-    const bool closedN = groups.integer(70) & kMeshClosedN;
-    const auto drawRow = [&](std::size_t first, std::size_t step, std::size_t count, bool closed) {
-        std::vector<AcGePoint3d> row;
-        for (std::size_t i = 0; i < count + (closed ? 1 : 0); ++i)
-            row.push_back(vertices[first + (i % count) * step].vertex.point);
-        sink.polyline(std::uint32_t(row.size()), row.data());
-    };
-    for (std::size_t i = 0; i < m; ++i)
-        drawRow(i * n, 1, n, closedN);
-    for (std::size_t j = 0; j < n; ++j)
-        drawRow(j, n, m, closedM);
-}
-
-static void drawPolyface(const std::vector<PolylineVertex> &vertices, AcGiGeometry &sink)
-{
-    for (const PolylineVertex &record : vertices) {
-        if (!(record.flags & kFaceRecord) || record.flags & kFaceVertexPosition)
-            continue;
-        std::vector<AcGePoint3d> corners;
-        for (const std::int64_t position : record.face) {
-            const auto index = std::size_t(position < 0 ? -position : position);
-            if (index >= 1 && index <= vertices.size() && vertices[index - 1].flags & kFaceVertexPosition)
-                corners.push_back(vertices[index - 1].vertex.point);
-        }
-        if (corners.empty())
-            continue;
-        corners.push_back(corners.front());
-        sink.polyline(std::uint32_t(corners.size()), corners.data());
-    }
+    const std::int64_t flags = groups.integer(70);
+    MeshGrid grid;
+    grid.m = std::size_t(std::max<std::int64_t>(0, groups.integer(smooth ? 73 : 71)));
+    grid.n = std::size_t(std::max<std::int64_t>(0, groups.integer(smooth ? 74 : 72)));
+    grid.closedM = flags & kClosed;
+    grid.closedN = flags & kMeshClosedN;
+    for (const AcGiVertex &vertex : vertices)
+        grid.points.push_back(vertex.point);
+    return grid;
 }
 
 void drawPolyline(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity);
     const std::int64_t flags = groups.integer(70);
-    const bool fitted = flags & kSplineFit || (flags & kMesh && groups.integer(75) != 0);
-    std::vector<PolylineVertex> vertices;
-    for (const AcDbObjectId id : acdbSubEntities(entity.objectId())) {
-        readEntity(id, [&](const AcDbEntity &part) {
-            if (part.dxfName() != "VERTEX")
-                return;
-            const PolylineVertex vertex = readVertex(part, groups);
-            if (!(fitted && vertex.flags & kFrameControlPoint))
-                vertices.push_back(vertex);
-        });
-    }
+    PolylineData data = readVertices(entity, groups, flags);
+    if (data.vertices.empty())
+        return;
     if (flags & kMesh)
-        return drawMesh(groups, vertices, sink);
+        return drawMeshGrid(gridOf(groups, data.vertices), sink);
     if (flags & kPolyface)
-        return drawPolyface(vertices, sink);
-    std::vector<AcGiVertex> chain;
+        return drawPolyface(data.vertices, data.faces, sink);
+    if (flags & k3d) {
+        for (AcGiVertex &vertex : data.vertices)
+            vertex = {vertex.point};
+        return sink.pline(data.vertices, flags & kClosed);
+    }
     const double elevation = groups.point(10).z;
-    for (PolylineVertex &read : vertices) {
-        if (flags & k3d)
-            read.vertex = {read.vertex.point};
-        else
-            read.vertex.point.z = elevation;
-        chain.push_back(read.vertex);
-    }
-    if (!chain.empty())
-        drawInPlane(flags & k3d ? AcGeVector3d::kZAxis : groups.normal(), chain, flags & kClosed, sink);
-}
-
-// Each vertex has a miter direction, and for each element of the style the distance along it.
-void drawMultiline(const AcDbEntity &entity, AcGiGeometry &sink)
-{
-    const EntityGroups groups(entity, u"AcDbMline");
-    std::vector<AcGiLoop> lines;
-    AcGePoint3d vertex;
-    AcGeVector3d miter;
-    std::size_t element = 0;
-    bool first = false; // The next 41 is the distance; others are breaks along the line.
-    for (const resbuf &group : groups) {
-        if (group.restype == 11) {
-            vertex = group.point();
-            element = 0;
-        } else if (group.restype == 13) {
-            miter = group.point().asVector();
-        } else if (group.restype == 74) {
-            first = group.integer() > 0;
-        } else if (group.restype == 41 && first) {
-            first = false;
-            lines.resize(std::max(lines.size(), element + 1));
-            lines[element++].push_back(vertex + miter * group.real());
-        }
-    }
-    if (lines.empty())
-        lines.push_back(groups.points(11));
-    for (AcGiLoop &line : lines) {
-        if (groups.integer(71) & 2 && !line.empty())
-            line.push_back(line.front());
-        if (!line.empty())
-            sink.polyline(std::uint32_t(line.size()), line.data());
-    }
-}
-
-void drawLeader(const AcDbEntity &entity, AcGiGeometry &sink)
-{
-    const std::vector<AcGePoint3d> points = EntityGroups(entity).points(10);
-    if (!points.empty())
-        sink.polyline(std::uint32_t(points.size()), points.data());
+    for (AcGiVertex &vertex : data.vertices)
+        vertex.point.z = elevation;
+    drawInPlane(entity, groups, data.vertices, flags & kClosed, sink);
 }
 
 } // namespace acgi

@@ -1,5 +1,6 @@
 #include "host/acgi/gigeometry.h"
 
+#include "host/acgi/giwideline.h"
 #include "host/base/assert.h"
 
 #include <algorithm>
@@ -130,38 +131,12 @@ void AcGiGeometry::pline(std::span<const AcGiVertex> vertices, bool closed)
             continue;
         }
         flush();
-        if (wide)
-            wideSegment(from, to);
-        else if (!from.point.isEqualTo(to.point))
+        if (const AcGiLoop area = acgi::wideSegmentArea(vertices, i, closed); !area.empty())
+            fill(std::span(&area, 1));
+        else if (!wide && !from.point.isEqualTo(to.point))
             arc(acgiBulgeArc(from.point, to.point, from.bulge));
     }
     flush();
-}
-
-// The width grows evenly along the segment, also along an arc.
-void AcGiGeometry::wideSegment(const AcGiVertex &from, const AcGiVertex &to)
-{
-    const AcGeVector3d chord = to.point - from.point;
-    if (chord.isZeroLength())
-        return;
-    AcGiLoop left;
-    AcGiLoop right;
-    const auto addBorders = [&](const AcGePoint3d &middle, const AcGeVector3d &across, double share) {
-        const double half = 0.5 * (from.startWidth + (from.endWidth - from.startWidth) * share);
-        left.push_back(middle + across * half);
-        right.push_back(middle - across * half);
-    };
-    if (from.bulge != 0.0) {
-        const AcGiArc curve = acgiBulgeArc(from.point, to.point, from.bulge);
-        for (const double t : curve.sampleParameters())
-            addBorders(curve.at(t), (curve.at(t) - curve.centre).normal(), (t - curve.start) / curve.sweep);
-    } else {
-        const AcGeVector3d across = AcGeVector3d(-chord.y, chord.x, 0.0).normal();
-        addBorders(from.point, across, 0.0);
-        addBorders(to.point, across, 1.0);
-    }
-    left.insert(left.end(), right.rbegin(), right.rend());
-    fill(std::span(&left, 1));
 }
 
 void AcGiGeometry::marker(const AcGePoint3d &point, int, double, double)

@@ -14,6 +14,7 @@
 
 class AcDbEntity;
 class AcGiFont;
+class AcGiViewport;
 
 /// centre + u cos t + v sin t for t from `start` over `sweep` (radians, negative runs backward). Circles
 /// and ellipses, whole or in part, and whatever an affine transform makes of them.
@@ -156,6 +157,14 @@ public:
     /// What follows shows only inside the loops (even-odd), or only outside when `inverted`; clips nest.
     virtual void pushClip(std::span<const AcGiLoop> /*loops*/, bool /*inverted*/) {}
     virtual void popClip() {}
+    /// The view that is drawn for. Custom entities draw themselves only where there is one; other sinks get the
+    /// box of their extents.
+    virtual const AcGiViewport *view() const { return nullptr; }
+    /// What the entity draws from here on looks different in each view.
+    virtual void beginViewDependent() {}
+    /// Whether hatches come as the lines of their patterns and the bands of their gradients, for sinks that
+    /// show something; otherwise as the area that they cover.
+    virtual bool wantsPatterns() const { return false; }
     /// True when nothing more is needed; drawing then ends early.
     virtual bool isDone() const { return false; }
     /// An entity, or a part of it, that cannot be drawn; `reason` starts with the kind ("3DSOLID: ...").
@@ -167,8 +176,6 @@ public:
     bool insideBlock() const { return !m_blocks.empty(); }
 
 private:
-    void wideSegment(const AcGiVertex &from, const AcGiVertex &to);
-
     std::vector<AcGeMatrix3d> m_stack;
     AcGeMatrix3d m_toWorld;
     bool m_isWorld = true;

@@ -9,6 +9,9 @@ namespace acgi
 
 using DrawFunction = void (*)(const AcDbEntity &entity, AcGiGeometry &sink);
 
+/// For what shows on no plot: lights, cameras, section planes.
+void drawNothing(const AcDbEntity &entity, AcGiGeometry &sink);
+
 // Curves and points
 void drawLine(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink);
@@ -25,22 +28,27 @@ void drawPolyline(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawMultiline(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawLeader(const AcDbEntity &entity, AcGiGeometry &sink);
 
+void drawMultileader(const AcDbEntity &entity, AcGiGeometry &sink);
+void drawSubdivisionMesh(const AcDbEntity &entity, AcGiGeometry &sink);
+
 // Areas
 void drawSolid(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawFace(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawHatch(const AcDbEntity &entity, AcGiGeometry &sink);
+void drawPolygonHatch(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawImage(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawWipeout(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawViewport(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawOleFrame(const AcDbEntity &entity, AcGiGeometry &sink);
+void drawUnderlay(const AcDbEntity &entity, AcGiGeometry &sink);
 
 // Text
 void drawText(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawAttribute(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawAttributeDefinition(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink);
-void drawMultileader(const AcDbEntity &entity, AcGiGeometry &sink);
 void drawTolerance(const AcDbEntity &entity, AcGiGeometry &sink);
+void drawShape(const AcDbEntity &entity, AcGiGeometry &sink);
 
 // Blocks
 void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink);

@@ -8,9 +8,9 @@ static std::span<const resbuf> ownGroups(std::span<const resbuf> groups)
     return groups.first(std::size_t(std::ranges::find_if(groups, foreign) - groups.begin()));
 }
 
-EntityGroups::EntityGroups(const AcDbEntity &entity) : m_groups(ownGroups(entity.groups())) {}
+EntityGroups::EntityGroups(const AcDbObject &object) : m_groups(ownGroups(object.groups())) {}
 
-EntityGroups::EntityGroups(const AcDbEntity &entity, QStringView subclass) : EntityGroups(entity)
+EntityGroups::EntityGroups(const AcDbObject &object, QStringView subclass) : EntityGroups(object)
 {
     const auto isMarker = [=](const resbuf &group) {
         return group.restype == 100 && group.text() == subclass;

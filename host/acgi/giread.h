@@ -1,4 +1,4 @@
-// Reading native entities for drawing: their own groups by code, and the entities they consist of.
+// Reading native entities and objects for drawing: their own groups by code, and the entities they consist of.
 #pragma once
 
 #include "host/acdb/dbentity.h"
@@ -6,13 +6,13 @@
 
 #include <span>
 
-/// The groups of an entity before embedded objects and extended data.
+/// The groups of an entity or object before embedded objects and extended data.
 class EntityGroups
 {
 public:
-    explicit EntityGroups(const AcDbEntity &entity);
+    explicit EntityGroups(const AcDbObject &object);
     /// Only what follows the marker `subclass`; everything when the file has no markers.
-    EntityGroups(const AcDbEntity &entity, QStringView subclass);
+    EntityGroups(const AcDbObject &object, QStringView subclass);
 
     const resbuf *find(int code) const;
     bool has(int code) const { return find(code) != nullptr; }
@@ -53,4 +53,21 @@ void readEntity(AcDbObjectId id, Use use)
         use(std::as_const(*opened));
     else if (opened.openStatus() == Acad::eWasOpenForWrite && id.isEntity())
         use(static_cast<const AcDbEntity &>(*id.stub()->object));
+}
+
+/// Calls `use` with an object of any kind open for read; missing, erased and objects that somebody is writing
+/// are left out.
+template <class Use>
+void readObject(AcDbObjectId id, Use use)
+{
+    const AcDbObjectPointer<AcDbObject> opened(id, AcDb::kForRead);
+    if (opened)
+        use(std::as_const(*opened));
+}
+
+/// The object of a handle in the entity's drawing.
+inline AcDbObjectId objectOf(const AcDbEntity &entity, AcDbHandle handle)
+{
+    return entity.database() && !handle.isNull() ? entity.database()->getAcDbObjectId(handle)
+                                                 : AcDbObjectId();
 }
