@@ -1,186 +1,96 @@
-// Drawing of hatches: the area inside their boundary paths.
+// Drawing of hatches: the area inside their boundary paths, filled evenly, with a pattern or a gradient.
+#include "host/acgi/gidrawtools.h"
+#include "host/acgi/gihatchboundary.h"
+#include "host/acgi/gihatchgradient.h"
+#include "host/acgi/gihatchpattern.h"
 #include "host/acgi/gikinds.h"
-#include "host/acgi/ginurbs.h"
-#include "host/acgi/giread.h"
 
-#include <algorithm>
+#include <optional>
 
 namespace acgi
 {
 
-namespace
+/// The colour behind the pattern.
+static std::optional<AcCmEntityColor> patternBackground(const AcDbEntity &entity)
 {
+    for (const resbuf &group : entity.xData(QStringLiteral("HATCHBACKGROUNDCOLOR"))) {
+        if (group.restype == 1071)
+            return colorOfRaw(group.integer());
+    }
+    return std::nullopt;
+}
 
-enum Edge : std::int64_t { kNoEdge = 0, kLineEdge = 1, kCircleEdge = 2, kEllipseEdge = 3, kSplineEdge = 4 };
-
-/// Collects the boundary paths group by group; the meaning of a code depends on what came before.
-class BoundaryReader
+static void drawPattern(const AcDbEntity &entity, const EntityGroups &groups,
+                        const std::vector<AcGiLoop> &loops, AcGiGeometry &sink)
 {
-public:
-    explicit BoundaryReader(const EntityGroups &groups)
-    {
-        const double elevation = groups.point(10).z;
-        for (const resbuf &group : groups) {
-            if (group.restype == 75) // Paths end here: the style of the hatch follows.
-                break;
-            visit(group);
-        }
-        endPath();
-        for (AcGiLoop &loop : m_loops) {
-            for (AcGePoint3d &point : loop)
-                point.z = elevation;
-        }
+    if (const auto background = patternBackground(entity)) {
+        PenScope scope(sink);
+        scope.setColor(*background);
+        sink.fill(loops);
     }
-    std::vector<AcGiLoop> &loops() { return m_loops; }
+    PenScope scope(sink);
+    scope.pen().setLineType(AcDbObjectId()); // The pattern has the only gaps.
+    const bool isDrawn =
+        cutHatchPattern(readHatchPattern(groups), loops, [&](const AcGePoint3d &from, const AcGePoint3d &to) {
+            const AcGePoint3d ends[] = {from, to};
+            sink.polyline(from == to ? 1 : 2, ends);
+        });
+    if (isDrawn)
+        return;
+    sink.fill(loops);
+    sink.noteUndrawn(QStringLiteral("HATCH: pattern too dense"));
+}
 
-private:
-    void visit(const resbuf &group)
-    {
-        if (group.restype == 91) {
-            m_inPaths = true;
-        } else if (!m_inPaths) {
-            return;
-        } else if (group.restype == 92) {
-            endPath();
-            m_isPolyline = group.integer() & 2;
-        } else if (group.restype == 97 && m_edge != kSplineEdge) {
-            endPath(); // The objects that the path came from follow.
-        } else if (m_isPolyline) {
-            visitPolyline(group);
-        } else {
-            visitEdge(group);
-        }
-    }
+static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool isSolid,
+                     const std::vector<AcGiLoop> &loops, AcGiGeometry &sink)
+{
+    if (!sink.wantsPatterns())
+        return sink.fill(loops);
+    PenScope scope(sink);
+    if (const auto gradient = readHatchGradient(groups))
+        fillGradient(*gradient, loops, sink);
+    else if (isSolid)
+        sink.fill(loops);
+    else
+        drawPattern(entity, groups, loops, sink);
+}
 
-    void visitPolyline(const resbuf &group)
-    {
-        if (group.restype == 10)
-            m_polyline.push_back({group.point()});
-        else if (group.restype == 42 && !m_polyline.empty())
-            m_polyline.back().bulge = group.real();
-    }
-
-    void visitEdge(const resbuf &group)
-    {
-        switch (group.restype) {
-        case 72:
-            endEdge();
-            m_edge = Edge(group.integer());
-            break;
-        case 10:
-            m_curve.controlPoints.push_back(group.point());
-            break;
-        case 11:
-            m_second = group.point();
-            break;
-        case 40:
-            if (m_edge == kSplineEdge)
-                m_curve.knots.push_back(group.real());
-            else
-                m_size = group.real();
-            break;
-        case 42:
-            m_curve.weights.push_back(group.real());
-            break;
-        case 50:
-            m_start = radians(group.real());
-            break;
-        case 51:
-            m_end = radians(group.real());
-            break;
-        case 73:
-            m_counterClockwise = group.integer() != 0;
-            break;
-        case 94:
-            m_curve.degree = int(group.integer());
-            break;
-        default:
-            break;
-        }
-    }
-
-    void endEdge()
-    {
-        const Edge edge = std::exchange(m_edge, kNoEdge);
-        const NurbsCurve curve = std::exchange(m_curve, NurbsCurve());
-        if (edge == kNoEdge || curve.controlPoints.empty())
-            return;
-        if (edge == kLineEdge) {
-            m_path.push_back(curve.controlPoints.front());
-            m_path.push_back(m_second);
-        } else if (edge == kSplineEdge) {
-            const std::vector<AcGePoint3d> samples = curve.samples();
-            const auto &points = samples.empty() ? curve.controlPoints : samples;
-            m_path.insert(m_path.end(), points.begin(), points.end());
-        } else {
-            appendArc(curve.controlPoints.front(), edge == kCircleEdge);
-        }
-    }
-
-    // The angles of clockwise arcs are filed with the opposite sign.
-    void appendArc(const AcGePoint3d &centre, bool isCircle)
-    {
-        AcGiArc arc;
-        arc.centre = centre;
-        arc.u = isCircle ? AcGeVector3d(m_size, 0.0, 0.0) : m_second.asVector();
-        arc.v = AcGeVector3d(-arc.u.y, arc.u.x, 0.0) * (isCircle ? 1.0 : m_size);
-        const double sign = m_counterClockwise ? 1.0 : -1.0;
-        arc.start = sign * m_start;
-        double along = std::fmod(m_end - m_start, 2.0 * kGePi);
-        if (along <= 1e-12)
-            along += 2.0 * kGePi;
-        arc.sweep = sign * along;
-        arc.appendSamples(m_path);
-    }
-
-    void endPath()
-    {
-        endEdge();
-        for (std::size_t i = 0; i < m_polyline.size(); ++i) {
-            const AcGiVertex &from = m_polyline[i];
-            const AcGePoint3d &to = m_polyline[(i + 1) % m_polyline.size()].point;
-            if (from.bulge != 0.0 && !from.point.isEqualTo(to))
-                acgiBulgeArc(from.point, to, from.bulge).appendSamples(m_path);
-            else
-                m_path.push_back(from.point);
-        }
-        m_polyline.clear();
-        m_isPolyline = false;
-        if (!m_path.empty())
-            m_loops.push_back(std::exchange(m_path, {}));
-    }
-
-    bool m_inPaths = false;
-    bool m_isPolyline = false;
-    std::vector<AcGiVertex> m_polyline;
-    Edge m_edge = kNoEdge;
-    NurbsCurve m_curve; ///< Its first control point is the start or centre of the other edges.
-    AcGePoint3d m_second;
-    double m_size = 0.0; ///< Radius, or ratio of the axes.
-    double m_start = 0.0;
-    double m_end = 0.0;
-    bool m_counterClockwise = true;
-    AcGiLoop m_path;
-    std::vector<AcGiLoop> m_loops;
-};
-
-} // namespace
+/// Calls `draw` with what bounds the area, in the plane of the entity.
+template <class Draw>
+static void inPlane(const EntityGroups &groups, AcGiGeometry &sink, Draw draw)
+{
+    const std::vector<AcGiLoop> loops = loopsForStyle(readHatchLoops(groups), hatchStyle(groups));
+    if (loops.empty())
+        return;
+    const AcGeVector3d normal = groups.normal();
+    std::optional<AcGiModelTransform> plane;
+    if (!isZAxis(normal))
+        plane.emplace(sink, AcGeMatrix3d::planeToWorld(normal));
+    draw(loops);
+}
 
 void drawHatch(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity, u"AcDbHatch");
-    std::vector<AcGiLoop> loops = std::move(BoundaryReader(groups).loops());
-    if (loops.empty())
-        return;
-    const AcGeVector3d normal = groups.normal();
-    if (!isZAxis(normal)) {
-        const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(normal);
-        for (AcGiLoop &loop : loops) {
-            for (AcGePoint3d &point : loop)
-                point.transformBy(plane);
+    inPlane(groups, sink, [&](const std::vector<AcGiLoop> &loops) {
+        fillArea(entity, groups, groups.integer(70) != 0, loops, sink);
+    });
+}
+
+// A polygon shows its outline beside what fills it, which has a colour of its own.
+void drawPolygonHatch(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    const EntityGroups groups(entity, u"AcDbMPolygon");
+    inPlane(groups, sink, [&](const std::vector<AcGiLoop> &loops) {
+        {
+            PenScope scope(sink);
+            if (groups.has(63))
+                scope.setColor(groups.integer(63));
+            fillArea(entity, groups, groups.integer(71) != 0, loops, sink);
         }
-    }
-    sink.fill(loops);
+        for (const AcGiLoop &loop : loops)
+            drawClosed(loop, sink);
+    });
 }
 
 } // namespace acgi

@@ -12,25 +12,16 @@ namespace
 constexpr std::size_t kMostElements = 1000;
 enum ElementFlag : std::int64_t { kUpright = 1, kText = 2, kShape = 4 };
 
-/// Shape files are styles without a name, so the style goes by its record.
+/// Shape files are styles without a name, so those go by their record.
 AcGiTextStyle styleOf(const AcDbDatabase &database, AcDbHandle handle)
 {
     const AcDbObjectPointer<AcDbSymbolTableRecord> record(database.getAcDbObjectId(handle), AcDb::kForRead);
+    constexpr int kShapeFile = 1;
+    if (!record || !(record->flags() & kShapeFile))
+        return acgiTextStyle(database, record ? record->getName() : QString());
     AcGiTextStyle style;
-    if (!record)
-        return style;
-    const auto textOf = [&](int code) {
-        const resbuf *const group = findGroup(record->groups(), code);
-        return group ? group->text() : QString();
-    };
-    const auto realOf = [&](int code, double fallback) {
-        const resbuf *const group = findGroup(record->groups(), code);
-        return group ? group->real() : fallback;
-    };
-    style.setFileName(textOf(3));
-    style.setBigFontFileName(textOf(4));
-    style.setXScale(realOf(41, 1.0));
-    style.setObliquingAngle(radians(realOf(50, 0.0)));
+    if (const resbuf *const file = findGroup(record->groups(), 3))
+        style.setFileName(file->text());
     return style;
 }
 
