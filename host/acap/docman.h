@@ -79,6 +79,7 @@ public:
     const AcApEnteredViewport &enteredViewport() const { return m_enteredViewport; }
     /// Of the spaces that were current before, by block record.
     std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() { return m_otherSpaces; }
+    const std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() const { return m_otherSpaces; }
     /// Entities selected before a command (pick first).
     std::vector<AcDbObjectId> &pickSet() { return m_pickSet; }
     /// The last selection set of an editing command ("Previous").

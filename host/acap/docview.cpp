@@ -152,6 +152,20 @@ bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView 
            setView(view, {}, database.headerPoint("$VIEWCTR"), database.headerReal("$VIEWSIZE"), 0.0);
 }
 
+std::optional<AcApNamedView> acapNamedView(const AcDbDatabase &database, const QString &name)
+{
+    const AcDbObjectPointer<AcDbSymbolTableRecord> record(database.tableRecord(SymbolTable::view, name),
+                                                          AcDb::kForRead);
+    AcApView view;
+    // Its twist is in group 50, degrees; the width is in 41.
+    if (!record || !setView(view, pointOf(record->groups(), 12), pointOf(record->groups(), 10),
+                            realOf(record->groups(), 40), realOf(record->groups(), 50) * kGePi / 180.0))
+        return std::nullopt;
+    const double width = realOf(record->groups(), 41);
+    return AcApNamedView{view.centre, view.height, isUsableHeight(width) ? width : view.height, view.twist,
+                         (record->flags() & 1) != 0};
+}
+
 AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space)
 {
     const QByteArray prefix = space == database.modelSpaceId() ? "$UCS" : "$PUCS";

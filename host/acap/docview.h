@@ -27,5 +27,15 @@ std::optional<AcApFloatingView> acapFloatingView(const AcDbEntity &viewport);
 /// Numbers (CVPORT, from 2 on) and entities of the viewports of a sheet, without the sheet's own.
 std::vector<std::pair<int, AcDbObjectId>> acapSheetViewports(const AcDbDatabase &database,
                                                              AcDbObjectId sheet);
+/// A record of the VIEW table.
+struct AcApNamedView {
+    AcGePoint3d centre; ///< World.
+    double height = 1.0;
+    double width = 1.0;
+    double twist = 0.0;
+    bool paperSpace = false; ///< Of a sheet.
+};
+/// None when there is no such view or its numbers make none.
+std::optional<AcApNamedView> acapNamedView(const AcDbDatabase &database, const QString &name);
 /// The saved coordinate system of model space or of the sheets; the world's when it has none or a bad one.
 AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space);

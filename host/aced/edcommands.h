@@ -80,6 +80,7 @@ public:
     bool isQuitting() const { return m_quit; }
 
 private:
+    friend class AcEdRunningAs;
     int runLocked(const AcEdCommand &command);
     template <class Notify>
     void notify(Notify event);
@@ -92,5 +93,19 @@ private:
 };
 
 AcEditor *acedEditor();
+
+/// While it lives, the editor tells this one command as running, whatever really is.
+class AcEdRunningAs
+{
+public:
+    explicit AcEdRunningAs(const QString &name);
+    ~AcEdRunningAs();
+    AcEdRunningAs(const AcEdRunningAs &) = delete;
+    AcEdRunningAs &operator=(const AcEdRunningAs &) = delete;
+
+private:
+    QStringList m_before;
+};
+
 /// The platform's name for AcEditor::queueExpression.
 void ads_queueexpr(const QString &expression);

@@ -3,6 +3,9 @@
 
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/atomic_file.h"
+
+#include <QBuffer>
 
 AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
 {
@@ -12,18 +15,39 @@ AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
     return options;
 }
 
-QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options, AcGiPaintReport *report)
+QImage acedPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view,
+                   const AcGiPaintOptions &options, AcGiPaintReport *report)
 {
-    const AcApView &view = document.view();
-    QImage image(view.pixelWidth, view.pixelHeight, QImage::Format_ARGB32_Premultiplied);
+    QImage image(int(view.pixelWidth), int(view.pixelHeight), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;
     image.fill(options.fillBackground ? options.background : QColor(Qt::transparent));
     QPainter painter(&image);
-    const AcGiPaintReport painted =
-        acgiDisplay(*document.database())
-            .paint(acedShownSpace(document), acedViewport(document), painter, options);
+    const AcGiPaintReport painted = acgiDisplay(database).paint(space, view, painter, options);
     if (report)
         *report = painted;
     return image;
+}
+
+QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options, AcGiPaintReport *report)
+{
+    return acedPicture(*document.database(), acedShownSpace(document), acedViewport(document), options,
+                       report);
+}
+
+base::Result<void, QString> acedWritePng(const QImage &image, const QString &path)
+{
+    if (image.isNull())
+        return base::Failure{QStringLiteral("%1: there is no memory for such a picture").arg(path)};
+    auto file = base::AtomicFileWriter::open(path);
+    if (!file)
+        return base::Failure{file.error().text()};
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    if (!image.convertToFormat(QImage::Format_RGB32).save(&png, "PNG"))
+        return base::Failure{QStringLiteral("%1: the picture cannot be written as PNG").arg(path)};
+    file->write(png.data());
+    if (const auto written = file->commit(); !written)
+        return base::Failure{written.error().text()};
+    return {};
 }

@@ -128,6 +128,16 @@ QString AcEditor::activeCommands() const
     return m_active.join(u'\'');
 }
 
+AcEdRunningAs::AcEdRunningAs(const QString &name)
+    : m_before(std::exchange(acedEditor()->m_active, QStringList{name}))
+{
+}
+
+AcEdRunningAs::~AcEdRunningAs()
+{
+    acedEditor()->m_active = m_before;
+}
+
 // Lines -------------------------------------------------------------------------------------------
 
 static int evaluate(const QString &expression)

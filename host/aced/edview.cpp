@@ -160,8 +160,11 @@ static AcDbExtents extentsOneByOne(const AcDbDatabase &database, AcDbObjectId sp
 
 AcDbExtents acedCurrentExtents(const AcApDocument &document)
 {
-    AcDbDatabase &database = *document.database();
-    const AcDbObjectId space = database.currentSpaceId();
+    return acedSpaceExtents(*document.database(), document.database()->currentSpaceId());
+}
+
+AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
+{
     AcGiSpatialIndex &index = acgiSpatialIndex(database);
     // The index also counts what is hidden; that matters only where nothing else reaches its edge.
     const AcDbExtents indexed = index.extents(space);

@@ -33,6 +33,8 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record);
 
 /// Extents of everything visible in the current space.
 AcDbExtents acedCurrentExtents(const AcApDocument &document);
+/// The same of model space or a layout.
+AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space);
 /// Fits the rectangle (world) into the view.
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2);
 /// The drawing's saved view (active viewport record) into the document's view, as after opening.

@@ -18,10 +18,12 @@ std::span<const Entry> fileCommands();
 std::span<const Entry> editCommands();
 std::span<const Entry> undoCommands();
 std::span<const Entry> viewCommands();
-std::span<const Entry> coordinateCommands(); ///< UCS, PLAN, layouts.
+std::span<const Entry> coordinateCommands(); ///< UCS, PLAN.
 std::span<const Entry> layerCommands();
 std::span<const Entry> drawCommands();
 std::span<const Entry> inquiryCommands();
 std::span<const Entry> menuCommands();
+std::span<const Entry> plotCommands();
+std::span<const Entry> layoutCommands(); ///< LAYOUT, MODEL, MSPACE, PSPACE, VIEW.
 
 } // namespace hostcommands

@@ -1,8 +1,6 @@
-// Coordinate systems and layouts: UCS, PLAN, LAYOUT, MODEL.
-#include "host/acdb/dbsymtb.h"
+// Coordinate systems: UCS, PLAN.
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
-#include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 
 #include <array>
@@ -148,48 +146,11 @@ static void plan()
         fitIntoView(*curDoc(), extents);
 }
 
-// Layouts ----------------------------------------------------------------------------------------------
-
-static void listLayouts()
-{
-    for (const AcDbObjectId block : acdbLayoutBlocks(*acdbCurDwg()))
-        acutPrintf(u'\n' + acdbLayoutName(block));
-}
-
-static void setLayout(const QString &name)
-{
-    if (acedSetVarText(QStringLiteral("CTAB"), name) != RTNORM)
-        acutPrintf(QStringLiteral("\n没有名为“%1”的布局。").arg(name));
-}
-
-static void layout()
-{
-    const auto option =
-        askKeyword(QStringLiteral("Set ?"), QStringLiteral("\n输入布局选项 [置为当前(S)/?] <置为当前>: "),
-                   QStringLiteral("Set"));
-    if (!option)
-        return;
-    if (*option == QLatin1String("?")) {
-        listLayouts();
-        return;
-    }
-    const QString present = acedTextVar(QStringLiteral("CTAB"));
-    const auto name = askText(QStringLiteral("\n输入要置为当前的布局 <%1>: ").arg(present));
-    if (name && !name->isEmpty())
-        setLayout(*name);
-}
-
-static void model()
-{
-    setLayout(QStringLiteral("Model"));
-}
-
 std::span<const Entry> coordinateCommands()
 {
     static constexpr std::array entries{
-        Entry{"UCS", ACRX_CMD_NOUNDO, ucs},      Entry{"PLAN", ACRX_CMD_NOUNDO, plan},
-        Entry{"LAYOUT", ACRX_CMD_MODAL, layout}, Entry{"-LAYOUT", ACRX_CMD_MODAL, layout},
-        Entry{"MODEL", ACRX_CMD_MODAL, model},
+        Entry{"UCS", ACRX_CMD_NOUNDO, ucs},
+        Entry{"PLAN", ACRX_CMD_NOUNDO, plan},
     };
     return entries;
 }

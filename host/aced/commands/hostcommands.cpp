@@ -11,11 +11,12 @@ using namespace hostcommands;
 static const QString kGroup = QStringLiteral("HOST");
 
 /// Short names as people type them.
-static constexpr std::array<std::pair<const char *, const char *>, 21> kAliases{{
-    {"L", "LINE"},  {"C", "CIRCLE"},   {"PO", "POINT"},   {"DT", "TEXT"},  {"E", "ERASE"},   {"M", "MOVE"},
-    {"CO", "COPY"}, {"CP", "COPY"},    {"RO", "ROTATE"},  {"SC", "SCALE"}, {"MI", "MIRROR"}, {"Z", "ZOOM"},
-    {"P", "PAN"},   {"RE", "REGEN"},   {"LA", "LAYER"},   {"DV", "DVIEW"}, {"LI", "LIST"},   {"LS", "LIST"},
-    {"DI", "DIST"}, {"TO", "TOOLBAR"}, {"AP", "APPLOAD"},
+static constexpr std::array<std::pair<const char *, const char *>, 25> kAliases{{
+    {"L", "LINE"},    {"C", "CIRCLE"}, {"PO", "POINT"},     {"DT", "TEXT"},    {"E", "ERASE"},
+    {"M", "MOVE"},    {"CO", "COPY"},  {"CP", "COPY"},      {"RO", "ROTATE"},  {"SC", "SCALE"},
+    {"MI", "MIRROR"}, {"Z", "ZOOM"},   {"P", "PAN"},        {"RE", "REGEN"},   {"LA", "LAYER"},
+    {"DV", "DVIEW"},  {"LI", "LIST"},  {"LS", "LIST"},      {"DI", "DIST"},    {"MS", "MSPACE"},
+    {"PS", "PSPACE"}, {"V", "VIEW"},   {"REA", "REGENALL"}, {"TO", "TOOLBAR"}, {"AP", "APPLOAD"},
 }};
 
 /// An alias is the same command under another local name, in a group of its own: what reactors hear is the
@@ -33,9 +34,9 @@ static void registerAliases()
 
 void acedRegisterHostCommands()
 {
-    const std::array tables{fileCommands(), editCommands(),       undoCommands(),
-                            viewCommands(), coordinateCommands(), layerCommands(),
-                            drawCommands(), inquiryCommands(),    menuCommands()};
+    const std::array tables{fileCommands(),       editCommands(),  undoCommands(),  viewCommands(),
+                            coordinateCommands(), layerCommands(), drawCommands(),  inquiryCommands(),
+                            menuCommands(),       plotCommands(),  layoutCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {
             const QString name = QLatin1String(entry.name);

@@ -2,6 +2,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edview.h"
+#include "host/acgi/gidisplay.h"
 #include "host/base/format_number.h"
 
 #include <algorithm>
@@ -216,6 +217,7 @@ static void pan()
 static void regenerate()
 {
     acutPrintf(QStringLiteral("\n正在重生成图形。"));
+    acgiDisplay(*acdbCurDwg()).regenerate(true);
 }
 
 static void twistView()

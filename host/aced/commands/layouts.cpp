@@ -1,0 +1,135 @@
+// Commands that switch between model space, layouts and the viewports of layouts, and named views.
+#include "host/acap/docview.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/support.h"
+#include "host/aced/edspace.h"
+#include "host/aced/edsysvar.h"
+#include "host/aced/edview.h"
+
+#include <array>
+
+namespace hostcommands
+{
+
+// Layouts ----------------------------------------------------------------------------------------------
+
+static void listLayouts()
+{
+    for (const AcDbObjectId block : acdbLayoutBlocks(*acdbCurDwg()))
+        acutPrintf(u'\n' + acdbLayoutName(block));
+}
+
+static void setLayout(const QString &name)
+{
+    if (acedSetVarText(QStringLiteral("CTAB"), name) != RTNORM)
+        acutPrintf(QStringLiteral("\n没有名为“%1”的布局。").arg(name));
+}
+
+static void layout()
+{
+    const auto option =
+        askKeyword(QStringLiteral("Set ?"), QStringLiteral("\n输入布局选项 [置为当前(S)/?] <置为当前>: "),
+                   QStringLiteral("Set"));
+    if (!option)
+        return;
+    if (*option == QLatin1String("?")) {
+        listLayouts();
+        return;
+    }
+    const QString present = acedTextVar(QStringLiteral("CTAB"));
+    const auto name = askText(QStringLiteral("\n输入要置为当前的布局 <%1>: ").arg(present));
+    if (name && !name->isEmpty())
+        setLayout(*name);
+}
+
+static void model()
+{
+    setLayout(QStringLiteral("Model"));
+}
+
+// Viewports --------------------------------------------------------------------------------------------
+
+static bool isSheetShown()
+{
+    const bool sheet = acedShownSpace(*curDoc()) != acdbCurDwg()->modelSpaceId();
+    if (!sheet)
+        acutPrintf(QStringLiteral("\n** 命令不能在“模型”选项卡中使用 **"));
+    return sheet;
+}
+
+/// The first viewport that lets itself be entered.
+static void toModelSpace()
+{
+    if (!isSheetShown() || !curDoc()->enteredViewport().sheet.isNull())
+        return;
+    for (const auto &[number, id] : acapSheetViewports(*acdbCurDwg(), acedShownSpace(*curDoc()))) {
+        if (acedEnterViewport(*curDoc(), number) == Acad::eOk)
+            return;
+    }
+    acutPrintf(QStringLiteral("\n布局中没有可以进入的视口。"));
+}
+
+static void toPaperSpace()
+{
+    if (isSheetShown())
+        acedEnterViewport(*curDoc(), 1);
+}
+
+// Named views ------------------------------------------------------------------------------------------
+
+static void listViews()
+{
+    for (const AcDbObjectId id : AcDbSymbolTable(*acdbCurDwg(), SymbolTable::view).records()) {
+        const AcDbObjectPointer<AcDbSymbolTableRecord> view(id, AcDb::kForRead);
+        if (view)
+            acutPrintf(u'\n' + view->getName());
+    }
+}
+
+static void restoreView(const QString &name)
+{
+    const auto view = acapNamedView(*acdbCurDwg(), name);
+    if (!view) {
+        acutPrintf(QStringLiteral("\n没有名为“%1”的视图。").arg(name));
+        return;
+    }
+    if (view->paperSpace == acedIsModelSpaceCurrent(*curDoc())) {
+        acutPrintf(QStringLiteral("\n视图“%1”属于另一个空间。").arg(name));
+        return;
+    }
+    AcApView &present = curDoc()->view();
+    DocumentMemory::of(curDoc()).earlierViews.push_back(present);
+    present.centre = view->centre;
+    present.height = std::max(view->height, view->width * present.pixelHeight / present.pixelWidth);
+    present.twist = view->twist;
+}
+
+static void view()
+{
+    const auto option =
+        askKeyword(QStringLiteral("Restore ?"), QStringLiteral("\n输入选项 [恢复(R)/?] <恢复>: "),
+                   QStringLiteral("Restore"));
+    if (!option)
+        return;
+    if (*option == QLatin1String("?")) {
+        listViews();
+        return;
+    }
+    const auto name = askText(QStringLiteral("\n输入要恢复的视图名称: "));
+    if (name && !name->isEmpty())
+        restoreView(*name);
+}
+
+std::span<const Entry> layoutCommands()
+{
+    static constexpr std::array entries{
+        Entry{"LAYOUT", ACRX_CMD_NOUNDO, layout},       Entry{"-LAYOUT", ACRX_CMD_NOUNDO, layout},
+        Entry{"MODEL", ACRX_CMD_NOUNDO, model},         Entry{"MSPACE", ACRX_CMD_NOUNDO, toModelSpace},
+        Entry{"PSPACE", ACRX_CMD_NOUNDO, toPaperSpace}, Entry{"VIEW", ACRX_CMD_NOUNDO, view},
+        Entry{"-VIEW", ACRX_CMD_NOUNDO, view},
+    };
+    return entries;
+}
+
+} // namespace hostcommands
