@@ -4,9 +4,13 @@
 #include "quillnote/authoring/mark_layer.h"
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_geometry.h"
+#include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
+#include "quillnote/snapshot/capture.h"
+#include "quillnote/snapshot/full_snapshot_view.h"
+#include "quillnote/snapshot/pending_snapshot.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edfrontend.h"
@@ -95,10 +99,14 @@ AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
     putOnLayer(database, *mark);
     fillSettings(*mark);
     fillSketch(*mark, request.sketchFile);
+    settleMark(*mark, database);
+    storeSnapshot(database, *mark);
     const AcDbObjectId id = append(database, std::move(mark));
     if (id.isNull())
         return {};
     appendState().lastCreatedMark = id;
+    if (recordsFullView())
+        recordFullSnapshot(id);
     if (const Acad::ErrorStatus refused = writeLastMarkNumber(database, number); refused != Acad::eOk)
         acutPrintf(QStringLiteral("\n无法在图中保存评图标签编号：%1").arg(acadErrorStatusText(refused)));
     return id;

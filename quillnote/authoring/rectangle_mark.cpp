@@ -3,6 +3,7 @@
 #include "quillnote/authoring/create_mark.h"
 #include "quillnote/authoring/pick_points.h"
 #include "quillnote/frame/settings/settings.h"
+#include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/ui/mark_editor.h"
 
 #include "host/acap/docman.h"
@@ -10,9 +11,13 @@
 
 void openEditorForRectangle(const AcGePoint3d &a, const AcGePoint3d &b)
 {
+    // Now, because the editor will lie over the drawing.
+    capturePendingSnapshot(a, b);
     const std::optional<MarkEditorValue> answer = runMarkEditor({});
-    if (!answer)
+    if (!answer) {
+        pendingSnapshot().reset();
         return;
+    }
     NewMark request;
     request.corner1 = a;
     request.corner2 = b;

@@ -6,6 +6,7 @@
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
 #include "quillnote/reports/text_report.h"
+#include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edfrontend.h"
@@ -86,7 +87,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, nullptr},
     {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, nullptr},
     {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, nullptr},
-    {"QN3_FullSnapshotView", "QN3_FullSnapView", kModal, {"QN3_FullSnapshotView", "QN3_FullSnapshotView"}, nullptr},
+    {"QN3_FullSnapshotView", "QN3_FullSnapView", kModal, {"QN3_FullSnapshotView", "QN3_FullSnapshotView"}, QN3_FullSnapshotView},
     {"QN3_gotoWWW", "QN3_gotoWWW", kModal, kAsNamed, QN3_gotoWWW},
     {"QN3_HelpOnline", "QN3_HelpOnline", kModal, kAsNamed, QN3_HelpOnline},
     {"ptbq0", "ptbqMenu0", kModal, kNotRecorded, ptbq0},

@@ -12,6 +12,8 @@
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 #include "quillnote/frame/verbs.h"
+#include "quillnote/snapshot/pending_snapshot.h"
+#include "quillnote/snapshot/snapshot_viewer.h"
 #include "quillnote/ui/ask_password.h"
 
 #include "host/aced/edcommands.h"
@@ -58,6 +60,7 @@ static void resetState()
     passwordState().reset();
     markDrawingState().reset();
     appendState().reset();
+    pendingSnapshot().reset();
     startUpSettings().reset();
 }
 
@@ -81,6 +84,8 @@ static void initialise(void *packet)
 static void unload()
 {
     deleteReactors();
+    closeSnapshotViewers();
+    pendingSnapshot().reset();
     removeVerbs();
     acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
     removePasswordPrompt();

@@ -2,6 +2,7 @@
 
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_fields.h"
+#include "quillnote/reports/mark_pictures.h"
 #include "quillnote/reports/report_file.h"
 #include "quillnote/reports/text_report.h"
 
@@ -11,6 +12,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <optional>
+
+static const QString kPictures = QStringLiteral("--pictures");
+static const QString kOverwrite = QStringLiteral("-f");
 
 static QString asJson(const QJsonObject &object)
 {
@@ -34,12 +40,23 @@ static QString asLine(const QJsonObject &place, const std::vector<std::pair<QStr
     return line + QLatin1Char('\n');
 }
 
+static std::optional<MarkPictureWriter> pictureWriter(const AcEdVerbCall &call)
+{
+    const auto folder = call.options.find(kPictures);
+    if (folder == call.options.end())
+        return {};
+    return MarkPictureWriter(folder->second, call.has(kOverwrite));
+}
+
 static int listMarks(const AcEdVerbCall &call)
 {
+    std::optional<MarkPictureWriter> pictures = pictureWriter(call);
+    bool written = true;
     for (const AcDbObjectId id : collectMarks(*acdbCurDwg()).ids) {
         AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
         if (!mark)
             continue;
+        written = (!pictures || pictures->write(*mark)) && written;
         QJsonObject place{{QStringLiteral("handle"), QString::number(id.handle().value, 16).toUpper()},
                           {QStringLiteral("layout"), acdbLayoutName(mark->blockId())},
                           {QStringLiteral("layer"), mark->layer()}};
@@ -53,15 +70,17 @@ static int listMarks(const AcEdVerbCall &call)
             place.insert(name, value);
         acedPrintResult(asJson(place));
     }
-    return 0;
+    return written ? 0 : 2;
 }
 
 AcEdVerb marksVerb()
 {
-    return {QStringLiteral("marks"),
-            QStringLiteral("List the review marks with all their fields."),
-            {},
-            listMarks};
+    return {
+        QStringLiteral("marks"),
+        QStringLiteral("List the review marks with all their fields."),
+        {{kPictures, QStringLiteral("DIR"), QStringLiteral("Write the stored pictures into this folder.")},
+         {kOverwrite, {}, QStringLiteral("Let --pictures overwrite.")}},
+        listMarks};
 }
 
 static int report(const AcEdVerbCall &call)

@@ -1,4 +1,5 @@
-// Console verbs of this folder: "marks" lists every filed field, "report" writes the text report.
+// Console verbs of this folder: "marks" lists every filed field and writes the stored pictures, "report"
+// writes the text report.
 #pragma once
 
 #include "host/aced/edverbs.h"

@@ -1,0 +1,67 @@
+// Claim: the fingerprint of a target costs what the entities in it cost, whatever the drawing holds around
+// them. The bound is reading the groups of the same entities.
+//
+// usage: bench_fingerprint DRAWING.dxf (bench/make_drawing.py makes one of a million entities)
+#include "bench/stopwatch.h"
+#include "host/acap/docman.h"
+#include "host/acgi/gidraw.h"
+#include "host/acgi/gispatialindex.h"
+#include "quillnote/snapshot/fingerprint.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <random>
+
+static constexpr int kTargets = 1000;
+
+/// Rectangles as checkers draw them, all over the drawing.
+static std::vector<AcDbExtents> targets(const AcDbExtents &drawing)
+{
+    const AcGeVector3d size = drawing.maxPoint() - drawing.minPoint();
+    std::mt19937 numbers(7);
+    std::uniform_real_distribution<double> share(0.05, 0.95);
+    std::vector<AcDbExtents> all;
+    for (int i = 0; i < kTargets; ++i) {
+        const AcGePoint3d corner =
+            drawing.minPoint() + AcGeVector3d(size.x * share(numbers), size.y * share(numbers), 0);
+        all.emplace_back(corner, corner + AcGeVector3d(size.x, size.y, 0) * 0.006);
+    }
+    return all;
+}
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: bench_fingerprint DRAWING.dxf\n");
+        return 2;
+    }
+    acgiInstall();
+    const auto opened = acDocManager()->openDocument(QString::fromLocal8Bit(argv[1]));
+    if (!opened) {
+        std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
+        return 2;
+    }
+    const AcDbDatabase &database = *opened.value()->database();
+    AcDbExtents extents;
+    const double indexed = bench::seconds(
+        [&] { extents = acgiSpatialIndex(*opened.value()->database()).extents(database.modelSpaceId()); });
+
+    std::vector<AcDbObjectId> touched;
+    const double taken = bench::seconds([&] {
+        for (const AcDbExtents &target : targets(extents)) {
+            const TargetFingerprint print = computeTargetFingerprint(target.minPoint(), target.maxPoint());
+            touched.insert(touched.end(), print.ids.begin(), print.ids.end());
+        }
+    });
+    std::size_t groups = 0;
+    const double reading = bench::seconds([&] {
+        for (const AcDbObjectId id : touched)
+            groups += database.fileGroups(*id.stub()).size();
+    });
+    std::printf("index %.2f s\n", indexed);
+    std::printf("%d fingerprints of %zu entities %.3f s (%.1f us an entity)\n", kTargets, touched.size(),
+                taken, taken / double(touched.size()) * 1e6);
+    std::printf("reading their %zu groups %.3f s, ratio %.1f\n", groups, reading, taken / reading);
+}

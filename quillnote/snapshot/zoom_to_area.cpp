@@ -1,0 +1,43 @@
+#include "quillnote/snapshot/zoom_to_area.h"
+
+#include "quillnote/frame/settings/settings.h"
+
+#include "host/aced/edview.h"
+
+AcDbExtents widenedArea(const AcDbExtents &area)
+{
+    const double share = settings::numberInRange(u"viewScale2", 10, 90, 20) / 100.0;
+    const AcGeVector3d size = area.maxPoint() - area.minPoint();
+    const AcGeVector3d margin(size.x * share, size.y * share, 0);
+    return {area.minPoint() - margin, area.maxPoint() + margin};
+}
+
+static bool isVisible(const AcDbExtents &seenArea, const AcApView &view)
+{
+    const AcGePoint3d centre = acedViewFrame(view) * view.centre;
+    const AcGeVector3d half(view.width() / 2, view.height / 2, 0);
+    return AcDbExtents(centre - half, centre + half).containsInPlane(seenArea);
+}
+
+void zoomToArea(const AcDbExtents &area, AcDbObjectId layout, ZoomWhen when)
+{
+    const AcApDocument *const document = curDoc();
+    if (!document || !area.isValid())
+        return;
+    const AcApView &view = document->view();
+    const bool isHere = layout.isNull() || layout == document->database()->currentSpaceId();
+    AcDbExtents seen = area;
+    seen.transformBy(acedViewFrame(view));
+    if (when == ZoomWhen::ifOutside && isHere && isVisible(seen, view))
+        return;
+    const AcDbExtents widened = widenedArea(seen);
+    const AcGeVector3d size = widened.maxPoint() - widened.minPoint();
+    AcEdViewRecord record;
+    record.centre = widened.minPoint() + size * 0.5;
+    record.width = size.x;
+    record.height = size.y;
+    record.twist = view.twist;
+    if (!isHere)
+        record.layout = layout;
+    acedSetCurrentView(record);
+}

@@ -1,0 +1,131 @@
+// Fingerprints: the text that is counted, the sum, and what changes them in a drawing.
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_record.h"
+#include "quillnote/snapshot/fingerprint.h"
+
+#include "host/acdb/dbsymtb.h"
+#include "host/acgi/gidraw.h"
+#include "tests/support/memory_drawing.h"
+#include "tests/support/script_front_end.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+
+TEST(FingerprintText, WritesEachGroupByItsCode)
+{
+    const ResbufList data{{-1, AcDbObjectId()},
+                          {0, QStringLiteral("LINE")},
+                          {330, AcDbObjectId()},
+                          {5, QStringLiteral("2A")},
+                          {100, QStringLiteral("AcDbEntity")},
+                          {67, std::int64_t(0)},
+                          {410, QStringLiteral("Model")},
+                          {8, resbuf::Value()},
+                          {62, std::int64_t(3)},
+                          {10, AcGePoint3d(0.0000001, -1234567, 1e100)},
+                          {11, AcGePoint2d(1.5, 2)},
+                          {18, AcGePoint3d()},
+                          {39, 0.1234567},
+                          {70, std::int64_t(65535)},
+                          {80, std::int64_t(1)},
+                          {90, std::int64_t(4294967295)},
+                          {1001, QStringLiteral("APP")}};
+    EXPECT_EQ(fingerprintText(data),
+              QStringLiteral("(0,\"LINE\")(5,\"2A\")(67,0)(8,(NULL))"
+                             "(10,(1e-007, -1.23457e+006, 1e+100))(11,(1.5, 2, 0))"
+                             "(18,*Unknown*)(39,0.123457)(70,-1)(80,*Unknown*)(90,-1)"));
+}
+
+TEST(FingerprintSum, AddsCodeUnitsAndWraps)
+{
+    EXPECT_EQ(fingerprintSum(QStringLiteral("AB")), 131);
+    EXPECT_EQ(fingerprintSum(QStringLiteral("BA"), 1), 132);
+    EXPECT_EQ(fingerprintSum(QStringLiteral("\u95E8")), 0x95E8);
+    // 40000 x 65535 = 2621400000, which is 2^32 - 1673567296.
+    EXPECT_EQ(fingerprintSum(QString(40000, QChar(0xFFFF))), -1673567296);
+}
+
+struct FingerprintTest : testing::Test {
+    FingerprintTest()
+    {
+        acgiInstall();
+        registerMarkClass();
+        tests::MemoryDrawing memory;
+        memory.layer("FROZEN", {.flags = 1});
+        line = memory.entity("LINE",
+                             {{100, "AcDbLine"}, {10, AcGePoint3d(0, 5, 0)}, {11, AcGePoint3d(50, 5, 0)}});
+        circle = memory.entity("CIRCLE", {{100, "AcDbCircle"}, {10, AcGePoint3d(5, 5, 0)}, {40, 1.0}});
+        memory.entity("POINT", {{8, "FROZEN"}, {100, "AcDbPoint"}, {10, AcGePoint3d(5, 5, 0)}});
+        memory.entity("CIRCLE", {{100, "AcDbCircle"}, {10, AcGePoint3d(40, 40, 0)}, {40, 1.0}});
+        drawing = std::make_unique<tests::OpenDrawing>(memory.open());
+    }
+    ~FingerprintTest() override
+    {
+        drawing.reset();
+        unregisterMarkClass();
+    }
+    TargetFingerprint taken(double x = 10, double y = 10) const
+    {
+        return computeTargetFingerprint({}, AcGePoint3d(x, y, 0));
+    }
+    void change(std::uint64_t entity, int code, resbuf::Value value) const
+    {
+        AcDbObjectPointer<AcDbEntity> opened(drawing->id(entity), AcDb::kForWrite);
+        ASSERT_TRUE(opened);
+        ResbufList &groups = opened->editGroups();
+        if (resbuf *const group = findGroup(groups, code))
+            group->assign(std::move(value));
+        else
+            groups.insert(groups.begin() + std::ptrdiff_t(subclassBegin(groups, u"AcDbEntity")),
+                          {code, std::move(value)});
+    }
+    std::unique_ptr<tests::OpenDrawing> drawing;
+    std::uint64_t line = 0;
+    std::uint64_t circle = 0;
+};
+
+TEST_F(FingerprintTest, CountsWhatCrossesTheTargetButNoMarks)
+{
+    const TargetFingerprint before = taken();
+    EXPECT_THAT(before.ids, ElementsAre(drawing->id(circle), drawing->id(line)));
+    EXPECT_TRUE(before.checksum.startsWith(QStringLiteral("SUM=")));
+    {
+        auto mark = std::make_unique<QuillnoteObj3>();
+        mark->targetCorner2 = {9, 9, 0};
+        AcDbObjectPointer<AcDbBlockTableRecord> space(drawing->database().modelSpaceId(), AcDb::kForWrite);
+        AcDbObjectId id;
+        ASSERT_EQ(space->appendAcDbEntity(id, mark.get()), Acad::eOk);
+        mark.release()->close();
+    }
+    EXPECT_EQ(taken().checksum, before.checksum);
+    const TargetFingerprint nothing = computeTargetFingerprint({100, 100, 0}, {110, 110, 0});
+    EXPECT_FALSE(nothing.isFound());
+    EXPECT_EQ(nothing.checksum, QString());
+}
+
+TEST_F(FingerprintTest, TellsChangesButOfColour)
+{
+    const QString before = taken().checksum;
+    change(line, 62, std::int64_t(1));
+    EXPECT_EQ(taken().checksum, before);
+    change(line, 62, std::int64_t(256));
+    EXPECT_EQ(taken().checksum, before);
+    change(circle, 210, AcGePoint3d(0, 0, 1)); // The default, said.
+    EXPECT_EQ(taken().checksum, before);
+
+    change(line, 8, QStringLiteral("WALLS"));
+    const QString otherLayer = taken().checksum;
+    EXPECT_NE(otherLayer, before);
+    change(line, 11, AcGePoint3d(60, 5, 0));
+    EXPECT_NE(taken().checksum, otherLayer);
+    AcDbObjectPointer<AcDbEntity>(drawing->id(circle), AcDb::kForWrite)->erase();
+    EXPECT_EQ(taken().ids.size(), 1U);
+}
+
+TEST_F(FingerprintTest, CornersAreOfTheWorldWhateverTheUcs)
+{
+    const QString before = taken().checksum;
+    drawing->document().ucs().origin = {1000, 0, 0};
+    EXPECT_EQ(taken().checksum, before);
+}
