@@ -57,46 +57,63 @@ static void noteMissing(AcDbObjectId record, const QString &name, AcGiGeometry &
     });
 }
 
-static AcGeMatrix3d matrixOf(std::span<const double> rows)
+/// The outline of an inverted clip, which a record beside the filter keeps: the filter itself has an
+/// imitation for programs that know no inverted ones.
+static AcGiLoop invertedBoundary(const AcDbObject &filter)
 {
-    AcGeMatrix3d matrix;
-    for (std::size_t i = 0; i < 12; ++i)
-        matrix.entry[i / 4][i % 4] = rows[i];
-    return matrix;
+    AcGiLoop points;
+    readObject(dictionaryEntry(filter.extensionDictionary(), QStringLiteral("ACAD_XREC_ROUNDTRIP")),
+               [&](const AcDbObject &record) {
+                   bool inside = false;
+                   for (const resbuf &group : EntityGroups(record, u"AcDbXrecord")) {
+                       if (group.restype == 102)
+                           inside = group.text() == QLatin1String("ACAD_INVERTEDCLIP_ROUNDTRIP");
+                       else if (inside && group.restype == 10)
+                           points.push_back(group.point());
+                   }
+               });
+    return points;
 }
 
 // The boundary stands in the coordinates of the space as the insert was when it was clipped; the inverse of
-// the insert's placement at that time brings it into the block. An inverted clip is a boundary around the
-// block with a slit to the inner outline, so the even-odd rule serves both.
-AcGiLoop insertClip(const AcDbEntity &insert)
+// the insert's placement at that time brings it into the block.
+static InsertClip readClip(const AcDbObject &filter)
 {
-    AcGiLoop clip;
-    const AcDbObjectId filters = insert.extensionDictionary();
-    if (filters.isNull())
-        return clip;
-    readObject(dictionaryEntry(filters, QStringLiteral("ACAD_FILTER"), QStringLiteral("SPATIAL")),
-               [&](const AcDbObject &filter) {
-                   const EntityGroups groups(filter, u"AcDbSpatialFilter");
-                   std::vector<double> entries;
-                   for (const resbuf &group : groups) {
-                       if (group.restype == 40)
-                           entries.push_back(group.real());
-                   }
-                   // With a front clip the distance comes first.
-                   constexpr std::size_t kMatrices = 24;
-                   if (groups.integer(71, 1) == 0 || entries.size() < kMatrices)
-                       return;
-                   const auto matrices = std::span(entries).last(kMatrices);
-                   clip = groups.points(10);
-                   if (clip.size() == 2)
-                       clip = {clip[0], {clip[1].x, clip[0].y, 0.0}, clip[1], {clip[0].x, clip[1].y, 0.0}};
-                   const AcGeMatrix3d toBlock =
-                       matrixOf(matrices.first(12)) * AcGeMatrix3d::planeToWorld(groups.normal());
-                   for (AcGePoint3d &corner : clip)
-                       corner.transformBy(toBlock);
-               });
-    if (clip.size() < 3)
-        clip.clear();
+    const EntityGroups groups(filter, u"AcDbSpatialFilter");
+    std::vector<double> entries;
+    for (const resbuf &group : groups) {
+        if (group.restype == 40)
+            entries.push_back(group.real());
+    }
+    constexpr std::size_t kMatrices = 24; // With a front clip its distance comes before them.
+    if (groups.integer(71, 1) == 0 || entries.size() < kMatrices)
+        return {};
+    AcGeMatrix3d toBlock;
+    const auto inverse = std::span(entries).last(kMatrices).first(12);
+    for (std::size_t i = 0; i < inverse.size(); ++i)
+        toBlock.entry[i / 4][i % 4] = inverse[i];
+    InsertClip clip{invertedBoundary(filter), true};
+    if (clip.boundary.size() < 2)
+        clip = {groups.points(10), false};
+    AcGiLoop &corners = clip.boundary;
+    if (corners.size() == 2)
+        corners = {
+            corners[0], {corners[1].x, corners[0].y, 0.0}, corners[1], {corners[0].x, corners[1].y, 0.0}};
+    if (corners.size() < 3)
+        return {};
+    const AcGeMatrix3d matrix = toBlock * AcGeMatrix3d::planeToWorld(groups.normal());
+    for (AcGePoint3d &corner : corners)
+        corner.transformBy(matrix);
+    return clip;
+}
+
+InsertClip insertClip(const AcDbEntity &insert)
+{
+    InsertClip clip;
+    const AcDbObjectId extensions = insert.extensionDictionary();
+    if (!extensions.isNull())
+        readObject(dictionaryEntry(extensions, QStringLiteral("ACAD_FILTER"), QStringLiteral("SPATIAL")),
+                   [&](const AcDbObject &filter) { clip = readClip(filter); });
     return clip;
 }
 
@@ -116,13 +133,13 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
     reference.rows = int(std::clamp<std::int64_t>(groups.integer(71, 1), 1, kMostRepetitions));
     reference.columnStep = turned * AcGeVector3d(groups.real(44), 0.0, 0.0);
     reference.rowStep = turned * AcGeVector3d(0.0, groups.real(45), 0.0);
-    AcGiLoop clip = insertClip(entity);
-    for (AcGePoint3d &corner : clip)
+    InsertClip clip = insertClip(entity);
+    for (AcGePoint3d &corner : clip.boundary)
         corner.transformBy(reference.placement);
-    if (!clip.empty())
-        sink.pushClip(std::span(&clip, 1), false);
+    if (!clip.boundary.empty())
+        sink.pushClip(std::span(&clip.boundary, 1), clip.inverted);
     drawReference(reference, sink);
-    if (!clip.empty())
+    if (!clip.boundary.empty())
         sink.popClip();
     noteMissing(reference.record, groups.text(2), sink);
     drawAttributes(entity, sink);

@@ -11,7 +11,11 @@ namespace acgi
 AcDbObjectId namedBlock(const AcDbEntity &entity, const EntityGroups &groups);
 /// Draws all instances; nothing for a null record.
 void drawReference(const AcGiBlockPlacement &reference, AcGiGeometry &sink);
-/// The boundary that an insert is clipped by, in block coordinates; empty: none, or switched off.
-AcGiLoop insertClip(const AcDbEntity &insert);
+/// What an insert is clipped by.
+struct InsertClip {
+    AcGiLoop boundary;     ///< Block coordinates; empty: none, or switched off.
+    bool inverted = false; ///< What lies outside shows.
+};
+InsertClip insertClip(const AcDbEntity &insert);
 
 } // namespace acgi
