@@ -163,4 +163,5 @@ void acgiInstall()
 {
     acdbSetNativeExtents(
         [](const AcDbEntity &entity, AcDbExtents &extents) { return acgiExtents(entity, extents); });
+    acdbSetProxyGraphics(acgiMakeProxyGraphics);
 }

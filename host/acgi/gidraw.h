@@ -17,5 +17,6 @@ void acgiDrawBlock(AcDbObjectId blockRecord, AcGiGeometry &sink);
 /// The base point of a block definition.
 AcGePoint3d acgiBlockOrigin(AcDbObjectId blockRecord);
 
-/// Gives native entities their extents; to be called once, before drawings are used.
+/// Gives native entities their extents and custom ones their proxy graphics; to be called once, before
+/// drawings are used.
 void acgiInstall();
