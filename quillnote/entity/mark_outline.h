@@ -28,10 +28,10 @@ MarkCorners textBoxCorners(const QuillnoteObj3 &mark);
 /// What the outlines depend on. outlineRecord() takes it from a mark; a layout that changes corners, or a
 /// jig that has no mark yet, changes or fills it.
 struct OutlineRecord {
-    MarkCorners target;
-    MarkCorners textBox;
+    MarkCorners target{};
+    MarkCorners textBox{};
     AcGeVector3d xDirection = AcGeVector3d::kXAxis;
-    std::span<const AcGePoint3d> vertices; ///< Of polygon and spline marks; whose they are outlives this.
+    std::span<const AcGePoint3d> vertices{}; ///< Of polygon and spline marks; whose they are outlives this.
     int displayMode = 0;
     bool enlarged = false; ///< The mark's own outline code is negative: ellipses are a quarter larger.
     int color1 = 2;        ///< The mark's own colours.
@@ -69,9 +69,9 @@ struct MarkOutline {
 
 /// The view and the settings that outlines are drawn for.
 struct OutlineView {
-    double drawUnit = 1.0;   ///< World length of 15 pixels, or a thirtieth of the target's diagonal on plots.
-    AcGeMatrix3d worldToEye; ///< The thin ellipse is level as seen.
-    MarkDrawingSettings settings;
+    double drawUnit = 1.0; ///< World length of 15 pixels, or a thirtieth of the target's diagonal on plots.
+    AcGeMatrix3d worldToEye{}; ///< The thin ellipse is level as seen.
+    MarkDrawingSettings settings{};
 };
 
 /// `style` as drawnTargetStyle() gives it; codes without outline and targets too small to show give an empty

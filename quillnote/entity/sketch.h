@@ -33,8 +33,8 @@ struct CanvasPoint {
 
 struct Stroke {
     std::int32_t kind = 0;
-    CanvasPoint from; ///< Two points of a line, two opposite corners of the other kinds.
-    CanvasPoint to;
+    CanvasPoint from{}; ///< Two points of a line, two opposite corners of the other kinds.
+    CanvasPoint to{};
     std::uint32_t rgb = 0; ///< 0x00RRGGBB
     std::int32_t penWidth = 0;
 
@@ -48,7 +48,7 @@ struct Stroke {
 struct Sketch {
     std::int32_t width = 1; ///< Of the canvas, in pixels; at least 1.
     std::int32_t height = 1;
-    std::vector<Stroke> strokes;
+    std::vector<Stroke> strokes{};
     friend bool operator==(const Sketch &, const Sketch &) = default;
 };
 

@@ -1,0 +1,88 @@
+// Where leaders end on targets of every kind, in plain and in twisted views.
+#include "quillnote/entity/leader_attachment.h"
+
+#include <gtest/gtest.h>
+
+static void expectNear(const std::optional<AcGePoint3d> &found, const AcGePoint3d &wanted)
+{
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(found->isEqualTo(wanted, 1e-9)) << found->x << ' ' << found->y << ' ' << found->z;
+}
+
+static OutlineRecord target(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
+{
+    OutlineRecord mark;
+    mark.target.corner1 = corner1;
+    mark.target.corner2 = corner2;
+    return mark;
+}
+
+TEST(LeaderAttachment, RectanglesOfferTwelvePoints)
+{
+    const OutlineRecord mark = target({0, 0, 0}, {30, 60, 0});
+    const auto attached = [&](const AcGePoint3d &from) { return attachLeaders(2, 2, mark, true, from, {}); };
+    expectNear(attached({0, -9, 0}), {6, 0, 0});
+    expectNear(attached({11, -9, 0}), {10, 0, 0});
+    expectNear(attached({99, -9, 0}), {30, 12, 0});
+    expectNear(attached({15, 90, 0}), {15, 60, 0});
+    expectNear(attached({-9, 19, 0}), {0, 20, 0});
+    expectNear(attached({12.5, -9, 0}), {10, 0, 0}); // As near as the middle, and asked before.
+    expectNear(attachLeaders(2, 6, mark, true, {11, -9, 0}, {}), {15, 0, 0});
+    expectNear(attachLeaders(2, 6, mark, true, {-99, 30, 0}, {}), {0, 30, 0});
+    EXPECT_FALSE(attachLeaders(0, 0, mark, true, {99, 0, 0}, {})) << "no outline";
+    EXPECT_FALSE(attachLeaders(2, 2, mark, false, {99, 0, 0}, {})) << "no leader";
+}
+
+TEST(LeaderAttachment, SidesAreThoseOfTheView)
+{
+    // A quarter turn: the world's x runs upwards on the screen.
+    const AcGeMatrix3d twist = AcGeMatrix3d::rotation(kGePi / 2, AcGeVector3d::kZAxis);
+    const OutlineRecord mark = target({30, 0, 0}, {0, 60, 0});
+    // The lower side as seen is x = 0, with its left end at y = 60.
+    expectNear(attachLeaders(2, 2, mark, true, {-9, 60, 0}, twist), {0, 48, 0});
+    expectNear(attachLeaders(3, 3, mark, true, {-9, 60, 0}, twist), {0, 30, 0});
+}
+
+TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)
+{
+    // A square with a deep notch from the right; its first vertex comes twice.
+    const std::array<AcGePoint3d, 6> notched{
+        {{0, 0, 0}, {0, 0, 0}, {10, 0, 0}, {6, 5, 0}, {10, 10, 0}, {0, 10, 0}}};
+    OutlineRecord mark;
+    mark.vertices = notched;
+    const AcGePoint3d middle(26.0 / 5, 5, 0);
+    expectNear(attachLeaders(51, 51, mark, true, {99, 5, 0}, {}), {6, 5, 0});
+    expectNear(attachLeaders(53, 53, mark, true, {-10, 5, 0}, {}), {0, 5, 0});
+    EXPECT_FALSE(attachLeaders(51, 51, mark, true, {3, 5, 0}, {})) << "the reference point is inside";
+    EXPECT_FALSE(attachLeaders(51, 51, mark, true, middle, {}));
+
+    const std::array<AcGePoint3d, 4> square{{{10, 0, 0}, {0, 10, 0}, {-10, 0, 0}, {0, -10, 0}}};
+    mark.vertices = square;
+    const auto end = attachLeaders(52, 52, mark, true, {30, 40, 0}, {});
+    ASSERT_TRUE(end);
+    EXPECT_NEAR(end->x * 40, end->y * 30, 1e-7) << "on the line";
+    double off = 1e9;
+    const AcGeFitSpline3d spline = *closedSpline(square);
+    for (int i = 0; i < 20'000; ++i)
+        off = std::min(off, end->distanceTo(spline.getPointAtParam(*spline.getEndParam() * i / 20'000)));
+    EXPECT_LT(off, 2e-3) << "on the curve";
+
+    mark.vertices = std::span(square).first(1);
+    EXPECT_FALSE(attachLeaders(51, 51, mark, true, {99, 5, 0}, {}));
+}
+
+TEST(LeaderAttachment, EndsSnapToBumps)
+{
+    std::vector<WaveBump> bumps;
+    waveAlongSegment(bumps, {0, 0, 0}, {30, 0, 0}, 10.0);
+    WaveMiddles middles;
+    middles.add(bumps);
+    const AcGePoint3d first = waveMiddle(bumps[0]);
+    const AcGePoint3d second = waveMiddle(bumps[1]);
+    EXPECT_EQ(snapLeaderEnd({0, -5, 0}, middles), first);
+    EXPECT_EQ(snapLeaderEnd(first + AcGeVector3d(6, 0, 0), middles), second) << "the next one is nearer";
+    EXPECT_EQ(snapLeaderEnd({40, 5, 0}, middles), AcGePoint3d(40, 5, 0));
+    const AcGePoint3d atLast = waveMiddle(bumps[2]) + AcGeVector3d(4, 0, 0);
+    EXPECT_EQ(snapLeaderEnd(atLast, middles), atLast) << "the last bump is not asked";
+    EXPECT_EQ(snapLeaderEnd(first, WaveMiddles()), first);
+}

@@ -1,0 +1,255 @@
+// Outlines of targets and text boxes: sizes, colours, what is too small to show, what settings impose.
+#include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_outline.h"
+#include "quillnote/entity/mark_record.h"
+
+#include "tests/support/recorder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace
+{
+
+MarkCorners rectangle(double width, double height)
+{
+    return {.corner1 = {0, 0, 0},
+            .corner2 = {width, height, 0},
+            .corner3 = {0, height, 0},
+            .corner4 = {width, 0, 0}};
+}
+
+OutlineRecord rectangleMark(double width, double height)
+{
+    OutlineRecord mark;
+    mark.target = mark.textBox = rectangle(width, height);
+    return mark;
+}
+
+MarkOutline outlineOf(const OutlineRecord &mark, int style, const OutlineView &view = {})
+{
+    MarkOutline outline;
+    targetOutline(mark, view, style, outline);
+    return outline;
+}
+
+MarkOutline frameOf(const OutlineRecord &mark, int flagStyle, const OutlineView &view = {})
+{
+    MarkOutline outline;
+    textBoxFrame(mark, view, flagStyle, outline);
+    return outline;
+}
+
+QStringList drawn(const MarkOutline &outline)
+{
+    tests::Recorder recorder;
+    recorder.withPen = true;
+    drawOutline(outline, AcGiCommonDraw(recorder, kAcGiStandardDisplay));
+    return recorder.lines;
+}
+
+std::size_t bumpsAlong(const MarkOutline &outline, bool upright)
+{
+    return std::size_t(std::ranges::count_if(outline.bumps, [&](const WaveBump &bump) {
+        return (std::abs(bump.a.x - bump.b.x) < 1e-9) == upright;
+    }));
+}
+
+} // namespace
+
+TEST(MarkOutline, WaveRectanglesHaveOneSpacingOnAllSides)
+{
+    const MarkOutline wide = outlineOf(rectangleMark(20, 10), 5);
+    EXPECT_FALSE(wide.thinWaves);
+    EXPECT_EQ(bumpsAlong(wide, false), 26u) << "20 by a fifteenth of the diagonal is 13.4";
+    EXPECT_EQ(bumpsAlong(wide, true), 14u);
+    for (const WaveBump &bump : wide.bumps) {
+        const AcGePoint3d middle = waveMiddle(bump);
+        EXPECT_FALSE(middle.x > 0 && middle.x < 20 && middle.y > 0 && middle.y < 10) << "bulges inwards";
+    }
+    const MarkOutline flat = outlineOf(rectangleMark(30, 0.9), 2);
+    EXPECT_TRUE(flat.thinWaves);
+    EXPECT_EQ(bumpsAlong(flat, true), 0u) << "sides shorter than half the spacing";
+    EXPECT_EQ(bumpsAlong(flat, false), 30u);
+}
+
+TEST(MarkOutline, SmallTargetsDisappear)
+{
+    const OutlineRecord mark = rectangleMark(3, 4);
+    struct Row {
+        int style;
+        double shown;
+        double hidden;
+    };
+    for (const Row &row : {Row{1, 5, 5.01}, Row{2, 10, 10.01}, Row{3, 5, 5.01}, Row{4, 5, 5.01},
+                           Row{5, 10, 10.01}, Row{6, 5, 5.01}}) {
+        EXPECT_FALSE(outlineOf(mark, row.style, {.drawUnit = row.shown}).isEmpty()) << row.style;
+        EXPECT_TRUE(outlineOf(mark, row.style, {.drawUnit = row.hidden}).isEmpty()) << row.style;
+    }
+    for (const int style : {0, 7, 49, 50, 55})
+        EXPECT_TRUE(outlineOf(mark, style).isEmpty()) << style;
+}
+
+TEST(MarkOutline, BevelledRectangle)
+{
+    OutlineRecord mark = rectangleMark(10, 10);
+    const QStringList lines = drawn(outlineOf(mark, 4, {.drawUnit = 3}));
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0], u"2 fill [(-0.332 0.707)(-0.332 10.332)(9.293 10.332)(9.293 11.082)"
+                        "(-1.082 11.082)(-1.082 0.707)]");
+    EXPECT_EQ(lines[1], u"5 fill [(0.707 -1.082)(11.082 -1.082)(11.082 9.293)(10.332 9.293)"
+                        "(10.332 -0.332)(0.707 -0.332)]");
+    EXPECT_EQ(lines[2], u"2 polyline (0 0) (10 0) (10 10) (0 10) (0 0)");
+    mark.displayMode = 1;
+    EXPECT_TRUE(outlineOf(mark, 4, {.drawUnit = 3}).isEmpty());
+}
+
+TEST(MarkOutline, ThinEllipseIsLevelAsSeen)
+{
+    OutlineRecord mark = rectangleMark(0, 0);
+    mark.target.corner2 = {0, 10, 0};
+    const OutlineView twisted{.drawUnit = 1.0,
+                              .worldToEye = AcGeMatrix3d::rotation(kGePi / 4, AcGeVector3d::kZAxis)};
+    const MarkOutline outline = outlineOf(mark, 1, twisted);
+    ASSERT_EQ(outline.points.size(), 72u);
+    // Seen from the turned head the diagonal spans a square of 7.07, so the ellipse is a circle.
+    for (const AcGePoint3d &point : outline.points)
+        EXPECT_NEAR(point.distanceTo({0, 5, 0}), 5 / std::sqrt(2.0), 1e-9);
+    EXPECT_EQ(outline.pieces.at(0).kind, OutlinePiece::closedLines);
+
+    mark.enlarged = true;
+    EXPECT_NEAR(outlineOf(mark, 1, twisted).points[0].distanceTo({0, 5, 0}), 6.25 / std::sqrt(2.0), 1e-9);
+    EXPECT_TRUE(drawn(outlineOf(mark, 1, twisted)).at(0).startsWith(QStringLiteral("2 polyline")));
+}
+
+TEST(MarkOutline, WaveEllipse)
+{
+    const MarkOutline outline = outlineOf(rectangleMark(60, 80), 6);
+    // Step 100/16; the perimeter is 220.996 (arithmetic-geometric mean): 35 whole steps, and one more.
+    EXPECT_EQ(outline.bumps.size(), 36u);
+    for (const WaveBump &bump : outline.bumps)
+        EXPECT_NEAR(std::pow((bump.a.x - 30) / 30, 2) + std::pow((bump.a.y - 40) / 40, 2), 1.0, 1e-9);
+    EXPECT_TRUE(outlineOf(rectangleMark(0.001, 80), 6).isEmpty());
+}
+
+TEST(MarkOutline, PolygonsAndSplines)
+{
+    const std::array<AcGePoint3d, 4> vertices{{{0, 0, 0}, {10, 0, 5}, {10, 10, 0}, {0, 10, 0}}};
+    OutlineRecord mark;
+    mark.vertices = std::span(vertices).first(2);
+    for (const int style : {51, 52, 53, 54}) {
+        const MarkOutline open = outlineOf(mark, style, {.drawUnit = 2});
+        EXPECT_EQ(open.bumps.size(), 5u) << "one side only";
+        EXPECT_EQ(open.thinWaves, style >= 53);
+    }
+    mark.vertices = std::span(vertices).first(1);
+    EXPECT_TRUE(outlineOf(mark, 51).isEmpty());
+
+    mark.vertices = vertices;
+    const MarkOutline closed = outlineOf(mark, 51, {.drawUnit = 2});
+    EXPECT_EQ(closed.bumps.size(), 20u);
+    EXPECT_EQ(closed.bumps.back().b, vertices[0]);
+
+    const AcGeFitSpline3d spline = *closedSpline(vertices);
+    const AcGeVector3d start = spline.getFirstDeriv(0.0);
+    EXPECT_NEAR(start.x, std::sqrt(0.5), 1e-12);
+    EXPECT_NEAR(start.y, -std::sqrt(0.5), 1e-12) << "the closing side comes down, the first one goes right";
+    EXPECT_NEAR((spline.getFirstDeriv(40.0) - start).length(), 0.0, 1e-12);
+    EXPECT_GT(outlineOf(mark, 52, {.drawUnit = 2}).bumps.size(), 20u);
+    const std::array<AcGePoint3d, 3> same{};
+    mark.vertices = same;
+    EXPECT_TRUE(outlineOf(mark, 52).isEmpty());
+}
+
+TEST(MarkOutline, GripEditingMakesWavesThin)
+{
+    OutlineRecord mark = rectangleMark(20, 10);
+    mark.textHeight = 2;
+    mark.gripEditing = true;
+    EXPECT_TRUE(outlineOf(mark, 5).thinWaves);
+    EXPECT_TRUE(frameOf(mark, 105).thinWaves);
+    EXPECT_TRUE(drawn(outlineOf(mark, 5)).at(0).startsWith(QStringLiteral("2 arc")));
+}
+
+TEST(TextBoxFrame, Frames)
+{
+    OutlineRecord mark = rectangleMark(40, 10);
+    mark.textHeight = 8;
+    EXPECT_EQ(drawn(frameOf(mark, 100)), QStringList{"2 fill [(0 0)(40 0)(40 -0.25)(0 -0.25)(0 0)]"});
+    EXPECT_EQ(frameOf(mark, 101).bumps.size(), 10u);
+    EXPECT_EQ(drawn(frameOf(mark, 102)), QStringList{"2 polyline (0 0) (40 0) (40 10) (0 10) (0 0)"});
+    EXPECT_EQ(frameOf(mark, 104).bumps.size(), 12u);
+    EXPECT_TRUE(frameOf(mark, 104).thinWaves);
+    EXPECT_FALSE(frameOf(mark, 105).thinWaves);
+    EXPECT_EQ(frameOf(mark, 99).pieces, frameOf(mark, 103).pieces);
+    const QStringList bevel = drawn(frameOf(mark, 103));
+    ASSERT_EQ(bevel.size(), 3);
+    EXPECT_EQ(bevel[0], u"2 polyline (0 0) (40 0) (40 10) (0 10) (0 0)");
+    EXPECT_EQ(bevel[1], u"2 fill [(-1.828 2.828)(-1.828 11.828)(37.172 11.828)(37.172 13.828)"
+                        "(-3.828 13.828)(-3.828 2.828)]");
+    EXPECT_EQ(bevel[2], u"5 fill [(2.828 -3.828)(43.828 -3.828)(43.828 7.172)(41.828 7.172)"
+                        "(41.828 -1.828)(2.828 -1.828)]");
+    mark.displayMode = 1;
+    for (int style = 100; style <= 105; ++style)
+        EXPECT_TRUE(frameOf(mark, style).isEmpty()) << style;
+}
+
+TEST(TextBoxFrame, WithoutTextHeightTheDrawingUnitCounts)
+{
+    const OutlineRecord mark = rectangleMark(40, 10);
+    const OutlineView view{.drawUnit = 8};
+    EXPECT_EQ(drawn(frameOf(mark, 100, view)), QStringList{"2 fill [(0 0)(40 0)(40 -1)(0 -1)(0 0)]"});
+    EXPECT_EQ(frameOf(mark, 101, view).bumps.size(), 10u);
+    EXPECT_EQ(frameOf(mark, 105, view).bumps.size(), 26u) << "2 x 10 and 2 x 3 of half a unit";
+    OutlineRecord same = mark;
+    same.textHeight = 8;
+    EXPECT_EQ(frameOf(mark, 103, view).points, frameOf(same, 103).points);
+}
+
+TEST(MarkDrawingSettings, WhatApplyAllReplaces)
+{
+    MarkDrawingSettings settings{.style = 6, .BKstyle = 104};
+    EXPECT_EQ(drawnTargetStyle(-3, settings), 3);
+    EXPECT_EQ(drawnFlagStyle(100, settings), 100);
+    EXPECT_EQ(drawnFlagStyle(0, settings), 103);
+    EXPECT_EQ(drawnColor1(7, settings, ColorRange::indexes), 7);
+
+    settings.applyAll = true;
+    for (const auto &[own, shown] : {std::pair(1, 6), {49, 6}, {-1, 6}, {-6, 6}, {0, 0}, {50, 50}, {53, 53}})
+        EXPECT_EQ(drawnTargetStyle(own, settings), shown) << own;
+    EXPECT_EQ(drawnFlagStyle(100, settings), 104);
+    settings.BKstyle = 99;
+    EXPECT_EQ(drawnFlagStyle(100, settings), 103);
+    settings.style = 0;
+    EXPECT_EQ(drawnTargetStyle(4, settings), 4) << "no outline is configured, so nothing is replaced";
+    settings.style = -2;
+    EXPECT_EQ(drawnTargetStyle(4, settings), 2);
+
+    settings.color1 = 256;
+    settings.color2 = 30;
+    OutlineRecord mark = rectangleMark(10, 10);
+    const OutlineView view{.drawUnit = 1, .settings = settings};
+    EXPECT_EQ(outlineOf(mark, 2, view).waveColor, 256);
+    EXPECT_EQ(outlineOf(mark, 1, view).pieces.at(0).color, 256);
+    const MarkOutline bevel = outlineOf(mark, 4, view);
+    EXPECT_EQ(bevel.pieces.at(0).color, 2) << "by layer is no colour of bars and rectangles";
+    EXPECT_EQ(bevel.pieces.at(1).color, 30);
+}
+
+TEST(MarkOutline, DrawsAMarkInAView)
+{
+    registerMarkClass();
+    const auto mark = QuillnoteObj3::forReading();
+    mark->targetCorner2 = {10, 10, 0};
+    mark->targetStyle = -1;
+    mark->vertexCount = 99;
+    EXPECT_EQ(outlineRecord(*mark).vertices.size(), 16u);
+    EXPECT_EQ(outlineRecord(*mark).target.corner4, AcGePoint3d(10, 0, 0)) << "completed on the way";
+    tests::Recorder recorder;
+    const AcGiViewport viewport;
+    drawTargetOutline(*mark, {recorder, kAcGiStandardDisplay, viewport}, 1.0, 1);
+    drawTextBoxFrame(*mark, {recorder, kAcGiStandardDisplay, viewport}, 1.0, 102);
+    ASSERT_EQ(recorder.lines.size(), 2);
+    EXPECT_TRUE(recorder.lines[0].startsWith(QStringLiteral("polyline (11.25 5)"))) << qPrintable(recorder.lines[0]);
+}
