@@ -114,7 +114,7 @@ private:
         const AcGiMText text = textOf();
         const bool fromLeft = dogleg.dotProduct(text.along) >= 0.0;
         const std::int64_t attachment = fromLeft ? m_leader.leftAttachment : m_leader.rightAttachment;
-        if (attachment != 5 && attachment != 6 && attachment != 8)
+        if (m_leader.hasFrame || (attachment != 5 && attachment != 6 && attachment != 8))
             return;
         const AcGiMTextBox box = acgiMTextBox(text);
         const double length = m_leader.gap + box.high.x - box.low.x;

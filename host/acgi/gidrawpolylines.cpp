@@ -18,16 +18,15 @@ static bool isWide(std::span<const AcGiVertex> vertices)
 /// With filling off wide segments show their borders.
 static void drawWithoutFill(std::span<const AcGiVertex> vertices, bool closed, AcGiGeometry &sink)
 {
-    std::vector<AcGiVertex> thin(vertices.begin(), vertices.end());
     const std::size_t segments = vertices.size() - (closed ? 0 : 1);
     for (std::size_t i = 0; i < segments; ++i) {
-        AcGiLoop area = wideSegmentArea(vertices, i, closed);
-        if (area.empty()) {
-            const AcGiVertex segment[] = {{thin[i].point, thin[i].bulge},
-                                          {thin[(i + 1) % thin.size()].point}};
-            sink.pline(segment, false);
+        const AcGiVertex &from = vertices[i];
+        if (from.startWidth > 0.0 || from.endWidth > 0.0) {
+            drawClosed(wideSegmentOutline(vertices, i, closed), sink);
+            continue;
         }
-        drawClosed(std::move(area), sink);
+        const AcGiVertex segment[] = {from, vertices[(i + 1) % vertices.size()]};
+        sink.pline(segment, false);
     }
 }
 

@@ -86,9 +86,9 @@ AcGiLoop fitSplineSamples(std::span<const AcGePoint3d> fitPoints, std::optional<
     if (!end)
         return {fitPoints.begin(), fitPoints.end()};
     constexpr std::size_t kMostSamples = 4000;
-    const std::size_t perSpan = std::clamp<std::size_t>(kMostSamples / fitPoints.size(), 1, 16);
+    const std::size_t perSpan = std::clamp<std::size_t>(kMostSamples / fitPoints.size(), 1, 48);
     AcGiLoop samples{fitPoints.front()};
-    double parameter = 0.0; // Runs with the chords, so that the fit points themselves are met.
+    double parameter = 0.0; // Runs with the chords, as the parameter of the spline does.
     for (std::size_t i = 1; i < fitPoints.size(); ++i) {
         const double chord = fitPoints[i - 1].distanceTo(fitPoints[i]);
         if (chord <= kGeTolerance)
@@ -98,7 +98,7 @@ AcGiLoop fitSplineSamples(std::span<const AcGePoint3d> fitPoints, std::optional<
                 spline.getPointAtParam(std::min(parameter + chord * double(step) / double(perSpan), *end)));
         parameter += chord;
     }
-    return samples;
+    return thinned(samples);
 }
 
 static AcGiLoop throughFitPoints(SplineData &data)

@@ -6,8 +6,8 @@
 namespace acgi
 {
 
-/// Points along the spline through fit points, the fit points among them; the fit points alone when no curve
-/// goes through them. Their number is bounded by a multiple of the fit points. Needs at least one point.
+/// Points along the spline through fit points; the fit points alone when no curve goes through them. Their
+/// number is bounded by a multiple of the fit points. Needs at least one point.
 AcGiLoop fitSplineSamples(std::span<const AcGePoint3d> fitPoints, std::optional<AcGeVector3d> startTangent,
                           std::optional<AcGeVector3d> endTangent);
 

@@ -63,7 +63,7 @@ std::vector<AcGePoint3d> NurbsCurve::samples() const
         return {};
     constexpr std::size_t kMostSamples = 2000;
     const std::size_t spans = controlPoints.size() - std::size_t(degree);
-    const std::size_t wanted = degree == 1 ? 1 : 16;
+    const std::size_t wanted = degree == 1 ? 1 : 48;
     const std::size_t perSpan = std::clamp<std::size_t>(kMostSamples / spans, 1, wanted);
     // Curves with more spans than samples skip whole spans.
     const std::size_t stride = std::max<std::size_t>(1, spans / kMostSamples);
@@ -78,7 +78,26 @@ std::vector<AcGePoint3d> NurbsCurve::samples() const
             points.push_back(at(low + (high - low) * double(i) / double(perSpan)));
     }
     points.push_back(at(knots[controlPoints.size()]));
-    return points;
+    return thinned(points);
+}
+
+std::vector<AcGePoint3d> thinned(const std::vector<AcGePoint3d> &chain)
+{
+    constexpr double kTurn = 0.0349; // Two degrees.
+    if (chain.size() < 3)
+        return chain;
+    std::vector<AcGePoint3d> kept{chain.front()};
+    for (std::size_t i = 1; i + 1 < chain.size(); ++i) {
+        const AcGeVector3d before = chain[i] - kept.back();
+        const AcGeVector3d after = chain[i + 1] - chain[i];
+        const AcGeVector3d step = chain[i] - chain[i - 1];
+        const bool turns = before.crossProduct(after).length() > kTurn * std::abs(before.dotProduct(after)) ||
+                           before.dotProduct(after) < 0.0;
+        if (turns || step.x * after.x < 0.0 || step.y * after.y < 0.0)
+            kept.push_back(chain[i]);
+    }
+    kept.push_back(chain.back());
+    return kept;
 }
 
 } // namespace acgi

@@ -25,4 +25,8 @@ private:
     std::size_t spanOf(double parameter) const;
 };
 
+/// A fine chain along a curve without the points that hardly turn it. Ends and the extreme points in x and y
+/// stay.
+std::vector<AcGePoint3d> thinned(const std::vector<AcGePoint3d> &chain);
+
 } // namespace acgi

@@ -139,4 +139,32 @@ AcGiLoop wideSegmentArea(std::span<const AcGiVertex> vertices, std::size_t segme
     return left;
 }
 
+/// Moves the border points of an end to where the borders of two segments meet.
+static void cutCorner(const End &before, const End &after, AcGePoint3d &left, AcGePoint3d &right)
+{
+    bool onLeft = false;
+    const AcGiLoop corner = cornerOf(before, after, onLeft);
+    if (corner.size() != 3)
+        return;
+    const AcGeVector3d outward = corner[1] - before.point;
+    (onLeft ? left : right) = before.point + outward;
+    (onLeft ? right : left) = before.point - outward;
+}
+
+AcGiLoop wideSegmentOutline(std::span<const AcGiVertex> vertices, std::size_t segment, bool closed)
+{
+    const WideSegment wide(vertices, segment);
+    if (!wide.isWide() || !wide.hasLength())
+        return {};
+    AcGiLoop left;
+    AcGiLoop right;
+    wide.addBorders(left, right);
+    if (const auto previous = neighbour(vertices, segment, closed, false))
+        cutCorner(previous->end(), wide.start(), left.front(), right.front());
+    if (const auto next = neighbour(vertices, segment, closed, true))
+        cutCorner(wide.end(), next->start(), left.back(), right.back());
+    left.insert(left.end(), right.rbegin(), right.rend());
+    return left;
+}
+
 } // namespace acgi

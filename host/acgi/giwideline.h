@@ -10,5 +10,7 @@ namespace acgi
 /// meets a wide segment of the same width both areas reach into the corner, up to a limit for sharp ones.
 /// Widths grow evenly along a segment, also along an arc.
 AcGiLoop wideSegmentArea(std::span<const AcGiVertex> vertices, std::size_t segment, bool closed);
+/// The same as an outline to be seen: corners are cut where the borders meet.
+AcGiLoop wideSegmentOutline(std::span<const AcGiVertex> vertices, std::size_t segment, bool closed);
 
 } // namespace acgi
