@@ -5,6 +5,8 @@
 #include "app/console/info_verb.h"
 #include "app/console/menu_verb.h"
 #include "app/console/module_verbs.h"
+#include "app/console/picture_verb.h"
+#include "app/console/plot_verb.h"
 #include "app/console/run_verb.h"
 #include "app/console/settings_verb.h"
 #include "host/base/file_bytes.h"
@@ -45,6 +47,8 @@ struct CommandLine {
     std::vector<std::string> files;
     std::string script, output, key, name, value, file;
     bool json = false, overwrite = false, echo = false, noModule = false;
+    std::string drawing, layout, paper, size, window, background;
+    bool all = false, monochrome = false, lineWeights = false;
     bool asNumber = false, asText = false;
     std::map<QString, std::string> values; ///< Options of a module's verb, by name.
     std::map<QString, bool> switches;
@@ -52,6 +56,16 @@ struct CommandLine {
     CLI::App *addVerb(CLI::App &parent, const std::string &verb, const std::string &help,
                       std::function<int()> run);
     void addFiles(CLI::App &verb) { verb.add_option("FILE", files, "Drawings (DXF)")->required(); }
+    /// Of verbs that make one file of one drawing.
+    void addOneToOne(CLI::App &verb, const std::string &kind)
+    {
+        verb.add_option("FILE", drawing, "Drawing (DXF)")->required();
+        verb.add_option("OUT", output, kind)->required();
+        verb.add_option("--layout", layout, "Layout, or Model; otherwise what the drawing was saved in")
+            ->type_name("NAME");
+        verb.add_flag("-f", overwrite, "Overwrite OUT");
+        addJson(verb);
+    }
     void addJson(CLI::App &verb) { verb.add_flag("--json", json, "Print JSON"); }
 };
 
@@ -98,6 +112,68 @@ void addMenu(CommandLine &line)
                                   [&line] { return printMenus(text(line.file), line.json); });
     verb->add_option("FILE", line.file, "Drawing; a new one without it");
     line.addJson(*verb);
+}
+
+void addPlot(CommandLine &line)
+{
+    CLI::App *verb = line.addVerb(line.app, "plot", "Plot layouts to a PDF file", [&line] {
+        PlotOptions options;
+        options.files = {text(line.drawing)};
+        options.output = text(line.output);
+        options.overwrite = line.overwrite ? Overwrite::yes : Overwrite::no;
+        options.layout = text(line.layout);
+        options.all = line.all;
+        options.paper = text(line.paper);
+        options.monochrome = line.monochrome;
+        options.json = line.json;
+        return writePlot(options);
+    });
+    line.addOneToOne(*verb, "PDF file");
+    verb->add_flag("--all", line.all, "Every paper layout, a page each")->excludes("--layout");
+    verb->add_option("--paper", line.paper, "Paper size (A0 to A4, ANSI_A to ANSI_E, ARCH_A to ARCH_E)")
+        ->type_name("SIZE");
+    verb->add_flag("--monochrome", line.monochrome, "Everything in black");
+}
+
+PictureOptions pictureOptions(const CommandLine &line, const CLI::App &parsed)
+{
+    PictureOptions options;
+    options.files = {text(line.drawing)};
+    options.output = text(line.output);
+    options.overwrite = line.overwrite ? Overwrite::yes : Overwrite::no;
+    options.size = text(line.size);
+    options.window = text(line.window);
+    options.layout = text(line.layout);
+    options.background = text(line.background);
+    options.lineWeights = line.lineWeights;
+    options.json = line.json;
+    for (const AcEdAreaOption &each : acedAreaOptions()) {
+        if (parsed.count(each.option.name.toStdString()) > 0)
+            options.areas[each.option.name] = text(line.values.at(each.option.name));
+    }
+    return options;
+}
+
+void addPicture(CommandLine &line)
+{
+    auto parsed = std::make_shared<CLI::App *>(nullptr);
+    CLI::App *verb = line.addVerb(line.app, "picture", "Draw a drawing into a PNG file",
+                                  [&line, parsed] { return writePicture(pictureOptions(line, **parsed)); });
+    *parsed = verb;
+    line.addOneToOne(*verb, "PNG file");
+    verb->add_option("--size", line.size, "Pixels; 1600x1000 without it")->type_name("WxH");
+    CLI::Option *window = verb->add_option("--window", line.window, "Part to show; everything without it")
+                              ->type_name("X1,Y1,X2,Y2");
+    verb->add_option("--background", line.background, "white, black or #rrggbb; white without it")
+        ->type_name("COLOR");
+    verb->add_flag("--lineweights", line.lineWeights, "Lines as thick as they plot");
+    for (const AcEdAreaOption &each : acedAreaOptions()) {
+        const AcEdVerbOption &option = each.option;
+        verb->add_option(option.name.toStdString(), line.values[option.name], option.help.toStdString())
+            ->type_name(option.value.toStdString())
+            ->excludes(window)
+            ->excludes("--layout");
+    }
 }
 
 SettingType typeOf(const CommandLine &line)
@@ -199,6 +275,8 @@ void build(CommandLine &line)
     line.chosen = [&line] { return refuseWindow(line.files); };
     addRun(line);
     addInfo(line);
+    addPlot(line);
+    addPicture(line);
     addMenu(line);
     addSettings(line);
     for (const AcEdVerb &verb : acedVerbs())

@@ -54,6 +54,17 @@ base::Result<QStringList, QString> planOutputs(const QStringList &files, const Q
     return targets;
 }
 
+base::Result<void, QString> planOneOutput(const QStringList &files, const QString &output,
+                                          Overwrite overwrite)
+{
+    if (files.size() != 1)
+        return base::Failure{
+            QStringLiteral("%1 drawings cannot go into the one file %2").arg(files.size()).arg(output)};
+    if (const auto target = asFile(output); !target)
+        return base::Failure{target.error()};
+    return checkTarget(output, overwrite);
+}
+
 base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite)
 {
     if (!QDir().mkpath(QFileInfo(target).path()))

@@ -19,6 +19,10 @@ enum class Overwrite { no, yes };
 base::Result<QStringList, QString> planOutputs(const QStringList &files, const QString &output,
                                                Overwrite overwrite);
 
+/// The same for a verb that makes one file of one drawing: `output` must be a file's path.
+base::Result<void, QString> planOneOutput(const QStringList &files, const QString &output,
+                                          Overwrite overwrite);
+
 /// Looks at one target again, right before it is written, and makes its folder.
 base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite);
 

@@ -29,6 +29,28 @@ const std::vector<AcEdVerb> &acedVerbs()
     return verbs();
 }
 
+static std::vector<AcEdAreaOption> &areaOptions()
+{
+    static std::vector<AcEdAreaOption> all;
+    return all;
+}
+
+void acedRegisterAreaOption(AcEdAreaOption option)
+{
+    acedRemoveAreaOption(option.option.name);
+    areaOptions().push_back(std::move(option));
+}
+
+void acedRemoveAreaOption(const QString &name)
+{
+    std::erase_if(areaOptions(), [&name](const AcEdAreaOption &each) { return each.option.name == name; });
+}
+
+const std::vector<AcEdAreaOption> &acedAreaOptions()
+{
+    return areaOptions();
+}
+
 void acedPrintResult(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();

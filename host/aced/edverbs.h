@@ -2,6 +2,9 @@
 // calls the verb; the module never sees a command line parser and the program never sees the module.
 #pragma once
 
+#include "host/acap/docman.h"
+#include "host/acge/geextents.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +31,22 @@ struct AcEdVerb {
     /// Prints to standard output; the result is the exit status (0 done, 1 findings, 2 trouble).
     std::function<int(const AcEdVerbCall &)> run;
 };
+
+/// Part of a drawing that something of a module names.
+struct AcEdNamedArea {
+    AcDbObjectId space; ///< Block record of model space or a layout.
+    AcDbExtents box;    ///< World coordinates of the space.
+};
+/// An option of verbs that show a part of a drawing ("--mark 7"). `find` gets the option's value; its error
+/// says why there is no such area.
+struct AcEdAreaOption {
+    AcEdVerbOption option;
+    std::function<base::Result<AcEdNamedArea, QString>(AcApDocument &, const QString &)> find;
+};
+/// One of the same name takes the place of the earlier one.
+void acedRegisterAreaOption(AcEdAreaOption option);
+void acedRemoveAreaOption(const QString &name);
+const std::vector<AcEdAreaOption> &acedAreaOptions();
 
 void acedRegisterVerb(AcEdVerb verb);
 void acedRemoveVerb(const QString &name);

@@ -1,0 +1,224 @@
+#include "app/console/picture_verb.h"
+
+#include "app/console/console_front_end.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/edpicture.h"
+#include "host/aced/edspace.h"
+#include "host/aced/edverbs.h"
+#include "host/aced/edview.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace console
+{
+
+// Reports ----------------------------------------------------------------------------------------
+
+void printUndrawn(const AcGiPaintReport &report)
+{
+    for (const auto &[kind, count] : report.undrawn)
+        printMessageLine(QStringLiteral("not drawn, or only in part: %1 (%2)").arg(kind).arg(count));
+}
+
+void addToJson(QJsonObject &object, const AcGiPaintReport &report)
+{
+    QJsonObject undrawn;
+    for (const auto &[kind, count] : report.undrawn)
+        undrawn.insert(kind, qint64(count));
+    object.insert(QStringLiteral("drawn"), qint64(report.painted));
+    object.insert(QStringLiteral("undrawn"), undrawn);
+}
+
+// Options ----------------------------------------------------------------------------------------
+
+namespace
+{
+
+constexpr int kSmallestSide = 16;
+constexpr int kLargestSide = 20000;
+constexpr double kMargin = 0.02; ///< Around everything, as a share of the picture.
+
+/// What the options come to.
+struct Request {
+    QSize size{1600, 1000};
+    QColor background = Qt::white;
+    AcDbObjectId space;
+    AcDbExtents box;
+    double twist = 0.0;
+};
+
+} // namespace
+
+static base::Result<QSize, QString> readSize(const QString &text)
+{
+    if (text.isEmpty())
+        return QSize(1600, 1000);
+    const QStringList sides = text.toLower().split(u'x');
+    bool isWidth = false;
+    bool isHeight = false;
+    const QSize size(sides.value(0).toInt(&isWidth), sides.value(1).toInt(&isHeight));
+    const auto fits = [](int side) { return side >= kSmallestSide && side <= kLargestSide; };
+    if (sides.size() != 2 || !isWidth || !isHeight || !fits(size.width()) || !fits(size.height()))
+        return base::Failure{QStringLiteral("--size %1: a size is WxH, each from %2 to %3")
+                                 .arg(text)
+                                 .arg(kSmallestSide)
+                                 .arg(kLargestSide)};
+    return size;
+}
+
+static base::Result<QColor, QString> readBackground(const QString &text)
+{
+    const QColor color(text.isEmpty() ? QStringLiteral("white") : text);
+    if (!color.isValid())
+        return base::Failure{QStringLiteral("--background %1: use white, black or #rrggbb").arg(text)};
+    return color;
+}
+
+static base::Result<AcDbExtents, QString> readWindow(const QString &text)
+{
+    const QStringList parts = text.split(u',');
+    std::array<double, 4> numbers{};
+    bool isGood = parts.size() == 4;
+    for (qsizetype i = 0; isGood && i < 4; ++i) {
+        numbers[std::size_t(i)] = parts[i].toDouble(&isGood);
+        isGood = isGood && std::isfinite(numbers[std::size_t(i)]);
+    }
+    const auto [x1, y1, x2, y2] = numbers;
+    if (!isGood || x1 == x2 || y1 == y2)
+        return base::Failure{
+            QStringLiteral("--window %1: two corners with an area between them are needed: x1,y1,x2,y2")
+                .arg(text)};
+    return AcDbExtents({std::min(x1, x2), std::min(y1, y2), 0}, {std::max(x1, x2), std::max(y1, y2), 0});
+}
+
+/// What a module's option names, when one was given.
+static base::Result<std::optional<AcEdNamedArea>, QString> namedArea(AcApDocument &document,
+                                                                     const PictureOptions &options)
+{
+    for (const AcEdAreaOption &candidate : acedAreaOptions()) {
+        const auto given = options.areas.find(candidate.option.name);
+        if (given == options.areas.end())
+            continue;
+        const auto area = candidate.find(document, given->second);
+        if (!area)
+            return base::Failure{area.error()};
+        return std::optional(*area);
+    }
+    return std::optional<AcEdNamedArea>();
+}
+
+static base::Result<void, QString> findArea(Request &request, AcApDocument &document,
+                                            const PictureOptions &options)
+{
+    AcDbDatabase &database = *document.database();
+    const auto named = namedArea(document, options);
+    if (!named)
+        return base::Failure{named.error()};
+    request.space = *named ? (*named)->space : acedShownSpace(document);
+    if (!options.layout.isEmpty())
+        request.space = acedFindLayout(database, options.layout);
+    if (request.space.isNull())
+        return base::Failure{QStringLiteral("there is no layout \"%1\"").arg(options.layout)};
+    if (*named)
+        request.box = (*named)->box;
+    if (!options.window.isEmpty()) {
+        const auto window = readWindow(options.window);
+        if (!window)
+            return base::Failure{window.error()};
+        request.box = *window;
+    }
+    if (!request.box.isValid())
+        request.box = acedSpaceExtents(database, request.space);
+    if (!request.box.isValid())
+        return base::Failure{QStringLiteral("%1 has nothing to show").arg(acdbLayoutName(request.space))};
+    return {};
+}
+
+static base::Result<Request, QString> readRequest(AcApDocument &document, const PictureOptions &options)
+{
+    Request request;
+    const auto size = readSize(options.size);
+    const auto background = readBackground(options.background);
+    if (!size)
+        return base::Failure{size.error()};
+    if (!background)
+        return base::Failure{background.error()};
+    request.size = *size;
+    request.background = *background;
+    if (const auto found = findArea(request, document, options); !found)
+        return base::Failure{found.error()};
+    return request;
+}
+
+// The picture ------------------------------------------------------------------------------------
+
+/// A window is shown as asked for; everything gets some air around it.
+static AcGiViewport viewOf(const Request &request, bool withMargin)
+{
+    const AcGeVector3d diagonal = request.box.maxPoint() - request.box.minPoint();
+    AcGiViewport view;
+    view.pixelWidth = request.size.width();
+    view.pixelHeight = request.size.height();
+    view.centre = request.box.minPoint() + diagonal * 0.5;
+    const double height = std::max(diagonal.y, diagonal.x * view.pixelHeight / view.pixelWidth);
+    view.height = height > 0 ? height : 1.0;
+    if (withMargin)
+        view.height /= 1.0 - 2.0 * kMargin;
+    return view;
+}
+
+static void printDone(const PictureOptions &options, const Request &request, const AcGiPaintReport &report)
+{
+    printUndrawn(report);
+    if (!options.json)
+        return;
+    QJsonObject object{{QStringLiteral("file"), options.files.front()},
+                       {QStringLiteral("picture"), options.output},
+                       {QStringLiteral("layout"), acdbLayoutName(request.space)},
+                       {QStringLiteral("width"), request.size.width()},
+                       {QStringLiteral("height"), request.size.height()}};
+    addToJson(object, report);
+    acedPrintResult(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+}
+
+static base::Result<void, QString> drawPicture(AcApDocument &document, const PictureOptions &options)
+{
+    const auto request = readRequest(document, options);
+    if (!request)
+        return base::Failure{request.error()};
+    AcGiViewport view = viewOf(*request, options.window.isEmpty());
+    view.paperSpace = request->space != document.database()->modelSpaceId();
+    AcGiPaintOptions paint;
+    paint.background = request->background;
+    paint.lineWeights = options.lineWeights;
+    AcGiPaintReport report;
+    const QImage image = acedPicture(*document.database(), request->space, view, paint, &report);
+    if (auto written = acedWritePng(image, options.output); !written)
+        return written;
+    printDone(options, *request, report);
+    return {};
+}
+
+int writePicture(const PictureOptions &options)
+{
+    const auto target = planOneOutput(options.files, options.output, options.overwrite);
+    if (!target) {
+        printMessageLine(target.error());
+        return kTrouble;
+    }
+    const OpenDrawing drawing(options.files.front());
+    if (!drawing.document())
+        return kTrouble;
+    if (const auto drawn = drawPicture(*drawing.document(), options); !drawn) {
+        printMessageLine(QStringLiteral("%1: %2").arg(options.files.front(), drawn.error()));
+        return kTrouble;
+    }
+    return kDone;
+}
+
+} // namespace console
