@@ -1,6 +1,7 @@
 #include "quillnote/authoring/create_mark.h"
 
 #include "quillnote/authoring/append_state.h"
+#include "quillnote/authoring/leader_text_box.h"
 #include "quillnote/authoring/mark_layer.h"
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_geometry.h"
@@ -15,6 +16,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edsysvar.h"
+#include "host/aced/edview.h"
 #include "host/os/guid.h"
 
 #include <QFile>
@@ -36,6 +38,38 @@ static void fillText(QuillnoteObj3 &mark, const NewMark &request)
     mark.GUID = os::newGuidText();
 }
 
+static void placeTarget(QuillnoteObj3 &mark, const NewMark &request)
+{
+    mark.targetCorner1 = request.corner1;
+    mark.targetCorner2 = request.corner2;
+    completeTargetCorners(mark);
+    mark.leaderMode = 0;
+    mark.targetStyle = static_cast<std::int16_t>(request.isFreehand ? 0 : startUpSettings().style);
+    if (request.isFreehand)
+        mark.flagStyle = 0;
+}
+
+// The box holds the text roughly; drawing fits it to the lines that come out.
+static void placeLeader(QuillnoteObj3 &mark, const NewMark &request)
+{
+    const AcApDocument *const document = curDoc();
+    const LeaderTextBox box =
+        leaderTextBox(request.corner1, request.corner2, mark.textHeight, leaderTextLines(request.opinionText),
+                      leaderTextWidth(request.opinionText, mark.textHeight),
+                      document ? acedViewFrame(document->view()) : AcGeMatrix3d());
+    mark.textBoxCorner1 = box.corner1;
+    mark.textBoxCorner2 = box.corner2;
+    completeTextBoxCorners(mark);
+    mark.leaderMode = 1;
+    mark.flagStyle = static_cast<std::int16_t>(startUpSettings().BKstyle);
+    mark.leaderEnds[0] = request.corner1;
+    mark.leaderUsed[0] = true;
+    mark.targetCorner1 = request.corner1;
+    mark.targetCorner2 = request.corner1;
+    completeTargetCorners(mark);
+    mark.targetStyle = 0;
+}
+
 static void fillTarget(QuillnoteObj3 &mark, const NewMark &request)
 {
     const StartUpSettings &start = startUpSettings();
@@ -45,13 +79,10 @@ static void fillTarget(QuillnoteObj3 &mark, const NewMark &request)
     // The drawing appears turned by the twist, so what the user sees as "to the right" is turned back.
     mark.xDirection =
         AcGeVector3d::kXAxis.rotateBy(-acedRealVar(QStringLiteral("VIEWTWIST")), AcGeVector3d::kZAxis);
-    mark.targetCorner1 = request.corner1;
-    mark.targetCorner2 = request.corner2;
-    completeTargetCorners(mark);
-    mark.leaderMode = 0;
-    mark.targetStyle = static_cast<std::int16_t>(request.isFreehand ? 0 : start.style);
-    if (request.isFreehand)
-        mark.flagStyle = 0;
+    if (request.isLeader)
+        placeLeader(mark, request);
+    else
+        placeTarget(mark, request);
 }
 
 static void fillSettings(QuillnoteObj3 &mark)
@@ -99,8 +130,9 @@ AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
     putOnLayer(database, *mark);
     fillSettings(*mark);
     fillSketch(*mark, request.sketchFile);
+    if (!request.isLeader)
+        storeSnapshot(database, *mark);
     settleMark(*mark, database);
-    storeSnapshot(database, *mark);
     const AcDbObjectId id = append(database, std::move(mark));
     if (id.isNull())
         return {};

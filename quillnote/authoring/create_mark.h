@@ -9,9 +9,11 @@
 class AcDbDatabase;
 
 struct NewMark {
-    /// World coordinates, z 0: the lower-left and the upper-right corner as the user sees them.
+    /// World coordinates, z 0: the lower-left and the upper-right corner as the user sees them; of a leader
+    /// mark the leader's start on the target and its end, where the text goes.
     AcGePoint3d corner1;
     AcGePoint3d corner2;
+    bool isLeader = false; ///< The text stands in a box at the end of a leader; no outline, no snapshot.
     QString reviewerName;
     QString opinionText;
     QString sketchFile;      ///< File of a freehand sketch; empty: none.

@@ -2,6 +2,7 @@
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/authoring/create_mark.h"
 #include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/leader_text_box.h"
 #include "quillnote/authoring/mark_layer.h"
 #include "quillnote/authoring/pick_points.h"
 #include "quillnote/authoring/rectangle_mark.h"
@@ -12,12 +13,14 @@
 #include "quillnote/frame/reactors.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
+#include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/ui/ask_password.h"
 #include "quillnote/ui/mark_editor.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/hostcommands.h"
 #include "host/acgi/gidraw.h"
@@ -137,6 +140,63 @@ TEST_F(AuthoringTest, ACancelledEditorMakesNothing)
     QN3_Quillnote();
     EXPECT_TRUE(collectMarks(database()).ids.empty());
     EXPECT_EQ(readLastMarkNumber(database()), 0);
+}
+
+TEST_F(AuthoringTest, AMarkKeepsWhatItsTargetShowedWhenItWasPicked)
+{
+    acedCommandS({QStringLiteral("LINE"), QStringLiteral("0,15"), QStringLiteral("40,15"), QString()});
+    {
+        tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"x\"", "cancel"});
+        QN3_Quillnote();
+        EXPECT_FALSE(pendingSnapshot().corners) << "of a mark that does not come";
+    }
+    tests::ScriptFrontEnd script({"0,0", "40,30"}, {"ok"});
+    QN3_Quillnote();
+    AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(database()).ids.at(0), AcDb::kForRead);
+    EXPECT_EQ(mark->snapEntityCount(), 1U);
+    EXPECT_TRUE(mark->snapChecksum.startsWith(QStringLiteral("SUM=")));
+    EXPECT_TRUE(mark->snapImage.startsWith("\x89PNG"));
+    EXPECT_TRUE(mark->fullImage.isEmpty());
+}
+
+TEST_F(AuthoringTest, ALeaderMarkHasItsTextBesideTheEndOfTheLeader)
+{
+    startUpSettings().textHeight = 5;
+    startUpSettings().BKstyle = 104;
+    for (const double turned : {0.0, kGePi / 3}) {
+        drawing->document().view().twist = turned;
+        const AcGeMatrix3d toView = AcGeMatrix3d::rotation(turned, AcGeVector3d::kZAxis, {});
+        for (const double x : {200.0, -200.0}) {
+            NewMark request;
+            request.isLeader = true;
+            request.corner1 = toView.inverse() * AcGePoint3d(10, 10, 0);
+            request.corner2 = toView.inverse() * AcGePoint3d(x, 50, 0);
+            request.opinionText = QString(85, QLatin1Char('m'));
+            AcDbObjectPointer<QuillnoteObj3> mark(createMark(database(), request), AcDb::kForRead);
+            EXPECT_EQ(mark->leaderMode, 1);
+            EXPECT_EQ(mark->targetStyle, 0);
+            EXPECT_EQ(mark->flagStyle, 104);
+            EXPECT_TRUE(mark->leaderUsed[0] && !mark->leaderUsed[1]);
+            EXPECT_TRUE(mark->targetCorner1.isEqualTo(request.corner1, 1e-9));
+            EXPECT_TRUE(mark->targetCorner2.isEqualTo(request.corner1, 1e-9));
+            EXPECT_TRUE(mark->snapImage.isEmpty() && mark->snapEntityIds.empty());
+        }
+    }
+}
+
+TEST(LeaderTextBox, StandsAwayFromTheStart)
+{
+    // Height 2, two lines of 30: the margin is 4, the box 2 x (2 + 2) above the end.
+    const LeaderTextBox right = leaderTextBox({0, 0, 0}, {50, 20, 0}, 2, 2, 30, {});
+    EXPECT_TRUE(right.corner1.isEqualTo({50, 16, 0}, 1e-9));
+    EXPECT_TRUE(right.corner2.isEqualTo({84, 28, 0}, 1e-9));
+    const LeaderTextBox left = leaderTextBox({0, 0, 0}, {-50, 20, 0}, 2, 2, 30, {});
+    EXPECT_TRUE(left.corner1.isEqualTo({-84, 16, 0}, 1e-9));
+    EXPECT_TRUE(left.corner2.isEqualTo({-50, 28, 0}, 1e-9));
+    EXPECT_TRUE(leaderTextBox({5, 0, 0}, {5, 20, 0}, 2, 2, 30, {}).corner1.isEqualTo({5, 16, 0}, 1e-9));
+    EXPECT_EQ(leaderTextLines(QString(39, u'x')), 1);
+    EXPECT_EQ(leaderTextLines(QString(40, u'x')), 2);
+    EXPECT_DOUBLE_EQ(leaderTextWidth(QString(80, u'x'), 10), 2 * leaderTextWidth(QString(40, u'x'), 5));
 }
 
 TEST_F(AuthoringTest, NumbersOnlyGrow)
