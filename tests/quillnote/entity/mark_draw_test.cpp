@@ -8,6 +8,7 @@
 
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edcommands.h"
+#include "host/aced/edinput.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/recorder.h"
 #include "tests/support/script_front_end.h"
@@ -81,8 +82,8 @@ TEST_F(MarkDrawTest, APassDrawsTextOutlineAndFlagInTheirColours)
     const QStringList lines = draw(id);
     EXPECT_FALSE(firstWith(lines, QStringLiteral("门宽不足")).isEmpty());
     EXPECT_TRUE(lines.back().contains(u"text")) << "the number lies on top of everything";
-    EXPECT_TRUE(lines.back().startsWith(u"2 ")) << lines.back();
-    EXPECT_TRUE(lines[lines.size() - 2].startsWith(u"6 ")) << lines[lines.size() - 2];
+    EXPECT_TRUE(lines.back().startsWith(u"2 ")) << qPrintable(lines.back());
+    EXPECT_TRUE(lines[lines.size() - 2].startsWith(u"6 ")) << qPrintable(lines[lines.size() - 2]);
 }
 
 TEST_F(MarkDrawTest, APassLeavesTracesOnlyInWhatIsNotFiled)
@@ -94,7 +95,6 @@ TEST_F(MarkDrawTest, APassLeavesTracesOnlyInWhatIsNotFiled)
         mark.textBoxCorner2 = {300, 120, 0};
         mark.leaderUsed[0] = true;
     });
-    QuillnoteObj3 before;
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     const auto valuesBefore = markFieldValues(*mark);
     markDrawingState().textSuppressed = true;

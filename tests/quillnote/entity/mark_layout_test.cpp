@@ -305,7 +305,7 @@ TEST_F(MarkLayoutTest, LongTextBreaksIntoLinesThatFitAndLosesNothing)
         QString whole;
         for (std::size_t i = 0; i < text.lines.size(); ++i) {
             const MarkTextLine &line = text.lines[i];
-            EXPECT_LE(drawnWidth(text, line), kLineWidth * (1 + 1e-9)) << line.text;
+            EXPECT_LE(drawnWidth(text, line), kLineWidth * (1 + 1e-9)) << qPrintable(line.text);
             EXPECT_FALSE(line.text.front().isLowSurrogate() || line.text.back().isHighSurrogate());
             EXPECT_TRUE(isAt(line.base, text.lines[0].base - AcGeVector3d(0, 7.5 * double(i), 0)));
             whole += line.text;
