@@ -39,8 +39,8 @@ TEST(LeaderAttachment, SidesAreThoseOfTheView)
     const AcGeMatrix3d twist = AcGeMatrix3d::rotation(kGePi / 2, AcGeVector3d::kZAxis);
     const OutlineRecord mark = target({30, 0, 0}, {0, 60, 0});
     // The lower side as seen is x = 0, with its left end at y = 60.
-    expectNear(attachLeaders(2, 2, mark, true, {-9, 60, 0}, twist), {0, 48, 0});
-    expectNear(attachLeaders(3, 3, mark, true, {-9, 60, 0}, twist), {0, 30, 0});
+    expectNear(attachLeaders(2, 2, mark, true, {-9, 55, 0}, twist), {0, 48, 0});
+    expectNear(attachLeaders(3, 3, mark, true, {-9, 40, 0}, twist), {0, 30, 0});
 }
 
 TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)
