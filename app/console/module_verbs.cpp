@@ -19,8 +19,24 @@ static int runOnFile(const AcEdVerb &verb, const QString &file, const AcEdVerbCa
     return std::clamp(verb.run(call), int(kDone), int(kTrouble));
 }
 
+/// The given option that names one file for the results; each drawing would overwrite those before it.
+static const AcEdVerbOption *oneOutput(const AcEdVerb &verb, const AcEdVerbCall &call)
+{
+    const auto found = std::ranges::find_if(verb.options, [&](const AcEdVerbOption &option) {
+        return option.value == QLatin1String("FILE") && call.has(option.name);
+    });
+    return found == verb.options.end() ? nullptr : &*found;
+}
+
 int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerbCall &call)
 {
+    const AcEdVerbOption *const output = oneOutput(verb, call);
+    if (output && files.size() > 1) {
+        printMessageLine(QStringLiteral("%1 %2 takes the result of one drawing; %3 are given")
+                             .arg(verb.name, output->name)
+                             .arg(files.size()));
+        return kTrouble;
+    }
     int status = kDone;
     for (const QString &file : files)
         status = std::max(status, runOnFile(verb, file, call, files.size() > 1 && !call.json));

@@ -14,7 +14,8 @@
 
 struct AcEdVerbOption {
     QString name;  ///< "--pictures"
-    QString value; ///< Placeholder "DIR"; empty for a switch.
+    QString value; ///< Placeholder "DIR"; empty for a switch. "FILE" is a file that the verb writes for one
+                   ///< drawing.
     QString help;
 };
 
