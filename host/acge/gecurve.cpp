@@ -28,8 +28,8 @@ void AcGeCurve3d::measure(double from, double to, double length, double toleranc
     const double second = lengthBetween(middle, to);
     // Not "greater": a length that is no number ends the halving too.
     if (depth == 0 || !(std::abs(first + second - length) > tolerance)) {
-        m_measures.push_back({middle, m_measures.back().length + first});
-        m_measures.push_back({to, m_measures.back().length + second});
+        addMeasure(middle, m_measures.back().length + first);
+        addMeasure(to, m_measures.back().length + second);
         return;
     }
     measure(from, middle, first, tolerance, depth - 1);
@@ -48,7 +48,7 @@ const std::vector<AcGeCurve3d::Measure> &AcGeCurve3d::measures() const
         lengths.push_back(lengthBetween(spans[i - 1], spans[i]));
         total += lengths.back();
     }
-    m_measures.push_back({0.0, 0.0});
+    addMeasure(0.0, 0.0);
     // The two halves together are about a thousand times closer than what is compared here.
     constexpr double kTolerance = 1e-8;
     constexpr int kDepth = 24;
@@ -70,6 +70,23 @@ std::optional<double> AcGeCurve3d::getDistAtParam(double parameter) const
     return before.length + lengthBetween(before.parameter, inside);
 }
 
+void AcGeCurve3d::addMeasure(double parameter, double length) const
+{
+    m_measures.push_back({parameter, length, getFirstDeriv(parameter).length()});
+}
+
+/// The cubic through both ends with their slopes; straight where the curve stops.
+double AcGeCurve3d::guess(const Measure &low, const Measure &high, double distance)
+{
+    const double length = high.length - low.length;
+    const double span = high.parameter - low.parameter;
+    const double u = (distance - low.length) / length;
+    const double cubic = low.parameter + span * u * u * (3.0 - 2.0 * u) +
+                         length / low.speed * u * (1.0 - u) * (1.0 - u) -
+                         length / high.speed * u * u * (1.0 - u);
+    return cubic > low.parameter && cubic < high.parameter ? cubic : low.parameter + span * u;
+}
+
 double AcGeCurve3d::parameterAt(double distance) const
 {
     const auto after = std::ranges::upper_bound(m_measures, distance, {}, &Measure::length);
@@ -80,17 +97,19 @@ double AcGeCurve3d::parameterAt(double distance) const
     const Measure &low = *std::prev(after);
     double from = low.parameter;
     double to = after->parameter;
-    double at = from + (to - from) * (distance - low.length) / (after->length - low.length);
-    const double tolerance = 1e-13 * m_measures.back().length;
+    double at = guess(low, *after, distance);
+    // A step of Newton's squares the error, so the one from here is the last one needed.
+    const double nearby = 1e-4 * (after->length - low.length);
     constexpr int kSteps = 60;
     for (int step = 0; step < kSteps; ++step) {
         const double excess = low.length + lengthBetween(low.parameter, at) - distance;
-        if (std::abs(excess) <= tolerance)
-            break;
         (excess > 0.0 ? to : from) = at;
-        // Where the curve nearly stops, a step of Newton's leaves the bracket; halve it then.
+        // Where the curve nearly stops, a step leaves the bracket; halve it then.
         const double next = at - excess / getFirstDeriv(at).length();
-        at = next > from && next < to ? next : 0.5 * (from + to);
+        const bool isInside = next >= from && next <= to;
+        at = isInside ? next : 0.5 * (from + to);
+        if (isInside && std::abs(excess) <= nearby)
+            break;
     }
     return at;
 }

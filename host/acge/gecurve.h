@@ -30,10 +30,13 @@ private:
     struct Measure {
         double parameter;
         double length; ///< From the start.
+        double speed;  ///< Length of the first derivative.
     };
     const std::vector<Measure> &measures() const;
     double lengthBetween(double from, double to) const;
     void measure(double from, double to, double length, double tolerance, int depth) const;
+    void addMeasure(double parameter, double length) const;
+    static double guess(const Measure &low, const Measure &high, double distance);
     double parameterAt(double distance) const;
     mutable std::vector<Measure> m_measures; ///< Made on first use.
 };

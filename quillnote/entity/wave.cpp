@@ -37,6 +37,7 @@ WaveBand unitBand()
 }
 
 const WaveBand kUnitBand = unitBand();
+const AcGiArc kUnitArc = *acgiArcThrough({}, kUnitBand.inner[kMiddle], {1.0, 0.0, 0.0});
 
 /// From the unit bump to a bump.
 class BumpPlace
@@ -47,6 +48,10 @@ public:
     {
         return {m_origin.x + m_chord.x * unit.x - m_chord.y * unit.y,
                 m_origin.y + m_chord.x * unit.y + m_chord.y * unit.x, 0.0};
+    }
+    AcGeVector3d operator()(const AcGeVector3d &unit) const
+    {
+        return {m_chord.x * unit.x - m_chord.y * unit.y, m_chord.x * unit.y + m_chord.y * unit.x, 0.0};
     }
 
 private:
@@ -66,10 +71,17 @@ std::size_t divisionPoints(double length, double step)
     return count <= double(kMostBumps + 1) ? std::size_t(count) : kMostBumps + 2;
 }
 
+// The circular arc through both ends and the middle.
 void drawThin(std::span<const WaveBump> bumps, const AcGiCommonDraw &context)
 {
-    for (const WaveBump &bump : bumps)
-        context.geometry().circularArc(bump.a, waveMiddle(bump), bump.b);
+    for (const WaveBump &bump : bumps) {
+        const BumpPlace place(bump);
+        context.geometry().arc({.centre = place(kUnitArc.centre),
+                                .u = place(kUnitArc.u),
+                                .v = place(kUnitArc.v),
+                                .start = kUnitArc.start,
+                                .sweep = kUnitArc.sweep});
+    }
 }
 
 // Straight to fill(), which is what polygon() of a filling pen comes to, so that one loop serves all pieces.

@@ -121,5 +121,10 @@ TEST(Wave, ThickBumpsAreElevenPiecesAndThinOnesOneArc)
         << qPrintable(recorder.lines[0]);
     recorder.lines.clear();
     drawWaves(bumps, true, context);
-    EXPECT_EQ(recorder.lines.size(), 2);
+    ASSERT_EQ(recorder.lines.size(), 2);
+    EXPECT_TRUE(recorder.lines[1].contains(QStringLiteral("from (1 0) to (2 0)")))
+        << qPrintable(recorder.lines[1]);
+    const auto second = acgiArcThrough(bumps[1].a, waveMiddle(bumps[1]), bumps[1].b);
+    recorder.arc(*second);
+    EXPECT_EQ(recorder.lines[2], recorder.lines[1]);
 }
