@@ -119,8 +119,10 @@ void LayoutPass::layOutText()
     if (!m_isLeader)
         found.flagPoint = found.textAnchor;
 
+    const bool hasText =
+        !m_mark.suggestionContent.isEmpty() || m_settings.viewName || m_settings.viewDateTime;
     const bool isShown = (m_settings.showMarkText || m_isLeader) && m_mark.sketchData.isEmpty();
-    if (!isShown || m_mark.displayMode != 0 || m_view.textSuppressed)
+    if (!hasText || !isShown || m_mark.displayMode != 0 || m_view.textSuppressed)
         return;
     m_layout.text = layOutMarkText(m_mark, m_settings, frame, m_layout.axes, start, height);
     found.textEndPoint = m_layout.text->endPoint;

@@ -44,6 +44,7 @@ Acad::ErrorStatus QuillnoteObj3::subClose()
         // Whatever was changed may move the text.
         textEndPoint.reset();
         cachedExtents = {};
+        m_isMeasured = false;
     }
     return AcDbEntity::subClose();
 }
@@ -95,6 +96,19 @@ void QuillnoteObj3::saveAs(AcGiWorldDraw *context) const
                  *context);
 }
 
+// A mark that was not drawn yet is laid out once, so that picks and zooms find its text and its sketch.
+void QuillnoteObj3::measure() const
+{
+    if (m_isMeasured)
+        return;
+    MarkView view = currentMarkView(database());
+    view.textSuppressed = false;
+    const MarkLayout layout = layOutMark(*this, markDrawingSettings(), view);
+    textEndPoint = layout.writeBack.textEndPoint;
+    cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
+    m_isMeasured = true;
+}
+
 Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
 {
     AcDbExtents box;
@@ -117,12 +131,7 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
                 box.addPoint(leaderEnds[i]);
         }
     }
-    // A mark that was not drawn yet is laid out for this, so that picks and zooms find its text.
-    if (sketchData.isEmpty() ? !textEndPoint : !cachedExtents.isValid()) {
-        const MarkLayout layout = layOutMark(*this, markDrawingSettings(), currentMarkView(database()));
-        textEndPoint = layout.writeBack.textEndPoint;
-        cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
-    }
+    measure();
     if (textEndPoint)
         box.addPoint(*textEndPoint);
     if (!sketchData.isEmpty() && cachedExtents.isValid())

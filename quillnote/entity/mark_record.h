@@ -133,6 +133,9 @@ public:
 private:
     /// What a drawing pass leaves in the run-time members.
     void leaveTraces(const MarkLayout &layout) const;
+    /// Finds the end of the text and the extents of the sketch, once for each writing.
+    void measure() const;
+    mutable bool m_isMeasured = false;
 
     struct PlainDefaults {
     };
