@@ -15,8 +15,8 @@ namespace acgi
 namespace
 {
 
-/// Height of an ideograph's em in a shape font, where it is as high as a capital letter.
-constexpr double kStrokeIdeographEm = 1.1;
+/// The em of ideographs in a shape font, where they are about as high as a capital letter.
+constexpr double kStrokeIdeographEm = 1.2;
 
 /// The characters of a font that were asked for, measured and outlined. Pages are never moved, so that
 /// painters may read while the main thread adds characters.

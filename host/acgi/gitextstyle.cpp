@@ -1,6 +1,6 @@
 #include "host/acgi/gitextstyle.h"
 
-#include "host/acdb/dbsymtb.h"
+#include "host/acgi/giread.h"
 #include "host/acgi/gitextlayout.h"
 
 #include <algorithm>
@@ -32,20 +32,14 @@ AcGePoint2d AcGiTextStyle::extents(const QString &text, bool raw) const
 }
 
 /// The typeface stands in the extended data: 1000 its name, 1071 what the system's font dialog gave.
-static void readTypeface(const ResbufList &groups, AcGiTextStyle &style)
+static void readTypeface(const ResbufList &extendedData, AcGiTextStyle &style)
 {
     constexpr std::int64_t kItalic = 0x1000000;
     constexpr std::int64_t kBold = 0x2000000;
-    QString application;
     QString typeface;
     std::int64_t flags = 0;
-    for (std::size_t i = extendedDataBegin(groups); i < groups.size(); ++i) {
-        const resbuf &group = groups[i];
-        if (group.restype == 1001)
-            application = group.text();
-        else if (application.compare(u"ACAD", Qt::CaseInsensitive) != 0)
-            continue;
-        else if (group.restype == 1000 && typeface.isEmpty())
+    for (const resbuf &group : extendedData) {
+        if (group.restype == 1000 && typeface.isEmpty())
             typeface = group.text();
         else if (group.restype == 1071)
             flags = group.integer();
@@ -70,7 +64,7 @@ static void readStyleGroup(const resbuf &group, AcGiTextStyle &style)
         style.setXScale(group.real() > 0.0 ? group.real() : 1.0);
         break;
     case 50:
-        style.setObliquingAngle(group.real() * kGePi / 180.0);
+        style.setObliquingAngle(radians(group.real()));
         break;
     case 70:
         style.setVertical(group.integer() & 4);
@@ -94,10 +88,8 @@ AcGiTextStyle acgiTextStyle(const AcDbDatabase &database, const QString &styleNa
     const AcDbObjectPointer<AcDbObject> record(id, AcDb::kForRead);
     if (!record)
         return style;
-    const ResbufList &groups = record->groups();
-    const std::size_t own = extendedDataBegin(groups);
-    for (std::size_t i = 0; i < own; ++i)
-        readStyleGroup(groups[i], style);
-    readTypeface(groups, style);
+    for (const resbuf &group : EntityGroups(*record))
+        readStyleGroup(group, style);
+    readTypeface(record->xData(QStringLiteral("ACAD")), style);
     return style;
 }
