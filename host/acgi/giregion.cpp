@@ -154,9 +154,9 @@ public:
     void text(const AcGiTextLine &line) override
     {
         const AcGeVector3d along = line.direction * line.width;
-        const AcGePoint3d corners[] = {line.position, line.position + along, line.position + along + line.up,
-                                       line.position + line.up};
-        polygon(4, corners);
+        const AcGiLoop box = {line.position, line.position + along, line.position + along + line.up,
+                              line.position + line.up};
+        fill(std::span(&box, 1));
     }
 
     void infiniteLine(const AcGePoint3d &base, const AcGeVector3d &direction, bool bothWays) override
