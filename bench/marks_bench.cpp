@@ -79,6 +79,7 @@ int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
     registerMarkClass();
+    startUpSettings().style = 2;
     auto first = opened(newDrawingDxf());
     const double made = bench::seconds([&] { draw(*first); });
     QByteArray saved;
