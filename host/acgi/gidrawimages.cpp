@@ -65,7 +65,7 @@ void drawImage(const AcDbEntity &entity, AcGiGeometry &sink)
                         raster.u,
                         raster.v,
                         raster.clip,
-                        std::clamp(groups.real(283) / 100.0, 0.0, 1.0)};
+                        double(std::clamp<std::int64_t>(groups.integer(283), 0, 100)) / 100.0};
         if (raster.clipInverted) {
             image.clip.clear();
             sink.pushClip(std::span(&raster.clip, 1), true);

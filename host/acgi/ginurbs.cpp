@@ -83,7 +83,7 @@ std::vector<AcGePoint3d> NurbsCurve::samples() const
 
 std::vector<AcGePoint3d> thinned(const std::vector<AcGePoint3d> &chain)
 {
-    constexpr double kTurn = 0.0349; // Two degrees.
+    constexpr double kTurn = 0.0175; // One degree.
     if (chain.size() < 3)
         return chain;
     std::vector<AcGePoint3d> kept{chain.front()};

@@ -7,6 +7,9 @@ namespace acgi
 
 /// A corner reaches at most so many half widths away from its vertex.
 static constexpr double kLongestMiter = 4.0;
+/// How far, in half widths, a segment reaches into one that it runs into without a corner: enough to leave no
+/// seam, too little to be seen beside an arc.
+static constexpr double kOverlap = 0.1;
 
 namespace
 {
@@ -90,6 +93,13 @@ AcGiLoop cornerOf(const End &before, const End &after, bool &onLeft)
     return corner;
 }
 
+/// True when the line goes straight on with the same width.
+bool goesOn(const End &before, const End &after)
+{
+    return before.along.dotProduct(after.along) > 0.0 &&
+           std::abs(before.half - after.half) <= 1e-6 * before.half;
+}
+
 } // namespace
 
 /// The next segment with a length in the direction `step`; nothing at an open end.
@@ -133,6 +143,10 @@ AcGiLoop wideSegmentArea(std::span<const AcGiVertex> vertices, std::size_t segme
             AcGiLoop &side = onLeft ? left : right;
             side.insert(side.end(), corner.begin() + 1, corner.end());
             side.push_back(wide.end().point);
+        } else if (goesOn(wide.end(), next->start())) {
+            const AcGeVector3d overlap = wide.end().along * (kOverlap * wide.end().half);
+            left.push_back(left.back() + overlap);
+            right.push_back(right.back() + overlap);
         }
     }
     left.insert(left.end(), right.rbegin(), right.rend());

@@ -100,7 +100,7 @@ static const KindRow kKindRows[] = {
         {14, AcGePoint2d(-0.5, -0.5)}, {14, AcGePoint2d(9.5, 1.5)}}, {1, 2, 6, 3}},
     {"Viewport", "VIEWPORT", {{10, AcGePoint3d(5, 5, 0)}, {40, 4.0}, {41, 2.0}, {69, 2}}, {3, 4, 7, 6}},
     {"DimensionWithoutPicture", "DIMENSION", {{2, "*D7"}, {10, AcGePoint3d(0, 5, 0)}, {13, AcGePoint3d(0, 0, 0)},
-        {14, AcGePoint3d(4, 0, 0)}}, {0, 0, 4, 5}},
+        {14, AcGePoint3d(4, 0, 0)}}, {0, 0.0625, 4, 5.27}},
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Kinds, KindExtents, testing::ValuesIn(kKindRows),

@@ -254,7 +254,7 @@ static const Subject kSubjects[] = {
         {13, AcGePoint3d(5, 3, 1)}, kTilted}},
     {"Face", "3DFACE", {{10, AcGePoint3d(0, 0, 1)}, {11, AcGePoint3d(4, 0, 0)}, {12, AcGePoint3d(1, 3, 0)},
         {13, AcGePoint3d(5, 3, 0)}}},
-    {"Leader", "LEADER", {{10, AcGePoint3d(0, 0, 1)}, {10, AcGePoint3d(4, 0, 0)}}},
+    {"Leader", "LEADER", {{71, 0}, {10, AcGePoint3d(0, 0, 1)}, {10, AcGePoint3d(4, 0, 0)}}},
     {"Multileader", "MULTILEADER", {{300, "CONTEXT_DATA{"}, {40, 1.0}, {10, AcGePoint3d(1, 0, 0)}, {41, 3.0},
         {304, "one\\Ptwo"}, {11, AcGePoint3d(0, 0, 1)}, {12, AcGePoint3d(5, 2, 0)}, {13, AcGePoint3d(0.8, 0.6, 0)},
         {171, 2}, {302, "LEADER{"}, {10, AcGePoint3d(4, 0, 0)}, {11, AcGePoint3d(1, 0, 0)}, {40, 2.0},
