@@ -8,8 +8,8 @@
 namespace
 {
 
-/// Patterns that one chain may show; a line that has more is dense enough to be drawn without gaps.
-constexpr double kMostPatterns = 1e6;
+/// Dashes that one chain may show; a line that has more is dense enough to be drawn without gaps.
+constexpr double kMostDashes = 1e6;
 /// Beyond this the places of the dashes drown in rounding.
 constexpr double kMostOnChain = 1e12;
 
@@ -135,13 +135,13 @@ public:
         m_origin = closed ? -0.5 * dash : 0.5 * (chain.length() - m_count * m_pattern + dash) - dash;
     }
 
-    /// Whether what lies in the parts is few enough to be laid pattern by pattern.
+    /// Whether what lies in the parts is few enough to be laid dash by dash.
     bool isSparse(std::span<const std::pair<double, double>> parts) const
     {
         double seen = 0.0;
         for (const auto &[from, to] : parts)
             seen += to - from;
-        return seen / m_pattern + double(parts.size()) < kMostPatterns;
+        return (seen / m_pattern + double(parts.size())) * double(m_elements.size()) < kMostDashes;
     }
 
     void lay(std::span<const std::pair<double, double>> parts)
