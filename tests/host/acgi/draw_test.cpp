@@ -316,7 +316,7 @@ TEST(Inserts, AreClippedWhereTheBlockStands)
     EXPECT_EQ(clipped(0, false), QStringList(line));
 }
 
-TEST(Inserts, SayWhichDrawingIsMissing)
+TEST(Inserts, OfEmptyBlocksMissNoDrawing)
 {
     MemoryDrawing drawing;
     drawing.block("PLAN");
