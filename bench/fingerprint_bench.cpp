@@ -25,7 +25,7 @@ static std::vector<AcDbExtents> targets(const AcDbExtents &drawing)
     for (int i = 0; i < kTargets; ++i) {
         const AcGePoint3d corner =
             drawing.minPoint() + AcGeVector3d(size.x * share(numbers), size.y * share(numbers), 0);
-        all.emplace_back(corner, corner + AcGeVector3d(size.x, size.y, 0) * 0.006);
+        all.emplace_back(corner, corner + AcGeVector3d(size.x, size.y, 0) * 0.003);
     }
     return all;
 }

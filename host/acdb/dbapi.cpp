@@ -7,6 +7,7 @@
 #include "host/base/wildcard.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 static bool isAngleCode(int code)
@@ -125,7 +126,7 @@ ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
         appendSpace(data, owningBlock(stub));
         acdbSettleDefaults(stub.kind, content);
     }
-    data.insert(data.end(), content.begin(), content.end());
+    data.insert(data.end(), std::move_iterator(content.begin()), std::move_iterator(content.end()));
     if (!applications.isEmpty())
         appendExtendedData(data, groups, applications);
     return data;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <unordered_map>
 
@@ -201,11 +202,11 @@ ResbufList::iterator takeCommon(ResbufList &content, ResbufList &common)
                            [&](const Row &row) { return row.code == group.restype; });
     };
     if (end != content.end()) {
-        common.assign(content.begin(), end);
+        common.assign(std::move_iterator(content.begin()), std::move_iterator(end));
         return end;
     }
     const auto rest = std::stable_partition(content.begin(), content.end(), isCommon);
-    common.assign(content.begin(), rest);
+    common.assign(std::move_iterator(content.begin()), std::move_iterator(rest));
     return rest;
 }
 
@@ -237,8 +238,9 @@ public:
             m_parts.push_back({nullptr, {}, std::vector<std::vector<Entry>>(section.rows.size())});
     }
 
-    void add(ResbufList::const_iterator from, ResbufList::const_iterator end);
-    ResbufList list() const;
+    /// Takes the groups; markers stay where they are until the list is made.
+    void add(ResbufList::iterator from, ResbufList::iterator end);
+    void moveTo(ResbufList &list);
     std::vector<Entry> *entries(int code)
     {
         const auto place = placeOf(code);
@@ -256,7 +258,8 @@ private:
 
     std::optional<Place> placeOf(int code) const;
     std::optional<std::size_t> sectionAt(const resbuf &marker) const;
-    void listPart(const Section &section, const Part &part, ResbufList &list) const;
+    static void listPart(const Section &section, Part &part, ResbufList &list);
+    static void moveAll(ResbufList &from, ResbufList &to);
 
     const Kind &m_kind;
     std::vector<Part> m_parts;
@@ -288,7 +291,7 @@ std::optional<std::size_t> Settler::sectionAt(const resbuf &marker) const
     return {};
 }
 
-void Settler::add(ResbufList::const_iterator from, ResbufList::const_iterator end)
+void Settler::add(ResbufList::iterator from, ResbufList::iterator end)
 {
     ResbufList *followers = &m_parts.front().head;
     bool isKnown = true;
@@ -305,47 +308,50 @@ void Settler::add(ResbufList::const_iterator from, ResbufList::const_iterator en
         }
         const auto place = isKnown ? placeOf(group->restype) : std::nullopt;
         if (!place) {
-            followers->push_back(*group);
+            followers->push_back(std::move(*group));
             continue;
         }
         std::vector<Entry> &row = m_parts[place->first].rows[place->second];
-        row.push_back({*group, {}});
-        if (const auto *flat = std::get_if<AcGePoint2d>(&group->resval); flat && !m_kind.planar)
+        row.push_back({std::move(*group), {}});
+        if (const auto *flat = std::get_if<AcGePoint2d>(&row.back().group.resval); flat && !m_kind.planar)
             row.back().group.assign(AcGePoint3d(flat->x, flat->y, 0));
         followers = &row.back().followers;
     }
 }
 
 // A marker that the file does not have is written where there is one name for it only.
-void Settler::listPart(const Section &section, const Part &part, ResbufList &list) const
+void Settler::listPart(const Section &section, Part &part, ResbufList &list)
 {
     if (part.marker)
         list.push_back(*part.marker);
     else if (section.markers.size() == 1)
         list.emplace_back(100, QString::fromLatin1(section.markers.front()));
-    list.insert(list.end(), part.head.begin(), part.head.end());
+    moveAll(part.head, list);
     for (std::size_t i = 0; i < section.rows.size(); ++i) {
         const Row &row = section.rows[i];
         if (part.rows[i].empty() && row.habit == Habit::always)
             list.emplace_back(row.code, row.defaultValue);
-        for (const Entry &entry : part.rows[i]) {
+        for (Entry &entry : part.rows[i]) {
             const bool standard = row.habit != Habit::given && isDefault(row, entry.group.resval);
             if (!standard)
-                list.push_back(entry.group);
+                list.push_back(std::move(entry.group));
             else if (row.habit == Habit::always)
                 list.emplace_back(row.code, row.defaultValue);
-            list.insert(list.end(), entry.followers.begin(), entry.followers.end());
+            moveAll(entry.followers, list);
         }
     }
 }
 
-ResbufList Settler::list() const
+void Settler::moveAll(ResbufList &from, ResbufList &to)
 {
-    ResbufList list;
+    to.insert(to.end(), std::move_iterator(from.begin()), std::move_iterator(from.end()));
+}
+
+void Settler::moveTo(ResbufList &list)
+{
     for (std::size_t i = 0; i < m_parts.size(); ++i)
         listPart(m_kind.sections[i], m_parts[i], list);
-    list.insert(list.end(), m_others.begin(), m_others.end());
-    return list;
+    moveAll(m_others, list);
 }
 
 // Polylines ---------------------------------------------------------------------------------------
@@ -426,9 +432,8 @@ void acdbSettleDefaults(AcDbKind kind, ResbufList &content)
             settleVertices(settler);
         else if (known->stop != 101)
             settleDirection(settler);
-        const ResbufList settled = settler.list();
-        common.insert(common.end(), settled.begin(), settled.end());
+        settler.moveTo(common);
     }
-    common.insert(common.end(), stop, content.end());
+    common.insert(common.end(), std::move_iterator(stop), std::move_iterator(content.end()));
     content = std::move(common);
 }

@@ -1,5 +1,6 @@
 #include "quillnote/frame/verbs.h"
 
+#include "quillnote/reports/mark_area.h"
 #include "quillnote/reports/marks_verb.h"
 
 static std::vector<AcEdVerb> moduleVerbs()
@@ -11,10 +12,12 @@ void registerVerbs()
 {
     for (AcEdVerb &verb : moduleVerbs())
         acedRegisterVerb(std::move(verb));
+    acedRegisterAreaOption(markAreaOption());
 }
 
 void removeVerbs()
 {
     for (const AcEdVerb &verb : moduleVerbs())
         acedRemoveVerb(verb.name);
+    acedRemoveAreaOption(markAreaOption().option.name);
 }

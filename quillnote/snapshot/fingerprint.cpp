@@ -3,56 +3,69 @@
 #include "host/acdb/dbapi.h"
 #include "host/aced/edselect.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdio>
-#include <string_view>
+#include <charconv>
 
 static constexpr int kColor = 62;
 
-/// Six significant digits. Exponents have three digits at least, so that sums agree with those of marks made
-/// elsewhere.
-static QString numberText(double value)
+/// Six significant digits, as "%g" writes them. Exponents have three digits at least, so that sums agree with
+/// those of marks made elsewhere.
+static void appendNumber(QString &text, double value)
 {
     std::array<char, 32> buffer;
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%g", value);
-    QString text = QString::fromLatin1(buffer.data(), length);
-    const qsizetype digits = text.indexOf(QLatin1Char('e')) + 2;
-    if (digits >= 2)
-        text.insert(digits, QString(std::max<qsizetype>(0, 3 - (text.size() - digits)), QLatin1Char('0')));
-    return text;
+    const char *const end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, 6).ptr;
+    const char *const sign = std::find(static_cast<const char *>(buffer.data()), end, 'e') + 1;
+    const char *const digits = sign < end ? sign + 1 : end;
+    text += QLatin1String(buffer.data(), digits - buffer.data());
+    for (auto missing = end - digits; digits < end && missing < 3; ++missing)
+        text += QLatin1Char('0');
+    text += QLatin1String(digits, end - digits);
 }
 
-static QString pointText(const AcGePoint3d &point)
+static void appendPoint(QString &text, const AcGePoint3d &point)
 {
-    return QStringLiteral("(%1, %2, %3)").arg(numberText(point.x), numberText(point.y), numberText(point.z));
+    text += QLatin1Char('(');
+    appendNumber(text, point.x);
+    text += QLatin1String(", ");
+    appendNumber(text, point.y);
+    text += QLatin1String(", ");
+    appendNumber(text, point.z);
+    text += QLatin1Char(')');
 }
 
-static QString valueText(const resbuf &group)
+static void appendValue(QString &text, const resbuf &group)
 {
     const int code = group.restype;
-    if (code <= 9) {
-        const bool isNone = std::holds_alternative<std::monostate>(group.resval);
-        return isNone ? QStringLiteral("(NULL)") : QLatin1Char('"') + group.text() + QLatin1Char('"');
-    }
-    if (code <= 17)
-        return pointText(group.point());
-    if (code >= 38 && code <= 59)
-        return numberText(group.real());
-    if (code >= 60 && code <= 79)
-        return QString::number(static_cast<std::int16_t>(group.integer()));
-    if (code >= 90)
-        return QString::number(static_cast<std::int32_t>(group.integer()));
-    return QStringLiteral("*Unknown*");
+    if (code <= 9 && std::holds_alternative<std::monostate>(group.resval))
+        text += QLatin1String("(NULL)");
+    else if (code <= 9)
+        text += QLatin1Char('"') + group.text() + QLatin1Char('"');
+    else if (code <= 17)
+        appendPoint(text, group.point());
+    else if (code >= 38 && code <= 59)
+        appendNumber(text, group.real());
+    else if (code >= 60 && code <= 79)
+        text += QString::number(static_cast<std::int16_t>(group.integer()));
+    else if (code >= 90)
+        text += QString::number(static_cast<std::int32_t>(group.integer()));
+    else
+        text += QLatin1String("*Unknown*");
 }
 
 QString fingerprintText(const ResbufList &data)
 {
     QString text;
+    text.reserve(qsizetype(data.size()) * 16);
     for (const resbuf &group : data) {
         if (group.restype < 0 || group.restype > 99 || group.restype == kColor)
             continue;
-        text += QLatin1Char('(') + QString::number(group.restype) + QLatin1Char(',') + valueText(group) +
-                QLatin1Char(')');
+        text += QLatin1Char('(');
+        text += QString::number(group.restype);
+        text += QLatin1Char(',');
+        appendValue(text, group);
+        text += QLatin1Char(')');
     }
     return text;
 }
