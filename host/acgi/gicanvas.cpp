@@ -9,6 +9,8 @@
 /// QPainter is exact and quick only for coordinates of moderate size.
 static constexpr double kFarPixel = 30000.0;
 static constexpr float kThinnestWide = 1.5F;
+/// Full coverage or opacity.
+static constexpr std::uint32_t kWhole = 256;
 
 AcGiCanvas::AcGiCanvas(QPainter &painter, const QRectF &visible, const AcGiPixels &pixels, bool antialiasing)
     : m_painter(painter), m_pixels(pixels), m_antialiasing(antialiasing), m_clips{{visible, true, false}}
@@ -101,18 +103,14 @@ void AcGiCanvas::popClip()
 
 // State of the painter ---------------------------------------------------------------------------
 
-static std::uint32_t premultiplied(QRgb color)
-{
-    return qPremultiply(color);
-}
-
 void AcGiCanvas::setPen(QRgb color, float width)
 {
     if (color == m_color && width == m_width)
         return;
     flushLines();
     m_color = color;
-    m_premultiplied = premultiplied(color);
+    m_source = color | 0xFF000000u;
+    m_opacity = std::uint32_t(qAlpha(color) + (qAlpha(color) >> 7));
     m_width = width;
     m_state = PainterState::unknown;
 }
@@ -210,22 +208,21 @@ void AcGiCanvas::dot(QPointF point)
 
 // Pixels -----------------------------------------------------------------------------------------
 
-void AcGiCanvas::plotOn(std::uint32_t *pixel, std::uint32_t coverage)
+/// Moves the pixel towards the opaque `source` by coverage / 256, two channels at a time.
+static inline void mix(std::uint32_t &pixel, std::uint32_t source, std::uint32_t coverage)
 {
-    // Two channels at a time; `coverage` is 0 to 256.
-    const std::uint32_t s = m_premultiplied;
-    const std::uint32_t keep = 256 - ((s >> 24) + (s >> 31)) * coverage / 256;
-    const std::uint32_t d = *pixel;
-    const std::uint32_t even = ((s & 0x00FF00FFu) * coverage + (d & 0x00FF00FFu) * keep) >> 8 & 0x00FF00FFu;
-    const std::uint32_t odd =
-        ((s >> 8 & 0x00FF00FFu) * coverage + (d >> 8 & 0x00FF00FFu) * keep) & 0xFF00FF00u;
-    *pixel = even | odd;
+    constexpr std::uint32_t kEven = 0x00FF00FFu;
+    const std::uint32_t even = pixel & kEven;
+    const std::uint32_t odd = pixel >> 8 & kEven;
+    const std::uint32_t mixedEven = (((source & kEven) - even) * coverage >> 8) + even;
+    const std::uint32_t mixedOdd = (((source >> 8 & kEven) - odd) * coverage >> 8) + odd;
+    pixel = (mixedEven & kEven) | (mixedOdd & kEven) << 8;
 }
 
 void AcGiCanvas::plot(int x, int y, std::uint32_t coverage)
 {
     if (x >= m_left && x < m_right && y >= m_upper && y < m_lower)
-        plotOn(m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + x, coverage);
+        mix(*pixelAt(x, y), m_source, coverage * m_opacity >> 8);
 }
 
 void AcGiCanvas::row(int y, double from, double to)
@@ -236,15 +233,15 @@ void AcGiCanvas::row(int y, double from, double to)
         std::swap(from, to);
     const int first = std::max(m_left, int(std::floor(from)));
     const int last = std::min(m_right - 1, int(std::floor(to)));
-    std::uint32_t *const line = m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride;
     if (first > last)
         return;
-    if (qAlpha(m_color) == 255) {
-        std::fill(line + first, line + last + 1, m_premultiplied);
+    std::uint32_t *const line = pixelAt(0, y);
+    if (m_opacity == kWhole) {
+        std::fill(line + first, line + last + 1, m_source);
         return;
     }
     for (int x = first; x <= last; ++x)
-        plotOn(line + x, 256);
+        mix(line[x], m_source, m_opacity);
 }
 
 void AcGiCanvas::column(int x, double from, double to)
@@ -255,9 +252,9 @@ void AcGiCanvas::column(int x, double from, double to)
         std::swap(from, to);
     const int first = std::max(m_upper, int(std::floor(from)));
     const int last = std::min(m_lower - 1, int(std::floor(to)));
-    std::uint32_t *pixel = m_pixels.first + std::ptrdiff_t(first - m_pixels.top) * m_pixels.stride + x;
+    std::uint32_t *pixel = pixelAt(x, first);
     for (int y = first; y <= last; ++y, pixel += m_pixels.stride)
-        plotOn(pixel, 256);
+        mix(*pixel, m_source, m_opacity);
 }
 
 /// Along the axis that the line runs along most, each pixel column (or row) gets the line's place in it,
@@ -280,10 +277,26 @@ void AcGiCanvas::slope(double x0, double y0, double x1, double y1)
     const int last = std::min(highest, int(std::floor(x1)));
     // 16 bits behind the point; the first and last place stay within the line's ends.
     const auto placeAt = [&](int x) { return y0 + (std::clamp(x + 0.5, x0, x1) - x0) * rise; };
-    const std::int64_t step = std::llround(rise * 65536.0);
-    std::int64_t place = std::llround((y0 + (first + 0.5 - x0) * rise) * 65536.0);
+    const auto step = std::int64_t(rise * 65536.0);
+    auto place = std::int64_t((y0 + (first + 0.5 - x0) * rise) * 65536.0);
+    const int lowestMinor = isSteep ? m_left : m_upper;
+    const int highestMinor = (isSteep ? m_right : m_lower) - 1;
+    if (m_antialiasing && std::min(y0, y1) >= lowestMinor + 1 && std::max(y0, y1) <= highestMinor - 1) {
+        const std::ptrdiff_t along = isSteep ? m_pixels.stride : 1;
+        const std::ptrdiff_t across = isSteep ? 1 : m_pixels.stride;
+        std::uint32_t *const origin = pixelAt(0, 0);
+        for (int x = first; x <= last; ++x, place += step) {
+            const std::int64_t at =
+                (x == first || x == last ? std::int64_t(placeAt(x) * 65536.0) : place) - 32768;
+            const std::uint32_t share = std::uint32_t(at >> 8 & 0xFF) * m_opacity >> 8;
+            std::uint32_t *const pixel = origin + x * along + (at >> 16) * across;
+            mix(pixel[0], m_source, m_opacity - share);
+            mix(pixel[across], m_source, share);
+        }
+        return;
+    }
     for (int x = first; x <= last; ++x, place += step) {
-        const std::int64_t at = x == first || x == last ? std::llround(placeAt(x) * 65536.0) : place;
+        const std::int64_t at = x == first || x == last ? std::int64_t(placeAt(x) * 65536.0) : place;
         const std::int64_t shifted = m_antialiasing ? at - 32768 : at;
         const int y = int(shifted >> 16);
         const auto share = std::uint32_t(shifted >> 8 & 0xFF);
@@ -402,10 +415,10 @@ void AcGiCanvas::mask(const AcGiGlyphMask &mask, int left, int top)
     for (int y = firstY; y < lastY; ++y) {
         const std::uint8_t *const coverage =
             mask.coverage.data() + std::ptrdiff_t(y - top) * mask.width - left;
-        std::uint32_t *const line = m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride;
+        std::uint32_t *const line = pixelAt(0, y);
         for (int x = firstX; x < lastX; ++x) {
             if (const std::uint32_t share = coverage[x])
-                plotOn(line + x, share + (share >> 7));
+                mix(line[x], m_source, (share + (share >> 7)) * m_opacity >> 8);
         }
     }
 }

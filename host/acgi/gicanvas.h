@@ -64,7 +64,10 @@ private:
     void column(int x, double from, double to);
     void slope(double x0, double y0, double x1, double y1);
     void plot(int x, int y, std::uint32_t coverage);
-    void plotOn(std::uint32_t *pixel, std::uint32_t coverage);
+    std::uint32_t *pixelAt(int x, int y) const
+    {
+        return m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + x;
+    }
     void mask(const AcGiGlyphMask &mask, int x, int y);
     void flushLines();
     void usePen();
@@ -81,7 +84,8 @@ private:
     int m_lower = 0;
 
     QRgb m_color = 0xFF000000u;
-    std::uint32_t m_premultiplied = 0xFF000000u;
+    std::uint32_t m_source = 0xFF000000u; ///< The colour, opaque.
+    std::uint32_t m_opacity = 256;        ///< 0 to 256.
     float m_width = 0.0F;
     PainterState m_state = PainterState::unknown;
     std::vector<QLineF> m_lines; ///< For the painter, with the present pen.

@@ -1,13 +1,13 @@
 #include "host/acgi/giclip.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
-bool acgiClipRay(QPointF base, QPointF direction, double first, const QRectF &box, QPointF &from, QPointF &to)
+/// Narrows t from low to high to where base + t * direction is in the box; false when nothing is left.
+static bool narrow(QPointF base, QPointF direction, const QRectF &box, double &low, double &high)
 {
-    double low = first;
-    double high = std::numeric_limits<double>::infinity();
-    // Parallel to two sides, the ray lies between them or outside; else they cut it.
+    // Parallel to two sides, the line lies between them or outside; else they cut it.
     const auto cut = [&](double at, double step, double lower, double upper) {
         if (step == 0.0)
             return at >= lower && at <= upper;
@@ -17,12 +17,29 @@ bool acgiClipRay(QPointF base, QPointF direction, double first, const QRectF &bo
         high = std::min(high, std::max(a, b));
         return low <= high;
     };
-    if (!cut(base.x(), direction.x(), box.left(), box.right()) ||
-        !cut(base.y(), direction.y(), box.top(), box.bottom()))
+    return cut(base.x(), direction.x(), box.left(), box.right()) &&
+           cut(base.y(), direction.y(), box.top(), box.bottom());
+}
+
+static QPointF bounded(QPointF point, const QRectF &box)
+{
+    return {std::clamp(point.x(), box.left(), box.right()), std::clamp(point.y(), box.top(), box.bottom())};
+}
+
+static bool isFinite(QPointF point)
+{
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
+bool acgiClipRay(QPointF base, QPointF direction, double first, const QRectF &box, QPointF &from, QPointF &to)
+{
+    double low = first;
+    double high = std::numeric_limits<double>::infinity();
+    if (!narrow(base, direction, box, low, high))
         return false;
     from = base + direction * low;
     to = base + direction * high;
-    return std::isfinite(from.x() + from.y() + to.x() + to.y());
+    return isFinite(from) && isFinite(to);
 }
 
 bool acgiClipLine(QPointF &from, QPointF &to, const QRectF &box)
@@ -32,34 +49,16 @@ bool acgiClipLine(QPointF &from, QPointF &to, const QRectF &box)
     };
     if (isInside(from) && isInside(to))
         return true;
-    if ((from.x() < box.left() && to.x() < box.left()) || (from.x() > box.right() && to.x() > box.right()) ||
-        (from.y() < box.top() && to.y() < box.top()) || (from.y() > box.bottom() && to.y() > box.bottom()))
-        return false;
+    const QPointF start = from;
     const QPointF direction = to - from;
-    if (!std::isfinite(direction.x()) || !std::isfinite(direction.y()))
-        return false;
     double low = 0.0;
     double high = 1.0;
-    const auto cut = [&](double at, double step, double lower, double upper) {
-        if (step == 0.0)
-            return at >= lower && at <= upper;
-        const double a = (lower - at) / step;
-        const double b = (upper - at) / step;
-        low = std::max(low, std::min(a, b));
-        high = std::min(high, std::max(a, b));
-        return low <= high;
-    };
-    if (!cut(from.x(), direction.x(), box.left(), box.right()) ||
-        !cut(from.y(), direction.y(), box.top(), box.bottom()))
+    if (!isFinite(direction) || !narrow(start, direction, box, low, high))
         return false;
-    const QPointF start = from;
-    const auto at = [&](double t) {
-        const QPointF p = start + direction * t;
-        return QPointF(std::clamp(p.x(), box.left(), box.right()),
-                       std::clamp(p.y(), box.top(), box.bottom()));
-    };
-    from = low > 0.0 ? at(low) : from;
-    to = high < 1.0 ? at(high) : to;
+    if (low > 0.0)
+        from = bounded(start + direction * low, box);
+    if (high < 1.0)
+        to = bounded(start + direction * high, box);
     return true;
 }
 
@@ -67,7 +66,7 @@ QPolygonF acgiClipPolygon(const QPolygonF &polygon, const QRectF &box)
 {
     bool inside = true;
     for (const QPointF &point : polygon) {
-        if (!std::isfinite(point.x()) || !std::isfinite(point.y()))
+        if (!isFinite(point))
             return {};
         inside = inside && point.x() >= box.left() && point.x() <= box.right() && point.y() >= box.top() &&
                  point.y() <= box.bottom();
@@ -96,7 +95,6 @@ QPolygonF acgiClipPolygon(const QPolygonF &polygon, const QRectF &box)
     cutSide([&](QPointF p) { return p.y() - box.top(); });
     cutSide([&](QPointF p) { return box.bottom() - p.y(); });
     for (QPointF &point : kept)
-        point = {std::clamp(point.x(), box.left(), box.right()),
-                 std::clamp(point.y(), box.top(), box.bottom())};
+        point = bounded(point, box);
     return kept;
 }

@@ -76,22 +76,6 @@ void AcGiListStore::clear()
 }
 
 // Reading ----------------------------------------------------------------------------------------
-// The first word of an operation: kind, flags, 16 bits of nothing, traits. The second: the count.
-
-bool AcGiListReader::next()
-{
-    if (m_at >= m_end)
-        return false;
-    const std::uint64_t head = *m_at++;
-    m_op = AcGiListOp(head & 0xFF);
-    m_flags = std::uint8_t(head >> 8);
-    m_traits = std::uint32_t(head >> 32);
-    m_count = std::uint32_t(head >> 16 & 0xFFFF);
-    if (m_count == 0xFFFF)
-        m_count = std::uint32_t(*m_at++);
-    return true;
-}
-
 AcGeMatrix3d AcGiListReader::matrix()
 {
     AcGeMatrix3d read;

@@ -80,7 +80,20 @@ public:
     explicit AcGiListReader(const AcGiDisplayList &list) : m_at(list.words), m_end(list.words + list.size) {}
 
     /// The next operation; false at the end. Its payload must be read whole before the next call.
-    bool next();
+    bool next()
+    {
+        if (m_at >= m_end)
+            return false;
+        // Kind, flags, count, traits; a count that is too large for its 16 bits follows.
+        const std::uint64_t head = *m_at++;
+        m_op = AcGiListOp(head & 0xFF);
+        m_flags = std::uint8_t(head >> 8);
+        m_count = std::uint32_t(head >> 16 & 0xFFFF);
+        m_traits = std::uint32_t(head >> 32);
+        if (m_count == 0xFFFF)
+            m_count = std::uint32_t(*m_at++);
+        return true;
+    }
     AcGiListOp op() const { return m_op; }
     std::uint32_t traits() const { return m_traits; }
     /// Points or loops that follow, columns, flags: as the operation has it.

@@ -7,7 +7,7 @@
 /// What one picture may cost in words of lists; a screenful of a million entities is a tenth of this.
 static constexpr std::int64_t kMostWords = 300'000'000;
 /// What a block reference costs beside the words of its block.
-static constexpr std::int64_t kReferenceWords = 20;
+static constexpr std::int64_t kReferenceWords = 100;
 
 AcGiListPainter::AcGiListPainter(const AcGiScene &scene, AcGiCanvas &canvas, const AcGiPens &pens,
                                  const AcGiPaintOptions &options, std::atomic<bool> &cancelled)

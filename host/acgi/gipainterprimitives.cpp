@@ -146,7 +146,7 @@ void AcGiListPainter::smallArc(QPointF centre, QPointF u, QPointF v, double star
 {
     constexpr double kChordError = 0.25;
     constexpr double kMostSteps = 4096.0;
-    const double step = 2.0 * std::acos(1.0 - std::min(kChordError / radius, 0.5));
+    const double step = 2.0 * std::sqrt(2.0 * std::min(kChordError / radius, 0.5));
     const int steps = int(std::clamp(std::ceil(std::abs(sweep) / step), 2.0, kMostSteps));
     const double turnCos = std::cos(sweep / steps);
     const double turnSin = std::sin(sweep / steps);
