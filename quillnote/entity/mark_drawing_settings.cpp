@@ -1,9 +1,18 @@
 #include "quillnote/entity/mark_drawing_settings.h"
 
+#include "quillnote/entity/mark_state.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include <cstdlib>
+
+static bool usesTrueType()
+{
+    std::optional<bool> &known = markDrawingState().trueType;
+    if (!known)
+        known = settings::number(u"TextStyle") == 1;
+    return *known;
+}
 
 MarkDrawingSettings markDrawingSettings()
 {
@@ -22,7 +31,7 @@ MarkDrawingSettings markDrawingSettings()
             .viewDateTime = copies.viewDateTime,
             .viewName = copies.viewName,
             .displayFlagWithFreehandDraw = copies.displayFlagWithFreehandDraw,
-            .trueType = settings::number(u"TextStyle") == 1};
+            .trueType = usesTrueType()};
 }
 
 int drawnTargetStyle(int targetStyle, const MarkDrawingSettings &settings)

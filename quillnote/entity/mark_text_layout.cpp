@@ -169,8 +169,8 @@ public:
 private:
     double measured(QStringView text) const { return m_font.width(text) * m_size * m_xScale; }
 
-    // The scale of the line before stays in force, so equal lines look equal. A line that was fitted before
-    // comes out at the line width, give or take a rounding.
+    // The scale of the line before stays in force for measuring, so equal lines look equal. A line that was
+    // fitted before comes out at the line width, give or take a rounding.
     void addLine(QStringView text)
     {
         constexpr double kRounding = 1e-9;
@@ -178,7 +178,7 @@ private:
         m_layout.widest = std::max(m_layout.widest, width);
         const double share = width / m_lineWidth;
         if (share > 0.9 && std::abs(share - 1.0) > kRounding)
-            m_xScale /= share;
+            m_xScale = 1.0 / share;
         m_layout.lines.push_back({text.toString(), m_base, m_size, m_xScale});
         m_base = m_base + m_down;
     }

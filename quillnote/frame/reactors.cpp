@@ -75,7 +75,7 @@ public:
     ~QNK2_CommandReactor() override { acedEditor()->removeReactor(this); }
 
     void commandWillStart(const QString &) override { m_registry.ensureDatabaseReactor(); }
-    void commandEnded(const QString &) override { markDrawingState().textSuppressed = false; }
+    void commandEnded(const QString &) override { markDrawingState().commandEnded(); }
 
 private:
     DocumentRegistry &m_registry;

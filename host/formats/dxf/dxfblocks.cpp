@@ -1,5 +1,7 @@
 #include "host/formats/dxf/dxfblocks.h"
 
+#include <utility>
+
 namespace dxf
 {
 
@@ -18,6 +20,8 @@ void BlockCollector::addRecord(AcDbStub *record, std::uint64_t handle, std::stri
     if (handle != 0)
         m_byHandle.try_emplace(handle, record);
     const bool first = m_byName.try_emplace(folded, record).second;
+    if (folded.startsWith("*MODEL_SPACE") || folded.startsWith("*PAPER_SPACE"))
+        m_layouts.insert(record);
     if (first && folded == "*MODEL_SPACE")
         m_model = record;
     if (first && folded == "*PAPER_SPACE")
@@ -34,6 +38,13 @@ AcDbStub *BlockCollector::recordByHandle(std::uint64_t handle)
     m_lastOwner = handle;
     m_lastRecord = found->second;
     return m_lastRecord;
+}
+
+/// What stands outside blocks belongs to a layout, whatever it says of its owner.
+AcDbStub *BlockCollector::layoutByHandle(std::uint64_t handle)
+{
+    AcDbStub *const record = recordByHandle(handle);
+    return m_layouts.contains(record) ? record : nullptr;
 }
 
 AcDbStub *BlockCollector::recordByName(const QByteArray &name) const
@@ -85,7 +96,7 @@ void BlockCollector::addEntity(AcDbStub *entity, std::uint64_t owner, bool paper
         return;
     }
     AcDbStub *const space = paperSpace ? m_paper : m_model;
-    AcDbStub *record = owner != 0 ? recordByHandle(owner) : space;
+    AcDbStub *record = owner != 0 ? layoutByHandle(owner) : space;
     if (!record && space) {
         noteUnknownOwner(owner, paperSpace, place.offset);
         record = space;
@@ -98,7 +109,9 @@ void BlockCollector::addEntity(AcDbStub *entity, std::uint64_t owner, bool paper
 
 void BlockCollector::noteUnknownOwner(std::uint64_t owner, bool paperSpace, std::uint64_t offset)
 {
-    m_log.add(offset, QStringLiteral("the owner %1 is no block; the entity was put into %2 space")
+    if (std::exchange(m_lastUnknownOwner, owner) == owner)
+        return;
+    m_log.add(offset, QStringLiteral("the owner %1 is no layout; its entities were put into %2 space")
                           .arg(QString::number(owner, 16).toUpper(),
                                paperSpace ? QStringLiteral("paper") : QStringLiteral("model")));
 }
@@ -153,7 +166,7 @@ void BlockCollector::finish(bool recordsExpected)
             settle(block, recordsExpected);
     }
     for (const Waiting &waiting : m_waiting) {
-        AcDbStub *record = waiting.owner != 0 ? recordByHandle(waiting.owner) : nullptr;
+        AcDbStub *record = waiting.owner != 0 ? layoutByHandle(waiting.owner) : nullptr;
         if (!record && waiting.owner != 0 && recordsExpected)
             noteUnknownOwner(waiting.owner, waiting.paperSpace, waiting.offset);
         m_loader.addEntity(record ? record : waiting.paperSpace ? m_paper : m_model, waiting.entity);

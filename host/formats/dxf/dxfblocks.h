@@ -9,6 +9,7 @@
 #include "host/formats/dxf/dxfrepair.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 namespace dxf
 {
@@ -51,6 +52,7 @@ private:
     };
 
     AcDbStub *recordByHandle(std::uint64_t handle);
+    AcDbStub *layoutByHandle(std::uint64_t handle);
     AcDbStub *recordByName(const QByteArray &name) const;
     AcDbStub *makeRecord(const QByteArray &name);
     AcDbStub *spaceRecord(const QByteArray &name);
@@ -64,12 +66,14 @@ private:
     std::unordered_map<std::uint64_t, AcDbStub *> m_byHandle;
     std::unordered_map<QByteArray, AcDbStub *> m_byName;  ///< Folded names.
     std::unordered_map<const AcDbStub *, bool> m_claimed; ///< Records that have their block already.
+    std::unordered_set<const AcDbStub *> m_layouts;       ///< Records of model and paper spaces.
     std::vector<Block> m_blocks;
     std::vector<Waiting> m_waiting;
     AcDbStub *m_model = nullptr;
     AcDbStub *m_paper = nullptr;
     std::uint64_t m_lastOwner = 0;
     AcDbStub *m_lastRecord = nullptr;
+    std::uint64_t m_lastUnknownOwner = 0;
 };
 
 } // namespace dxf

@@ -120,7 +120,7 @@ TEST(DxfRepair, MakesMissingBlockRecordsAndOwners)
         testing::UnorderedElementsAre(
             testing::ResultOf(
                 [](const QString &s) { return s.contains(u"the block DOOR has no block record"); }, true),
-            testing::ResultOf([](const QString &s) { return s.contains(u"the owner FFF is no block"); },
+            testing::ResultOf([](const QString &s) { return s.contains(u"the owner FFF is no layout"); },
                               true)));
 }
 
