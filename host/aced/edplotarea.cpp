@@ -172,8 +172,12 @@ static void readArea(AcEdPlot &plot, const PlotSettings &settings, bool model)
                                        AcEdPlotArea::view,    AcEdPlotArea::window,  AcEdPlotArea::layout};
     const std::int64_t kind = settings.integer(74, 5);
     plot.area = kind >= 0 && kind < 6 ? kAreas[kind] : AcEdPlotArea::layout;
-    if (model && plot.area == AcEdPlotArea::layout)
-        plot.area = AcEdPlotArea::limits;
+    if (model && plot.area == AcEdPlotArea::layout) {
+        // Model space has no layout area: nobody has set up this plot.
+        plot.area = AcEdPlotArea::extents;
+        plot.scale.reset();
+        return;
+    }
     plot.viewName = settings.text(6);
     plot.window = AcDbExtents();
     plot.window.addPoint({settings.real(48), settings.real(49), 0});

@@ -39,8 +39,9 @@ TEST(SystemVariables, EveryOneCanBeRead)
         resbuf value;
         ASSERT_EQ(acedGetVar(name.toLower(), value), RTNORM) << qPrintable(name);
         const std::size_t kind = value.resval.index();
-        const resbuf::Value samples[] = {std::int64_t(0), 0.0, QString(), AcGePoint2d(), AcGePoint3d()};
-        const int codes[] = {5003, 5001, 5005, 5002, 5009};
+        const resbuf::Value samples[] = {std::int64_t(0), std::int64_t(0), 0.0,
+                                         QString(),       AcGePoint2d(),   AcGePoint3d()};
+        const int codes[] = {5003, 5010, 5001, 5005, 5002, 5009};
         const auto *const code = std::find(std::begin(codes), std::end(codes), value.restype);
         ASSERT_NE(code, std::end(codes)) << qPrintable(name);
         EXPECT_EQ(kind, samples[code - codes].index())
