@@ -93,7 +93,7 @@ AcGiGlyph FreeTypeFace::glyph(std::uint32_t index, double emSize) const
 
 const QRawFont *FreeTypeFace::rawFont() const
 {
-    if (!m_rawFont && qGuiApp) {
+    if (!m_rawFont && qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
         constexpr double kPixelSize = 64.0; // Whoever paints sets the size that is wanted.
         m_rawFont.emplace(m_path, kPixelSize, QFont::PreferNoHinting);
     }

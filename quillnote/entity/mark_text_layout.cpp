@@ -99,7 +99,9 @@ static AcGiTextStyle shapeStyle(const char *fontFile)
 /// The face of the names under icons; empty without a screen system.
 static QString iconTitleFace()
 {
-    return qGuiApp ? QFontDatabase::systemFont(QFontDatabase::TitleFont).family() : QString();
+    return qobject_cast<QGuiApplication *>(QCoreApplication::instance())
+               ? QFontDatabase::systemFont(QFontDatabase::TitleFont).family()
+               : QString();
 }
 
 static AcGiTextStyle firstInstalledTrueType()
