@@ -42,12 +42,12 @@ public:
         return true;
     }
     Type type() const override { return User; }
-    void updateState(const QPaintEngineState &state) override
+    void updateState(const QPaintEngineState &now) override
     {
-        if (state.state() & DirtyPen)
-            note(state.pen());
-        if (state.state() & DirtyBrush)
-            note(state.brush());
+        if (now.state() & DirtyPen)
+            note(now.pen());
+        if (now.state() & DirtyBrush)
+            note(now.brush());
     }
     void drawPath(const QPainterPath &path) override { note(path); }
     void drawPolygon(const QPointF *points, int count, PolygonDrawMode mode) override

@@ -82,11 +82,13 @@ static acgi::DrawFunction drawFunction(AcDbKind kind)
 
 static void drawCustomForView(const AcDbEntity &entity, const AcGiViewport &view, AcGiGeometry &sink)
 {
-    AcGiWorldDraw world(sink, kAcGiStandardDisplay);
+    // Sinks that do not show anything measure.
+    const AcGiRegenType type = sink.wantsPatterns() ? kAcGiStandardDisplay : kAcGiForExtents;
+    AcGiWorldDraw world(sink, type);
     if (entity.subWorldDraw(&world))
         return;
     sink.beginViewDependent();
-    AcGiViewportDraw context(sink, kAcGiStandardDisplay, view);
+    AcGiViewportDraw context(sink, type, view);
     entity.subViewportDraw(&context);
 }
 

@@ -93,6 +93,13 @@ bool AcGiWindow::mayMeet(const AcDbExtents &box) const
 
 // The sink -----------------------------------------------------------------------------------------
 
+static AcGiScreenView s_screenView = nullptr;
+
+void acgiSetScreenView(AcGiScreenView provider)
+{
+    s_screenView = provider;
+}
+
 namespace
 {
 
@@ -111,6 +118,8 @@ public:
 
     bool answer() const { return m_question == Question::crossing ? m_touched : m_shown && !m_outside; }
     bool isDone() const override { return m_question == Question::crossing ? m_touched : m_outside; }
+    const AcGiViewport *view() const override { return m_view ? &*m_view : nullptr; }
+    void setView(const std::optional<AcGiViewport> &view) { m_view = view; }
     bool wants(const AcDbEntity &nested) override { return m_visibility.isVisible(nested, insideBlock()); }
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
@@ -313,6 +322,7 @@ private:
 
     const AcGiWindow &m_window;
     Question m_question;
+    std::optional<AcGiViewport> m_view;
     AcGiBlockExtents m_ownBlocks;
     AcGiBlockExtents &m_blocks;
     AcGiVisibility m_visibility;
@@ -327,6 +337,8 @@ bool ask(const AcDbEntity &entity, const AcGiWindow &window, Question question, 
     if (window.isEmpty())
         return false;
     RegionSink sink(window, question, blocks);
+    if (entity.isCustom() && s_screenView && entity.database())
+        sink.setView(s_screenView(*entity.database()));
     acgiDrawEntity(entity, sink);
     return sink.answer();
 }

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "host/acdb/dbentity.h"
+#include "host/acgi/giviewport.h"
 
 #include <array>
+#include <optional>
 
 class AcGiBlockExtents;
 
@@ -47,3 +49,8 @@ bool acgiCrossesWindow(const AcDbEntity &entity, const AcGiWindow &window,
 /// Something that the entity shows comes within the square pick box around `point`.
 bool acgiHit(const AcDbEntity &entity, const AcGePoint3d &point, double aperture,
              AcGiBlockExtents *blocks = nullptr);
+
+/// Custom entities that look different in each view are picked as they look in the view on the screen, which
+/// the owner of the views gives; null when the drawing is not shown. Without it their box counts.
+using AcGiScreenView = std::optional<AcGiViewport> (*)(const AcDbDatabase &database);
+void acgiSetScreenView(AcGiScreenView provider);

@@ -79,12 +79,17 @@ void QuillnoteObj3::leaveTraces(const MarkLayout &layout) const
 
 void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
 {
+    const bool isShown = context->regenType() == kAcGiStandardDisplay;
     if (displayMode != -1) {
-        markDrawingState().drawnMarks.insert(objectId());
         const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
         drawMark(layout, *context);
-        leaveTraces(layout);
+        if (isShown) {
+            markDrawingState().drawnMarks.insert(objectId());
+            leaveTraces(layout);
+        }
     }
+    if (!isShown)
+        return; // Somebody asks what would be seen where.
     gripEditing = false;
     markDrawingState().textSuppressed = false;
 }

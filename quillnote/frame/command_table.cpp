@@ -102,7 +102,8 @@ std::span<const CommandRow> commandTable()
 
 static void sayNotBuilt(const char *globalName)
 {
-    acutPrintf(QStringLiteral("\n命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
+    acedFrontEnd().refuseAnswer(
+        QStringLiteral("命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
 }
 
 void registerCommands()

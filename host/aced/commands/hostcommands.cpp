@@ -2,6 +2,8 @@
 #include "host/aced/hostcommands.h"
 
 #include "host/aced/commands/commandtables.h"
+#include "host/aced/edpicture.h"
+#include "host/acgi/giregion.h"
 #include "host/base/assert.h"
 
 #include <array>
@@ -32,8 +34,15 @@ static void registerAliases()
     }
 }
 
+static std::optional<AcGiViewport> screenView(const AcDbDatabase &database)
+{
+    const AcApDocument *const document = acDocManager()->document(&database);
+    return document ? std::optional(acedViewport(*document)) : std::nullopt;
+}
+
 void acedRegisterHostCommands()
 {
+    acgiSetScreenView(screenView);
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(),  viewCommands(),
                             coordinateCommands(), layerCommands(), drawCommands(),  inquiryCommands(),
                             menuCommands(),       plotCommands(),  layoutCommands()};
