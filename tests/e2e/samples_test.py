@@ -29,6 +29,7 @@ class SamplesTest(unittest.TestCase):
 
     def test_the_script_marks_it_up(self):
         shutil.copy(SAMPLES / "plan.dxf", "plan.dxf")
+        program.call("settings", "set", "Software\\Quillnote3", "style", "2", "--number")
         script = (SAMPLES / "mark-up.qns").read_text(encoding="utf-8")
         program.play(script + "QN3_txt\n", "plan.dxf", "marked.dxf")
 
