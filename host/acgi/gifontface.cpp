@@ -7,6 +7,8 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
+#include FT_TRUETYPE_TABLES_H
+#include FT_TRUETYPE_TAGS_H
 
 #include <map>
 
@@ -35,6 +37,9 @@ public:
     const QRawFont *rawFont() const override;
 
 private:
+    QByteArray header() const;
+    QRawFont installedFont(double pixelSize) const;
+
     FT_Face m_face; // Lives as long as the process, as the fonts do.
     QString m_path;
     double m_capHeight = 0.7;
@@ -91,11 +96,40 @@ AcGiGlyph FreeTypeFace::glyph(std::uint32_t index, double emSize) const
     return glyph;
 }
 
+/// The table with the checksum of the file, which tells faces apart.
+QByteArray FreeTypeFace::header() const
+{
+    FT_ULong size = 0;
+    if (FT_Load_Sfnt_Table(m_face, TTAG_head, 0, nullptr, &size) != 0)
+        return {};
+    QByteArray table(qsizetype(size), '\0');
+    FT_Load_Sfnt_Table(m_face, TTAG_head, 0, reinterpret_cast<FT_Byte *>(table.data()), &size);
+    return table;
+}
+
+/// The face as the window system finds it; invalid when it finds another one under that name.
+QRawFont FreeTypeFace::installedFont(double pixelSize) const
+{
+    QFont font;
+    font.setFamilies({QString::fromUtf8(m_face->family_name)});
+    font.setBold(m_face->style_flags & FT_STYLE_FLAG_BOLD);
+    font.setItalic(m_face->style_flags & FT_STYLE_FLAG_ITALIC);
+    font.setPixelSize(int(pixelSize));
+    font.setHintingPreference(QFont::PreferNoHinting);
+    QRawFont found = QRawFont::fromFont(font);
+    const QByteArray wanted = header();
+    return !wanted.isEmpty() && found.fontTable("head") == wanted ? found : QRawFont();
+}
+
 const QRawFont *FreeTypeFace::rawFont() const
 {
     if (!m_rawFont && qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-        constexpr double kPixelSize = 64.0; // Whoever paints sets the size that is wanted.
-        m_rawFont.emplace(m_path, kPixelSize, QFont::PreferNoHinting);
+        constexpr double kPixelSize = 100.0; // Whoever paints scales it.
+        // PDF files embed only faces whose file the window system knows. One that was read from a file
+        // directly has no name there and comes out as outlines: right to look at, but not to be searched.
+        m_rawFont = installedFont(kPixelSize);
+        if (!m_rawFont->isValid())
+            m_rawFont.emplace(m_path, kPixelSize, QFont::PreferNoHinting);
     }
     return m_rawFont && m_rawFont->isValid() ? &*m_rawFont : nullptr;
 }

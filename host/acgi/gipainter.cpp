@@ -330,7 +330,7 @@ void AcGiListPainter::viewport(AcGiListReader &reader, bool)
     if (!m_canvas.visible().isEmpty()) {
         m_insideViewport = true;
         m_frame = {AcGeMatrix3d(), pens, nullptr, 1.0, int(number) + 1};
-        const double scale = picture.height / picture.viewHeight;
+        const double scale = pens->scalesLinetypesOnSheets() ? 1.0 : picture.height / picture.viewHeight;
         paint(*space, outer.toPixel * modelToSheet(picture), outer.pixelsPerUnit * scale);
         m_insideViewport = false;
     }

@@ -69,6 +69,8 @@ private:
     void fill(AcGiListReader &reader, bool shown);
     void text(AcGiListReader &reader, bool shown);
     void textRun(const AcGiFont &font, QStringView text, double tracking, const QTransform &placed);
+    void faceRun(std::span<const AcGiPlacedGlyph> glyphs, const QTransform &placed);
+    void outlines(std::span<const AcGiPlacedGlyph> glyphs, const QTransform &placed);
     void infiniteLine(AcGiListReader &reader, bool shown);
     void marker(AcGiListReader &reader, bool shown);
     void image(AcGiListReader &reader, bool shown);

@@ -226,34 +226,57 @@ void AcGiListPainter::text(AcGiListReader &reader, bool shown)
                        position + direction * std::bit_cast<double>(placed[1]));
 }
 
-/// Text that stays text: runs of glyphs of one face.
+/// Text that stays text, so that it can be searched for in a PDF file: runs of glyphs of one face. Symbols
+/// that no face has are outlines.
 void AcGiListPainter::textRun(const AcGiFont &font, QStringView text, double tracking,
                               const QTransform &placed)
 {
     std::vector<AcGiPlacedGlyph> glyphs;
     font.layOut(text, glyphs);
+    for (AcGiPlacedGlyph &glyph : glyphs)
+        glyph.x *= tracking;
+    std::span<const AcGiPlacedGlyph> rest = glyphs;
+    while (!rest.empty()) {
+        const auto isOther = [&](const AcGiPlacedGlyph &glyph) {
+            return glyph.face != rest.front().face || glyph.emSize != rest.front().emSize;
+        };
+        const auto length = std::size_t(std::ranges::find_if(rest, isOther) - rest.begin());
+        if (rest.front().face)
+            faceRun(rest.first(length), placed);
+        else
+            outlines(rest.first(length), placed);
+        rest = rest.subspan(length);
+    }
+}
+
+/// The transform does all placing, so that width factors, slants and mirrors are those of the outlines.
+void AcGiListPainter::faceRun(std::span<const AcGiPlacedGlyph> glyphs, const QTransform &placed)
+{
+    const QRawFont &face = *glyphs.front().face;
+    const double scale = glyphs.front().emSize / face.pixelSize();
+    QVector<quint32> indexes;
+    QVector<QPointF> places;
+    for (const AcGiPlacedGlyph &glyph : glyphs) {
+        indexes.push_back(glyph.index);
+        places.push_back({glyph.x / scale, 0.0});
+    }
+    QGlyphRun run;
+    run.setRawFont(face);
+    run.setGlyphIndexes(indexes);
+    run.setPositions(places);
     QPainter &painter = m_canvas.painter();
     painter.save();
     painter.setPen(QColor::fromRgba(m_pen->color));
-    constexpr double kFaceSize = 100.0;
-    const double scale = font.emSize() / kFaceSize;
     painter.setTransform(QTransform(scale, 0, 0, -scale, 0, 0) * placed, true);
-    for (std::size_t first = 0, last = 0; first < glyphs.size(); first = last) {
-        QGlyphRun run;
-        QRawFont face = *glyphs[first].face;
-        face.setPixelSize(kFaceSize);
-        QVector<quint32> indexes;
-        QVector<QPointF> places;
-        for (last = first; last < glyphs.size() && glyphs[last].face == glyphs[first].face; ++last) {
-            indexes.push_back(glyphs[last].index);
-            places.push_back({glyphs[last].x * tracking / scale, 0.0});
-        }
-        run.setRawFont(face);
-        run.setGlyphIndexes(indexes);
-        run.setPositions(places);
-        painter.drawGlyphRun({}, run);
-    }
+    painter.drawGlyphRun({}, run);
     painter.restore();
+}
+
+void AcGiListPainter::outlines(std::span<const AcGiPlacedGlyph> glyphs, const QTransform &placed)
+{
+    m_canvas.beginGlyphs({placed.m11(), placed.m12(), placed.m21(), placed.m22()});
+    for (const AcGiPlacedGlyph &glyph : glyphs)
+        m_canvas.glyph(*glyph.glyph, placed.map(QPointF(glyph.x, 0.0)));
 }
 
 void AcGiListPainter::infiniteLine(AcGiListReader &reader, bool shown)

@@ -33,6 +33,7 @@ public:
     /// Null for continuous ones.
     const AcGiLinetype *linetype(AcDbObjectId record) const;
     double linetypeScale() const { return m_linetypeScale; } ///< $LTSCALE
+    /// $PSLTSCALE: viewports of a sheet show linetypes at the sheet's scale, not at their own.
     bool scalesLinetypesOnSheets() const { return m_scalesOnSheets; }
     int defaultLineWeight() const { return m_defaultLineWeight; }
 
@@ -74,6 +75,7 @@ public:
     AcGiPen pen(const AcGiTraits &traits, const AcGiPen *shower) const;
     /// The pen of the traits of that number.
     const AcGiPen &pen(std::uint32_t number, const AcGiPen *shower, AcGiPen &scratch) const;
+    bool scalesLinetypesOnSheets() const { return m_tables.scalesLinetypesOnSheets(); }
     QRgb foreground() const { return m_foreground; }
     QRgb background() const { return m_background; }
 
