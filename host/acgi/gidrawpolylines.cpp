@@ -130,7 +130,7 @@ static PolylineData readVertices(const AcDbEntity &entity, const EntityGroups &p
     return read;
 }
 
-static MeshGrid gridOf(const EntityGroups &groups, std::vector<AcGiVertex> vertices)
+static MeshGrid gridOf(const EntityGroups &groups, const std::vector<AcGiVertex> &vertices)
 {
     const bool smooth = groups.integer(75) != 0;
     const std::int64_t flags = groups.integer(70);

@@ -157,8 +157,8 @@ public:
     /// What follows shows only inside the loops (even-odd), or only outside when `inverted`; clips nest.
     virtual void pushClip(std::span<const AcGiLoop> /*loops*/, bool /*inverted*/) {}
     virtual void popClip() {}
-    /// The view that is drawn for. Custom entities draw themselves only where there is one; other sinks get the
-    /// box of their extents.
+    /// The view that is drawn for. Custom entities draw themselves only where there is one; other sinks get
+    /// the box of their extents.
     virtual const AcGiViewport *view() const { return nullptr; }
     /// What the entity draws from here on looks different in each view.
     virtual void beginViewDependent() {}

@@ -16,6 +16,17 @@ enum Edge : std::int64_t { kNoEdge = 0, kLineEdge = 1, kCircleEdge = 2, kEllipse
 
 constexpr int kPerTurn = 128;
 
+/// Elliptic edges file the directions of their ends from the major axis, not the parameters. Whole turns
+/// stay.
+double ellipseParameter(double direction, double ratio)
+{
+    if (ratio == 0.0)
+        return direction;
+    const double parameter = std::atan2(std::sin(direction) / std::abs(ratio), std::cos(direction));
+    constexpr double kTurn = 2.0 * kGePi;
+    return parameter + kTurn * std::round((direction - parameter) / kTurn);
+}
+
 /// Collects the boundary paths group by group; the meaning of a code depends on what came before.
 class BoundaryReader
 {
@@ -148,8 +159,10 @@ private:
         arc.u = isCircle ? AcGeVector3d(m_size, 0.0, 0.0) : m_second.asVector();
         arc.v = AcGeVector3d(-arc.u.y, arc.u.x, 0.0) * (isCircle ? 1.0 : m_size);
         const double sign = m_counterClockwise ? 1.0 : -1.0;
-        arc.start = sign * m_start;
-        double along = std::fmod(m_end - m_start, 2.0 * kGePi);
+        const double start = isCircle ? m_start : ellipseParameter(m_start, m_size);
+        const double end = isCircle ? m_end : ellipseParameter(m_end, m_size);
+        arc.start = sign * start;
+        double along = std::fmod(end - start, 2.0 * kGePi);
         if (along <= 1e-12)
             along += 2.0 * kGePi;
         arc.sweep = sign * along;

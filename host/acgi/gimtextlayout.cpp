@@ -461,7 +461,7 @@ MTextLayout layOutMText(const AcGiMText &text)
 
     MTextLayout layout;
     const double wrap = text.columns > 1 && text.columnWidth > 0.0 ? text.columnWidth : text.wrapWidth;
-    LineBreaker(text, content, wrap, layout.lines);
+    const LineBreaker broken(text, content, wrap, layout.lines);
     double width = wrap;
     if (wrap <= 0.0) {
         for (const MTextLine &line : layout.lines)
@@ -477,7 +477,8 @@ MTextLayout layOutMText(const AcGiMText &text)
     layout.columnStep = width + text.columnGap;
     const double whole = columns * layout.columnStep - text.columnGap;
     layout.left = -whole * double(attachment % 3) / 2.0;
-    const double up = -filler.lowest() * double(attachment / 3) / 2.0;
+    const int row = attachment / 3; // 0 top, 1 middle, 2 bottom
+    const double up = -filler.lowest() * double(row) / 2.0;
     for (MTextLine &line : layout.lines)
         line.y += up;
     layout.box = boxOf(layout);

@@ -400,7 +400,7 @@ QString MTextReader::parameter()
 MTextContent readMText(const QString &coded, const MTextFormat &start)
 {
     MTextContent content;
-    MTextReader(coded, start, content);
+    const MTextReader read(coded, start, content);
     return content;
 }
 

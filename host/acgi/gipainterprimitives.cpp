@@ -52,6 +52,7 @@ private:
         placed.scale(size, -size);
         for (const std::vector<QPointF> &line : acgiPatternShape(text)) {
             std::vector<QPointF> points;
+            points.reserve(line.size());
             for (const QPointF &point : line)
                 points.push_back(placed.map(point));
             m_canvas.chain(points);

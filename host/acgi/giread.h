@@ -1,4 +1,5 @@
-// Reading native entities and objects for drawing: their own groups by code, and the entities they consist of.
+// Reading native entities and objects for drawing: their own groups by code, and the entities they consist
+// of.
 #pragma once
 
 #include "host/acdb/dbentity.h"

@@ -148,8 +148,8 @@ TEST(LayPattern, DenseAndSenselessPatternsAreOneDash)
 TEST(ReadLinetype, TextsAndShapesStandInThePattern)
 {
     MemoryDrawing drawing;
-    const std::uint64_t font =
-        drawing.record(SymbolTable::textStyle, "STYLE", "", {{70, 1}, {40, 0.0}, {3, "C:\\fonts\\LTypeShp.shx"}});
+    const std::uint64_t font = drawing.record(SymbolTable::textStyle, "STYLE", "",
+                                              {{70, 1}, {40, 0.0}, {3, "C:\\fonts\\LTypeShp.shx"}});
     const std::uint64_t record = drawing.record(SymbolTable::linetype, "LTYPE", "GAS",
                                                 {{70, 0},
                                                  {3, ""},
