@@ -124,19 +124,20 @@ void fillGradient(const HatchGradient &gradient, const std::vector<AcGiLoop> &lo
     const GradientBox box(gradient, loops);
     const AcGePoint3d light = gradient.centred ? box.at(0.5, 0.5) : box.at(0.25, 0.75);
     sink.pushClip(loops, false);
+    // Each band reaches under the next one, so that no seam shows the background where smoothed edges meet.
+    constexpr double kWidth = 1.0 / kBands;
     for (int i = 0; i < kBands; ++i) {
-        const double from = double(i) / kBands;
-        // Bands overlap a little, so that no seams show between them.
-        const double to = std::min(1.0, from + 1.05 / kBands);
+        const bool isSphere = gradient.shape == HatchGradient::spherical;
+        const double from = kWidth * (isSphere ? kBands - 1 - i : i);
         sink.subEntityTraits().setTrueColor(AcCmEntityColor::fromRgb(
-            mixed(gradient.first, gradient.second, colorShare(gradient, from + 0.5 / kBands))));
-        if (gradient.shape == HatchGradient::spherical) {
-            std::vector<AcGiLoop> ring{box.disc(light, to)};
-            if (i > 0)
-                ring.push_back(box.disc(light, from));
+            mixed(gradient.first, gradient.second, colorShare(gradient, from + kWidth / 2.0))));
+        if (isSphere) {
+            std::vector<AcGiLoop> ring{box.disc(light, from + kWidth)};
+            if (from > kWidth)
+                ring.push_back(box.disc(light, from - kWidth));
             sink.fill(ring);
         } else {
-            const AcGiLoop band = box.band(from, to);
+            const AcGiLoop band = box.band(from, std::min(1.0, from + 2.0 * kWidth));
             sink.fill(std::span(&band, 1));
         }
     }
