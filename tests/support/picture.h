@@ -26,8 +26,8 @@ Picture paintPicture(AcDbObjectId space, const AcGiViewport &view);
 /// Two pixels differ when a channel differs by more than this; letters are smoothed a little differently
 /// by other versions of the libraries.
 inline constexpr int kChannelTolerance = 48;
-/// This share of the pixels may differ.
-inline constexpr double kPixelTolerance = 0.002;
+/// This share of the pixels may differ: less than one digit in a flag.
+inline constexpr double kPixelTolerance = 0.0005;
 
 /// Pixels that differ; every pixel of the larger picture when the sizes are not the same.
 qsizetype differingPixels(const QImage &a, const QImage &b);
