@@ -27,7 +27,7 @@ Picture paintPicture(AcDbObjectId space, const AcGiViewport &view);
 /// by other versions of the libraries.
 inline constexpr int kChannelTolerance = 48;
 /// This share of the pixels may differ: less than one digit in a flag.
-inline constexpr double kPixelTolerance = 0.0005;
+inline constexpr double kPixelTolerance = 0.0002;
 
 /// Pixels that differ; every pixel of the larger picture when the sizes are not the same.
 qsizetype differingPixels(const QImage &a, const QImage &b);
