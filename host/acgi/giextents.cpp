@@ -1,6 +1,7 @@
 #include "host/acgi/giextents.h"
 
 #include "host/acgi/gidraw.h"
+#include "host/acgi/givisibility.h"
 
 #include <cmath>
 
@@ -102,19 +103,60 @@ private:
     std::size_t m_work = 0;
 };
 
+/// Keeps the reach of each entity of a block apart.
+class PartsSink : public ExtentsSink
+{
+public:
+    PartsSink(AcGiBlockExtents &blocks, std::unordered_set<QString> &layers)
+        : ExtentsSink(&blocks), m_layers(layers)
+    {
+    }
+    AcGiBlockReach block;
+
+    void beginEntity(const AcDbEntity &entity) override
+    {
+        if (m_depth++ > 0) {
+            block.parts.back().hasParts = true;
+            return;
+        }
+        reach = {};
+        block.parts.push_back(
+            {entity.objectId(), {}, *m_layers.insert(entity.layer()).first, acgiIsSwitchedOff(entity)});
+    }
+
+    void endEntity() override
+    {
+        if (--m_depth > 0)
+            return;
+        block.parts.back().reach = reach;
+        block.box.addExt(reach.box);
+        block.endless = block.endless || reach.endless;
+    }
+
+    bool blockReference(const AcGiBlockPlacement &reference) override
+    {
+        block.parts.back().hasParts = true;
+        return ExtentsSink::blockReference(reference);
+    }
+
+private:
+    std::unordered_set<QString> &m_layers;
+    int m_depth = 0;
+};
+
 } // namespace
 
-const AcGiReach &AcGiBlockExtents::of(AcDbObjectId blockRecord)
+const AcGiBlockReach &AcGiBlockExtents::of(AcDbObjectId blockRecord)
 {
     // The empty reach that stands here meanwhile ends the repetition of a block that contains itself.
-    const auto [place, isNew] = m_boxes.try_emplace(blockRecord);
-    AcGiReach &reach = place->second; // Stays where it is while others are added.
+    const auto [place, isNew] = m_blocks.try_emplace(blockRecord);
+    AcGiBlockReach &block = place->second; // Stays where it is while others are added.
     if (isNew) {
-        ExtentsSink sink(this);
+        PartsSink sink(*this, m_layers);
         acgiDrawBlock(blockRecord, sink);
-        reach = sink.reach;
+        block = std::move(sink.block);
     }
-    return reach;
+    return block;
 }
 
 AcGiReach acgiReach(const AcDbEntity &entity, AcGiBlockExtents &blocks)

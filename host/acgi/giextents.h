@@ -5,6 +5,7 @@
 #include "host/acgi/gigeometry.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 /// How far something reaches: its box, and whether lines without end go beyond it.
 struct AcGiReach {
@@ -12,18 +13,32 @@ struct AcGiReach {
     bool endless = false;
 };
 
-/// Reaches of block definitions, in block coordinates, each computed once. Good as long as no block
-/// definition changes.
+/// An entity of a block definition: what has to be known of it before it is worth decoding.
+struct AcGiBlockPart {
+    AcDbObjectId entity;
+    AcGiReach reach; ///< In block coordinates.
+    QString layer;
+    bool isSwitchedOff = false; ///< Group 60.
+    bool hasParts = false;      ///< Shows blocks or attributes, which may be hidden each for itself.
+};
+
+/// A block definition in its own coordinates, and all that it shows.
+struct AcGiBlockReach : AcGiReach {
+    std::vector<AcGiBlockPart> parts;
+};
+
+/// Reaches of block definitions, each computed once. Good as long as no block definition changes.
 class AcGiBlockExtents
 {
 public:
     /// A block that contains itself counts without the repetition.
-    const AcGiReach &of(AcDbObjectId blockRecord);
-    bool knows(AcDbObjectId blockRecord) const { return m_boxes.contains(blockRecord); }
-    void clear() { m_boxes.clear(); }
+    const AcGiBlockReach &of(AcDbObjectId blockRecord);
+    bool knows(AcDbObjectId blockRecord) const { return m_blocks.contains(blockRecord); }
+    void clear() { m_blocks.clear(); }
 
 private:
-    std::unordered_map<AcDbObjectId, AcGiReach> m_boxes;
+    std::unordered_map<AcDbObjectId, AcGiBlockReach> m_blocks;
+    std::unordered_set<QString> m_layers; ///< So that parts of one layer share its name.
 };
 
 /// How far an entity reaches, with the boxes of blocks taken from `blocks`.

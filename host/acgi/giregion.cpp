@@ -2,6 +2,7 @@
 
 #include "host/acgi/gidraw.h"
 #include "host/acgi/giextents.h"
+#include "host/acgi/giread.h"
 #include "host/acgi/givisibility.h"
 
 #include <algorithm>
@@ -177,7 +178,7 @@ public:
 
     bool blockReference(const AcGiBlockPlacement &reference) override
     {
-        const AcGiReach &block = m_blocks.of(reference.record);
+        const AcGiBlockReach &block = m_blocks.of(reference.record);
         const auto draw = [&](int column, int row) {
             if (!isDone())
                 drawInstance(reference.record, block, reference.instance(column, row));
@@ -235,7 +236,7 @@ private:
                 std::min(all.lastRow, clamped(std::floor(steps.maxPoint().y), all.lastRow))};
     }
 
-    void drawInstance(AcDbObjectId record, const AcGiReach &block, const AcGeMatrix3d &placement)
+    void drawInstance(AcDbObjectId record, const AcGiBlockReach &block, const AcGeMatrix3d &placement)
     {
         ++m_work;
         const AcGiModelTransform placed(*this, placement);
@@ -246,8 +247,38 @@ private:
             m_outside = m_outside || !m_window.contains(box);
             m_touched = m_touched || m_window.mayMeet(box);
         } else if (block.endless || m_question == Question::inside || m_window.mayMeet(box)) {
-            acgiDrawBlock(record, *this);
+            drawParts(record, block);
         }
+    }
+
+    /// Decodes only the entities that their boxes leave in doubt.
+    void drawParts(AcDbObjectId record, const AcGiBlockReach &block)
+    {
+        if (!enterBlock(record))
+            return;
+        std::vector<const AcGiBlockPart *> doubtful;
+        for (const AcGiBlockPart &part : block.parts) {
+            if (isDone())
+                break;
+            AcDbExtents box = part.reach.box;
+            box.transformBy(modelToWorld());
+            const bool isInside = m_window.contains(box) && !part.reach.endless;
+            const bool matters = isInside || part.reach.endless || m_question == Question::inside ||
+                                 (box.isValid() && m_window.mayMeet(box));
+            if (!matters || part.isSwitchedOff ||
+                !m_visibility.layerShowsInBlock(*record.database(), part.layer))
+                continue;
+            if (isInside && !part.hasParts)
+                m_shown = m_touched = true;
+            else
+                doubtful.push_back(&part);
+        }
+        for (const AcGiBlockPart *const part : doubtful) {
+            if (isDone())
+                break;
+            readEntity(part->entity, [this](const AcDbEntity &entity) { acgiDrawEntity(entity, *this); });
+        }
+        leaveBlock();
     }
 
     void notePoint(const AcGePoint3d &point)

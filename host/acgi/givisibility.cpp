@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-static bool isSwitchedOff(const AcDbEntity &entity)
+bool acgiIsSwitchedOff(const AcDbEntity &entity)
 {
     const resbuf *const invisible = findGroup(entity.groups(), 60);
     return invisible && invisible->integer() != 0;
@@ -18,20 +18,29 @@ static bool layerShows(AcDbObjectId layer)
 
 bool acgiIsVisible(const AcDbEntity &entity)
 {
-    return !isSwitchedOff(entity) && layerShows(entity.layerId());
+    return !acgiIsSwitchedOff(entity) && layerShows(entity.layerId());
 }
 
 bool AcGiVisibility::isVisible(const AcDbEntity &entity, bool insideBlock)
 {
-    if (isSwitchedOff(entity))
+    if (acgiIsSwitchedOff(entity))
         return false;
     const QString layer = entity.layer();
-    if (insideBlock && layer == u"0")
-        return true;
+    return (insideBlock && layer == u"0") || layerShows(entity.database(), layer);
+}
+
+bool AcGiVisibility::layerShowsInBlock(const AcDbDatabase &database, const QString &layer)
+{
+    return layer == u"0" || layerShows(&database, layer);
+}
+
+bool AcGiVisibility::layerShows(const AcDbDatabase *database, const QString &layer)
+{
     const auto known = std::ranges::find(m_layers, layer, &std::pair<QString, bool>::first);
     if (known != m_layers.end())
         return known->second;
-    const bool shows = layerShows(entity.layerId());
+    const bool shows =
+        ::layerShows(database ? database->tableRecord(SymbolTable::layer, layer) : AcDbObjectId());
     m_layers.emplace_back(layer, shows);
     return shows;
 }
