@@ -3,6 +3,7 @@
 #include "host/acge/gematrix.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 static constexpr double kBeyond = std::numeric_limits<double>::infinity();
@@ -35,11 +36,18 @@ void AcDbExtents::transformBy(const AcGeMatrix3d &matrix)
 {
     if (!isValid())
         return;
-    AcDbExtents turned;
-    for (int corner = 0; corner < 8; ++corner)
-        turned.addPoint(matrix * AcGePoint3d(corner & 1 ? m_max.x : m_min.x, corner & 2 ? m_max.y : m_min.y,
-                                             corner & 4 ? m_max.z : m_min.z));
-    *this = turned;
+    // Each coordinate of the turned corners is smallest where every product is, and largest likewise.
+    std::array<double, 3> low;
+    std::array<double, 3> high;
+    for (std::size_t row = 0; row < 3; ++row) {
+        const auto &factor = matrix.entry[row];
+        const auto [lowX, highX] = std::minmax({factor[0] * m_min.x, factor[0] * m_max.x});
+        const auto [lowY, highY] = std::minmax({factor[1] * m_min.y, factor[1] * m_max.y});
+        const auto [lowZ, highZ] = std::minmax({factor[2] * m_min.z, factor[2] * m_max.z});
+        low[row] = lowX + lowY + lowZ + factor[3];
+        high[row] = highX + highY + highZ + factor[3];
+    }
+    *this = AcDbExtents({low[0], low[1], low[2]}, {high[0], high[1], high[2]});
 }
 
 bool AcDbExtents::containsInPlane(const AcDbExtents &other) const

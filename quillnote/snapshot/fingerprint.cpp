@@ -24,6 +24,13 @@ static void appendNumber(QString &text, double value)
     text += QLatin1String(digits, end - digits);
 }
 
+static void appendInteger(QString &text, std::int32_t value)
+{
+    std::array<char, 16> buffer;
+    const char *const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    text += QLatin1String(buffer.data(), end - buffer.data());
+}
+
 static void appendPoint(QString &text, const AcGePoint3d &point)
 {
     text += QLatin1Char('(');
@@ -35,21 +42,28 @@ static void appendPoint(QString &text, const AcGePoint3d &point)
     text += QLatin1Char(')');
 }
 
+static void appendQuoted(QString &text, const resbuf &group)
+{
+    text += QLatin1Char('"');
+    text += group.text();
+    text += QLatin1Char('"');
+}
+
 static void appendValue(QString &text, const resbuf &group)
 {
     const int code = group.restype;
     if (code <= 9 && std::holds_alternative<std::monostate>(group.resval))
         text += QLatin1String("(NULL)");
     else if (code <= 9)
-        text += QLatin1Char('"') + group.text() + QLatin1Char('"');
+        appendQuoted(text, group);
     else if (code <= 17)
         appendPoint(text, group.point());
     else if (code >= 38 && code <= 59)
         appendNumber(text, group.real());
     else if (code >= 60 && code <= 79)
-        text += QString::number(static_cast<std::int16_t>(group.integer()));
+        appendInteger(text, static_cast<std::int16_t>(group.integer()));
     else if (code >= 90)
-        text += QString::number(static_cast<std::int32_t>(group.integer()));
+        appendInteger(text, static_cast<std::int32_t>(group.integer()));
     else
         text += QLatin1String("*Unknown*");
 }
@@ -62,7 +76,7 @@ QString fingerprintText(const ResbufList &data)
         if (group.restype < 0 || group.restype > 99 || group.restype == kColor)
             continue;
         text += QLatin1Char('(');
-        text += QString::number(group.restype);
+        appendInteger(text, group.restype);
         text += QLatin1Char(',');
         appendValue(text, group);
         text += QLatin1Char(')');
