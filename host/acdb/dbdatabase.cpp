@@ -145,13 +145,16 @@ AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
     return stub.object;
 }
 
-// Custom objects stay: making them again costs more than keeping them. Native ones are made in a blink.
+// Custom objects stay: making them again costs more than keeping them. So do records of symbol tables, which
+// are few and asked for by every entity. Other native objects are made in a blink.
 void AcDbDatabase::releaseIdle(AcDbStub &stub)
 {
     const AcDbObject *const object = stub.object;
     if (!object || !object->isIdle())
         return;
     if (stub.has(AcDbStub::kChanged) || !stub.has(AcDbStub::kHasSource) || object->isCustom())
+        return;
+    if (!stub.has(AcDbStub::kEntity) && object->isKindOf(AcDbSymbolTableRecord::desc()))
         return;
     delete std::exchange(stub.object, nullptr);
 }
