@@ -51,6 +51,13 @@ def plots():
     check({told["pages"][0]["width"], told["pages"][0]["height"]} == {297, 420}, "that is no A3")
     information = tool("pdfinfo", "plan.pdf")
     check(information is None or "A3" in information or "841.8" in information, f"no A3 page: {information}")
+    text = tool("pdftotext", "-raw", "plan.pdf", "-")
+    if text is not None:
+        words = ("泵房", "PUMP ROOM", "控制室", "一层平面图 GROUND FLOOR PLAN")
+        check(all(each in text for each in words), f"the plan's text cannot be found in the plot: {text}")
+        fonts = [line.split() for line in tool("pdffonts", "plan.pdf").splitlines()[2:]]
+        # From the right: object (two numbers), unicode map, subset, embedded.
+        check(fonts and all(font[-5] == "yes" for font in fonts), f"fonts are not embedded: {fonts}")
     call("plot", PLAN, "plan.pdf", status=2)
     call("plot", PLAN, "never.pdf", "--paper", "A99", status=2)
     check(not Path("never.pdf").exists(), "a refused plot was written")

@@ -216,3 +216,36 @@ TEST(Display, ShowsModelSpaceThroughViewports)
     EXPECT_EQ(picture.at(50, 45), kBlack) << "below the square";
     EXPECT_EQ(picture.at(50, 75), kBlack) << "outside the viewport";
 }
+
+TEST(Display, ScalesLinetypesInViewportsAsTheSheetOrAsTheView)
+{
+    const auto pixelsOf = [](int scalesAsSheet) {
+        MemoryDrawing drawing;
+        drawing.headerVariable("$PSLTSCALE", {{70, scalesAsSheet}});
+        drawing.record(SymbolTable::linetype, "LTYPE", "DASHES",
+                       {{73, 2}, {40, 20.0}, {49, 10.0}, {74, 0}, {49, -10.0}, {74, 0}});
+        drawing.entity("LINE",
+                       {{6, "DASHES"}, {62, 1}, {10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(500, 0, 0)}});
+        drawing.entity("VIEWPORT",
+                       {{100, "AcDbViewport"},
+                        {10, AcGePoint3d(50, 50.5, 0)},
+                        {40, 100.0},
+                        {41, 100.0},
+                        {68, 1},
+                        {69, 2},
+                        {12, AcGePoint2d(250, 0)},
+                        {45, 500.0}},
+                       drawing.paperSpace());
+        const auto database = drawing.open();
+        return paint(*database, database->paperSpaceId());
+    };
+    const auto changes = [](const Picture &picture) {
+        int count = 0;
+        for (int x = 1; x < 99; ++x)
+            count += (picture.at(x, 50.5) == kBlack) != (picture.at(x + 1, 50.5) == kBlack);
+        return count;
+    };
+    // A pattern of 20 units on a sheet of 100, or in a view of 500.
+    EXPECT_NEAR(changes(pixelsOf(1)), 10, 2);
+    EXPECT_NEAR(changes(pixelsOf(0)), 50, 4);
+}
