@@ -11,6 +11,8 @@ namespace
 struct FontRow {
     QStringView name; ///< Typeface, or file without its extension; lower case.
     FontFamily family;
+    bool bold = false; ///< Whatever is asked for besides.
+    bool italic = false;
 };
 
 } // namespace
@@ -31,13 +33,13 @@ static constexpr FontRow kFonts[] = {
     {u"amgdtans", symbols},
     // Latin typefaces and their files
     {u"arial", sans},
-    {u"arialbd", sans},
-    {u"ariali", sans},
-    {u"arialbi", sans},
+    {u"arialbd", sans, true},
+    {u"ariali", sans, false, true},
+    {u"arialbi", sans, true, true},
     {u"arial narrow", sans},
     {u"arialn", sans},
-    {u"arial black", sans},
-    {u"ariblk", sans},
+    {u"arial black", sans, true},
+    {u"ariblk", sans, true},
     {u"helvetica", sans},
     {u"liberation sans", sans},
     {u"liberationsans-regular", sans},
@@ -56,9 +58,9 @@ static constexpr FontRow kFonts[] = {
     {u"simplex", sans},
     {u"times new roman", serif},
     {u"times", serif},
-    {u"timesbd", serif},
-    {u"timesi", serif},
-    {u"timesbi", serif},
+    {u"timesbd", serif, true},
+    {u"timesi", serif, false, true},
+    {u"timesbi", serif, true, true},
     {u"liberation serif", serif},
     {u"georgia", serif},
     {u"cambria", serif},
@@ -66,7 +68,7 @@ static constexpr FontRow kFonts[] = {
     {u"courier new", mono},
     {u"courier", mono},
     {u"cour", mono},
-    {u"courbd", mono},
+    {u"courbd", mono, true},
     {u"consolas", mono},
     {u"consola", mono},
     {u"lucida console", mono},
@@ -105,7 +107,7 @@ static constexpr FontRow kFonts[] = {
     {u"stxihei", cjk},
     {u"\u534E\u6587\u7EC6\u9ED1", cjk},
     {u"msyh", cjk},
-    {u"msyhbd", cjk},
+    {u"msyhbd", cjk, true},
     {u"microsoft yahei", cjk},
     {u"\u5FAE\u8F6F\u96C5\u9ED1", cjk},
     {u"dengxian", cjk},
@@ -162,8 +164,11 @@ FontChoice chooseFont(const AcGiFontRequest &request)
     else if (name.endsWith(u".shx", Qt::CaseInsensitive))
         name.chop(4);
     const FontRow *const row = rowOf(name);
-    if (row)
+    if (row) {
         choice.family = row->family;
+        choice.bold = choice.bold || row->bold;
+        choice.italic = choice.italic || row->italic;
+    }
     choice.isListed = row || choice.isStroke;
     return choice;
 }

@@ -99,6 +99,8 @@ TEST(Fonts, AreFoundByTheTable)
     EXPECT_NE(width(file("times.ttf")), sans);
     EXPECT_EQ(width(file("times.ttf")), width(typeface("Times New Roman")));
     EXPECT_EQ(acgiFont(typeface("Courier New")).width(u"i"), acgiFont(typeface("Courier New")).width(u"m"));
+    EXPECT_EQ(width(file("arialbd.ttf")), width(typeface("Arial", true)));
+    EXPECT_NE(width(file("arialbd.ttf")), sans);
     EXPECT_TRUE(isFound(file("somebody's own.shx")));
     EXPECT_TRUE(isFound(typeface(QString::fromUtf8("@宋体"))));
     EXPECT_FALSE(isFound(typeface("Nobody's Typeface")));
