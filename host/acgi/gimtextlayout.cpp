@@ -433,10 +433,11 @@ private:
 
 } // namespace
 
+// A line that ends in taken-back blanks, or holds nothing but half a stack, may run against its direction.
 static void extend(AcGiMTextBox &box, double left, double bottom, double right, double top)
 {
-    box.low = {std::min(box.low.x, left), std::min(box.low.y, bottom)};
-    box.high = {std::max(box.high.x, right), std::max(box.high.y, top)};
+    box.low = {std::min({box.low.x, left, right}), std::min({box.low.y, bottom, top})};
+    box.high = {std::max({box.high.x, left, right}), std::max({box.high.y, bottom, top})};
 }
 
 /// The box of the lines, from the upper left corner of the first column.
