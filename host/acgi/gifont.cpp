@@ -43,7 +43,6 @@ public:
 
     const FontChoice &choice() const { return m_choice; }
     bool isFound() const { return m_isFound; }
-    double emSize() const { return m_emSize; }
 
     double advance(char32_t character) { return entry(character).glyph->advance; }
 
@@ -151,7 +150,6 @@ public:
     Font(const AcGiFontRequest &request, GlyphCache &glyphs) : m_request(request), m_glyphs(glyphs) {}
 
     bool isFound() const override { return m_glyphs.isFound(); }
-    double emSize() const override { return m_glyphs.emSize(); }
     const AcGiFontRequest &request() const override { return m_request; }
 
     double width(QStringView text) const override

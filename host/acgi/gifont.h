@@ -46,8 +46,6 @@ public:
     virtual double width(QStringView text) const = 0;
     /// The glyphs of a line, in order; one per character, those missing in the face from the CJK face.
     virtual void layOut(QStringView text, std::vector<AcGiPlacedGlyph> &glyphs) const = 0;
-    /// The size (em) of the font's own face at which a capital letter is 1 high; see AcGiPlacedGlyph.
-    virtual double emSize() const = 0;
     /// What it was found for.
     virtual const AcGiFontRequest &request() const = 0;
 };

@@ -7,8 +7,7 @@
 enum AcGiRegenType : std::uint8_t {
     kAcGiStandardDisplay,       ///< Screen, pictures, plots.
     kAcGiSaveWorldDrawForProxy, ///< What readers without the class will see.
-    kAcGiForExtents,            ///< Picks and boxes.
-    kAcGiForExplode
+    kAcGiForExtents             ///< Picks and boxes.
 };
 
 /// What both contexts share; whatever draws the same in both takes this.
