@@ -16,7 +16,7 @@ public:
     std::size_t pieces = 0;
     int clips = 0;
 
-    bool wantsPatterns() const override { return true; }
+    bool isDisplay() const override { return true; }
     void polyline(std::uint32_t count, const AcGePoint3d *) override { pieces += count > 0; }
     void arc(const AcGiArc &) override { ++pieces; }
     void fill(std::span<const AcGiLoop> loops) override { QUILL_ASSERT(!loops.empty()); }

@@ -202,7 +202,7 @@ public:
     void popClip() override;
     void noteUndrawn(const QString &reason) override { m_blocks.noteUndrawn(m_owner, reason); }
     const AcGiViewport *view() const override;
-    bool wantsPatterns() const override { return true; }
+    bool isDisplay() const override { return true; }
     void beginViewDependent() override { m_flags |= AcGiDisplayList::kViewDependent; }
 
 private:

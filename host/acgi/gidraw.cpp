@@ -82,8 +82,7 @@ static acgi::DrawFunction drawFunction(AcDbKind kind)
 
 static void drawCustomForView(const AcDbEntity &entity, const AcGiViewport &view, AcGiGeometry &sink)
 {
-    // Sinks that do not show anything measure.
-    const AcGiRegenType type = sink.wantsPatterns() ? kAcGiStandardDisplay : kAcGiForExtents;
+    const AcGiRegenType type = sink.isDisplay() ? kAcGiStandardDisplay : kAcGiForExtents;
     AcGiWorldDraw world(sink, type);
     if (entity.subWorldDraw(&world))
         return;

@@ -44,7 +44,7 @@ static void drawPattern(const AcDbEntity &entity, const EntityGroups &groups,
 static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool isSolid,
                      const std::vector<AcGiLoop> &loops, AcGiGeometry &sink)
 {
-    if (!sink.wantsPatterns())
+    if (!sink.isDisplay())
         return sink.fill(loops);
     PenScope scope(sink);
     if (const auto gradient = readHatchGradient(groups))

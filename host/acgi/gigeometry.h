@@ -162,9 +162,9 @@ public:
     virtual const AcGiViewport *view() const { return nullptr; }
     /// What the entity draws from here on looks different in each view.
     virtual void beginViewDependent() {}
-    /// Whether hatches come as the lines of their patterns and the bands of their gradients, for sinks that
-    /// show something; otherwise as the area that they cover.
-    virtual bool wantsPatterns() const { return false; }
+    /// True for sinks that show what they get. The others measure: hatches come to them as the area that they
+    /// cover, not as lines of a pattern, and drawing leaves no traces in custom entities.
+    virtual bool isDisplay() const { return false; }
     /// True when nothing more is needed; drawing then ends early.
     virtual bool isDone() const { return false; }
     /// An entity, or a part of it, that cannot be drawn; `reason` starts with the kind ("3DSOLID: ...").

@@ -30,7 +30,7 @@ public:
     int clips = 0;
     bool dashedLines = false;
 
-    bool wantsPatterns() const override { return true; }
+    bool isDisplay() const override { return true; }
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
         AcGiLoop line;
