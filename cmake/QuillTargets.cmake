@@ -6,6 +6,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
+# moc of Qt 6.4 cannot read <concepts>; it needs nothing from it. This is that header's include guard.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CONCEPTS=1)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)

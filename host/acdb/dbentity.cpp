@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransform.h"
+#include "host/acdb/nativegrips.h"
 
 static AcDbNativeExtents s_nativeExtents = nullptr;
 
@@ -187,6 +188,28 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
 Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d &matrix)
 {
     return acdbTransformGroups(editGroups(), matrix);
+}
+
+std::vector<AcGePoint3d> AcDbEntity::getGripPoints() const
+{
+    assertReadEnabled();
+    return subGetGripPoints();
+}
+
+Acad::ErrorStatus AcDbEntity::moveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset)
+{
+    assertWriteEnabled();
+    return subMoveGripPointsAt(grips, offset);
+}
+
+std::vector<AcGePoint3d> AcDbEntity::subGetGripPoints() const
+{
+    return acdbNativeGrips(*this);
+}
+
+Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset)
+{
+    return acdbMoveNativeGrips(*this, grips, offset);
 }
 
 bool AcDbEntity::subWorldDraw(AcGiWorldDraw *) const

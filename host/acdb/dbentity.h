@@ -5,6 +5,8 @@
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
 
+#include <span>
+
 class AcGiViewportDraw;
 class AcGiWorldDraw;
 
@@ -36,6 +38,11 @@ public:
     Acad::ErrorStatus getGeomExtents(AcDbExtents &extents) const;
     /// Needs write access. Attributes and vertices go along.
     Acad::ErrorStatus transformBy(const AcGeMatrix3d &matrix);
+    /// Grips: the places that a person can drag, world coordinates. None for kinds that have none.
+    std::vector<AcGePoint3d> getGripPoints() const;
+    /// Drags grips, named by their places in getGripPoints(), by an offset (world). Needs write access.
+    /// eInvalidIndex for grips that the entity does not have; eInvalidInput when it refuses to be changed.
+    Acad::ErrorStatus moveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset);
 
     // Overridden by custom entities --------------------------------------------------------------
     // Drawing happens while the entity is open for read; it changes nothing that is filed.
@@ -47,6 +54,8 @@ public:
     virtual void saveAs(AcGiWorldDraw *context) const;
     virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const;
     virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix);
+    virtual std::vector<AcGePoint3d> subGetGripPoints() const;
+    virtual Acad::ErrorStatus subMoveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset);
 
 protected:
     /// A new entity of a custom kind: subclass marker AcDbEntity, layer "0".

@@ -89,6 +89,7 @@ private:
     friend class AcDbSymbolTable;
     friend class ObjectCopier;
     friend class CarrierKeeper;
+    friend class AcDbTransient;
 
     bool isIdle() const { return !m_writing && !m_notifying && m_readers == 0; }
     void stampIdentity();

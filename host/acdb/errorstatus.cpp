@@ -25,6 +25,7 @@ static constexpr StatusText kTexts[] = {
     {Acad::eWrongDatabase, "eWrongDatabase"},
     {Acad::eAlreadyInDb, "eAlreadyInDb"},
     {Acad::eNoDatabase, "eNoDatabase"},
+    {Acad::eInvalidIndex, "eInvalidIndex"},
     {Acad::eWasErased, "eWasErased"},
     {Acad::ePermanentlyErased, "ePermanentlyErased"},
     {Acad::eNotOpenForRead, "eNotOpenForRead"},

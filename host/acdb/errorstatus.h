@@ -21,6 +21,7 @@ enum ErrorStatus : int {
     eWrongDatabase = 28,
     eAlreadyInDb = 29,
     eNoDatabase = 30,
+    eInvalidIndex = 31,
     eWasErased = 33,
     ePermanentlyErased = 34,
     eNotOpenForRead = 40,

@@ -1,6 +1,8 @@
 // The front end in use, and the one that stands in while there is none.
 #include "host/aced/edfrontend.h"
 
+#include "host/acap/docman.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -38,6 +40,15 @@ AcEdFrontEnd &acedFrontEnd()
 AcEdFrontEnd *acedSetFrontEnd(AcEdFrontEnd *frontEnd)
 {
     return std::exchange(current(), frontEnd ? frontEnd : none());
+}
+
+QRect acedDrawingWindow()
+{
+    if (const auto window = acedFrontEnd().drawingWindow())
+        return *window;
+    const AcApDocument *const document = curDoc();
+    const AcApView view = document ? document->view() : AcApView();
+    return {0, 0, view.pixelWidth, view.pixelHeight};
 }
 
 void acutPrintf(const QString &text)

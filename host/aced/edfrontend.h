@@ -7,10 +7,14 @@
 #include "host/acdb/dbid.h"
 #include "host/acge/gepoint.h"
 
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <vector>
+
+class AcDbEntity;
 
 enum class AcEdPromptKind {
     command,
@@ -23,7 +27,20 @@ enum class AcEdPromptKind {
     string,
     keyword,
     entity,
-    selection
+    selection,
+    fileToOpen, ///< The answer is a path; a window shows its file dialog.
+    fileToSave
+};
+
+/// What follows the cursor while a point is asked for: a jig, or copies of what is being moved.
+class AcEdCursorTracker
+{
+public:
+    virtual ~AcEdCursorTracker() = default;
+    /// The cursor stands at a place (world). True when what is shown has changed.
+    virtual bool cursorMoved(const AcGePoint3d &world) = 0;
+    /// What is drawn over the picture; entities that stand in no drawing. Good until the next move.
+    virtual std::vector<const AcDbEntity *> shown() const = 0;
 };
 
 /// What is being asked, for showing and for rubber bands.
@@ -35,6 +52,8 @@ struct AcEdPrompt {
     AcGePoint3d base; ///< Rubber bands start here; UCS coordinates.
     bool allowsEmpty = true;
     bool allowsBlanks = false; ///< Blanks are part of the answer.
+    AcEdCursorTracker *tracker = nullptr;
+    QString path; ///< Of file prompts: the name that is proposed.
 };
 
 /// One answer: typed text (empty: Enter), or something pointed at.
@@ -66,12 +85,22 @@ public:
     virtual void print(const QString &text) = 0;
     /// Keys held at the moment, as "Ctrl", "Shift" or "Alt".
     virtual QStringList heldKeys() const { return {}; }
+    /// Where the drawing is shown, in pixels of the screen; none without a window.
+    virtual std::optional<QRect> drawingWindow() const { return std::nullopt; }
+    /// Brings the input back to the drawing after another window had it.
+    virtual void focusDrawing() {}
+    /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when
+    /// it has ended. False: the user wants it to stop.
+    virtual bool progress(const QString & /*what*/, double /*share*/) { return true; }
 };
 
 /// The front end in use; never null (without one: prints to standard error, answers nothing).
 AcEdFrontEnd &acedFrontEnd();
 /// Returns the one before, so that tests can put it back; null restores the default.
 AcEdFrontEnd *acedSetFrontEnd(AcEdFrontEnd *frontEnd);
+
+/// Where the drawing is shown on the screen; without a window a rectangle of the view's size.
+QRect acedDrawingWindow();
 
 /// Prints on the command line.
 void acutPrintf(const QString &text);

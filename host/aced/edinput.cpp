@@ -45,6 +45,14 @@ int acedGetPoint(const AcGePoint3d *base, const QString &prompt, AcGePoint3d &po
     return askPoint(promptOf(AcEdPromptKind::point, prompt, base), acedTakeRules(), base, point);
 }
 
+int acedGetTrackedPoint(const AcGePoint3d *base, const QString &prompt, AcEdCursorTracker &tracker,
+                        AcGePoint3d &point)
+{
+    AcEdPrompt shown = promptOf(AcEdPromptKind::point, prompt, base);
+    shown.tracker = &tracker;
+    return askPoint(shown, acedTakeRules(), base, point);
+}
+
 int acedGetCorner(const AcGePoint3d &base, const QString &prompt, AcGePoint3d &corner)
 {
     return askPoint(promptOf(AcEdPromptKind::corner, prompt, &base), acedTakeRules(), &base, corner);

@@ -12,6 +12,8 @@
 #include <variant>
 #include <vector>
 
+class AcEdCursorTracker;
+
 enum AcEdResult : int {
     RTNORM = 5100,
     RTNONE = 5000, ///< Enter.
@@ -40,6 +42,9 @@ QString acedGetInput();
 
 /// With a base, relative and polar answers (@dx,dy and @d<a) count from it and a line follows the cursor.
 int acedGetPoint(const AcGePoint3d *base, const QString &prompt, AcGePoint3d &point);
+/// The same while `tracker` shows what would come of it.
+int acedGetTrackedPoint(const AcGePoint3d *base, const QString &prompt, AcEdCursorTracker &tracker,
+                        AcGePoint3d &point);
 /// A rectangle follows the cursor.
 int acedGetCorner(const AcGePoint3d &base, const QString &prompt, AcGePoint3d &corner);
 int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance);

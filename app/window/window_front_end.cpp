@@ -1,0 +1,261 @@
+#include "app/window/window_front_end.h"
+
+#include "host/acui/acuifile.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QWidget>
+
+#include <utility>
+
+namespace window
+{
+
+WindowFrontEnd::WindowFrontEnd(QObject *parent) : QObject(parent) {}
+
+// Answers -----------------------------------------------------------------------------------------
+
+static AcEdAnswer cancelAnswer()
+{
+    AcEdAnswer answer;
+    answer.kind = AcEdAnswer::cancel;
+    return answer;
+}
+
+/// What was waiting for a command prompt. True when something ran, or when a command stands in its way.
+bool WindowFrontEnd::runPending(const AcEdPrompt &prompt)
+{
+    if (m_pending.empty())
+        return false;
+    if (prompt.kind == AcEdPromptKind::command) {
+        const std::function<void()> function = std::move(m_pending.front());
+        m_pending.pop_front();
+        function();
+    }
+    return true;
+}
+
+std::optional<AcEdAnswer> WindowFrontEnd::nextQueued(const AcEdPrompt &prompt)
+{
+    while (!m_queued.empty()) {
+        const std::optional<AcEdAnswer> next = m_queued.front();
+        m_queued.pop_front();
+        if (!next)
+            return std::nullopt;
+        if (next->kind == AcEdAnswer::cancel && prompt.kind == AcEdPromptKind::command)
+            continue; // Nothing to cancel.
+        return next;
+    }
+    return std::nullopt;
+}
+
+std::optional<AcEdAnswer> WindowFrontEnd::wait(const AcEdPrompt &prompt)
+{
+    QEventLoop loop;
+    m_loop = &loop;
+    m_prompt = &prompt;
+    m_given.reset();
+    Q_EMIT promptChanged();
+    if (!m_given && !m_leaving)
+        loop.exec();
+    m_loop = nullptr;
+    m_prompt = nullptr;
+    Q_EMIT promptChanged();
+    return std::exchange(m_given, std::nullopt);
+}
+
+std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
+{
+    AcEdAnswer answer;
+    const int flags = prompt.kind == AcEdPromptKind::fileToSave ? kAcUiSaveFile : kAcUiOpenFile;
+    if (acedGetFileD(prompt.message.trimmed(), prompt.path, QStringLiteral("dxf;dwg"), flags, answer.typed) !=
+        RTNORM)
+        answer.kind = AcEdAnswer::cancel;
+    return answer;
+}
+
+std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
+{
+    if (m_leaving)
+        return std::nullopt;
+    if (runPending(prompt)) {
+        // Enter at the command prompt does nothing but let the editor look at its queue.
+        return prompt.kind == AcEdPromptKind::command ? AcEdAnswer() : cancelAnswer();
+    }
+    std::optional<AcEdAnswer> answer = nextQueued(prompt);
+    const bool isFile =
+        prompt.kind == AcEdPromptKind::fileToOpen || prompt.kind == AcEdPromptKind::fileToSave;
+    if (!answer)
+        answer = isFile ? askFile(prompt) : wait(prompt);
+    if (!answer)
+        return std::nullopt;
+    if (answer->kind == AcEdAnswer::text && !isFile)
+        print(prompt.message + answer->typed);
+    if (prompt.kind == AcEdPromptKind::command && answer->kind == AcEdAnswer::text &&
+        !answer->typed.isEmpty())
+        m_lastCommand = answer->typed;
+    return answer;
+}
+
+void WindowFrontEnd::give(const AcEdAnswer &answer)
+{
+    if (!m_prompt)
+        return;
+    m_given = answer;
+    if (m_loop)
+        m_loop->quit();
+}
+
+void WindowFrontEnd::giveText(const QString &typed)
+{
+    AcEdAnswer answer;
+    answer.typed = typed;
+    give(answer);
+}
+
+void WindowFrontEnd::cancel()
+{
+    m_queued.clear();
+    give(cancelAnswer());
+}
+
+void WindowFrontEnd::queue(std::vector<std::optional<AcEdAnswer>> answers)
+{
+    m_queued.insert(m_queued.end(), answers.begin(), answers.end());
+    if (m_prompt && !m_queued.empty()) {
+        if (const auto next = nextQueued(*m_prompt))
+            give(*next);
+    }
+}
+
+void WindowFrontEnd::runMacro(const QString &macro)
+{
+    m_queued.clear();
+    queue(readMacro(macro));
+}
+
+void WindowFrontEnd::whenIdle(std::function<void()> function)
+{
+    if (m_leaving)
+        return;
+    m_pending.push_back(std::move(function));
+    if (!m_prompt)
+        return;
+    const bool isCommand = m_prompt->kind == AcEdPromptKind::command;
+    if (isCommand)
+        runPending(*m_prompt);
+    else
+        m_queued.clear();
+    give(isCommand ? AcEdAnswer() : cancelAnswer());
+}
+
+void WindowFrontEnd::leave()
+{
+    m_leaving = true;
+    m_given.reset();
+    if (m_loop)
+        m_loop->quit();
+}
+
+// Texts and keys ----------------------------------------------------------------------------------
+
+void WindowFrontEnd::print(const QString &text)
+{
+    Q_EMIT printed(text);
+}
+
+QStringList WindowFrontEnd::heldKeys() const
+{
+    QStringList keys;
+    const Qt::KeyboardModifiers held = QApplication::queryKeyboardModifiers();
+    if (held & Qt::ControlModifier)
+        keys += QStringLiteral("Ctrl");
+    if (held & Qt::ShiftModifier)
+        keys += QStringLiteral("Shift");
+    if (held & Qt::AltModifier)
+        keys += QStringLiteral("Alt");
+    return keys;
+}
+
+std::optional<QRect> WindowFrontEnd::drawingWindow() const
+{
+    if (!m_drawing)
+        return std::nullopt;
+    return QRect(m_drawing->mapToGlobal(QPoint(0, 0)), m_drawing->size());
+}
+
+void WindowFrontEnd::focusDrawing()
+{
+    if (!m_drawing)
+        return;
+    m_drawing->activateWindow();
+    m_drawing->setFocus(Qt::OtherFocusReason);
+}
+
+bool WindowFrontEnd::progress(const QString &what, double share)
+{
+    m_stopped = false;
+    Q_EMIT progressed(what, share);
+    return !m_stopped;
+}
+
+// Macros ------------------------------------------------------------------------------------------
+
+static bool beginsCancel(const QString &macro, qsizetype at)
+{
+    return QStringView(macro).mid(at, 2).compare(QLatin1String("^C"), Qt::CaseInsensitive) == 0;
+}
+
+/// The end of a LISP expression that begins at `at`, quotes respected.
+static qsizetype expressionEnd(const QString &macro, qsizetype at)
+{
+    int depth = 0;
+    bool isQuoted = false;
+    for (; at < macro.size(); ++at) {
+        const QChar sign = macro[at];
+        if (sign == u'"')
+            isQuoted = !isQuoted;
+        else if (!isQuoted && sign == u'(')
+            ++depth;
+        else if (!isQuoted && sign == u')' && --depth == 0)
+            return at + 1;
+    }
+    return at;
+}
+
+std::vector<std::optional<AcEdAnswer>> readMacro(const QString &macro)
+{
+    std::vector<std::optional<AcEdAnswer>> answers;
+    QString typed;
+    const auto enter = [&] {
+        AcEdAnswer answer;
+        answer.typed = std::exchange(typed, {});
+        answers.emplace_back(answer);
+    };
+    qsizetype at = 0;
+    while (at < macro.size()) {
+        const QChar sign = macro[at];
+        if (beginsCancel(macro, at)) {
+            answers.emplace_back(cancelAnswer());
+            at += 2;
+        } else if (sign == u'(') {
+            const qsizetype end = expressionEnd(macro, at);
+            typed += macro.mid(at, end - at);
+            at = end;
+        } else if (sign == u' ' || sign == u';' || sign == u'\n') {
+            enter();
+            ++at;
+        } else if (sign == u'\\') {
+            answers.emplace_back(std::nullopt);
+            ++at;
+        } else {
+            typed += sign;
+            ++at;
+        }
+    }
+    if (!typed.isEmpty())
+        enter();
+    return answers;
+}
+
+} // namespace window
