@@ -1,6 +1,7 @@
 #include "quillnote/frame/command_table.h"
 
 #include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/leader_mark.h"
 #include "quillnote/authoring/rectangle_mark.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
@@ -30,7 +31,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_SynningOn", "SynningOn", kModal, kNotRecorded, nullptr},
     {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, nullptr},
     {"QN3_Quillnote", "QN3_Quillnote", kModal, kAsNamed, QN3_Quillnote},
-    {"QN3_QuillnoteLeader", "QN3_leader", kModal, kAsNamed, nullptr},
+    {"QN3_QuillnoteLeader", "QN3_leader", kModal, kAsNamed, QN3_QuillnoteLeader},
     {"QN3_PolygonMark", "PolygonMark", kModal, kNotRecorded, nullptr},
     {"QN3_PolygonMarkJig", "PolygonMark2", kModal, kNotRecorded, nullptr},
     {"QN3_SplineMarkJig", "PolygonMark3", kModal, kNotRecorded, nullptr},
