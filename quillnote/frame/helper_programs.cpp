@@ -1,6 +1,6 @@
 #include "quillnote/frame/helper_programs.h"
 
-#include "quillnote/frame/install_folder.h"
+#include "quillnote/frame/settings/install_folder.h"
 
 #include "host/aced/edfrontend.h"
 #include "host/aced/edmessage.h"

@@ -1,6 +1,6 @@
 #include "quillnote/frame/menu_loading.h"
 
-#include "quillnote/frame/install_folder.h"
+#include "quillnote/frame/settings/install_folder.h"
 #include "quillnote/frame/settings/settings.h"
 
 #include "host/aced/edcommands.h"

@@ -2,8 +2,8 @@
 #include "quillnote/frame/command_table.h"
 #include "quillnote/frame/entry_point.h"
 #include "quillnote/frame/helper_programs.h"
-#include "quillnote/frame/install_folder.h"
 #include "quillnote/frame/menu_loading.h"
+#include "quillnote/frame/settings/install_folder.h"
 #include "quillnote/frame/settings/settings.h"
 
 #include "quillnote/entity/mark_class.h"

@@ -1,4 +1,4 @@
-#include "quillnote/frame/install_folder.h"
+#include "quillnote/frame/settings/install_folder.h"
 
 #include "quillnote/frame/settings/settings.h"
 
