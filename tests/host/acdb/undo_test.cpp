@@ -7,6 +7,7 @@
 #include "host/acdb/dwgcarrier.h"
 #include "tests/host/acdb/custom_note.h"
 #include "tests/support/memory_drawing.h"
+#include "tests/support/whole_drawing.h"
 
 #include <gmock/gmock.h>
 
@@ -15,21 +16,7 @@
 
 using tests::MemoryDrawing;
 
-/// Everything that saving would write, object by object.
-static std::vector<std::pair<std::uint64_t, ResbufList>> dump(const AcDbDatabase &database)
-{
-    std::vector<std::pair<std::uint64_t, ResbufList>> all;
-    for (std::uint32_t i = 1; i < database.stubCount(); ++i) {
-        const AcDbStub &stub = *database.stub(i);
-        if (!stub.has(AcDbStub::kErased))
-            all.emplace_back(stub.handle, database.fileGroups(stub));
-    }
-    for (const QByteArray &name : database.headerNames()) {
-        if (const ResbufList *const groups = database.headerVariable(name))
-            all.emplace_back(0, *groups);
-    }
-    return all;
-}
+using tests::wholeDrawing;
 
 struct UndoTest : testing::Test {
     UndoTest()
@@ -44,20 +31,20 @@ struct UndoTest : testing::Test {
 
     void checkUndoRedo(const std::function<void()> &action)
     {
-        const auto before = dump(*database);
+        const auto before = wholeDrawing(*database);
         const bool hadChanges = database->hasChanges();
         {
             AcDbUndoGroup group(*database, QStringLiteral("ACTION"));
             action();
         }
-        const auto after = dump(*database);
+        const auto after = wholeDrawing(*database);
         ASSERT_NE(before, after);
         for (int round = 0; round < 2; ++round) {
             ASSERT_TRUE(database->undo().undo());
-            EXPECT_EQ(dump(*database), before);
+            EXPECT_EQ(wholeDrawing(*database), before);
             EXPECT_EQ(database->hasChanges(), hadChanges);
             ASSERT_TRUE(database->undo().redo());
-            EXPECT_EQ(dump(*database), after);
+            EXPECT_EQ(wholeDrawing(*database), after);
         }
         ASSERT_TRUE(database->undo().undo());
     }
@@ -134,16 +121,16 @@ TEST_F(UndoTest, AGroupIsOneStepAndAnEmptyOneIsNone)
 TEST_F(UndoTest, SavingInBetweenLeavesNoTrace)
 {
     const AcDbObjectId note = addNote(*database, QStringLiteral("n"), "secret");
-    const auto before = dump(*database);
-    std::vector<std::pair<std::uint64_t, ResbufList>> saved;
+    const auto before = wholeDrawing(*database);
+    std::vector<tests::WholeObject> saved;
     for (int save = 0; save < 2; ++save) {
         const AcDbDwgCarriers carriers(*database);
         EXPECT_FALSE(acdbCarriedFields(*database, note.stub()->object->groups()).isEmpty());
         if (save == 0)
-            saved = dump(*database);
-        EXPECT_EQ(dump(*database), saved);
+            saved = wholeDrawing(*database);
+        EXPECT_EQ(wholeDrawing(*database), saved);
     }
-    EXPECT_EQ(dump(*database), before);
+    EXPECT_EQ(wholeDrawing(*database), before);
     database->undo().undo();
     {
         const AcDbDwgCarriers carriers(*database);
@@ -151,12 +138,12 @@ TEST_F(UndoTest, SavingInBetweenLeavesNoTrace)
     }
     database->undo().redo();
     const AcDbDwgCarriers carriers(*database);
-    EXPECT_EQ(dump(*database), saved);
+    EXPECT_EQ(wholeDrawing(*database), saved);
 }
 
 TEST_F(UndoTest, RandomChangesUndoneToTheStartGiveTheDrawingBack)
 {
-    const auto start = dump(*database);
+    const auto start = wholeDrawing(*database);
     for (unsigned seed = 1; seed <= 20; ++seed) {
         std::mt19937 random(seed);
         std::vector<AcDbObjectId> known{id(line), id(text)};
@@ -184,10 +171,10 @@ TEST_F(UndoTest, RandomChangesUndoneToTheStartGiveTheDrawingBack)
                 AcDbDwgCarriers saving(*database);
             }
         }
-        const auto end = dump(*database);
+        const auto end = wholeDrawing(*database);
         while (database->undo().undo())
             ++steps;
-        EXPECT_EQ(dump(*database), start) << "seed " << seed;
+        EXPECT_EQ(wholeDrawing(*database), start) << "seed " << seed;
         EXPECT_FALSE(database->hasChanges()) << "seed " << seed;
         while (steps-- > 0)
             ASSERT_TRUE(database->undo().redo());
