@@ -3,8 +3,10 @@
 #include "host/acgi/gidisplaycache.h"
 
 #include <QImage>
+#include <QObject>
 
 #include <algorithm>
+#include <deque>
 #include <thread>
 
 /// The displays of all open drawings.
@@ -24,6 +26,13 @@ public:
 
     AcGiPaintReport paint(AcDbObjectId space, const AcGiViewport &view, QPainter &painter,
                           const AcGiPaintOptions &options);
+
+    void paintEntities(std::span<const AcDbObjectId> entities, const AcGiViewport &view, QPainter &painter,
+                       const AcGiPaintOptions &options);
+    void paintTransients(std::span<const AcDbEntity *const> entities, const AcGiViewport &view,
+                         QPainter &painter, const AcGiPaintOptions &options);
+    void paintOver(const AcGiShownSpace &shown, const AcGiViewport &view, QPainter &painter,
+                   const AcGiPaintOptions &options);
 
     const AcGiDisplayList *block(const AcDbStub *record, int slot) const override
     {
@@ -46,6 +55,7 @@ public:
     AcGiDisplayCache cache;
     mutable AcGiImages pictures;
     AcGiDrawingTables drawing;
+    std::unique_ptr<QObject> paintings;
 
 private:
     struct ShownViewport {
@@ -171,6 +181,15 @@ AcGiPaintReport AcGiDisplay::Impl::paint(AcDbObjectId space, const AcGiViewport 
 {
     AcGiPaintReport report;
     const QRectF whole(0, 0, view.pixelWidth, view.pixelHeight);
+    if (!options.part.isEmpty()) {
+        AcGiPaintOptions inside = options;
+        inside.part = {};
+        painter.save();
+        painter.setClipRect(options.part, Qt::IntersectClip);
+        report = paint(space, view, painter, inside);
+        painter.restore();
+        return report;
+    }
     if (options.fillBackground)
         painter.fillRect(whole, options.background);
     if (!(view.height > 0.0) || whole.isEmpty() || !space.isValid())
@@ -197,6 +216,48 @@ AcGiPaintReport AcGiDisplay::Impl::paint(AcDbObjectId space, const AcGiViewport 
     return report;
 }
 
+void AcGiDisplay::Impl::paintOver(const AcGiShownSpace &shown, const AcGiViewport &view, QPainter &painter,
+                                  const AcGiPaintOptions &options)
+{
+    AcGiPaintReport report;
+    drawing.refresh();
+    m_viewHeight = view.pixelHeight;
+    m_viewports.clear();
+    AcGiPens pens(drawing, options);
+    pens.add(tables().traits());
+    const QRectF whole(0, 0, view.pixelWidth, view.pixelHeight);
+    Job job{shown, view, pens, options};
+    painter.save();
+    painter.setClipRect(options.part.isEmpty() ? whole : QRectF(options.part), Qt::IntersectClip);
+    paintPart(job, painter, whole, {}, true, report);
+    painter.restore();
+}
+
+void AcGiDisplay::Impl::paintEntities(std::span<const AcDbObjectId> entities, const AcGiViewport &view,
+                                      QPainter &painter, const AcGiPaintOptions &options)
+{
+    AcGiShownSpace shown;
+    shown.isPlan = view.isPlan();
+    for (const AcDbObjectId entity : entities) {
+        const AcGiDisplayList *const list = cache.entity(entity, view);
+        if (list && list->size > 0)
+            shown.lists.push_back(list);
+    }
+    paintOver(shown, view, painter, options);
+}
+
+void AcGiDisplay::Impl::paintTransients(std::span<const AcDbEntity *const> entities, const AcGiViewport &view,
+                                        QPainter &painter, const AcGiPaintOptions &options)
+{
+    AcGiListStore store;
+    std::deque<AcGiDisplayList> lists;
+    AcGiShownSpace shown;
+    shown.isPlan = view.isPlan();
+    for (const AcDbEntity *const entity : entities)
+        shown.lists.push_back(&lists.emplace_back(cache.transient(*entity, view, store)));
+    paintOver(shown, view, painter, options);
+}
+
 AcGiDisplay::AcGiDisplay(AcDbDatabase &database) : m_impl(std::make_unique<Impl>(database)) {}
 
 AcGiDisplay::~AcGiDisplay() = default;
@@ -205,6 +266,54 @@ AcGiPaintReport AcGiDisplay::paint(AcDbObjectId space, const AcGiViewport &view,
                                    const AcGiPaintOptions &options)
 {
     return m_impl->paint(space, view, painter, options);
+}
+
+bool AcGiDisplay::prepare(AcDbObjectId space, const AcGiViewport &view, int)
+{
+    AcGiPaintReport report;
+    m_impl->cache.show(space, view, 0, {}, report);
+    return true;
+}
+
+void AcGiDisplay::paintInBackground(AcDbObjectId space, const AcGiViewport &view,
+                                    const AcGiPaintOptions &options,
+                                    std::function<void(QImage, AcGiPaintReport)> done)
+{
+    m_impl->paintings = std::make_unique<QObject>();
+    QImage image(int(std::ceil(view.pixelWidth)), int(std::ceil(view.pixelHeight)), QImage::Format_RGB32);
+    QPainter painter(&image);
+    const AcGiPaintReport report = paint(space, view, painter, options);
+    painter.end();
+    const auto deliver = [image, report, done] { done(image, report); };
+    QMetaObject::invokeMethod(m_impl->paintings.get(), deliver, Qt::QueuedConnection);
+}
+
+void AcGiDisplay::stopPainting()
+{
+    m_impl->paintings.reset();
+}
+
+void AcGiDisplay::paintEntities(std::span<const AcDbObjectId> entities, const AcGiViewport &view,
+                                QPainter &painter, const AcGiPaintOptions &options)
+{
+    m_impl->paintEntities(entities, view, painter, options);
+}
+
+void AcGiDisplay::paintTransients(std::span<const AcDbEntity *const> entities, const AcGiViewport &view,
+                                  QPainter &painter, const AcGiPaintOptions &options)
+{
+    m_impl->paintTransients(entities, view, painter, options);
+}
+
+AcGiDamage AcGiDisplay::takeDamage(AcDbObjectId, const AcGiViewport &)
+{
+    return {true, {}};
+}
+
+void AcGiDisplay::regenerate(AcDbObjectId entity)
+{
+    if (!entity.isNull())
+        m_impl->cache.dropOne(entity.stub()->index);
 }
 
 void AcGiDisplay::regenerate(bool everything)

@@ -314,6 +314,28 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
     return shown;
 }
 
+const AcGiDisplayList *AcGiDisplayCache::entity(AcDbObjectId id, const AcGiViewport &view)
+{
+    if (!id.isValid() || !id.isEntity())
+        return nullptr;
+    refreshNames();
+    m_lists.resize(m_database.stubCount());
+    openSlot(AcDbObjectId(m_database.stub(id.stub()->owner)), view, 0);
+    return &ensure(id.stub()->index);
+}
+
+AcGiDisplayList AcGiDisplayCache::transient(const AcDbEntity &entity, const AcGiViewport &view,
+                                            AcGiListStore &store)
+{
+    refreshNames();
+    m_lists.resize(m_database.stubCount());
+    openSlot(m_slots[0].space, view, 0);
+    AcGiListBuilder builder(m_tables, *this, &m_slots[0].view);
+    builder.begin(0);
+    acgiDrawEntity(entity, builder);
+    return builder.finish(store);
+}
+
 std::vector<std::uint32_t> AcGiDisplayCache::viewportsOf(AcDbObjectId space) const
 {
     std::vector<std::uint32_t> numbers;

@@ -21,12 +21,17 @@ public:
     AcGiShownSpace show(AcDbObjectId space, const AcGiViewport &view, int slot,
                         const std::function<bool()> &isCancelled, AcGiPaintReport &report);
     const AcGiDisplayList *list(std::uint32_t index, int slot) const;
+    /// The list of one entity as the view sees it, null for what can be none.
+    const AcGiDisplayList *entity(AcDbObjectId id, const AcGiViewport &view);
+    /// The list of an entity that stands in no drawing.
+    AcGiDisplayList transient(const AcDbEntity &entity, const AcGiViewport &view, AcGiListStore &store);
     /// Numbers of the viewport pictures of the space.
     std::vector<std::uint32_t> viewportsOf(AcDbObjectId space) const;
     const AcGiListTables &tables() const { return m_tables; }
 
     void dropViewDependent() { m_slots.clear(); }
     void dropAll();
+    void dropOne(std::uint32_t index) { drop(index); }
     std::size_t memory() const;
 
     void objectAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }

@@ -136,6 +136,8 @@ AcGiPen AcGiPens::pen(const AcGiTraits &traits, const AcGiPen *shower) const
                                : shower                                ? std::uint8_t(qAlpha(shower->color))
                                                                        : std::uint8_t(255);
     pen.color = (pen.color & 0x00FFFFFFu) | QRgb(alpha) << 24;
+    if (m_options.highlight.isValid())
+        pen.color = m_options.highlight.rgba();
 
     if (traits.lineWeight == -2)
         pen.width = shower ? shower->width : width(-3);
