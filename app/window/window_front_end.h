@@ -30,6 +30,7 @@ public:
     void print(const QString &text) override;
     QStringList heldKeys() const override;
     std::optional<QRect> drawingWindow() const override;
+    void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
     void focusDrawing() override;
     bool progress(const QString &what, double share) override;
 
@@ -61,6 +62,8 @@ Q_SIGNALS:
     /// Another prompt waits, or none any more.
     void promptChanged();
     void printed(const QString &text);
+    /// As AcEdFrontEnd::showChosen().
+    void chosenShown(const std::vector<AcDbObjectId> &entities);
     /// As AcEdFrontEnd::progress(). A slot that wants the work to stop calls stopWork().
     void progressed(const QString &what, double share);
 
@@ -72,6 +75,7 @@ private:
     bool runPending(const AcEdPrompt &prompt);
     std::optional<AcEdAnswer> wait(const AcEdPrompt &prompt);
     std::optional<AcEdAnswer> askFile(const AcEdPrompt &prompt);
+    void echo(const AcEdPrompt &prompt, const AcEdAnswer &answer);
 
     QWidget *m_drawing = nullptr;
     const AcEdPrompt *m_prompt = nullptr;

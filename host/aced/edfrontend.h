@@ -63,6 +63,7 @@ struct AcEdAnswer {
     QString typed;
     AcGePoint3d where;   ///< For point and entity: world coordinates.
     AcDbObjectId picked; ///< For entity.
+    bool mayReplace = false; ///< To a file prompt: replacing the file has been agreed to.
 };
 
 class AcEdFrontEnd
@@ -87,6 +88,8 @@ public:
     virtual QStringList heldKeys() const { return {}; }
     /// Where the drawing is shown, in pixels of the screen; none without a window.
     virtual std::optional<QRect> drawingWindow() const { return std::nullopt; }
+    /// What a selection that is being made has chosen so far; nothing when it has ended.
+    virtual void showChosen(const std::vector<AcDbObjectId> & /*entities*/) {}
     /// Brings the input back to the drawing after another window had it.
     virtual void focusDrawing() {}
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when

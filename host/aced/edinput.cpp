@@ -149,32 +149,35 @@ static std::optional<TwoPoints> twoPoints(const AcEdAnswer &answer, const AcGePo
     return points;
 }
 
-int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance)
+int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance, AcEdCursorTracker *tracker)
 {
     const AcEdRules rules = acedTakeRules();
-    return acedPromptFor(
-        promptOf(AcEdPromptKind::distance, prompt, base), rules, [&](const AcEdAnswer &answer) {
-            if (answer.kind == AcEdAnswer::text) {
-                if (const auto given = acedParseNumber(answer.typed))
-                    return takeReal(*given, rules, distance);
-            }
-            const auto points = twoPoints(answer, base);
-            if (!points)
-                return AcEdVerdict::refuse(required(QStringLiteral("距离数值、两点"), rules));
-            if (points->result != RTNORM)
-                return AcEdVerdict::accept(points->result);
-            AcGeVector3d way = points->to - points->from;
-            if (rules.has(RSG_2D))
-                way.z = 0;
-            return takeReal(way.length(), rules, distance);
-        });
+    AcEdPrompt shown = promptOf(AcEdPromptKind::distance, prompt, base);
+    shown.tracker = tracker;
+    return acedPromptFor(shown, rules, [&](const AcEdAnswer &answer) {
+        if (answer.kind == AcEdAnswer::text) {
+            if (const auto given = acedParseNumber(answer.typed))
+                return takeReal(*given, rules, distance);
+        }
+        const auto points = twoPoints(answer, base);
+        if (!points)
+            return AcEdVerdict::refuse(required(QStringLiteral("距离数值、两点"), rules));
+        if (points->result != RTNORM)
+            return AcEdVerdict::accept(points->result);
+        AcGeVector3d way = points->to - points->from;
+        if (rules.has(RSG_2D))
+            way.z = 0;
+        return takeReal(way.length(), rules, distance);
+    });
 }
 
-int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle)
+int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle, AcEdCursorTracker *tracker)
 {
     const AcEdRules rules = acedTakeRules();
     const AcEdAngleFormat format = acedAngleFormat();
-    return acedPromptFor(promptOf(AcEdPromptKind::angle, prompt, base), rules, [&](const AcEdAnswer &answer) {
+    AcEdPrompt shown = promptOf(AcEdPromptKind::angle, prompt, base);
+    shown.tracker = tracker;
+    return acedPromptFor(shown, rules, [&](const AcEdAnswer &answer) {
         if (answer.kind == AcEdAnswer::text) {
             if (const auto given = acedParseAngle(answer.typed, format))
                 return takeReal(*given, rules, angle);

@@ -47,9 +47,11 @@ int acedGetTrackedPoint(const AcGePoint3d *base, const QString &prompt, AcEdCurs
                         AcGePoint3d &point);
 /// A rectangle follows the cursor.
 int acedGetCorner(const AcGePoint3d &base, const QString &prompt, AcGePoint3d &corner);
-int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance);
+int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance,
+                AcEdCursorTracker *tracker = nullptr);
 /// Radians.
-int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle);
+int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle,
+                 AcEdCursorTracker *tracker = nullptr);
 int acedGetInt(const QString &prompt, int &value);
 int acedGetReal(const QString &prompt, double &value);
 /// Blanks are part of the text when `blanksAllowed`.

@@ -110,6 +110,9 @@ public:
         : m_document(document), m_filter(filter), m_addPrompt(addPrompt)
     {
     }
+    ~UserSelection() { acedFrontEnd().showChosen({}); }
+    UserSelection(const UserSelection &) = delete;
+    UserSelection &operator=(const UserSelection &) = delete;
 
     /// RTNORM also when nothing was selected; RTCAN.
     int run(bool once);
@@ -171,6 +174,7 @@ void UserSelection::apply(const AcEdSelectionSet &found)
                    .arg(m_removing ? QStringLiteral("删除") : QStringLiteral("找到"))
                    .arg(changed)
                    .arg(m_members.size()));
+    acedFrontEnd().showChosen(chosen());
 }
 
 AcEdSelectionSet UserSelection::chosen() const

@@ -16,6 +16,7 @@ struct Entry {
 
 std::span<const Entry> fileCommands();
 std::span<const Entry> editCommands();
+std::span<const Entry> gripCommands();
 std::span<const Entry> undoCommands();
 std::span<const Entry> viewCommands();
 std::span<const Entry> coordinateCommands(); ///< UCS, PLAN.

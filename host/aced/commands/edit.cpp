@@ -1,7 +1,10 @@
 // Commands that erase, move and copy entities.
 #include "host/acdb/dbapi.h"
 #include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/preview.h"
 #include "host/aced/commands/support.h"
+#include "host/aced/edparse.h"
+#include "host/aced/edprompt.h"
 
 #include <algorithm>
 #include <array>
@@ -64,6 +67,13 @@ static AcGeMatrix3d movement(const AcGePoint3d &from, const AcGePoint3d &to)
     return AcGeMatrix3d::translation(toWorld(to) - toWorld(from));
 }
 
+static Preview movementPreview(const AcEdSelectionSet &entities, const AcGePoint3d &base)
+{
+    return transformPreview(entities, [from = toWorld(base)](const AcGePoint3d &cursor) {
+        return std::optional(AcGeMatrix3d::translation(cursor - from));
+    });
+}
+
 static void move()
 {
     const AcEdSelectionSet selected = askSelection();
@@ -74,8 +84,10 @@ static void move()
         transformAll(selected, movement({}, base->point));
         return;
     }
+    Preview preview = movementPreview(selected, base->point);
     AcGePoint3d target;
-    switch (acedGetPoint(&base->point, QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: "), target)) {
+    switch (acedGetTrackedPoint(&base->point, QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: "),
+                                preview, target)) {
     case RTNORM:
         transformAll(selected, movement(base->point, target));
         break;
@@ -114,11 +126,12 @@ static void copy()
         copyBy(selected, movement({}, base->point));
         return;
     }
+    Preview preview = movementPreview(selected, base->point);
     QString prompt = QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: ");
     for (bool first = true;; first = false) {
         AcGePoint3d target;
         acedInitGet(0, first ? QString() : QStringLiteral("Exit"));
-        const int result = acedGetPoint(&base->point, prompt, target);
+        const int result = acedGetTrackedPoint(&base->point, prompt, preview, target);
         if (result == RTNONE && first)
             copyBy(selected, movement({}, base->point));
         if (result != RTNORM)
@@ -128,16 +141,27 @@ static void copy()
     }
 }
 
+static AcGeMatrix3d turn(const AcGePoint3d &base, double angle)
+{
+    return AcGeMatrix3d::rotation(angle, ucsNormal(), toWorld(base));
+}
+
 static void rotate()
 {
     const AcEdSelectionSet selected = askSelection();
     const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
+    if (!base)
+        return;
+    Preview preview = transformPreview(selected, [&base](const AcGePoint3d &cursor) {
+        const AcGePoint3d place = acedTrans(cursor, AcEdSpace::world, AcEdSpace::ucs);
+        return std::optional(turn(*base, directionAngle(*base, place) - acedAngleFormat().base));
+    });
     double angle = 0.0;
-    if (base && acedGetAngle(&*base, QStringLiteral("\n指定旋转角度: "), angle) == RTNORM)
-        transformAll(selected, AcGeMatrix3d::rotation(angle, ucsNormal(), toWorld(*base)));
+    if (acedGetAngle(&*base, QStringLiteral("\n指定旋转角度: "), angle, &preview) == RTNORM)
+        transformAll(selected, turn(*base, angle));
 }
 
-static std::optional<double> askScale(const AcGePoint3d &base)
+static std::optional<double> askScale(const AcGePoint3d &base, Preview &preview)
 {
     const auto distance = [&base](const QString &prompt) -> std::optional<double> {
         acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG);
@@ -146,7 +170,7 @@ static std::optional<double> askScale(const AcGePoint3d &base)
     };
     acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, QStringLiteral("Reference"));
     double factor = 1.0;
-    const int result = acedGetDist(&base, QStringLiteral("\n指定比例因子或 [参照(R)]: "), factor);
+    const int result = acedGetDist(&base, QStringLiteral("\n指定比例因子或 [参照(R)]: "), factor, &preview);
     if (result == RTNORM)
         return factor;
     if (result != RTKWORD)
@@ -162,9 +186,30 @@ static void scale()
 {
     const AcEdSelectionSet selected = askSelection();
     const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
-    const auto factor = base ? askScale(*base) : std::nullopt;
-    if (factor)
+    if (!base)
+        return;
+    Preview preview = transformPreview(selected, [&base](const AcGePoint3d &cursor) {
+        const double factor = cursor.distanceTo(toWorld(*base));
+        return factor > 0.0 ? std::optional(AcGeMatrix3d::scaling(factor, toWorld(*base))) : std::nullopt;
+    });
+    if (const auto factor = askScale(*base, preview))
         transformAll(selected, AcGeMatrix3d::scaling(*factor, toWorld(*base)));
+}
+
+/// The reflection at a line; none while its two points are one.
+static std::optional<AcGeMatrix3d> reflection(const AcGePoint3d &from, const AcGePoint3d &to)
+{
+    if ((to - from).isZeroLength())
+        return std::nullopt;
+    return AcGeMatrix3d::mirroring(from, to - from);
+}
+
+static std::optional<AcGePoint3d> askTracked(const AcGePoint3d &base, const QString &prompt, Preview &preview)
+{
+    AcGePoint3d point;
+    if (acedGetTrackedPoint(&base, prompt, preview, point) != RTNORM)
+        return std::nullopt;
+    return point;
 }
 
 static void mirror()
@@ -173,20 +218,23 @@ static void mirror()
     dropLocked(selected);
     const auto first =
         selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定镜像线的第一点: "));
-    const auto second = first ? askPoint(&*first, QStringLiteral("\n指定镜像线的第二点: ")) : std::nullopt;
+    if (!first)
+        return;
+    Preview preview = transformPreview(
+        selected, [from = toWorld(*first)](const AcGePoint3d &cursor) { return reflection(from, cursor); });
+    const auto second = askTracked(*first, QStringLiteral("\n指定镜像线的第二点: "), preview);
     if (!second)
         return;
-    const AcGeVector3d direction = toWorld(*second) - toWorld(*first);
-    if (direction.isZeroLength()) {
+    const auto matrix = reflection(toWorld(*first), toWorld(*second));
+    if (!matrix) {
         acutPrintf(QStringLiteral("\n镜像线的两点重合。"));
         return;
     }
-    const AcGeMatrix3d matrix = AcGeMatrix3d::mirroring(toWorld(*first), direction);
     const auto eraseSource = askYes(QStringLiteral("\n要删除源对象吗?"), false);
     if (eraseSource && *eraseSource)
-        transformAll(selected, matrix);
+        transformAll(selected, *matrix);
     else if (eraseSource)
-        copyBy(selected, matrix);
+        copyBy(selected, *matrix);
 }
 
 std::span<const Entry> editCommands()

@@ -43,9 +43,9 @@ static std::optional<AcGiViewport> screenView(const AcDbDatabase &database)
 void acedRegisterHostCommands()
 {
     acgiSetScreenView(screenView);
-    const std::array tables{fileCommands(),       editCommands(),  undoCommands(),  viewCommands(),
-                            coordinateCommands(), layerCommands(), drawCommands(),  inquiryCommands(),
-                            menuCommands(),       plotCommands(),  layoutCommands()};
+    const std::array tables{fileCommands(),       editCommands(),  undoCommands(),   viewCommands(),
+                            coordinateCommands(), layerCommands(), drawCommands(),   inquiryCommands(),
+                            menuCommands(),       plotCommands(),  layoutCommands(), gripCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {
             const QString name = QLatin1String(entry.name);
