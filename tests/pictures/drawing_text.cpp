@@ -96,6 +96,8 @@ DrawingText readDrawingText(const QByteArray &text)
             drawing.view = viewFrom(words);
         else if (words.first() == "space")
             drawing.space = QString::fromUtf8(words.value(1));
+        else if (words.first() == "lineweights")
+            drawing.lineWeights = true;
         else if (words.first() == "section")
             dxf.section(words.value(1));
         else

@@ -18,7 +18,10 @@ TEST_P(NativePicture, LooksAsItDid)
     ASSERT_TRUE(drawing.database);
     const AcDbObjectId space = drawing.database->tableRecord(SymbolTable::block, drawing.space);
     ASSERT_FALSE(space.isNull());
-    const tests::Picture picture = tests::paintPicture(space, drawing.view);
+    AcGiPaintOptions options;
+    options.lineWeights = drawing.lineWeights;
+    options.imageFolder = tests::testDataPath(QStringLiteral("pictures/images"));
+    const tests::Picture picture = tests::paintPicture(space, drawing.view, options);
     for (const auto &[what, count] : picture.report.undrawn)
         ADD_FAILURE() << "not drawn: " << qPrintable(what) << ", " << count;
     EXPECT_TRUE(tests::matchesPicture(picture.image, name + QStringLiteral(".png")));

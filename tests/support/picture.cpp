@@ -21,10 +21,9 @@ AcGiViewport planView(double x, double y, int width, int height, double pixelsPe
     return view;
 }
 
-Picture paintPicture(AcDbObjectId space, const AcGiViewport &view)
+Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, AcGiPaintOptions options)
 {
     Picture picture{QImage(int(view.pixelWidth), int(view.pixelHeight), QImage::Format_RGB32), {}};
-    AcGiPaintOptions options;
     options.background = Qt::white;
     QPainter painter(&picture.image);
     picture.report = acgiDisplay(*space.database()).paint(space, view, painter, options);

@@ -21,7 +21,7 @@ struct Picture {
     AcGiPaintReport report;
 };
 /// On white, as on the screen.
-Picture paintPicture(AcDbObjectId space, const AcGiViewport &view);
+Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, AcGiPaintOptions options = {});
 
 /// Two pixels differ when a channel differs by more than this; letters are smoothed a little differently
 /// by other versions of the libraries.
