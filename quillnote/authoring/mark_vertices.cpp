@@ -1,0 +1,159 @@
+#include "quillnote/authoring/mark_vertices.h"
+
+#include "quillnote/entity/mark_geometry.h"
+#include "quillnote/entity/mark_layout.h"
+#include "quillnote/entity/mark_record.h"
+#include "quillnote/entity/password.h"
+
+#include "host/acap/docman.h"
+#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
+#include "host/acge/geextents.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+static constexpr double kSameVertex = 0.001;
+static constexpr int kThickPolygon = 51;
+
+static bool areSame(const AcGePoint3d &a, const AcGePoint3d &b)
+{
+    return a.distanceTo(b) <= kSameVertex;
+}
+
+static AcGePoint3d onPlane(const AcGePoint3d &point)
+{
+    return {point.x, point.y, 0.0};
+}
+
+std::vector<AcGePoint3d> distinctVertices(std::span<const AcGePoint3d> points)
+{
+    std::vector<AcGePoint3d> kept;
+    for (const AcGePoint3d &point : points) {
+        if (kept.empty() || !areSame(point, kept.back()))
+            kept.push_back(point);
+    }
+    if (kept.size() > 1 && areSame(kept.back(), kept.front()))
+        kept.pop_back();
+    return kept;
+}
+
+void setOutlineVertices(QuillnoteObj3 &mark, std::span<const AcGePoint3d> points)
+{
+    const std::size_t count = std::min(points.size(), QuillnoteObj3::kSlots);
+    mark.vertexCount = static_cast<std::int16_t>(count);
+    std::ranges::transform(points.first(count), mark.vertices.begin(), onPlane);
+
+    const MarkAxes axes = markAxes(mark);
+    const AcGeMatrix3d toWorld = AcGeMatrix3d::fromAxes({}, axes.right, axes.up, axes.normal);
+    const AcGeMatrix3d toMark = toWorld.inverse();
+    AcDbExtents box;
+    for (const AcGePoint3d &vertex : std::span(mark.vertices).first(count))
+        box.addPoint(toMark * vertex);
+    mark.targetCorner1 = toWorld * box.minPoint();
+    mark.targetCorner2 = toWorld * box.maxPoint();
+    completeTargetCorners(mark);
+}
+
+std::optional<std::size_t> edgeAt(std::span<const AcGePoint3d> vertices, bool isSpline,
+                                  const AcGePoint3d &point)
+{
+    const double least = (isSpline ? 100.0 : 160.0) * kGePi / 180.0;
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const AcGeVector3d toStart = vertices[i] - point;
+        const AcGeVector3d toEnd = vertices[(i + 1) % vertices.size()] - point;
+        if (toStart.angleTo(toEnd) > least)
+            return i;
+    }
+    return std::nullopt;
+}
+
+/// The vertices of what can take one more; none for other targets. In the order in which outlines run.
+static std::optional<std::vector<AcGePoint3d>> outlineOf(const QuillnoteObj3 &mark)
+{
+    const OutlineRecord record = outlineRecord(mark);
+    if (mark.targetStyle > 50)
+        return std::vector(record.vertices.begin(), record.vertices.end());
+    const int style = std::abs(mark.targetStyle);
+    if (style != 2 && style != 4 && style != 5)
+        return std::nullopt;
+    const MarkCorners &corners = record.target;
+    return std::vector{corners.corner1, corners.corner4, corners.corner2, corners.corner3};
+}
+
+VertexPlace vertexPlace(const QuillnoteObj3 &mark, const AcGePoint3d &point)
+{
+    const std::optional<std::vector<AcGePoint3d>> vertices = outlineOf(mark);
+    if (!vertices)
+        return {VertexPlace::noOutline};
+    const bool isSpline = mark.targetStyle == 52 || mark.targetStyle == 54;
+    const std::optional<std::size_t> edge = edgeAt(*vertices, isSpline, onPlane(point));
+    if (!edge)
+        return {VertexPlace::offOutline};
+    return {vertices->size() < QuillnoteObj3::kSlots ? VertexPlace::onEdge : VertexPlace::full, *edge};
+}
+
+bool insertVertex(QuillnoteObj3 &mark, const AcGePoint3d &point)
+{
+    const VertexPlace place = vertexPlace(mark, point);
+    if (place.kind != VertexPlace::onEdge)
+        return false;
+    mark.assertWriteEnabled();
+    std::vector<AcGePoint3d> vertices = *outlineOf(mark);
+    vertices.insert(vertices.begin() + std::ptrdiff_t(place.edge) + 1, onPlane(point));
+    std::ranges::copy(vertices, mark.vertices.begin());
+    mark.vertexCount = static_cast<std::int16_t>(vertices.size());
+    if (mark.targetStyle <= 50)
+        mark.targetStyle = kThickPolygon;
+    return true;
+}
+
+// The command -------------------------------------------------------------------------------------
+
+static QString placeText(const VertexPlace &place)
+{
+    switch (place.kind) {
+    case VertexPlace::onEdge:
+        return QStringLiteral("\n已在第%1顶点之后增加了新顶点。").arg(place.edge + 1);
+    case VertexPlace::noOutline:
+        return QStringLiteral("\n只能在矩形或多边形靶框上增加顶点。");
+    case VertexPlace::offOutline:
+        return QStringLiteral("\n请拾取靶框上，而不是拾取标注文本或文本框。");
+    case VertexPlace::full:
+        return QStringLiteral("\n靶框最多只能有16个顶点！");
+    }
+    return {};
+}
+
+/// Whether the user may change the mark; what is no mark is told.
+static bool isOpenToUser(AcDbObjectId id)
+{
+    const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    if (!mark)
+        acutPrintf(QStringLiteral("\n不是评图标签。"));
+    return mark && mayChangeProtected(mark->chPwMD5);
+}
+
+/// What to print. A mark that takes no vertex there is not opened for write: nothing would be to be undone.
+static QString addVertex(AcDbObjectId id, const AcGePoint3d &point)
+{
+    const VertexPlace place = vertexPlace(*AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead), point);
+    if (place.kind != VertexPlace::onEdge)
+        return placeText(place);
+    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
+    if (!mark)
+        return QStringLiteral("\n该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus()));
+    insertVertex(*mark, point);
+    settleMark(*mark, *mark->database());
+    return placeText(place);
+}
+
+void QN3_addVertext()
+{
+    AcDbObjectId picked;
+    AcGePoint3d pickPoint;
+    if (acedEntSel(QStringLiteral("\n请在需要增加顶点的位置选择评图标签： "), picked, pickPoint) != RTNORM)
+        acutPrintf(QStringLiteral("\n未选中评图标签。"));
+    else if (isOpenToUser(picked))
+        acutPrintf(addVertex(picked, acedTrans(pickPoint, AcEdSpace::ucs, AcEdSpace::world)));
+}

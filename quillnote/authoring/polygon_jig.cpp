@@ -1,0 +1,85 @@
+#include "quillnote/authoring/polygon_jig.h"
+
+#include "quillnote/authoring/mark_vertices.h"
+#include "quillnote/authoring/polygon_mark.h"
+#include "quillnote/entity/mark_record.h"
+#include "quillnote/frame/settings/start_up_settings.h"
+
+#include <cstdlib>
+
+/// Outline codes: thick ones stand two below the thin ones.
+static constexpr int kThinPolygon = 53;
+static constexpr int kThinSpline = 54;
+static constexpr int kThinToThick = -2;
+
+QuillnotePolygonJig::QuillnotePolygonJig(const AcGePoint3d &start, const AcGeVector3d &ucsNormal,
+                                         bool isPolygon)
+    : m_mark(std::make_unique<QuillnoteObj3>()), m_start(start), m_lastSample(start), m_normal(ucsNormal),
+      m_isPolygon(isPolygon)
+{
+}
+
+QuillnotePolygonJig::~QuillnotePolygonJig() = default;
+
+void QuillnotePolygonJig::begin()
+{
+    initMarkFromSettings(*m_mark);
+    orientMark(*m_mark, m_normal);
+    m_mark->markNumber = 0;
+    m_mark->targetStyle = static_cast<std::int16_t>(m_isPolygon ? kThinPolygon : kThinSpline);
+    m_vertices.assign(1, m_start);
+    setOutlineVertices(*m_mark, m_vertices);
+}
+
+void QuillnotePolygonJig::run()
+{
+    begin();
+    setDispPrompt(QStringLiteral("\n请指定下一点<退出>: "));
+    setUserInputControls(kAccept3dCoordinates | kNullResponseAccepted | kAnyBlankTerminatesInput);
+    DragStatus status = kNormal;
+    while (status == kNormal) {
+        setBasePoint(m_vertices.back());
+        status = drag();
+        if (status != kNormal && m_hasRubberBand && m_vertices.size() > 1)
+            m_vertices.pop_back();
+        m_hasRubberBand = false;
+    }
+}
+
+std::unique_ptr<QuillnoteObj3> QuillnotePolygonJig::takeMark()
+{
+    setOutlineVertices(*m_mark, distinctVertices(m_vertices));
+    if (std::abs(startUpSettings().style) >= 5)
+        m_mark->targetStyle = static_cast<std::int16_t>(m_mark->targetStyle + kThinToThick);
+    return std::move(m_mark);
+}
+
+AcEdJig::DragStatus QuillnotePolygonJig::sampler()
+{
+    AcGePoint3d point;
+    const DragStatus status = acquirePoint(point);
+    if (status != kNormal)
+        return status;
+    if (point.isEqualTo(m_lastSample))
+        return kNoChange;
+    m_lastSample = point;
+    if (m_hasRubberBand && m_vertices.size() > 1)
+        m_vertices.back() = point;
+    else
+        m_vertices.push_back(point);
+    m_hasRubberBand = true;
+    return kNormal;
+}
+
+bool QuillnotePolygonJig::update()
+{
+    if (m_vertices.size() < 2)
+        return false;
+    setOutlineVertices(*m_mark, m_vertices);
+    return true;
+}
+
+AcDbEntity *QuillnotePolygonJig::entity() const
+{
+    return m_mark.get();
+}
