@@ -1,0 +1,98 @@
+// DrawingView: the drawing area of the window. It shows the current document and takes what a person does
+// with mouse and keyboard there.
+#pragma once
+
+#include "app/window/pointing.h"
+#include "app/window/view_highlight.h"
+#include "app/window/view_picture.h"
+
+#include "host/acap/docman.h"
+
+#include <QWidget>
+
+#include <set>
+
+namespace window
+{
+
+class DrawingView : public QWidget, private AcApDocManagerReactor
+{
+    Q_OBJECT
+    Q_PROPERTY(bool whiteBackground READ whiteBackground WRITE setWhiteBackground)
+
+public:
+    explicit DrawingView(WindowFrontEnd &frontEnd, QWidget *parent = nullptr);
+    ~DrawingView() override;
+
+    /// Shows everything that is visible, on a sheet the whole sheet also while a viewport is entered.
+    void zoomExtents();
+    /// Enlarges by the factor; the place under `at` (widget coordinates) stays where it is.
+    void zoomBy(double factor, QPointF at);
+    /// Moves the drawing over the screen, widget coordinates.
+    void panBy(QPoint way);
+    /// Black on white instead of white on black; kept in BACKGROUNDCOLOR.
+    bool whiteBackground() const;
+    void setWhiteBackground(bool white);
+
+    /// The picture shows exactly the drawing as it is; nothing is being painted.
+    bool isSharp() const { return m_picture.isSharp(); }
+    /// The picture of the drawing alone, without what follows the cursor.
+    const QImage &picture() const { return m_picture.image(); }
+    /// Looks at once for what has changed.
+    void refresh();
+
+    QSize sizeHint() const override { return {1000, 700}; }
+
+Q_SIGNALS:
+    void cursorMoved(const AcGePoint3d &world);
+    /// Another part of the drawing is seen, or another drawing.
+    void viewChanged();
+    void busyChanged(bool busy);
+    void painted(const AcGiPaintReport &report);
+    /// Typed while the drawing has the keyboard; meant for the command line.
+    void textTyped(const QString &text);
+    /// Enter, a blank or the right button at a prompt: the command line is confirmed.
+    void enterPressed();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    // AcApDocManagerReactor
+    void documentToBeDestroyed(AcApDocument *document) override;
+    void documentActivated(AcApDocument *document) override;
+
+    QPointF toPixel(QPointF place) const { return place * devicePixelRatioF(); }
+    QSize pixelSize() const;
+    void fitViewToWidget(AcApDocument &document);
+    void promptChanged();
+    void lookForChanges();
+    void showDocument(AcApDocument &document, bool mayHaveChanged);
+    void showHighlight();
+    void showCursor();
+    bool mayRead() const;
+    void pressRight(QMouseEvent &event);
+    bool pressViewKey(QKeyEvent &event);
+
+    WindowFrontEnd &m_frontEnd;
+    Pointing m_pointing;
+    ViewPicture m_picture;
+    ViewHighlight m_highlight;
+    QTimer m_watch; ///< Looks for changes that nobody announces, while a prompt waits.
+    AcDbDatabase *m_shown = nullptr;
+    std::uint64_t m_changeCount = 0;
+    AcGiViewport m_view;
+    std::vector<AcDbObjectId> m_chosen;      ///< Of a selection that is being made.
+    std::set<const AcApDocument *> m_fitted; ///< Documents whose view has this widget's pixels.
+    std::optional<QPoint> m_panFrom;
+};
+
+} // namespace window

@@ -1,0 +1,89 @@
+#include "app/window/view_highlight.h"
+
+#include "app/window/view_picture.h"
+
+namespace window
+{
+
+/// So many are painted while the view moves.
+static constexpr std::size_t kFew = 2000;
+static const QColor kChosen(30, 144, 255);
+
+ViewHighlight::ViewHighlight(QObject *parent) : QObject(parent)
+{
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(150);
+    connect(&m_rest, &QTimer::timeout, this, &ViewHighlight::repaint);
+}
+
+void ViewHighlight::clear()
+{
+    m_rest.stop();
+    m_database = nullptr;
+    m_image = {};
+    if (std::exchange(m_entities, {}).empty())
+        return;
+    Q_EMIT changed();
+}
+
+void ViewHighlight::show(AcDbDatabase *database, const std::vector<AcDbObjectId> &entities,
+                         const AcGiViewport &view)
+{
+    if (!database || entities.empty()) {
+        clear();
+        return;
+    }
+    const bool isOther =
+        database != m_database || database->changeCount() != m_changeCount || entities != m_entities;
+    if (!isOther && isSameView(view, m_view))
+        return;
+    m_database = database;
+    m_changeCount = database->changeCount();
+    m_view = view;
+    if (isOther)
+        m_entities = entities;
+    if (isOther || m_entities.size() <= kFew)
+        repaint();
+    else
+        m_rest.start();
+    Q_EMIT changed();
+}
+
+void ViewHighlight::repaint()
+{
+    m_rest.stop();
+    if (!m_database)
+        return;
+    QImage image(int(m_view.pixelWidth), int(m_view.pixelHeight), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return;
+    image.fill(Qt::transparent);
+    AcGiPaintOptions options;
+    options.fillBackground = false;
+    options.highlight = kChosen;
+    QPainter painter(&image);
+    acgiDisplay(*m_database).paintEntities(m_entities, m_view, painter, options);
+    // Lines that are two pixels wide stand out whatever their colour was.
+    painter.end();
+    QImage wide = image;
+    QPainter widen(&wide);
+    widen.drawImage(1, 0, image);
+    widen.drawImage(0, 1, image);
+    widen.end();
+    m_image = wide;
+    m_imageView = m_view;
+    Q_EMIT changed();
+}
+
+void ViewHighlight::paint(QPainter &painter) const
+{
+    if (m_image.isNull() || m_entities.empty())
+        return;
+    painter.save();
+    if (!isSameView(m_imageView, m_view))
+        painter.setTransform(pixelTransform(m_imageView, m_view), true);
+    painter.drawImage(0, 0, m_image);
+    painter.restore();
+}
+
+} // namespace window

@@ -1,0 +1,43 @@
+// ViewHighlight: chosen entities in the colour of what is chosen, as a layer over the picture.
+#pragma once
+
+#include "host/acgi/gidisplay.h"
+
+#include <QObject>
+#include <QTimer>
+
+namespace window
+{
+
+/// A layer of few entities always fits the view. One of many is shown moved and scaled while the view changes
+/// and painted anew when the view has come to rest.
+class ViewHighlight : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewHighlight(QObject *parent = nullptr);
+
+    /// The drawing may be read at this moment; the entities stand in the space that `view` looks at.
+    void show(AcDbDatabase *database, const std::vector<AcDbObjectId> &entities, const AcGiViewport &view);
+    void clear();
+    /// The painter's coordinates are the pixels of the view.
+    void paint(QPainter &painter) const;
+    bool isEmpty() const { return m_entities.empty(); }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void repaint();
+
+    AcDbDatabase *m_database = nullptr;
+    std::vector<AcDbObjectId> m_entities;
+    std::uint64_t m_changeCount = 0;
+    AcGiViewport m_view;
+    QImage m_image;
+    AcGiViewport m_imageView;
+    QTimer m_rest;
+};
+
+} // namespace window
