@@ -22,7 +22,7 @@ STOREYS = {
     "helpers": {"host", "helpers"},
 }
 WITHOUT_GUI = ("host/base", "host/os", "host/acrx", "host/acge", "host/acdb", "host/formats")
-WITH_WIDGETS = ("host/acui", "quillnote/ui", "app")
+WITH_WIDGETS = ("host/acui", "quillnote/ui", "helpers", "app")
 # A folder that may use widgets only in files whose name holds the word.
 WITH_WIDGETS_IN = {"quillnote/snapshot": "viewer"}
 
