@@ -2,6 +2,7 @@
 #include "app/console/command_line.h"
 #include "app/console/console_front_end.h"
 #include "app/console/modules.h"
+#include "app/window/window_run.h"
 #include "host/aced/hostcommands.h"
 #include "host/acgi/gidraw.h"
 #include "host/acrx/rxmodule.h"
@@ -24,29 +25,39 @@ static void passMessage(QtMsgType type, const QMessageLogContext &context, const
         qtHandler()(type, context, text);
 }
 
+static bool hasDisplay()
+{
+    for (const char *variable : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return true;
+    }
+    return false;
+}
+
 int main(int argc, char **argv)
 {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    // Nothing here needs a display: pictures and dialogs of a console run live in memory.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    const bool inWindow = hasDisplay() && console::asksForWindow(arguments);
+    // Nothing else needs a display: pictures and dialogs of a console run live in memory.
+    if (!inWindow && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qtHandler() = qInstallMessageHandler(passMessage);
     int applicationArguments = 1; // The options are ours, not Qt's.
     const QApplication application(applicationArguments, argv);
-    QApplication::setApplicationName(QStringLiteral("quillnote"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Quillnote"));
+    QApplication::setApplicationName(QStringLiteral("Quillnote"));
     QApplication::setQuitOnLastWindowClosed(false);
 
     console::ConsoleFrontEnd frontEnd;
     acedSetFrontEnd(&frontEnd);
-    os::setShellEnabled(false);
+    os::setShellEnabled(inWindow);
     acedRegisterHostCommands();
     acgiInstall();
     acuiInstall();
     if (!console::runsWithoutModules(arguments))
         console::loadModules();
 
-    const int status = console::runCommandLine(arguments);
+    const int status =
+        inWindow ? window::run(console::filesOf(arguments)) : console::runCommandLine(arguments);
 
     acrxDynamicLinker()->unloadAll();
     console::endMessageLine();

@@ -260,7 +260,9 @@ int refuseWindow(const std::vector<std::string> &files)
             QStringLiteral("%1 is neither a verb nor a file; see quillnote --help").arg(text(files.front())));
         return kTrouble;
     }
-    printMessageLine(QStringLiteral("The window is not built yet; the console works: see quillnote --help."));
+    printMessageLine(
+        QStringLiteral("There is no display to show the window on (DISPLAY and WAYLAND_DISPLAY are "
+                       "not set); the console needs none: see quillnote --help."));
     return kTrouble;
 }
 
@@ -293,6 +295,29 @@ bool runsWithoutModules(const std::vector<std::string> &arguments)
     const auto verb =
         std::ranges::find_if(arguments, [](const std::string &each) { return !each.starts_with('-'); });
     return verb != arguments.end() && *verb == "settings";
+}
+
+/// Verbs are single words; a drawing has at least an ending.
+static bool isFile(const std::string &argument)
+{
+    return argument.find_first_of("./") != std::string::npos;
+}
+
+bool asksForWindow(const std::vector<std::string> &arguments)
+{
+    return std::ranges::all_of(arguments, [](const std::string &each) {
+        return each == "--no-module" || (!each.starts_with('-') && isFile(each));
+    });
+}
+
+QStringList filesOf(const std::vector<std::string> &arguments)
+{
+    QStringList files;
+    for (const std::string &each : arguments) {
+        if (!each.starts_with('-'))
+            files.append(text(each));
+    }
+    return files;
 }
 
 int runCommandLine(const std::vector<std::string> &arguments)

@@ -1,9 +1,9 @@
 #include "app/window/window_front_end.h"
 
-#include "host/acui/acuifile.h"
-
 #include <QApplication>
 #include <QEventLoop>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QWidget>
 
 #include <utility>
@@ -64,14 +64,48 @@ std::optional<AcEdAnswer> WindowFrontEnd::wait(const AcEdPrompt &prompt)
     return std::exchange(m_given, std::nullopt);
 }
 
+/// "另存为 <plan.dxf>: " as the title of a dialog.
+static QString dialogTitle(QString message)
+{
+    const qsizetype proposal = message.indexOf(u'<');
+    message = message.left(proposal < 0 ? message.size() : proposal).trimmed();
+    return message.endsWith(u':') ? message.chopped(1) : message;
+}
+
 std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
 {
+    const bool isSave = prompt.kind == AcEdPromptKind::fileToSave;
+    const QString ending = QFileInfo(prompt.path).suffix();
+    const bool isDrawing = ending.isEmpty() || ending == u"dxf" || ending == u"dwg";
+    QFileDialog dialog(QApplication::activeWindow(), dialogTitle(prompt.message));
+    dialog.setAcceptMode(isSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setNameFilters({isDrawing ? tr("图形 (*.dxf *.dwg *.DXF *.DWG)") : QStringLiteral("*.") + ending,
+                           tr("所有文件 (*)")});
+    // With it the dialog asks about the file that will be written, not about a name without its ending.
+    dialog.setDefaultSuffix(ending);
+    if (!prompt.path.isEmpty()) {
+        dialog.setDirectory(QFileInfo(prompt.path).absolutePath());
+        dialog.selectFile(isSave ? QFileInfo(prompt.path).fileName() : QString());
+    }
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return cancelAnswer();
     AcEdAnswer answer;
-    const int flags = prompt.kind == AcEdPromptKind::fileToSave ? kAcUiSaveFile : kAcUiOpenFile;
-    if (acedGetFileD(prompt.message.trimmed(), prompt.path, QStringLiteral("dxf;dwg"), flags, answer.typed) !=
-        RTNORM)
-        answer.kind = AcEdAnswer::cancel;
+    answer.typed = dialog.selectedFiles().constFirst();
+    answer.mayReplace = isSave;
     return answer;
+}
+
+/// What was asked and answered goes into the history; a command prompt that nobody typed at leaves nothing.
+void WindowFrontEnd::echo(const AcEdPrompt &prompt, const AcEdAnswer &answer)
+{
+    const bool isCommand = prompt.kind == AcEdPromptKind::command;
+    if (answer.kind == AcEdAnswer::text && !(isCommand && answer.typed.isEmpty()))
+        print(prompt.message + answer.typed);
+    else if (answer.kind == AcEdAnswer::cancel && !isCommand)
+        print(prompt.message + tr("*取消*"));
+    if (isCommand && answer.kind == AcEdAnswer::text && !answer.typed.isEmpty())
+        m_lastCommand = answer.typed;
 }
 
 std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
@@ -89,11 +123,7 @@ std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
         answer = isFile ? askFile(prompt) : wait(prompt);
     if (!answer)
         return std::nullopt;
-    if (answer->kind == AcEdAnswer::text && !isFile)
-        print(prompt.message + answer->typed);
-    if (prompt.kind == AcEdPromptKind::command && answer->kind == AcEdAnswer::text &&
-        !answer->typed.isEmpty())
-        m_lastCommand = answer->typed;
+    echo(prompt, *answer);
     return answer;
 }
 
@@ -146,7 +176,8 @@ void WindowFrontEnd::whenIdle(std::function<void()> function)
         runPending(*m_prompt);
     else
         m_queued.clear();
-    give(isCommand ? AcEdAnswer() : cancelAnswer());
+    if (!m_given) // The function may have given the next command itself.
+        give(isCommand ? AcEdAnswer() : cancelAnswer());
 }
 
 void WindowFrontEnd::leave()

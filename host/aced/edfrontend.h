@@ -61,8 +61,8 @@ struct AcEdAnswer {
     enum Kind { text, point, entity, cancel };
     Kind kind = text;
     QString typed;
-    AcGePoint3d where;   ///< For point and entity: world coordinates.
-    AcDbObjectId picked; ///< For entity.
+    AcGePoint3d where;       ///< For point and entity: world coordinates.
+    AcDbObjectId picked;     ///< For entity.
     bool mayReplace = false; ///< To a file prompt: replacing the file has been agreed to.
 };
 

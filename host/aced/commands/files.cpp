@@ -1,6 +1,8 @@
 // Commands on files: drawings opened, saved and closed; modules loaded.
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
+#include "host/aced/edmessage.h"
+#include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
 #include "host/acrx/rxmodule.h"
 
@@ -12,13 +14,53 @@
 namespace hostcommands
 {
 
+namespace
+{
+
+struct AskedFile {
+    QString path; ///< Empty for Enter.
+    bool mayReplace = false;
+};
+
+} // namespace
+
+/// A path, typed or chosen in a window's file dialog; none when cancelled.
+static std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed)
+{
+    acedTakeRules(); // Paths know neither rules nor keywords.
+    AcEdPrompt prompt;
+    prompt.kind = kind;
+    prompt.message = message;
+    prompt.path = proposed;
+    prompt.allowsBlanks = true;
+    const auto answer = acedNextAnswer(prompt);
+    if (!answer || answer->kind != AcEdAnswer::text) {
+        acedEditor()->requestCancel();
+        return std::nullopt;
+    }
+    QString path = answer->typed.trimmed();
+    if (path.size() >= 2 && path.startsWith(u'"') && path.endsWith(u'"'))
+        path = path.mid(1, path.size() - 2);
+    return AskedFile{path, answer->mayReplace};
+}
+
+/// A line for everybody, and a message box where somebody sits before a window.
+static void tellTrouble(const QString &text)
+{
+    acutPrintf(u'\n' + text);
+    if (!acedFrontEnd().isScripted())
+        acedAlert(text);
+}
+
 static void open()
 {
-    const auto path = askText(QStringLiteral("\n输入要打开的图形文件名: "));
-    if (!path || path->isEmpty())
+    const QString proposed = curDoc() ? curDoc()->fileName() : QString();
+    const auto file =
+        askFile(AcEdPromptKind::fileToOpen, QStringLiteral("\n输入要打开的图形文件名: "), proposed);
+    if (!file || file->path.isEmpty())
         return;
-    if (const auto opened = acDocManager()->openDocument(*path); !opened)
-        acutPrintf(QStringLiteral("\n不能打开图形: %1").arg(opened.error()));
+    if (const auto opened = acDocManager()->openDocument(file->path); !opened)
+        tellTrouble(QStringLiteral("不能打开图形: %1").arg(opened.error()));
 }
 
 static void newDrawing()
@@ -29,7 +71,7 @@ static void newDrawing()
 static void save(AcApDocument *document, const QString &path, bool copyOnly)
 {
     if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
-        acutPrintf(QStringLiteral("\n不能保存图形: %1").arg(saved.error()));
+        tellTrouble(QStringLiteral("不能保存图形: %1").arg(saved.error()));
 }
 
 /// With the ending of the present name when the user typed none.
@@ -54,12 +96,13 @@ static void saveUnderAskedName(bool copyOnly)
 {
     AcApDocument *const document = curDoc();
     const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
-    auto path = askText(QStringLiteral("\n图形另存为 <%1>: ").arg(present));
-    if (!path)
+    const auto file =
+        askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n图形另存为 <%1>: ").arg(present), present);
+    if (!file)
         return;
-    path = withEnding(*document, path->isEmpty() ? present : *path);
-    if (mayOverwrite(*document, *path))
-        save(document, *path, copyOnly);
+    const QString path = withEnding(*document, file->path.isEmpty() ? present : file->path);
+    if (file->mayReplace || mayOverwrite(*document, path))
+        save(document, path, copyOnly);
 }
 
 static void saveAs()
@@ -109,7 +152,7 @@ static void loadModule()
         return;
     const auto loaded = acrxDynamicLinker()->loadModule(*path);
     if (!loaded) {
-        acutPrintf(QStringLiteral("\n不能加载模块: %1").arg(loaded.error()));
+        tellTrouble(QStringLiteral("不能加载模块: %1").arg(loaded.error()));
         return;
     }
     // A module hears of drawings that were open before it came.

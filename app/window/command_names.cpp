@@ -1,0 +1,147 @@
+#include "app/window/command_names.h"
+
+#include "app/window/host_menus.h"
+#include "app/window/window_front_end.h"
+#include "host/aced/edcommands.h"
+#include "host/aced/edmenu.h"
+#include "host/aced/edparse.h"
+
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+
+namespace window
+{
+
+// Names -------------------------------------------------------------------------------------------
+
+/// 0 modules, 1 the host, 2 short names.
+static int rank(const AcEdCommand &command)
+{
+    if (!command.group.startsWith(QLatin1String("HOST")))
+        return 0;
+    return command.group.contains(u'.') ? 2 : 1;
+}
+
+std::vector<CommandName> commandNames()
+{
+    std::vector<CommandName> names;
+    QSet<QString> seen;
+    for (int wanted = 0; wanted <= 2; ++wanted) {
+        for (const AcEdCommand &command : acedRegCmds()->commands()) {
+            if (rank(command) != wanted)
+                continue;
+            for (const QString &name : {command.localName, command.globalName}) {
+                if (seen.contains(name.toUpper()))
+                    continue;
+                seen.insert(name.toUpper());
+                names.push_back({name, commandTitle(command.globalName)});
+            }
+        }
+    }
+    return names;
+}
+
+// Titles ------------------------------------------------------------------------------------------
+
+QString withoutMnemonic(QString label)
+{
+    static const QRegularExpression mark(QStringLiteral(R"(\(&.\)|&(?=\S)|\.\.\.$|…$)"));
+    return label.remove(mark).trimmed();
+}
+
+/// The global name of the command that a macro runs.
+static QString commandOf(const QString &macro)
+{
+    for (const auto &answer : readMacro(macro)) {
+        if (!answer || answer->kind != AcEdAnswer::text)
+            continue;
+        const AcEdCommand *const command = acedRegCmds()->lookup(answer->typed);
+        return command ? command->globalName : QString();
+    }
+    return {};
+}
+
+static QString labelIn(const std::vector<AcEdMenuItem> &items, const QString &globalName)
+{
+    for (const AcEdMenuItem &item : items) {
+        if (item.kind == AcEdMenuItem::item && commandOf(item.macro) == globalName)
+            return withoutMnemonic(item.label);
+        if (const QString found = labelIn(item.children, globalName); !found.isEmpty())
+            return found;
+    }
+    return {};
+}
+
+QString commandTitle(const QString &globalName)
+{
+    if (globalName.isEmpty())
+        return hostTitle(QStringLiteral("CHANGE"));
+    for (const auto &group : acedMenus().groups()) {
+        if (const QString label = labelIn(group->popups, globalName); !label.isEmpty())
+            return label;
+    }
+    if (const QString title = hostTitle(globalName); !title.isEmpty())
+        return title;
+    const auto &commands = acedRegCmds()->commands();
+    const auto found = std::ranges::find(commands, globalName, &AcEdCommand::globalName);
+    return found == commands.end() ? globalName : found->localName;
+}
+
+// Prompts -----------------------------------------------------------------------------------------
+
+/// The keyword that an option of the text stands for: "圆弧(A)" for "Arc"; none.
+static QString keywordOf(const QString &option, const QStringList &keywords)
+{
+    const qsizetype open = option.lastIndexOf(u'(');
+    const bool isShort = open >= 0 && option.endsWith(u')');
+    const QString typed = isShort ? option.mid(open + 1, option.size() - open - 2) : option;
+    return acedMatchKeyword(typed.trimmed(), keywords).index >= 0 ? typed.trimmed() : QString();
+}
+
+static QString link(const QString &keyword, const QString &shown, const QColor &color)
+{
+    return QStringLiteral("<a href=\"%1\" style=\"color:%2\">%3</a>")
+        .arg(keyword.toHtmlEscaped(), color.name(), shown.toHtmlEscaped());
+}
+
+static QString optionsAsHtml(const QString &options, const QStringList &keywords, const QColor &color)
+{
+    QStringList shown;
+    for (const QString &option : options.split(u'/')) {
+        const QString keyword = keywordOf(option, keywords);
+        shown += keyword.isEmpty() ? option.toHtmlEscaped() : link(keyword, option, color);
+    }
+    return u'[' + shown.join(u'/') + u']';
+}
+
+/// "LType,LT" shows as "LType".
+static QString listed(const QStringList &keywords, const QColor &color)
+{
+    QStringList shown;
+    for (const QString &keyword : keywords) {
+        const QString name = keyword.section(u',', 0, 0);
+        shown += link(name, name, color);
+    }
+    return shown.isEmpty() ? QString() : u'[' + shown.join(u'/') + QStringLiteral("] ");
+}
+
+QString promptAsHtml(const AcEdPrompt &prompt, const QColor &linkColor)
+{
+    const QString text = prompt.message.trimmed().section(u'\n', -1);
+    const qsizetype open = text.indexOf(u'[');
+    const qsizetype close = text.indexOf(u']', open + 1);
+    if (open < 0 || close < 0)
+        return listed(prompt.keywords, linkColor) + text.toHtmlEscaped();
+    return text.left(open).toHtmlEscaped() +
+           optionsAsHtml(text.mid(open + 1, close - open - 1), prompt.keywords, linkColor) +
+           text.mid(close + 1).toHtmlEscaped();
+}
+
+bool blankConfirms(const AcEdPrompt &prompt, const QString &typed)
+{
+    return !prompt.allowsBlanks && !typed.trimmed().startsWith(u'(') && typed.count(u'"') % 2 == 0;
+}
+
+} // namespace window

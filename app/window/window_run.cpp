@@ -1,0 +1,63 @@
+#include "app/window/window_run.h"
+
+#include "app/window/main_window.h"
+#include "app/window/window_front_end.h"
+#include "host/acap/docman.h"
+#include "host/aced/edcommands.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+namespace window
+{
+
+/// The window is written in Chinese; those who prefer English read English. A plain "C" locale says nothing.
+static bool prefersEnglish()
+{
+    const QStringList languages = QLocale::system().uiLanguages();
+    return QLocale::system().language() != QLocale::C && !languages.isEmpty() &&
+           languages.constFirst().startsWith(QLatin1String("en"));
+}
+
+/// Ours, and Qt's own for the buttons of its dialogs.
+static void loadTranslations(QTranslator &own, QTranslator &qt)
+{
+    const QString folder =
+        QDir::cleanPath(QApplication::applicationDirPath() + QStringLiteral("/../share/translations"));
+    const bool english = prefersEnglish();
+    if (english && own.load(QStringLiteral("quillnote_en"), folder))
+        QApplication::installTranslator(&own);
+    if (!english &&
+        qt.load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qt);
+}
+
+static void closeAllDocuments()
+{
+    while (!acDocManager()->documents().empty())
+        acDocManager()->closeDocument(acDocManager()->documents().back().get());
+}
+
+int run(const QStringList &files)
+{
+    QTranslator own, qt;
+    loadTranslations(own, qt);
+    WindowFrontEnd front;
+    AcEdFrontEnd *const before = acedSetFrontEnd(&front);
+    {
+        MainWindow mainWindow(front);
+        mainWindow.show();
+        front.whenIdle([&] { mainWindow.start(files); });
+        acedEditor()->processInput();
+        mainWindow.keepSettings();
+        mainWindow.hide();
+        closeAllDocuments();
+    }
+    acedSetFrontEnd(before);
+    return 0;
+}
+
+} // namespace window
