@@ -12,8 +12,10 @@ static constexpr float kThinnestWide = 1.5F;
 /// Full coverage or opacity.
 static constexpr std::uint32_t kWhole = 256;
 
-AcGiCanvas::AcGiCanvas(QPainter &painter, const QRectF &visible, const AcGiPixels &pixels, bool antialiasing)
-    : m_painter(painter), m_pixels(pixels), m_antialiasing(antialiasing), m_clips{{visible, true, false}}
+AcGiCanvas::AcGiCanvas(QPainter &painter, const QRectF &visible, const QRectF &whole,
+                       const AcGiPixels &pixels, bool antialiasing, AcGiGlyphMasks &masks)
+    : m_painter(painter), m_pixels(pixels),
+      m_antialiasing(antialiasing), m_clips{{visible, whole, true, false}}, m_masks(masks)
 {
     m_painter.setRenderHint(QPainter::Antialiasing, antialiasing);
     updatePixelClip();
@@ -64,7 +66,7 @@ void AcGiCanvas::pushClip(const std::vector<QPolygonF> &loops, bool inverted)
     QPainterPath path;
     QRectF box;
     for (const QPolygonF &loop : loops) {
-        const QPolygonF near = acgiClipPolygon(loop, outer.bounds.adjusted(-2, -2, 2, 2));
+        const QPolygonF near = acgiClipPolygon(loop, outer.whole.adjusted(-2, -2, 2, 2));
         path.addPolygon(near);
         path.closeSubpath();
         box |= near.boundingRect();
@@ -73,14 +75,15 @@ void AcGiCanvas::pushClip(const std::vector<QPolygonF> &loops, bool inverted)
     inner.savedPainter = true;
     if (inverted) {
         QPainterPath around;
-        around.addRect(outer.bounds.adjusted(-4, -4, 4, 4));
+        around.addRect(outer.whole.adjusted(-4, -4, 4, 4));
         m_painter.setClipPath(around.subtracted(path), Qt::IntersectClip);
         inner.isRectangle = false;
     } else {
         inner.bounds = outer.bounds & box;
+        inner.whole = outer.whole & box;
         inner.isRectangle = outer.isRectangle && isRectangle(loops);
         if (inner.isRectangle)
-            m_painter.setClipRect(inner.bounds, Qt::IntersectClip);
+            m_painter.setClipRect(inner.whole, Qt::IntersectClip);
         else
             m_painter.setClipPath(path, Qt::IntersectClip);
     }
@@ -182,7 +185,10 @@ void AcGiCanvas::chain(std::span<const QPointF> points)
 void AcGiCanvas::segment(QPointF from, QPointF to)
 {
     const double margin = double(m_width) + 2.0;
-    if (!acgiClipLine(from, to, visible().adjusted(-margin, -margin, margin, margin)))
+    QPointF seenFrom = from;
+    QPointF seenTo = to;
+    if (!acgiClipLine(seenFrom, seenTo, visible().adjusted(-margin, -margin, margin, margin)) ||
+        !acgiClipLine(from, to, whole().adjusted(-margin, -margin, margin, margin)))
         return;
     m_lines.emplace_back(from, to);
     constexpr std::size_t kBatch = 4096;
@@ -219,6 +225,13 @@ static inline void mix(std::uint32_t &pixel, std::uint32_t source, std::uint32_t
     pixel = (mixedEven & kEven) | (mixedOdd & kEven) << 8;
 }
 
+/// For numbers of the size of pixels; std::floor() is a call.
+static inline int floorOf(double value)
+{
+    const int whole = int(value);
+    return whole - (value < whole);
+}
+
 void AcGiCanvas::plot(int x, int y, std::uint32_t coverage)
 {
     if (x >= m_left && x < m_right && y >= m_upper && y < m_lower)
@@ -231,8 +244,8 @@ void AcGiCanvas::row(int y, double from, double to)
         return;
     if (from > to)
         std::swap(from, to);
-    const int first = std::max(m_left, int(std::floor(from)));
-    const int last = std::min(m_right - 1, int(std::floor(to)));
+    const int first = std::max(m_left, floorOf(from));
+    const int last = std::min(m_right - 1, floorOf(to));
     if (first > last)
         return;
     std::uint32_t *const line = pixelAt(0, y);
@@ -250,15 +263,16 @@ void AcGiCanvas::column(int x, double from, double to)
         return;
     if (from > to)
         std::swap(from, to);
-    const int first = std::max(m_upper, int(std::floor(from)));
-    const int last = std::min(m_lower - 1, int(std::floor(to)));
+    const int first = std::max(m_upper, floorOf(from));
+    const int last = std::min(m_lower - 1, floorOf(to));
     std::uint32_t *pixel = pixelAt(x, first);
     for (int y = first; y <= last; ++y, pixel += m_pixels.stride)
         mix(*pixel, m_source, m_opacity);
 }
 
 /// Along the axis that the line runs along most, each pixel column (or row) gets the line's place in it,
-/// shared between the two nearest pixels.
+/// shared between the two nearest pixels. Places are counted from the line's start in whole numbers: they are
+/// the same whichever part of the line is painted.
 void AcGiCanvas::slope(double x0, double y0, double x1, double y1)
 {
     const bool isSteep = std::abs(y1 - y0) > std::abs(x1 - x0);
@@ -270,58 +284,78 @@ void AcGiCanvas::slope(double x0, double y0, double x1, double y1)
         std::swap(x0, x1);
         std::swap(y0, y1);
     }
+    const int begin = floorOf(x0);
+    const int end = floorOf(x1);
+    const int first = std::max(isSteep ? m_upper : m_left, begin);
+    const int last = std::min((isSteep ? m_lower : m_right) - 1, end);
+    if (first > last)
+        return;
+    // 32 bits behind the point; the first and last place stay within the line's ends.
+    constexpr double kOne = 4294967296.0;
     const double rise = x1 - x0 > 1e-9 ? (y1 - y0) / (x1 - x0) : 0.0;
-    const int lowest = isSteep ? m_upper : m_left;
-    const int highest = (isSteep ? m_lower : m_right) - 1;
-    const int first = std::max(lowest, int(std::floor(x0)));
-    const int last = std::min(highest, int(std::floor(x1)));
-    // 16 bits behind the point; the first and last place stay within the line's ends.
-    const auto placeAt = [&](int x) { return y0 + (std::clamp(x + 0.5, x0, x1) - x0) * rise; };
-    const auto step = std::int64_t(rise * 65536.0);
-    auto place = std::int64_t((y0 + (first + 0.5 - x0) * rise) * 65536.0);
-    const int lowestMinor = isSteep ? m_left : m_upper;
-    const int highestMinor = (isSteep ? m_right : m_lower) - 1;
-    if (m_antialiasing && std::min(y0, y1) >= lowestMinor + 1 && std::max(y0, y1) <= highestMinor - 1) {
-        const std::ptrdiff_t along = isSteep ? m_pixels.stride : 1;
-        const std::ptrdiff_t across = isSteep ? 1 : m_pixels.stride;
-        std::uint32_t *const origin = pixelAt(0, 0);
-        for (int x = first; x <= last; ++x, place += step) {
-            const std::int64_t at =
-                (x == first || x == last ? std::int64_t(placeAt(x) * 65536.0) : place) - 32768;
-            const std::uint32_t share = std::uint32_t(at >> 8 & 0xFF) * m_opacity >> 8;
-            std::uint32_t *const pixel = origin + x * along + (at >> 16) * across;
-            mix(pixel[0], m_source, m_opacity - share);
-            mix(pixel[across], m_source, share);
-        }
+    const std::int64_t half = m_antialiasing ? std::int64_t(1) << 31 : 0;
+    const auto fixed = [&](double x) { return std::int64_t((y0 + (x - x0) * rise) * kOne) - half; };
+    const std::int64_t origin = fixed(begin + 0.5);
+    const auto step = std::int64_t(rise * kOne);
+    const auto placeAt = [&](int x) {
+        return x == begin || x == end ? fixed(std::clamp(x + 0.5, x0, x1)) : origin + step * (x - begin);
+    };
+    const std::int64_t firstPlace = placeAt(first);
+    const std::int64_t lastPlace = placeAt(last);
+    const std::ptrdiff_t along = isSteep ? m_pixels.stride : 1;
+    const std::ptrdiff_t across = isSteep ? 1 : m_pixels.stride;
+    const int lowest = isSteep ? m_left : m_upper;
+    const int highest = (isSteep ? m_right : m_lower) - 1;
+    if (m_antialiasing && std::min(firstPlace, lastPlace) >> 32 >= lowest &&
+        std::max(firstPlace, lastPlace) >> 32 < highest) {
+        std::uint32_t *pixel = pixelAt(0, 0) + first * along;
+        const auto mark = [&](std::int64_t at) {
+            const std::uint32_t share = std::uint32_t(at >> 24 & 0xFF) * m_opacity >> 8;
+            std::uint32_t *const nearest = pixel + (at >> 32) * across;
+            mix(nearest[0], m_source, m_opacity - share);
+            mix(nearest[across], m_source, share);
+            pixel += along;
+        };
+        mark(firstPlace);
+        std::int64_t place = origin + step * (first + 1 - begin);
+        for (int x = first + 1; x < last; ++x, place += step)
+            mark(place);
+        if (last > first)
+            mark(lastPlace);
         return;
     }
-    for (int x = first; x <= last; ++x, place += step) {
-        const std::int64_t at = x == first || x == last ? std::int64_t(placeAt(x) * 65536.0) : place;
-        const std::int64_t shifted = m_antialiasing ? at - 32768 : at;
-        const int y = int(shifted >> 16);
-        const auto share = std::uint32_t(shifted >> 8 & 0xFF);
-        if (!m_antialiasing) {
-            isSteep ? plot(y, x, 256) : plot(x, y, 256);
-        } else if (isSteep) {
-            plot(y, x, 256 - share);
-            plot(y + 1, x, share);
-        } else {
-            plot(x, y, 256 - share);
-            plot(x, y + 1, share);
-        }
+    const auto mark = [&](int x, std::int64_t y, std::uint32_t coverage) {
+        if (y >= lowest && y <= highest)
+            mix(*(pixelAt(0, 0) + x * along + y * across), m_source, coverage);
+    };
+    for (int x = first; x <= last; ++x) {
+        const std::int64_t at = placeAt(x);
+        const std::uint32_t share = m_antialiasing ? std::uint32_t(at >> 24 & 0xFF) * m_opacity >> 8 : 0;
+        mark(x, at >> 32, m_opacity - share);
+        if (share > 0)
+            mark(x, (at >> 32) + 1, share);
     }
 }
 
 void AcGiCanvas::directSegment(QPointF from, QPointF to)
 {
-    if (!acgiClipLine(from, to, QRectF(m_left - 2, m_upper - 2, m_right - m_left + 4, m_lower - m_upper + 4)))
+    // Whatever the visible part, lines are cut here at most.
+    constexpr double kFar = 1e6;
+    const auto isNear = [](QPointF p) {
+        return p.x() > -kFar && p.x() < kFar && p.y() > -kFar && p.y() < kFar;
+    };
+    if (!(isNear(from) && isNear(to)) &&
+        !acgiClipLine(from, to, QRectF(-kFar, -kFar, 2.0 * kFar, 2.0 * kFar)))
+        return;
+    if (std::max(from.x(), to.x()) < m_left - 1 || std::min(from.x(), to.x()) > m_right + 1 ||
+        std::max(from.y(), to.y()) < m_upper - 1 || std::min(from.y(), to.y()) > m_lower + 1)
         return;
     constexpr double kStraight = 0.01;
     // Lines along an axis fill one row of pixels: as sharp as the screen can show them.
     if (std::abs(from.y() - to.y()) < kStraight)
-        row(int(std::floor(from.y())), from.x(), to.x());
+        row(floorOf(from.y()), from.x(), to.x());
     else if (std::abs(from.x() - to.x()) < kStraight)
-        column(int(std::floor(from.x())), from.y(), to.y());
+        column(floorOf(from.x()), from.y(), to.y());
     else
         slope(from.x(), from.y(), to.x(), to.y());
 }
@@ -345,7 +379,7 @@ static bool isThin(const QPolygonF &loop)
 
 void AcGiCanvas::fill(std::vector<QPolygonF> &loops)
 {
-    const QRectF near = visible().adjusted(-4, -4, 4, 4);
+    const QRectF near = whole().adjusted(-4, -4, 4, 4);
     std::vector<QPolygonF> thin;
     for (QPolygonF &loop : loops) {
         loop = acgiClipPolygon(loop, near);

@@ -24,14 +24,18 @@ struct AcGiPixels {
 class AcGiCanvas
 {
 public:
-    /// The painter's coordinates are pixels of the view; `visible` is the part that is to be painted.
-    AcGiCanvas(QPainter &painter, const QRectF &visible, const AcGiPixels &pixels, bool antialiasing);
+    /// The painter's coordinates are pixels of the view; `visible` is the part of the view, `whole`, that is
+    /// to be painted. Each part comes out as it does when the whole is painted.
+    AcGiCanvas(QPainter &painter, const QRectF &visible, const QRectF &whole, const AcGiPixels &pixels,
+               bool antialiasing, AcGiGlyphMasks &masks);
     ~AcGiCanvas();
     AcGiCanvas(const AcGiCanvas &) = delete;
     AcGiCanvas &operator=(const AcGiCanvas &) = delete;
 
     /// What shows after all clips; nothing outside needs to be drawn.
     const QRectF &visible() const { return m_clips.back().bounds; }
+    /// The same of the whole view. What is cut must be cut here, so that the cuts are where they always are.
+    const QRectF &whole() const { return m_clips.back().whole; }
 
     /// `color` is not premultiplied; `width` in pixels, thin lines up to 1.5.
     void setPen(QRgb color, float width);
@@ -51,6 +55,7 @@ public:
 private:
     struct Clip {
         QRectF bounds;
+        QRectF whole;
         bool isRectangle = true;
         bool savedPainter = false;
     };
@@ -89,7 +94,7 @@ private:
     float m_width = 0.0F;
     PainterState m_state = PainterState::unknown;
     std::vector<QLineF> m_lines; ///< For the painter, with the present pen.
-    AcGiGlyphMasks m_masks;
+    AcGiGlyphMasks &m_masks;
     AcGiGlyphMatrix m_glyphMatrix;
     bool m_useMasks = false;
 };

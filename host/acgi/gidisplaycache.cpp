@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <limits>
 
-AcGiDisplayCache::AcGiDisplayCache(AcDbDatabase &database, std::function<void()> ended)
-    : m_database(database), m_ended(std::move(ended))
+AcGiDisplayCache::AcGiDisplayCache(AcDbDatabase &database, std::function<void()> ended,
+                                   std::function<void()> changes)
+    : m_database(database), m_ended(std::move(ended)), m_changes(std::move(changes))
 {
     m_database.addReactor(this);
 }
@@ -27,8 +28,33 @@ void AcGiDisplayCache::goodbye(const AcDbDatabase *)
 
 // Changes ----------------------------------------------------------------------------------------
 
+/// Keeps what the entity looked like, for takeChanges().
+void AcGiDisplayCache::noteChanged(std::uint32_t index)
+{
+    const auto progress = m_progress.find(m_database.stub(index)->owner);
+    if (progress == m_progress.end())
+        return;
+    progress->second.dropped.insert(index);
+    constexpr std::size_t kMost = 2000;
+    auto &changed = progress->second.changed;
+    if (m_everythingChanged || changed.contains(index))
+        return;
+    const bool wasDrawn = index < m_lists.size() && m_lists[index].has(AcGiDisplayList::kBuilt);
+    const AcGiDisplayList *const was = wasDrawn ? list(index, 0) : nullptr;
+    m_everythingChanged = changed.size() >= kMost || (wasDrawn && !was);
+    changed.emplace(index, was ? *was : AcGiDisplayList());
+}
+
+void AcGiDisplayCache::drop(AcDbObjectId entity)
+{
+    if (!entity.isNull())
+        drop(entity.stub()->index);
+}
+
 void AcGiDisplayCache::drop(std::uint32_t index)
 {
+    m_changes();
+    noteChanged(index);
     if (index < m_lists.size())
         m_lists[index] = {};
     m_notes.erase(index);
@@ -37,15 +63,25 @@ void AcGiDisplayCache::drop(std::uint32_t index)
         slot.lists.erase(index);
 }
 
+void AcGiDisplayCache::dropViewDependent()
+{
+    m_changes();
+    m_everythingChanged = true;
+    m_slots.clear();
+}
+
 void AcGiDisplayCache::dropAll()
 {
+    m_changes();
+    m_everythingChanged = true;
+    m_progress.clear();
     m_lists.clear();
     m_store.clear();
     m_slots.clear();
     m_notes.clear();
     m_viewports.clear();
     m_orders.clear();
-    m_tables = {};
+    m_tables = AcGiListTables();
 }
 
 /// Lists hold how far the blocks reach that they show.
@@ -65,6 +101,8 @@ void AcGiDisplayCache::noteChange(const AcDbObject &object)
         const QByteArray kind = object.dxfName();
         if (kind == "SPATIAL_FILTER")
             dropReferences();
+        for (const char *const resolved : {"LAYER", "LTYPE", "SORTENTSTABLE"})
+            m_everythingChanged = m_everythingChanged || kind == resolved;
         for (const char *const shaping : {"STYLE", "DIMSTYLE", "IMAGEDEF", "MLINESTYLE", "MLEADERSTYLE"}) {
             if (kind == shaping)
                 dropAll();
@@ -90,6 +128,8 @@ void AcGiDisplayCache::headerSysVarChanged(const AcDbDatabase *, const char *nam
         if (qstrcmp(name, shaping) == 0)
             dropAll();
     }
+    for (const char *const resolved : {"$LTSCALE", "$PSLTSCALE", "$LWDEFAULT"})
+        m_everythingChanged = m_everythingChanged || qstrcmp(name, resolved) == 0;
 }
 
 // Names ------------------------------------------------------------------------------------------
@@ -121,6 +161,8 @@ AcDbObjectId AcGiDisplayCache::linetype(const QString &name)
 
 void AcGiDisplayCache::noteUndrawn(std::uint32_t entity, const QString &reason)
 {
+    if (entity == 0)
+        return;
     m_notes[entity].push_back(reason);
 }
 
@@ -136,6 +178,8 @@ AcGiDisplayList AcGiDisplayCache::keep(std::uint32_t index, AcGiListBuilder &bui
     Slot &slot = m_slots[m_slot];
     const AcGiDisplayList list = builder.finish(slot.store);
     slot.lists[index] = list;
+    if (const auto progress = m_progress.find(m_database.stub(index)->owner); progress != m_progress.end())
+        progress->second.perSlot.insert(index);
     AcGiDisplayList &placeholder = m_lists[index];
     placeholder = {};
     placeholder.flags = list.flags;
@@ -163,6 +207,7 @@ const AcGiDisplayList &AcGiDisplayCache::ensure(std::uint32_t index)
         if (const AcGiDisplayList *const known = list(index, m_slot))
             return *known;
     }
+    m_changes();
     const std::uint32_t viewports = m_tables.viewportCount();
     AcGiListBuilder builder(m_tables, *this, &m_slots[m_slot].view);
     builder.begin(index);
@@ -185,6 +230,7 @@ AcGiDisplayList AcGiDisplayCache::blockList(AcDbObjectId record)
         if (const AcGiDisplayList *const known = list(index, m_slot))
             return *known;
     }
+    m_changes();
     // What stands here meanwhile ends the repetition of a block that contains itself.
     m_lists[index].flags = AcGiDisplayList::kBuilt;
     m_notes.erase(index);
@@ -206,11 +252,16 @@ static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)
 void AcGiDisplayCache::openSlot(AcDbObjectId space, const AcGiViewport &view, int number)
 {
     m_slot = number;
-    Slot &slot = m_slots[number];
-    if (slot.space != space || !looksTheSame(slot.view, view)) {
+    const auto known = m_slots.find(number);
+    if (known == m_slots.end() || known->second.space != space || !looksTheSame(known->second.view, view)) {
+        m_changes();
+        Slot &slot = m_slots[number];
         slot.lists.clear();
         slot.store.clear();
+        const std::unordered_set<std::uint32_t> &entities = m_progress[space.stub()->index].perSlot;
+        slot.missing.assign(entities.begin(), entities.end());
     }
+    Slot &slot = m_slots[number];
     slot.space = space;
     slot.view = view;
 }
@@ -277,11 +328,11 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
 {
     AcGiShownSpace shown;
     shown.isPlan = view.isPlan();
+    shown.slot = slot;
     const BlockContents *const contents = m_database.blockContents(space);
     if (!contents)
         return shown;
-    refreshNames();
-    m_lists.resize(m_database.stubCount());
+    grow();
     openSlot(space, view, slot);
     const AcDbExtents plane = visiblePlane(view);
     const AcGePoint3d &low = plane.minPoint();
@@ -311,26 +362,115 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
                 ++report.undrawn[reason];
         }
     }
+    Progress &progress = m_progress[space.stub()->index];
+    progress.made = contents->entities.size();
+    progress.dropped.clear();
+    m_slots[slot].missing.clear();
     return shown;
+}
+
+void AcGiDisplayCache::grow()
+{
+    refreshNames();
+    if (m_lists.size() == m_database.stubCount())
+        return;
+    m_changes();
+    m_lists.resize(m_database.stubCount());
+}
+
+bool AcGiDisplayCache::prepare(AcDbObjectId space, const AcGiViewport &view, int slot,
+                               const QDeadlineTimer &until)
+{
+    const BlockContents *const contents = m_database.blockContents(space);
+    if (!contents)
+        return true;
+    grow();
+    openSlot(space, view, slot);
+    Progress &progress = m_progress[space.stub()->index];
+    const auto make = [&](std::uint32_t index) {
+        if (!m_database.stub(index)->has(AcDbStub::kErased))
+            ensure(index);
+        return !until.hasExpired();
+    };
+    while (progress.made < contents->entities.size()) {
+        if (!make(contents->entities[progress.made++]))
+            return false;
+    }
+    while (!progress.dropped.empty()) {
+        if (!make(progress.dropped.extract(progress.dropped.begin()).value()))
+            return false;
+    }
+    std::vector<std::uint32_t> &missing = m_slots[slot].missing;
+    while (!missing.empty()) {
+        const std::uint32_t index = missing.back();
+        missing.pop_back();
+        if (!make(index))
+            return false;
+    }
+    return true;
+}
+
+// What changed -----------------------------------------------------------------------------------
+
+AcGiChangedBoxes AcGiDisplayCache::takeChanges(AcDbObjectId space, const AcGiViewport &view)
+{
+    AcGiChangedBoxes taken;
+    taken.everything = std::exchange(m_everythingChanged, false);
+    const auto add = [&](const AcGiDisplayList &list) {
+        if (list.size == 0)
+            return;
+        taken.everything = taken.everything || !list.hasBox() || list.has(AcGiDisplayList::kEndless);
+        taken.boxes.push_back({list.box[0], list.box[1], list.box[2], list.box[3]});
+    };
+    for (auto &[spaceIndex, progress] : m_progress) {
+        const auto changed = std::exchange(progress.changed, {});
+        if (changed.empty() || taken.everything)
+            continue;
+        for (const std::uint32_t number : viewportsOf(space)) {
+            const AcGiViewportPicture &picture = m_tables.viewport(number);
+            const float halfWidth = float(picture.width / 2.0);
+            const float halfHeight = float(picture.height / 2.0);
+            const float x = float(picture.centre.x);
+            const float y = float(picture.centre.y);
+            if (picture.space.stub() && picture.space.stub()->index == spaceIndex)
+                taken.boxes.push_back({x - halfWidth, y - halfHeight, x + halfWidth, y + halfHeight});
+        }
+        if (spaceIndex != space.stub()->index)
+            continue;
+        grow();
+        openSlot(space, view, 0);
+        for (const auto &[index, was] : changed) {
+            add(was);
+            if (!m_database.stub(index)->has(AcDbStub::kErased))
+                add(ensure(index));
+        }
+    }
+    return taken;
+}
+
+/// That of the shown space when it is seen in the same way: its lists do. Else one for what is drawn over it.
+int AcGiDisplayCache::slotFor(const AcGiViewport &view) const
+{
+    const auto shown = m_slots.find(0);
+    return shown != m_slots.end() && looksTheSame(shown->second.view, view) ? 0 : kOver;
 }
 
 const AcGiDisplayList *AcGiDisplayCache::entity(AcDbObjectId id, const AcGiViewport &view)
 {
     if (!id.isValid() || !id.isEntity())
         return nullptr;
-    refreshNames();
-    m_lists.resize(m_database.stubCount());
-    openSlot(AcDbObjectId(m_database.stub(id.stub()->owner)), view, 0);
+    grow();
+    openSlot(AcDbObjectId(m_database.stub(id.stub()->owner)), view, slotFor(view));
     return &ensure(id.stub()->index);
 }
 
 AcGiDisplayList AcGiDisplayCache::transient(const AcDbEntity &entity, const AcGiViewport &view,
-                                            AcGiListStore &store)
+                                            AcGiListTables &tables, AcGiListStore &store)
 {
-    refreshNames();
-    m_lists.resize(m_database.stubCount());
-    openSlot(m_slots[0].space, view, 0);
-    AcGiListBuilder builder(m_tables, *this, &m_slots[0].view);
+    grow();
+    const auto known = m_slots.find(0);
+    openSlot(known == m_slots.end() ? m_database.modelSpaceId() : known->second.space, view, slotFor(view));
+    AcGiListBuilder builder(tables, *this, &view);
     builder.begin(0);
     acgiDrawEntity(entity, builder);
     return builder.finish(store);

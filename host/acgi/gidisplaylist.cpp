@@ -26,7 +26,7 @@ std::uint32_t AcGiListTables::traitsNumber(const AcGiTraits &traits)
 {
     if (!m_traits.empty() && traits == m_last)
         return m_lastNumber;
-    const auto [place, isNew] = m_traitsNumbers.try_emplace(traits, std::uint32_t(m_traits.size()));
+    const auto [place, isNew] = m_traitsNumbers.try_emplace(traits, m_first + std::uint32_t(m_traits.size()));
     if (isNew)
         m_traits.push_back(traits);
     m_last = traits;
@@ -36,13 +36,13 @@ std::uint32_t AcGiListTables::traitsNumber(const AcGiTraits &traits)
 std::uint32_t AcGiListTables::add(AcGiImage image)
 {
     m_images.push_back(std::move(image));
-    return std::uint32_t(m_images.size() - 1);
+    return m_first + std::uint32_t(m_images.size() - 1);
 }
 
 std::uint32_t AcGiListTables::add(AcGiViewportPicture viewport)
 {
     m_viewports.push_back(std::move(viewport));
-    return std::uint32_t(m_viewports.size() - 1);
+    return m_first + std::uint32_t(m_viewports.size() - 1);
 }
 
 // Store ------------------------------------------------------------------------------------------

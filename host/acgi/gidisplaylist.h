@@ -33,19 +33,24 @@ enum class AcGiListOp : std::uint8_t {
 class AcGiListTables
 {
 public:
+    /// Numbers from here on name things of lists that are not the drawing's.
+    static constexpr std::uint32_t kOwn = 0x80000000u;
+
+    explicit AcGiListTables(std::uint32_t first = 0) : m_first(first) {}
     std::uint32_t traitsNumber(const AcGiTraits &traits);
     const std::deque<AcGiTraits> &traits() const { return m_traits; }
     std::uint32_t add(AcGiImage image);
-    const AcGiImage &image(std::uint32_t number) const { return m_images[number]; }
+    const AcGiImage &image(std::uint32_t number) const { return m_images[number - m_first]; }
+    const std::deque<AcGiImage> &images() const { return m_images; }
     std::uint32_t add(AcGiViewportPicture viewport);
-    const AcGiViewportPicture &viewport(std::uint32_t number) const { return m_viewports[number]; }
-    std::uint32_t imageCount() const { return std::uint32_t(m_images.size()); }
+    const AcGiViewportPicture &viewport(std::uint32_t number) const { return m_viewports[number - m_first]; }
     std::uint32_t viewportCount() const { return std::uint32_t(m_viewports.size()); }
 
 private:
     struct Hash {
         std::size_t operator()(const AcGiTraits &traits) const;
     };
+    std::uint32_t m_first;
     std::deque<AcGiTraits> m_traits;
     std::unordered_map<AcGiTraits, std::uint32_t, Hash> m_traitsNumbers;
     AcGiTraits m_last;
@@ -168,7 +173,8 @@ public:
     /// Layer and linetype records by name.
     virtual AcDbObjectId layer(const QString &name) = 0;
     virtual AcDbObjectId linetype(const QString &name) = 0;
-    /// Something that a list cannot show; `reason` as for AcGiGeometry::noteUndrawn.
+    /// Something that a list cannot show; `reason` as for AcGiGeometry::noteUndrawn. 0: of no entity of the
+    /// drawing.
     virtual void noteUndrawn(std::uint32_t entity, const QString &reason) = 0;
 };
 

@@ -11,6 +11,7 @@ static constexpr qint64 kMostPixels = 40'000'000;
 
 void AcGiImages::find(const QString &path, const QString &folder)
 {
+    const std::lock_guard guard(m_lock);
     const auto [place, isNew] = m_entries.try_emplace(path);
     if (!isNew)
         return;

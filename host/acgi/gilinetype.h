@@ -19,8 +19,9 @@ struct AcGiPatternText {
     double scale = 1.0;    ///< Text height 1 (or the style's) times this, in pattern units.
     double rotation = 0.0; ///< Radians; from the line, or from the X axis when `upright`.
     bool upright = false;
-    double xOffset = 0.0; ///< Along the line, pattern units.
-    double yOffset = 0.0; ///< To the left of the line.
+    double xOffset = 0.0;                ///< Along the line, pattern units.
+    double yOffset = 0.0;                ///< To the left of the line.
+    std::vector<AcGiPlacedGlyph> glyphs; ///< The text laid out, by who wants to paint it.
 };
 
 struct AcGiPatternElement {

@@ -41,9 +41,9 @@ QPointF AcGiListPainter::pixel(const AcGeVector3d &vector) const
             e[1][0] * vector.x + e[1][1] * vector.y + e[1][2] * vector.z};
 }
 
-QRectF AcGiListPainter::pixelBox(const AcGeMatrix3d &matrix, const float *box) const
+QRectF acgiPixelBox(const AcGeMatrix3d &toPixel, const float *box)
 {
-    const auto &e = matrix.entry;
+    const auto &e = toPixel.entry;
     const auto side = [&](std::size_t row) {
         const double middle = e[row][0] * (double(box[0]) + box[2]) / 2.0 +
                               e[row][1] * (double(box[1]) + box[3]) / 2.0 + e[row][3];
@@ -63,23 +63,24 @@ static bool meets(const QRectF &a, const QRectF &b)
 }
 
 /// Lines are wider than the box around their middles.
-static QRectF withMargin(const QRectF &visible)
+static QRectF withMargin(const QRectF &visible, double margin)
 {
-    constexpr double kWidestHalf = 16.0;
-    return visible.adjusted(-kWidestHalf, -kWidestHalf, kWidestHalf, kWidestHalf);
+    return visible.adjusted(-margin, -margin, margin, margin);
 }
 
 void AcGiListPainter::paint(const AcGiShownSpace &space, const AcGeMatrix3d &toPixel, double pixelsPerUnit)
 {
     m_frame.toPixel = toPixel;
     m_frame.pixelsPerUnit = pixelsPerUnit;
+    m_frame.slot = space.slot;
     m_penNumber = ~0u;
-    const QRectF shown = withMargin(m_canvas.visible());
+    m_margin = m_frame.pens->margin(pixelsPerUnit);
+    const QRectF shown = withMargin(m_canvas.visible(), m_margin);
     for (const AcGiDisplayList *const shownList : space.lists) {
         if (!goesOn())
             return;
         if (space.isPlan && shownList->hasBox() && !shownList->has(AcGiDisplayList::kEndless)) {
-            const QRectF box = pixelBox(toPixel, shownList->box);
+            const QRectF box = acgiPixelBox(toPixel, shownList->box);
             if (!meets(box, shown))
                 continue;
             if (box.width() < 1.0 && box.height() < 1.0) {
@@ -117,7 +118,7 @@ void AcGiListPainter::list(const AcGiDisplayList &list)
     m_budget -= list.size;
     int clips = 0;
     AcGiListReader reader(list);
-    while (reader.next()) {
+    while (reader.next() && !m_cancelled.load(std::memory_order_relaxed)) {
         const bool shown = takePen(reader.traits());
         switch (reader.op()) {
         case AcGiListOp::polyline:
@@ -247,24 +248,30 @@ double stride(QPointF step)
     return length > 0.0 && length < kApart ? std::ceil(kApart / length) : 1.0;
 }
 
+/// Which ones stand for their neighbours does not depend on the visible part.
+double firstOf(const StepRange &range, QPointF step)
+{
+    return std::ceil(range.first / stride(step)) * stride(step);
+}
+
 } // namespace
 
 void AcGiListPainter::instances(const AcGiDisplayList &block, const AcGeMatrix3d &placement, int columns,
                                 int rows, const AcGeVector3d &columnStep, const AcGeVector3d &rowStep)
 {
-    const QRectF shown = withMargin(m_canvas.visible());
+    const QRectF shown = withMargin(m_canvas.visible(), m_margin);
     const bool isCulled = block.hasBox() && !block.has(AcGiDisplayList::kEndless);
-    const QRectF first = isCulled ? pixelBox(placement, block.box) : shown;
+    const QRectF first = isCulled ? acgiPixelBox(placement, block.box) : shown;
     const QPointF acrossStep(columnStep.x, columnStep.y);
     const QPointF upStep(rowStep.x, rowStep.y);
     const QRectF wholeRow = first | first.translated(acrossStep * (columns - 1));
     const StepRange rowRange =
         isCulled ? visibleSteps(wholeRow, upStep, rows, shown) : StepRange{0.0, rows - 1.0};
-    for (double row = rowRange.first; row <= rowRange.last; row += stride(upStep)) {
+    for (double row = firstOf(rowRange, upStep); row <= rowRange.last; row += stride(upStep)) {
         const QRectF inRow = first.translated(upStep * row);
         const StepRange range =
             isCulled ? visibleSteps(inRow, acrossStep, columns, shown) : StepRange{0.0, columns - 1.0};
-        for (double column = range.first; column <= range.last; column += stride(acrossStep)) {
+        for (double column = firstOf(range, acrossStep); column <= range.last; column += stride(acrossStep)) {
             m_budget -= kReferenceWords;
             if (m_budget < 0)
                 return note(QStringLiteral("INSERT: more instances than a picture can show"));
@@ -310,7 +317,7 @@ static AcGeMatrix3d modelToSheet(const AcGiViewportPicture &picture)
 void AcGiListPainter::viewport(AcGiListReader &reader, bool)
 {
     const std::uint32_t number = reader.count();
-    const AcGiViewportPicture &picture = m_scene.tables().viewport(number);
+    const AcGiViewportPicture &picture = m_scene.viewport(number);
     const AcGiShownSpace *const space = m_scene.viewportSpace(number);
     const AcGiPens *const pens = m_scene.viewportPens(number);
     if (m_insideViewport || !space || !pens || !(picture.height > 0.0) || !(picture.viewHeight > 0.0))
@@ -329,9 +336,11 @@ void AcGiListPainter::viewport(AcGiListReader &reader, bool)
     m_canvas.pushClip({loop}, false);
     if (!m_canvas.visible().isEmpty()) {
         m_insideViewport = true;
-        m_frame = {AcGeMatrix3d(), pens, nullptr, 1.0, int(number) + 1};
+        const double margin = m_margin;
+        m_frame = {AcGeMatrix3d(), pens};
         const double scale = pens->scalesLinetypesOnSheets() ? 1.0 : picture.height / picture.viewHeight;
         paint(*space, outer.toPixel * modelToSheet(picture), outer.pixelsPerUnit * scale);
+        m_margin = margin;
         m_insideViewport = false;
     }
     m_canvas.popClip();

@@ -13,6 +13,7 @@ struct AcGiShownSpace {
     std::vector<const AcGiDisplayList *> lists;
     /// Boxes hold: the view looks straight down.
     bool isPlan = true;
+    int slot = 0; ///< Whose lists show what depends on the view.
 };
 
 /// What a picture is painted from; nothing of it changes while threads paint.
@@ -22,13 +23,17 @@ public:
     virtual ~AcGiScene() = default;
     /// Null when the block draws nothing. `slot` is that of AcGiShownSpace's view.
     virtual const AcGiDisplayList *block(const AcDbStub *record, int slot) const = 0;
-    virtual const AcGiListTables &tables() const = 0;
+    virtual const AcGiImage &image(std::uint32_t number) const = 0;
+    virtual const AcGiViewportPicture &viewport(std::uint32_t number) const = 0;
     virtual double viewHeight() const = 0; ///< Of the whole picture, pixels.
     virtual AcGiImages &images() const = 0;
     /// What the viewport of that number shows, as prepared; null for none.
     virtual const AcGiShownSpace *viewportSpace(std::uint32_t number) const = 0;
     virtual const AcGiPens *viewportPens(std::uint32_t number) const = 0;
 };
+
+/// The pixels around the box of a flat list: left, bottom, right, top.
+QRectF acgiPixelBox(const AcGeMatrix3d &toPixel, const float *box);
 
 class AcGiListPainter
 {
@@ -60,7 +65,6 @@ private:
     bool takePen(std::uint32_t traits);
     QPointF pixel(const AcGePoint3d &point) const;
     QPointF pixel(const AcGeVector3d &vector) const;
-    QRectF pixelBox(const AcGeMatrix3d &matrix, const float *box) const;
 
     void polyline(AcGiListReader &reader, bool shown);
     void arc(AcGiListReader &reader, bool shown);
@@ -74,6 +78,7 @@ private:
     void infiniteLine(AcGiListReader &reader, bool shown);
     void marker(AcGiListReader &reader, bool shown);
     void image(AcGiListReader &reader, bool shown);
+    void imageFrame(const AcGiImage &image);
     void missingImage(const AcGiImage &image, const AcGiImages::Entry &entry);
     void viewport(AcGiListReader &reader, bool shown);
     void reference(AcGiListReader &reader, bool shown);
@@ -96,6 +101,7 @@ private:
     std::uint32_t m_penNumber = ~0u;
     std::vector<const AcDbStub *> m_active; ///< Blocks that are being painted.
     bool m_insideViewport = false;
+    double m_margin = 0.0; ///< How far drawing reaches out of boxes, pixels.
     std::vector<QPointF> m_points;
     std::map<QString, std::size_t> m_undrawn;
     std::int64_t m_budget; ///< Words that may still be painted.

@@ -64,13 +64,11 @@ private:
         constexpr double kLegible = 2.5;
         if (!(height >= kLegible))
             return;
-        std::vector<AcGiPlacedGlyph> glyphs;
-        text.style.font().layOut(text.text, glyphs);
         const QPointF along(std::cos(turn) * height * text.style.xScale(),
                             std::sin(turn) * height * text.style.xScale());
         const QPointF up(std::sin(turn) * height, -std::cos(turn) * height);
         m_canvas.beginGlyphs({along.x(), along.y(), up.x(), up.y()});
-        for (const AcGiPlacedGlyph &placed : glyphs)
+        for (const AcGiPlacedGlyph &placed : text.glyphs)
             m_canvas.glyph(*placed.glyph, origin + along * placed.x);
     }
 
@@ -287,7 +285,7 @@ void AcGiListPainter::infiniteLine(AcGiListReader &reader, bool shown)
     const double first = reader.flag() ? -std::numeric_limits<double>::infinity() : 0.0;
     QPointF ends[2];
     if (!shown ||
-        !acgiClipRay(base, direction, first, m_canvas.visible().adjusted(-32, -32, 32, 32), ends[0], ends[1]))
+        !acgiClipRay(base, direction, first, m_canvas.whole().adjusted(-32, -32, 32, 32), ends[0], ends[1]))
         return;
     m_points.assign(ends, ends + 2);
     stroke();
@@ -335,9 +333,11 @@ void AcGiListPainter::marker(AcGiListReader &reader, bool shown)
 
 void AcGiListPainter::image(AcGiListReader &reader, bool shown)
 {
-    const AcGiImage &image = m_scene.tables().image(reader.count());
+    const AcGiImage &image = m_scene.image(reader.count());
     if (!shown)
         return;
+    if (m_options.highlight.isValid())
+        return imageFrame(image);
     const AcGiImages::Entry &entry = m_scene.images().load(image.path);
     if (entry.pixels.isNull())
         return missingImage(image, entry);
@@ -365,17 +365,25 @@ void AcGiListPainter::image(AcGiListReader &reader, bool shown)
         m_canvas.popClip();
 }
 
+void AcGiListPainter::imageFrame(const AcGiImage &image)
+{
+    const QPointF origin = pixel(image.origin);
+    const QPointF u = pixel(image.u);
+    const QPointF v = pixel(image.v);
+    const QPointF frame[] = {origin, origin + u, origin + u + v, origin + v, origin};
+    m_canvas.chain(frame);
+}
+
 /// Its frame, with the name of the file in it.
 void AcGiListPainter::missingImage(const AcGiImage &image, const AcGiImages::Entry &entry)
 {
     note(QStringLiteral("IMAGE: %1 %2")
              .arg(entry.shownName,
                   entry.file.isEmpty() ? QStringLiteral("not found") : QStringLiteral("is no image")));
+    imageFrame(image);
     const QPointF origin = pixel(image.origin);
     const QPointF u = pixel(image.u);
     const QPointF v = pixel(image.v);
-    const QPointF frame[] = {origin, origin + u, origin + u + v, origin + v, origin};
-    m_canvas.chain(frame);
     if (entry.name.empty() || !(entry.nameWidth > 0.0))
         return;
     const double height = std::min(length(u) * 0.8 / entry.nameWidth, length(v) * 0.5);

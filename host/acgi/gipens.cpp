@@ -1,28 +1,45 @@
 #include "host/acgi/gipens.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acgi/gidisplaylist.h"
 
 #include <algorithm>
+#include <cmath>
 
 // Tables of the drawing --------------------------------------------------------------------------
 
-/// Fonts are found on the main thread only; the threads that paint find them ready.
-static void loadFonts(const AcGiLinetype &linetype)
+/// Fonts are asked on the main thread only; the threads that paint find the glyphs ready.
+static void layOutTexts(AcGiLinetype &linetype)
 {
-    std::vector<AcGiPlacedGlyph> glyphs;
-    for (const AcGiPatternElement &element : linetype.elements) {
+    for (AcGiPatternElement &element : linetype.elements) {
         if (element.text && !element.text->text.isEmpty())
-            element.text->style.font().layOut(element.text->text, glyphs);
+            element.text->style.font().layOut(element.text->text, element.text->glyphs);
     }
+}
+
+/// Generous: texts and shapes may be turned any way.
+static double reachOf(const AcGiLinetype &linetype)
+{
+    double reach = 0.0;
+    for (const AcGiPatternElement &element : linetype.elements) {
+        if (!element.text)
+            continue;
+        const AcGiPatternText &text = *element.text;
+        const double height = text.scale * std::max(1.0, text.style.textSize());
+        const double length = 4.0 + double(text.text.size()) * text.style.xScale();
+        reach = std::max(reach, std::abs(text.xOffset) + std::abs(text.yOffset) + std::abs(height) * length);
+    }
+    return reach;
 }
 
 void AcGiDrawingTables::refresh()
 {
-    if (m_changeCount == m_database.changeCount())
+    if (isFresh())
         return;
     m_changeCount = m_database.changeCount();
     m_layers.clear();
     m_linetypes.clear();
+    m_linetypeReach = 0.0;
     for (const std::uint32_t index : m_database.tableRecords(SymbolTable::layer))
         readLayer(AcDbObjectId(m_database.stub(index)));
     m_layerZero = m_database.tableRecord(SymbolTable::layer, QStringLiteral("0"));
@@ -33,7 +50,8 @@ void AcGiDrawingTables::refresh()
         AcGiLinetype linetype = acgiReadLinetype(record);
         if (linetype.isContinuous())
             continue;
-        loadFonts(linetype);
+        layOutTexts(linetype);
+        m_linetypeReach = std::max(m_linetypeReach, reachOf(linetype));
         m_linetypes.emplace(record, std::move(linetype));
     }
     const double scale = m_database.headerReal("$LTSCALE", 1.0);
@@ -136,8 +154,11 @@ AcGiPen AcGiPens::pen(const AcGiTraits &traits, const AcGiPen *shower) const
                                : shower                                ? std::uint8_t(qAlpha(shower->color))
                                                                        : std::uint8_t(255);
     pen.color = (pen.color & 0x00FFFFFFu) | QRgb(alpha) << 24;
-    if (m_options.highlight.isValid())
+    if (m_options.highlight.isValid()) {
         pen.color = m_options.highlight.rgba();
+        // What covers has nothing to show in another colour.
+        pen.isShown = pen.isShown && traits.color.colorMethod() != AcCmEntityColor::kBackground;
+    }
 
     if (traits.lineWeight == -2)
         pen.width = shower ? shower->width : width(-3);
@@ -155,20 +176,42 @@ AcGiPen AcGiPens::pen(const AcGiTraits &traits, const AcGiPen *shower) const
 
 void AcGiPens::add(const std::deque<AcGiTraits> &traits)
 {
-    m_known.reserve(traits.size());
-    for (std::size_t i = m_known.size(); i < traits.size(); ++i) {
+    add(traits, m_known);
+}
+
+void AcGiPens::addOwn(const std::deque<AcGiTraits> &traits)
+{
+    add(traits, m_own);
+}
+
+void AcGiPens::add(const std::deque<AcGiTraits> &traits, std::vector<Known> &known)
+{
+    known.reserve(traits.size());
+    for (std::size_t i = known.size(); i < traits.size(); ++i) {
         const AcGiTraits &stated = traits[i];
         const bool depends = stated.layer.isNull() || stated.layer == m_tables.layerZero() ||
                              stated.color.colorMethod() == AcCmEntityColor::kByBlock ||
                              stated.lineWeight == -2 || stated.linetypeBy == AcGiStated::byBlock ||
                              stated.alphaBy == AcGiStated::byBlock;
-        m_known.push_back({pen(stated, nullptr), &stated, depends});
+        known.push_back({pen(stated, nullptr), &stated, depends});
+        m_widest = std::max(m_widest, known.back().pen.width);
+        m_largestScale = std::max(m_largestScale, known.back().pen.linetypeScale);
     }
+}
+
+double AcGiPens::margin(double pixelsPerUnit) const
+{
+    // No lineweight of a screen is wider, and nothing that sticks out further is worth looking at every list.
+    constexpr double kLeast = 16.0;
+    constexpr double kMost = 400.0;
+    const double reach = m_tables.linetypeReach() * m_largestScale * pixelsPerUnit;
+    return std::clamp(std::max(double(m_widest) / 2.0 + 2.0, reach), kLeast, kMost);
 }
 
 const AcGiPen &AcGiPens::pen(std::uint32_t number, const AcGiPen *shower, AcGiPen &scratch) const
 {
-    const Known &known = m_known[number];
+    const Known &known =
+        number < AcGiListTables::kOwn ? m_known[number] : m_own[number - AcGiListTables::kOwn];
     if (!shower || (!known.dependsOnShower && !shower->isFrozen))
         return known.pen;
     return scratch = pen(*known.traits, shower);

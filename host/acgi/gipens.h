@@ -26,6 +26,7 @@ class AcGiDrawingTables
 {
 public:
     explicit AcGiDrawingTables(const AcDbDatabase &database) : m_database(database) {}
+    bool isFresh() const { return m_changeCount == m_database.changeCount(); }
     void refresh();
     /// Layer 0 for the null id; a layer with nothing special when the drawing has none.
     const AcGiLayer &layer(AcDbObjectId record) const;
@@ -36,6 +37,8 @@ public:
     /// $PSLTSCALE: viewports of a sheet show linetypes at the sheet's scale, not at their own.
     bool scalesLinetypesOnSheets() const { return m_scalesOnSheets; }
     int defaultLineWeight() const { return m_defaultLineWeight; }
+    /// How far the texts and shapes of linetypes reach from their line at most, pattern units.
+    double linetypeReach() const { return m_linetypeReach; }
 
 private:
     void readLayer(AcDbObjectId record);
@@ -47,6 +50,7 @@ private:
     std::unordered_map<AcDbObjectId, AcGiLayer> m_layers;
     std::unordered_map<AcDbObjectId, AcGiLinetype> m_linetypes;
     double m_linetypeScale = 1.0;
+    double m_linetypeReach = 0.0;
     bool m_scalesOnSheets = true;
     int m_defaultLineWeight = 25;
 };
@@ -73,8 +77,12 @@ public:
 
     /// What stands by block or on layer 0 looks as `shower`, the pen of the reference that shows the block.
     AcGiPen pen(const AcGiTraits &traits, const AcGiPen *shower) const;
+    /// The same for the lists of entities that stand in no drawing.
+    void addOwn(const std::deque<AcGiTraits> &traits);
     /// The pen of the traits of that number.
     const AcGiPen &pen(std::uint32_t number, const AcGiPen *shower, AcGiPen &scratch) const;
+    /// How far what is drawn reaches out of the boxes of its lists at most, pixels.
+    double margin(double pixelsPerUnit) const;
     bool scalesLinetypesOnSheets() const { return m_tables.scalesLinetypesOnSheets(); }
     QRgb foreground() const { return m_foreground; }
     QRgb background() const { return m_background; }
@@ -89,10 +97,15 @@ private:
         const AcGiTraits *traits;
         bool dependsOnShower;
     };
+    void add(const std::deque<AcGiTraits> &traits, std::vector<Known> &known);
+
     const AcGiDrawingTables &m_tables;
     const AcGiPaintOptions &m_options;
     std::vector<AcDbObjectId> m_frozen;
     QRgb m_background;
     QRgb m_foreground;
     std::vector<Known> m_known;
+    std::vector<Known> m_own;
+    float m_widest = 0.0F;
+    double m_largestScale = 0.0; ///< Of linetypes.
 };

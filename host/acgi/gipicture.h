@@ -1,0 +1,113 @@
+// AcGiPicture: one picture while it is painted: the lists, viewports and pens that it is made of, and the
+// threads that paint its bands.
+#pragma once
+
+#include "host/acgi/gidisplaycache.h"
+
+#include <mutex>
+#include <thread>
+
+/// Glyph masks outlive pictures; each thread that paints borrows a set.
+class AcGiGlyphMaskPool
+{
+public:
+    std::unique_ptr<AcGiGlyphMasks> take();
+    void give(std::unique_ptr<AcGiGlyphMasks> masks);
+
+private:
+    std::mutex m_lock;
+    std::vector<std::unique_ptr<AcGiGlyphMasks>> m_idle;
+};
+
+/// What pictures are made from; outlives them.
+struct AcGiPictureSources {
+    AcGiDisplayCache &cache;
+    const AcGiDrawingTables &tables;
+    AcGiImages &images;
+    AcGiGlyphMaskPool &masks;
+};
+
+class AcGiPicture final : public AcGiScene
+{
+public:
+    AcGiPicture(const AcGiPictureSources &sources, const AcGiViewport &view, const AcGiPaintOptions &options);
+    /// Stops the threads.
+    ~AcGiPicture() override;
+    AcGiPicture(const AcGiPicture &) = delete;
+    AcGiPicture &operator=(const AcGiPicture &) = delete;
+
+    // One of these first.
+    /// The picture of a space; makes lists that are missing.
+    void takeSpace(AcDbObjectId space);
+    /// The picture of single lists. `own`: the tables of lists that are not the cache's, or null.
+    void takeLists(std::vector<const AcGiDisplayList *> lists, const AcGiListTables *own);
+
+    /// Paints and returns. The painter's coordinates are the pixels of the view.
+    void paint(QPainter &painter);
+    /// Paints an image of the view's size on threads of its own; the last of them calls `finished`, unless
+    /// the painting is stopped before. The lists must not change meanwhile.
+    void start(std::function<void()> finished);
+    void stop();
+    /// After start(), when it has finished.
+    const QImage &image() const { return m_image; }
+    AcGiPaintReport report() const;
+
+    const AcGiDisplayList *block(const AcDbStub *record, int slot) const override;
+    const AcGiImage &image(std::uint32_t number) const override;
+    const AcGiViewportPicture &viewport(std::uint32_t number) const override;
+    double viewHeight() const override { return m_view.pixelHeight; }
+    AcGiImages &images() const override { return m_sources.images; }
+    const AcGiShownSpace *viewportSpace(std::uint32_t number) const override;
+    const AcGiPens *viewportPens(std::uint32_t number) const override;
+
+private:
+    struct ShownViewport {
+        AcGiShownSpace space;
+        std::unique_ptr<AcGiPens> pens;
+    };
+    /// Rows of the picture that one thread paints at a time.
+    struct Band {
+        QRect area;
+        AcGiShownSpace shown;
+        std::map<QString, std::size_t> undrawn;
+    };
+    /// The pixels of an image, for several painters at once.
+    struct Target {
+        uchar *bits = nullptr;
+        qsizetype bytesPerLine = 0;
+        int width = 0;
+        QImage::Format format = QImage::Format_Invalid;
+    };
+
+    QRect area(const QSize &device) const;
+    void showViewports(AcDbObjectId space);
+    void findImages(const AcGiListTables &tables);
+    void splitIntoBands(const QRect &area);
+    void aim(QImage &image);
+    void work(bool asks);
+    void paintBand(Band &band, AcGiGlyphMasks &masks, bool asks);
+    void paintPart(Band &band, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks, bool asks);
+
+    AcGiPictureSources m_sources;
+    AcGiViewport m_view;
+    AcGiPaintOptions m_options;
+    AcGiShownSpace m_shown;
+    std::map<std::uint32_t, ShownViewport> m_viewports;
+    const AcGiListTables *m_ownTables = nullptr;
+    AcGiPens m_pens;
+    AcGiPaintReport m_report; ///< Without what the bands found.
+
+    QImage m_image;
+    Target m_target;
+    std::vector<Band> m_bands;
+    std::atomic<std::size_t> m_nextBand = 0;
+    std::atomic<std::size_t> m_working = 0;
+    std::atomic<bool> m_cancelled = false;
+    std::function<void()> m_finished;
+    std::vector<std::jthread> m_threads;
+};
+
+/// The view that a viewport is on a sheet that is shown as `sheet`.
+AcGiViewport acgiViewOf(const AcGiViewportPicture &picture, const AcGiViewport &sheet);
+/// Viewports that show nothing, or the space that they stand in, are left out of pictures.
+bool acgiIsShown(const AcGiViewportPicture &picture, AcDbObjectId sheet);
