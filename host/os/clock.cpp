@@ -1,5 +1,6 @@
 #include "host/os/clock.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 
@@ -35,6 +36,25 @@ void setFixedTime(const std::optional<QDateTime> &time)
 QDateTime localNow()
 {
     return fixedTime().value_or(QDateTime::currentDateTime());
+}
+
+static std::optional<std::int64_t> &fixedMilliseconds()
+{
+    static std::optional<std::int64_t> reading;
+    return reading;
+}
+
+std::int64_t milliseconds()
+{
+    using std::chrono::steady_clock;
+    const auto running =
+        std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch());
+    return fixedMilliseconds().value_or(running.count());
+}
+
+void setFixedMilliseconds(const std::optional<std::int64_t> &reading)
+{
+    fixedMilliseconds() = reading;
 }
 
 double julianNow()

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 
+#include <cstdint>
 #include <optional>
 
 namespace os
@@ -21,5 +22,11 @@ QDateTime fromJulian(double julian);
 
 /// Holds the clock at a time, before the environment variable; nothing lets it run again.
 void setFixedTime(const std::optional<QDateTime> &time);
+
+/// Milliseconds since some moment; only differences mean something. Setting the system's time does not
+/// disturb them.
+std::int64_t milliseconds();
+/// Holds that clock at a reading; no value lets it run.
+void setFixedMilliseconds(const std::optional<std::int64_t> &reading);
 
 } // namespace os

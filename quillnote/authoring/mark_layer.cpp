@@ -43,7 +43,10 @@ static void repairLayer(AcDbObjectId id)
 void ensureMarkLayer(AcDbDatabase &database)
 {
     const QString name = markLayerName();
-    repairLayer(findOrAddLayer(database, name));
+    const AcDbObjectId layer = findOrAddLayer(database, name);
+    if (layer.isNull())
+        return;
+    repairLayer(layer);
     const int echo = acedIntVar(QStringLiteral("cmdecho"));
     acedSetIntVar(QStringLiteral("cmdecho"), 0);
     acedCommandS({QStringLiteral("_LAYER"), QStringLiteral("SET"), name, QString()});

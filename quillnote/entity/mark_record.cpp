@@ -6,6 +6,7 @@
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"
 
+#include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
 #include "host/base/assert.h"
 #include "host/os/clock.h"
@@ -77,6 +78,14 @@ void QuillnoteObj3::leaveTraces(const MarkLayout &layout) const
     cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
 }
 
+/// Marks that stand in the current drawing. Ids of others would outlive their marks: nobody tells when a
+/// drawing without a document ends, or a copy that was only shown.
+static bool standsInCurrentDrawing(AcDbObjectId id)
+{
+    const AcDbDatabase *const database = id.database();
+    return database && database == acdbCurDwg() && database->stub(id.stub()->index) == id.stub();
+}
+
 void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
 {
     const bool isShown = context->regenType() == kAcGiStandardDisplay;
@@ -84,7 +93,8 @@ void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
         const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
         drawMark(layout, *context);
         if (isShown) {
-            markDrawingState().drawnMarks.insert(objectId());
+            if (standsInCurrentDrawing(objectId()))
+                markDrawingState().drawnMarks.insert(objectId());
             leaveTraces(layout);
         }
     }

@@ -1,8 +1,18 @@
 #include "quillnote/frame/command_table.h"
 
+#include "quillnote/authoring/align_marks.h"
 #include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/flag_refresh.h"
+#include "quillnote/authoring/freehand_mark.h"
 #include "quillnote/authoring/leader_mark.h"
+#include "quillnote/authoring/mark_display.h"
+#include "quillnote/authoring/mark_leaders.h"
+#include "quillnote/authoring/mark_vertices.h"
+#include "quillnote/authoring/polygon_mark.h"
 #include "quillnote/authoring/rectangle_mark.h"
+#include "quillnote/authoring/redraw_marks.h"
+#include "quillnote/authoring/renumber.h"
+#include "quillnote/authoring/show_text.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
@@ -32,11 +42,11 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, nullptr},
     {"QN3_Quillnote", "QN3_Quillnote", kModal, kAsNamed, QN3_Quillnote},
     {"QN3_QuillnoteLeader", "QN3_leader", kModal, kAsNamed, QN3_QuillnoteLeader},
-    {"QN3_PolygonMark", "PolygonMark", kModal, kNotRecorded, nullptr},
-    {"QN3_PolygonMarkJig", "PolygonMark2", kModal, kNotRecorded, nullptr},
-    {"QN3_SplineMarkJig", "PolygonMark3", kModal, kNotRecorded, nullptr},
-    {"QN3_addAleadLine", "addAleadLine", kModal, kNotRecorded, nullptr},
-    {"QN3_EasyDraw", "QN3_EASY", kModal, kAsNamed, nullptr},
+    {"QN3_PolygonMark", "PolygonMark", kModal, kNotRecorded, QN3_PolygonMark},
+    {"QN3_PolygonMarkJig", "PolygonMark2", kModal, kNotRecorded, QN3_PolygonMarkJig},
+    {"QN3_SplineMarkJig", "PolygonMark3", kModal, kNotRecorded, QN3_SplineMarkJig},
+    {"QN3_addAleadLine", "addAleadLine", kModal, kNotRecorded, QN3_addAleadLine},
+    {"QN3_EasyDraw", "QN3_EASY", kModal, kAsNamed, QN3_EasyDraw},
     {"QN3_QNeditMark", "QN3_Edit", kModal, kAsNamed, QN3_QNeditMark},
     {"QN3_YesOrErrTick", "QN3_Yes", kModal, kAsNamed, nullptr},
     {"QN3_TickErase", "QN3_TickErase", kModal, kAsNamed, nullptr},
@@ -53,26 +63,26 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_menuToYun", "QN8_menuToYun", kModal, kAsNamed, QN8_menuToYun},
     {"qn8_runPush", "qn8_runPush", kModal, kAsNamed, qn8_runPush},
     {"qn8_aboutYun", "qn8_aboutYun", kModal, kAsNamed, qn8_aboutYun},
-    {"qn8_align1", "qn8_align1", kModal, kAsNamed, nullptr},
-    {"qn8_align2", "qn8_align2", kModal, kAsNamed, nullptr},
-    {"qn8_align0", "qn8_align0", kModal, kAsNamed, nullptr},
+    {"qn8_align1", "qn8_align1", kModal, kAsNamed, qn8_align1},
+    {"qn8_align2", "qn8_align2", kModal, kAsNamed, qn8_align2},
+    {"qn8_align0", "qn8_align0", kModal, kAsNamed, qn8_align0},
     {"qn8_drawlink", "qn8_drawlink", kSession, kAsNamed, nullptr},
     {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, nullptr},
     {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, nullptr},
     {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, nullptr},
     {"QN3_QuillnoteAsk", "QN3_QNAsk", kModal, kAsNamed, nullptr},
     {"QN3_QuillnoteAsk2", "QN3_QNAsk2", kTransparent | kPickSet, kAsNamed, nullptr},
-    {"QN3_addVertext", "QN3_addV", kTransparent | kPickSet, kNotRecorded, nullptr},
-    {"QN3_allMarksShrink", "QN3_Shrink", kModal, kAsNamed, nullptr},
-    {"QN3_Redraw", "QN3_Redraw", kModal, kAsNamed, nullptr},
-    {"QN3_AutoRedraw", "QN3_Auto", kModal, kNotRecorded, nullptr},
-    {"QN3_AutoOFF", "QN3_AutoOFF", kModal, kNotRecorded, nullptr},
-    {"QN3_allMarksShow", "QN3_Show", kModal, {"QN3_Show", "QN3_allMarksShow"}, nullptr},
-    {"QN3_allMarksHide", "QN3_Hide", kModal, kAsNamed, nullptr},
+    {"QN3_addVertext", "QN3_addV", kTransparent | kPickSet, kNotRecorded, QN3_addVertext},
+    {"QN3_allMarksShrink", "QN3_Shrink", kModal, kAsNamed, QN3_allMarksShrink},
+    {"QN3_Redraw", "QN3_Redraw", kModal, kAsNamed, QN3_Redraw},
+    {"QN3_AutoRedraw", "QN3_Auto", kModal, kNotRecorded, QN3_AutoRedraw},
+    {"QN3_AutoOFF", "QN3_AutoOFF", kModal, kNotRecorded, QN3_AutoOFF},
+    {"QN3_allMarksShow", "QN3_Show", kModal, {"QN3_Show", "QN3_allMarksShow"}, QN3_allMarksShow},
+    {"QN3_allMarksHide", "QN3_Hide", kModal, kAsNamed, QN3_allMarksHide},
     {"QN3_ShowType", "QN3_ShowType", kModal, kAsNamed, QN3_ShowType},
-    {"QN3_ShowText", "QN3_ShowText", kModal, kAsNamed, nullptr},
-    {"QN3_reNumber", "QN3_reNumber", kModal, kAsNamed, nullptr},
-    {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, nullptr},
+    {"QN3_ShowText", "QN3_ShowText", kModal, kAsNamed, QN3_ShowText},
+    {"QN3_reNumber", "QN3_reNumber", kModal, kAsNamed, QN3_reNumber},
+    {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, QN8_editNumber},
     {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, nullptr},
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
     {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},

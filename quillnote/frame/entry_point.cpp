@@ -2,6 +2,7 @@
 #include "quillnote/frame/entry_point.h"
 
 #include "quillnote/authoring/append_state.h"
+#include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/password.h"
@@ -84,6 +85,7 @@ static void initialise(void *packet)
 static void unload()
 {
     deleteReactors();
+    stopFlagRefresh();
     closeSnapshotViewers();
     pendingSnapshot().reset();
     removeVerbs();
@@ -97,6 +99,8 @@ static void drawingLoaded()
 {
     queueMenuLoad();
     defineLispFunctions();
+    if (settings::number(u"autoFlagRefresh") > 0)
+        startFlagRefresh();
 }
 
 AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void *packet)

@@ -28,7 +28,9 @@ public:
     void documentToBeDestroyed(AcApDocument *document) override
     {
         m_registry.detach(document);
-        markDrawingState().drawnMarks.clear();
+        // The ids are gone with the drawing. Another drawing that is current keeps its own.
+        std::erase_if(markDrawingState().drawnMarks,
+                      [document](AcDbObjectId id) { return id.database() == document->database(); });
         if (appendState().lastCreatedMark.database() == document->database())
             appendState().lastCreatedMark = {};
     }

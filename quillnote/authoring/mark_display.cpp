@@ -1,0 +1,43 @@
+#include "quillnote/authoring/mark_display.h"
+
+#include "quillnote/authoring/mark_set.h"
+#include "quillnote/entity/mark_record.h"
+
+#include "host/acap/docman.h"
+
+static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
+{
+    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    if (!mark)
+        return false;
+    if (mark->displayMode == mode)
+        return true;
+    if (mark->upgradeOpen() != Acad::eOk)
+        return false;
+    mark->displayMode = mode;
+    return true;
+}
+
+// The display learns of a change when the mark is closed.
+void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+{
+    int skipped = 0;
+    for (const AcDbObjectId id : collectAllMarks(database).ids)
+        skipped += setDisplayMode(id, mode) ? 0 : 1;
+    saySkippedMarks(skipped);
+}
+
+void QN3_allMarksHide()
+{
+    setAllMarksDisplayMode(*acdbCurDwg(), -1);
+}
+
+void QN3_allMarksShow()
+{
+    setAllMarksDisplayMode(*acdbCurDwg(), 0);
+}
+
+void QN3_allMarksShrink()
+{
+    setAllMarksDisplayMode(*acdbCurDwg(), 1);
+}

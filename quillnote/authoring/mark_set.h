@@ -1,0 +1,11 @@
+// What the commands over all marks of a drawing have in common: finding them, and telling which were left
+// out.
+#pragma once
+
+#include "quillnote/authoring/collect_marks.h"
+
+/// All marks of the drawing; prints a line when there are none.
+CollectedMarks collectAllMarks(const AcDbDatabase &database);
+
+/// Prints how many marks could not be changed (locked layers); nothing for none.
+void saySkippedMarks(int count);

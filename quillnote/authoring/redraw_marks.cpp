@@ -1,0 +1,32 @@
+#include "quillnote/authoring/redraw_marks.h"
+
+#include "quillnote/authoring/mark_set.h"
+#include "quillnote/entity/mark_state.h"
+
+#include "host/acap/docman.h"
+#include "host/acgi/gidisplay.h"
+
+void QN3_Redraw()
+{
+    AcDbDatabase &database = *acdbCurDwg();
+    AcGiDisplay &display = acgiDisplay(database);
+    for (const AcDbObjectId id : collectAllMarks(database).ids)
+        display.regenerate(id);
+}
+
+void refreshDrawnMarks()
+{
+    AcApDocument *const document = curDoc();
+    if (!document)
+        return;
+    const AcAxDocLock lock(document);
+    if (lock.lockStatus() != Acad::eOk)
+        return;
+    auto &drawn = markDrawingState().drawnMarks;
+    std::erase_if(drawn, [](AcDbObjectId id) { return !id.isValid(); });
+    AcGiDisplay &display = acgiDisplay(*document->database());
+    for (const AcDbObjectId id : drawn) {
+        if (id.database() == document->database())
+            display.regenerate(id);
+    }
+}
