@@ -143,6 +143,7 @@ private:
     friend class AcDbUndo;
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
+    friend class AcDbAnonymousBlocks;
     friend class ClassObserver;
     friend class CarrierKeeper;
 

@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransform.h"
+#include "host/acdb/dbtransient.h"
 #include "host/acdb/nativegrips.h"
 
 static AcDbNativeExtents s_nativeExtents = nullptr;
@@ -179,6 +180,8 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
     const AcGeVector3d normal = planeNormal(*this);
     if (const Acad::ErrorStatus refused = subTransformBy(matrix); refused != Acad::eOk)
         return refused;
+    if (AcDbTransient::isCopy(*this))
+        return Acad::eOk; // Vertices, attributes and pictures are the original's.
     transformParts(objectId(), matrix, normal);
     if (database() && dxfName() == "DIMENSION")
         transformPicture(*this, matrix);

@@ -45,6 +45,15 @@ std::vector<AcDbObjectId> AcDbSymbolTable::records() const
     return valid;
 }
 
+/// A record's groups without what belongs to it alone.
+static ResbufList modelGroups(const AcDbDatabase &database, AcDbObjectId record)
+{
+    ResbufList groups = database.fileGroups(*record.stub());
+    groups.resize(extendedDataBegin(groups));
+    acdbDropApplicationGroups(groups);
+    return groups;
+}
+
 // A record made like an existing one carries whatever this file version expects of its kind.
 Acad::ErrorStatus AcDbSymbolTable::addLike(const QString &model, const QString &name, AcDbObjectId &added)
 {
@@ -53,9 +62,7 @@ Acad::ErrorStatus AcDbSymbolTable::addLike(const QString &model, const QString &
     const AcDbObjectId modelId = getAt(model);
     if (modelId.isNull())
         return Acad::eKeyNotFound;
-    ResbufList groups = m_database.fileGroups(*modelId.stub());
-    groups.resize(extendedDataBegin(groups));
-    acdbDropApplicationGroups(groups);
+    ResbufList groups = modelGroups(m_database, modelId);
     if (resbuf *const known = findGroup(groups, 2))
         known->assign(name);
     return addRecord(std::move(groups), added);
@@ -89,6 +96,53 @@ AcDbObjectId AcDbSymbolTable::ensureApplicationId(AcDbDatabase &database, const 
     if (table.addRecord(std::move(groups), added) == Acad::eOk)
         added.stub()->object->close();
     return added;
+}
+
+static constexpr QStringView kAnonymous = u"*U";
+
+AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(database)
+{
+    // Erased ones count too: undo may bring them back.
+    for (const std::uint32_t index : database.tableRecords(SymbolTable::block)) {
+        const ResbufList groups = database.fileGroups(*database.stub(index));
+        const resbuf *const name = findGroup(groups, 2);
+        const QString text = name ? name->text() : QString();
+        if (text.startsWith(kAnonymous, Qt::CaseInsensitive))
+            m_next = std::max(m_next, text.sliced(kAnonymous.size()).toInt() + 1);
+    }
+    if (const AcDbObjectId modelSpace = database.modelSpaceId(); !modelSpace.isNull())
+        m_model = modelGroups(database, modelSpace);
+    // A layout and a preview picture are model space's own.
+    std::erase_if(m_model, [](const resbuf &group) { return group.restype == 310; });
+    if (resbuf *const layout = findGroup(m_model, 340))
+        layout->assign(AcDbHandle{0});
+}
+
+AcDbObjectId AcDbAnonymousBlocks::add(const AcGePoint3d &origin)
+{
+    resbuf *const name = findGroup(m_model, 2);
+    if (!name)
+        return {};
+    const QString text = kAnonymous.toString() + QString::number(m_next);
+    name->assign(text);
+    AcDbObjectId record;
+    AcDbSymbolTable table(m_database, SymbolTable::block);
+    if (table.addRecord(m_model, record) != Acad::eOk)
+        return {};
+    ++m_next;
+    constexpr std::int64_t kIsAnonymous = 1;
+    AcDbObjectId begin;
+    AcDbEntity *const block = acdbNewEntity("BLOCK", {{100, QStringLiteral("AcDbBlockBegin")},
+                                                      {2, text},
+                                                      {70, kIsAnonymous},
+                                                      {10, origin},
+                                                      {3, text},
+                                                      {1, QString()}})
+                                  .release();
+    m_database.addAcDbObject(block, record, &begin);
+    block->close();
+    m_database.m_blocks[record.stub()->index].blockBegin = begin.stub();
+    return record;
 }
 
 void AcDbLayerTableRecord::setIsFrozen(bool on)

@@ -30,10 +30,27 @@ public:
     static AcDbObjectId ensureApplicationId(AcDbDatabase &database, const QString &name);
 
 private:
+    friend class AcDbAnonymousBlocks;
+
     Acad::ErrorStatus addRecord(ResbufList groups, AcDbObjectId &added);
 
     AcDbDatabase &m_database;
     SymbolTable m_kind;
+};
+
+/// Makes anonymous blocks "*U1", "*U2" ..., numbered behind those that the drawing has. Looks at the block
+/// table once: one of these for a whole run of new blocks.
+class AcDbAnonymousBlocks
+{
+public:
+    explicit AcDbAnonymousBlocks(AcDbDatabase &database);
+    /// An empty block record, open for write; null when the drawing has no block table to speak of.
+    AcDbObjectId add(const AcGePoint3d &origin);
+
+private:
+    AcDbDatabase &m_database;
+    ResbufList m_model; ///< What this file version expects of a block record.
+    int m_next = 1;
 };
 
 class AcDbLayerTableRecord : public AcDbSymbolTableRecord

@@ -4,6 +4,12 @@
 
 AcDbTransient::~AcDbTransient() = default;
 
+bool AcDbTransient::isCopy(const AcDbEntity &entity)
+{
+    const AcDbStub *const stub = entity.objectId().stub();
+    return stub && stub->database->stub(stub->index) != stub;
+}
+
 /// Custom entities that are in memory are copied as undo copies them: DXF does not carry all their fields.
 static bool copyFields(const AcDbObject &from, AcDbObject &to)
 {

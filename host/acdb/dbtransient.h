@@ -14,6 +14,9 @@ public:
     AcDbTransient(const AcDbTransient &) = delete;
     AcDbTransient &operator=(const AcDbTransient &) = delete;
 
+    /// True for the entity of such a copy: what it owns in the drawing is the original's.
+    static bool isCopy(const AcDbEntity &entity);
+
     /// Open for write as long as the copy lives. Attributes and vertices are not copied with it.
     AcDbEntity &entity() { return *m_entity; }
     const AcDbEntity &entity() const { return *m_entity; }
