@@ -19,6 +19,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <utility>
 
 namespace window
 {
@@ -127,6 +128,8 @@ void DrawingView::showDocument(AcApDocument &document, bool mayHaveChanged)
         acedFilterWindowMessage({WM_PAINT, effectiveWinId()});
     if (isOther || mayHaveChanged)
         m_picture.takeDamage();
+    if (std::exchange(m_background, subject.options.background) != subject.options.background)
+        showCursor();
     m_picture.show(subject);
     m_shown = &database;
     m_changeCount = database.changeCount();
@@ -250,7 +253,6 @@ void DrawingView::setWhiteBackground(bool white)
     if (white == whiteBackground())
         return;
     acedSetIntVar(kBackground, white ? 0xFFFFFF : 0);
-    showCursor();
     refresh();
 }
 

@@ -90,6 +90,7 @@ private:
     AcDbDatabase *m_shown = nullptr;
     std::uint64_t m_changeCount = 0;
     AcGiViewport m_view;
+    QColor m_background = Qt::black;
     std::vector<AcDbObjectId> m_chosen;      ///< Of a selection that is being made.
     std::set<const AcApDocument *> m_fitted; ///< Documents whose view has this widget's pixels.
     std::optional<QPoint> m_panFrom;

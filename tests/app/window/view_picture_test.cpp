@@ -1,0 +1,156 @@
+// Panning, zooming and changes: whatever the view does to be quick, it ends up showing what a fresh painting
+// would.
+#include "tests/app/window/view_stage.h"
+
+#include "host/acdb/dbundo.h"
+#include "host/aced/edwinmsg.h"
+#include "tests/support/picture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using tests::MemoryDrawing;
+using tests::ViewStage;
+
+namespace
+{
+
+/// Lines, circles and texts all over the view and beyond.
+MemoryDrawing busyDrawing()
+{
+    MemoryDrawing content;
+    content.headerVariable("$CLAYER", {{8, "0"}});
+    for (int i = 0; i < 120; ++i) {
+        const AcGePoint3d place(-700 + (i * 373) % 1400, -500 + (i * 211) % 1000, 0);
+        content.entity(
+            "LINE", {{62, i % 7 + 1}, {100, "AcDbLine"}, {10, place}, {11, place + AcGeVector3d(90, 35, 0)}});
+        content.entity("CIRCLE", {{62, i % 5 + 1}, {100, "AcDbCircle"}, {10, place}, {40, 8.0 + i % 30}});
+        content.entity("TEXT", {{100, "AcDbText"}, {10, place}, {40, 12.0}, {1, "No. 17"}});
+    }
+    return content;
+}
+
+class ViewPictures : public testing::Test
+{
+protected:
+    ViewStage stage{busyDrawing()};
+
+    void expectFresh()
+    {
+        ASSERT_TRUE(stage.becomesSharp());
+        const QImage fresh = stage.freshPicture();
+        const qsizetype pixels = qsizetype(fresh.width()) * fresh.height();
+        EXPECT_LE(tests::differingPixels(stage.view.picture(), fresh),
+                  qsizetype(pixels * tests::kPixelTolerance));
+        QImage empty(fresh.size(), fresh.format());
+        empty.fill(fresh.pixel(0, 0));
+        EXPECT_GT(tests::differingPixels(fresh, empty), 1000);
+    }
+};
+
+AcEdWindowMessage lastMessage;
+
+bool swallowWheel(const AcEdWindowMessage &message)
+{
+    lastMessage = message;
+    return message.message == WM_MOUSEWHEEL;
+}
+
+} // namespace
+
+TEST_F(ViewPictures, PanningShowsWhatAFreshPaintingWould)
+{
+    ASSERT_TRUE(stage.becomesSharp());
+    for (const QPoint way :
+         {QPoint(37, -21), QPoint(-400, 3), QPoint(5, 250), QPoint(900, 0), QPoint(-900, 0)}) {
+        stage.view.panBy(way);
+        expectFresh();
+    }
+    stage.document().view().twist = 0.3;
+    expectFresh();
+    stage.view.panBy({-61, 47});
+    expectFresh();
+    const QPoint middle(400, 300);
+    const AcGePoint3d before = window::worldAt(stage.document(), middle);
+    QTest::mousePress(&stage.view, Qt::MiddleButton, {}, middle);
+    stage.moveTo(middle + QPoint(30, 40));
+    QTest::mouseRelease(&stage.view, Qt::MiddleButton, {}, middle + QPoint(30, 40));
+    EXPECT_TRUE(window::worldAt(stage.document(), middle + QPoint(30, 40)).isEqualTo(before, 1e-9));
+    expectFresh();
+}
+
+TEST_F(ViewPictures, TheWheelKeepsThePlaceUnderTheCursor)
+{
+    stage.document().view().twist = -0.4;
+    const QPoint at(613, 122);
+    const AcGePoint3d before = window::worldAt(stage.document(), at);
+    for (const int delta : {120, 120, 15, -480}) {
+        const double height = stage.document().view().height;
+        stage.wheel(at, delta);
+        EXPECT_TRUE(window::worldAt(stage.document(), at).isEqualTo(before, 1e-9));
+        EXPECT_NEAR(std::log(height / stage.document().view().height), std::log(1.25) * delta / 120.0, 1e-9);
+    }
+    EXPECT_FALSE(stage.view.grab().isNull()); // What is there, scaled.
+    expectFresh();
+}
+
+TEST_F(ViewPictures, FiltersHearOfWheelAndPaintingAndMaySwallow)
+{
+    ASSERT_TRUE(acedRegisterFilterWinMsg(swallowWheel));
+    const double height = stage.document().view().height;
+    stage.wheel({10, 10}, 120);
+    EXPECT_EQ(lastMessage.message, WM_MOUSEWHEEL);
+    EXPECT_EQ(stage.document().view().height, height);
+    stage.view.panBy({10, 0});
+    EXPECT_EQ(lastMessage.message, WM_PAINT);
+    EXPECT_EQ(lastMessage.window, stage.view.effectiveWinId());
+    acedRemoveFilterWinMsg(swallowWheel);
+}
+
+TEST_F(ViewPictures, ChangesShowWhereTheyAre)
+{
+    ASSERT_TRUE(stage.becomesSharp());
+    const QImage before = stage.view.picture().copy();
+    stage.play({[&] { stage.type("LINE -100,-100 50,50 120,-80"); }, [&] { stage.type(""); },
+                [&] { stage.type("CIRCLE 0,0 77"); }, [&] { stage.type("ERASE C -50,-50 50,50"); },
+                [&] { stage.type(""); }});
+    expectFresh();
+    EXPECT_GT(tests::differingPixels(stage.view.picture(), before), 100);
+    stage.view.setWhiteBackground(true);
+    expectFresh();
+    EXPECT_EQ(stage.view.picture().pixelColor(0, 0).name(), u"#ffffff");
+    while (stage.database().undo().undo()) {
+    }
+    stage.view.setWhiteBackground(false);
+    ASSERT_TRUE(stage.becomesSharp());
+    EXPECT_EQ(tests::differingPixels(stage.view.picture(), before), 0);
+}
+
+TEST_F(ViewPictures, ResizingKeepsTheScaleAndTheMiddle)
+{
+    ASSERT_TRUE(stage.becomesSharp());
+    stage.view.resize(901, 455);
+    expectFresh();
+    const AcApView &shown = stage.document().view();
+    EXPECT_NEAR(shown.pixelSize(), 1.0, 1e-12);
+    EXPECT_EQ(shown.pixelWidth, 901);
+    EXPECT_LE(shown.centre.distanceTo({0, 0, 0}), 1.0);
+}
+
+TEST_F(ViewPictures, DoubleMiddleClickShowsEverythingAndKeysMove)
+{
+    QSignalSpy typed(&stage.view, &window::DrawingView::textTyped);
+    QSignalSpy moved(&stage.view, &window::DrawingView::viewChanged);
+    QTest::mouseDClick(&stage.view, Qt::MiddleButton, {}, {50, 50});
+    const AcApView shown = stage.document().view();
+    EXPECT_GT(shown.height, 900);
+    EXPECT_LT(shown.height, 1500);
+    QTest::keyClick(&stage.view, Qt::Key_Left);
+    EXPECT_LT(stage.document().view().centre.x, shown.centre.x);
+    QTest::keyClick(&stage.view, Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_LT(stage.document().view().height, shown.height);
+    EXPECT_EQ(moved.size(), 3);
+    QTest::keyClicks(&stage.view, "-L@");
+    ASSERT_EQ(typed.size(), 3);
+    EXPECT_EQ(typed[1][0].toString(), u"L");
+}
