@@ -283,7 +283,8 @@ void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found)
 
 void settleMark(QuillnoteObj3 &mark, const AcDbDatabase &database)
 {
-    const MarkView view = currentMarkView(&database);
+    MarkView view = currentMarkView(&database);
+    view.textSuppressed = false; // The box fits the text, also while grips hide it.
     applyWriteBack(mark, layOutMark(mark, markDrawingSettings(), view).writeBack);
 }
 

@@ -129,6 +129,10 @@ public:
     void saveAs(AcGiWorldDraw *context) const override;
     Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix) override;
+    /// Leaves the text out until the next pass: it would hide the grips. See mark_grips.h.
+    std::vector<AcGePoint3d> subGetGripPoints() const override;
+    /// eInvalidInput without grips, and when a password is asked for and not given; copies do not ask.
+    Acad::ErrorStatus subMoveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset) override;
 
 private:
     /// What a drawing pass leaves in the run-time members.

@@ -17,15 +17,20 @@ static constexpr double kSignatureSize = 1.0 / 3.0;
 
 // Frame -------------------------------------------------------------------------------------------
 
-MarkAxes markAxes(const QuillnoteObj3 &mark)
+MarkAxes markAxes(const AcGeVector3d &normal, const AcGeVector3d &xDirection)
 {
     MarkAxes axes;
-    if (!mark.normal.isZeroLength())
-        axes.normal = mark.normal.normal();
-    if (!mark.xDirection.isZeroLength())
-        axes.right = mark.xDirection.normal();
+    if (!normal.isZeroLength())
+        axes.normal = normal.normal();
+    if (!xDirection.isZeroLength())
+        axes.right = xDirection.normal();
     axes.up = axes.right.rotateBy(kGePi / 2.0, axes.normal);
     return axes;
+}
+
+MarkAxes markAxes(const QuillnoteObj3 &mark)
+{
+    return markAxes(mark.normal, mark.xDirection);
 }
 
 MarkTextFrame markTextFrame(const AcGePoint3d &corner1, const AcGePoint3d &corner2,

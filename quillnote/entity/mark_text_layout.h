@@ -19,6 +19,7 @@ struct MarkAxes {
     AcGeVector3d normal = AcGeVector3d::kZAxis;
 };
 /// Directions that a record lacks are those of the world.
+MarkAxes markAxes(const AcGeVector3d &normal, const AcGeVector3d &xDirection);
 MarkAxes markAxes(const QuillnoteObj3 &mark);
 
 /// Where text stands: a flag mark's target or a leader mark's text box.

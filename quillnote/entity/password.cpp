@@ -65,3 +65,16 @@ bool mayChangeProtected(const QString &hash)
 {
     return hash.isEmpty() || sameHash(hash, unlockedHash()) || checkPassword(hash);
 }
+
+bool mayDragProtected(const QString &hash)
+{
+    constexpr int kMostFailures = 5;
+    int &failures = passwordState().failedDrags;
+    if (hash.isEmpty())
+        return true;
+    if (failures >= kMostFailures)
+        return false;
+    const bool allowed = mayChangeProtected(hash);
+    failures += allowed ? 0 : 1;
+    return allowed;
+}

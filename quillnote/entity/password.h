@@ -10,6 +10,8 @@
 struct PasswordState {
     QString lastEntered; ///< Hash of what was typed last.
     QString unlocked;    ///< Hash of the last password that was right.
+    /// Drags of grips that were refused for their password; after the fifth nobody is asked any more.
+    int failedDrags = 0;
 
     void reset() { *this = {}; }
 };
@@ -31,3 +33,5 @@ const QString &unlockedHash();
 bool checkPassword(const QString &hash);
 /// What callers do: no question for an empty hash or an unlocked one, else checkPassword().
 bool mayChangeProtected(const QString &hash);
+/// The same before grips are dragged; refuses without a question after five failures.
+bool mayDragProtected(const QString &hash);
