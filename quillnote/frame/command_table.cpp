@@ -8,6 +8,7 @@
 #include "quillnote/authoring/mark_display.h"
 #include "quillnote/authoring/mark_leaders.h"
 #include "quillnote/authoring/mark_vertices.h"
+#include "quillnote/authoring/native_conversion.h"
 #include "quillnote/authoring/polygon_mark.h"
 #include "quillnote/authoring/rectangle_mark.h"
 #include "quillnote/authoring/redraw_marks.h"
@@ -94,7 +95,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
     {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},
-    {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, nullptr},
+    {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, nullptr},
     {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, nullptr},
     {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, nullptr},
