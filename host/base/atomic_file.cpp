@@ -1,5 +1,7 @@
 #include "host/base/atomic_file.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 
@@ -9,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -66,6 +69,16 @@ static std::optional<FileError> refusal(const QString &path, const QByteArray &t
     return std::nullopt;
 }
 
+/// False when somebody who clears up took the new file for a left one before it was locked. A file system
+/// without locks is no reason not to save.
+static bool claim(int file)
+{
+    while (::flock(file, LOCK_EX) != 0 && errno == EINTR) {
+    }
+    struct stat status;
+    return ::fstat(file, &status) != 0 || status.st_nlink > 0;
+}
+
 /// A new file in the target's folder, so that the rename stays within one file system.
 static int createBeside(const QByteArray &target, mode_t mode, QByteArray &temporary)
 {
@@ -73,7 +86,11 @@ static int createBeside(const QByteArray &target, mode_t mode, QByteArray &tempo
         temporary = folderOf(target) + "/.quill-" +
                     QByteArray::number(QRandomGenerator::global()->generate(), 16) + ".tmp";
         const int file = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (file >= 0 || errno != EEXIST)
+        if (file >= 0 && claim(file))
+            return file;
+        if (file >= 0)
+            ::close(file);
+        else if (errno != EEXIST)
             return file;
     }
     return -1;
@@ -187,6 +204,18 @@ static int flushFolder(const QByteArray &folder)
     return result;
 }
 
+Result<QString, FileError> AtomicFileWriter::finishWriting()
+{
+    QUILL_ASSERT(m_file >= 0 || m_error);
+    if (!m_error)
+        flush({});
+    if (m_error)
+        return Failure{*m_error};
+    // The disk works while the caller reads; commit() waits for the rest.
+    ::sync_file_range(m_file, 0, 0, SYNC_FILE_RANGE_WRITE);
+    return QFile::decodeName(m_temporary);
+}
+
 Result<void, FileError> AtomicFileWriter::commit()
 {
     QUILL_ASSERT(m_file >= 0 || m_error);
@@ -217,6 +246,35 @@ Result<void, FileError> writeFileAtomically(const QString &path, QByteArrayView 
         return Failure{writer.error()};
     writer->write(content);
     return writer->commit();
+}
+
+/// The caller holds the file open. Files of others are left to them: their locks may not reach us.
+static bool isLeft(int file)
+{
+    constexpr qint64 kDay = 24 * 60 * 60;
+    struct stat status;
+    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid())
+        return false;
+    if (::flock(file, LOCK_EX | LOCK_NB) == 0)
+        return true;
+    return errno != EWOULDBLOCK && QDateTime::currentSecsSinceEpoch() - status.st_mtime > kDay;
+}
+
+int removeLeftTemporaryFiles(const QString &folder)
+{
+    int removed = 0;
+    const QStringList names =
+        QDir(folder).entryList({QStringLiteral(".quill-*.tmp")}, QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        const QByteArray path = QFile::encodeName(folder + QLatin1Char('/') + name);
+        const int file = ::open(path.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        if (file < 0)
+            continue;
+        // Removed before the lock is given up, so that a writer who waits for it sees that the file is gone.
+        removed += isLeft(file) && ::unlink(path.constData()) == 0;
+        ::close(file);
+    }
+    return removed;
 }
 
 } // namespace base

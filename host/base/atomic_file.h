@@ -12,8 +12,9 @@
 namespace base
 {
 
-/// Collects the new content in a temporary file beside the target. commit() puts it in the target's
-/// place; without commit() the destructor removes it and the target stays untouched.
+/// Collects the new content in a temporary file beside the target (".quill-3f2a91c0.tmp"). commit() puts it
+/// in the target's place; without commit() the destructor removes it and the target stays untouched. The file
+/// is locked (flock) for as long as its writer lives: that tells it from one that a killed program left.
 class AtomicFileWriter
 {
 public:
@@ -32,6 +33,10 @@ public:
     /// written; commit() reports it. Long writers look at failed() to stop early.
     void write(QByteArrayView bytes);
     bool failed() const { return m_error.has_value(); }
+
+    /// Everything written so far stands in the temporary file afterwards and is on its way to the disk. Gives
+    /// the file's path: whoever wants to look at the content before it counts reads it there.
+    Result<QString, FileError> finishWriting();
 
     /// Flushes the file to the disk, renames it over the target, flushes the folder. Reports the first
     /// failure since open(); the target then has its old content (or, when only flushing the folder
@@ -54,5 +59,9 @@ private:
 
 /// The whole content in one call.
 Result<void, FileError> writeFileAtomically(const QString &path, QByteArrayView content);
+
+/// Removes the temporary files that killed programs left in a folder; those of living writers stay. Where the
+/// file system knows no locks only files older than a day count as left. Returns how many were removed.
+int removeLeftTemporaryFiles(const QString &folder);
 
 } // namespace base

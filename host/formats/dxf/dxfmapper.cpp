@@ -13,9 +13,10 @@ static QByteArray toByteArray(std::string_view text)
 }
 
 template <class Scanner>
-Mapper<Scanner>::Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner)
+Mapper<Scanner>::Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner,
+                        const base::Progress &progress)
     : m_loader(loader), m_source(source), m_log(log), m_scanner(scanner), m_begin(source.bytes().data()),
-      m_blocks(loader, source, log)
+      m_blocks(loader, source, log), m_progress(progress)
 {
 }
 
@@ -172,8 +173,23 @@ void Mapper<Scanner>::readHeadGroups(Head &head, bool handleIn5)
 }
 
 template <class Scanner>
+void Mapper<Scanner>::reportProgress()
+{
+    constexpr std::uint32_t kObjects = 4096;
+    m_untilReport = kObjects;
+    if (m_source.isKept(here()) || base::report(m_progress, double(here()) / double(m_source.bytes().size())))
+        return;
+    // As if the file ended here; nobody gets to see the result.
+    m_stopped = true;
+    m_contentEnd = here();
+    m_done = true;
+}
+
+template <class Scanner>
 AcDbStub *Mapper<Scanner>::addObject(Kind kind, const Head &head, std::uint64_t begin, std::uint16_t flags)
 {
+    if (m_untilReport-- == 0)
+        reportProgress();
     const auto size = std::uint32_t(std::min<std::uint64_t>(here() - begin, UINT32_MAX));
     return m_loader.addObject(kind.number, head.handle, begin, size,
                               std::uint16_t(flags | AcDbStub::kHasSource));

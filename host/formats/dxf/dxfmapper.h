@@ -5,6 +5,7 @@
 #pragma once
 
 #include "host/acdb/dbload.h"
+#include "host/base/progress.h"
 #include "host/formats/dxf/dxfblocks.h"
 #include "host/formats/dxf/dxfkinds.h"
 #include "host/formats/dxf/dxfrepair.h"
@@ -25,9 +26,12 @@ template <class Scanner>
 class Mapper
 {
 public:
-    Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner);
+    Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner,
+           const base::Progress &progress);
     /// False when the file has no section.
     bool run();
+    /// Progress said no: what was found is not the whole drawing.
+    bool isStopped() const { return m_stopped; }
 
 private:
     std::uint64_t offset(const char *at) const { return std::uint64_t(at - m_begin) + m_beginOffset; }
@@ -36,6 +40,7 @@ private:
     bool advance();
     bool recover(Step step);
     bool skipGarbageObject();
+    void reportProgress();
     void toNextObject();
     bool atSectionEnd() const;
     Head readHead(bool wantName);
@@ -76,6 +81,9 @@ private:
     AcDbStub *m_mainEntity = nullptr;
     AcDbStub *m_rootDictionary = nullptr;
     bool m_rootHasNoOwner = false;
+    const base::Progress &m_progress;
+    std::uint32_t m_untilReport = 0; ///< Objects.
+    bool m_stopped = false;
 };
 
 } // namespace dxf

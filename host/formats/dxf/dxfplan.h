@@ -24,13 +24,15 @@ public:
     SavePlan(const AcDbDatabase &database, const DxfSource &source);
 
     const std::vector<Edit> &edits() const { return m_edits; }
+    std::vector<Edit> takeEdits() { return std::move(m_edits); }
+    /// Erased, or owned by something that is.
+    bool isGone(const AcDbStub &stub) const { return !m_gone.empty() && m_gone[stub.index]; }
 
 private:
     /// What comes first among insertions at one offset.
     enum Rank { kContents, kInnerEnd, kContainer, kSectionEnd, kNewSection, kKept, kFileEnd };
 
     void findGone();
-    bool isGone(const AcDbStub &stub) const { return !m_gone.empty() && m_gone[stub.index]; }
 
     void insert(std::uint64_t offset, Rank rank, const QByteArray &bytes);
     void replace(Place place, QByteArray bytes);

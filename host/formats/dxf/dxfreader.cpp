@@ -17,16 +17,27 @@ static void noteRenumbered(const AcDbDatabase &database, DxfSource &source)
     }
 }
 
-static bool map(AcDbLoader &loader, DxfSource &source, RepairLog &log)
+enum class MapResult { mapped, noSection, stopped };
+
+template <class Scanner>
+static MapResult mapWith(dxf::Mapper<Scanner> mapper)
+{
+    const bool mapped = mapper.run();
+    return mapper.isStopped() ? MapResult::stopped : mapped ? MapResult::mapped : MapResult::noSection;
+}
+
+static MapResult map(AcDbLoader &loader, DxfSource &source, RepairLog &log, const base::Progress &progress)
 {
     const std::string_view groups = source.bytes().substr(source.contentBegin());
     source.learnStyle(groups);
     if (source.format() == DrawingFormat::dxfBinary)
-        return dxf::Mapper(loader, source, log, dxf::BinaryScanner(groups, source.shortCodes())).run();
-    return dxf::Mapper(loader, source, log, dxf::TextScanner(groups, source.lineEnd())).run();
+        return mapWith(
+            dxf::Mapper(loader, source, log, dxf::BinaryScanner(groups, source.shortCodes()), progress));
+    return mapWith(dxf::Mapper(loader, source, log, dxf::TextScanner(groups, source.lineEnd()), progress));
 }
 
-base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes bytes, const QString &name)
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes bytes, const QString &name,
+                                                              const base::Progress &progress)
 {
     constexpr std::size_t kUsualObjectSize = 220;
     if (bytes.size() == 0)
@@ -37,7 +48,10 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
     AcDbLoader loader(*database, std::move(owned));
     loader.reserve(source.bytes().size() / kUsualObjectSize);
     RepairLog log(source);
-    if (!map(loader, source, log))
+    const MapResult result = map(loader, source, log, progress);
+    if (result == MapResult::stopped)
+        return base::Failure{DxfError{name, -1, QStringLiteral("opening was stopped")}};
+    if (result == MapResult::noSection)
         return base::Failure{DxfError{name, log.place(source.contentBegin()),
                                       QStringLiteral("this is no DXF drawing, it has no section")}};
     for (const QString &sentence : log.sentences())
@@ -49,10 +63,11 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
     return database;
 }
 
-base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(const QString &path)
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(const QString &path,
+                                                              const base::Progress &progress)
 {
     auto bytes = base::readFileBytes(path);
     if (!bytes)
         return base::Failure{DxfError{QString(), -1, bytes.error().text()}};
-    return readDxf(*std::move(bytes), path);
+    return readDxf(*std::move(bytes), path, progress);
 }

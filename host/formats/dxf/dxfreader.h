@@ -7,9 +7,13 @@
 
 #include "host/acdb/dbdatabase.h"
 #include "host/base/file_bytes.h"
+#include "host/base/progress.h"
 #include "host/base/result.h"
 #include "host/formats/dxf/dxferror.h"
 
-base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(const QString &path);
+/// When `progress` says no, reading ends with an error.
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(const QString &path,
+                                                              const base::Progress &progress = {});
 /// `name` is what errors call the file.
-base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes bytes, const QString &name);
+base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes bytes, const QString &name,
+                                                              const base::Progress &progress = {});

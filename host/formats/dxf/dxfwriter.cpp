@@ -2,7 +2,7 @@
 
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/atomic_file.h"
-#include "host/formats/dxf/dxfplan.h"
+#include "host/formats/dxf/dxfreread.h"
 
 static const DxfSource *sourceOf(const AcDbDatabase &database)
 {
@@ -27,6 +27,82 @@ static void writePieces(const DxfSource &source, const std::vector<dxf::Edit> &e
     write(source.bytes().substr(at));
 }
 
+// Images -----------------------------------------------------------------------------------------
+
+struct dxf::Image {
+    const DxfSource &source;
+    std::vector<Edit> edits;
+
+    double size() const
+    {
+        double total = double(source.bytes().size());
+        for (const Edit &edit : edits)
+            total += double(edit.bytes.size()) - double(edit.removed);
+        return std::max(total, 1.0);
+    }
+};
+
+static DxfError failed(const base::FileError &error)
+{
+    return {{}, -1, error.text()};
+}
+
+static DxfError stopped(const QString &path)
+{
+    return {path, -1, QStringLiteral("saving was stopped")};
+}
+
+/// False when it was stopped. Failures stay with the file.
+static bool writeInto(base::AtomicFileWriter &file, const dxf::Image &image, const base::Progress &progress)
+{
+    constexpr std::size_t kStride = 4 << 20;
+    const double size = image.size();
+    std::size_t written = 0;
+    std::size_t reported = 0;
+    bool goesOn = true;
+    writePieces(image.source, image.edits, [&](std::string_view piece) {
+        while (!piece.empty() && goesOn && !file.failed()) {
+            const std::string_view part = piece.substr(0, kStride);
+            file.write(QByteArrayView(part.data(), qsizetype(part.size())));
+            piece.remove_prefix(part.size());
+            written += part.size();
+            if (written - reported < kStride)
+                continue;
+            reported = written;
+            goesOn = base::report(progress, double(written) / size);
+        }
+    });
+    return goesOn;
+}
+
+DxfImage::DxfImage(std::unique_ptr<dxf::Image> image) : m_image(std::move(image)) {}
+DxfImage::DxfImage(DxfImage &&other) noexcept = default;
+DxfImage &DxfImage::operator=(DxfImage &&other) noexcept = default;
+DxfImage::~DxfImage() = default;
+
+base::Result<DxfImage, DxfError> DxfImage::take(AcDbDatabase &database)
+{
+    const DxfSource *const source = sourceOf(database);
+    if (!source)
+        return base::Failure{notFromDxf({})};
+    const AcDbDwgCarriers carriers(database);
+    return DxfImage(std::make_unique<dxf::Image>(*source, dxf::SavePlan(database, *source).takeEdits()));
+}
+
+base::Result<void, DxfError> DxfImage::write(const QString &path, const base::Progress &progress) const
+{
+    auto file = base::AtomicFileWriter::open(path);
+    if (!file)
+        return base::Failure{failed(file.error())};
+    if (!writeInto(*file, *m_image, progress))
+        return base::Failure{stopped(path)};
+    if (const auto done = file->commit(); !done)
+        return base::Failure{failed(done.error())};
+    return {};
+}
+
+// Saving -----------------------------------------------------------------------------------------
+
 base::Result<QByteArray, DxfError> writeDxf(AcDbDatabase &database)
 {
     const DxfSource *const source = sourceOf(database);
@@ -40,18 +116,46 @@ base::Result<QByteArray, DxfError> writeDxf(AcDbDatabase &database)
     return saved;
 }
 
-base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &path)
+base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &path,
+                                      const base::Progress &progress)
 {
+    constexpr double kWriting = 0.6; // Of the whole; the rest is reading again.
     const DxfSource *const source = sourceOf(database);
     if (!source)
         return base::Failure{notFromDxf(path)};
     auto file = base::AtomicFileWriter::open(path);
     if (!file)
-        return base::Failure{DxfError{{}, -1, file.error().text()}};
-    const AcDbDwgCarriers carriers(database);
-    writePieces(*source, dxf::SavePlan(database, *source).edits(),
-                [&](std::string_view piece) { file->write(std::span(piece.data(), piece.size())); });
+        return base::Failure{failed(file.error())};
+
+    std::optional<dxf::Image> image;
+    std::optional<dxf::RereadCheck> check;
+    {
+        // Gone before anybody is told of progress, who may look at the drawing.
+        const AcDbDwgCarriers carriers(database);
+        dxf::SavePlan plan(database, *source);
+        check.emplace(database, *source, plan);
+        image.emplace(dxf::Image{*source, plan.takeEdits()});
+    }
+    bool goesOn = base::report(progress, 0.0);
+    const auto part = [&](double from, double to) {
+        return [&goesOn, &progress, from, to](double share) {
+            return goesOn = base::report(progress, from + (to - from) * share);
+        };
+    };
+    if (!goesOn || !writeInto(*file, *image, part(0.0, kWriting)))
+        return base::Failure{stopped(path)};
+    const auto written = file->finishWriting();
+    if (!written)
+        return base::Failure{failed(written.error())};
+    const auto reread = check->read(*written, part(kWriting, 1.0));
+    if (!goesOn)
+        return base::Failure{stopped(path)};
+    if (!reread)
+        return base::Failure{DxfError{path, -1,
+                                      QStringLiteral("what was written cannot be read again (%1); the file "
+                                                     "stays as it was")
+                                          .arg(reread.error())}};
     if (const auto done = file->commit(); !done)
-        return base::Failure{DxfError{{}, -1, done.error().text()}};
+        return base::Failure{failed(done.error())};
     return {};
 }

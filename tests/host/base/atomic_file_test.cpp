@@ -157,3 +157,27 @@ TEST_F(AtomicFile, FailingRenameRemovesTheTemporaryFile)
     EXPECT_EQ(result.error().code, FileError::Code::notAFile);
     EXPECT_TRUE(folder.fileNames().isEmpty());
 }
+
+TEST_F(AtomicFile, WhatKilledWritersLeftIsRemovedAndNothingElse)
+{
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        auto writer = *AtomicFileWriter::open(target);
+        writer.write(QByteArray(1'000'000, 'n'));
+        ::kill(::getpid(), SIGKILL);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    tests::writeFile(folder.path(QStringLiteral(".quill-notes.txt")), "of the user");
+    auto writing = *AtomicFileWriter::open(target);
+    writing.write("new");
+    ASSERT_TRUE(writing.finishWriting());
+
+    EXPECT_EQ(base::removeLeftTemporaryFiles(folder.path()), 1);
+    EXPECT_EQ(base::removeLeftTemporaryFiles(folder.path(QStringLiteral("missing"))), 0);
+    ASSERT_TRUE(writing.commit());
+    EXPECT_EQ(tests::readFile(target), "new");
+    EXPECT_EQ(folder.fileNames(),
+              (QStringList{QStringLiteral(".quill-notes.txt"), QStringLiteral("图.dxf")}));
+}
