@@ -53,11 +53,18 @@ int main(int argc, char **argv)
     acedRegisterHostCommands();
     acgiInstall();
     acuiInstall();
-    if (!console::runsWithoutModules(arguments))
-        console::loadModules();
+    const auto loadModules = [&arguments] {
+        if (!console::runsWithoutModules(arguments))
+            console::loadModules();
+    };
 
-    const int status =
-        inWindow ? window::run(console::filesOf(arguments)) : console::runCommandLine(arguments);
+    int status = 0;
+    if (inWindow) {
+        status = window::run(console::filesOf(arguments), loadModules);
+    } else {
+        loadModules(); // Their verbs belong to the command line.
+        status = console::runCommandLine(arguments);
+    }
 
     acrxDynamicLinker()->unloadAll();
     console::endMessageLine();

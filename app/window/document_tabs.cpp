@@ -25,6 +25,7 @@ FollowingTabs::FollowingTabs(QWidget *parent) : QTabBar(parent)
 void FollowingTabs::show(const std::vector<Tab> &tabs, int current)
 {
     m_isFollowing = true;
+    const bool hasOthers = count() != int(tabs.size());
     while (count() > int(tabs.size()))
         removeTab(count() - 1);
     for (int i = 0; i < int(tabs.size()); ++i) {
@@ -36,6 +37,8 @@ void FollowingTabs::show(const std::vector<Tab> &tabs, int current)
     }
     setCurrentIndex(current);
     m_isFollowing = false;
+    if (hasOthers)
+        updateGeometry(); // A hidden tab bar forgets to tell its layout that it has grown.
 }
 
 /// Tab texts take "&" for the keyboard's letter.

@@ -220,6 +220,7 @@ void MainWindow::start(const QStringList &files)
     m_guard.watch();
     for (const QString &file : files)
         openNow(file);
+    m_commandLine->setFocus();
 }
 
 void MainWindow::openFiles(const QStringList &files)

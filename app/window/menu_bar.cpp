@@ -14,6 +14,7 @@
 #include <QToolBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace window
 {
@@ -59,7 +60,7 @@ QAction *MenuBar::makeAction(const HostMenuItem &item)
 void MenuBar::addHostMenu(const HostMenu &table)
 {
     QMenu *const menu = m_window.menuBar()->addMenu(hostText(table.label));
-    bool isGroupOver = false; // A separator is due before the next button.
+    bool isFirst = true; // Of this menu's buttons.
     for (const HostMenuItem &item : table.items) {
         if (!item.label) {
             menu->addSeparator();
@@ -72,17 +73,17 @@ void MenuBar::addHostMenu(const HostMenu &table)
         }
         QAction *const action = makeAction(item);
         menu->addAction(action);
-        if (item.inToolbar)
+        if (item.inToolbar) {
+            if (std::exchange(isFirst, false) && !m_toolbar->actions().isEmpty())
+                m_toolbar->addSeparator();
             m_toolbar->addAction(action);
-        isGroupOver |= item.inToolbar;
+        }
         if (item.action == WindowAction::previousDrawing) {
             m_windows = menu;
             connect(menu, &QMenu::aboutToShow, this, &MenuBar::fillWindows);
         }
     }
     m_fixedWindowEntries = m_windows == menu ? menu->actions().size() : m_fixedWindowEntries;
-    if (isGroupOver)
-        m_toolbar->addSeparator();
 }
 
 QAction *MenuBar::action(WindowAction action) const

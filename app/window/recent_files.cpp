@@ -24,10 +24,10 @@ QStringList RecentFiles::list()
 static void store(const QStringList &files)
 {
     for (int i = 0; i < kMost; ++i) {
-        if (i < files.size())
-            os::SettingsStore::user().setText(kKey, kRecent.arg(i), files[i]);
-        else
+        if (i >= files.size())
             os::SettingsStore::user().remove(kKey, kRecent.arg(i));
+        else if (os::SettingsStore::user().text(kKey, kRecent.arg(i)) != files[i])
+            os::SettingsStore::user().setText(kKey, kRecent.arg(i), files[i]);
     }
 }
 

@@ -41,7 +41,7 @@ static void closeAllDocuments()
         acDocManager()->closeDocument(acDocManager()->documents().back().get());
 }
 
-int run(const QStringList &files)
+int run(const QStringList &files, const std::function<void()> &loadModules)
 {
     QTranslator own, qt;
     loadTranslations(own, qt);
@@ -49,6 +49,7 @@ int run(const QStringList &files)
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);
     {
         MainWindow mainWindow(front);
+        loadModules();
         mainWindow.show();
         front.whenIdle([&] { mainWindow.start(files); });
         acedEditor()->processInput();

@@ -1,0 +1,103 @@
+// The main window over a running editor: tabs, titles, what it shows with and without a drawing.
+#include "app/window/command_line_panel.h"
+#include "app/window/document_tabs.h"
+#include "app/window/main_window.h"
+#include "app/window/recent_files.h"
+#include "app/window/start_page.h"
+#include "app/window/status_line.h"
+#include "tests/app/window/window_session.h"
+#include "tests/support/files.h"
+#include "tests/support/script_front_end.h"
+
+#include "host/aced/edspace.h"
+#include "host/acgi/gidraw.h"
+
+#include <gtest/gtest.h>
+
+#include <QToolButton>
+
+TEST(MainWindow, FollowsTheDrawings)
+{
+    acgiInstall();
+    tests::WindowSession session;
+    window::MainWindow mainWindow(session.front);
+    mainWindow.resize(1200, 800);
+    mainWindow.show();
+    auto *const documents = mainWindow.findChild<window::DocumentTabs *>();
+    auto *const layouts = mainWindow.findChild<window::LayoutTabs *>();
+    auto *const start = mainWindow.findChild<window::StartPage *>();
+    const auto type = [&](const char *text) {
+        return [&session, text] { session.front.giveText(QString::fromLatin1(text)); };
+    };
+    session.play({
+        [&] {
+            EXPECT_TRUE(start->isVisible());
+            EXPECT_EQ(mainWindow.windowTitle(), u"Quillnote[*]");
+            session.front.giveText(QStringLiteral("NEW"));
+        },
+        [&] {
+            EXPECT_FALSE(start->isVisible());
+            EXPECT_EQ(documents->count(), 1);
+            EXPECT_GT(documents->height(), 10);
+            EXPECT_EQ(mainWindow.windowTitle(),
+                      QStringLiteral("Quillnote - %1[*]").arg(curDoc()->docTitle()));
+            EXPECT_FALSE(mainWindow.isWindowModified());
+            session.front.giveText(QStringLiteral("POINT"));
+        },
+        type("1,2"),
+        [&] {
+            EXPECT_TRUE(mainWindow.isWindowModified());
+            EXPECT_TRUE(documents->tabText(0).endsWith(u"•"));
+            ASSERT_GT(layouts->count(), 1);
+            layouts->setCurrentIndex(1);
+        },
+        [&] { session.front.giveText({}); }, // Behind LAYOUT.
+        [&] {
+            EXPECT_EQ(acedCurrentLayoutName(*curDoc()), layouts->layoutName(1));
+            session.front.giveText(QStringLiteral("NEW"));
+        },
+        [&] {
+            EXPECT_EQ(documents->count(), 2);
+            EXPECT_EQ(documents->currentIndex(), 1);
+            documents->setCurrentIndex(0);
+        },
+        [&] {
+            EXPECT_EQ(curDoc(), acDocManager()->documents().front().get());
+            EXPECT_EQ(layouts->currentIndex(), 1);
+            session.front.giveText({});
+        },
+    });
+    while (!acDocManager()->documents().empty())
+        acDocManager()->closeDocument(acDocManager()->documents().back().get());
+}
+
+TEST(StatusLine, WorkCanBeStoppedWhileItIsShown)
+{
+    window::StatusLine line;
+    line.show();
+    auto *const stop = line.findChild<QToolButton *>();
+    ASSERT_TRUE(stop);
+    int stops = 0;
+    QObject::connect(&line, &window::StatusLine::stopWanted, &line, [&] { ++stops; });
+    line.showProgress(QStringLiteral("画图"), 0.3);
+    EXPECT_TRUE(stop->isVisible());
+    stop->click();
+    EXPECT_EQ(stops, 1);
+    line.showProgress({}, 1.0);
+    EXPECT_FALSE(stop->isVisible());
+}
+
+TEST(RecentFiles, KeepTheLastTen)
+{
+    for (int i = 0; i < 12; ++i)
+        window::RecentFiles::add(QStringLiteral("/plans/%1.dxf").arg(i));
+    window::RecentFiles::add(QStringLiteral("/plans/5.dxf"));
+    QStringList files = window::RecentFiles::list();
+    ASSERT_EQ(files.size(), 10);
+    EXPECT_EQ(files[0], u"/plans/5.dxf");
+    EXPECT_EQ(files[1], u"/plans/11.dxf");
+    window::RecentFiles::remove(QStringLiteral("/plans/11.dxf"));
+    files = window::RecentFiles::list();
+    EXPECT_EQ(files.size(), 9);
+    EXPECT_EQ(files[1], u"/plans/10.dxf");
+}

@@ -1,0 +1,145 @@
+// The front end of the window: macros, answers in advance, what waits for a free editor, leaving.
+#include "tests/app/window/window_session.h"
+#include "tests/support/script_front_end.h"
+
+#include "host/aced/edcommands.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+QStringList answersOf(const QString &macro)
+{
+    QStringList texts;
+    for (const auto &answer : window::readMacro(macro))
+        texts += !answer                              ? QStringLiteral("<ask>")
+                 : answer->kind == AcEdAnswer::cancel ? QStringLiteral("^C")
+                                                      : answer->typed;
+    return texts;
+}
+
+class WindowFrontEndTest : public testing::Test
+{
+protected:
+    tests::OpenDrawing drawing{tests::MemoryDrawing().open()};
+    tests::WindowSession session;
+    window::WindowFrontEnd &front = session.front;
+};
+
+} // namespace
+
+TEST(Macro, IsReadAsAnswers)
+{
+    const std::pair<const char *, QStringList> rows[] = {
+        {"^C^C_LINE ", {"^C", "^C", "_LINE"}},
+        {"ZOOM;_E", {"ZOOM", "_E"}},
+        {"_CIRCLE \\5 ", {"_CIRCLE", "<ask>", "5"}},
+        {"_LAYER  ", {"_LAYER", ""}},
+        {"(command \"_LINE\" \"a (b\") ", {"(command \"_LINE\" \"a (b\")"}},
+        {"(setq a", {"(setq a"}},
+        {"", {}},
+    };
+    for (const auto &[macro, expected] : rows)
+        EXPECT_EQ(answersOf(QString::fromUtf8(macro)), expected) << macro;
+}
+
+TEST_F(WindowFrontEndTest, MacroWaitsForThePersonWhereItSaysSo)
+{
+    session.play({
+        [&] { front.runMacro(QStringLiteral("^C^C_LINE 0,0 \\ ")); },
+        [&] { front.giveText(QStringLiteral("10,0")); },
+        [&] {
+            EXPECT_TRUE(front.isIdle());
+            front.giveText(QStringLiteral("DONE"));
+        },
+    });
+    EXPECT_EQ(tests::currentEntities().size(), 1u);
+    EXPECT_EQ(front.lastCommand(), u"DONE");
+}
+
+TEST_F(WindowFrontEndTest, MacroBeginsByCancellingWhatRuns)
+{
+    session.play({
+        [&] { front.giveText(QStringLiteral("CIRCLE")); },
+        [&] { front.runMacro(QStringLiteral("^C^C_POINT 1,1 ")); },
+        [&] {
+            EXPECT_TRUE(front.isIdle());
+            front.giveText({});
+        },
+    });
+    EXPECT_EQ(tests::currentEntities().size(), 1u);
+    EXPECT_TRUE(session.printed.contains(u"*取消*"));
+}
+
+TEST_F(WindowFrontEndTest, WhatWaitsForTheEditorCancelsTheCommandAndThenRuns)
+{
+    QStringList order;
+    session.play({
+        [&] {
+            front.whenIdle([&] { order += acedEditor()->activeCommands(); });
+            EXPECT_EQ(order.size(), 1); // At once.
+        },
+        [&] { front.giveText(QStringLiteral("LINE")); },
+        [&] { front.giveText(QStringLiteral("0,0")); },
+        [&] {
+            front.whenIdle([&] {
+                order += QStringLiteral("first") + acedEditor()->activeCommands();
+                front.whenIdle([&] { order += QStringLiteral("second"); });
+            });
+            EXPECT_EQ(order.size(), 1);
+        },
+    });
+    EXPECT_EQ(order, (QStringList{QString(), QStringLiteral("first"), QStringLiteral("second")}));
+    EXPECT_TRUE(tests::currentEntities().empty());
+}
+
+TEST_F(WindowFrontEndTest, AnswersGivenByWhatWaitedAreNotLost)
+{
+    AcEdAnswer point;
+    point.typed = QStringLiteral("_POINT");
+    AcEdAnswer place;
+    place.typed = QStringLiteral("2,3");
+    session.play({
+        [&] { front.whenIdle([&] {
+                  front.queue({point, place});
+              }); },
+        [&] { front.giveText(QStringLiteral("LINE")); },
+        [&] { front.whenIdle([&] {
+                  front.queue({point, place});
+              }); },
+        [&] {
+            EXPECT_TRUE(front.isIdle());
+            front.giveText({});
+        },
+    });
+    EXPECT_EQ(tests::currentEntities().size(), 2u);
+}
+
+TEST_F(WindowFrontEndTest, LeavingCancelsTheCommandAndNothingIsAskedAgain)
+{
+    bool ran = false;
+    session.play({
+        [&] { front.giveText(QStringLiteral("LINE")); },
+        [&] {
+            front.giveText(QStringLiteral("0,0"));
+            front.leave();
+            front.whenIdle([&] { ran = true; });
+        },
+    });
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(drawing.document().lockMode(), AcAp::kNone);
+    EXPECT_EQ(acedEditor()->activeCommands(), u"");
+}
+
+TEST_F(WindowFrontEndTest, WorkIsStoppedByWhoeverListens)
+{
+    EXPECT_TRUE(front.progress(QStringLiteral("work"), 0.5));
+    QObject::connect(&front, &window::WindowFrontEnd::progressed, &front, [&](const QString &, double share) {
+        if (share > 0.5)
+            front.stopWork();
+    });
+    EXPECT_TRUE(front.progress(QStringLiteral("work"), 0.5));
+    EXPECT_FALSE(front.progress(QStringLiteral("work"), 0.6));
+    EXPECT_TRUE(front.progress(QStringLiteral("other"), 0.1));
+}
