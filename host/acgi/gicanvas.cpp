@@ -33,8 +33,8 @@ AcGiCanvas::~AcGiCanvas()
 void AcGiCanvas::updatePixelClip()
 {
     const QRectF &bounds = m_clips.back().bounds;
-    m_left = std::max(0, int(std::floor(bounds.left() + 0.5)));
-    m_right = std::min(m_pixels.width, int(std::floor(bounds.right() + 0.5)));
+    m_left = std::max(m_pixels.left, int(std::floor(bounds.left() + 0.5)));
+    m_right = std::min(m_pixels.left + m_pixels.width, int(std::floor(bounds.right() + 0.5)));
     m_upper = std::max(m_pixels.top, int(std::floor(bounds.top() + 0.5)));
     m_lower = std::min(m_pixels.top + m_pixels.height, int(std::floor(bounds.bottom() + 0.5)));
 }

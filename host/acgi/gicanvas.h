@@ -14,8 +14,9 @@
 
 /// Rows of an image with 32 bits to a pixel, premultiplied or opaque.
 struct AcGiPixels {
-    std::uint32_t *first = nullptr; ///< Of row `top`; null: no direct access.
-    std::ptrdiff_t stride = 0;      ///< Pixels to a row.
+    std::uint32_t *first = nullptr; ///< The pixel (left, top); null: no direct access.
+    std::ptrdiff_t stride = 0;      ///< From one row to the next, pixels.
+    int left = 0;
     int top = 0;
     int width = 0;
     int height = 0;
@@ -71,7 +72,7 @@ private:
     void plot(int x, int y, std::uint32_t coverage);
     std::uint32_t *pixelAt(int x, int y) const
     {
-        return m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + x;
+        return m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + (x - m_pixels.left);
     }
     void mask(const AcGiGlyphMask &mask, int x, int y);
     void flushLines();

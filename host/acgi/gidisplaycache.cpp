@@ -26,6 +26,12 @@ void AcGiDisplayCache::goodbye(const AcDbDatabase *)
     ended(); // Deletes this.
 }
 
+static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)
+{
+    return a.height == b.height && a.twist == b.twist && a.direction == b.direction &&
+           a.pixelWidth == b.pixelWidth && a.pixelHeight == b.pixelHeight && a.paperSpace == b.paperSpace;
+}
+
 // Changes ----------------------------------------------------------------------------------------
 
 /// Keeps what the entity looked like, for takeChanges().
@@ -42,6 +48,11 @@ void AcGiDisplayCache::noteChanged(std::uint32_t index)
     const bool wasDrawn = index < m_lists.size() && m_lists[index].has(AcGiDisplayList::kBuilt);
     const AcGiDisplayList *const was = wasDrawn ? list(index, 0) : nullptr;
     m_everythingChanged = changed.size() >= kMost || (wasDrawn && !was);
+    if (was && m_lists[index].has(AcGiDisplayList::kViewDependent)) {
+        const AcGiViewport &view = m_slots[0].view;
+        m_everythingChanged = m_everythingChanged || (m_changedIn && !looksTheSame(*m_changedIn, view));
+        m_changedIn = view;
+    }
     changed.emplace(index, was ? *was : AcGiDisplayList());
 }
 
@@ -243,12 +254,6 @@ AcGiDisplayList AcGiDisplayCache::blockList(AcDbObjectId record)
 
 // Showing ----------------------------------------------------------------------------------------
 
-static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)
-{
-    return a.height == b.height && a.twist == b.twist && a.direction == b.direction &&
-           a.pixelWidth == b.pixelWidth && a.pixelHeight == b.pixelHeight && a.paperSpace == b.paperSpace;
-}
-
 void AcGiDisplayCache::openSlot(AcDbObjectId space, const AcGiViewport &view, int number)
 {
     m_slot = number;
@@ -310,21 +315,21 @@ const std::vector<std::uint32_t> &AcGiDisplayCache::order(AcDbObjectId space,
     return order.sorted.empty() ? entities : order.sorted;
 }
 
-/// The part of the world's plane that a plan view shows, with room for the width of lines.
-static AcDbExtents visiblePlane(const AcGiViewport &view)
+/// The part of the world's plane that a plan view shows there.
+static AcDbExtents visiblePlane(const AcGiViewport &view, const QRectF &part)
 {
-    constexpr double kMargin = 16.0;
     const AcGeMatrix3d toWorld = view.worldToPixel().inverse();
     AcDbExtents box;
-    for (const double x : {-kMargin, view.pixelWidth + kMargin}) {
-        for (const double y : {-kMargin, view.pixelHeight + kMargin})
+    for (const double x : {part.left(), part.right()}) {
+        for (const double y : {part.top(), part.bottom()})
             box.addPoint(toWorld * AcGePoint3d(x, y, 0.0));
     }
     return box;
 }
 
-AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &view, int slot,
-                                      const std::function<bool()> &isCancelled, AcGiPaintReport &report)
+AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part,
+                                      int slot, const std::function<bool()> &isCancelled,
+                                      AcGiPaintReport &report)
 {
     AcGiShownSpace shown;
     shown.isPlan = view.isPlan();
@@ -334,7 +339,7 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
         return shown;
     grow();
     openSlot(space, view, slot);
-    const AcDbExtents plane = visiblePlane(view);
+    const AcDbExtents plane = visiblePlane(view, part);
     const AcGePoint3d &low = plane.minPoint();
     const AcGePoint3d &high = plane.maxPoint();
     const auto isSeen = [&](const AcGiDisplayList &list) {
@@ -350,7 +355,8 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
             report.cancelled = true;
             return shown;
         }
-        if (m_database.stub(index)->has(AcDbStub::kErased))
+        // Erased ones have lost their list.
+        if (!m_lists[index].has(AcGiDisplayList::kBuilt) && m_database.stub(index)->has(AcDbStub::kErased))
             continue;
         const AcGiDisplayList &list = ensure(index);
         const bool seen = isSeen(list);
@@ -415,7 +421,9 @@ bool AcGiDisplayCache::prepare(AcDbObjectId space, const AcGiViewport &view, int
 AcGiChangedBoxes AcGiDisplayCache::takeChanges(AcDbObjectId space, const AcGiViewport &view)
 {
     AcGiChangedBoxes taken;
-    taken.everything = std::exchange(m_everythingChanged, false);
+    const std::optional<AcGiViewport> changedIn = std::exchange(m_changedIn, std::nullopt);
+    taken.everything =
+        std::exchange(m_everythingChanged, false) || (changedIn && !looksTheSame(*changedIn, view));
     const auto add = [&](const AcGiDisplayList &list) {
         if (list.size == 0)
             return;

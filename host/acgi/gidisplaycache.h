@@ -10,6 +10,7 @@
 #include <QHash>
 
 #include <array>
+#include <optional>
 #include <unordered_set>
 
 /// Boxes of what looks different, in the world's plane.
@@ -28,8 +29,9 @@ public:
 
     /// Makes the lists of the space that are missing, and gives those that the view has to do with. Views
     /// that are shown at the same time have different slots; lists that depend on the view are made again
-    /// when the view of their slot changes. `isCancelled` may end this early.
-    AcGiShownSpace show(AcDbObjectId space, const AcGiViewport &view, int slot,
+    /// when the view of their slot changes. `part` is the part of the view that counts, pixels. `isCancelled`
+    /// may end this early.
+    AcGiShownSpace show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part, int slot,
                         const std::function<bool()> &isCancelled, AcGiPaintReport &report);
     /// Makes lists of the space that are missing, until the time is over. True when none is missing.
     bool prepare(AcDbObjectId space, const AcGiViewport &view, int slot, const QDeadlineTimer &until);
@@ -106,6 +108,8 @@ private:
     std::function<void()> m_changes;
     std::unordered_map<std::uint32_t, Progress> m_progress; ///< By the index of the space.
     bool m_everythingChanged = false;
+    std::optional<AcGiViewport>
+        m_changedIn; ///< The view that changed lists were made for, when that matters.
     AcGiListTables m_tables;
     AcGiListStore m_store;
     std::vector<AcGiDisplayList> m_lists; ///< By stub index, of entities and of block records.

@@ -68,6 +68,13 @@ static QRectF withMargin(const QRectF &visible, double margin)
     return visible.adjusted(-margin, -margin, margin, margin);
 }
 
+static void prefetch(const void *memory)
+{
+#if defined(__GNUC__)
+    __builtin_prefetch(memory);
+#endif
+}
+
 void AcGiListPainter::paint(const AcGiShownSpace &space, const AcGeMatrix3d &toPixel, double pixelsPerUnit)
 {
     m_frame.toPixel = toPixel;
@@ -76,7 +83,14 @@ void AcGiListPainter::paint(const AcGiShownSpace &space, const AcGeMatrix3d &toP
     m_penNumber = ~0u;
     m_margin = m_frame.pens->margin(pixelsPerUnit);
     const QRectF shown = withMargin(m_canvas.visible(), m_margin);
-    for (const AcGiDisplayList *const shownList : space.lists) {
+    constexpr std::size_t kAhead = 6;
+    for (std::size_t i = 0; i < space.lists.size(); ++i) {
+        // Lists lie scattered: the memory gets a little time to bring the next ones.
+        if (i + 2 * kAhead < space.lists.size()) {
+            prefetch(space.lists[i + 2 * kAhead]);
+            prefetch(space.lists[i + kAhead]->words);
+        }
+        const AcGiDisplayList *const shownList = space.lists[i];
         if (!goesOn())
             return;
         if (space.isPlan && shownList->hasBox() && !shownList->has(AcGiDisplayList::kEndless)) {

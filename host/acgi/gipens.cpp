@@ -201,8 +201,8 @@ void AcGiPens::add(const std::deque<AcGiTraits> &traits, std::vector<Known> &kno
 
 double AcGiPens::margin(double pixelsPerUnit) const
 {
-    // No lineweight of a screen is wider, and nothing that sticks out further is worth looking at every list.
-    constexpr double kLeast = 16.0;
+    // Antialiasing takes a pixel; what sticks out very far is not worth looking at every list.
+    constexpr double kLeast = 3.0;
     constexpr double kMost = 400.0;
     const double reach = m_tables.linetypeReach() * m_largestScale * pixelsPerUnit;
     return std::clamp(std::max(double(m_widest) / 2.0 + 2.0, reach), kLeast, kMost);

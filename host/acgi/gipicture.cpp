@@ -21,6 +21,9 @@ void AcGiGlyphMaskPool::give(std::unique_ptr<AcGiGlyphMasks> masks)
     m_idle.push_back(std::move(masks));
 }
 
+/// Room for what is only known once its lists are made, pixels.
+static constexpr double kMargin = 16.0;
+
 // What is shown ----------------------------------------------------------------------------------
 
 AcGiPicture::AcGiPicture(const AcGiPictureSources &sources, const AcGiViewport &view,
@@ -53,7 +56,7 @@ bool acgiIsShown(const AcGiViewportPicture &picture, AcDbObjectId sheet)
            picture.space.isValid() && picture.space != sheet;
 }
 
-void AcGiPicture::showViewports(AcDbObjectId space)
+void AcGiPicture::showViewports(AcDbObjectId space, double margin)
 {
     const AcGiListTables &tables = m_sources.cache.tables();
     for (const std::uint32_t number : m_sources.cache.viewportsOf(space)) {
@@ -61,8 +64,10 @@ void AcGiPicture::showViewports(AcDbObjectId space)
         if (!acgiIsShown(picture, space))
             continue;
         ShownViewport &shown = m_viewports[number];
-        shown.space = m_sources.cache.show(picture.space, acgiViewOf(picture, m_view), int(number) + 1,
-                                           m_options.isCancelled, m_report);
+        const AcGiViewport view = acgiViewOf(picture, m_view);
+        const QRectF all(-margin, -margin, view.pixelWidth + 2.0 * margin, view.pixelHeight + 2.0 * margin);
+        shown.space =
+            m_sources.cache.show(picture.space, view, all, int(number) + 1, m_options.isCancelled, m_report);
         shown.pens = std::make_unique<AcGiPens>(m_sources.tables, m_options, picture.frozenLayers);
     }
     // All traits are known only now.
@@ -72,8 +77,12 @@ void AcGiPicture::showViewports(AcDbObjectId space)
 
 void AcGiPicture::takeSpace(AcDbObjectId space)
 {
-    m_shown = m_sources.cache.show(space, m_view, 0, m_options.isCancelled, m_report);
-    showViewports(space);
+    m_pens.add(m_sources.cache.tables().traits());
+    const double margin = std::max(kMargin, m_pens.margin(1.0 / m_view.pixelSize()));
+    const QRectF part = m_options.part.isEmpty() ? wholeView() : QRectF(m_options.part);
+    m_shown = m_sources.cache.show(space, m_view, part.adjusted(-margin, -margin, margin, margin), 0,
+                                   m_options.isCancelled, m_report);
+    showViewports(space, margin);
     m_report.painted = m_shown.lists.size();
     m_pens.add(m_sources.cache.tables().traits());
     findImages(m_sources.cache.tables());
@@ -128,7 +137,7 @@ const AcGiPens *AcGiPicture::viewportPens(std::uint32_t number) const
     return found == m_viewports.end() ? nullptr : found->second.pens.get();
 }
 
-// Bands ------------------------------------------------------------------------------------------
+// Tiles ------------------------------------------------------------------------------------------
 
 QRect AcGiPicture::area(const QSize &device) const
 {
@@ -137,80 +146,128 @@ QRect AcGiPicture::area(const QSize &device) const
     return m_options.part.isEmpty() ? whole : whole & m_options.part;
 }
 
-/// Several bands to a thread, since most of the work may lie in a few of them.
-void AcGiPicture::splitIntoBands(const QRect &area)
+static AcGiTileGrid gridOf(const QRect &area, int columns, int rows)
 {
-    constexpr std::size_t kWorthBands = 1000;
-    constexpr int kLeastRows = 48;
-    constexpr int kMostBands = 16;
-    const int count = m_shown.lists.size() > kWorthBands && std::thread::hardware_concurrency() > 1
-                          ? std::clamp(area.height() / kLeastRows, 1, kMostBands)
-                          : 1;
-    const int rows = (area.height() + count - 1) / count;
-    m_bands.clear();
-    for (int top = area.top(); top <= area.bottom(); top += rows) {
-        Band &band = m_bands.emplace_back();
-        band.area = QRect(area.left(), top, area.width(), std::min(rows, area.bottom() + 1 - top));
-        band.shown.isPlan = m_shown.isPlan;
-        band.shown.slot = m_shown.slot;
-    }
-    if (m_bands.size() == 1) {
-        m_bands.front().shown.lists = m_shown.lists;
-        return;
-    }
+    return {area, (area.width() + columns - 1) / columns, (area.height() + rows - 1) / rows};
+}
+
+/// The tiles from which and to which the box reaches; empty when it lies outside.
+static QRect tilesOf(const AcGiTileGrid &grid, const QRectF &box)
+{
+    const auto tile = [](double from, double size, int most) {
+        return int(std::clamp(std::floor(from / size), -1.0, double(most)));
+    };
+    const int columns = grid.columns();
+    const int rows = grid.rows();
+    const QPoint first(tile(box.left() - grid.area.left(), grid.width, columns),
+                       tile(box.top() - grid.area.top(), grid.height, rows));
+    const QPoint last(tile(box.right() - grid.area.left(), grid.width, columns),
+                      tile(box.bottom() - grid.area.top(), grid.height, rows));
+    return QRect(first, last) & QRect(0, 0, columns, rows);
+}
+
+/// Where the lists lie, in pixels; everywhere when that is not known.
+std::vector<QRectF> AcGiPicture::boxes(const QRect &area) const
+{
     const AcGeMatrix3d toPixel = m_view.worldToPixel();
     const double margin = m_pens.margin(1.0 / m_view.pixelSize());
-    const auto bandAt = [&](double y) {
-        return std::size_t(std::clamp((y - area.top()) / rows, 0.0, double(m_bands.size() - 1)));
-    };
+    std::vector<QRectF> boxes;
+    boxes.reserve(m_shown.lists.size());
     for (const AcGiDisplayList *const list : m_shown.lists) {
-        std::size_t first = 0;
-        std::size_t last = m_bands.size() - 1;
-        if (m_shown.isPlan && list->hasBox() && !list->has(AcGiDisplayList::kEndless)) {
-            const QRectF box = acgiPixelBox(toPixel, list->box);
-            if (box.bottom() < area.top() - margin || box.top() > area.bottom() + 1 + margin ||
-                box.right() < area.left() - margin || box.left() > area.right() + 1 + margin)
-                continue;
-            first = bandAt(box.top() - margin);
-            last = bandAt(box.bottom() + margin);
+        const bool isKnown = m_shown.isPlan && list->hasBox() && !list->has(AcGiDisplayList::kEndless);
+        boxes.push_back(isKnown ? acgiPixelBox(toPixel, list->box).adjusted(-margin, -margin, margin, margin)
+                                : QRectF(area));
+    }
+    return boxes;
+}
+
+/// Small tiles stay in the processor's cache; but what lies in many tiles is looked at in each of them.
+AcGiTileGrid AcGiPicture::chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const
+{
+    constexpr std::size_t kWorthTiles = 500;
+    constexpr int kTile = 256;
+    constexpr double kMostRepeated = 1.6;
+    constexpr double kReferenceWords = 1000.0;
+    const auto count = [](int pixels, int size) { return std::max(1, (pixels + size / 2) / size); };
+    if (boxes.size() < kWorthTiles)
+        return gridOf(area, 1, 1);
+    for (const int size : {kTile, 2 * kTile}) {
+        const AcGiTileGrid grid = gridOf(area, count(area.width(), size), count(area.height(), size));
+        double once = 0.0;
+        double repeated = 0.0;
+        for (std::size_t i = 0; i < boxes.size(); ++i) {
+            const AcGiDisplayList &list = *m_shown.lists[i];
+            const QRect tiles = tilesOf(grid, boxes[i]);
+            const double words = list.size + (list.has(AcGiDisplayList::kReferences) ? kReferenceWords : 0.0);
+            once += tiles.isEmpty() ? 0.0 : words;
+            repeated += words * tiles.width() * tiles.height();
         }
-        for (std::size_t band = first; band <= last; ++band)
-            m_bands[band].shown.lists.push_back(list);
+        if (repeated <= once * kMostRepeated)
+            return grid;
+    }
+    return gridOf(area, 1,
+                  std::thread::hardware_concurrency() > 1 ? std::min(8, count(area.height(), 64)) : 1);
+}
+
+void AcGiPicture::splitIntoTiles(const QRect &area)
+{
+    m_tiles.clear();
+    if (area.isEmpty())
+        return;
+    const std::vector<QRectF> boxes = this->boxes(area);
+    const AcGiTileGrid grid = chooseGrid(area, boxes);
+    const int columns = grid.columns();
+    m_tiles = std::vector<Tile>(std::size_t(columns) * std::size_t(grid.rows()));
+    for (int row = 0; row < grid.rows(); ++row) {
+        for (int column = 0; column < columns; ++column) {
+            Tile &tile = m_tiles[std::size_t(row * columns + column)];
+            tile.area = QRect(area.left() + column * grid.width, area.top() + row * grid.height, grid.width,
+                              grid.height) &
+                        area;
+            tile.shown.isPlan = m_shown.isPlan;
+            tile.shown.slot = m_shown.slot;
+        }
+    }
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        const QRect tiles = tilesOf(grid, boxes[i]);
+        for (int row = tiles.top(); row <= tiles.bottom(); ++row) {
+            for (int column = tiles.left(); column <= tiles.right(); ++column)
+                m_tiles[std::size_t(row * columns + column)].shown.lists.push_back(m_shown.lists[i]);
+        }
     }
 }
 
 // The pixels of the image itself: its painters must not be made to copy them.
 void AcGiPicture::aim(QImage &image)
 {
-    m_target = {const_cast<uchar *>(image.constBits()), image.bytesPerLine(), image.width(), image.format()};
+    m_target = {const_cast<uchar *>(image.constBits()), image.bytesPerLine(), image.format()};
 }
 
-void AcGiPicture::paintBand(Band &band, AcGiGlyphMasks &masks, bool asks)
+void AcGiPicture::paintTile(Tile &tile, AcGiGlyphMasks &masks, bool asks)
 {
-    const QRect &area = band.area;
-    uchar *const first = m_target.bits + area.top() * m_target.bytesPerLine;
-    QImage strip(first, m_target.width, area.height(), m_target.bytesPerLine, m_target.format);
-    QPainter painter(&strip);
-    painter.translate(0, -area.top());
-    if (area.width() < m_target.width)
-        painter.setClipRect(area);
+    const QRect &area = tile.area;
+    uchar *const first = m_target.bits + area.top() * m_target.bytesPerLine + area.left() * 4;
+    QImage pixels(first, area.width(), area.height(), m_target.bytesPerLine, m_target.format);
+    QPainter painter(&pixels);
+    painter.translate(-area.topLeft());
     if (m_options.fillBackground)
         painter.fillRect(area, m_options.background);
-    const AcGiPixels pixels{reinterpret_cast<std::uint32_t *>(first), m_target.bytesPerLine / 4, area.top(),
-                            m_target.width, area.height()};
-    paintPart(band, painter, pixels, masks, asks);
+    paintPart(tile, painter,
+              {reinterpret_cast<std::uint32_t *>(first), m_target.bytesPerLine / 4, area.left(), area.top(),
+               area.width(), area.height()},
+              masks, asks);
 }
 
-void AcGiPicture::paintPart(Band &band, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks,
+void AcGiPicture::paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks,
                             bool asks)
 {
-    const QRectF whole(0, 0, m_view.pixelWidth, m_view.pixelHeight);
-    AcGiCanvas canvas(painter, whole & QRectF(band.area), whole, pixels, m_options.antialiasing, masks);
+    const QRectF whole = wholeView();
+    AcGiCanvas canvas(painter, whole & QRectF(tile.area), whole, pixels, m_options.antialiasing, masks);
     AcGiListPainter lists(*this, canvas, m_pens, m_options, m_cancelled);
     if (asks)
         lists.setCancelQuestion(m_options.isCancelled);
-    lists.paint(band.shown, m_view.worldToPixel(), 1.0 / m_view.pixelSize());
-    band.undrawn = lists.undrawn();
+    lists.paint(tile.shown, m_view.worldToPixel(), 1.0 / m_view.pixelSize());
+    tile.undrawn = lists.undrawn();
 }
 
 // Threads ----------------------------------------------------------------------------------------
@@ -218,16 +275,16 @@ void AcGiPicture::paintPart(Band &band, QPainter &painter, const AcGiPixels &pix
 void AcGiPicture::work(bool asks)
 {
     std::unique_ptr<AcGiGlyphMasks> masks = m_sources.masks.take();
-    for (std::size_t band = m_nextBand++; band < m_bands.size() && !m_cancelled; band = m_nextBand++)
-        paintBand(m_bands[band], *masks, asks);
+    for (std::size_t tile = m_nextTile++; tile < m_tiles.size() && !m_cancelled; tile = m_nextTile++)
+        paintTile(m_tiles[tile], *masks, asks);
     m_sources.masks.give(std::move(masks));
     if (--m_working == 0 && m_finished && !m_cancelled)
         m_finished();
 }
 
-static std::size_t threadsFor(std::size_t bands)
+static std::size_t threadsFor(std::size_t tiles)
 {
-    return std::min<std::size_t>(bands, std::max(1u, std::thread::hardware_concurrency()));
+    return std::min<std::size_t>(tiles, std::max(1u, std::thread::hardware_concurrency()));
 }
 
 /// The image behind a painter whose coordinates are the pixels of the image.
@@ -247,25 +304,24 @@ void AcGiPicture::paint(QPainter &painter)
 {
     m_cancelled = m_report.cancelled;
     if (QImage *const image = plainImage(painter)) {
-        splitIntoBands(area(image->size()));
+        splitIntoTiles(area(image->size()));
         aim(*image);
-        m_working = threadsFor(m_bands.size());
-        for (std::size_t thread = 1; thread < threadsFor(m_bands.size()); ++thread)
+        m_working = threadsFor(m_tiles.size());
+        for (std::size_t thread = 1; thread < threadsFor(m_tiles.size()); ++thread)
             m_threads.emplace_back([this] { work(false); });
         work(true);
         m_threads.clear();
         return;
     }
-    Band &band = m_bands.emplace_back();
-    band.shown = m_shown;
-    band.area = area(QSize(1 << 24, 1 << 24));
+    Tile &tile = m_tiles.emplace_back();
+    tile.shown = m_shown;
+    tile.area = area(QSize(1 << 24, 1 << 24));
     painter.save();
-    painter.setClipRect(QRectF(band.area) & QRectF(0, 0, m_view.pixelWidth, m_view.pixelHeight),
-                        Qt::IntersectClip);
+    painter.setClipRect(QRectF(tile.area) & wholeView(), Qt::IntersectClip);
     if (m_options.fillBackground)
-        painter.fillRect(band.area, m_options.background);
+        painter.fillRect(tile.area, m_options.background);
     AcGiGlyphMasks masks;
-    paintPart(band, painter, {}, masks, true);
+    paintPart(tile, painter, {}, masks, true);
     painter.restore();
 }
 
@@ -274,12 +330,12 @@ void AcGiPicture::start(std::function<void()> finished)
     m_finished = std::move(finished);
     m_image =
         QImage(int(std::ceil(m_view.pixelWidth)), int(std::ceil(m_view.pixelHeight)), QImage::Format_RGB32);
-    splitIntoBands(area(m_image.size()));
+    splitIntoTiles(area(m_image.size()));
     aim(m_image);
-    m_working = threadsFor(m_bands.size());
-    if (m_bands.empty())
+    m_working = threadsFor(m_tiles.size());
+    if (m_tiles.empty())
         return m_finished();
-    for (std::size_t thread = 0; thread < threadsFor(m_bands.size()); ++thread)
+    for (std::size_t thread = 0; thread < threadsFor(m_tiles.size()); ++thread)
         m_threads.emplace_back([this] { work(false); });
 }
 
@@ -293,8 +349,8 @@ AcGiPaintReport AcGiPicture::report() const
 {
     AcGiPaintReport report = m_report;
     report.cancelled = m_cancelled;
-    for (const Band &band : m_bands) {
-        for (const auto &[reason, count] : band.undrawn) {
+    for (const Tile &tile : m_tiles) {
+        for (const auto &[reason, count] : tile.undrawn) {
             std::size_t &known = report.undrawn[reason];
             known = std::max(known, count);
         }

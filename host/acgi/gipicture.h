@@ -1,5 +1,5 @@
 // AcGiPicture: one picture while it is painted: the lists, viewports and pens that it is made of, and the
-// threads that paint its bands.
+// threads that paint its tiles.
 #pragma once
 
 #include "host/acgi/gidisplaycache.h"
@@ -25,6 +25,15 @@ struct AcGiPictureSources {
     const AcGiDrawingTables &tables;
     AcGiImages &images;
     AcGiGlyphMaskPool &masks;
+};
+
+/// An area of pixels in tiles of equal size; the last ones of a row or column may be smaller.
+struct AcGiTileGrid {
+    QRect area;
+    int width = 1;
+    int height = 1;
+    int columns() const { return (area.width() + width - 1) / width; }
+    int rows() const { return (area.height() + height - 1) / height; }
 };
 
 class AcGiPicture final : public AcGiScene
@@ -65,8 +74,8 @@ private:
         AcGiShownSpace space;
         std::unique_ptr<AcGiPens> pens;
     };
-    /// Rows of the picture that one thread paints at a time.
-    struct Band {
+    /// A piece of the picture that one thread paints at a time.
+    struct Tile {
         QRect area;
         AcGiShownSpace shown;
         std::map<QString, std::size_t> undrawn;
@@ -75,18 +84,20 @@ private:
     struct Target {
         uchar *bits = nullptr;
         qsizetype bytesPerLine = 0;
-        int width = 0;
         QImage::Format format = QImage::Format_Invalid;
     };
 
     QRect area(const QSize &device) const;
-    void showViewports(AcDbObjectId space);
+    QRectF wholeView() const { return {0, 0, m_view.pixelWidth, m_view.pixelHeight}; }
+    void showViewports(AcDbObjectId space, double margin);
     void findImages(const AcGiListTables &tables);
-    void splitIntoBands(const QRect &area);
+    std::vector<QRectF> boxes(const QRect &area) const;
+    AcGiTileGrid chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const;
+    void splitIntoTiles(const QRect &area);
     void aim(QImage &image);
     void work(bool asks);
-    void paintBand(Band &band, AcGiGlyphMasks &masks, bool asks);
-    void paintPart(Band &band, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks, bool asks);
+    void paintTile(Tile &tile, AcGiGlyphMasks &masks, bool asks);
+    void paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks, bool asks);
 
     AcGiPictureSources m_sources;
     AcGiViewport m_view;
@@ -95,12 +106,12 @@ private:
     std::map<std::uint32_t, ShownViewport> m_viewports;
     const AcGiListTables *m_ownTables = nullptr;
     AcGiPens m_pens;
-    AcGiPaintReport m_report; ///< Without what the bands found.
+    AcGiPaintReport m_report; ///< Without what the tiles found.
 
     QImage m_image;
     Target m_target;
-    std::vector<Band> m_bands;
-    std::atomic<std::size_t> m_nextBand = 0;
+    std::vector<Tile> m_tiles;
+    std::atomic<std::size_t> m_nextTile = 0;
     std::atomic<std::size_t> m_working = 0;
     std::atomic<bool> m_cancelled = false;
     std::function<void()> m_finished;
