@@ -91,7 +91,6 @@ bool Overlay::run()
     QEventLoop loop;
     m_loop = &loop;
     show();
-    raise();
     activateWindow();
     setFocus();
     loop.exec();
@@ -117,6 +116,7 @@ void Overlay::done()
         return leave(true);
     QMessageBox::warning(this, windowTitle(),
                          tr("草图无法保存，请重试或取消。\n%1").arg(written.error().text()));
+    activateWindow();
 }
 
 void Overlay::cancel()
