@@ -44,14 +44,17 @@ void setOutlineVertices(QuillnoteObj3 &mark, std::span<const AcGePoint3d> points
     mark.vertexCount = static_cast<std::int16_t>(count);
     std::ranges::transform(points.first(count), mark.vertices.begin(), onPlane);
 
+    // Not by a matrix: the corners of an outline along the world's axes are to be exactly its own.
     const MarkAxes axes = markAxes(mark);
-    const AcGeMatrix3d toWorld = AcGeMatrix3d::fromAxes({}, axes.right, axes.up, axes.normal);
-    const AcGeMatrix3d toMark = toWorld.inverse();
+    const AcGeVector3d up = axes.normal.crossProduct(axes.right);
     AcDbExtents box;
     for (const AcGePoint3d &vertex : std::span(mark.vertices).first(count))
-        box.addPoint(toMark * vertex);
-    mark.targetCorner1 = toWorld * box.minPoint();
-    mark.targetCorner2 = toWorld * box.maxPoint();
+        box.addPoint({vertex.asVector().dotProduct(axes.right), vertex.asVector().dotProduct(up), 0.0});
+    const auto toWorld = [&](const AcGePoint3d &place) {
+        return onPlane(AcGePoint3d() + axes.right * place.x + up * place.y);
+    };
+    mark.targetCorner1 = toWorld(box.minPoint());
+    mark.targetCorner2 = toWorld(box.maxPoint());
     completeTargetCorners(mark);
 }
 
