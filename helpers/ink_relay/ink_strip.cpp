@@ -27,7 +27,7 @@ static const char *const kStyle = R"(
     QToolButton:checked { background: rgba(138, 180, 248, 75); border-color: #8ab4f8; }
     QToolButton#done { background: #1a73e8; }
     QToolButton#done:hover { background: #3b8bf2; }
-    QToolButton#done, QToolButton#cancel { padding: 3px 9px 3px 5px; }
+    QToolButton#done, QToolButton#cancel { padding: 3px 4px; }
     QFrame#separator { background: rgba(255, 255, 255, 45); border: none; }
 )";
 

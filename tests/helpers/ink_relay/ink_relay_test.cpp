@@ -46,13 +46,14 @@ struct InkRelay : testing::Test {
     /// What the library returns when a person does this; the person ends with Enter when not said otherwise.
     int sketch(const std::function<void(QWidget &overlay)> &person, Qt::Key last = Qt::Key_Return) const
     {
+        const QObject call; // Its end ends the watch.
+        QTimer::singleShot(20'000, &call, [] {
+            ADD_FAILURE() << "the overlay stays open";
+            QApplication::closeAllWindows();
+        });
         QTimer::singleShot(0, [&] {
             QWidget *overlay = QApplication::activeModalWidget();
             ASSERT_TRUE(overlay && QTest::qWaitForWindowActive(overlay));
-            QTimer::singleShot(5000, overlay, [overlay] {
-                ADD_FAILURE() << "the overlay stays open";
-                overlay->close();
-            });
             person(*overlay);
             if (last != Qt::Key_unknown)
                 QTest::keyClick(overlay, last);
