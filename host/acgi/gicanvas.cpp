@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 /// QPainter is exact and quick only for coordinates of moderate size.
 static constexpr double kFarPixel = 30000.0;
@@ -214,15 +217,48 @@ void AcGiCanvas::dot(QPointF point)
 
 // Pixels -----------------------------------------------------------------------------------------
 
-/// Moves the pixel towards the opaque `source` by coverage / 256, two channels at a time.
+/// Moves the pixel towards the opaque `source` by coverage / 256. One formula for all: what a pixel becomes
+/// must not depend on the way it is reached.
 static inline void mix(std::uint32_t &pixel, std::uint32_t source, std::uint32_t coverage)
 {
-    constexpr std::uint32_t kEven = 0x00FF00FFu;
-    const std::uint32_t even = pixel & kEven;
-    const std::uint32_t odd = pixel >> 8 & kEven;
-    const std::uint32_t mixedEven = (((source & kEven) - even) * coverage >> 8) + even;
-    const std::uint32_t mixedOdd = (((source >> 8 & kEven) - odd) * coverage >> 8) + odd;
-    pixel = (mixedEven & kEven) | (mixedOdd & kEven) << 8;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i was = _mm_unpacklo_epi8(_mm_cvtsi32_si128(int(pixel)), zero);
+    const __m128i wanted = _mm_unpacklo_epi8(_mm_cvtsi32_si128(int(source)), zero);
+    const __m128i step = _mm_mullo_epi16(_mm_sub_epi16(wanted, was), _mm_set1_epi16(short(coverage)));
+    const __m128i mixed = _mm_and_si128(_mm_add_epi16(_mm_srli_epi16(step, 8), was), _mm_set1_epi16(0xFF));
+    pixel = std::uint32_t(_mm_cvtsi128_si32(_mm_packus_epi16(mixed, zero)));
+#else
+    std::uint32_t mixed = 0;
+    for (const int shift : {0, 8, 16, 24}) {
+        const std::uint32_t was = pixel >> shift & 0xFF;
+        const std::uint32_t step = ((source >> shift & 0xFF) - was) * coverage & 0xFFFF;
+        mixed |= ((step >> 8) + was & 0xFF) << shift;
+    }
+    pixel = mixed;
+#endif
+}
+
+/// mix() for two pixels at once.
+static inline void mixPair(std::uint32_t &one, std::uint32_t &other, std::uint32_t source,
+                           std::uint32_t coverageOne, std::uint32_t coverageOther)
+{
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i both = _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(one)), _mm_cvtsi32_si128(int(other)));
+    const __m128i was = _mm_unpacklo_epi8(both, zero);
+    const __m128i wanted = _mm_unpacklo_epi8(_mm_set1_epi32(int(source)), zero);
+    const __m128i coverage =
+        _mm_unpacklo_epi64(_mm_set1_epi16(short(coverageOne)), _mm_set1_epi16(short(coverageOther)));
+    const __m128i step = _mm_mullo_epi16(_mm_sub_epi16(wanted, was), coverage);
+    const __m128i mixed = _mm_and_si128(_mm_add_epi16(_mm_srli_epi16(step, 8), was), _mm_set1_epi16(0xFF));
+    const __m128i packed = _mm_packus_epi16(mixed, zero);
+    one = std::uint32_t(_mm_cvtsi128_si32(packed));
+    other = std::uint32_t(_mm_cvtsi128_si32(_mm_srli_epi64(packed, 32)));
+#else
+    mix(one, source, coverageOne);
+    mix(other, source, coverageOther);
+#endif
 }
 
 /// For numbers of the size of pixels; std::floor() is a call.
@@ -309,11 +345,13 @@ void AcGiCanvas::slope(double x0, double y0, double x1, double y1)
     if (m_antialiasing && std::min(firstPlace, lastPlace) >> 32 >= lowest &&
         std::max(firstPlace, lastPlace) >> 32 < highest) {
         std::uint32_t *pixel = pixelAt(0, 0) + first * along;
+        // Writing pixels could change members, for all that the compiler knows.
+        const std::uint32_t source = m_source;
+        const std::uint32_t opacity = m_opacity;
         const auto mark = [&](std::int64_t at) {
-            const std::uint32_t share = std::uint32_t(at >> 24 & 0xFF) * m_opacity >> 8;
+            const std::uint32_t share = std::uint32_t(at >> 24 & 0xFF) * opacity >> 8;
             std::uint32_t *const nearest = pixel + (at >> 32) * across;
-            mix(nearest[0], m_source, m_opacity - share);
-            mix(nearest[across], m_source, share);
+            mixPair(nearest[0], nearest[across], source, opacity - share, share);
             pixel += along;
         };
         mark(firstPlace);

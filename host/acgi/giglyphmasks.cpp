@@ -25,10 +25,25 @@ void AcGiGlyphMasks::setMatrix(const AcGiGlyphMatrix &matrix)
     constexpr std::size_t kMostBytes = 32 << 20;
     if (m_bytes > kMostBytes) {
         m_sets.clear();
+        m_recent = {};
         m_bytes = 0;
     }
     m_matrix = wanted;
     m_set = &m_sets[wanted];
+}
+
+/// Without the empty rows and columns around it: most of a small glyph's box is empty.
+static QRect usedPart(const QImage &image)
+{
+    QRect used;
+    for (int y = 0; y < image.height(); ++y) {
+        const uchar *const row = image.constScanLine(y);
+        for (int x = 0; x < image.width(); ++x) {
+            if (row[x] > 0)
+                used |= QRect(x, y, 1, 1);
+        }
+    }
+    return used;
 }
 
 static AcGiGlyphMask makeMask(const QPainterPath &path)
@@ -42,14 +57,15 @@ static AcGiGlyphMask makeMask(const QPainterPath &path)
     painter.translate(-box.topLeft());
     painter.fillPath(path, Qt::black);
     painter.end();
-    mask.left = box.left();
-    mask.top = box.top();
-    mask.width = box.width();
-    mask.height = box.height();
+    const QRect used = usedPart(image);
+    mask.left = box.left() + used.left();
+    mask.top = box.top() + used.top();
+    mask.width = used.width();
+    mask.height = used.height();
     mask.coverage.resize(std::size_t(mask.width) * std::size_t(mask.height));
     for (int y = 0; y < mask.height; ++y)
-        std::memcpy(&mask.coverage[std::size_t(y) * std::size_t(mask.width)], image.constScanLine(y),
-                    std::size_t(mask.width));
+        std::memcpy(mask.coverage.data() + std::ptrdiff_t(y) * mask.width,
+                    image.constScanLine(used.top() + y) + used.left(), std::size_t(mask.width));
     return mask;
 }
 
@@ -63,6 +79,9 @@ const AcGiGlyphMask &AcGiGlyphMasks::mask(const AcGiGlyph &glyph, QPointF &origi
     origin = {std::floor(x), std::floor(y)};
     const QPointF share(x - origin.x(), y - origin.y());
     const Key key{&glyph, std::uint32_t(share.x() * 4.0) * 4 + std::uint32_t(share.y() * 4.0)};
+    Recent &recent = m_recent[KeyHash()(key) % m_recent.size()];
+    if (recent.set == m_set && recent.key == key)
+        return *recent.mask;
     const auto [place, isNew] = m_set->try_emplace(key);
     if (isNew) {
         QPainterPath path = m_matrix.at(share).map(glyph.outline);
@@ -70,5 +89,6 @@ const AcGiGlyphMask &AcGiGlyphMasks::mask(const AcGiGlyph &glyph, QPointF &origi
         place->second = makeMask(path);
         m_bytes += place->second.coverage.size() + 128;
     }
+    recent = {m_set, key, &place->second};
     return place->second;
 }

@@ -5,6 +5,7 @@
 
 #include <QPointF>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
@@ -58,6 +59,13 @@ private:
 
     std::unordered_map<AcGiGlyphMatrix, Set, MatrixHash> m_sets;
     Set *m_set = nullptr;
+    /// The masks asked for last, found without a search.
+    struct Recent {
+        const Set *set = nullptr;
+        Key key{};
+        const AcGiGlyphMask *mask = nullptr;
+    };
+    std::array<Recent, 1024> m_recent;
     AcGiGlyphMatrix m_matrix;
     std::size_t m_bytes = 0;
 };

@@ -12,7 +12,8 @@
 
 static double length(QPointF vector)
 {
-    return std::hypot(vector.x(), vector.y());
+    // Lengths that a square root cannot take are not drawn anyway.
+    return std::sqrt(vector.x() * vector.x() + vector.y() * vector.y());
 }
 
 // Lines ------------------------------------------------------------------------------------------
@@ -132,6 +133,10 @@ void AcGiListPainter::arc(AcGiListReader &reader, bool shown)
     constexpr double kSmall = 4000.0;
     if (radius < 0.5)
         return m_canvas.dot(centre + u * std::cos(start) + v * std::sin(start));
+    // The sum of both radii is careful; of tiny arcs, of which drawings are full, the larger one will do.
+    constexpr double kTiny = 16.0;
+    if (radius < kTiny)
+        return smallArc(centre, u, v, start, sweep, std::max(length(u), length(v)));
     if (radius < kSmall || m_pen->linetype)
         return smallArc(centre, u, v, start, sweep, radius);
     constexpr int kPieces = 16;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 // Glyph masks ------------------------------------------------------------------------------------
 
@@ -21,6 +22,8 @@ void AcGiGlyphMaskPool::give(std::unique_ptr<AcGiGlyphMasks> masks)
     m_idle.push_back(std::move(masks));
 }
 
+/// Pixels; a tile of this size fits into the cache of one core.
+static constexpr int kTile = 256;
 /// Room for what is only known once its lists are made, pixels.
 static constexpr double kMargin = 16.0;
 
@@ -185,7 +188,6 @@ std::vector<QRectF> AcGiPicture::boxes(const QRect &area) const
 AcGiTileGrid AcGiPicture::chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const
 {
     constexpr std::size_t kWorthTiles = 500;
-    constexpr int kTile = 256;
     constexpr double kMostRepeated = 1.6;
     constexpr double kReferenceWords = 1000.0;
     const auto count = [](int pixels, int size) { return std::max(1, (pixels + size / 2) / size); };
@@ -243,28 +245,45 @@ void AcGiPicture::aim(QImage &image)
     m_target = {const_cast<uchar *>(image.constBits()), image.bytesPerLine(), image.format()};
 }
 
-void AcGiPicture::paintTile(Tile &tile, AcGiGlyphMasks &masks, bool asks)
+void AcGiPicture::paintTile(Tile &tile, Worker &worker)
 {
     const QRect &area = tile.area;
-    uchar *const first = m_target.bits + area.top() * m_target.bytesPerLine + area.left() * 4;
-    QImage pixels(first, area.width(), area.height(), m_target.bytesPerLine, m_target.format);
-    QPainter painter(&pixels);
-    painter.translate(-area.topLeft());
-    if (m_options.fillBackground)
-        painter.fillRect(area, m_options.background);
-    paintPart(tile, painter,
-              {reinterpret_cast<std::uint32_t *>(first), m_target.bytesPerLine / 4, area.left(), area.top(),
-               area.width(), area.height()},
-              masks, asks);
+    uchar *const target = m_target.bits + area.top() * m_target.bytesPerLine + area.left() * 4;
+    const std::size_t pixels = std::size_t(area.width()) * std::size_t(area.height());
+    // Rows that lie together keep the processor's caches from looking for each of them.
+    const bool isCopied = m_tiles.size() > 1 && pixels <= std::size_t(kTile) * kTile * 4;
+    const qsizetype bytesPerLine = isCopied ? qsizetype(area.width()) * 4 : m_target.bytesPerLine;
+    if (isCopied)
+        worker.pixels.resize(pixels);
+    uchar *const first = isCopied ? reinterpret_cast<uchar *>(worker.pixels.data()) : target;
+    const auto copyRows = [&](uchar *to, qsizetype toStep, const uchar *from, qsizetype fromStep) {
+        for (int row = 0; row < area.height(); ++row)
+            std::memcpy(to + row * toStep, from + row * fromStep, std::size_t(area.width()) * 4);
+    };
+    if (isCopied && !m_options.fillBackground)
+        copyRows(first, bytesPerLine, target, m_target.bytesPerLine);
+    {
+        QImage image(first, area.width(), area.height(), bytesPerLine, m_target.format);
+        QPainter painter(&image);
+        painter.translate(-area.topLeft());
+        if (m_options.fillBackground)
+            painter.fillRect(area, m_options.background);
+        paintPart(tile, painter,
+                  {reinterpret_cast<std::uint32_t *>(first), bytesPerLine / 4, area.left(), area.top(),
+                   area.width(), area.height()},
+                  worker);
+    }
+    if (isCopied)
+        copyRows(target, m_target.bytesPerLine, first, bytesPerLine);
 }
 
-void AcGiPicture::paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks,
-                            bool asks)
+void AcGiPicture::paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, Worker &worker)
 {
     const QRectF whole = wholeView();
-    AcGiCanvas canvas(painter, whole & QRectF(tile.area), whole, pixels, m_options.antialiasing, masks);
+    AcGiCanvas canvas(painter, whole & QRectF(tile.area), whole, pixels, m_options.antialiasing,
+                      *worker.masks);
     AcGiListPainter lists(*this, canvas, m_pens, m_options, m_cancelled);
-    if (asks)
+    if (worker.asks)
         lists.setCancelQuestion(m_options.isCancelled);
     lists.paint(tile.shown, m_view.worldToPixel(), 1.0 / m_view.pixelSize());
     tile.undrawn = lists.undrawn();
@@ -274,10 +293,10 @@ void AcGiPicture::paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pix
 
 void AcGiPicture::work(bool asks)
 {
-    std::unique_ptr<AcGiGlyphMasks> masks = m_sources.masks.take();
+    Worker worker{m_sources.masks.take(), {}, asks};
     for (std::size_t tile = m_nextTile++; tile < m_tiles.size() && !m_cancelled; tile = m_nextTile++)
-        paintTile(m_tiles[tile], *masks, asks);
-    m_sources.masks.give(std::move(masks));
+        paintTile(m_tiles[tile], worker);
+    m_sources.masks.give(std::move(worker.masks));
     if (--m_working == 0 && m_finished && !m_cancelled)
         m_finished();
 }
@@ -320,8 +339,8 @@ void AcGiPicture::paint(QPainter &painter)
     painter.setClipRect(QRectF(tile.area) & wholeView(), Qt::IntersectClip);
     if (m_options.fillBackground)
         painter.fillRect(tile.area, m_options.background);
-    AcGiGlyphMasks masks;
-    paintPart(tile, painter, {}, masks, true);
+    Worker worker{std::make_unique<AcGiGlyphMasks>(), {}, true};
+    paintPart(tile, painter, {}, worker);
     painter.restore();
 }
 

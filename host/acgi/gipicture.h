@@ -80,6 +80,12 @@ private:
         AcGiShownSpace shown;
         std::map<QString, std::size_t> undrawn;
     };
+    /// What a thread keeps from one tile to the next.
+    struct Worker {
+        std::unique_ptr<AcGiGlyphMasks> masks;
+        std::vector<std::uint32_t> pixels;
+        bool asks; ///< Whether the painting goes on.
+    };
     /// The pixels of an image, for several painters at once.
     struct Target {
         uchar *bits = nullptr;
@@ -96,8 +102,8 @@ private:
     void splitIntoTiles(const QRect &area);
     void aim(QImage &image);
     void work(bool asks);
-    void paintTile(Tile &tile, AcGiGlyphMasks &masks, bool asks);
-    void paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, AcGiGlyphMasks &masks, bool asks);
+    void paintTile(Tile &tile, Worker &worker);
+    void paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, Worker &worker);
 
     AcGiPictureSources m_sources;
     AcGiViewport m_view;
