@@ -72,7 +72,9 @@ void ViewGrips::paint(QPainter &painter, const AcGiViewport &view, const std::op
         if (!seen.contains(place.x, place.y))
             continue;
         const bool isHot = hot && grip.isEqualTo(*hot, view.pixelSize() / 2.0);
-        const QColor fill = isHot ? kHot : hovered && grip == *hovered ? kHovered : kCold;
+        const QColor fill = isHot                                                         ? kHot
+                            : hovered && grip.isEqualTo(*hovered, view.pixelSize() / 2.0) ? kHovered
+                                                                                          : kCold;
         const QRect square(int(std::lround(place.x)) - m_halfSize, int(std::lround(place.y)) - m_halfSize,
                            2 * m_halfSize, 2 * m_halfSize);
         painter.fillRect(square, fill);

@@ -63,14 +63,14 @@ void ViewHighlight::repaint()
     options.highlight = kChosen;
     QPainter painter(&image);
     acgiDisplay(*m_database).paintEntities(m_entities, m_view, painter, options);
-    // Lines that are two pixels wide stand out whatever their colour was.
     painter.end();
-    QImage wide = image;
-    QPainter widen(&wide);
-    widen.drawImage(1, 0, image);
-    widen.drawImage(0, 1, image);
-    widen.end();
-    m_image = wide;
+    m_image = image;
+    if (m_entities.size() <= kFew) {
+        // Lines that are two pixels wide stand out whatever their colour was.
+        QPainter widen(&m_image);
+        widen.drawImage(1, 0, image);
+        widen.drawImage(0, 1, image);
+    }
     m_imageView = m_view;
     Q_EMIT changed();
 }

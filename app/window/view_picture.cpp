@@ -12,7 +12,7 @@ namespace window
 /// As long as the window may stand still.
 static constexpr int kSlice = 15;           // Milliseconds, for making lists.
 static constexpr int kMostAtOnce = 30;      // Milliseconds, for painting.
-static constexpr double kFastEnough = 0.06; // Seconds: worth another try at once.
+static constexpr double kFastEnough = 0.06; // Seconds: worth doing at once again.
 /// Many small places are not worth painting one by one.
 static constexpr int kMostParts = 8;
 
@@ -104,7 +104,7 @@ void ViewPicture::show(const ViewSubject &subject)
     if (isOtherSpace)
         m_image = {};
     moveTo(subject.view);
-    if (!m_isOutOfDate && !m_missing.isEmpty())
+    if (!m_isOutOfDate && !m_missing.isEmpty() && m_partSeconds < kFastEnough)
         advance();
     finishSoon();
     Q_EMIT changed();
@@ -225,12 +225,15 @@ void ViewPicture::paintMissing()
     options.isCancelled = deadline();
     if (m_missing.rectCount() > kMostParts)
         m_missing = m_missing.boundingRect();
+    QElapsedTimer clock;
+    clock.start();
     const QRegion parts = m_missing;
     for (const QRect &part : parts) {
         options.part = part;
         QPainter painter(&m_image);
         const AcGiPaintReport report =
             acgiDisplay(*m_subject.database).paint(m_subject.space, m_imageView, painter, options);
+        m_partSeconds = double(clock.elapsed()) / 1000.0;
         if (report.cancelled) {
             paintBehind();
             return;

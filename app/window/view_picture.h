@@ -78,7 +78,8 @@ private:
     bool m_isOutOfDate = true;
     std::weak_ptr<bool> m_behind; ///< Alive while a picture is being painted in the background.
     AcGiViewport m_behindView;
-    double m_seconds = 0.0; ///< How long the last whole picture took.
+    double m_seconds = 0.0;     ///< How long the last whole picture took.
+    double m_partSeconds = 0.0; ///< And what came into view last.
     bool m_isBusy = false;
     QTimer m_next;
 };
