@@ -80,13 +80,13 @@ Acad::ErrorStatus AcDbMemoryFiler::readString(QString &value)
     value.clear();
     std::uint32_t units = 0;
     take(units);
-    QByteArray stored;
     if (m_status == Acad::eOk && units > std::uint32_t(m_stream.size() - m_position) / 2)
         m_status = Acad::eEndOfFile;
-    if (readBytes(stored, units * 2) != Acad::eOk)
+    if (m_status != Acad::eOk)
         return m_status;
     value.resize(qsizetype(units));
-    qFromLittleEndian<char16_t>(stored.constData(), qsizetype(units), value.data());
+    qFromLittleEndian<char16_t>(m_stream.constData() + m_position, qsizetype(units), value.data());
+    m_position += 2 * qsizetype(units);
     return m_status;
 }
 
@@ -161,9 +161,11 @@ Acad::ErrorStatus AcDbMemoryFiler::writeDouble(double value)
 
 Acad::ErrorStatus AcDbMemoryFiler::writeString(const QString &value)
 {
-    put(std::uint32_t(value.size()));
-    for (const QChar unit : value)
-        put(std::uint16_t(unit.unicode()));
+    if (put(std::uint32_t(value.size())) != Acad::eOk)
+        return m_status;
+    const qsizetype at = m_stream.size();
+    m_stream.resize(at + 2 * value.size());
+    qToLittleEndian<char16_t>(value.utf16(), value.size(), m_stream.data() + at);
     return m_status;
 }
 

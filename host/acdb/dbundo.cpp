@@ -6,6 +6,49 @@
 
 #include <algorithm>
 
+namespace
+{
+
+/// Files what undo keeps. Long bytes are not copied: the image shares them with the object, so a step that
+/// touches ten thousand pictures holds none of them twice.
+class UndoFiler : public AcDbMemoryFiler
+{
+public:
+    UndoFiler(AcDbDatabase *database, std::vector<QByteArray> &longBytes)
+        : AcDbMemoryFiler(AcDb::kUndoFiler, database), m_long(longBytes)
+    {
+    }
+    UndoFiler(AcDbDatabase *database, const QByteArray &stream, std::vector<QByteArray> longBytes)
+        : AcDbMemoryFiler(AcDb::kUndoFiler, database, stream), m_read(std::move(longBytes)), m_long(m_read)
+    {
+    }
+
+    Acad::ErrorStatus writeBytes(const QByteArray &value) override
+    {
+        if (value.size() < kLong)
+            return AcDbMemoryFiler::writeBytes(value);
+        m_long.push_back(value);
+        return filerStatus();
+    }
+    Acad::ErrorStatus readBytes(QByteArray &value, std::uint32_t size) override
+    {
+        if (size < kLong)
+            return AcDbMemoryFiler::readBytes(value, size);
+        QUILL_ASSERT(m_next < m_long.size() && m_long[m_next].size() == qsizetype(size));
+        value = m_long[m_next++];
+        return filerStatus();
+    }
+
+private:
+    static constexpr qsizetype kLong = 256;
+
+    std::vector<QByteArray> m_read;
+    std::vector<QByteArray> &m_long;
+    std::size_t m_next = 0;
+};
+
+} // namespace
+
 void AcDbUndo::beginGroup(const QString &label)
 {
     if (m_depth++ > 0)
@@ -91,7 +134,7 @@ AcDbUndo::Image AcDbUndo::capture(const AcDbStub &stub) const
     image.groups = object->m_groups;
     image.isProxy = object->m_isProxy;
     if (object->isCustom()) {
-        AcDbMemoryFiler filer(AcDb::kUndoFiler, &m_database);
+        UndoFiler filer(&m_database, image.longBytes);
         ++object->m_readers;
         object->dwgOutFields(&filer);
         --object->m_readers;
@@ -121,7 +164,7 @@ void AcDbUndo::restoreContent(AcDbStub &stub, const Image &image)
     object->m_groups = image.groups;
     if (!image.filed.isEmpty()) {
         object->m_writing = true;
-        AcDbMemoryFiler filer(AcDb::kUndoFiler, &m_database, image.filed);
+        UndoFiler filer(&m_database, image.filed, image.longBytes);
         object->dwgInFields(&filer);
         object->m_writing = false;
     }

@@ -5,6 +5,7 @@
 #include "host/acdb/dbdatabase.h"
 
 #include <optional>
+#include <vector>
 
 class AcDbUndo
 {
@@ -43,6 +44,7 @@ private:
         std::uint32_t owner = 0;
         ResbufList groups;
         QByteArray filed;
+        std::vector<QByteArray> longBytes; ///< Pictures and the like, in the order in which they are filed.
     };
     struct ObjectChange {
         AcDbStub *stub;
