@@ -4,6 +4,8 @@
 #include "quillnote/frame/settings/start_up_settings.h"
 #include "ui_106.h"
 
+#include <QApplication>
+
 enum Control : int { kPassword = 1032, kLabel = 1033 };
 
 CAskPassword::CAskPassword(QWidget *parent) : CAcUiDialog(parent), m_form(std::make_unique<Ui::AskPassword>())
@@ -26,7 +28,8 @@ QString CAskPassword::password() const
 
 static std::optional<QString> askPassword()
 {
-    CAskPassword prompt;
+    // Over the window that the user works in.
+    CAskPassword prompt(QApplication::activeWindow());
     if (prompt.doModal() != QDialog::Accepted)
         return {};
     return prompt.password();
