@@ -1,72 +1,21 @@
 // Making marks: picking, the record that comes out, its number and layer, and the one collector.
-#include "quillnote/authoring/collect_marks.h"
-#include "quillnote/authoring/create_mark.h"
 #include "quillnote/authoring/edit_mark.h"
 #include "quillnote/authoring/leader_text_box.h"
 #include "quillnote/authoring/mark_layer.h"
 #include "quillnote/authoring/pick_points.h"
 #include "quillnote/authoring/rectangle_mark.h"
-#include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_dictionary.h"
-#include "quillnote/entity/mark_record.h"
-#include "quillnote/entity/password.h"
-#include "quillnote/frame/reactors.h"
-#include "quillnote/frame/settings/settings.h"
-#include "quillnote/frame/settings/start_up_settings.h"
 #include "quillnote/snapshot/pending_snapshot.h"
-#include "quillnote/ui/ask_password.h"
 #include "quillnote/ui/mark_editor.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/acdb/dbundo.h"
-#include "host/aced/edcommands.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edsysvar.h"
-#include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
-#include "tests/support/memory_drawing.h"
-#include "tests/support/script_front_end.h"
+#include "tests/quillnote/authoring/authoring_fixture.h"
 
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
-
-struct AuthoringTest : testing::Test {
-    AuthoringTest()
-    {
-        acgiInstall();
-        acedRegisterHostCommands();
-        registerMarkClass();
-        createDocumentRegistry();
-        createReactors();
-        installPasswordPrompt();
-        passwordState().reset();
-        startUpSettings().reset();
-        for (const QStringView name : {u"useLayer", u"noPlotLayer"})
-            settings::setNumber(name, 0);
-        settings::setText(u"LayerName", u"");
-        settings::setText(u"chPwMD5", u"");
-        settings::setText(u"name", u"张工");
-        drawing = std::make_unique<tests::OpenDrawing>(tests::MemoryDrawing().open());
-    }
-    ~AuthoringTest() override
-    {
-        drawing.reset();
-        removePasswordPrompt();
-        deleteReactors();
-        unregisterMarkClass();
-    }
-    AcDbDatabase &database() const { return drawing->database(); }
-    AcDbObjectId make(const QString &reviewer = QStringLiteral("张工"), const QString &text = {}) const
-    {
-        NewMark request;
-        request.corner2 = {20, 10, 0};
-        request.reviewerName = reviewer;
-        request.opinionText = text;
-        return createMark(database(), request);
-    }
-    std::unique_ptr<tests::OpenDrawing> drawing;
-};
 
 TEST_F(AuthoringTest, CornersComeOutSortedAsTheUserSeesThem)
 {
@@ -114,10 +63,7 @@ TEST_F(AuthoringTest, PickingLeavesTheVariablesAsTheyWere)
 TEST_F(AuthoringTest, ACommandMakesOneMarkAndOneStep)
 {
     tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"门宽不足\"", "ok"});
-    acedRegCmds()->addCommand(QStringLiteral("T"), QStringLiteral("MARK"), QStringLiteral("MARK"),
-                              ACRX_CMD_MODAL, QN3_Quillnote);
-    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("MARK")), RTNORM);
-    acedRegCmds()->removeGroup(QStringLiteral("T"));
+    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("QN3_Quillnote")), RTNORM);
     const CollectedMarks marks = collectMarks(database());
     ASSERT_EQ(marks.ids.size(), 1U);
     {
