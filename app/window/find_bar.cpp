@@ -134,7 +134,7 @@ void FindBar::searchNow(const QString &wanted)
 /// The text with room around it, so that one sees where it stands.
 static void zoomTo(AcApDocument &document, AcDbObjectId id)
 {
-    constexpr double kRoom = 3.0; ///< Sizes of the text to each side.
+    constexpr double kRoom = 1.5; ///< Sizes of the text to each side.
     AcDbExtents box;
     AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (!entity || entity->getGeomExtents(box) != Acad::eOk || !box.isValid())

@@ -27,6 +27,10 @@ static QCommandLinkButton *link(const QString &what, const QString &description,
     button->setIcon(icon(iconName));
     button->setAccessibleName(what);
     button->setAccessibleDescription(description);
+    // As high as its text needs, never higher: the room below belongs to nobody.
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    policy.setHeightForWidth(true);
+    button->setSizePolicy(policy);
     return button;
 }
 

@@ -696,5 +696,21 @@
         <source>*取消*</source>
         <translation>*Cancel*</translation>
     </message>
+    <message>
+        <source>不能打开图形: %1</source>
+        <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>图形另存为</source>
+        <translation>Save Drawing As</translation>
+    </message>
+    <message>
+        <source>%1 的修改尚未保存。保存修改吗?</source>
+        <translation>%1 has changes that are not saved. Save them?</translation>
+    </message>
+    <message>
+        <source>不能保存图形: %1</source>
+        <translation>The drawing cannot be saved: %1</translation>
+    </message>
 </context>
 </TS>
