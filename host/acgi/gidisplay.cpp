@@ -143,6 +143,7 @@ void AcGiDisplay::Impl::deliver(unsigned painting)
 {
     if (painting != m_painting)
         return;
+    m_background->join();
     const QImage image = m_background->image();
     const AcGiPaintReport report = m_background->report();
     const auto done = std::exchange(m_done, nullptr);

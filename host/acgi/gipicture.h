@@ -57,7 +57,9 @@ public:
     /// the painting is stopped before. The lists must not change meanwhile.
     void start(std::function<void()> finished);
     void stop();
-    /// After start(), when it has finished.
+    /// Waits for the threads.
+    void join() { m_threads.clear(); }
+    /// After start() and join().
     const QImage &image() const { return m_image; }
     AcGiPaintReport report() const;
 
