@@ -40,7 +40,8 @@ QString dwgVersionName(std::string_view bytes)
 
 } // namespace
 
-base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QString &path)
+base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QString &path,
+                                                                     const base::Progress &progress)
 {
     auto bytes = base::readFileBytes(path);
     if (!bytes)
@@ -49,18 +50,19 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QStri
         return base::Failure{QStringLiteral("%1: DWG drawings of version %2 cannot be read")
                                  .arg(path, dwgVersionName(bytes->view()))};
     }
-    auto database = readDxf(*std::move(bytes), path);
+    auto database = readDxf(*std::move(bytes), path, progress);
     if (!database)
         return base::Failure{database.error().text()};
     return *std::move(database);
 }
 
-base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path)
+base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
+                                             const base::Progress &progress)
 {
     // The name is a promise to whoever opens the file next.
     if (path.endsWith(QLatin1String(".dwg"), Qt::CaseInsensitive))
         return base::Failure{QStringLiteral("%1: a DXF drawing cannot be saved as DWG").arg(path)};
-    const auto written = writeDxf(database, path);
+    const auto written = writeDxf(database, path, progress);
     if (!written)
         return base::Failure{written.error().text()};
     return {};

@@ -4,7 +4,10 @@
 #include "host/acap/docview.h"
 #include "host/acrx/rxmodule.h"
 #include "host/base/assert.h"
+#include "host/base/atomic_file.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -22,6 +25,9 @@ bool AcApDocument::isModified() const
 {
     return m_database->changeCount() != m_savedChangeCount;
 }
+
+/// No state of the drawing is the one in its file.
+static constexpr std::uint64_t kNeverSaved = ~std::uint64_t(0);
 
 /// One spelling for one file: absolute, links resolved when the file exists.
 static QString fullPath(const QString &path)
@@ -58,38 +64,28 @@ AcApDocument *AcApDocManager::document(const AcDbDatabase *database) const
 
 AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName)
 {
-    QUILL_ASSERT(database);
-    auto owned = std::make_unique<AcApDocument>();
-    AcApDocument *const added = owned.get();
-    added->m_database = std::move(database);
-    added->m_fileName = fileName;
+    auto document = std::make_unique<AcApDocument>();
+    document->m_database = std::move(database);
+    document->m_fileName = fileName;
+    return adopt(std::move(document));
+}
+
+AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcApDocument> document)
+{
+    QUILL_ASSERT(document->m_database);
+    AcApDocument *const added = document.get();
     added->m_savedChangeCount = added->m_database->changeCount();
-    if (fileName.isEmpty())
+    if (!added->isNamedDrawing())
         added->m_number = ++m_created;
     const AcDbObjectId space = added->m_database->currentSpaceId();
     acapRestoreView(*added->m_database, space, added->m_view);
     added->m_ucs = acapSavedUcs(*added->m_database, space);
-    m_documents.push_back(std::move(owned));
+    m_documents.push_back(std::move(document));
 
     notify([added](AcApDocManagerReactor &reactor) { reactor.documentCreated(added); });
     activateDocument(added);
     acrxDynamicLinker()->broadcast(AcRx::kLoadDwgMsg);
     return added;
-}
-
-base::Result<AcApDocument *, QString> AcApDocManager::openDocument(const QString &path)
-{
-    const QString file = fullPath(path);
-    for (const auto &opened : m_documents) {
-        if (opened->m_fileName == file) {
-            activateDocument(opened.get());
-            return opened.get();
-        }
-    }
-    auto database = acapReadDrawing(file);
-    if (!database)
-        return base::Failure{database.error()};
-    return adopt(std::move(*database), file);
 }
 
 AcApDocument *AcApDocManager::newDocument()
@@ -102,26 +98,197 @@ AcApDocument *AcApDocManager::addDocument(std::unique_ptr<AcDbDatabase> database
     return adopt(std::move(database), fileName);
 }
 
+// Opening and saving ------------------------------------------------------------------------------
+
+/// Runs `work(progress)`; the hook hears of it at most 30 times a second.
+template <class Work>
+auto AcApDocManager::withProgress(const QString &what, Work work)
+{
+    constexpr qint64 kMilliseconds = 33;
+    m_isBusy = true;
+    m_wasStopped = false;
+    bool told = false;
+    QElapsedTimer sinceTold;
+    const base::Progress progress = [&](double share) {
+        if (!m_progress || (told && sinceTold.elapsed() < kMilliseconds))
+            return true;
+        told = true;
+        sinceTold.start();
+        m_wasStopped = !m_progress(what, share);
+        return !m_wasStopped;
+    };
+    auto result = work(progress);
+    if (told)
+        m_progress({}, 1.0);
+    m_isBusy = false;
+    return result;
+}
+
+void AcApDocManager::lockFile(AcApDocument &document, AcApOpenAs as)
+{
+    document.m_lockRemark.clear();
+    document.m_barredBy.reset();
+    if (as == AcApOpenAs::readOnly) {
+        document.m_barredBy = acapForeignLock(document.m_fileName).value_or(AcApLockHolder());
+        return;
+    }
+    switch (document.m_fileLock.acquire(document.m_fileName, as == AcApOpenAs::takeOver)) {
+    case AcApFileLock::taken:
+        break;
+    case AcApFileLock::takenOver:
+        document.m_lockRemark = QStringLiteral("%1: the lock of %2 was taken over")
+                                    .arg(document.m_fileName, document.m_fileLock.holder().text());
+        break;
+    case AcApFileLock::refused:
+        document.m_barredBy = document.m_fileLock.holder();
+        document.m_lockRemark = QStringLiteral("%1: opened read-only, %2 has it open")
+                                    .arg(document.m_fileName, document.m_barredBy->text());
+        break;
+    case AcApFileLock::impossible:
+        document.m_lockRemark =
+            QStringLiteral("%1: the folder takes no lock file; others are not kept from editing it")
+                .arg(document.m_fileName);
+        break;
+    }
+}
+
+static QString busyReason(const QString &path)
+{
+    return QStringLiteral("%1: another drawing is being opened or saved").arg(path);
+}
+
+base::Result<std::unique_ptr<AcApDocument>, QString>
+AcApDocManager::load(const QString &name, const QString &content, AcApOpenAs as)
+{
+    if (m_isBusy)
+        return base::Failure{busyReason(content)};
+    auto document = std::make_unique<AcApDocument>();
+    document->m_fileName = name;
+    document->m_stamp = acapFileStamp(name); // Before reading: what is written meanwhile counts as a change.
+    if (m_locksFiles && document->m_stamp)
+        lockFile(*document, as);
+    auto database = withProgress(QStringLiteral("正在打开 %1").arg(QFileInfo(content).fileName()),
+                                 [&](const base::Progress &p) { return acapReadDrawing(content, p); });
+    if (!database)
+        return base::Failure{database.error()};
+    document->m_database = std::move(*database);
+    return document;
+}
+
+AcApDocument *AcApDocManager::documentOfFile(const QString &file) const
+{
+    for (const auto &candidate : m_documents) {
+        if (!file.isEmpty() && candidate->m_fileName == file)
+            return candidate.get();
+    }
+    return nullptr;
+}
+
+base::Result<AcApDocument *, QString> AcApDocManager::openDocument(const QString &path, AcApOpenAs as)
+{
+    const QString file = fullPath(path);
+    if (AcApDocument *const opened = documentOfFile(file)) {
+        activateDocument(opened);
+        return opened;
+    }
+    auto loaded = load(file, file, as);
+    if (!loaded)
+        return base::Failure{loaded.error()};
+    return adopt(std::move(*loaded));
+}
+
+base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &copy, const QString &original)
+{
+    const QString file = original.isEmpty() ? QString() : fullPath(original);
+    if (documentOfFile(file))
+        return base::Failure{QStringLiteral("%1: the drawing is open already").arg(file)};
+    auto loaded = load(file, copy, AcApOpenAs::editable);
+    if (!loaded)
+        return base::Failure{loaded.error()};
+    // Somebody worked on after the copy was made: his file is not the one that the copy grew from.
+    if ((*loaded)->m_stamp && QFileInfo(file).lastModified() > QFileInfo(copy).lastModified())
+        (*loaded)->m_stamp = AcApFileStamp();
+    AcApDocument *const opened = adopt(std::move(*loaded));
+    opened->m_savedChangeCount = kNeverSaved;
+    return opened;
+}
+
+AcApFileChange AcApDocManager::changedOnDisk(const AcApDocument &document) const
+{
+    if (!document.m_stamp)
+        return AcApFileChange::none;
+    const auto present = acapFileStamp(document.m_fileName);
+    if (!present)
+        return AcApFileChange::missing;
+    return present == document.m_stamp ? AcApFileChange::none : AcApFileChange::changed;
+}
+
+void AcApDocManager::acceptFileOnDisk(AcApDocument *document)
+{
+    document->m_stamp = acapFileStamp(document->m_fileName);
+}
+
+/// A lock counts against everybody who would write the file, scripts included.
+base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, const QString &target,
+                                                    AcApOverwriteChanged overwrite)
+{
+    if (const AcApDocument *const other = documentOfFile(target); other && other != &document)
+        return base::Failure{QStringLiteral("%1: the file is open as another document").arg(target)};
+    if (const auto holder = acapForeignLock(target))
+        return base::Failure{QStringLiteral("%1: %2 has it open for editing").arg(target, holder->text())};
+    if (target != document.m_fileName)
+        return {};
+    if (overwrite == AcApOverwriteChanged::no && changedOnDisk(document) == AcApFileChange::changed)
+        return base::Failure{
+            QStringLiteral("%1: somebody changed the file since it was opened, it is not overwritten")
+                .arg(target)};
+    if (document.isReadOnly())
+        lockFile(document, AcApOpenAs::editable); // He has left in the meantime.
+    return {};
+}
+
+/// After the file was written under the document's name, or under one that becomes its name.
+void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, std::uint64_t changeCount)
+{
+    const QString name = fullPath(target);
+    const bool isRenamed = std::exchange(document.m_fileName, name) != name;
+    document.m_savedChangeCount = changeCount;
+    document.m_stamp = acapFileStamp(name);
+    if (isRenamed) {
+        document.m_fileLock.release();
+        document.m_barredBy.reset();
+        if (m_locksFiles)
+            lockFile(document, AcApOpenAs::editable);
+    }
+    notify([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
+}
+
 base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document, const QString &path,
-                                                         bool copyOnly)
+                                                         bool copyOnly, AcApOverwriteChanged overwrite)
 {
     const QString target = path.isEmpty() ? document->m_fileName : fullPath(path);
     if (target.isEmpty())
         return base::Failure{
             QStringLiteral("%1: the drawing has no file name yet").arg(document->docTitle())};
-    for (const auto &other : m_documents) {
-        if (other.get() != document && other->m_fileName == target)
-            return base::Failure{QStringLiteral("%1: the file is open as another document").arg(target)};
-    }
-    const auto written = acapWriteDrawing(*document->m_database, target);
+    if (m_isBusy)
+        return base::Failure{busyReason(target)};
+    if (const auto checked = maySave(*document, target, overwrite); !checked)
+        return base::Failure{checked.error()};
+    const std::uint64_t changeCount = document->m_database->changeCount();
+    const auto written = withProgress(
+        QStringLiteral("正在保存 %1").arg(QFileInfo(target).fileName()),
+        [&](const base::Progress &p) { return acapWriteDrawing(*document->m_database, target, p); });
     if (!written)
         return base::Failure{written.error()};
-    if (!copyOnly) {
-        document->m_fileName = fullPath(target);
-        document->m_savedChangeCount = document->m_database->changeCount();
-    }
+    base::removeLeftTemporaryFiles(QFileInfo(target).path());
+    if (!copyOnly)
+        settleSaved(*document, target, changeCount);
+    else if (fullPath(target) == document->m_fileName)
+        document->m_stamp = acapFileStamp(target);
     return true;
 }
+
+// Current and closed ------------------------------------------------------------------------------
 
 void AcApDocManager::activateDocument(AcApDocument *document)
 {
@@ -139,7 +306,7 @@ void AcApDocManager::closeDocument(AcApDocument *document)
     const auto owner =
         std::find_if(m_documents.begin(), m_documents.end(),
                      [document](const auto &candidate) { return candidate.get() == document; });
-    if (owner == m_documents.end())
+    if (owner == m_documents.end() || m_isBusy)
         return;
     // Whoever is told while the document goes may still look at it as the current one.
     const bool wasCurrent = document == m_current;

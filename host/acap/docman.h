@@ -1,13 +1,18 @@
 // Documents: the drawings that are open, which one is current, who may write to it.
 #pragma once
 
+#include "host/acap/filelock.h"
+#include "host/acap/filestamp.h"
 #include "host/acdb/dbdatabase.h"
+#include "host/base/progress.h"
 #include "host/base/result.h"
 
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace AcAp
@@ -55,6 +60,13 @@ struct AcApEnteredViewport {
     int number = 0;        ///< CVPORT
 };
 
+/// How the file of an open drawing differs from what was read or last written.
+enum class AcApFileChange {
+    none,
+    changed, ///< Somebody wrote it.
+    missing,
+};
+
 class AcApDocument
 {
 public:
@@ -68,6 +80,13 @@ public:
     bool isModified() const;
 
     AcAp::DocLockMode lockMode() const { return m_lockMode; }
+
+    /// Somebody else edits the file: it is not saved under its own name while he does.
+    bool isReadOnly() const { return m_barredBy.has_value(); }
+    /// Who that was when the drawing was opened.
+    const std::optional<AcApLockHolder> &lockHolder() const { return m_barredBy; }
+    /// A sentence about the lock file that the user should see once; often empty.
+    const QString &lockRemark() const { return m_lockRemark; }
 
     /// Of the current space. In an entered viewport: how model space would have to be seen so that it lies on
     /// the screen as it does through the viewport.
@@ -92,6 +111,10 @@ private:
     QString m_fileName;
     int m_number = 1;
     std::uint64_t m_savedChangeCount = 0;
+    std::optional<AcApFileStamp> m_stamp; ///< Of the file as it was read or written.
+    AcApFileLock m_fileLock;
+    std::optional<AcApLockHolder> m_barredBy;
+    QString m_lockRemark;
     AcAp::DocLockMode m_lockMode = AcAp::kNone;
     std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
     AcApView m_view;
@@ -112,7 +135,18 @@ public:
     virtual void documentActivated(AcApDocument *) {}
     virtual void documentToBeDeactivated(AcApDocument *) {}
     virtual void documentLockModeChanged(AcApDocument *) {}
+    /// Written under its own name.
+    virtual void documentSaved(AcApDocument *) {}
 };
+
+/// What opening does about a drawing that somebody else edits, when files are locked.
+enum class AcApOpenAs {
+    editable, ///< Read-only if somebody else has it.
+    readOnly, ///< Without a lock of our own.
+    takeOver, ///< The other's lock is taken from him; he cannot save any more.
+};
+/// What saving does about a file that somebody wrote since it was read.
+enum class AcApOverwriteChanged { no, yes };
 
 /// All open documents. Opening tells the modules that a drawing was loaded (AcRx::kLoadDwgMsg).
 class AcApDocManager
@@ -128,15 +162,37 @@ public:
 
     /// Opens a drawing file (format by content) and makes it current. A file that is open already is
     /// made current. The error is a sentence with file, line and reason.
-    base::Result<AcApDocument *, QString> openDocument(const QString &path);
+    base::Result<AcApDocument *, QString> openDocument(const QString &path,
+                                                       AcApOpenAs as = AcApOpenAs::editable);
+    /// Opens the content of `copy` as unsaved changes of the drawing `original`, or of one without a name.
+    base::Result<AcApDocument *, QString> openCopy(const QString &copy, const QString &original);
     /// A new drawing from the built-in template.
     AcApDocument *newDocument();
     /// A document over a database made elsewhere (tests).
     AcApDocument *addDocument(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
-    /// Saves under the document's name or under `path`, which becomes its name unless `copyOnly`.
+    /// Saves under the document's name or under `path`, which becomes its name unless `copyOnly`. Refuses a
+    /// file that somebody else has open for editing, and the document's own when somebody wrote it since; the
+    /// error says who and what.
     base::Result<bool, QString> saveDocument(AcApDocument *document, const QString &path,
-                                             bool copyOnly = false);
-    /// Closes without saving.
+                                             bool copyOnly = false,
+                                             AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
+    AcApFileChange changedOnDisk(const AcApDocument &document) const;
+    /// The present file counts as seen: saving will replace it.
+    void acceptFileOnDisk(AcApDocument *document);
+    /// From now on drawings that are opened for editing get a lock file; the window wants that, scripts do
+    /// not.
+    void setLocksFiles(bool locks) { m_locksFiles = locks; }
+
+    /// Hears how far opening and saving are, at most 30 times a second, and with an empty text at the end.
+    /// False stops the work.
+    using ProgressHook = std::function<bool(const QString &what, double share)>;
+    void setProgress(ProgressHook hook) { m_progress = std::move(hook); }
+    /// The last opening or saving ended because progress said no.
+    bool wasStopped() const { return m_wasStopped; }
+    /// A drawing is being opened or saved; whoever is called from within must leave the documents alone.
+    bool isBusy() const { return m_isBusy; }
+
+    /// Closes without saving; while a drawing is being opened or saved it does nothing.
     void closeDocument(AcApDocument *document);
     void activateDocument(AcApDocument *document);
 
@@ -149,6 +205,16 @@ public:
 
 private:
     AcApDocument *adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
+    AcApDocument *adopt(std::unique_ptr<AcApDocument> document);
+    template <class Work>
+    auto withProgress(const QString &what, Work work);
+    base::Result<std::unique_ptr<AcApDocument>, QString> load(const QString &name, const QString &content,
+                                                              AcApOpenAs as);
+    AcApDocument *documentOfFile(const QString &file) const;
+    void lockFile(AcApDocument &document, AcApOpenAs as);
+    base::Result<void, QString> maySave(AcApDocument &document, const QString &target,
+                                        AcApOverwriteChanged overwrite);
+    void settleSaved(AcApDocument &document, const QString &target, std::uint64_t changeCount);
     void showLockMode(AcApDocument *document);
     template <class Notify>
     void notify(Notify event);
@@ -156,6 +222,10 @@ private:
     std::vector<std::unique_ptr<AcApDocument>> m_documents;
     AcApDocument *m_current = nullptr;
     int m_created = 0;
+    bool m_locksFiles = false;
+    bool m_isBusy = false;
+    bool m_wasStopped = false;
+    ProgressHook m_progress;
     std::vector<AcApDocManagerReactor *> m_reactors;
 };
 

@@ -1,0 +1,173 @@
+#include "host/acap/filelock.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static constexpr const char *kMark = "quillnote-lock 1";
+
+QString AcApLockHolder::text() const
+{
+    const QString who = user.isEmpty() ? QStringLiteral("somebody") : user;
+    const QString where = process.host.isEmpty() ? QString() : QStringLiteral(" on ") + process.host;
+    const QString when =
+        since.isValid()
+            ? QStringLiteral(" since ") + since.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
+            : QString();
+    return who + where + when;
+}
+
+QString acapLockFileName(const QString &drawing)
+{
+    const QFileInfo file(drawing);
+    return file.path() + QStringLiteral("/.") + file.fileName() + QStringLiteral(".quill-lock");
+}
+
+// The line in the file ----------------------------------------------------------------------------
+
+static QString userName()
+{
+    const passwd *const entry = ::getpwuid(::geteuid());
+    return entry ? QFile::decodeName(entry->pw_name) : QString::number(::geteuid());
+}
+
+static QByteArray lineOf(const AcApLockHolder &holder)
+{
+    const QStringList fields{QString::fromLatin1(kMark),
+                             holder.user,
+                             holder.process.host,
+                             QString::number(holder.process.pid),
+                             QString::number(holder.process.start),
+                             holder.since.toString(Qt::ISODate)};
+    return fields.join(u'\t').toUtf8() + '\n';
+}
+
+/// Whatever cannot be read stays empty: a lock of somebody, all the same.
+static AcApLockHolder holderOf(const QByteArray &line)
+{
+    const QStringList fields = QString::fromUtf8(line).trimmed().split(u'\t');
+    AcApLockHolder holder;
+    if (fields.value(0) != QLatin1String(kMark))
+        return holder;
+    holder.user = fields.value(1);
+    holder.process = {fields.value(2), fields.value(3).toLongLong(), fields.value(4).toULongLong()};
+    holder.since = QDateTime::fromString(fields.value(5), Qt::ISODate);
+    return holder;
+}
+
+static AcApLockHolder ourselves()
+{
+    return {userName(), acapThisProcess(), QDateTime::currentDateTimeUtc()};
+}
+
+// The file ----------------------------------------------------------------------------------------
+
+static QByteArray readLine(int file)
+{
+    QByteArray line(4096, Qt::Uninitialized);
+    const ssize_t count = ::pread(file, line.data(), std::size_t(line.size()), 0);
+    line.truncate(std::max<ssize_t>(count, 0));
+    return line;
+}
+
+static bool writeLine(int file, const AcApLockHolder &holder)
+{
+    const QByteArray line = lineOf(holder);
+    return ::ftruncate(file, 0) == 0 &&
+           ::pwrite(file, line.constData(), std::size_t(line.size()), 0) == line.size();
+}
+
+/// An empty file is one that somebody has just made; after a while it is one that he could not fill.
+static bool isEmptyForLong(int file)
+{
+    constexpr qint64 kSeconds = 10;
+    struct stat status;
+    return ::fstat(file, &status) == 0 && status.st_size == 0 &&
+           QDateTime::currentSecsSinceEpoch() - status.st_mtime > kSeconds;
+}
+
+static bool isStale(int file, const AcApLockHolder &holder)
+{
+    return acapIsGone(holder.process) || isEmptyForLong(file);
+}
+
+std::optional<AcApLockHolder> acapForeignLock(const QString &drawing)
+{
+    const QByteArray name = QFile::encodeName(acapLockFileName(drawing));
+    const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
+        return std::nullopt;
+    const AcApLockHolder holder = holderOf(readLine(file));
+    const bool bars = holder.process != acapThisProcess() && !isStale(file, holder);
+    ::close(file);
+    return bars ? std::optional(holder) : std::nullopt;
+}
+
+/// Two programs that find the same stale lock must not both get it: the file is held (flock) from the look at
+/// its line to the new line, and must still be the one beside the drawing.
+static AcApFileLock::Result takeOver(const QByteArray &name, bool force, AcApLockHolder &holder)
+{
+    const int file = ::open(name.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
+    if (file < 0) {
+        const int reader = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (reader < 0)
+            return AcApFileLock::impossible;
+        holder = holderOf(readLine(reader));
+        ::close(reader);
+        return acapIsGone(holder.process) || force ? AcApFileLock::impossible : AcApFileLock::refused;
+    }
+    ::flock(file, LOCK_EX);
+    holder = holderOf(readLine(file));
+    struct stat held;
+    struct stat named;
+    const bool isSame = ::fstat(file, &held) == 0 && ::stat(name.constData(), &named) == 0 &&
+                        held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+    AcApFileLock::Result result = AcApFileLock::refused;
+    if (isSame && (force || isStale(file, holder)))
+        result = writeLine(file, ourselves()) ? AcApFileLock::takenOver : AcApFileLock::impossible;
+    ::close(file);
+    return result;
+}
+
+AcApFileLock::Result AcApFileLock::acquire(const QString &drawing, bool force)
+{
+    release();
+    const QString path = acapLockFileName(drawing);
+    const QByteArray name = QFile::encodeName(path);
+    const int file = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    Result result = impossible;
+    if (file >= 0) {
+        result = writeLine(file, ourselves()) ? taken : impossible;
+        ::close(file);
+        if (result == impossible)
+            ::unlink(name.constData());
+    } else if (errno == EEXIST) {
+        result = takeOver(name, force, m_holder);
+    }
+    if (result == taken || result == takenOver)
+        m_file = path;
+    return result;
+}
+
+void AcApFileLock::release()
+{
+    if (m_file.isEmpty())
+        return;
+    // Somebody may have taken it over in the meantime.
+    const QByteArray name = QFile::encodeName(std::exchange(m_file, {}));
+    const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
+        return;
+    ::flock(file, LOCK_EX);
+    if (holderOf(readLine(file)).process == acapThisProcess())
+        ::unlink(name.constData());
+    ::close(file);
+}
