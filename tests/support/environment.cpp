@@ -21,6 +21,8 @@ Environment::Environment()
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         qputenv(variable, QFile::encodeName(folder));
     }
+    // Files without a folder belong to nobody.
+    QDir::setCurrent(m_scratch.path());
     QCoreApplication::setOrganizationName(QStringLiteral("quillnote"));
     QCoreApplication::setApplicationName(QStringLiteral("quillnote-tests"));
 }

@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QToolButton>
 
 TEST(MainWindow, FollowsTheDrawings)
@@ -64,6 +65,11 @@ TEST(MainWindow, FollowsTheDrawings)
         [&] {
             EXPECT_EQ(curDoc(), acDocManager()->documents().front().get());
             EXPECT_EQ(layouts->currentIndex(), 1);
+            auto *const panel = mainWindow.findChild<window::CommandLinePanel *>();
+            const int before = panel->height();
+            panel->toggleHistory();
+            QCoreApplication::processEvents();
+            EXPECT_GT(panel->height(), before + 50);
             session.front.giveText({});
         },
     });
