@@ -41,6 +41,9 @@ struct InkRelay : testing::Test {
           entry(library.function<decltype(&callInkRelay)>("callInkRelay"))
     {
         EXPECT_TRUE(entry) << qPrintable(library.error());
+        drawing.setStyleSheet(QStringLiteral("background: white"));
+        drawing.setGeometry(kArea);
+        drawing.show();
     }
 
     /// What the library returns when a person does this; the person ends with Enter when not said otherwise.
@@ -68,6 +71,7 @@ struct InkRelay : testing::Test {
         return sketch ? *sketch : sketch::Sketch();
     }
 
+    QWidget drawing; ///< What lies below.
     tests::TempDir folder;
     QString path = folder.path(QStringLiteral("QNS1.TMP"));
     os::HelperLibrary library;
@@ -308,10 +312,6 @@ static int missingInk(const QImage &a, const QImage &b, int reach)
 
 TEST_F(InkRelay, TheMarkLooksAsTheOverlayDid)
 {
-    QWidget below;
-    below.setStyleSheet(QStringLiteral("background: white"));
-    below.setGeometry(kArea);
-    below.show();
     QImage seen;
     const auto draw = [&](QWidget &overlay) {
         drag(overlay, {{50, 130}, {60, 160}, {90, 150}, {130, 120}, {170, 180}, {150, 210}});
@@ -366,6 +366,7 @@ TEST_F(InkRelay, ThePenOfATabletDrawsBetweenPixels)
 
 TEST_F(InkRelay, TheStripMovesAwayButNotOut)
 {
+    drawing.resize(kArea.width(), kArea.height() / 2 + 1); // The screen below is pictured, not one window.
     const auto draw = [](QWidget &overlay) {
         QWidget *strip = button(overlay, QStringLiteral("红色"))->parentWidget();
         const QPoint before = strip->pos();
@@ -393,5 +394,8 @@ TEST_F(InkRelay, CallsThatCannotBeServedAreRefused)
     EXPECT_EQ(entry(1, name.c_str(), 0, 0, 0, 100), 0);
     EXPECT_EQ(entry(1, name.c_str(), 0, 0, 100, -1), 0);
     EXPECT_EQ(entry(2, name.c_str(), 0, 0, 100, 100), 0);
+    drawing.hide();
+    EXPECT_EQ(entry(1, name.c_str(), kArea.x(), kArea.y(), kArea.width(), kArea.height()), 0)
+        << "nobody sees it";
     EXPECT_TRUE(folder.fileNames().isEmpty());
 }
