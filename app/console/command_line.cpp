@@ -46,6 +46,7 @@ struct CommandLine {
 
     std::vector<std::string> files;
     std::string script, output, key, name, value, file;
+    double autosave = -1.0;
     bool json = false, overwrite = false, echo = false, noModule = false;
     std::string drawing, layout, paper, size, window, background;
     bool all = false, monochrome = false, lineWeights = false;
@@ -88,6 +89,7 @@ void addRun(CommandLine &line)
         options.files = texts(line.files);
         options.output = text(line.output);
         options.overwrite = line.overwrite ? Overwrite::yes : Overwrite::no;
+        options.autosave = line.autosave;
         options.echo = line.echo ? ScriptFrontEnd::Echo::on : ScriptFrontEnd::Echo::off;
         return runScript(options);
     });
@@ -95,6 +97,12 @@ void addRun(CommandLine &line)
     line.addFiles(*verb);
     verb->add_option("-o", line.output, "Save the result: a file for one FILE, a folder for several");
     verb->add_flag("-f", line.overwrite, "Let -o overwrite");
+    verb->add_option(
+            "--autosave", line.autosave,
+            "Keep recovery copies of changed drawings, this many seconds behind; what a killed run leaves "
+            "is offered by the window")
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber);
     verb->add_flag("--echo", line.echo, "Print each prompt and dialog with the line that answers it");
 }
 

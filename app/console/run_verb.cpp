@@ -1,12 +1,15 @@
 #include "app/console/run_verb.h"
 
+#include "host/acap/recovery.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edinput.h"
 #include "host/base/file_bytes.h"
 
 #include <QFile>
 
+#include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace console
 {
@@ -27,7 +30,7 @@ static base::Result<Script, QString> readScript(const QString &path)
 }
 
 /// Feeds the script's lines to the command prompt until its end, QUIT, or the first line that fails.
-static void feedEditor(ScriptFrontEnd &face)
+static void feedEditor(ScriptFrontEnd &face, AcApRecovery *recovery)
 {
     AcEdPrompt prompt;
     while (!face.hasFailed() && !acedEditor()->isQuitting()) {
@@ -40,14 +43,16 @@ static void feedEditor(ScriptFrontEnd &face)
         if (acedEditor()->execute(answer->typed) == RTERROR && !face.hasFailed())
             face.fail(QStringLiteral("\"%1\" cannot be run").arg(answer->typed.trimmed()));
         acedEditor()->runQueue();
+        if (recovery)
+            recovery->tick();
     }
 }
 
-static bool playScript(const Script &script, const RunOptions &options)
+static bool playScript(const Script &script, const RunOptions &options, AcApRecovery *recovery)
 {
     ScriptFrontEnd face(script, options.echo);
     AcEdFrontEnd *const before = acedSetFrontEnd(&face);
-    feedEditor(face);
+    feedEditor(face, recovery);
     acedSetFrontEnd(before);
     return !face.hasFailed();
 }
@@ -67,10 +72,14 @@ static base::Result<void, QString> saveResult(AcApDocument *document, const QStr
 static int runOnFile(const Script &script, const QString &file, const QString &target,
                      const RunOptions &options)
 {
+    std::optional<AcApRecovery> recovery; // Hears of it when the drawing is closed.
+    if (options.autosave >= 0)
+        recovery.emplace(*acDocManager(), AcApRecovery::userFolder(),
+                         std::chrono::milliseconds(std::llround(options.autosave * 1000)));
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
-    if (!playScript(script, options)) {
+    if (!playScript(script, options, recovery ? &*recovery : nullptr)) {
         printMessageLine(QStringLiteral("%1: the script did not reach its end").arg(file));
         return kTrouble;
     }

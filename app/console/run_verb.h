@@ -13,6 +13,7 @@ struct RunOptions {
     QStringList files;
     QString output; ///< Empty: nothing is saved but by the script itself.
     Overwrite overwrite = Overwrite::no;
+    double autosave = -1.0; ///< Seconds between a change and its recovery copy; below 0: none are kept.
     ScriptFrontEnd::Echo echo = ScriptFrontEnd::Echo::off;
 };
 

@@ -190,6 +190,8 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
         m_trouble = taken.error().text();
         return;
     }
+    QDir().mkpath(m_folder);
+    QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     if (watched.copy.isEmpty())
         watched.copy = freshCopyPath();
     watched.changeCount = document.database()->changeCount();
@@ -208,8 +210,6 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
 
 QString AcApRecovery::freshCopyPath()
 {
-    QDir().mkpath(m_folder);
-    QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QString path;
     do {
         path = QDir(m_folder).filePath(copyName(++m_count));

@@ -2,6 +2,7 @@
 #include "host/aced/hostcommands.h"
 
 #include "host/aced/commands/commandtables.h"
+#include "host/aced/edfrontend.h"
 #include "host/aced/edpicture.h"
 #include "host/acgi/giregion.h"
 #include "host/base/assert.h"
@@ -43,6 +44,8 @@ static std::optional<AcGiViewport> screenView(const AcDbDatabase &database)
 void acedRegisterHostCommands()
 {
     acgiSetScreenView(screenView);
+    acDocManager()->setProgress(
+        [](const QString &what, double share) { return acedFrontEnd().progress(what, share); });
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(),   viewCommands(),
                             coordinateCommands(), layerCommands(), drawCommands(),   inquiryCommands(),
                             menuCommands(),       plotCommands(),  layoutCommands(), gripCommands()};

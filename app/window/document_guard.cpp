@@ -1,0 +1,307 @@
+#include "app/window/document_guard.h"
+
+#include "app/window/recovery_dialog.h"
+#include "app/window/window_front_end.h"
+#include "host/acap/docfile.h"
+#include "host/acui/acuifile.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace window
+{
+
+static constexpr std::chrono::seconds kTick{10};
+
+DocumentGuard::DocumentGuard(WindowFrontEnd &front, QWidget *window)
+    : m_front(front), m_window(window), m_recovery(*acDocManager())
+{
+    acDocManager()->setLocksFiles(true);
+    acDocManager()->addReactor(this);
+    m_timer.setInterval(kTick);
+    connect(&m_timer, &QTimer::timeout, this, &DocumentGuard::tick);
+}
+
+DocumentGuard::~DocumentGuard()
+{
+    acDocManager()->removeReactor(this);
+    acDocManager()->setLocksFiles(false);
+}
+
+// Telling and asking ------------------------------------------------------------------------------
+
+int DocumentGuard::ask(QMessageBox &box)
+{
+    const bool wasAsking = std::exchange(m_isAsking, true);
+    box.setWindowTitle(QApplication::applicationDisplayName());
+    box.setTextFormat(Qt::PlainText);
+    QApplication::setOverrideCursor(Qt::ArrowCursor); // The caller may have set the one for waiting.
+    const int pressed = box.exec();
+    QApplication::restoreOverrideCursor();
+    m_isAsking = wasAsking;
+    return pressed;
+}
+
+bool DocumentGuard::tell(const QString &trouble)
+{
+    m_front.print(u'\n' + trouble);
+    QMessageBox box(QMessageBox::Warning, {}, trouble, QMessageBox::Ok, m_window);
+    ask(box);
+    return false;
+}
+
+static QString timeText(const QDateTime &time)
+{
+    return QLocale().toString(time.toLocalTime(), QLocale::ShortFormat);
+}
+
+static QString repairsLine(const AcApDocument &document)
+{
+    return DocumentGuard::tr("打开 %1 时修正了 %2 处损坏。")
+        .arg(document.docTitle())
+        .arg(document.database()->repairs().size());
+}
+
+/// Whichever way a drawing was opened, the user hears what is special about it.
+void DocumentGuard::documentCreated(AcApDocument *document)
+{
+    if (!document->lockRemark().isEmpty())
+        m_front.print(u'\n' + document->lockRemark());
+    if (!document->database()->repairs().isEmpty())
+        m_front.print(u'\n' + repairsLine(*document));
+}
+
+void DocumentGuard::tellRepairs(const AcApDocument &document)
+{
+    const QStringList repairs = document.database()->repairs();
+    if (repairs.isEmpty())
+        return;
+    QMessageBox box(QMessageBox::Information, {}, repairsLine(document), QMessageBox::Ok, m_window);
+    box.setDetailedText(repairs.join(u'\n'));
+    ask(box);
+}
+
+// Opening -----------------------------------------------------------------------------------------
+
+bool DocumentGuard::openRecovered(const AcApRecoverable &copy)
+{
+    const auto opened = m_recovery.reopen(copy);
+    return opened || tell(tr("不能恢复图形: %1").arg(opened.error()));
+}
+
+bool DocumentGuard::open(const QString &path)
+{
+    const auto &documents = acDocManager()->documents();
+    const bool isOpen = std::ranges::any_of(documents, [&](const auto &each) {
+        return each->isNamedDrawing() && QFileInfo(each->fileName()) == QFileInfo(path);
+    });
+    if (const auto copy = isOpen ? std::nullopt : AcApRecovery::newerCopy(path)) {
+        QMessageBox box(
+            QMessageBox::Question, {},
+            tr("%1 有一份更新的恢复副本(%2)，其中有未保存的修改。").arg(copy->title, timeText(copy->time)),
+            QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, m_window);
+        box.button(QMessageBox::Yes)->setText(tr("打开恢复副本(&R)"));
+        box.button(QMessageBox::No)->setText(tr("打开文件，保留副本(&F)"));
+        const int pressed = ask(box);
+        if (pressed != QMessageBox::No)
+            return pressed == QMessageBox::Yes && openRecovered(*copy);
+    }
+    AcApOpenAs as = AcApOpenAs::editable;
+    if (const auto holder = acapForeignLock(QFileInfo(path).canonicalFilePath())) {
+        QMessageBox box(QMessageBox::Question, {},
+                        tr("%1 正由他人编辑: %2").arg(QFileInfo(path).fileName(), holder->text()),
+                        QMessageBox::Open | QMessageBox::Ignore | QMessageBox::Cancel, m_window);
+        box.button(QMessageBox::Open)->setText(tr("以只读方式打开(&R)"));
+        box.button(QMessageBox::Ignore)->setText(tr("仍然编辑(&E)"));
+        box.setDefaultButton(QMessageBox::Open);
+        const int pressed = ask(box);
+        if (pressed == QMessageBox::Cancel)
+            return false;
+        as = pressed == QMessageBox::Ignore ? AcApOpenAs::takeOver : AcApOpenAs::readOnly;
+    }
+    const auto opened = acDocManager()->openDocument(path, as);
+    if (!opened)
+        return !acDocManager()->wasStopped() && tell(tr("不能打开图形: %1").arg(opened.error()));
+    if (!isOpen)
+        tellRepairs(**opened);
+    return true;
+}
+
+// Saving ------------------------------------------------------------------------------------------
+
+bool DocumentGuard::write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite)
+{
+    const auto saved = acDocManager()->saveDocument(document, path, false, overwrite);
+    if (saved)
+        return true;
+    return !acDocManager()->wasStopped() && tell(tr("不能保存图形: %1").arg(saved.error()));
+}
+
+bool DocumentGuard::saveElsewhere(AcApDocument *document, const QString &reason)
+{
+    QMessageBox box(QMessageBox::Warning, {}, reason, QMessageBox::Save | QMessageBox::Cancel, m_window);
+    box.button(QMessageBox::Save)->setText(tr("另存为(&A)..."));
+    return ask(box) == QMessageBox::Save && saveAs(document);
+}
+
+bool DocumentGuard::save(AcApDocument *document)
+{
+    if (!document->isNamedDrawing())
+        return saveAs(document);
+    const QString name = document->docTitle();
+    if (const auto holder = acapForeignLock(document->fileName()))
+        return saveElsewhere(document, tr("%1 正由他人编辑: %2").arg(name, holder->text()));
+    if (acDocManager()->changedOnDisk(*document) != AcApFileChange::changed)
+        return write(document, {}, AcApOverwriteChanged::no);
+
+    QMessageBox box(QMessageBox::Warning, {}, tr("%1 打开之后，文件已被他人修改。").arg(name),
+                    QMessageBox::Save | QMessageBox::Ignore | QMessageBox::Cancel, m_window);
+    box.button(QMessageBox::Save)->setText(tr("另存为(&A)..."));
+    box.button(QMessageBox::Ignore)->setText(tr("覆盖他人的修改(&O)"));
+    box.setDefaultButton(QMessageBox::Save);
+    const int pressed = ask(box);
+    if (pressed == QMessageBox::Cancel)
+        return false;
+    return pressed == QMessageBox::Ignore ? write(document, {}, AcApOverwriteChanged::yes) : saveAs(document);
+}
+
+bool DocumentGuard::saveAs(AcApDocument *document)
+{
+    const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
+    QString path;
+    if (acedGetFileD(tr("图形另存为"), present, QStringLiteral("dxf"), kAcUiSaveFile, path) != RTNORM)
+        return false;
+    if (document->isNamedDrawing() && QFileInfo(path) == QFileInfo(document->fileName()))
+        return save(document);
+    return write(document, path, AcApOverwriteChanged::no);
+}
+
+bool DocumentGuard::mayClose(AcApDocument *document)
+{
+    if (!document->isModified())
+        return true;
+    QMessageBox box(QMessageBox::Question, {}, tr("%1 的修改尚未保存。保存修改吗?").arg(document->docTitle()),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    box.setDefaultButton(QMessageBox::Save);
+    const int pressed = ask(box);
+    return pressed == QMessageBox::Discard || (pressed == QMessageBox::Save && save(document));
+}
+
+bool DocumentGuard::mayQuit()
+{
+    const auto &documents = acDocManager()->documents();
+    return std::ranges::all_of(documents, [this](const auto &document) { return mayClose(document.get()); });
+}
+
+// Recovery ----------------------------------------------------------------------------------------
+
+void DocumentGuard::offerRecovery()
+{
+    for (;;) {
+        const QList<AcApRecoverable> copies = AcApRecovery::recoverable();
+        if (copies.isEmpty())
+            return;
+        RecoveryDialog dialog(copies, m_window);
+        const int choice = dialog.exec();
+        const QList<AcApRecoverable> chosen = dialog.chosen();
+        if (choice == RecoveryDialog::keep || chosen.isEmpty())
+            return;
+        bool allDone = true;
+        for (const AcApRecoverable &copy : chosen) {
+            if (choice == RecoveryDialog::discard)
+                AcApRecovery::discard(copy);
+            else
+                allDone = openRecovered(copy) && allDone;
+        }
+        if (choice == RecoveryDialog::open || !allDone)
+            return; // What is left is offered next time.
+    }
+}
+
+void DocumentGuard::watch(bool on)
+{
+    if (on) {
+        m_timer.start();
+        m_window->installEventFilter(this);
+    } else {
+        m_timer.stop();
+        m_window->removeEventFilter(this);
+    }
+}
+
+void DocumentGuard::tick()
+{
+    m_recovery.tick();
+    const QString trouble = m_recovery.trouble();
+    if (std::exchange(m_toldTrouble, trouble) != trouble && !trouble.isEmpty())
+        m_front.print(u'\n' + tr("不能写恢复副本: %1").arg(trouble));
+    if (m_window->isActiveWindow())
+        checkFiles();
+}
+
+// Files on the disk -------------------------------------------------------------------------------
+
+bool DocumentGuard::eventFilter(QObject *watched, QEvent *event)
+{
+    // Not from within the event: the question opens a window of its own.
+    if (watched == m_window && event->type() == QEvent::WindowActivate)
+        QTimer::singleShot(0, this, &DocumentGuard::checkFiles);
+    return QObject::eventFilter(watched, event);
+}
+
+/// Between commands only: a running command may hold on to the drawing.
+void DocumentGuard::checkFiles()
+{
+    if (m_isAsking || acDocManager()->isBusy() || !m_front.isIdle())
+        return;
+    for (const auto &document : acDocManager()->documents()) {
+        if (acDocManager()->changedOnDisk(*document) != AcApFileChange::changed)
+            continue;
+        const auto stamp = acapFileStamp(document->fileName());
+        const auto told = m_told.find(document->fileName());
+        if (told != m_told.end() && told->second == stamp)
+            continue;
+        m_told[document->fileName()] = stamp;
+        askAboutFile(document.get());
+        return; // The list of documents may be another one now.
+    }
+}
+
+void DocumentGuard::askAboutFile(AcApDocument *document)
+{
+    QString text = tr("%1 已被他人修改。重新读取吗?").arg(document->docTitle());
+    if (document->isModified())
+        text += u'\n' + tr("重新读取会丢失您未保存的修改。");
+    QMessageBox box(QMessageBox::Question, {}, text, QMessageBox::Yes | QMessageBox::No, m_window);
+    box.button(QMessageBox::Yes)->setText(tr("重新读取(&R)"));
+    box.button(QMessageBox::No)->setText(tr("保留我的图形(&K)"));
+    box.setDefaultButton(QMessageBox::No);
+    if (ask(box) != QMessageBox::Yes)
+        return;
+    m_front.whenIdle([this, document] {
+        const auto &documents = acDocManager()->documents();
+        if (std::ranges::any_of(documents, [=](const auto &each) { return each.get() == document; }))
+            reload(document);
+    });
+}
+
+/// The file may be damaged or gone by now: then the drawing that is open stays.
+void DocumentGuard::reload(AcApDocument *document)
+{
+    const QString path = document->fileName();
+    if (const auto readable = acapReadDrawing(path); !readable) {
+        tell(tr("不能打开图形: %1").arg(readable.error()));
+        return;
+    }
+    acDocManager()->closeDocument(document);
+    const auto opened = acDocManager()->openDocument(path);
+    if (!opened)
+        tell(tr("不能打开图形: %1").arg(opened.error()));
+}
+
+} // namespace window

@@ -1,0 +1,70 @@
+// DocumentGuard: sees to it that nothing a user does is lost. It opens, saves and closes drawings with the
+// questions that this takes, watches the files on the disk, keeps recovery copies, and offers what a crash
+// left.
+//
+// What is decided here comes from answers; the rules are in host/acap. While it lives, drawings are locked.
+#pragma once
+
+#include "host/acap/recovery.h"
+
+#include <QObject>
+#include <QTimer>
+
+class QMessageBox;
+class QWidget;
+
+namespace window
+{
+
+class WindowFrontEnd;
+
+class DocumentGuard : public QObject, private AcApDocManagerReactor
+{
+    Q_OBJECT
+
+public:
+    /// Message boxes belong to `window`, whose activation is watched.
+    DocumentGuard(WindowFrontEnd &front, QWidget *window);
+    ~DocumentGuard() override;
+
+    /// Asks about a newer recovery copy and about somebody else's lock. False when nothing was opened.
+    bool open(const QString &path);
+    /// Asks when somebody changed the file, and for another name when somebody else edits it. False when
+    /// nothing was saved.
+    bool save(AcApDocument *document);
+    bool saveAs(AcApDocument *document);
+    /// Asks whether to save changes; false when the user wants to stay.
+    bool mayClose(AcApDocument *document);
+    /// The same for all drawings.
+    bool mayQuit();
+    /// Shows what earlier sessions left; opens it, discards it or keeps it for later.
+    void offerRecovery();
+    /// Recovery copies are written, and changes on disk are noticed when the window becomes active.
+    void watch(bool on = true);
+    /// Asks whether to read drawings again that somebody else has written. Each change is told once.
+    void checkFiles();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void documentCreated(AcApDocument *document) override;
+    void tick();
+    void askAboutFile(AcApDocument *document);
+    void reload(AcApDocument *document);
+    bool openRecovered(const AcApRecoverable &copy);
+    bool write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite);
+    bool saveElsewhere(AcApDocument *document, const QString &reason);
+    void tellRepairs(const AcApDocument &document);
+    bool tell(const QString &trouble);
+    int ask(QMessageBox &box);
+
+    WindowFrontEnd &m_front;
+    QWidget *m_window;
+    AcApRecovery m_recovery;
+    QTimer m_timer;
+    std::map<QString, std::optional<AcApFileStamp>> m_told; ///< Changes on disk, by path.
+    QString m_toldTrouble;
+    bool m_isAsking = false;
+};
+
+} // namespace window
