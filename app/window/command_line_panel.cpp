@@ -274,18 +274,8 @@ void CommandLinePanel::toggleHistory()
 {
     m_isLarge = !m_isLarge;
     m_expand->setIcon(icon(m_isLarge ? "down" : "up"));
-    const int height = linesHeight(*m_history, m_isLarge ? kLargeHistory : kSmallHistory);
-    // A panel takes the height that it is forced to and may be changed by hand afterwards.
-    m_history->setMinimumHeight(height);
-    if (!m_isLarge)
-        m_history->setMaximumHeight(height);
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_history->setMinimumHeight(linesHeight(*m_history, 1));
-            m_history->setMaximumHeight(QWIDGETSIZE_MAX);
-        },
-        Qt::QueuedConnection);
+    const int lines = linesHeight(*m_history, m_isLarge ? kLargeHistory : kSmallHistory);
+    Q_EMIT heightWanted(lines + height() - m_history->height());
 }
 
 void CommandLinePanel::changeEvent(QEvent *event)

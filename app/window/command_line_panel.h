@@ -55,6 +55,10 @@ public:
     QLabel &prompt() const { return *m_prompt; }
     QString historyText() const;
 
+Q_SIGNALS:
+    /// The panel would like to be so high.
+    void heightWanted(int height);
+
 protected:
     void changeEvent(QEvent *event) override;
 

@@ -99,6 +99,8 @@ void MainWindow::connectParts()
     connect(m_view, &DrawingView::busyChanged, m_status, &StatusLine::showBusy);
     connect(m_view, &DrawingView::textTyped, m_commandLine, &CommandLinePanel::type);
     connect(m_view, &DrawingView::enterPressed, m_commandLine, &CommandLinePanel::confirm);
+    connect(m_commandLine, &CommandLinePanel::heightWanted, this,
+            [this](int height) { resizeDocks({m_commandDock}, {height}, Qt::Vertical); });
     connect(m_find, &FindBar::closed, this, [this] { m_front.focusDrawing(); });
     connect(m_documents, &DocumentTabs::wanted, this, &MainWindow::activate);
     connect(m_documents, &QTabBar::tabCloseRequested, this, [this](int place) { close(place); });
@@ -311,11 +313,8 @@ void MainWindow::close(int place)
 
 void MainWindow::quit()
 {
-    for (const auto &document : acDocManager()->documents()) {
-        if (!m_guard.mayClose(document.get()))
-            return;
-    }
-    m_front.leave();
+    if (m_guard.mayQuit())
+        m_front.leave();
 }
 
 void MainWindow::selectAll()

@@ -2,11 +2,7 @@
 // answers and looks at the documents whenever the editor waits for a command; it changes nothing in between.
 #pragma once
 
-#if __has_include("app/window/document_guard.h")
 #include "app/window/document_guard.h"
-#else
-#include "app/window/guard_stand_in.h"
-#endif
 #include "app/window/host_menus.h"
 
 #include <QMainWindow>

@@ -33,6 +33,89 @@
     </message>
 </context>
 <context>
+    <name>window::DocumentGuard</name>
+    <message>
+        <source>打开 %1 时修正了 %2 处损坏。</source>
+        <translation>%2 faults were mended while opening %1.</translation>
+    </message>
+    <message>
+        <source>不能恢复图形: %1</source>
+        <translation>The drawing cannot be recovered: %1</translation>
+    </message>
+    <message>
+        <source>%1 有一份更新的恢复副本(%2)，其中有未保存的修改。</source>
+        <translation>There is a newer recovery copy of %1 (%2) with changes that were not saved.</translation>
+    </message>
+    <message>
+        <source>打开恢复副本(&amp;R)</source>
+        <translation>Open &amp;Recovery Copy</translation>
+    </message>
+    <message>
+        <source>打开文件，保留副本(&amp;F)</source>
+        <translation>Open &amp;File, Keep Copy</translation>
+    </message>
+    <message>
+        <source>%1 正由他人编辑: %2</source>
+        <translation>%1 is being edited by somebody else: %2</translation>
+    </message>
+    <message>
+        <source>以只读方式打开(&amp;R)</source>
+        <translation>Open &amp;Read-only</translation>
+    </message>
+    <message>
+        <source>仍然编辑(&amp;E)</source>
+        <translation>&amp;Edit Anyway</translation>
+    </message>
+    <message>
+        <source>不能打开图形: %1</source>
+        <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>不能保存图形: %1</source>
+        <translation>The drawing cannot be saved: %1</translation>
+    </message>
+    <message>
+        <source>另存为(&amp;A)...</source>
+        <translation>Save &amp;As...</translation>
+    </message>
+    <message>
+        <source>%1 打开之后，文件已被他人修改。</source>
+        <translation>Somebody else has changed the file since %1 was opened.</translation>
+    </message>
+    <message>
+        <source>覆盖他人的修改(&amp;O)</source>
+        <translation>&amp;Overwrite Their Changes</translation>
+    </message>
+    <message>
+        <source>图形另存为</source>
+        <translation>Save Drawing As</translation>
+    </message>
+    <message>
+        <source>%1 的修改尚未保存。保存修改吗?</source>
+        <translation>%1 has changes that are not saved. Save them?</translation>
+    </message>
+    <message>
+        <source>不能写恢复副本: %1</source>
+        <translation>The recovery copy cannot be written: %1</translation>
+    </message>
+    <message>
+        <source>%1 已被他人修改。重新读取吗?</source>
+        <translation>Somebody else has changed %1. Read it again?</translation>
+    </message>
+    <message>
+        <source>重新读取会丢失您未保存的修改。</source>
+        <translation>Reading it again loses your unsaved changes.</translation>
+    </message>
+    <message>
+        <source>重新读取(&amp;R)</source>
+        <translation>&amp;Read Again</translation>
+    </message>
+    <message>
+        <source>保留我的图形(&amp;K)</source>
+        <translation>&amp;Keep My Drawing</translation>
+    </message>
+</context>
+<context>
     <name>window::DocumentTabs</name>
     <message>
         <source>打开的图形</source>
@@ -594,6 +677,37 @@
     </message>
 </context>
 <context>
+    <name>window::RecoveryDialog</name>
+    <message>
+        <source>恢复图形</source>
+        <translation>Recover Drawings</translation>
+    </message>
+    <message>
+        <source>上次没有正常结束。以下图形有未保存的修改，可以恢复：</source>
+        <translation>The last session did not end properly. These drawings have unsaved changes that can be recovered:</translation>
+    </message>
+    <message>
+        <source>%1    (%2)</source>
+        <translation>%1    (%2)</translation>
+    </message>
+    <message>
+        <source>从未保存过</source>
+        <translation>never saved</translation>
+    </message>
+    <message>
+        <source>恢复所选(&amp;O)</source>
+        <translation>Recover &amp;Selected</translation>
+    </message>
+    <message>
+        <source>丢弃所选(&amp;D)</source>
+        <translation>&amp;Discard Selected</translation>
+    </message>
+    <message>
+        <source>以后再说(&amp;L)</source>
+        <translation>&amp;Later</translation>
+    </message>
+</context>
+<context>
     <name>window::StartPage</name>
     <message>
         <source>打开图形…</source>
@@ -695,22 +809,6 @@
     <message>
         <source>*取消*</source>
         <translation>*Cancel*</translation>
-    </message>
-    <message>
-        <source>不能打开图形: %1</source>
-        <translation>The drawing cannot be opened: %1</translation>
-    </message>
-    <message>
-        <source>图形另存为</source>
-        <translation>Save Drawing As</translation>
-    </message>
-    <message>
-        <source>%1 的修改尚未保存。保存修改吗?</source>
-        <translation>%1 has changes that are not saved. Save them?</translation>
-    </message>
-    <message>
-        <source>不能保存图形: %1</source>
-        <translation>The drawing cannot be saved: %1</translation>
     </message>
 </context>
 </TS>
