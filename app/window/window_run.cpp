@@ -1,9 +1,11 @@
 #include "app/window/window_run.h"
 
+#include "app/window/first_start.h"
 #include "app/window/main_window.h"
 #include "app/window/window_front_end.h"
 #include "host/acap/docman.h"
 #include "host/aced/edcommands.h"
+#include "host/os/settings_store.h"
 
 #include <QApplication>
 #include <QDir>
@@ -49,6 +51,7 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);
     {
         MainWindow mainWindow(front);
+        takeFirstSettings(os::SettingsStore::user());
         loadModules();
         mainWindow.show();
         front.whenIdle([&] { mainWindow.start(files); });

@@ -10,6 +10,7 @@ import program
 from mark_road_test import cases
 
 MARK = program.mark_script(100, 50, 200, 100, "第一条意见")
+LEADER = "QN3_QuillnoteLeader\n100,50\n400,300\n@set 1003 引线\n@ok\n"
 # Each is a whole command that changes something, whatever was done before.
 STEPS = {
     "mark": MARK,
@@ -28,6 +29,18 @@ STEPS = {
     "scale": "SCALE\nL\n\n0,0\n2\n",
     "layer": "LAYER\nM\n新层\nC\n3\n\nLT\nCONTINUOUS\n\n\n",
     "layer 0 green": "LAYER\nC\n3\n0\n\n",
+    "leader mark": LEADER,
+    "polygon mark": "QN3_PolygonMark\n0,0\n100,0\n100,100\n\n",
+    "polygon mark with a text": "QN3_PolygonMarkJig\n0,0\n100,0\n100,100\n\n500,500\n@set 1003 文字\n@ok\n",
+    "spline mark": "QN3_SplineMarkJig\n0,0\n100,0\n100,100\n\n\n",
+    "vertex": MARK + "QN3_addVertext\n200,50\n",
+    "leader": LEADER + "QN3_addAleadLine\nL\n900,900\n\n",
+    "number": MARK + "QN8_editNumber\nL\n50\n",
+    "numbers": MARK + "QN3_reNumber\nYES\n",
+    "shrunk": MARK + "QN3_allMarksShrink\n",
+    "hidden and shown": MARK + "QN3_allMarksHide\nQN3_allMarksShow\n",
+    "grip": "LINE\n900,100\n950,100\n\nGRIP\nL\n\n900,100\n900,200\n",
+    "plain": MARK + "QN8_ToNativeEnt\n",
     "group": "UNDO\nBE\nCIRCLE\n0,0\n5\n" + MARK + "UNDO\nE\n",
 }
 

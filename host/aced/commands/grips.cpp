@@ -85,15 +85,12 @@ static void applyDrag(const Grasp &grasp, const AcGeVector3d &offset)
     reportLocked(locked);
 }
 
-/// The entities stay chosen, so that the next grip can be dragged at once.
+/// What was chosen before stays chosen, so that the next grip can be dragged at once.
 static AcEdSelectionSet entitiesToGrasp()
 {
     AcEdSelectionSet entities;
-    if (acedSSGet(QStringLiteral("I"), nullptr, nullptr, {}, entities) != RTNORM) {
-        entities = askSelection();
-        curDoc()->pickSet() = entities;
-    }
-    return entities;
+    const bool wereChosen = acedSSGet(QStringLiteral("I"), nullptr, nullptr, {}, entities) == RTNORM;
+    return wereChosen ? entities : askSelection();
 }
 
 static void grip()

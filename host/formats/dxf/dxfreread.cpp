@@ -10,12 +10,13 @@
 namespace dxf
 {
 
-/// New objects that do not stand in the file as themselves: heads are written with their tables, and what R12
-/// has no section for goes into comments.
+/// New objects that do not stand in the file as themselves: heads are written with their tables, R12 has no
+/// block records, and what it has no section for goes into comments.
 static bool standsAlone(const DxfSource &source, const AcDbStub &stub)
 {
     static const AcDbKind kTable = acdbKind("TABLE");
-    if (stub.kind == kTable)
+    static const AcDbKind kBlockRecord = acdbKind("BLOCK_RECORD");
+    if (stub.kind == kTable || (stub.kind == kBlockRecord && source.version() <= DrawingVersion::r12))
         return false;
     return !source.keepsInComments() || stub.has(AcDbStub::kEntity);
 }
