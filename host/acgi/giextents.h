@@ -1,0 +1,53 @@
+// Extents of entities: the sink that keeps the box around everything drawn.
+#pragma once
+
+#include "host/acdb/dbentity.h"
+#include "host/acgi/gigeometry.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+/// How far something reaches: its box, and whether lines without end go beyond it.
+struct AcGiReach {
+    AcDbExtents box; ///< Not valid when nothing with an end is drawn.
+    bool endless = false;
+};
+
+/// An entity of a block definition: what has to be known of it before it is worth decoding.
+struct AcGiBlockPart {
+    AcDbObjectId entity;
+    AcGiReach reach; ///< In block coordinates.
+    QString layer;
+    bool isSwitchedOff = false; ///< Group 60.
+    bool hasParts = false;      ///< Shows blocks or attributes, which may be hidden each for itself.
+};
+
+/// A block definition in its own coordinates, and all that it shows.
+struct AcGiBlockReach : AcGiReach {
+    std::vector<AcGiBlockPart> parts;
+};
+
+/// Reaches of block definitions, each computed once. Good as long as no block definition changes.
+class AcGiBlockExtents
+{
+public:
+    /// A block that contains itself counts without the repetition.
+    const AcGiBlockReach &of(AcDbObjectId blockRecord);
+    bool knows(AcDbObjectId blockRecord) const { return m_blocks.contains(blockRecord); }
+    void clear() { m_blocks.clear(); }
+
+private:
+    std::unordered_map<AcDbObjectId, AcGiBlockReach> m_blocks;
+    std::unordered_set<QString> m_layers; ///< So that parts of one layer share its name.
+};
+
+/// How far an entity reaches, with the boxes of blocks taken from `blocks`.
+AcGiReach acgiReach(const AcDbEntity &entity, AcGiBlockExtents &blocks);
+
+/// The box around an entity in the coordinates of its owner; eInvalidExtents for what has none (lines
+/// without end, kinds that draw nothing). What layers or visibility hide counts too.
+///
+/// Without `blocks` the box is exact for lines, arcs and texts in inserted blocks, up to a bounded
+/// amount of work; beyond it, and with `blocks`, it is the box around the turned boxes of the blocks.
+Acad::ErrorStatus acgiExtents(const AcDbEntity &entity, AcDbExtents &extents,
+                              AcGiBlockExtents *blocks = nullptr);

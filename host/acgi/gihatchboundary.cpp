@@ -1,0 +1,275 @@
+#include "host/acgi/gihatchboundary.h"
+
+#include "host/acge/gecurve.h"
+#include "host/acgi/ginurbs.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace acgi
+{
+
+namespace
+{
+
+enum Edge : std::int64_t { kNoEdge = 0, kLineEdge = 1, kCircleEdge = 2, kEllipseEdge = 3, kSplineEdge = 4 };
+
+constexpr int kPerTurn = 128;
+
+/// Elliptic edges file the directions of their ends from the major axis, not the parameters. Whole turns
+/// stay.
+double ellipseParameter(double direction, double ratio)
+{
+    if (ratio == 0.0)
+        return direction;
+    const double parameter = std::atan2(std::sin(direction) / std::abs(ratio), std::cos(direction));
+    constexpr double kTurn = 2.0 * kGePi;
+    return parameter + kTurn * std::round((direction - parameter) / kTurn);
+}
+
+/// Collects the boundary paths group by group; the meaning of a code depends on what came before.
+class BoundaryReader
+{
+public:
+    explicit BoundaryReader(const EntityGroups &groups)
+    {
+        const double elevation = groups.point(10).z;
+        for (const resbuf &group : groups) {
+            if (m_inPaths && (group.restype == 75 || group.restype == 76)) // Style and kind follow the paths.
+                break;
+            visit(group);
+        }
+        endPath();
+        for (AcGiLoop &loop : m_loops) {
+            for (AcGePoint3d &point : loop)
+                point.z = elevation;
+        }
+    }
+    std::vector<AcGiLoop> &loops() { return m_loops; }
+
+private:
+    void visit(const resbuf &group)
+    {
+        if (group.restype == 91) {
+            m_inPaths = true;
+        } else if (!m_inPaths) {
+            return;
+        } else if (group.restype == 92) {
+            endPath();
+            m_isPolyline = group.integer() & 2;
+        } else if (group.restype == 97 && m_edge != kSplineEdge) {
+            endPath(); // The objects that the path came from follow.
+        } else if (m_isPolyline) {
+            visitPolyline(group);
+        } else {
+            visitEdge(group);
+        }
+    }
+
+    void visitPolyline(const resbuf &group)
+    {
+        if (group.restype == 10)
+            m_polyline.push_back({group.point()});
+        else if (group.restype == 42 && !m_polyline.empty())
+            m_polyline.back().bulge = group.real();
+    }
+
+    void visitEdge(const resbuf &group)
+    {
+        switch (group.restype) {
+        case 72:
+            endEdge();
+            m_edge = Edge(group.integer());
+            break;
+        case 10:
+            m_curve.controlPoints.push_back(group.point());
+            break;
+        case 11:
+            m_second = group.point();
+            m_fit.push_back(m_second);
+            break;
+        case 12:
+            m_startTangent = group.point().asVector();
+            break;
+        case 13:
+            m_endTangent = group.point().asVector();
+            break;
+        case 40:
+            if (m_edge == kSplineEdge)
+                m_curve.knots.push_back(group.real());
+            else
+                m_size = group.real();
+            break;
+        case 42:
+            m_curve.weights.push_back(group.real());
+            break;
+        case 50:
+            m_start = radians(group.real());
+            break;
+        case 51:
+            m_end = radians(group.real());
+            break;
+        case 73:
+            m_counterClockwise = group.integer() != 0;
+            break;
+        case 94:
+            m_curve.degree = int(group.integer());
+            break;
+        default:
+            break;
+        }
+    }
+
+    void endEdge()
+    {
+        const Edge edge = std::exchange(m_edge, kNoEdge);
+        const NurbsCurve curve = std::exchange(m_curve, NurbsCurve());
+        const std::vector<AcGePoint3d> fit = std::exchange(m_fit, {});
+        const auto startTangent = std::exchange(m_startTangent, std::nullopt);
+        const auto endTangent = std::exchange(m_endTangent, std::nullopt);
+        if (edge == kSplineEdge && curve.controlPoints.empty())
+            appendFitted(AcGeFitSpline3d(fit, startTangent, endTangent));
+        if (edge == kNoEdge || curve.controlPoints.empty())
+            return;
+        if (edge == kLineEdge) {
+            m_path.push_back(curve.controlPoints.front());
+            m_path.push_back(m_second);
+        } else if (edge == kSplineEdge) {
+            const std::vector<AcGePoint3d> samples = curve.samples();
+            const auto &points = samples.empty() ? curve.controlPoints : samples;
+            m_path.insert(m_path.end(), points.begin(), points.end());
+        } else {
+            appendArc(curve.controlPoints.front(), edge == kCircleEdge);
+        }
+    }
+
+    void appendFitted(const AcGeFitSpline3d &spline)
+    {
+        const std::optional<double> end = spline.getEndParam();
+        constexpr int kSamples = 400;
+        for (int i = 0; end && i <= kSamples; ++i)
+            m_path.push_back(spline.getPointAtParam(*end * i / kSamples));
+    }
+
+    // The angles of clockwise arcs are filed with the opposite sign.
+    void appendArc(const AcGePoint3d &centre, bool isCircle)
+    {
+        AcGiArc arc;
+        arc.centre = centre;
+        arc.u = isCircle ? AcGeVector3d(m_size, 0.0, 0.0) : m_second.asVector();
+        arc.v = AcGeVector3d(-arc.u.y, arc.u.x, 0.0) * (isCircle ? 1.0 : m_size);
+        const double sign = m_counterClockwise ? 1.0 : -1.0;
+        const double start = isCircle ? m_start : ellipseParameter(m_start, m_size);
+        const double end = isCircle ? m_end : ellipseParameter(m_end, m_size);
+        arc.start = sign * start;
+        double along = std::fmod(end - start, 2.0 * kGePi);
+        if (along <= 1e-12)
+            along += 2.0 * kGePi;
+        arc.sweep = sign * along;
+        arc.appendSamples(m_path, kPerTurn);
+    }
+
+    void endPath()
+    {
+        endEdge();
+        for (std::size_t i = 0; i < m_polyline.size(); ++i) {
+            const AcGiVertex &from = m_polyline[i];
+            const AcGePoint3d &to = m_polyline[(i + 1) % m_polyline.size()].point;
+            if (from.bulge != 0.0 && !from.point.isEqualTo(to))
+                acgiBulgeArc(from.point, to, from.bulge).appendSamples(m_path, kPerTurn);
+            else
+                m_path.push_back(from.point);
+        }
+        m_polyline.clear();
+        m_isPolyline = false;
+        if (!m_path.empty())
+            m_loops.push_back(std::exchange(m_path, {}));
+    }
+
+    bool m_inPaths = false;
+    bool m_isPolyline = false;
+    std::vector<AcGiVertex> m_polyline;
+    Edge m_edge = kNoEdge;
+    NurbsCurve m_curve; ///< Its first control point is the start or centre of the other edges.
+    AcGePoint3d m_second;
+    std::vector<AcGePoint3d> m_fit; ///< Of splines that have no control points.
+    std::optional<AcGeVector3d> m_startTangent;
+    std::optional<AcGeVector3d> m_endTangent;
+    double m_size = 0.0; ///< Radius, or ratio of the axes.
+    double m_start = 0.0;
+    double m_end = 0.0;
+    bool m_counterClockwise = true;
+    AcGiLoop m_path;
+    std::vector<AcGiLoop> m_loops;
+};
+
+} // namespace
+
+HatchStyle hatchStyle(const EntityGroups &groups)
+{
+    const std::int64_t style = groups.integer(75);
+    return style == 1 ? HatchStyle::outer : style == 2 ? HatchStyle::ignore : HatchStyle::normal;
+}
+
+std::vector<AcGiLoop> readHatchLoops(const EntityGroups &groups)
+{
+    std::vector<AcGiLoop> loops = std::move(BoundaryReader(groups).loops());
+    std::erase_if(loops, [](const AcGiLoop &loop) {
+        return !std::ranges::all_of(loop, [](const AcGePoint3d &p) {
+            return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+        });
+    });
+    return loops;
+}
+
+// Islands -------------------------------------------------------------------------------------------
+
+static bool loopHolds(const AcGiLoop &loop, const AcGePoint3d &point)
+{
+    bool holds = false;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const AcGePoint3d &from = loop[i];
+        const AcGePoint3d &to = loop[(i + 1) % loop.size()];
+        if ((from.y > point.y) != (to.y > point.y) &&
+            point.x < from.x + (point.y - from.y) / (to.y - from.y) * (to.x - from.x))
+            holds = !holds;
+    }
+    return holds;
+}
+
+/// Loops may touch each other at a vertex, so two places of the inner one are asked.
+static bool isInside(const AcGiLoop &inner, const AcGiLoop &outer)
+{
+    return loopHolds(outer, inner.front()) && loopHolds(outer, inner[inner.size() / 2]);
+}
+
+/// How many other loops lie around each, counted as far as 2.
+static std::vector<int> nestingDepths(const std::vector<AcGiLoop> &loops)
+{
+    std::vector<int> depths(loops.size(), 0);
+    for (std::size_t i = 0; i < loops.size(); ++i) {
+        for (std::size_t j = 0; j < loops.size() && depths[i] < 2; ++j)
+            depths[i] += i != j && isInside(loops[i], loops[j]);
+    }
+    return depths;
+}
+
+std::vector<AcGiLoop> loopsForStyle(std::vector<AcGiLoop> loops, HatchStyle style)
+{
+    constexpr std::size_t kMostSteps = 20'000'000;
+    std::size_t points = 0;
+    for (const AcGiLoop &loop : loops)
+        points += loop.size();
+    if (style == HatchStyle::normal || loops.size() < 2 || points * loops.size() > kMostSteps)
+        return loops;
+    const std::vector<int> depths = nestingDepths(loops);
+    const int deepest = style == HatchStyle::outer ? 1 : 0;
+    std::vector<AcGiLoop> kept;
+    for (std::size_t i = 0; i < loops.size(); ++i) {
+        if (depths[i] <= deepest)
+            kept.push_back(std::move(loops[i]));
+    }
+    return kept;
+}
+
+} // namespace acgi

@@ -1,0 +1,25 @@
+// The boundary of a hatch: closed loops in its plane, and which of them count for its island style.
+#pragma once
+
+#include "host/acgi/gigeometry.h"
+#include "host/acgi/giread.h"
+
+namespace acgi
+{
+
+enum class HatchStyle : std::uint8_t {
+    normal, ///< Every second area from outside in.
+    outer,  ///< The outermost areas only.
+    ignore  ///< All that the outer loops enclose.
+};
+
+HatchStyle hatchStyle(const EntityGroups &groups);
+
+/// The loops that bound the area by the even-odd rule, curves as chords, z the elevation. Loops with
+/// coordinates that are not finite are left out.
+std::vector<AcGiLoop> readHatchLoops(const EntityGroups &groups);
+
+/// What is left of the loops when areas inside areas are not looked at as the style says.
+std::vector<AcGiLoop> loopsForStyle(std::vector<AcGiLoop> loops, HatchStyle style);
+
+} // namespace acgi

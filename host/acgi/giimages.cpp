@@ -1,0 +1,48 @@
+#include "host/acgi/giimages.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <cmath>
+
+/// Images that are larger are loaded smaller: no screen shows more.
+static constexpr qint64 kMostPixels = 40'000'000;
+
+void AcGiImages::find(const QString &path, const QString &folder)
+{
+    const std::lock_guard guard(m_lock);
+    const auto [place, isNew] = m_entries.try_emplace(path);
+    if (!isNew)
+        return;
+    // Drawings name files as the system they come from does.
+    const QString plain = QString(path).replace(u'\\', u'/');
+    Entry &entry = place->second;
+    entry.shownName = plain.section(u'/', -1);
+    const QDir beside(folder);
+    for (const QString &candidate : {plain, beside.filePath(plain), beside.filePath(entry.shownName)}) {
+        const QFileInfo file(candidate);
+        if (!candidate.isEmpty() && file.isFile()) {
+            entry.file = file.absoluteFilePath();
+            return;
+        }
+    }
+    acgiDefaultFont().layOut(entry.shownName, entry.name);
+    entry.nameWidth = acgiDefaultFont().width(entry.shownName);
+}
+
+const AcGiImages::Entry &AcGiImages::load(const QString &path)
+{
+    const std::lock_guard guard(m_lock);
+    Entry &entry = m_entries[path];
+    if (entry.isLoaded || entry.file.isEmpty())
+        return entry;
+    entry.isLoaded = true;
+    QImageReader reader(entry.file);
+    const QSize size = reader.size();
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (pixels > kMostPixels)
+        reader.setScaledSize(size * std::sqrt(double(kMostPixels) / double(pixels)));
+    entry.pixels = reader.read();
+    return entry;
+}

@@ -1,0 +1,35 @@
+// Raster images that drawings show: where their files are, and their pixels once somebody looks at them.
+#pragma once
+
+#include "host/acgi/gifont.h"
+
+#include <QImage>
+#include <QString>
+
+#include <map>
+#include <mutex>
+#include <vector>
+
+class AcGiImages
+{
+public:
+    struct Entry {
+        QString file;                      ///< Absolute path; empty when missing.
+        QString shownName;                 ///< Without its folders.
+        std::vector<AcGiPlacedGlyph> name; ///< The same laid out, for missing ones.
+        double nameWidth = 0.0;
+        QImage pixels; ///< Null until loaded, and when the file is no image.
+        bool isLoaded = false;
+    };
+
+    /// Looks the file up: as named, else by its name in `folder`. Main thread.
+    void find(const QString &path, const QString &folder);
+    /// The entry of a path that was looked up, with its pixels. Any thread.
+    const Entry &load(const QString &path);
+    /// Files may have come or gone.
+    void clear() { m_entries.clear(); }
+
+private:
+    std::mutex m_lock;
+    std::map<QString, Entry> m_entries;
+};

@@ -1,0 +1,315 @@
+#include "host/acgi/gispatialindex.h"
+
+#include "host/acdb/dbreactor.h"
+#include "host/acgi/giread.h"
+
+// One of its headers names an old header of its own library.
+#define BOOST_ALLOW_DEPRECATED_HEADERS
+#include <boost/geometry.hpp>
+#include <boost/geometry/index/rtree.hpp>
+
+#include <algorithm>
+#include <map>
+#include <unordered_set>
+
+namespace
+{
+
+namespace bg = boost::geometry;
+using TreePoint = bg::model::point<double, 2, bg::cs::cartesian>;
+using TreeBox = bg::model::box<TreePoint>;
+using TreeEntry = std::pair<TreeBox, std::uint32_t>; ///< The box of the entity with that stub index.
+using Tree = bg::index::rtree<TreeEntry, bg::index::rstar<16>>;
+
+TreeBox treeBox(const AcDbExtents &box)
+{
+    return {{box.minPoint().x, box.minPoint().y}, {box.maxPoint().x, box.maxPoint().y}};
+}
+
+AcDbExtents plainBox(const TreeBox &box)
+{
+    return {{box.min_corner().get<0>(), box.min_corner().get<1>(), 0.0},
+            {box.max_corner().get<0>(), box.max_corner().get<1>(), 0.0}};
+}
+
+} // namespace
+
+/// An entity that a question is about, with its box unless it reaches without end.
+struct AcGiSpatialIndex::Found {
+    std::uint32_t entity;
+    AcDbExtents box;
+};
+
+/// One space. The tree built at first use stays as it is; entities that changed since then are taken
+/// out of account there and stand in a second, small tree. When that one has grown, all is built anew.
+class AcGiSpatialIndex::Space
+{
+public:
+    Space(AcDbObjectId record, AcGiBlockExtents &blocks) : m_record(record), m_blocks(blocks) { build(); }
+
+    void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
+
+    std::vector<Found> find(const AcDbExtents &box)
+    {
+        update();
+        std::vector<Found> found;
+        if (!box.isValid())
+            return found;
+        const auto query = bg::index::intersects(treeBox(box));
+        const auto add = [&](const TreeEntry &entry) {
+            found.push_back({entry.second, plainBox(entry.first)});
+        };
+        for (auto entry = m_built.qbegin(query); entry != m_built.qend(); ++entry) {
+            if (!m_superseded.contains(entry->second))
+                add(*entry);
+        }
+        std::for_each(m_changed.qbegin(query), m_changed.qend(), add);
+        for (const std::uint32_t entity : m_endless)
+            found.push_back({entity, AcDbExtents()});
+        std::ranges::sort(found, {}, &Found::entity);
+        return found;
+    }
+
+    AcDbExtents extents()
+    {
+        update();
+        AcDbExtents all;
+        if (m_superseded.empty()) {
+            if (!m_built.empty())
+                all.addExt(plainBox(bg::return_envelope<TreeBox>(m_built.bounds())));
+        } else {
+            for (const TreeEntry &entry : m_built) {
+                if (!m_superseded.contains(entry.second))
+                    all.addExt(plainBox(entry.first));
+            }
+        }
+        for (const TreeEntry &entry : m_changed)
+            all.addExt(plainBox(entry.first));
+        return all;
+    }
+
+    const std::unordered_set<std::uint32_t> &withoutExtents()
+    {
+        update();
+        return m_withoutExtents;
+    }
+
+private:
+    void build()
+    {
+        const AcDbDatabase &database = *m_record.database();
+        std::vector<TreeEntry> entries;
+        m_changed.clear();
+        m_changedBoxes.clear();
+        m_superseded.clear();
+        m_endless.clear();
+        m_withoutExtents.clear();
+        m_dirty.clear();
+        if (const BlockContents *const contents = database.blockContents(m_record)) {
+            entries.reserve(contents->entities.size());
+            for (const std::uint32_t index : contents->entities)
+                place(index, [&](const TreeBox &box) { entries.emplace_back(box, index); });
+        }
+        m_built = Tree(entries.begin(), entries.end());
+    }
+
+    /// Hands the box of the entity to `keep`, or notes why it has none.
+    template <class Keep>
+    void place(std::uint32_t index, Keep keep)
+    {
+        readEntity(AcDbObjectId(m_record.database()->stub(index)), [&](const AcDbEntity &entity) {
+            const AcGiReach reach = acgiReach(entity, m_blocks);
+            if (reach.endless)
+                m_endless.insert(index);
+            else if (reach.box.isValid())
+                keep(treeBox(reach.box));
+            else
+                m_withoutExtents.insert(index);
+        });
+    }
+
+    void update()
+    {
+        if (m_dirty.empty())
+            return;
+        constexpr std::size_t kMostChanges = 5000;
+        if (m_changedBoxes.size() + m_dirty.size() > std::max(kMostChanges, m_built.size() / 4))
+            return build();
+        for (const std::uint32_t index : std::exchange(m_dirty, {})) {
+            m_superseded.insert(index);
+            m_endless.erase(index);
+            m_withoutExtents.erase(index);
+            if (const auto old = m_changedBoxes.find(index); old != m_changedBoxes.end()) {
+                m_changed.remove(TreeEntry(old->second, index));
+                m_changedBoxes.erase(old);
+            }
+            place(index, [&](const TreeBox &box) {
+                m_changed.insert(TreeEntry(box, index));
+                m_changedBoxes.emplace(index, box);
+            });
+        }
+    }
+
+    AcDbObjectId m_record;
+    AcGiBlockExtents &m_blocks;
+    Tree m_built;
+    Tree m_changed;
+    std::unordered_map<std::uint32_t, TreeBox> m_changedBoxes; ///< What stands in m_changed.
+    std::unordered_set<std::uint32_t> m_superseded;            ///< Entries of m_built that no longer hold.
+    std::unordered_set<std::uint32_t> m_endless;
+    std::unordered_set<std::uint32_t> m_withoutExtents;
+    std::unordered_set<std::uint32_t> m_dirty; ///< Changed since the last question.
+};
+
+/// The indexes of all open drawings.
+static std::map<AcDbDatabase *, std::unique_ptr<AcGiSpatialIndex>> &spatialIndexes()
+{
+    static std::map<AcDbDatabase *, std::unique_ptr<AcGiSpatialIndex>> all;
+    return all;
+}
+
+/// Hears of changes to the drawing, and of its end.
+class AcGiSpatialIndex::Keeper : public AcDbDatabaseReactor
+{
+public:
+    explicit Keeper(AcGiSpatialIndex &index) : m_index(index) { m_index.m_database.addReactor(this); }
+    ~Keeper() override
+    {
+        if (!m_ended)
+            m_index.m_database.removeReactor(this);
+    }
+
+    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override
+    {
+        m_index.noteChange(*object);
+    }
+    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override
+    {
+        m_index.noteChange(*object);
+    }
+    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override
+    {
+        m_index.noteChange(*object);
+    }
+    void objectModified(const AcDbDatabase *, const AcDbObject *object) override
+    {
+        m_index.noteChange(*object);
+    }
+    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override
+    {
+        m_index.noteChange(*object);
+    }
+    void goodbye(const AcDbDatabase *) override
+    {
+        m_ended = true;
+        spatialIndexes().erase(&m_index.m_database); // Deletes the index, and this with it.
+    }
+
+private:
+    AcGiSpatialIndex &m_index;
+    bool m_ended = false;
+};
+
+AcGiSpatialIndex::AcGiSpatialIndex(AcDbDatabase &database)
+    : m_database(database), m_keeper(std::make_unique<Keeper>(*this))
+{
+}
+
+AcGiSpatialIndex::~AcGiSpatialIndex() = default;
+
+AcGiSpatialIndex &acgiSpatialIndex(AcDbDatabase &database)
+{
+    std::unique_ptr<AcGiSpatialIndex> &index = spatialIndexes()[&database];
+    if (!index)
+        index.reset(new AcGiSpatialIndex(database));
+    return *index;
+}
+
+AcGiSpatialIndex::Space &AcGiSpatialIndex::space(AcDbObjectId blockRecord)
+{
+    std::unique_ptr<Space> &space = m_spaces[blockRecord];
+    if (!space)
+        space = std::make_unique<Space>(blockRecord, m_blocks);
+    return *space;
+}
+
+void AcGiSpatialIndex::noteChange(const AcDbObject &object)
+{
+    if (!object.objectId().isEntity())
+        return;
+    // Attributes and vertices change what they belong to.
+    const AcDbStub *changed = object.objectId().stub();
+    while (changed->has(AcDbStub::kSubEntity) && changed->owner != 0)
+        changed = m_database.stub(changed->owner);
+    const AcDbObjectId block(m_database.stub(changed->owner));
+    if (const auto known = m_spaces.find(block); known != m_spaces.end())
+        known->second->noteChange(changed->index);
+    // Whoever shows that block looks different now; only blocks that were looked into are shown.
+    if (m_blocks.knows(block)) {
+        m_blocks.clear();
+        m_spaces.clear();
+    }
+}
+
+std::vector<AcGiSpatialIndex::Found> AcGiSpatialIndex::candidates(AcDbObjectId blockRecord,
+                                                                  const AcGiWindow &window)
+{
+    return window.isEmpty() ? std::vector<Found>() : space(blockRecord).find(window.extents());
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::query(AcDbObjectId blockRecord, const AcDbExtents &box)
+{
+    std::vector<AcDbObjectId> ids;
+    for (const Found &found : space(blockRecord).find(box))
+        ids.emplace_back(m_database.stub(found.entity));
+    return ids;
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
+{
+    std::vector<AcDbObjectId> ids;
+    for (const Found &found : candidates(blockRecord, window)) {
+        const AcDbObjectId id(m_database.stub(found.entity));
+        bool inside = window.contains(found.box);
+        // The boxes of turned inserts are larger than the inserts.
+        if (!inside && found.box.isValid())
+            readEntity(id, [&](const AcDbEntity &e) { inside = acgiInsideWindow(e, window, &m_blocks); });
+        if (inside)
+            ids.push_back(id);
+    }
+    return ids;
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
+{
+    std::vector<AcDbObjectId> ids;
+    for (const Found &found : candidates(blockRecord, window)) {
+        const AcDbObjectId id(m_database.stub(found.entity));
+        bool crosses = window.contains(found.box);
+        if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
+            readEntity(id, [&](const AcDbEntity &e) { crosses = acgiCrossesWindow(e, window, &m_blocks); });
+        if (crosses)
+            ids.push_back(id);
+    }
+    return ids;
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point,
+                                                    double aperture)
+{
+    return crossingWindow(blockRecord, AcGiWindow::aroundPoint(point, aperture));
+}
+
+AcDbExtents AcGiSpatialIndex::extents(AcDbObjectId blockRecord)
+{
+    return space(blockRecord).extents();
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::withoutExtents(AcDbObjectId blockRecord)
+{
+    std::vector<AcDbObjectId> ids;
+    for (const std::uint32_t index : space(blockRecord).withoutExtents())
+        ids.emplace_back(m_database.stub(index));
+    std::ranges::sort(ids, {}, [](AcDbObjectId id) { return id.stub()->index; });
+    return ids;
+}

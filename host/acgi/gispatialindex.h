@@ -1,0 +1,52 @@
+// Where the entities of a drawing are: an R-tree of their extents for each space, built on first use and
+// kept up by changes. Questions cost what they touch, not what the drawing holds.
+#pragma once
+
+#include "host/acgi/giextents.h"
+#include "host/acgi/giregion.h"
+
+#include <memory>
+
+/// The index of one drawing; see acgiSpatialIndex(). Results are in drawing order: the newest entity,
+/// which lies on top, comes last. Erased entities are never found; layers and visibility are not asked.
+class AcGiSpatialIndex
+{
+public:
+    ~AcGiSpatialIndex();
+    AcGiSpatialIndex(const AcGiSpatialIndex &) = delete;
+    AcGiSpatialIndex &operator=(const AcGiSpatialIndex &) = delete;
+
+    /// Entities of the space whose box meets `box` in x and y. Boxes of turned inserts may be larger than
+    /// what they show. Entities with lines without end are always among them; entities without extents
+    /// never are.
+    std::vector<AcDbObjectId> query(AcDbObjectId blockRecord, const AcDbExtents &box);
+
+    /// Entities that acgiInsideWindow(), acgiCrossesWindow() and acgiHit() say yes to.
+    std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
+    std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
+
+    /// The box around all entities of the space; not valid when none has extents.
+    AcDbExtents extents(AcDbObjectId blockRecord);
+    /// Entities that no box or window can find: kinds that draw nothing, empty inserts.
+    std::vector<AcDbObjectId> withoutExtents(AcDbObjectId blockRecord);
+
+private:
+    friend AcGiSpatialIndex &acgiSpatialIndex(AcDbDatabase &database);
+    class Space;
+    class Keeper;
+    struct Found;
+
+    explicit AcGiSpatialIndex(AcDbDatabase &database);
+    Space &space(AcDbObjectId blockRecord);
+    std::vector<Found> candidates(AcDbObjectId blockRecord, const AcGiWindow &window);
+    void noteChange(const AcDbObject &object);
+
+    AcDbDatabase &m_database;
+    AcGiBlockExtents m_blocks;
+    std::unordered_map<AcDbObjectId, std::unique_ptr<Space>> m_spaces;
+    std::unique_ptr<Keeper> m_keeper;
+};
+
+/// The index of a drawing, made when first asked for; it ends with the drawing.
+AcGiSpatialIndex &acgiSpatialIndex(AcDbDatabase &database);
