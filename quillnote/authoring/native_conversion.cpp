@@ -183,7 +183,7 @@ NativeConversion convertMarks(AcDbDatabase &database)
                 continue;
         }
         ++result.converted;
-        result.protectedOnes += eraseMark(id) ? 0 : 1;
+        result.notErased += eraseMark(id) ? 0 : 1;
     }
     return result;
 }
@@ -197,6 +197,6 @@ void QN8_ToNativeEnt()
     acutPrintf(QStringLiteral("\n%1 个标签已转换为普通图元。").arg(result.converted));
     if (result.hidden > 0)
         acutPrintf(QStringLiteral("\n%1 个隐藏的标签未转换，保留原样。").arg(result.hidden));
-    if (result.protectedOnes > 0)
-        acutPrintf(QStringLiteral("\n%1 个受保护的标签仍保留在转换结果旁。").arg(result.protectedOnes));
+    if (result.notErased > 0)
+        acutPrintf(QStringLiteral("\n%1 个受保护的标签仍保留在转换结果旁。").arg(result.notErased));
 }

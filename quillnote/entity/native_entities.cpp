@@ -180,14 +180,46 @@ void NativeEntityBuilder::arc(const AcGiArc &arc)
                 realGroup(51, to * kDegrees)});
 }
 
-// Corners of solids run zigzag.
+// Bands and rectangles are solids. What would take many of them, with seams between, is one hatch.
 void NativeEntityBuilder::fill(std::span<const AcGiLoop> loops)
 {
     for (const AcGiLoop &loop : loops) {
-        for (const auto &piece : solidPieces(loop))
-            add("SOLID",
-                {subclass("AcDbTrace"), {10, piece[0]}, {11, piece[1]}, {12, piece[3]}, {13, piece[2]}});
+        const bool isClosed = loop.size() > 1 && loop.front().isEqualTo(loop.back());
+        const auto corners = std::span(loop).first(loop.size() - (isClosed ? 1 : 0));
+        const bool isBand = corners.size() == 4 || corners.size() == 6;
+        if (isBand || isR12())
+            solids(corners);
+        else if (corners.size() > 2)
+            hatch(corners);
     }
+}
+
+// Corners of solids run zigzag.
+void NativeEntityBuilder::solids(std::span<const AcGePoint3d> area)
+{
+    for (const auto &piece : solidPieces(area))
+        add("SOLID", {subclass("AcDbTrace"), {10, piece[0]}, {11, piece[1]}, {12, piece[3]}, {13, piece[2]}});
+}
+
+void NativeEntityBuilder::hatch(std::span<const AcGePoint3d> area)
+{
+    constexpr std::int64_t kOuterPolyline = 1 | 2;
+    ResbufList groups{subclass("AcDbHatch"),
+                      {10, AcGePoint3d(0.0, 0.0, area.front().z)},
+                      {210, AcGePoint3d(0.0, 0.0, 1.0)},
+                      {2, QStringLiteral("SOLID")},
+                      number(70, 1),
+                      number(71, 0),
+                      number(91, 1),
+                      number(92, kOuterPolyline),
+                      number(72, 0),
+                      number(73, 1),
+                      number(93, std::int64_t(area.size()))};
+    for (const AcGePoint3d &corner : area)
+        groups.emplace_back(10, AcGePoint2d(corner.x, corner.y));
+    for (const auto &[code, value] : {std::pair(97, 0), std::pair(75, 0), std::pair(76, 1), std::pair(98, 0)})
+        groups.push_back(number(code, value));
+    add("HATCH", std::move(groups));
 }
 
 void NativeEntityBuilder::text(const AcGiTextLine &line)
@@ -282,15 +314,31 @@ void NativeEntityBuilder::multilineText(std::span<const MarkTextLine> lines, con
 
 // Waves -------------------------------------------------------------------------------------------
 
-/// There and back along the same arc.
-static void buildThinBump(const WaveBump &bump, NativeEntityBuilder &builder)
+static double bulgeOf(const AcGiArc &arc)
 {
-    const auto arc = acgiArcThrough(bump.a, waveMiddle(bump), bump.b);
-    if (!arc)
-        return;
-    const double bulge = std::tan(arc->sweep / 4.0) * (arc->u.crossProduct(arc->v).z < 0.0 ? -1.0 : 1.0);
-    const AcGiVertex vertices[] = {{.point = bump.a, .bulge = bulge}, {.point = bump.b, .bulge = -bulge}};
-    builder.pline(vertices, true);
+    return std::tan(arc.sweep / 4.0) * (arc.u.crossProduct(arc.v).z < 0.0 ? -1.0 : 1.0);
+}
+
+/// Bumps that follow each other are one polyline, closed when they lead back.
+static void buildThinWaves(std::span<const WaveBump> bumps, NativeEntityBuilder &builder)
+{
+    constexpr double kRounding = 1e-6; // Of a chord.
+    const auto meet = [](const WaveBump &bump, const AcGePoint3d &next) {
+        return bump.b.isEqualTo(next, kRounding * bump.a.distanceTo(bump.b));
+    };
+    std::vector<AcGiVertex> chain;
+    for (std::size_t i = 0, first = 0; i < bumps.size(); ++i) {
+        const auto arc = acgiArcThrough(bumps[i].a, waveMiddle(bumps[i]), bumps[i].b);
+        chain.push_back({.point = bumps[i].a, .bulge = arc ? bulgeOf(*arc) : 0.0});
+        if (i + 1 < bumps.size() && meet(bumps[i], bumps[i + 1].a))
+            continue;
+        const bool closed = i > first && meet(bumps[i], bumps[first].a);
+        if (!closed)
+            chain.push_back({.point = bumps[i].b});
+        builder.pline(chain, closed);
+        chain.clear();
+        first = i + 1;
+    }
 }
 
 /// The sickle as a line along its middle that is as wide as the sickle is there; its way back is a line
@@ -309,8 +357,7 @@ static void buildThickBump(const WaveBump &bump, NativeEntityBuilder &builder)
     const auto arc =
         acgiArcThrough(vertices.front().point, vertices[kBumpSamples / 2].point, vertices.back().point);
     if (arc)
-        vertices.back().bulge =
-            -std::tan(arc->sweep / 4.0) * (arc->u.crossProduct(arc->v).z < 0.0 ? -1.0 : 1.0);
+        vertices.back().bulge = -bulgeOf(*arc);
     builder.pline(vertices, true);
 }
 
@@ -320,8 +367,10 @@ static void buildOutline(const MarkOutline &outline, NativeEntityBuilder &builde
     pieces.bumps.clear();
     drawOutline(pieces, AcGiWorldDraw(builder, kAcGiStandardDisplay));
     builder.subEntityTraits().setColor(outline.waveColor);
+    if (outline.thinWaves)
+        return buildThinWaves(outline.bumps, builder);
     for (const WaveBump &bump : outline.bumps)
-        outline.thinWaves ? buildThinBump(bump, builder) : buildThickBump(bump, builder);
+        buildThickBump(bump, builder);
 }
 
 static void buildText(const MarkTextLayout &text, const MarkAxes &axes, NativeEntityBuilder &builder)

@@ -1,6 +1,6 @@
-// The picture of a mark as plain entities, which any program shows: lines and waves as light polylines, areas
-// as solids, the opinion as a multi-line text, numbers as texts. R12 drawings get lines, arcs and texts of
-// one line instead.
+// The picture of a mark as plain entities, which any program shows: lines and waves as light polylines, bands
+// as solids, other areas as hatches, the opinion as a multi-line text, numbers as texts. R12 drawings get
+// lines, arcs, solids and texts of one line instead.
 #pragma once
 
 #include "quillnote/entity/mark_layout.h"
@@ -42,6 +42,8 @@ public:
 private:
     void add(const char *kind, ResbufList groups);
     void line(const AcGePoint3d &from, const AcGePoint3d &to);
+    void solids(std::span<const AcGePoint3d> area);
+    void hatch(std::span<const AcGePoint3d> area);
 
     ResbufList m_common; ///< Layer, linetype and the like, of every entity.
     ResbufList m_color;  ///< The colour of the entity they are like.

@@ -1,4 +1,6 @@
 // What marks look like: every outline, every text-box frame, flags and their numbers, shrunk marks, sketches.
+// Each of them looks the same after it was converted to plain entities.
+#include "quillnote/authoring/native_conversion.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_state.h"
@@ -20,7 +22,10 @@ struct MarkPictures : testing::Test {
         markDrawingState().reset();
         startUpSettings().reset();
         startUpSettings().viewFlag = true;
-        drawing = std::make_unique<tests::OpenDrawing>(tests::MemoryDrawing().open());
+        tests::MemoryDrawing made;
+        made.record(SymbolTable::textStyle, "STYLE", "Standard",
+                    {{70, 0}, {40, 0.0}, {41, 0.7}, {3, "txt"}, {4, ""}});
+        drawing = std::make_unique<tests::OpenDrawing>(made.open());
     }
     ~MarkPictures() override
     {
@@ -53,6 +58,20 @@ struct MarkPictures : testing::Test {
         EXPECT_TRUE(picture.report.undrawn.empty());
         EXPECT_TRUE(
             tests::matchesPicture(picture.image, QStringLiteral("quillnote/pictures/%1.png").arg(name)));
+        compareConverted(picture.image);
+    }
+    /// Letters and the edges of waves may fall on other sides of a pixel.
+    void compareConverted(const QImage &marks) const
+    {
+        AcApView &seen = drawing->document().view();
+        seen.height = seen.pixelHeight; // A pixel is a unit, as in the pictures.
+        EXPECT_GT(convertMarks(drawing->database()).converted, 0U);
+        const AcGiViewport view = tests::planView(0, 0, marks.width(), marks.height());
+        const tests::Picture converted = tests::paintPicture(drawing->database().modelSpaceId(), view);
+        EXPECT_TRUE(converted.report.undrawn.empty());
+        constexpr double kShare = 0.005;
+        const double pixels = double(marks.width()) * marks.height();
+        EXPECT_LE(double(tests::differingPixels(marks, converted.image)), kShare * pixels);
     }
     std::unique_ptr<tests::OpenDrawing> drawing;
 };
