@@ -1,6 +1,7 @@
 #include "host/acgi/gicanvas.h"
 
 #include "host/acgi/giclip.h"
+#include "host/acgi/giscanfill.h"
 #include "host/base/assert.h"
 
 #include <algorithm>
@@ -16,9 +17,11 @@ static constexpr float kThinnestWide = 1.5F;
 static constexpr std::uint32_t kWhole = 256;
 
 AcGiCanvas::AcGiCanvas(QPainter &painter, const QRectF &visible, const QRectF &whole,
-                       const AcGiPixels &pixels, bool antialiasing, AcGiGlyphMasks &masks)
+                       const AcGiPixels &pixels, bool antialiasing, AcGiGlyphMasks &masks,
+                       const std::atomic<bool> &cancelled)
     : m_painter(painter), m_pixels(pixels),
-      m_antialiasing(antialiasing), m_clips{{visible, whole, true, false}}, m_masks(masks)
+      m_antialiasing(antialiasing), m_clips{{visible, whole, true, false}}, m_masks(masks),
+      m_cancelled(cancelled)
 {
     m_painter.setRenderHint(QPainter::Antialiasing, antialiasing);
     updatePixelClip();
@@ -415,17 +418,38 @@ static bool isThin(const QPolygonF &loop)
     return std::abs(area) < length;
 }
 
+void AcGiCanvas::fillByRows(std::span<const QPolygonF> loops)
+{
+    const QRect shown(m_left, m_upper, m_right - m_left, m_lower - m_upper);
+    acgiScanFill(loops, shown, m_cancelled, [&](int y, std::span<const std::uint16_t> coverage) {
+        std::uint32_t *const line = pixelAt(m_left, y);
+        for (std::size_t x = 0; x < coverage.size(); ++x) {
+            if (coverage[x] > 0)
+                mix(line[x], m_source, coverage[x] * m_opacity >> 8);
+        }
+    });
+}
+
 void AcGiCanvas::fill(std::vector<QPolygonF> &loops)
 {
     const QRectF near = whole().adjusted(-4, -4, 4, 4);
     std::vector<QPolygonF> thin;
+    constexpr qsizetype kVeryMany = 20000;
     for (QPolygonF &loop : loops) {
+        if (m_cancelled)
+            return;
         loop = acgiClipPolygon(loop, near);
-        if (loop.size() > 1 && isThin(loop))
+        if (loop.size() > 1 && loop.size() < kVeryMany && isThin(loop))
             thin.push_back(loop);
     }
     std::erase_if(loops, [](const QPolygonF &loop) { return loop.size() < 3; });
-    if (!loops.empty()) {
+    qsizetype corners = 0;
+    for (const QPolygonF &loop : loops)
+        corners += loop.size();
+    if (corners > kVeryMany && isDirect()) {
+        flushLines();
+        fillByRows(loops);
+    } else if (!loops.empty()) {
         flushLines();
         useBrush();
         if (loops.size() == 1) {

@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QPolygonF>
 
+#include <atomic>
 #include <span>
 #include <vector>
 
@@ -28,7 +29,7 @@ public:
     /// The painter's coordinates are pixels of the view; `visible` is the part of the view, `whole`, that is
     /// to be painted. Each part comes out as it does when the whole is painted.
     AcGiCanvas(QPainter &painter, const QRectF &visible, const QRectF &whole, const AcGiPixels &pixels,
-               bool antialiasing, AcGiGlyphMasks &masks);
+               bool antialiasing, AcGiGlyphMasks &masks, const std::atomic<bool> &cancelled);
     ~AcGiCanvas();
     AcGiCanvas(const AcGiCanvas &) = delete;
     AcGiCanvas &operator=(const AcGiCanvas &) = delete;
@@ -75,6 +76,7 @@ private:
         return m_pixels.first + std::ptrdiff_t(y - m_pixels.top) * m_pixels.stride + (x - m_pixels.left);
     }
     void mask(const AcGiGlyphMask &mask, int x, int y);
+    void fillByRows(std::span<const QPolygonF> loops);
     void flushLines();
     void usePen();
     void useBrush();
@@ -96,6 +98,7 @@ private:
     PainterState m_state = PainterState::unknown;
     std::vector<QLineF> m_lines; ///< For the painter, with the present pen.
     AcGiGlyphMasks &m_masks;
+    const std::atomic<bool> &m_cancelled; ///< Then what takes long may be left out.
     AcGiGlyphMatrix m_glyphMatrix;
     bool m_useMasks = false;
 };

@@ -281,7 +281,7 @@ void AcGiPicture::paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pix
 {
     const QRectF whole = wholeView();
     AcGiCanvas canvas(painter, whole & QRectF(tile.area), whole, pixels, m_options.antialiasing,
-                      *worker.masks);
+                      *worker.masks, m_cancelled);
     AcGiListPainter lists(*this, canvas, m_pens, m_options, m_cancelled);
     if (worker.asks)
         lists.setCancelQuestion(m_options.isCancelled);

@@ -456,3 +456,50 @@ TEST_F(DisplayUpdate, PaintsEntitiesOverAPictureInOneColour)
     }
     EXPECT_EQ(image.pixel(420, 240), options.highlight.rgb()) << "a copy that stands in no drawing";
 }
+
+TEST_F(DisplayUpdate, FillsAreasOfVeryManyCornersLikeOthers)
+{
+    // The same ring, in few corners and in very many: nearly the same picture, in parts as in whole.
+    const auto ring = [](int corners) {
+        MemoryDrawing drawing;
+        Groups groups = {{62, 1},
+                         {100, "AcDbHatch"},
+                         {10, AcGePoint3d()},
+                         {210, AcGePoint3d(0, 0, 1)},
+                         {2, "SOLID"},
+                         {70, 1},
+                         {71, 0},
+                         {91, 2}};
+        for (const double radius : {200.0, 120.0}) {
+            groups.insert(groups.end(), {{92, 3}, {72, 0}, {73, 1}, {93, corners}});
+            for (int i = 0; i < corners; ++i) {
+                const double angle = 2.0 * kGePi * i / corners;
+                groups.emplace_back(
+                    10, AcGePoint2d(320.2 + radius * std::cos(angle), 240.1 + radius * std::sin(angle)));
+            }
+            groups.emplace_back(97, 0);
+        }
+        groups.insert(groups.end(), {{75, 0}, {76, 1}, {98, 0}});
+        drawing.entity("HATCH", groups);
+        return drawing.open();
+    };
+    m_database = ring(720);
+    const QImage few = painted(viewOf());
+    m_database = ring(40000);
+    const QImage many = painted(viewOf());
+    int different = 0;
+    for (int y = 0; y < kSize.height(); ++y) {
+        for (int x = 0; x < kSize.width(); ++x)
+            different += std::abs(qRed(few.pixel(x, y)) - qRed(many.pixel(x, y))) > 40;
+    }
+    EXPECT_LT(different, 20);
+    EXPECT_EQ(many.pixel(320, 80), acgiIndexColor(1));
+    EXPECT_EQ(many.pixel(320, 240), 0xFF000000u) << "the hole";
+    QImage pieces(kSize, QImage::Format_RGB32);
+    AcGiPaintOptions options = m_options;
+    for (const QRect &part : {QRect(0, 0, 333, 480), QRect(333, 0, 307, 201), QRect(333, 201, 307, 279)}) {
+        options.part = part;
+        paintOnto(pieces, viewOf(), options);
+    }
+    EXPECT_EQ(pieces, many);
+}
