@@ -7,12 +7,25 @@
 namespace bench
 {
 
+/// The time since it was made.
+class Stopwatch
+{
+public:
+    double seconds() const
+    {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_begin).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+};
+
 template <class Work>
 double seconds(Work work)
 {
-    const auto begin = std::chrono::steady_clock::now();
+    const Stopwatch since;
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return since.seconds();
 }
 
 /// The fastest of several runs: what the machine can do when nothing disturbs it.

@@ -36,6 +36,8 @@ public:
 
     /// The picture shows exactly the drawing as it is; nothing is being painted.
     bool isSharp() const { return m_picture.isSharp(); }
+    /// What is chosen is shown so, and nothing more is being painted for it.
+    bool isHighlightSharp() const { return m_highlight.isSharp(); }
     /// The picture of the drawing alone, without what follows the cursor.
     const QImage &picture() const { return m_picture.image(); }
     /// Looks at once for what has changed.

@@ -2,6 +2,8 @@
 
 #include "app/window/view_picture.h"
 
+#include <QDeadlineTimer>
+
 namespace window
 {
 
@@ -14,11 +16,15 @@ ViewHighlight::ViewHighlight(QObject *parent) : QObject(parent)
     m_rest.setSingleShot(true);
     m_rest.setInterval(150);
     connect(&m_rest, &QTimer::timeout, this, &ViewHighlight::repaint);
+    m_next.setSingleShot(true);
+    m_next.setInterval(0);
+    connect(&m_next, &QTimer::timeout, this, &ViewHighlight::paintSlice);
 }
 
 void ViewHighlight::clear()
 {
     m_rest.stop();
+    m_next.stop();
     m_database = nullptr;
     m_image = {};
     if (std::exchange(m_entities, {}).empty())
@@ -42,37 +48,63 @@ void ViewHighlight::show(AcDbDatabase *database, const std::vector<AcDbObjectId>
     m_view = view;
     if (isOther)
         m_entities = entities;
-    if (isOther || m_entities.size() <= kFew)
+    if (isOther || m_entities.size() <= kFew) {
         repaint();
-    else
+    } else {
+        m_next.stop(); // What is there goes on being shown.
         m_rest.start();
+    }
     Q_EMIT changed();
 }
 
 void ViewHighlight::repaint()
 {
     m_rest.stop();
+    m_next.stop();
     if (!m_database)
         return;
     QImage image(int(m_view.pixelWidth), int(m_view.pixelHeight), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return;
     image.fill(Qt::transparent);
+    m_image = image;
+    m_imageView = m_view;
+    m_painted = 0;
+    if (m_entities.size() > kFew) {
+        paintSlice();
+        return;
+    }
+    paintSome(m_entities.size());
+    // Lines that are two pixels wide stand out whatever their colour was.
+    const QImage thin = m_image.copy();
+    QPainter widen(&m_image);
+    widen.drawImage(1, 0, thin);
+    widen.drawImage(0, 1, thin);
+    widen.end();
+    Q_EMIT changed();
+}
+
+void ViewHighlight::paintSlice()
+{
+    constexpr std::size_t kSome = 500;
+    constexpr int kSlice = 15; // Milliseconds.
+    const QDeadlineTimer until(kSlice);
+    while (m_painted < m_entities.size() && !until.hasExpired())
+        paintSome(std::min(kSome, m_entities.size() - m_painted));
+    if (m_painted < m_entities.size())
+        m_next.start();
+    Q_EMIT changed();
+}
+
+void ViewHighlight::paintSome(std::size_t count)
+{
     AcGiPaintOptions options;
     options.fillBackground = false;
     options.highlight = kChosen;
-    QPainter painter(&image);
-    acgiDisplay(*m_database).paintEntities(m_entities, m_view, painter, options);
-    painter.end();
-    m_image = image;
-    if (m_entities.size() <= kFew) {
-        // Lines that are two pixels wide stand out whatever their colour was.
-        QPainter widen(&m_image);
-        widen.drawImage(1, 0, image);
-        widen.drawImage(0, 1, image);
-    }
-    m_imageView = m_view;
-    Q_EMIT changed();
+    QPainter painter(&m_image);
+    const std::span some = std::span(m_entities).subspan(m_painted, count);
+    acgiDisplay(*m_database).paintEntities(some, m_imageView, painter, options);
+    m_painted += count;
 }
 
 void ViewHighlight::paint(QPainter &painter) const

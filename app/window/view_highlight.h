@@ -9,8 +9,8 @@
 namespace window
 {
 
-/// A layer of few entities always fits the view. One of many is shown moved and scaled while the view changes
-/// and painted anew when the view has come to rest.
+/// A layer of few entities always fits the view. One of many grows in slices, so that nothing waits for it;
+/// it is shown moved and scaled while the view changes and painted anew when the view has come to rest.
 class ViewHighlight : public QObject
 {
     Q_OBJECT
@@ -24,12 +24,16 @@ public:
     /// The painter's coordinates are the pixels of the view.
     void paint(QPainter &painter) const;
     bool isEmpty() const { return m_entities.empty(); }
+    /// All of the entities are painted as the view sees them.
+    bool isSharp() const { return m_entities.empty() || (!m_next.isActive() && !m_rest.isActive()); }
 
 Q_SIGNALS:
     void changed();
 
 private:
     void repaint();
+    void paintSlice();
+    void paintSome(std::size_t count);
 
     AcDbDatabase *m_database = nullptr;
     std::vector<AcDbObjectId> m_entities;
@@ -37,7 +41,9 @@ private:
     AcGiViewport m_view;
     QImage m_image;
     AcGiViewport m_imageView;
-    QTimer m_rest;
+    std::size_t m_painted = 0; ///< Of the entities.
+    QTimer m_rest;             ///< Runs until the view has come to rest.
+    QTimer m_next;             ///< The next slice.
 };
 
 } // namespace window
