@@ -121,6 +121,8 @@ void AcGiDisplay::Impl::start(AcDbObjectId space, const AcGiViewport &view, cons
     AcGiPaintOptions all = options;
     all.fillBackground = true;
     all.isCancelled = nullptr;
+    // Plotted text asks fonts, which belong to the calling thread.
+    all.plotting = false;
     auto picture = std::make_unique<AcGiPicture>(sources(), view, all);
     picture->takeSpace(space);
     m_background = std::move(picture);

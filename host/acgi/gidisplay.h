@@ -64,7 +64,9 @@ public:
     /// Makes lists that the view needs and that are missing, for about so long. True when none is missing.
     bool prepare(AcDbObjectId space, const AcGiViewport &view, int milliseconds);
     /// Paints on threads of its own; `done` gets the picture on the calling thread, from its event loop. What
-    /// changes the lists stops the painting first, and so does another call; then `done` is never called.
+    /// changes the lists stops the painting first, and so does another call; then `done` is never called. Not
+    /// for plots; `isCancelled` is not asked and the background always filled. With a part, only that part of
+    /// the picture is painted.
     void paintInBackground(AcDbObjectId space, const AcGiViewport &view, const AcGiPaintOptions &options,
                            std::function<void(QImage, AcGiPaintReport)> done);
     void stopPainting();
