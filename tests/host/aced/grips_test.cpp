@@ -81,7 +81,7 @@ TEST_F(Grips, AsksForEntitiesWhenNoneAreChosenAndLeavesLockedOnes)
     expectPoint(m_left, 11, {12, 0, 0});
     expectPoint(m_locked, 10, {10, 0, 0});
     EXPECT_TRUE(printed.contains(QStringLiteral("1 个对象不能改动"))) << qPrintable(printed);
-    EXPECT_EQ(pickSet().size(), 2u);
+    EXPECT_TRUE(pickSet().empty());
 }
 
 TEST_F(Grips, PlacesWithoutGripsChangeNothing)
