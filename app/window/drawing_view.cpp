@@ -11,6 +11,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 #include "host/aced/edwinmsg.h"
+#include "host/acgi/gispatialindex.h"
 
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -110,8 +111,10 @@ void DrawingView::refresh()
 void DrawingView::lookForChanges()
 {
     AcApDocument *const document = curDoc();
-    if (document && isVisible() && mayRead())
-        showDocument(*document, false);
+    if (!document || !isVisible() || !mayRead())
+        return;
+    correctZoom(*document);
+    showDocument(*document, false);
 }
 
 void DrawingView::showDocument(AcApDocument &document, bool mayHaveChanged)
@@ -168,6 +171,7 @@ void DrawingView::documentToBeDestroyed(AcApDocument *document)
     if (document->database() != m_shown)
         return;
     m_shown = nullptr;
+    m_roughZoom.reset();
     m_chosen.clear();
     m_picture.clear();
     m_highlight.clear();
@@ -215,17 +219,65 @@ void DrawingView::panBy(QPoint way)
     lookForChanges();
 }
 
+/// What the file says of model space; not valid when that cannot be.
+static AcDbExtents savedExtents(const AcDbDatabase &database, AcDbObjectId space)
+{
+    constexpr double kNowhere = 1e19; // Written for a space without entities.
+    AcDbExtents box;
+    if (space != database.modelSpaceId())
+        return box;
+    const AcGePoint3d low = database.headerPoint("$EXTMIN");
+    const AcGePoint3d high = database.headerPoint("$EXTMAX");
+    if (low.x < high.x && low.y < high.y && low.x > -kNowhere && low.y > -kNowhere && high.x < kNowhere &&
+        high.y < kNowhere)
+        box = {low, high};
+    return box;
+}
+
 void DrawingView::zoomExtents()
 {
     AcApDocument *const document = curDoc();
     if (!document)
         return;
-    fitViewToWidget(*document);
-    // The view that is changed is that of the current space, which may be seen through a viewport.
-    AcApView shown = acedShownView(*document);
-    AcDbExtents box = acedSpaceExtents(*document->database(), acedShownSpace(*document));
+    AcDbDatabase &database = *document->database();
+    const AcDbObjectId space = acedShownSpace(*document);
+    constexpr int kPatience = 15; // Milliseconds.
+    m_roughZoom.reset();
+    AcDbExtents box;
+    const bool isKnown = acgiSpatialIndex(database).prepare(space, kPatience);
+    if (!isKnown)
+        box = savedExtents(database, space);
+    const bool isRough = box.isValid();
+    if (!isRough)
+        box = acedSpaceExtents(database, space);
+    zoomTo(*document, box);
+    if (isRough)
+        m_roughZoom = RoughZoom{&database, document->view()};
+}
+
+/// The index is ready one day.
+void DrawingView::correctZoom(AcApDocument &document)
+{
+    if (!m_roughZoom)
+        return;
+    const AcApView &left = m_roughZoom->view;
+    const AcApView &now = document.view();
+    const bool isLeft = document.database() == m_roughZoom->database && left.centre == now.centre &&
+                        left.height == now.height;
+    if (isLeft && !acgiSpatialIndex(*document.database()).prepare(acedShownSpace(document), 0))
+        return;
+    m_roughZoom.reset();
+    if (isLeft)
+        zoomExtents();
+}
+
+void DrawingView::zoomTo(AcApDocument &document, AcDbExtents box)
+{
     if (!box.isValid())
         return;
+    fitViewToWidget(document);
+    // The view that is changed is that of the current space, which may be seen through a viewport.
+    const AcApView shown = acedShownView(document);
     const AcGeMatrix3d frame = acedViewFrame(shown);
     box.transformBy(frame);
     const AcGeVector3d size = box.maxPoint() - box.minPoint();
@@ -233,8 +285,8 @@ void DrawingView::zoomExtents()
     const double height = kMargin * std::max(size.y, size.x * shown.pixelHeight / shown.pixelWidth);
     const AcGePoint3d centre = frame.inverse() * (box.minPoint() + size * 0.5);
     const QPointF pixel(shown.pixelWidth / 2.0, shown.pixelHeight / 2.0);
-    const AcGePoint3d at = acedViewport(*document).worldToPixel() * centre;
-    AcApView &view = document->view();
+    const AcGePoint3d at = acedViewport(document).worldToPixel() * centre;
+    AcApView &view = document.view();
     const AcGeVector3d seen((at.x - pixel.x()) * view.pixelSize(), (pixel.y() - at.y) * view.pixelSize(),
                             0.0);
     view.centre = view.centre + acedViewFrame(view).inverse() * seen;

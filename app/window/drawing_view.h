@@ -7,6 +7,7 @@
 #include "app/window/view_picture.h"
 
 #include "host/acap/docman.h"
+#include "host/acge/geextents.h"
 
 #include <QWidget>
 
@@ -24,7 +25,8 @@ public:
     explicit DrawingView(WindowFrontEnd &frontEnd, QWidget *parent = nullptr);
     ~DrawingView() override;
 
-    /// Shows everything that is visible, on a sheet the whole sheet also while a viewport is entered.
+    /// Shows everything that is visible, on a sheet the whole sheet also while a viewport is entered. As long
+    /// as that is not known of a large drawing it shows what its file says, and corrects that when it is.
     void zoomExtents();
     /// Enlarges by the factor; the place under `at` (widget coordinates) stays where it is.
     void zoomBy(double factor, QPointF at);
@@ -77,12 +79,20 @@ private:
     void fitViewToWidget(AcApDocument &document);
     void promptChanged();
     void lookForChanges();
+    void zoomTo(AcApDocument &document, AcDbExtents box);
+    void correctZoom(AcApDocument &document);
     void showDocument(AcApDocument &document, bool mayHaveChanged);
     void showHighlight();
     void showCursor();
     bool mayRead() const;
     void pressRight(QMouseEvent &event);
     bool pressViewKey(QKeyEvent &event);
+
+    /// A zoom to all that rests on what the file says.
+    struct RoughZoom {
+        const AcDbDatabase *database;
+        AcApView view; ///< As it was left; who has moved it since does not want to be sent back.
+    };
 
     WindowFrontEnd &m_frontEnd;
     Pointing m_pointing;
@@ -96,6 +106,7 @@ private:
     std::vector<AcDbObjectId> m_chosen;      ///< Of a selection that is being made.
     std::set<const AcApDocument *> m_fitted; ///< Documents whose view has this widget's pixels.
     std::optional<QPoint> m_panFrom;
+    std::optional<RoughZoom> m_roughZoom;
 };
 
 } // namespace window

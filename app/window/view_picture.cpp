@@ -1,5 +1,7 @@
 #include "app/window/view_picture.h"
 
+#include "host/acgi/gispatialindex.h"
+
 #include <QElapsedTimer>
 #include <QPointer>
 
@@ -11,6 +13,7 @@ namespace window
 
 /// As long as the window may stand still.
 static constexpr int kSlice = 15;           // Milliseconds, for making lists.
+static constexpr int kIndexSlice = 8;       // Milliseconds; the mouse has to move smoothly beside it.
 static constexpr int kMostAtOnce = 30;      // Milliseconds, for painting.
 static constexpr double kFastEnough = 0.06; // Seconds: worth doing at once again.
 /// Many small places are not worth painting one by one.
@@ -70,6 +73,9 @@ ViewPicture::ViewPicture(QObject *parent) : QObject(parent)
     m_next.setSingleShot(true);
     m_next.setInterval(0);
     connect(&m_next, &QTimer::timeout, this, &ViewPicture::advance);
+    m_index.setSingleShot(true);
+    m_index.setInterval(0);
+    connect(&m_index, &QTimer::timeout, this, &ViewPicture::prepareIndex);
 }
 
 void ViewPicture::clear()
@@ -78,6 +84,7 @@ void ViewPicture::clear()
         acgiDisplay(*m_subject.database).stopPainting();
     m_behind.reset();
     m_next.stop();
+    m_index.stop();
     m_subject = {};
     m_image = {};
     m_missing = {};
@@ -183,8 +190,22 @@ void ViewPicture::setBusy(bool busy)
 
 void ViewPicture::finishSoon()
 {
-    if (m_subject.database && !isSharp() && !m_next.isActive())
-        m_next.start();
+    if (!m_subject.database)
+        return;
+    QTimer &due = isSharp() ? m_index : m_next;
+    if (!due.isActive())
+        due.start();
+}
+
+/// What waits for the index would stand still for seconds in a large drawing; nobody waits now.
+void ViewPicture::prepareIndex()
+{
+    if (!m_subject.database || !isSharp())
+        return;
+    AcGiSpatialIndex &index = acgiSpatialIndex(*m_subject.database);
+    if (!index.prepare(m_subject.space, kIndexSlice) ||
+        !index.prepare(m_subject.database->currentSpaceId(), kIndexSlice))
+        m_index.start();
 }
 
 /// The next step towards a sharp picture.

@@ -68,6 +68,7 @@ private:
     void paintBehind();
     void takeLatePicture(const QImage &image, const AcGiPaintReport &report);
     void takePicture(const QImage &image, const AcGiPaintReport &report, const AcGiViewport &view);
+    void prepareIndex();
     bool isPaintingBehind() const { return !m_behind.expired(); }
     void setBusy(bool busy);
 
@@ -82,6 +83,7 @@ private:
     double m_partSeconds = 0.0; ///< And what came into view last.
     bool m_isBusy = false;
     QTimer m_next;
+    QTimer m_index; ///< Slices of the spatial index, which the next pick or window needs.
 };
 
 } // namespace window

@@ -8,7 +8,10 @@
 #include <boost/geometry.hpp>
 #include <boost/geometry/index/rtree.hpp>
 
+#include <QDeadlineTimer>
+
 #include <algorithm>
+#include <future>
 #include <map>
 #include <unordered_set>
 
@@ -40,12 +43,35 @@ struct AcGiSpatialIndex::Found {
     AcDbExtents box;
 };
 
-/// One space. The tree built at first use stays as it is; entities that changed since then are taken
-/// out of account there and stand in a second, small tree. When that one has grown, all is built anew.
+/// One space. The tree built at first use stays as it is; entities that changed since its building began are
+/// taken out of account there and stand in a second, small tree. When that one has grown, all is built anew.
 class AcGiSpatialIndex::Space
 {
 public:
-    Space(AcDbObjectId record, AcGiBlockExtents &blocks) : m_record(record), m_blocks(blocks) { build(); }
+    Space(AcDbObjectId record, AcGiBlockExtents &blocks) : m_record(record), m_blocks(blocks) { begin(); }
+
+    /// Goes on building until then; true when all is built.
+    bool build(const QDeadlineTimer &until)
+    {
+        if (!m_isBuilding)
+            return true;
+        if (!m_packing.valid()) {
+            if (!placeEntities(until))
+                return false;
+            // The tree of a large drawing takes a while, and all that it is made from is at hand.
+            m_packing = std::async(std::launch::async, [entries = std::exchange(m_entries, {})] {
+                return Tree(entries.begin(), entries.end());
+            });
+        }
+        if (!until.isForever()) {
+            const std::chrono::nanoseconds left = until.remainingTimeAsDuration();
+            if (m_packing.wait_for(left) != std::future_status::ready)
+                return false;
+        }
+        m_built = m_packing.get();
+        m_isBuilding = false;
+        return true;
+    }
 
     void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
 
@@ -95,22 +121,36 @@ public:
     }
 
 private:
-    void build()
+    void begin()
     {
-        const AcDbDatabase &database = *m_record.database();
-        std::vector<TreeEntry> entries;
+        m_built.clear();
         m_changed.clear();
         m_changedBoxes.clear();
         m_superseded.clear();
         m_endless.clear();
         m_withoutExtents.clear();
         m_dirty.clear();
-        if (const BlockContents *const contents = database.blockContents(m_record)) {
-            entries.reserve(contents->entities.size());
-            for (const std::uint32_t index : contents->entities)
-                place(index, [&](const TreeBox &box) { entries.emplace_back(box, index); });
+        m_entries.clear();
+        m_placed = 0;
+        // As they stand now: whatever happens to them from here on counts as a change.
+        const BlockContents *const contents = m_record.database()->blockContents(m_record);
+        m_entities = contents ? contents->entities : std::vector<std::uint32_t>();
+        m_entries.reserve(m_entities.size());
+        m_isBuilding = true;
+    }
+
+    bool placeEntities(const QDeadlineTimer &until)
+    {
+        constexpr std::size_t kBetweenLooks = 32;
+        while (m_placed < m_entities.size()) {
+            const std::uint32_t index = m_entities[m_placed++];
+            place(index, [&](const TreeBox &box) { m_entries.emplace_back(box, index); });
+            if (m_placed % kBetweenLooks == 0 && until.hasExpired())
+                return false;
         }
-        m_built = Tree(entries.begin(), entries.end());
+        m_entities = {};
+        m_placed = 0;
+        return true;
     }
 
     /// Hands the box of the entity to `keep`, or notes why it has none.
@@ -130,11 +170,15 @@ private:
 
     void update()
     {
+        build(QDeadlineTimer(QDeadlineTimer::Forever));
         if (m_dirty.empty())
             return;
         constexpr std::size_t kMostChanges = 5000;
-        if (m_changedBoxes.size() + m_dirty.size() > std::max(kMostChanges, m_built.size() / 4))
-            return build();
+        if (m_changedBoxes.size() + m_dirty.size() > std::max(kMostChanges, m_built.size() / 4)) {
+            begin();
+            build(QDeadlineTimer(QDeadlineTimer::Forever));
+            return;
+        }
         for (const std::uint32_t index : std::exchange(m_dirty, {})) {
             m_superseded.insert(index);
             m_endless.erase(index);
@@ -152,6 +196,11 @@ private:
 
     AcDbObjectId m_record;
     AcGiBlockExtents &m_blocks;
+    bool m_isBuilding = false;
+    std::vector<std::uint32_t> m_entities; ///< Of the space when building began, until all are placed.
+    std::size_t m_placed = 0;              ///< Of these.
+    std::vector<TreeEntry> m_entries;      ///< What m_built will hold.
+    std::future<Tree> m_packing;
     Tree m_built;
     Tree m_changed;
     std::unordered_map<std::uint32_t, TreeBox> m_changedBoxes; ///< What stands in m_changed.
@@ -231,6 +280,11 @@ AcGiSpatialIndex::Space &AcGiSpatialIndex::space(AcDbObjectId blockRecord)
     if (!space)
         space = std::make_unique<Space>(blockRecord, m_blocks);
     return *space;
+}
+
+bool AcGiSpatialIndex::prepare(AcDbObjectId blockRecord, int milliseconds)
+{
+    return space(blockRecord).build(QDeadlineTimer(milliseconds));
 }
 
 void AcGiSpatialIndex::noteChange(const AcDbObject &object)

@@ -16,6 +16,10 @@ public:
     AcGiSpatialIndex(const AcGiSpatialIndex &) = delete;
     AcGiSpatialIndex &operator=(const AcGiSpatialIndex &) = delete;
 
+    /// Works on the index of the space for about so long. True when it is ready; until then every question
+    /// about the space first has to finish it.
+    bool prepare(AcDbObjectId blockRecord, int milliseconds);
+
     /// Entities of the space whose box meets `box` in x and y. Boxes of turned inserts may be larger than
     /// what they show. Entities with lines without end are always among them; entities without extents
     /// never are.
