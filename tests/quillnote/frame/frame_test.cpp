@@ -6,7 +6,9 @@
 #include "quillnote/frame/settings/install_folder.h"
 #include "quillnote/frame/settings/settings.h"
 
+#include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_state.h"
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edlisp.h"
@@ -119,6 +121,23 @@ TEST_F(FrameTest, CommandsThatAreNotBuiltSaySoAndChangeNothing)
     EXPECT_EQ(missing, 31);
     EXPECT_EQ(commandTable().size(), 65U);
     EXPECT_FALSE(drawing.database().hasChanges());
+}
+
+TEST_F(FrameTest, TheSettingSwitchesTheFlagRefreshOnWithADrawing)
+{
+    tests::ScriptFrontEnd script;
+    for (const int setting : {0, 1}) {
+        settings::setNumber(u"autoFlagRefresh", setting);
+        load();
+        const tests::OpenDrawing drawing(tests::MemoryDrawing().open());
+        EXPECT_EQ(markDrawingState().flagRefreshRunning, setting == 1);
+        unload();
+        EXPECT_FALSE(markDrawingState().flagRefreshRunning);
+    }
+    // Unloading has taken the filter back, or it could not be registered again.
+    EXPECT_TRUE(startFlagRefresh());
+    stopFlagRefresh();
+    settings::setNumber(u"autoFlagRefresh", 0);
 }
 
 TEST_F(FrameTest, LispCallsItsTwoFunctionsOnly)
