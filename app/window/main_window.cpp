@@ -244,7 +244,7 @@ void MainWindow::openNow(const QString &path)
 void MainWindow::askOpen()
 {
     const QStringList files = QFileDialog::getOpenFileNames(
-        this, tr("打开图形"), m_folder, tr("图形 (*.dxf *.dwg *.DXF *.DWG);;所有文件 (*)"));
+        this, tr("打开图形"), m_folder, tr("图形 (*.dxf *.DXF);;所有文件 (*)"));
     for (const QString &file : files)
         openNow(file);
 }
@@ -352,7 +352,7 @@ void MainWindow::openHelp()
 void MainWindow::showAbout()
 {
     QMessageBox::about(this, tr("关于 Quillnote"),
-                       tr("<h3>Quillnote %1</h3><p>在 DWG 与 DXF 图纸中书写、回复和核对校审意见。</p>"
+                       tr("<h3>Quillnote %1</h3><p>在 DXF 图纸中书写、回复和核对校审意见。</p>"
                           "<p>使用 Qt %2。</p>")
                            .arg(QStringLiteral(QUILLNOTE_VERSION), QString::fromLatin1(qVersion())));
 }

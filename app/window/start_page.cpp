@@ -38,7 +38,7 @@ StartPage::StartPage(QWidget *parent) : QWidget(parent), m_recent(new QVBoxLayou
 {
     const int unit = fontMetrics().height();
     auto *const actions = new QVBoxLayout;
-    auto *const opening = link(tr("打开图形…"), tr("DXF 与 DWG 文件；也可以把文件拖到窗口里"), "open");
+    auto *const opening = link(tr("打开图形…"), tr("DXF 文件；也可以把文件拖到窗口里"), "open");
     auto *const creating = link(tr("新建图形"), tr("从内置样板开始"), "new");
     actions->addWidget(opening);
     actions->addWidget(creating);

@@ -621,8 +621,8 @@
         <translation>Open Drawing</translation>
     </message>
     <message>
-        <source>图形 (*.dxf *.dwg *.DXF *.DWG);;所有文件 (*)</source>
-        <translation>Drawings (*.dxf *.dwg *.DXF *.DWG);;All files (*)</translation>
+        <source>图形 (*.dxf *.DXF);;所有文件 (*)</source>
+        <translation>Drawings (*.dxf *.DXF);;All files (*)</translation>
     </message>
     <message>
         <source>文件 %1 已不存在，已从最近的文件中移除。</source>
@@ -641,8 +641,8 @@
         <translation>About Quillnote</translation>
     </message>
     <message>
-        <source>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;在 DWG 与 DXF 图纸中书写、回复和核对校审意见。&lt;/p&gt;&lt;p&gt;使用 Qt %2。&lt;/p&gt;</source>
-        <translation>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;Writing, answering and checking review marks in DWG and DXF drawings.&lt;/p&gt;&lt;p&gt;Uses Qt %2.&lt;/p&gt;</translation>
+        <source>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;在 DXF 图纸中书写、回复和核对校审意见。&lt;/p&gt;&lt;p&gt;使用 Qt %2。&lt;/p&gt;</source>
+        <translation>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;Writing, answering and checking review marks in DXF drawings.&lt;/p&gt;&lt;p&gt;Uses Qt %2.&lt;/p&gt;</translation>
     </message>
 </context>
 <context>
@@ -714,8 +714,8 @@
         <translation>Open a drawing…</translation>
     </message>
     <message>
-        <source>DXF 与 DWG 文件；也可以把文件拖到窗口里</source>
-        <translation>DXF and DWG files; you can also drop files on the window</translation>
+        <source>DXF 文件；也可以把文件拖到窗口里</source>
+        <translation>DXF files; you can also drop files on the window</translation>
     </message>
     <message>
         <source>新建图形</source>
@@ -799,8 +799,8 @@
 <context>
     <name>window::WindowFrontEnd</name>
     <message>
-        <source>图形 (*.dxf *.dwg *.DXF *.DWG)</source>
-        <translation>Drawings (*.dxf *.dwg *.DXF *.DWG)</translation>
+        <source>图形 (*.dxf *.DXF)</source>
+        <translation>Drawings (*.dxf *.DXF)</translation>
     </message>
     <message>
         <source>所有文件 (*)</source>

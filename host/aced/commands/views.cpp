@@ -31,6 +31,8 @@ static void zoomTo(const AcDbExtents &extents)
     }
     viewToChange();
     fitIntoView(*curDoc(), extents);
+    constexpr double kRoomAround = 1.02; // What lies on the edge is seen whole.
+    curDoc()->view().height *= kRoomAround;
 }
 
 static void zoomExtents()
