@@ -72,6 +72,7 @@ class Session:
         self.process.send_signal(signal.SIGKILL)
         self.process.wait()
         self.listener.join()
+        self.process.stderr.close()
         return alive
 
     def commands_before(self, moment):
