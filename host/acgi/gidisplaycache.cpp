@@ -41,6 +41,8 @@ void AcGiDisplayCache::noteChanged(std::uint32_t index)
     if (progress == m_progress.end())
         return;
     progress->second.dropped.insert(index);
+    if (progress->second.grid)
+        progress->second.outdated.insert(index);
     constexpr std::size_t kMost = 2000;
     auto &changed = progress->second.changed;
     if (m_everythingChanged || changed.contains(index))
@@ -316,7 +318,7 @@ const std::vector<std::uint32_t> &AcGiDisplayCache::order(AcDbObjectId space,
 }
 
 /// The part of the world's plane that a plan view shows there.
-static AcDbExtents visiblePlane(const AcGiViewport &view, const QRectF &part)
+AcGiDisplayCache::Plane AcGiDisplayCache::visiblePlane(const AcGiViewport &view, const QRectF &part)
 {
     const AcGeMatrix3d toWorld = view.worldToPixel().inverse();
     AcDbExtents box;
@@ -324,7 +326,53 @@ static AcDbExtents visiblePlane(const AcGiViewport &view, const QRectF &part)
         for (const double y : {part.top(), part.bottom()})
             box.addPoint(toWorld * AcGePoint3d(x, y, 0.0));
     }
-    return box;
+    return {box.minPoint().x, box.minPoint().y, box.maxPoint().x, box.maxPoint().y};
+}
+
+/// The box that the list lies in as every plan view sees it; null when there is none.
+static const float *fixedBox(const AcGiDisplayList &list)
+{
+    const bool isFixed = list.has(AcGiDisplayList::kBuilt) && list.hasBox() &&
+                         !list.has(AcGiDisplayList::kEndless) && !list.has(AcGiDisplayList::kViewDependent);
+    return isFixed ? list.box : nullptr;
+}
+
+/// All lists of the space are made. Few entities are looked at one by one as quickly.
+void AcGiDisplayCache::makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities)
+{
+    constexpr std::size_t kWorthAGrid = 2000;
+    constexpr std::size_t kMostOutdated = 2000;
+    const std::size_t outdated = progress.outdated.size() + entities.size() - progress.inGrid;
+    if (entities.size() < kWorthAGrid || (progress.inGrid > 0 && outdated <= kMostOutdated))
+        return;
+    progress.grid.reset();
+    progress.outdated.clear();
+    progress.inGrid = entities.size();
+    // What the grid finds has to come in drawing order.
+    if (!std::ranges::is_sorted(entities))
+        return;
+    std::vector<AcGiBoxGrid::Entry> entries;
+    entries.reserve(entities.size());
+    for (const std::uint32_t index : entities)
+        entries.push_back({index, fixedBox(m_lists[index])});
+    progress.grid.emplace(entries);
+}
+
+/// The entities that can be seen there, and some more; none when all have to be looked at.
+std::optional<std::vector<std::uint32_t>> AcGiDisplayCache::near(const Progress &progress,
+                                                                 const std::vector<std::uint32_t> &entities,
+                                                                 const Plane &plane)
+{
+    auto found =
+        progress.grid ? progress.grid->find(plane.left, plane.bottom, plane.right, plane.top) : std::nullopt;
+    if (!found)
+        return found;
+    found->insert(found->end(), progress.outdated.begin(), progress.outdated.end());
+    found->insert(found->end(), entities.begin() + std::ptrdiff_t(progress.inGrid), entities.end());
+    std::ranges::sort(*found);
+    const auto repeated = std::ranges::unique(*found);
+    found->erase(repeated.begin(), repeated.end());
+    return found;
 }
 
 AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part,
@@ -339,18 +387,18 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
         return shown;
     grow();
     openSlot(space, view, slot);
-    const AcDbExtents plane = visiblePlane(view, part);
-    const AcGePoint3d &low = plane.minPoint();
-    const AcGePoint3d &high = plane.maxPoint();
+    const Plane plane = visiblePlane(view, part);
     const auto isSeen = [&](const AcGiDisplayList &list) {
-        return !shown.isPlan || !list.hasBox() || list.has(AcGiDisplayList::kEndless) ||
-               list.has(AcGiDisplayList::kViewDependent) ||
-               (list.box[0] <= high.x && list.box[2] >= low.x && list.box[1] <= high.y &&
-                list.box[3] >= low.y);
+        const float *const box = fixedBox(list);
+        return !shown.isPlan || !box || plane.meets(box);
     };
+    Progress &progress = m_progress[space.stub()->index];
+    const std::vector<std::uint32_t> &all = order(space, contents->entities);
+    const bool isSorted = &all != &contents->entities;
+    const auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
     constexpr unsigned kBetweenQuestions = 4096;
     unsigned count = 0;
-    for (const std::uint32_t index : order(space, contents->entities)) {
+    for (const std::uint32_t index : some ? *some : all) {
         if (++count % kBetweenQuestions == 0 && isCancelled && isCancelled()) {
             report.cancelled = true;
             return shown;
@@ -368,7 +416,6 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
                 ++report.undrawn[reason];
         }
     }
-    Progress &progress = m_progress[space.stub()->index];
     progress.made = contents->entities.size();
     progress.dropped.clear();
     m_slots[slot].missing.clear();
@@ -413,6 +460,7 @@ bool AcGiDisplayCache::prepare(AcDbObjectId space, const AcGiViewport &view, int
         if (!make(index))
             return false;
     }
+    makeGrid(progress, contents->entities);
     return true;
 }
 

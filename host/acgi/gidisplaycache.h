@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/acdb/dbreactor.h"
+#include "host/acgi/giboxgrid.h"
 #include "host/acgi/gidisplaylist.h"
 #include "host/acgi/gipainter.h"
 
@@ -77,6 +78,17 @@ private:
         std::unordered_set<std::uint32_t> dropped; ///< Among these.
         std::unordered_set<std::uint32_t> perSlot; ///< That look different in each view, or did.
         std::unordered_map<std::uint32_t, AcGiDisplayList> changed; ///< With the list as it was, for its box.
+        std::optional<AcGiBoxGrid> grid; ///< Of the first entities, as they were when it was made.
+        std::size_t inGrid = 0;
+        std::unordered_set<std::uint32_t> outdated; ///< What stands in the grid for them no longer holds.
+    };
+    /// A rectangle of the world's plane.
+    struct Plane {
+        double left, bottom, right, top;
+        bool meets(const float *box) const
+        {
+            return box[0] <= right && box[2] >= left && box[1] <= top && box[3] >= bottom;
+        }
     };
     /// The drawing order of a space.
     struct Order {
@@ -101,6 +113,10 @@ private:
     void openSlot(AcDbObjectId space, const AcGiViewport &view, int slot);
     const AcGiDisplayList &ensure(std::uint32_t index);
     AcGiDisplayList keep(std::uint32_t index, AcGiListBuilder &builder, std::uint32_t viewportsBefore);
+    void makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities);
+    static std::optional<std::vector<std::uint32_t>>
+    near(const Progress &progress, const std::vector<std::uint32_t> &entities, const Plane &plane);
+    static Plane visiblePlane(const AcGiViewport &view, const QRectF &part);
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 
     AcDbDatabase &m_database;

@@ -1,0 +1,97 @@
+#include "host/acgi/giboxgrid.h"
+
+#include <algorithm>
+#include <cmath>
+
+/// What reaches over more cells is looked at always.
+static constexpr int kMostCells = 16;
+
+int AcGiBoxGrid::Axis::cell(double at, int count) const
+{
+    const double cell = std::floor((at - start) / step);
+    return cell > 0.0 ? int(std::min(cell, count - 1.0)) : 0;
+}
+
+/// Drawings have stray entities far out; the cells are for the places where most are.
+AcGiBoxGrid::Axis AcGiBoxGrid::axisThrough(std::vector<float> places, int count)
+{
+    if (places.empty())
+        return {};
+    std::ranges::sort(places);
+    const double low = places[places.size() / 50];
+    const double high = places[places.size() - 1 - places.size() / 50];
+    return {low, high > low ? (high - low) / count : 1.0};
+}
+
+AcGiBoxGrid::Cells AcGiBoxGrid::cells(double left, double bottom, double right, double top) const
+{
+    return {m_columns.cell(left, m_side), m_rows.cell(bottom, m_side), m_columns.cell(right, m_side),
+            m_rows.cell(top, m_side)};
+}
+
+template <class Visit>
+void AcGiBoxGrid::visitCells(std::span<const Entry> entries, Visit visit) const
+{
+    for (const Entry &entry : entries) {
+        if (!entry.box)
+            continue;
+        const Cells reached = cells(entry.box[0], entry.box[1], entry.box[2], entry.box[3]);
+        if (reached.count() > kMostCells)
+            continue;
+        for (int row = reached.bottom; row <= reached.top; ++row) {
+            for (int column = reached.left; column <= reached.right; ++column)
+                visit(std::size_t(row) * std::size_t(m_side) + std::size_t(column), entry.number);
+        }
+    }
+}
+
+AcGiBoxGrid::AcGiBoxGrid(std::span<const Entry> entries)
+{
+    constexpr double kPerCell = 16.0;
+    constexpr double kMostColumns = 256.0;
+    m_side = int(std::clamp(std::sqrt(double(entries.size()) / kPerCell), 1.0, kMostColumns));
+    constexpr std::size_t kSample = 2000;
+    std::vector<float> x, y;
+    for (std::size_t i = 0; i < entries.size(); i += entries.size() / kSample + 1) {
+        if (const float *const box = entries[i].box) {
+            x.push_back(box[0]);
+            y.push_back(box[1]);
+        }
+    }
+    m_columns = axisThrough(x, m_side);
+    m_rows = axisThrough(y, m_side);
+
+    // Counted first, so that the numbers of all cells lie in one row.
+    m_ends.resize(std::size_t(m_side) * std::size_t(m_side) + 1);
+    visitCells(entries, [this](std::size_t cell, std::uint32_t) { ++m_ends[cell + 1]; });
+    for (std::size_t cell = 1; cell < m_ends.size(); ++cell)
+        m_ends[cell] += m_ends[cell - 1];
+    m_numbers.resize(m_ends.back());
+    // Each cell's place moves on while it is filled, and ends up at the cell's end.
+    visitCells(entries,
+               [this](std::size_t cell, std::uint32_t number) { m_numbers[m_ends[cell]++] = number; });
+    for (const Entry &entry : entries) {
+        if (!entry.box || cells(entry.box[0], entry.box[1], entry.box[2], entry.box[3]).count() > kMostCells)
+            m_anywhere.push_back(entry.number);
+    }
+}
+
+std::optional<std::vector<std::uint32_t>> AcGiBoxGrid::find(double left, double bottom, double right,
+                                                            double top) const
+{
+    const Cells wanted = cells(left, bottom, right, top);
+    if (wanted.count() * 4 > m_side * m_side)
+        return std::nullopt;
+    std::vector<std::uint32_t> found = m_anywhere;
+    for (int row = wanted.bottom; row <= wanted.top; ++row) {
+        const std::size_t first = std::size_t(row) * std::size_t(m_side) + std::size_t(wanted.left);
+        const std::size_t last = first + std::size_t(wanted.right - wanted.left);
+        // The cells of a row lie side by side.
+        found.insert(found.end(), m_numbers.begin() + (first == 0 ? 0 : std::ptrdiff_t(m_ends[first - 1])),
+                     m_numbers.begin() + std::ptrdiff_t(m_ends[last]));
+    }
+    std::ranges::sort(found);
+    const auto repeated = std::ranges::unique(found);
+    found.erase(repeated.begin(), repeated.end());
+    return found;
+}
