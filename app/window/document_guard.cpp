@@ -60,6 +60,15 @@ static QString timeText(const QDateTime &time)
     return QLocale().toString(time.toLocalTime(), QLocale::ShortFormat);
 }
 
+static QString holderText(const AcApLockHolder &holder)
+{
+    if (holder.user.isEmpty())
+        return DocumentGuard::tr("他人");
+    const QString time = holder.since.isValid() ? timeText(holder.since) : QString();
+    return QStringLiteral("%1 (%2)").arg(holder.user,
+                                         QStringList{holder.process.host, time}.join(QStringLiteral(", ")));
+}
+
 static QString repairsLine(const AcApDocument &document)
 {
     return DocumentGuard::tr("打开 %1 时修正了 %2 处损坏。")
@@ -114,7 +123,7 @@ bool DocumentGuard::open(const QString &path)
     AcApOpenAs as = AcApOpenAs::editable;
     if (const auto holder = acapForeignLock(QFileInfo(path).canonicalFilePath())) {
         QMessageBox box(QMessageBox::Question, {},
-                        tr("%1 正由他人编辑: %2").arg(QFileInfo(path).fileName(), holder->text()),
+                        tr("%1 正由 %2 编辑。").arg(QFileInfo(path).fileName(), holderText(*holder)),
                         QMessageBox::Open | QMessageBox::Ignore | QMessageBox::Cancel, m_window);
         box.button(QMessageBox::Open)->setText(tr("以只读方式打开(&R)"));
         box.button(QMessageBox::Ignore)->setText(tr("仍然编辑(&E)"));
@@ -155,7 +164,8 @@ bool DocumentGuard::save(AcApDocument *document)
         return saveAs(document);
     const QString name = document->docTitle();
     if (const auto holder = acapForeignLock(document->fileName()))
-        return saveElsewhere(document, tr("%1 正由他人编辑: %2").arg(name, holder->text()));
+        return saveElsewhere(document,
+                             tr("%1 正由 %2 编辑，不能以原名保存。").arg(name, holderText(*holder)));
     if (acDocManager()->changedOnDisk(*document) != AcApFileChange::changed)
         return write(document, {}, AcApOverwriteChanged::no);
 

@@ -55,8 +55,16 @@
         <translation>Open &amp;File, Keep Copy</translation>
     </message>
     <message>
-        <source>%1 正由他人编辑: %2</source>
-        <translation>%1 is being edited by somebody else: %2</translation>
+        <source>%1 正由 %2 编辑。</source>
+        <translation>%1 is being edited by %2.</translation>
+    </message>
+    <message>
+        <source>%1 正由 %2 编辑，不能以原名保存。</source>
+        <translation>%1 is being edited by %2 and cannot be saved under its own name.</translation>
+    </message>
+    <message>
+        <source>他人</source>
+        <translation>somebody else</translation>
     </message>
     <message>
         <source>以只读方式打开(&amp;R)</source>

@@ -137,7 +137,7 @@ TEST_F(Guard, AsksAboutSomebodyElsesLock)
         lockByAnn();
         answers(c.answer);
         EXPECT_EQ(guard.open(plan), c.opens);
-        EXPECT_TRUE(asked().value(0).contains("ann on elsewhere")) << qPrintable(asked().value(0));
+        EXPECT_TRUE(asked().value(0).contains("ann (elsewhere")) << qPrintable(asked().value(0));
         EXPECT_EQ(!tests::readFile(lock).contains("ann"), c.locked);
         if (!c.opens)
             continue;
