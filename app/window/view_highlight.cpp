@@ -86,7 +86,7 @@ void ViewHighlight::repaint()
 
 void ViewHighlight::paintSlice()
 {
-    constexpr std::size_t kSome = 500;
+    constexpr std::size_t kSome = 3000;
     constexpr int kSlice = 15; // Milliseconds.
     const QDeadlineTimer until(kSlice);
     while (m_painted < m_entities.size() && !until.hasExpired())

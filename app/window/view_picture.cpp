@@ -6,6 +6,7 @@
 #include <QPointer>
 
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 namespace window
@@ -14,10 +15,12 @@ namespace window
 /// As long as the window may stand still.
 static constexpr int kSlice = 15;           // Milliseconds, for making lists.
 static constexpr int kIndexSlice = 8;       // Milliseconds; the mouse has to move smoothly beside it.
-static constexpr int kMostAtOnce = 30;      // Milliseconds, for painting.
-static constexpr double kFastEnough = 0.06; // Seconds: worth doing at once again.
+static constexpr int kMostAtOnce = 20;      // Milliseconds, for painting.
+static constexpr double kFastEnough = 0.02; // Seconds: worth doing at once again.
 /// Many small places are not worth painting one by one.
 static constexpr int kMostParts = 8;
+/// Larger parts are painted piece by piece; pixels.
+static constexpr int kLargePart = 60'000;
 
 // Views -------------------------------------------------------------------------------------------
 
@@ -111,7 +114,7 @@ void ViewPicture::show(const ViewSubject &subject)
     if (isOtherSpace)
         m_image = {};
     moveTo(subject.view);
-    if (!m_isOutOfDate && !m_missing.isEmpty() && m_partSeconds < kFastEnough)
+    if (!m_isOutOfDate && !m_missing.isEmpty())
         advance();
     finishSoon();
     Q_EMIT changed();
@@ -233,34 +236,63 @@ void ViewPicture::advance()
     setBusy(isPaintingBehind());
 }
 
-static std::function<bool()> deadline()
+static std::function<bool()> deadline(int milliseconds)
 {
     QElapsedTimer clock;
     clock.start();
-    return [clock] { return clock.elapsed() > kMostAtOnce; };
+    return [clock, milliseconds] { return clock.elapsed() > milliseconds; };
 }
 
+static int area(const QRect &part)
+{
+    return part.width() * part.height();
+}
+
+static int area(const QRegion &region)
+{
+    return std::accumulate(region.begin(), region.end(), 0,
+                           [](int sum, const QRect &part) { return sum + area(part); });
+}
+
+/// The first piece of a part that is perhaps too large to be painted at once.
+static QRect firstPiece(QRect part)
+{
+    while (area(part) > kLargePart) {
+        if (part.width() > part.height())
+            part.setWidth(part.width() / 2);
+        else
+            part.setHeight(part.height() / 2);
+    }
+    return part;
+}
+
+/// As much as there is time for; the rest follows.
 void ViewPicture::paintMissing()
 {
-    AcGiPaintOptions options = m_subject.options;
-    options.isCancelled = deadline();
     if (m_missing.rectCount() > kMostParts)
         m_missing = m_missing.boundingRect();
+    constexpr int kMuch = 3; // The share of the picture that is better painted by all threads.
+    if (m_seconds > kFastEnough && area(m_missing) > area(m_image.rect()) / kMuch) {
+        paintBehind();
+        return;
+    }
     QElapsedTimer clock;
     clock.start();
-    const QRegion parts = m_missing;
-    for (const QRect &part : parts) {
-        options.part = part;
+    while (!m_missing.isEmpty() && clock.elapsed() < kMostAtOnce) {
+        const QRect piece = firstPiece(*m_missing.begin());
+        AcGiPaintOptions options = m_subject.options;
+        options.isCancelled = deadline(2 * kMostAtOnce);
+        options.part = piece;
         QPainter painter(&m_image);
         const AcGiPaintReport report =
             acgiDisplay(*m_subject.database).paint(m_subject.space, m_imageView, painter, options);
-        m_partSeconds = double(clock.elapsed()) / 1000.0;
         if (report.cancelled) {
             paintBehind();
             return;
         }
-        m_missing -= part;
+        m_missing -= piece;
     }
+    finishSoon();
     Q_EMIT changed();
 }
 
@@ -271,7 +303,7 @@ bool ViewPicture::paintAtOnce()
     if (image.isNull())
         return true; // There is no memory for a picture; it would be no different in the background.
     AcGiPaintOptions options = m_subject.options;
-    options.isCancelled = deadline();
+    options.isCancelled = deadline(kMostAtOnce);
     QElapsedTimer clock;
     clock.start();
     QPainter painter(&image);
@@ -279,8 +311,10 @@ bool ViewPicture::paintAtOnce()
         acgiDisplay(*m_subject.database).paint(m_subject.space, m_subject.view, painter, options);
     painter.end();
     m_seconds = double(clock.elapsed()) / 1000.0;
-    if (report.cancelled)
+    if (report.cancelled) {
+        m_seconds = std::max(m_seconds, 2.0 * kFastEnough); // Not tried again before one has gone faster.
         return false;
+    }
     takePicture(image, report, m_subject.view);
     return true;
 }

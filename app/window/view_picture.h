@@ -79,8 +79,7 @@ private:
     bool m_isOutOfDate = true;
     std::weak_ptr<bool> m_behind; ///< Alive while a picture is being painted in the background.
     AcGiViewport m_behindView;
-    double m_seconds = 0.0;     ///< How long the last whole picture took.
-    double m_partSeconds = 0.0; ///< And what came into view last.
+    double m_seconds = 0.0; ///< How long the last whole picture took.
     bool m_isBusy = false;
     QTimer m_next;
     QTimer m_index; ///< Slices of the spatial index, which the next pick or window needs.

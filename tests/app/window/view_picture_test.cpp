@@ -154,3 +154,63 @@ TEST_F(ViewPictures, DoubleMiddleClickShowsEverythingAndKeysMove)
     ASSERT_EQ(typed.size(), 3);
     EXPECT_EQ(typed[1][0].toString(), u"L");
 }
+
+namespace
+{
+
+/// A drawing that is too large for knowing its extents at once. Its file says something, not the truth.
+MemoryDrawing largeDrawing()
+{
+    MemoryDrawing content;
+    content.headerVariable("$EXTMIN", {{10, AcGePoint3d(0, 0, 0)}});
+    content.headerVariable("$EXTMAX", {{10, AcGePoint3d(500, 400, 0)}});
+    for (int i = 0; i < 30000; ++i) {
+        const AcGePoint3d place(i % 200 * 20, i / 200 * 20, 0);
+        content.entity(
+            "LINE", {{62, i % 7 + 1}, {100, "AcDbLine"}, {10, place}, {11, place + AcGeVector3d(9, 7, 0)}});
+    }
+    return content;
+}
+
+} // namespace
+
+TEST(LargeViewPictures, ZoomToTheFilesExtentsAndThenToTheRealOnes)
+{
+    for (const bool userMoves : {false, true}) {
+        ViewStage stage(largeDrawing());
+        AcApView &view = stage.document().view();
+        stage.view.zoomExtents();
+        ASSERT_NEAR(view.height, 400 * 1.02, 15.0);
+        if (userMoves)
+            stage.view.panBy({10, 0});
+        const auto isCorrected = [&] {
+            stage.view.refresh();
+            stage.view.zoomBy(1.0, {}); // Looks for what has become known.
+            return view.height > 2900;
+        };
+        EXPECT_EQ(QTest::qWaitFor(isCorrected, userMoves ? 1500 : 10000), !userMoves);
+    }
+}
+
+TEST(LargeViewPictures, StripsAndChangesShowWhatAFreshPaintingWould)
+{
+    ViewStage stage(largeDrawing());
+    stage.document().view().centre = {2000, 1500, 0};
+    stage.document().view().height = 1800;
+    ASSERT_TRUE(stage.becomesSharp());
+    const auto expectFresh = [&] {
+        ASSERT_TRUE(stage.becomesSharp());
+        const qsizetype pixels = qsizetype(ViewStage::kWidth) * ViewStage::kHeight;
+        EXPECT_LE(tests::differingPixels(stage.view.picture(), stage.freshPicture()),
+                  qsizetype(pixels * tests::kPixelTolerance));
+    };
+    const QImage before = stage.view.picture().copy();
+    stage.play({[&] { stage.type("LINE 1200,800 2900,2100"); }, [&] { stage.type(""); },
+                [&] { stage.type("ERASE W 1900,1400 2000,1500"); }, [&] { stage.type(""); }});
+    expectFresh();
+    EXPECT_GT(tests::differingPixels(stage.view.picture(), before), 500);
+    for (const QPoint way : {QPoint(23, -9), QPoint(-310, 4), QPoint(2, 190)}) {
+        stage.view.panBy(way);
+        expectFresh();
+    }
+}

@@ -180,3 +180,38 @@ TEST_F(SpatialIndex, SurvivesManyChangesAndTheEndOfItsDrawing)
     open(); // Another drawing, maybe at the same address: nothing of the old one may answer.
     EXPECT_EQ(near(1, 1), Handles{handles[0]});
 }
+
+TEST_F(SpatialIndex, IsBuiltInSlicesWhileTheDrawingChanges)
+{
+    std::vector<std::uint64_t> lines;
+    for (int i = 0; i < 20000; ++i)
+        lines.push_back(line(i % 200 * 10.0, i / 200 * 10.0));
+    open();
+    ASSERT_FALSE(index().prepare(space, 0));
+    const auto move = [&](std::uint64_t handle, AcGeVector3d way) {
+        AcDbObjectPointer<AcDbEntity>(id(handle), AcDb::kForWrite)
+            ->transformBy(AcGeMatrix3d::translation(way));
+    };
+    // One that stands in the slices made already, and one that does not yet.
+    move(lines.front(), {-500, 0, 0});
+    move(lines.back(), {0, 7777, 0});
+    AcDbObjectPointer<AcDbEntity>(id(lines[1]), AcDb::kForWrite)->erase();
+    while (!index().prepare(space, 1)) {
+    }
+    EXPECT_EQ(near(-499, 1), Handles{lines.front()});
+    EXPECT_EQ(near(1, 1), Handles());
+    EXPECT_EQ(near(11, 1), Handles());
+    EXPECT_EQ(near(1991, 991 + 7777), Handles{lines.back()});
+    EXPECT_EQ(near(21, 1), Handles{lines[2]});
+    EXPECT_EQ(index().query(space, index().extents(space)).size(), lines.size() - 1);
+}
+
+TEST_F(SpatialIndex, AnswersWhileItIsBeingBuilt)
+{
+    for (int i = 0; i < 5000; ++i)
+        line(i * 10.0, 0);
+    open();
+    ASSERT_FALSE(index().prepare(space, 0));
+    EXPECT_EQ(near(49991, 1).size(), 1U);
+    EXPECT_TRUE(index().prepare(space, 0));
+}
