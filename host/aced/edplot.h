@@ -61,6 +61,7 @@ AcEdPlot acedLayoutPlot(const AcDbDatabase &database, AcDbObjectId space);
 void acedUsePaper(AcEdPlot &plot, const AcEdPaper &paper);
 
 /// Writes the pages in their order; an existing file is replaced once they are all done. CMDNAMES tells PLOT
-/// meanwhile. The error says what is wrong with a page, or why the file cannot be written.
+/// meanwhile. The front end hears of the progress and may stop it; then the file stays as it was. The error
+/// says what is wrong with a page, or why the file cannot be written.
 base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
                                                 const QString &path);

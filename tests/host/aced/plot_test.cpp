@@ -6,6 +6,7 @@
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
+#include "tests/support/files.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 
@@ -164,4 +165,34 @@ TEST(Plot, RefusesWhatMakesNoPage)
     page.scale = 1;
     page.margins.left = 400;
     EXPECT_FALSE(acedPlot(document, {page}, "never.pdf"));
+}
+
+TEST(Plot, StoppedPlotsLeaveTheFileAsItWas)
+{
+    struct Impatient : tests::ScriptFrontEnd {
+        bool progress(const QString &what, double) override
+        {
+            told.append(what);
+            return what.isEmpty() || told.size() < patience;
+        }
+        QStringList told;
+        qsizetype patience = 1;
+    } front;
+    MemoryDrawing memory;
+    memory.entity("LINE", {{10, AcGePoint3d()}, {11, AcGePoint3d(10, 10, 0)}});
+    const tests::OpenDrawing drawing(memory.open());
+    const tests::TempDir folder;
+    const QString path = folder.write(QStringLiteral("plan.pdf"), "earlier");
+    const std::vector<AcEdPlot> pages(2,
+                                      acedLayoutPlot(drawing.database(), drawing.database().modelSpaceId()));
+    const auto stopped = acedPlot(drawing.document(), pages, path);
+    ASSERT_FALSE(stopped);
+    EXPECT_TRUE(stopped.error().contains(u"stopped"));
+    EXPECT_EQ(tests::readFile(path), "earlier");
+    EXPECT_EQ(folder.fileNames(), QStringList{"plan.pdf"});
+    EXPECT_TRUE(front.told.last().isEmpty()) << "the end is told too";
+
+    front.patience = 1000;
+    ASSERT_TRUE(acedPlot(drawing.document(), pages, path));
+    EXPECT_TRUE(tests::readFile(path).startsWith("%PDF"));
 }
