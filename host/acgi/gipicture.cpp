@@ -24,6 +24,8 @@ void AcGiGlyphMaskPool::give(std::unique_ptr<AcGiGlyphMasks> masks)
 
 /// Pixels; a tile of this size fits into the cache of one core.
 static constexpr int kTile = 256;
+/// Fewer lists are one tile.
+static constexpr std::size_t kWorthTiles = 500;
 /// Room for what is only known once its lists are made, pixels.
 static constexpr double kMargin = 16.0;
 
@@ -177,6 +179,8 @@ std::vector<QRectF> AcGiPicture::boxes(const QRect &area) const
     std::vector<QRectF> boxes;
     boxes.reserve(m_shown.lists.size());
     for (const AcGiDisplayList *const list : m_shown.lists) {
+        if (m_cancelled)
+            break;
         const bool isKnown = m_shown.isPlan && list->hasBox() && !list->has(AcGiDisplayList::kEndless);
         boxes.push_back(isKnown ? acgiPixelBox(toPixel, list->box).adjusted(-margin, -margin, margin, margin)
                                 : QRectF(area));
@@ -187,7 +191,6 @@ std::vector<QRectF> AcGiPicture::boxes(const QRect &area) const
 /// Small tiles stay in the processor's cache; but what lies in many tiles is looked at in each of them.
 AcGiTileGrid AcGiPicture::chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const
 {
-    constexpr std::size_t kWorthTiles = 500;
     constexpr double kMostRepeated = 1.6;
     constexpr double kReferenceWords = 1000.0;
     const auto count = [](int pixels, int size) { return std::max(1, (pixels + size / 2) / size); };
@@ -197,7 +200,7 @@ AcGiTileGrid AcGiPicture::chooseGrid(const QRect &area, const std::vector<QRectF
         const AcGiTileGrid grid = gridOf(area, count(area.width(), size), count(area.height(), size));
         double once = 0.0;
         double repeated = 0.0;
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (std::size_t i = 0; i < boxes.size() && !m_cancelled; ++i) {
             const AcGiDisplayList &list = *m_shown.lists[i];
             const QRect tiles = tilesOf(grid, boxes[i]);
             const double words = list.size + (list.has(AcGiDisplayList::kReferences) ? kReferenceWords : 0.0);
@@ -230,7 +233,7 @@ void AcGiPicture::splitIntoTiles(const QRect &area)
             tile.shown.slot = m_shown.slot;
         }
     }
-    for (std::size_t i = 0; i < boxes.size(); ++i) {
+    for (std::size_t i = 0; i < boxes.size() && !m_cancelled; ++i) {
         const QRect tiles = tilesOf(grid, boxes[i]);
         for (int row = tiles.top(); row <= tiles.bottom(); ++row) {
             for (int column = tiles.left(); column <= tiles.right(); ++column)
@@ -301,6 +304,14 @@ void AcGiPicture::work(bool asks)
         m_finished();
 }
 
+/// The threads of a painting in the background split it themselves: with a million lists that takes longer
+/// than the caller may stand still.
+void AcGiPicture::splitAndWork()
+{
+    std::call_once(m_split, [this] { splitIntoTiles(area(m_image.size())); });
+    work(false);
+}
+
 static std::size_t threadsFor(std::size_t tiles)
 {
     return std::min<std::size_t>(tiles, std::max(1u, std::thread::hardware_concurrency()));
@@ -349,13 +360,11 @@ void AcGiPicture::start(std::function<void()> finished)
     m_finished = std::move(finished);
     m_image =
         QImage(int(std::ceil(m_view.pixelWidth)), int(std::ceil(m_view.pixelHeight)), QImage::Format_RGB32);
-    splitIntoTiles(area(m_image.size()));
     aim(m_image);
-    m_working = threadsFor(m_tiles.size());
-    if (m_tiles.empty())
-        return m_finished();
-    for (std::size_t thread = 0; thread < threadsFor(m_tiles.size()); ++thread)
-        m_threads.emplace_back([this] { work(false); });
+    const std::size_t threads = m_shown.lists.size() < kWorthTiles ? 1 : threadsFor(m_shown.lists.size());
+    m_working = threads;
+    for (std::size_t thread = 0; thread < threads; ++thread)
+        m_threads.emplace_back([this] { splitAndWork(); });
 }
 
 void AcGiPicture::stop()

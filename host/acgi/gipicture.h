@@ -103,6 +103,7 @@ private:
     AcGiTileGrid chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const;
     void splitIntoTiles(const QRect &area);
     void aim(QImage &image);
+    void splitAndWork();
     void work(bool asks);
     void paintTile(Tile &tile, Worker &worker);
     void paintPart(Tile &tile, QPainter &painter, const AcGiPixels &pixels, Worker &worker);
@@ -119,6 +120,7 @@ private:
     QImage m_image;
     Target m_target;
     std::vector<Tile> m_tiles;
+    std::once_flag m_split;
     std::atomic<std::size_t> m_nextTile = 0;
     std::atomic<std::size_t> m_working = 0;
     std::atomic<bool> m_cancelled = false;
