@@ -241,7 +241,7 @@ void DrawingView::zoomExtents()
         return;
     AcDbDatabase &database = *document->database();
     const AcDbObjectId space = acedShownSpace(*document);
-    constexpr int kPatience = 15; // Milliseconds.
+    constexpr int kPatience = 5; // Milliseconds.
     m_roughZoom.reset();
     AcDbExtents box;
     const bool isKnown = acgiSpatialIndex(database).prepare(space, kPatience);

@@ -20,7 +20,7 @@ static constexpr double kFastEnough = 0.02; // Seconds: worth doing at once agai
 /// Many small places are not worth painting one by one.
 static constexpr int kMostParts = 8;
 /// Larger parts are painted piece by piece; pixels.
-static constexpr int kLargePart = 60'000;
+static constexpr int kLargePart = 20'000;
 
 // Views -------------------------------------------------------------------------------------------
 
