@@ -6,6 +6,7 @@
 #include "app/window/window_front_end.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbundo.h"
+#include "host/os/settings_store.h"
 
 #include <QFileInfo>
 #include <QMainWindow>
@@ -209,8 +210,32 @@ void MenuBar::addToolbar(const AcEdMenuItem &toolbar, const AcEdMenuGroup &group
     m_moduleToolbars.push_back(bar);
 }
 
+static const QString kToolbarsKey = QStringLiteral("Software\\Quillnote\\Window\\Toolbars");
+
+/// The toolbars of a group that comes are shown unless the user sent them away, in this run or an earlier
+/// one.
+void MenuBar::settleToolbars()
+{
+    os::SettingsStore &store = os::SettingsStore::user();
+    std::map<QString, bool> shown;
+    std::vector<QString> names;
+    for (const auto &group : acedMenus().groups())
+        names.push_back(group->name);
+    for (const QString &name : names) {
+        if (!m_toolbarsShown.contains(name))
+            acedMenus().showToolbars(name, store.number(kToolbarsKey, name).value_or(1) != 0);
+        const bool isShown = acedMenus().group(name)->toolbarsShown;
+        if (const auto before = m_toolbarsShown.find(name);
+            before != m_toolbarsShown.end() && before->second != isShown)
+            store.setNumber(kToolbarsKey, name, isShown ? 1 : 0);
+        shown[name] = isShown;
+    }
+    m_toolbarsShown = std::move(shown);
+}
+
 void MenuBar::rebuildModules()
 {
+    settleToolbars();
     m_revision = acedMenus().revision();
     qDeleteAll(m_moduleMenus);
     qDeleteAll(m_moduleToolbars);

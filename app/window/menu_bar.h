@@ -41,6 +41,7 @@ private:
     QAction *makeAction(const HostMenuItem &item);
     void addHostMenu(const HostMenu &menu);
     void rebuildModules();
+    void settleToolbars();
     void fillMenu(QMenu &menu, const std::vector<AcEdMenuItem> &items, const QString &folder);
     void addToolbar(const AcEdMenuItem &toolbar, const AcEdMenuGroup &group);
     QAction *makeModuleAction(const AcEdMenuItem &item, const QString &folder, QObject *parent);
@@ -58,6 +59,7 @@ private:
     qsizetype m_fixedWindowEntries = 0;
     std::vector<QMenu *> m_moduleMenus;
     std::vector<QToolBar *> m_moduleToolbars;
+    std::map<QString, bool> m_toolbarsShown; ///< By menu group, those that are loaded.
     int m_revision = -1;
 };
 

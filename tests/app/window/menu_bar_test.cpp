@@ -70,14 +70,24 @@ TEST_F(MenuBarTest, ModulesStandBetweenTheWindowsOwn)
     ASSERT_EQ(popup->actions().size(), 3);
     EXPECT_EQ(popup->actions()[0]->statusTip(), u"画一道墙");
     EXPECT_TRUE(popup->actions()[1]->isSeparator());
-    EXPECT_EQ(mainWindow.findChildren<QToolBar *>().size(), 1);
+    EXPECT_EQ(mainWindow.findChildren<QToolBar *>().size(), 2) << "what a module brings is shown";
 
     session.play({[&] { popup->actions()[2]->menu()->actions()[0]->trigger(); }});
     EXPECT_EQ(tests::currentEntities().size(), 1u);
 
-    acedMenus().showToolbars(QStringLiteral("TESTMENU"), true);
+    acedMenus().showToolbars(QStringLiteral("TESTMENU"), false);
     menus.refresh();
-    EXPECT_EQ(mainWindow.findChildren<QToolBar *>().size(), 2);
+    EXPECT_EQ(mainWindow.findChildren<QToolBar *>().size(), 1);
+    {
+        QMainWindow laterWindow;
+        window::MenuBar later(session.front, laterWindow);
+        later.refresh();
+        EXPECT_EQ(laterWindow.findChildren<QToolBar *>().size(), 1) << "what was sent away stays away";
+        acedMenus().showToolbars(QStringLiteral("TESTMENU"), true);
+        later.refresh();
+        EXPECT_EQ(laterWindow.findChildren<QToolBar *>().size(), 2);
+    }
+    menus.refresh();
     acedMenus().unload(QStringLiteral("TESTMENU"));
     menus.refresh();
     EXPECT_EQ(titles().size(), 7);
