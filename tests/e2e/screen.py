@@ -97,8 +97,14 @@ class Window:
         self.id = wait_for("the window", lambda: screen.xdotool("search", "--onlyvisible", "--name", "Quillnote"))[-1]
         screen.xdotool("windowmove", "--sync", self.id, 4, 24)
         screen.xdotool("windowsize", "--sync", self.id, SIZE[0] - 10, SIZE[1] - 40)
-        self.area = wait_for("the drawing", self.find_area)
+        self.area = wait_for("the drawing", self.settled_area)
         self.centre, self.height = (0.0, 0.0), 1.0
+
+    def settled_area(self):
+        """The drawing area once it stays as it is: toolbars come and the window grows."""
+        before = self.find_area()
+        time.sleep(0.7)
+        return before if before == self.find_area() else None
 
     def find_area(self):
         """The drawing area: black, left, top, right and bottom pixel."""
