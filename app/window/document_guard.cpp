@@ -202,10 +202,14 @@ bool DocumentGuard::mayClose(AcApDocument *document)
     return pressed == QMessageBox::Discard || (pressed == QMessageBox::Save && save(document));
 }
 
+bool DocumentGuard::mayClose(const std::vector<AcApDocument *> &documents)
+{
+    return std::ranges::all_of(documents, [this](AcApDocument *document) { return mayClose(document); });
+}
+
 bool DocumentGuard::mayQuit()
 {
-    const auto &documents = acDocManager()->documents();
-    return std::ranges::all_of(documents, [this](const auto &document) { return mayClose(document.get()); });
+    return mayClose(acDocManager()->allDocuments());
 }
 
 // Recovery ----------------------------------------------------------------------------------------
@@ -294,8 +298,7 @@ void DocumentGuard::askAboutFile(AcApDocument *document)
     if (ask(box) != QMessageBox::Yes)
         return;
     m_front.whenIdle([this, document] {
-        const auto &documents = acDocManager()->documents();
-        if (std::ranges::any_of(documents, [=](const auto &each) { return each.get() == document; }))
+        if (acDocManager()->isOpen(document))
             reload(document);
     });
 }

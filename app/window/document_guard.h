@@ -35,6 +35,7 @@ public:
     bool saveAs(AcApDocument *document);
     /// Asks whether to save changes; false when the user wants to stay.
     bool mayClose(AcApDocument *document);
+    bool mayClose(const std::vector<AcApDocument *> &documents);
     /// The same for all drawings.
     bool mayQuit();
     /// Shows what earlier sessions left; opens it, discards it or keeps it for later.

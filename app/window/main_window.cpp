@@ -45,6 +45,7 @@ MainWindow::MainWindow(WindowFrontEnd &front) : m_front(front), m_guard(front, t
     setStatusBar(m_status);
     m_menus = new MenuBar(front, *this);
     m_front.setDrawing(m_view);
+    m_front.setCloseQuestion([this](const auto &documents) { return m_guard.mayClose(documents); });
     connectParts();
     restoreSettings();
     refresh();
@@ -270,8 +271,8 @@ static AcApDocument *documentAt(int place)
 
 void MainWindow::activate(int place)
 {
-    m_front.whenIdle([place] {
-        if (AcApDocument *const document = documentAt(place); document && document != curDoc())
+    m_front.whenIdle([document = documentAt(place)] {
+        if (acDocManager()->isOpen(document))
             acDocManager()->activateDocument(document);
     });
 }
@@ -304,9 +305,9 @@ void MainWindow::showLayout(int place)
 
 void MainWindow::close(int place)
 {
-    m_front.whenIdle([this, place] {
-        AcApDocument *const document = documentAt(place);
-        if (document && m_guard.mayClose(document))
+    // Until the editor is free the tabs may have others.
+    m_front.whenIdle([this, document = documentAt(place)] {
+        if (acDocManager()->isOpen(document) && m_guard.mayClose(document))
             acDocManager()->closeDocument(document);
     });
 }

@@ -49,19 +49,23 @@ std::optional<AcEdAnswer> WindowFrontEnd::nextQueued(const AcEdPrompt &prompt)
     return std::nullopt;
 }
 
+/// A window without a command of its own may ask while a prompt waits already; that one waits on afterwards.
 std::optional<AcEdAnswer> WindowFrontEnd::wait(const AcEdPrompt &prompt)
 {
     QEventLoop loop;
-    m_loop = &loop;
-    m_prompt = &prompt;
-    m_given.reset();
+    QEventLoop *const outerLoop = std::exchange(m_loop, &loop);
+    const AcEdPrompt *const outerPrompt = std::exchange(m_prompt, &prompt);
+    const std::optional<AcEdAnswer> outerGiven = std::exchange(m_given, std::nullopt);
     Q_EMIT promptChanged();
     if (!m_given && !m_leaving)
         loop.exec();
-    m_loop = nullptr;
-    m_prompt = nullptr;
+    m_loop = outerLoop;
+    m_prompt = outerPrompt;
+    if (m_leaving && outerLoop)
+        outerLoop->quit();
+    std::optional<AcEdAnswer> given = std::exchange(m_given, outerGiven);
     Q_EMIT promptChanged();
-    return std::exchange(m_given, std::nullopt);
+    return m_leaving ? std::nullopt : given;
 }
 
 /// "另存为 <plan.dxf>: " as the title of a dialog.
@@ -131,6 +135,11 @@ void WindowFrontEnd::give(const AcEdAnswer &answer)
 {
     if (!m_prompt)
         return;
+    // The window takes what was typed while a command worked all at once; the rest answers what comes next.
+    if (m_given && answer.kind != AcEdAnswer::cancel) {
+        m_queued.emplace_back(answer);
+        return;
+    }
     m_given = answer;
     if (m_loop)
         m_loop->quit();
@@ -152,7 +161,7 @@ void WindowFrontEnd::cancel()
 void WindowFrontEnd::queue(std::vector<std::optional<AcEdAnswer>> answers)
 {
     m_queued.insert(m_queued.end(), answers.begin(), answers.end());
-    if (m_prompt && !m_queued.empty()) {
+    if (m_prompt && !m_given && !m_queued.empty()) {
         if (const auto next = nextQueued(*m_prompt))
             give(*next);
     }
@@ -172,10 +181,14 @@ void WindowFrontEnd::whenIdle(std::function<void()> function)
     if (!m_prompt)
         return;
     const bool isCommand = m_prompt->kind == AcEdPromptKind::command;
-    if (isCommand)
-        runPending(*m_prompt);
-    else
+    if (isCommand) {
+        // While it asks something in windows of its own nothing else may begin.
+        const AcEdPrompt *const waiting = std::exchange(m_prompt, nullptr);
+        runPending(*waiting);
+        m_prompt = waiting;
+    } else {
         m_queued.clear();
+    }
     if (!m_given) // The function may have given the next command itself.
         give(isCommand ? AcEdAnswer() : cancelAnswer());
 }
@@ -228,6 +241,11 @@ bool WindowFrontEnd::progress(const QString &what, double share)
     m_stopped = false;
     Q_EMIT progressed(what, share);
     return !m_stopped;
+}
+
+std::optional<bool> WindowFrontEnd::mayClose(const std::vector<AcApDocument *> &documents)
+{
+    return m_closeQuestion ? std::optional(m_closeQuestion(documents)) : std::nullopt;
 }
 
 // Macros ------------------------------------------------------------------------------------------

@@ -33,13 +33,14 @@ public:
     void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
     void focusDrawing() override;
     bool progress(const QString &what, double share) override;
+    std::optional<bool> mayClose(const std::vector<AcApDocument *> &documents) override;
 
-    /// What is being asked; null while a command works.
+    /// What is being asked; null while a command works, and what whenIdle() was given.
     const AcEdPrompt *prompt() const { return m_prompt; }
     /// Waiting for a command.
-    bool isIdle() const { return m_prompt && m_prompt->kind == AcEdPromptKind::command; }
+    bool isIdle() const { return m_prompt && m_prompt->kind == AcEdPromptKind::command && !m_given; }
 
-    /// Answers the prompt that waits; dropped while none does.
+    /// Answers the prompt that waits, or one of the next when it has its answer; dropped while none waits.
     void give(const AcEdAnswer &answer);
     void giveText(const QString &typed);
     void cancel();
@@ -55,6 +56,9 @@ public:
 
     /// Where the drawing is on the screen, and the window that gets the focus back; given by the main window.
     void setDrawing(QWidget *view) { m_drawing = view; }
+    /// What commands ask before they close drawings; given by the main window.
+    using CloseQuestion = std::function<bool(const std::vector<AcApDocument *> &documents)>;
+    void setCloseQuestion(CloseQuestion question) { m_closeQuestion = std::move(question); }
     /// The last command that was given at the command prompt, for repeating it.
     const QString &lastCommand() const { return m_lastCommand; }
 
@@ -84,6 +88,7 @@ private:
     std::deque<std::optional<AcEdAnswer>> m_queued;
     std::deque<std::function<void()>> m_pending;
     QString m_lastCommand;
+    CloseQuestion m_closeQuestion;
     bool m_leaving = false;
     bool m_stopped = false;
 };

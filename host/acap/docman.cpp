@@ -62,6 +62,19 @@ AcApDocument *AcApDocManager::document(const AcDbDatabase *database) const
     return nullptr;
 }
 
+std::vector<AcApDocument *> AcApDocManager::allDocuments() const
+{
+    std::vector<AcApDocument *> all;
+    for (const auto &document : m_documents)
+        all.push_back(document.get());
+    return all;
+}
+
+bool AcApDocManager::isOpen(const AcApDocument *document) const
+{
+    return std::ranges::any_of(m_documents, [=](const auto &each) { return each.get() == document; });
+}
+
 AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName)
 {
     auto document = std::make_unique<AcApDocument>();

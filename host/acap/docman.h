@@ -159,6 +159,10 @@ public:
     AcApDocument *mdiActiveDocument() const { return m_current; }
     const std::vector<std::unique_ptr<AcApDocument>> &documents() const { return m_documents; }
     AcApDocument *document(const AcDbDatabase *database) const;
+    /// The documents as they are now, for whoever may change the list.
+    std::vector<AcApDocument *> allDocuments() const;
+    /// For pointers that may have lost their document.
+    bool isOpen(const AcApDocument *document) const;
 
     /// Opens a drawing file (format by content) and makes it current. A file that is open already is
     /// made current. The error is a sentence with file, line and reason.

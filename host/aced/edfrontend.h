@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+class AcApDocument;
 class AcDbEntity;
 
 enum class AcEdPromptKind {
@@ -95,6 +96,12 @@ public:
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when
     /// it has ended. False: the user wants it to stop.
     virtual bool progress(const QString & /*what*/, double /*share*/) { return true; }
+    /// Asked before drawings are closed that may have unsaved changes, which it may save: false keeps all of
+    /// them open. No value: it leaves the question to the command.
+    virtual std::optional<bool> mayClose(const std::vector<AcApDocument *> & /*documents*/)
+    {
+        return std::nullopt;
+    }
 };
 
 /// The front end in use; never null (without one: prints to standard error, answers nothing).

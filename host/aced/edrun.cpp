@@ -52,7 +52,7 @@ public:
     }
     ~CommandScope()
     {
-        if (!m_document || !isOpen())
+        if (!m_document || !acDocManager()->isOpen(m_document))
             return;
         if (m_grouped)
             m_document->database()->undo().endGroup();
@@ -64,13 +64,6 @@ public:
     Acad::ErrorStatus status() const { return m_status; }
 
 private:
-    bool isOpen() const
-    {
-        const auto &documents = acDocManager()->documents();
-        return std::any_of(documents.begin(), documents.end(),
-                           [this](const auto &opened) { return opened.get() == m_document; });
-    }
-
     AcApDocument *m_document;
     Acad::ErrorStatus m_status = Acad::eOk;
     bool m_locked = false;

@@ -2,7 +2,6 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edmessage.h"
-#include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
 #include "host/acrx/rxmodule.h"
 
@@ -13,36 +12,6 @@
 
 namespace hostcommands
 {
-
-namespace
-{
-
-struct AskedFile {
-    QString path; ///< Empty for Enter.
-    bool mayReplace = false;
-};
-
-} // namespace
-
-/// A path, typed or chosen in a window's file dialog; none when cancelled.
-static std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed)
-{
-    acedTakeRules(); // Paths know neither rules nor keywords.
-    AcEdPrompt prompt;
-    prompt.kind = kind;
-    prompt.message = message;
-    prompt.path = proposed;
-    prompt.allowsBlanks = true;
-    const auto answer = acedNextAnswer(prompt);
-    if (!answer || answer->kind != AcEdAnswer::text) {
-        acedEditor()->requestCancel();
-        return std::nullopt;
-    }
-    QString path = answer->typed.trimmed();
-    if (path.size() >= 2 && path.startsWith(u'"') && path.endsWith(u'"'))
-        path = path.mid(1, path.size() - 2);
-    return AskedFile{path, answer->mayReplace};
-}
 
 /// A line for everybody, and a message box where somebody sits before a window.
 static void tellTrouble(const QString &text)
@@ -124,24 +93,31 @@ static void quickSave()
         saveAs();
 }
 
+/// A window asks in its own way; others are asked on the command line whether changes may be lost.
+static bool mayClose(const std::vector<AcApDocument *> &documents, const QString &question)
+{
+    if (std::ranges::none_of(documents, &AcApDocument::isModified))
+        return true;
+    if (const auto answer = acedFrontEnd().mayClose(documents))
+        return *answer;
+    return askYes(question, false).value_or(false);
+}
+
 static void close()
 {
     AcApDocument *const document = curDoc();
     if (!document)
         return;
-    if (!document->isModified() ||
-        askYes(QStringLiteral("\n%1 的修改尚未保存。放弃修改吗?").arg(document->docTitle()), false)
-            .value_or(false))
+    const QString question = QStringLiteral("\n%1 的修改尚未保存。放弃修改吗?").arg(document->docTitle());
+    if (mayClose({document}, question))
         acDocManager()->closeDocument(document);
 }
 
 static void quit()
 {
-    const auto modified = std::ranges::count_if(acDocManager()->documents(),
-                                                [](const auto &document) { return document->isModified(); });
-    if (modified == 0 ||
-        askYes(QStringLiteral("\n%1 个图形的修改尚未保存。放弃修改并退出吗?").arg(modified), false)
-            .value_or(false))
+    const std::vector<AcApDocument *> documents = acDocManager()->allDocuments();
+    const auto modified = std::ranges::count_if(documents, &AcApDocument::isModified);
+    if (mayClose(documents, QStringLiteral("\n%1 个图形的修改尚未保存。放弃修改并退出吗?").arg(modified)))
         acedEditor()->requestQuit();
 }
 

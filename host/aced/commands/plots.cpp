@@ -295,16 +295,23 @@ static bool askStyle(PlotAnswers &answers)
            refuse(QStringLiteral("没有打印样式表“%1”。").arg(*name));
 }
 
-static bool askFile(PlotAnswers &answers)
+/// The drawing's name with another ending.
+static QString proposedFile(const QString &ending)
 {
     const AcApDocument &document = *curDoc();
     const QFileInfo drawing(document.isNamedDrawing() ? document.fileName() : document.docTitle());
-    const QString present = drawing.path() + u'/' + drawing.completeBaseName() + QStringLiteral(".pdf");
-    const auto name = askText(QStringLiteral("\n输入文件名 <%1>: ").arg(present));
-    if (!name)
+    return drawing.path() + u'/' + drawing.completeBaseName() + ending;
+}
+
+static bool askPlotFile(PlotAnswers &answers)
+{
+    const QString present = proposedFile(QStringLiteral(".pdf"));
+    const auto file =
+        askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n输入文件名 <%1>: ").arg(present), present);
+    if (!file)
         return false;
-    answers.file = name->isEmpty() ? present : withEnding(*name, QStringLiteral(".pdf"));
-    if (!QFileInfo::exists(answers.file) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
+    answers.file = file->path.isEmpty() ? present : withEnding(file->path, QStringLiteral(".pdf"));
+    if (file->mayReplace || !QFileInfo::exists(answers.file) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
         return true;
     return askYes(QStringLiteral("\n已有名为 %1 的文件。替换它吗?").arg(answers.file), false).value_or(false);
 }
@@ -317,8 +324,9 @@ static bool askProceed(PlotAnswers &)
 static void plot()
 {
     PlotAnswers answers;
-    for (bool (*ask)(PlotAnswers &) : {askLayout, askDevice, askPaper, askUnits, askOrientation, askArea,
-                                       askScale, askOffset, askLineWeights, askStyle, askFile, askProceed}) {
+    for (bool (*ask)(PlotAnswers &) :
+         {askLayout, askDevice, askPaper, askUnits, askOrientation, askArea, askScale, askOffset,
+          askLineWeights, askStyle, askPlotFile, askProceed}) {
         if (!ask(answers))
             return;
     }
@@ -355,8 +363,9 @@ static QRect rasterArea(const AcEdSelectionSet &entities, const QRect &raster)
 
 static void pngOut()
 {
-    const auto name = askText(QStringLiteral("\n输入文件名: "));
-    if (!name || name->isEmpty())
+    const auto file = askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n输入文件名: "),
+                              proposedFile(QStringLiteral(".png")));
+    if (!file || file->path.isEmpty())
         return;
     acutPrintf(QStringLiteral("\n选择对象或 <全部对象和视口>: "));
     const AcEdSelectionSet selected = askSelection();
@@ -370,7 +379,7 @@ static void pngOut()
         }
         image = image.copy(area);
     }
-    if (const auto written = acedWritePng(image, withEnding(*name, QStringLiteral(".png"))); !written)
+    if (const auto written = acedWritePng(image, withEnding(file->path, QStringLiteral(".png"))); !written)
         refuse(QStringLiteral("不能输出: %1").arg(written.error()));
     tellUndrawn(report);
 }

@@ -2,6 +2,8 @@
 #include "host/aced/commands/support.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/aced/edcommands.h"
+#include "host/aced/edprompt.h"
 #include "host/aced/edview.h"
 
 #include <algorithm>
@@ -36,16 +38,37 @@ DocumentMemory &DocumentMemory::of(AcApDocument *document)
 
 // Questions --------------------------------------------------------------------------------------------
 
+static QString withoutQuotes(QString text)
+{
+    text = text.trimmed();
+    if (text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"'))
+        text = text.mid(1, text.size() - 2);
+    return text;
+}
+
 std::optional<QString> askText(const QString &prompt)
 {
     QString text;
     const int result = acedGetString(true, prompt, text);
     if (result != RTNORM && result != RTNONE)
         return std::nullopt;
-    text = text.trimmed();
-    if (text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"'))
-        text = text.mid(1, text.size() - 2);
-    return text;
+    return withoutQuotes(text);
+}
+
+std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed)
+{
+    acedTakeRules(); // Paths know neither rules nor keywords.
+    AcEdPrompt prompt;
+    prompt.kind = kind;
+    prompt.message = message;
+    prompt.path = proposed;
+    prompt.allowsBlanks = true;
+    const auto answer = acedNextAnswer(prompt);
+    if (!answer || answer->kind != AcEdAnswer::text) {
+        acedEditor()->requestCancel();
+        return std::nullopt;
+    }
+    return AskedFile{withoutQuotes(answer->typed), answer->mayReplace};
 }
 
 std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback)

@@ -25,6 +25,12 @@ struct DocumentMemory {
 
 /// A line that no quotes surround; none when the command was cancelled.
 std::optional<QString> askText(const QString &prompt);
+struct AskedFile {
+    QString path;            ///< Empty for Enter.
+    bool mayReplace = false; ///< The user knows that there is such a file.
+};
+/// A path, typed or chosen in a window's file dialog, which begins with `proposed`; none when cancelled.
+std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed);
 /// One of the keywords; `fallback` for Enter; none when cancelled.
 std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback);
 std::optional<bool> askYes(const QString &prompt, bool fallback);

@@ -72,6 +72,43 @@ TEST_F(WindowFrontEndTest, MacroBeginsByCancellingWhatRuns)
     EXPECT_TRUE(session.printed.contains(u"*取消*"));
 }
 
+TEST_F(WindowFrontEndTest, ClosingAndLeavingAskTheWindow)
+{
+    std::size_t asked = 0;
+    bool answer = false;
+    front.setCloseQuestion([&](const std::vector<AcApDocument *> &documents) {
+        asked += documents.size();
+        return answer;
+    });
+    session.play({
+        [&] { front.giveText(QStringLiteral("POINT 1,1")); },
+        [&] { front.giveText(QStringLiteral("CLOSE")); },
+        [&] {
+            EXPECT_EQ(acDocManager()->documents().size(), 1u);
+            front.giveText(QStringLiteral("QUIT"));
+        },
+        [&] {
+            EXPECT_TRUE(front.isIdle()) << "the window was to stay";
+            EXPECT_EQ(asked, 2u);
+            answer = true;
+            front.giveText(QStringLiteral("QUIT"));
+        },
+    });
+    EXPECT_EQ(asked, 3u);
+}
+
+TEST_F(WindowFrontEndTest, WhatIsTypedAheadAnswersTheNextPrompts)
+{
+    session.play({
+        [&] {
+            front.giveText(QStringLiteral("POINT"));
+            front.giveText(QStringLiteral("3,4"));
+        },
+        [&] { front.giveText({}); },
+    });
+    EXPECT_EQ(tests::currentEntities().size(), 1u);
+}
+
 TEST_F(WindowFrontEndTest, WhatWaitsForTheEditorCancelsTheCommandAndThenRuns)
 {
     QStringList order;
