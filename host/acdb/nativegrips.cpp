@@ -511,8 +511,7 @@ Acad::ErrorStatus acdbMoveNativeGrips(AcDbEntity &entity, std::span<const int> g
     const Grips known = gripsOf(*kind, shape);
     std::vector<int> dragged(grips.begin(), grips.end());
     std::ranges::sort(dragged);
-    const auto repeated = std::ranges::unique(dragged);
-    dragged.erase(repeated.begin(), repeated.end());
+    dragged.erase(std::unique(dragged.begin(), dragged.end()), dragged.end());
     if (dragged.empty() || dragged.front() < 0 || dragged.back() >= int(known.size()))
         return Acad::eInvalidIndex;
 

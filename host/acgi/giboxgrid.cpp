@@ -91,7 +91,6 @@ std::optional<std::vector<std::uint32_t>> AcGiBoxGrid::find(double left, double 
                      m_numbers.begin() + std::ptrdiff_t(m_ends[last]));
     }
     std::ranges::sort(found);
-    const auto repeated = std::ranges::unique(found);
-    found.erase(repeated.begin(), repeated.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }

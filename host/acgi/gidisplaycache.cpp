@@ -370,8 +370,7 @@ std::optional<std::vector<std::uint32_t>> AcGiDisplayCache::near(const Progress 
     found->insert(found->end(), progress.outdated.begin(), progress.outdated.end());
     found->insert(found->end(), entities.begin() + std::ptrdiff_t(progress.inGrid), entities.end());
     std::ranges::sort(*found);
-    const auto repeated = std::ranges::unique(*found);
-    found->erase(repeated.begin(), repeated.end());
+    found->erase(std::unique(found->begin(), found->end()), found->end());
     return found;
 }
 

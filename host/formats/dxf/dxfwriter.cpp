@@ -86,7 +86,8 @@ base::Result<DxfImage, DxfError> DxfImage::take(AcDbDatabase &database)
     if (!source)
         return base::Failure{notFromDxf({})};
     const AcDbDwgCarriers carriers(database);
-    return DxfImage(std::make_unique<dxf::Image>(*source, dxf::SavePlan(database, *source).takeEdits()));
+    return DxfImage(
+        std::unique_ptr<dxf::Image>(new dxf::Image{*source, dxf::SavePlan(database, *source).takeEdits()}));
 }
 
 base::Result<void, DxfError> DxfImage::write(const QString &path, const base::Progress &progress) const
