@@ -223,9 +223,12 @@ void AcGiPicture::splitIntoTiles(const QRect &area)
     const AcGiTileGrid grid = chooseGrid(area, boxes);
     const int columns = grid.columns();
     m_tiles = std::vector<Tile>(std::size_t(columns) * std::size_t(grid.rows()));
+    const auto tileAt = [&](int row, int column) -> Tile & {
+        return m_tiles[std::size_t(row) * std::size_t(columns) + std::size_t(column)];
+    };
     for (int row = 0; row < grid.rows(); ++row) {
         for (int column = 0; column < columns; ++column) {
-            Tile &tile = m_tiles[std::size_t(row * columns + column)];
+            Tile &tile = tileAt(row, column);
             tile.area = QRect(area.left() + column * grid.width, area.top() + row * grid.height, grid.width,
                               grid.height) &
                         area;
@@ -237,7 +240,7 @@ void AcGiPicture::splitIntoTiles(const QRect &area)
         const QRect tiles = tilesOf(grid, boxes[i]);
         for (int row = tiles.top(); row <= tiles.bottom(); ++row) {
             for (int column = tiles.left(); column <= tiles.right(); ++column)
-                m_tiles[std::size_t(row * columns + column)].shown.lists.push_back(m_shown.lists[i]);
+                tileAt(row, column).shown.lists.push_back(m_shown.lists[i]);
         }
     }
 }
