@@ -210,7 +210,21 @@ base::Result<AcApDocument *, QString> AcApDocManager::openDocument(const QString
     return adopt(std::move(*loaded));
 }
 
-base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &copy, const QString &original)
+/// What a drawing takes for its file when it is opened from a copy; a stamp of no file at all counts every
+/// file as changed.
+static AcApFileStamp stampBehindCopy(const QString &file, const std::optional<AcApFileStamp> &present,
+                                     const QString &copy, std::optional<AcApFileStamp> grewFrom)
+{
+    if (grewFrom && present)
+        grewFrom->device = present->device; // Numbers of devices change when the machine starts.
+    if (grewFrom)
+        return *grewFrom;
+    const bool isNewer = QFileInfo(file).lastModified() > QFileInfo(copy).lastModified();
+    return present && !isNewer ? *present : AcApFileStamp();
+}
+
+base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &copy, const QString &original,
+                                                               const std::optional<AcApFileStamp> &grewFrom)
 {
     const QString file = original.isEmpty() ? QString() : fullPath(original);
     if (documentOfFile(file))
@@ -218,9 +232,8 @@ base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &co
     auto loaded = load(file, copy, AcApOpenAs::editable);
     if (!loaded)
         return base::Failure{loaded.error()};
-    // Somebody worked on after the copy was made: his file is not the one that the copy grew from.
-    if ((*loaded)->m_stamp && QFileInfo(file).lastModified() > QFileInfo(copy).lastModified())
-        (*loaded)->m_stamp = AcApFileStamp();
+    if (!file.isEmpty())
+        (*loaded)->m_stamp = stampBehindCopy(file, (*loaded)->m_stamp, copy, grewFrom);
     AcApDocument *const opened = adopt(std::move(*loaded));
     opened->m_savedChangeCount = kNeverSaved;
     return opened;

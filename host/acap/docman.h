@@ -79,6 +79,9 @@ public:
     /// Changes since opening or the last save (DBMOD).
     bool isModified() const;
 
+    /// Of the file as it was read or last written; none for a drawing without one.
+    const std::optional<AcApFileStamp> &fileStamp() const { return m_stamp; }
+
     AcAp::DocLockMode lockMode() const { return m_lockMode; }
 
     /// Somebody else edits the file: it is not saved under its own name while he does.
@@ -169,7 +172,11 @@ public:
     base::Result<AcApDocument *, QString> openDocument(const QString &path,
                                                        AcApOpenAs as = AcApOpenAs::editable);
     /// Opens the content of `copy` as unsaved changes of the drawing `original`, or of one without a name.
-    base::Result<AcApDocument *, QString> openCopy(const QString &copy, const QString &original);
+    /// The file of the drawing counts as changed by somebody when it is not the one that the copy grew from;
+    /// where that is not known, when it is newer than the copy.
+    base::Result<AcApDocument *, QString>
+    openCopy(const QString &copy, const QString &original,
+             const std::optional<AcApFileStamp> &grewFrom = std::nullopt);
     /// A new drawing from the built-in template.
     AcApDocument *newDocument();
     /// A document over a database made elsewhere (tests).

@@ -46,14 +46,35 @@ static QString recordOf(const QString &copy)
     return copy + QStringLiteral(".record");
 }
 
-/// "original", "title" and "time", a line each, name and value parted by a blank.
+static QString stampText(const AcApFileStamp &stamp)
+{
+    return QStringLiteral("file %1 %2 %3 %4 %5\n")
+        .arg(stamp.device)
+        .arg(stamp.inode)
+        .arg(stamp.size)
+        .arg(stamp.seconds)
+        .arg(stamp.nanoseconds);
+}
+
+static std::optional<AcApFileStamp> readStamp(const QString &value)
+{
+    const QStringList numbers = value.split(u' ');
+    if (numbers.size() != 5)
+        return std::nullopt;
+    return AcApFileStamp{numbers[0].toULongLong(), numbers[1].toULongLong(), numbers[2].toULongLong(),
+                         numbers[3].toLongLong(), numbers[4].toLongLong()};
+}
+
+/// "original", "title", "time" and "file", a line each, name and value parted by a blank.
 static QByteArray recordText(const AcApRecoverable &copy)
 {
-    return QStringLiteral("%1\noriginal %2\ntitle %3\ntime %4\npid %5\n")
-        .arg(QString::fromLatin1(kMark), QString::fromLatin1(QUrl::toPercentEncoding(copy.original, "/")),
-             copy.title, copy.time.toUTC().toString(Qt::ISODateWithMs))
-        .arg(acapThisProcess().pid)
-        .toUtf8();
+    const QString file = copy.grewFrom ? stampText(*copy.grewFrom) : QString();
+    const QString text =
+        QStringLiteral("%1\noriginal %2\ntitle %3\ntime %4\npid %5\n")
+            .arg(QString::fromLatin1(kMark), QString::fromLatin1(QUrl::toPercentEncoding(copy.original, "/")),
+                 copy.title, copy.time.toUTC().toString(Qt::ISODateWithMs))
+            .arg(acapThisProcess().pid);
+    return (text + file).toUtf8();
 }
 
 static AcApRecoverable readRecord(const QString &copy)
@@ -77,6 +98,8 @@ static AcApRecoverable readRecord(const QString &copy)
             found.title = value;
         else if (line.startsWith(QLatin1String("time ")))
             found.time = QDateTime::fromString(value, Qt::ISODateWithMs);
+        else if (line.startsWith(QLatin1String("file ")))
+            found.grewFrom = readStamp(value);
     }
     return found;
 }
@@ -197,7 +220,7 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
     watched.changeCount = document.database()->changeCount();
     watched.isBehind = false;
     const AcApRecoverable record{watched.copy, document.fileName(), document.docTitle(),
-                                 QDateTime::currentDateTimeUtc()};
+                                 QDateTime::currentDateTimeUtc(), document.fileStamp()};
     watched.stop = false;
     watched.writing = std::async(
         std::launch::async, [image = std::move(*taken), record, &stop = watched.stop]() -> QString {
@@ -220,7 +243,7 @@ QString AcApRecovery::freshCopyPath()
 /// Renamed, not written anew: at no moment is there no copy.
 base::Result<AcApDocument *, QString> AcApRecovery::reopen(const AcApRecoverable &copy)
 {
-    const auto opened = m_manager.openCopy(copy.copy, copy.original);
+    const auto opened = m_manager.openCopy(copy.copy, copy.original, copy.grewFrom);
     if (!opened)
         return opened;
     Watched &watched = m_watched[*opened];
@@ -242,7 +265,7 @@ void AcApRecovery::drop(AcApDocument *document)
     if (watched->second.writing.valid())
         watched->second.writing.wait();
     if (!watched->second.copy.isEmpty())
-        discard({watched->second.copy, {}, {}, {}});
+        discard({watched->second.copy, {}, {}, {}, {}});
     m_watched.erase(watched);
 }
 

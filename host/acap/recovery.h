@@ -17,10 +17,11 @@ class DxfImage;
 
 /// A copy that a program left behind.
 struct AcApRecoverable {
-    QString copy;     ///< The drawing file with the unsaved changes.
-    QString original; ///< Empty when the drawing had never been saved.
-    QString title;    ///< "plan.dxf"; the copy's own name when its record is lost.
-    QDateTime time;   ///< Of the state that the copy holds.
+    QString copy;                          ///< The drawing file with the unsaved changes.
+    QString original;                      ///< Empty when the drawing had never been saved.
+    QString title;                         ///< "plan.dxf"; the copy's own name when its record is lost.
+    QDateTime time;                        ///< Of the state that the copy holds.
+    std::optional<AcApFileStamp> grewFrom; ///< The drawing's file as it was read or last written.
 };
 
 class AcApRecovery : public AcApDocManagerReactor

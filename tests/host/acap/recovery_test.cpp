@@ -169,6 +169,39 @@ TEST_F(Recovery, ACrashLeavesCopiesThatOpenAsUnsavedChanges)
     EXPECT_TRUE(data.fileNames().isEmpty());
 }
 
+TEST_F(Recovery, WhatSomebodyWroteBeforeTheCopyIsNotOverwritten)
+{
+    AcApDocument *const document = openPlan();
+    const QByteArray theirs = "999\ntheirs\n" + tests::readFile(plan());
+    tests::writeFile(plan(), theirs);
+    change(document, 5);
+    tick(10s);
+    tick(30s);
+    const QByteArray copy = tests::readFile(onlyCopy());
+    const QByteArray record = tests::readFile(onlyCopy() + ".record");
+    const QString name = onlyCopy();
+    manager.closeDocument(document);
+    const auto reopen = [&] {
+        tests::writeFile(name, copy);
+        tests::writeFile(name + ".record", record);
+        orphan(name);
+        const auto opened = recovery.reopen(AcApRecovery::recoverable(data.path()).value(0));
+        EXPECT_TRUE(opened);
+        return *opened;
+    };
+    AcApDocument *const again = reopen();
+    EXPECT_EQ(manager.changedOnDisk(*again), AcApFileChange::changed);
+    EXPECT_FALSE(manager.saveDocument(again, {}));
+    EXPECT_EQ(tests::readFile(plan()), theirs);
+    manager.closeDocument(again);
+
+    QFile::remove(plan());
+    AcApDocument *const alone = reopen();
+    tests::writeFile(plan(), theirs); // It came while the copy was open.
+    EXPECT_FALSE(manager.saveDocument(alone, {}));
+    EXPECT_EQ(tests::readFile(plan()), theirs);
+}
+
 TEST_F(Recovery, ACopyWithoutRecordIsOfferedToo)
 {
     AcApDocument *const document = manager.newDocument();
