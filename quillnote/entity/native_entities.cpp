@@ -59,7 +59,7 @@ std::vector<std::array<AcGePoint3d, 4>> solidPieces(std::span<const AcGePoint3d>
             pieces.push_back({corners[i], corners[i + 1], corners[last - 1], corners[last]});
         if (std::ranges::all_of(pieces, [&](const auto &piece) { return isConvex(piece, sense); }))
             return pieces;
-        std::ranges::rotate(corners, corners.begin() + 1);
+        std::rotate(corners.begin(), corners.begin() + 1, corners.end());
     }
     return {};
 }
