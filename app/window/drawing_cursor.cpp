@@ -7,6 +7,7 @@
 #include <QPixmap>
 
 #include <algorithm>
+#include <cmath>
 
 namespace window
 {
@@ -35,7 +36,8 @@ QCursor drawingCursor(AcEdPromptKind kind, bool isDark)
     painter.translate(kHalf, kHalf);
     painter.setPen(isDark ? Qt::black : Qt::white);
     const double ratio = qGuiApp->devicePixelRatio();
-    const int box = std::clamp(int(acedIntVar(QStringLiteral("PICKBOX"), 3) / ratio + 0.5), 2, kHalf - 2);
+    const int box =
+        std::clamp(int(std::lround(acedIntVar(QStringLiteral("PICKBOX"), 3) / ratio)), 2, kHalf - 2);
     if (!picks)
         drawCross(painter, isIdle ? box : 0);
     if (points)
