@@ -6,6 +6,7 @@
 #include "host/acui/acuifile.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 #include <QMessageBox>
@@ -146,8 +147,10 @@ bool DocumentGuard::open(const QString &path)
 bool DocumentGuard::write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite)
 {
     const auto saved = acDocManager()->saveDocument(document, path, false, overwrite);
-    if (saved)
+    if (saved) {
+        m_front.print(u'\n' + tr("已保存 %1。").arg(QDir::toNativeSeparators(document->fileName())));
         return true;
+    }
     return !acDocManager()->wasStopped() && tell(tr("不能保存图形: %1").arg(saved.error()));
 }
 
@@ -195,6 +198,7 @@ bool DocumentGuard::mayClose(AcApDocument *document)
 {
     if (!document->isModified())
         return true;
+    Q_EMIT asksAbout(document);
     QMessageBox box(QMessageBox::Question, {}, tr("%1 的修改尚未保存。保存修改吗?").arg(document->docTitle()),
                     QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setDefaultButton(QMessageBox::Save);

@@ -47,6 +47,10 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+Q_SIGNALS:
+    /// Before the question whether to save this drawing.
+    void asksAbout(AcApDocument *document);
+
 private:
     void documentCreated(AcApDocument *document) override;
     void tick();

@@ -49,6 +49,12 @@ static QString asTabText(QString text)
 
 // Drawings ----------------------------------------------------------------------------------------
 
+QString titleOf(const AcApDocument &document)
+{
+    const QString name = document.docTitle();
+    return document.isReadOnly() ? DocumentTabs::tr("%1（只读）").arg(name) : name;
+}
+
 DocumentTabs::DocumentTabs(QWidget *parent) : FollowingTabs(parent)
 {
     setTabsClosable(true);
@@ -66,7 +72,7 @@ void DocumentTabs::refresh()
         const QString mark = document->isModified() ? QStringLiteral(" •") : QString();
         const QString path =
             document->isNamedDrawing() ? QDir::toNativeSeparators(document->fileName()) : tr("尚未保存");
-        tabs.push_back({asTabText(document->docTitle()) + mark,
+        tabs.push_back({asTabText(titleOf(*document)) + mark,
                         document->isModified() ? tr("%1（已修改）").arg(path) : path});
     }
     show(tabs, current);

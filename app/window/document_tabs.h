@@ -31,6 +31,9 @@ private:
     bool m_isFollowing = false;
 };
 
+/// The drawing's name, and that it was opened read-only.
+QString titleOf(const AcApDocument &document);
+
 class DocumentTabs : public FollowingTabs
 {
     Q_OBJECT

@@ -65,16 +65,24 @@ QSize DrawingView::pixelSize() const
     return {std::max(1, int(std::lround(width() * ratio))), std::max(1, int(std::lround(height() * ratio)))};
 }
 
-/// A drawing that comes to this widget shows at least what its view showed; one that is here keeps its scale
-/// when the widget's size changes, and moves by whole pixels.
+static bool showsSamePlace(const AcApView &one, const AcApView &other)
+{
+    return one.centre == other.centre && one.height == other.height && one.twist == other.twist;
+}
+
+/// A drawing that comes to this widget shows at least what its view showed, and goes on to do so until the
+/// user moves it: toolbars come with the first drawing. From then on it keeps its scale when the widget's
+/// size changes, and moves by whole pixels.
 void DrawingView::fitViewToWidget(AcApDocument &document)
 {
     AcApView &view = document.view();
     const QSize size = pixelSize();
-    const bool isNew = m_fitted.insert(&document).second;
+    FirstView &first = m_fitted.try_emplace(&document, FirstView{view, view}).first->second;
     if (view.pixelWidth == size.width() && view.pixelHeight == size.height())
         return;
-    if (isNew) {
+    const bool isUnmoved = showsSamePlace(view, first.shown);
+    if (isUnmoved) {
+        view = first.asked;
         view.height = std::max(view.height, view.width() * size.height() / size.width());
     } else {
         const double unit = view.pixelSize();
@@ -87,6 +95,8 @@ void DrawingView::fitViewToWidget(AcApDocument &document)
     }
     view.pixelWidth = size.width();
     view.pixelHeight = size.height();
+    if (isUnmoved)
+        first.shown = view;
 }
 
 /// The drawing is at rest: a prompt waits or nothing runs.
@@ -151,6 +161,8 @@ void DrawingView::showHighlight()
     const bool showsPickSet = m_frontEnd.isIdle() || !m_frontEnd.prompt() || isGripCommand;
     const std::vector<AcDbObjectId> &entities = showsPickSet ? document->pickSet() : m_chosen;
     m_highlight.show(document->database(), entities, pointingView(*document));
+    if (std::exchange(m_pickSetSize, document->pickSet().size()) != document->pickSet().size())
+        Q_EMIT pickSetChanged();
 }
 
 void DrawingView::promptChanged()

@@ -11,7 +11,7 @@
 
 #include <QWidget>
 
-#include <set>
+#include <map>
 
 namespace window
 {
@@ -51,6 +51,8 @@ Q_SIGNALS:
     void cursorMoved(const AcGePoint3d &world);
     /// Another part of the drawing is seen, or another drawing.
     void viewChanged();
+    /// More or fewer entities are chosen, by whatever way.
+    void pickSetChanged();
     void busyChanged(bool busy);
     void painted(const AcGiPaintReport &report);
     /// Typed while the drawing has the keyboard; meant for the command line.
@@ -94,6 +96,12 @@ private:
         AcApView view; ///< As it was left; who has moved it since does not want to be sent back.
     };
 
+    /// The view that a drawing came with, and what this widget made of it.
+    struct FirstView {
+        AcApView asked;
+        AcApView shown;
+    };
+
     WindowFrontEnd &m_frontEnd;
     Pointing m_pointing;
     ViewPicture m_picture;
@@ -103,8 +111,9 @@ private:
     std::uint64_t m_changeCount = 0;
     AcGiViewport m_view;
     QColor m_background = Qt::black;
-    std::vector<AcDbObjectId> m_chosen;      ///< Of a selection that is being made.
-    std::set<const AcApDocument *> m_fitted; ///< Documents whose view has this widget's pixels.
+    std::vector<AcDbObjectId> m_chosen;                 ///< Of a selection that is being made.
+    std::size_t m_pickSetSize = 0;                      ///< As it was shown last.
+    std::map<const AcApDocument *, FirstView> m_fitted; ///< Documents whose view has this widget's pixels.
     std::optional<QPoint> m_panFrom;
     std::optional<RoughZoom> m_roughZoom;
 };

@@ -97,11 +97,13 @@ void MainWindow::connectParts()
     connect(m_status, &StatusLine::backgroundWanted, this, &MainWindow::toggleBackground);
     connect(m_view, &DrawingView::cursorMoved, m_status, &StatusLine::showPlace);
     connect(m_view, &DrawingView::viewChanged, m_status, &StatusLine::refresh);
+    connect(m_view, &DrawingView::pickSetChanged, m_status, &StatusLine::refresh);
     connect(m_view, &DrawingView::busyChanged, m_status, &StatusLine::showBusy);
     connect(m_view, &DrawingView::textTyped, m_commandLine, &CommandLinePanel::type);
     connect(m_view, &DrawingView::enterPressed, m_commandLine, &CommandLinePanel::confirm);
     connect(m_commandLine, &CommandLinePanel::heightWanted, this,
             [this](int height) { resizeDocks({m_commandDock}, {height}, Qt::Vertical); });
+    connect(&m_guard, &DocumentGuard::asksAbout, this, &MainWindow::showAskedAbout);
     connect(m_find, &FindBar::closed, this, [this] { m_front.focusDrawing(); });
     connect(m_documents, &DocumentTabs::wanted, this, &MainWindow::activate);
     connect(m_documents, &QTabBar::tabCloseRequested, this, [this](int place) { close(place); });
@@ -142,7 +144,7 @@ void MainWindow::refresh()
         m_startPage->refresh();
         m_pages->setCurrentIndex(int(isOpen));
     }
-    setWindowTitle(isOpen ? QStringLiteral("Quillnote - %1[*]").arg(document->docTitle())
+    setWindowTitle(isOpen ? QStringLiteral("Quillnote - %1[*]").arg(titleOf(*document))
                           : QStringLiteral("Quillnote[*]"));
     setWindowModified(isOpen && document->isModified());
 }
@@ -275,6 +277,16 @@ void MainWindow::activate(int place)
         if (acDocManager()->isOpen(document))
             acDocManager()->activateDocument(document);
     });
+}
+
+/// Whoever is asked whether to save a drawing sees which one it is. A running command keeps its drawing.
+void MainWindow::showAskedAbout(AcApDocument *document)
+{
+    if (document == curDoc() || !acedEditor()->activeCommands().isEmpty())
+        return;
+    acDocManager()->activateDocument(document);
+    refresh();
+    m_view->refresh();
 }
 
 void MainWindow::activateNext(int by)

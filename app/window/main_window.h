@@ -55,6 +55,7 @@ private:
     void askOpen();
     void openRecent(const QString &path);
     void activate(int place);
+    void showAskedAbout(AcApDocument *document);
     void activateNext(int by);
     void showLayout(int place);
     void close(int place);

@@ -103,6 +103,10 @@
         <translation>%1 has changes that are not saved. Save them?</translation>
     </message>
     <message>
+        <source>已保存 %1。</source>
+        <translation>Saved %1.</translation>
+    </message>
+    <message>
         <source>不能写恢复副本: %1</source>
         <translation>The recovery copy cannot be written: %1</translation>
     </message>
@@ -132,6 +136,10 @@
     <message>
         <source>尚未保存</source>
         <translation>Not saved yet</translation>
+    </message>
+    <message>
+        <source>%1（只读）</source>
+        <translation>%1 (read-only)</translation>
     </message>
     <message>
         <source>%1（已修改）</source>

@@ -165,6 +165,7 @@ TEST_F(Guard, SavingAsksBeforeItOverwritesOthers)
     answers();
     EXPECT_TRUE(guard.save(document));
     EXPECT_TRUE(asked().isEmpty());
+    EXPECT_TRUE(session.printed.contains(plan)) << "the user hears that it was saved";
 
     QFile::remove(plan);
     tests::writeFile(plan, kDrawing);

@@ -1,6 +1,7 @@
 // The main window over a running editor: tabs, titles, what it shows with and without a drawing.
 #include "app/window/command_line_panel.h"
 #include "app/window/document_tabs.h"
+#include "app/window/drawing_view.h"
 #include "app/window/main_window.h"
 #include "app/window/recent_files.h"
 #include "app/window/start_page.h"
@@ -9,12 +10,15 @@
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 
+#include "host/aced/edpick.h"
 #include "host/aced/edspace.h"
 #include "host/acgi/gidraw.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
 #include <QToolButton>
 
 TEST(MainWindow, FollowsTheDrawings)
@@ -70,6 +74,46 @@ TEST(MainWindow, FollowsTheDrawings)
             panel->toggleHistory();
             QCoreApplication::processEvents();
             EXPECT_GT(panel->height(), before + 50);
+            session.front.giveText({});
+        },
+    });
+    while (!acDocManager()->documents().empty())
+        acDocManager()->closeDocument(acDocManager()->documents().back().get());
+}
+
+TEST(MainWindow, ShowsWhatIsReadOnlyWhatIsChosenAndWhatItAsksAbout)
+{
+    acgiInstall();
+    tests::TempDir folder;
+    const QString plan = folder.write("plan.dxf", "0\nSECTION\n2\nENTITIES\n0\nPOINT\n8\n0\n10\n1\n20\n2\n0\n"
+                                                  "ENDSEC\n0\nEOF\n");
+    tests::WindowSession session;
+    window::MainWindow mainWindow(session.front);
+    mainWindow.show();
+    auto *const documents = mainWindow.findChild<window::DocumentTabs *>();
+    auto *const status = mainWindow.findChild<window::StatusLine *>();
+    AcApDocument *const changed = acDocManager()->newDocument();
+    changed->database()->setHeaderVariable("$USERI1", {{70, std::int64_t(1)}});
+    AcApDocument *const current = *acDocManager()->openDocument(plan, AcApOpenAs::readOnly);
+    QString seen;
+    session.play({
+        [&] {
+            EXPECT_TRUE(mainWindow.windowTitle().contains(u"只读"));
+            EXPECT_TRUE(documents->tabText(1).contains(u"只读"));
+            EXPECT_FALSE(documents->tabText(0).contains(u"只读"));
+            curDoc()->pickSet() = {acedLastEntity(*curDoc())};
+            mainWindow.findChild<window::DrawingView *>()->refresh();
+            EXPECT_TRUE(status->factsText().contains(u'1'));
+
+            QTimer::singleShot(0, [&] {
+                seen = mainWindow.windowTitle();
+                EXPECT_EQ(documents->currentIndex(), 0);
+                if (auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
+                    box->button(QMessageBox::Cancel)->click();
+            });
+            mainWindow.QWidget::close();
+            EXPECT_TRUE(seen.contains(changed->docTitle()));
+            EXPECT_TRUE(acDocManager()->isOpen(current));
             session.front.giveText({});
         },
     });

@@ -126,15 +126,27 @@ TEST_F(ViewPictures, ChangesShowWhereTheyAre)
     EXPECT_EQ(tests::differingPixels(stage.view.picture(), before), 0);
 }
 
-TEST_F(ViewPictures, ResizingKeepsTheScaleAndTheMiddle)
+TEST_F(ViewPictures, ResizingShowsWhatTheDrawingCameWithUntilItIsMovedThenKeepsTheScale)
 {
     ASSERT_TRUE(stage.becomesSharp());
+    const AcApView &shown = stage.document().view();
+    const AcApView before = shown;
+    for (const QSize size :
+         {QSize(901, 155), QSize(150, 455), QSize(before.pixelWidth, before.pixelHeight)}) {
+        stage.view.resize(size);
+        expectFresh();
+        EXPECT_GE(shown.width(), before.width() * (1 - 1e-12)) << size.width();
+        EXPECT_GE(shown.height, before.height * (1 - 1e-12)) << size.width();
+    }
+    EXPECT_DOUBLE_EQ(shown.height, before.height);
+
+    stage.view.panBy({10, 0});
+    const AcGePoint3d middle = shown.centre;
     stage.view.resize(901, 455);
     expectFresh();
-    const AcApView &shown = stage.document().view();
     EXPECT_NEAR(shown.pixelSize(), 1.0, 1e-12);
     EXPECT_EQ(shown.pixelWidth, 901);
-    EXPECT_LE(shown.centre.distanceTo({0, 0, 0}), 1.0);
+    EXPECT_LE(shown.centre.distanceTo(middle), 1.0);
 }
 
 TEST_F(ViewPictures, DoubleMiddleClickShowsEverythingAndKeysMove)
