@@ -104,10 +104,12 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
 void WindowFrontEnd::echo(const AcEdPrompt &prompt, const AcEdAnswer &answer)
 {
     const bool isCommand = prompt.kind == AcEdPromptKind::command;
-    if (answer.kind == AcEdAnswer::text && !(isCommand && answer.typed.isEmpty()))
-        print(prompt.message + answer.typed);
-    else if (answer.kind == AcEdAnswer::cancel && !isCommand)
-        print(prompt.message + tr("*取消*"));
+    const bool isTyped = answer.kind == AcEdAnswer::text && !(isCommand && answer.typed.isEmpty());
+    const bool isCancelled = answer.kind == AcEdAnswer::cancel && !isCommand;
+    if (isTyped || isCancelled) {
+        print(prompt.message + (isTyped ? answer.typed : tr("*取消*")));
+        m_lineEnded = true;
+    }
     if (isCommand && answer.kind == AcEdAnswer::text && !answer.typed.isEmpty())
         m_lastCommand = answer.typed;
 }
@@ -205,7 +207,11 @@ void WindowFrontEnd::leave()
 
 void WindowFrontEnd::print(const QString &text)
 {
-    Q_EMIT printed(text);
+    if (text.isEmpty())
+        return;
+    // Whoever answered ended the line by that.
+    const bool startsLine = std::exchange(m_lineEnded, false) && !text.startsWith(u'\n');
+    Q_EMIT printed(startsLine ? u'\n' + text : text);
 }
 
 QStringList WindowFrontEnd::heldKeys() const

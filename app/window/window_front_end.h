@@ -88,6 +88,7 @@ private:
     std::deque<std::optional<AcEdAnswer>> m_queued;
     std::deque<std::function<void()>> m_pending;
     QString m_lastCommand;
+    bool m_lineEnded = false; ///< What was printed last is a prompt with its answer.
     CloseQuestion m_closeQuestion;
     bool m_leaving = false;
     bool m_stopped = false;

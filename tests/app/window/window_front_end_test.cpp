@@ -65,6 +65,8 @@ TEST_F(WindowFrontEndTest, MacroBeginsByCancellingWhatRuns)
         [&] { front.runMacro(QStringLiteral("^C^C_POINT 1,1 ")); },
         [&] {
             EXPECT_TRUE(front.isIdle());
+            front.print(QStringLiteral("behind"));
+            EXPECT_TRUE(session.printed.endsWith(u"1,1\nbehind")) << "Enter ended the line of the answer";
             front.giveText({});
         },
     });
