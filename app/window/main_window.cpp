@@ -296,18 +296,12 @@ void MainWindow::activateNext(int by)
         activate((m_documents->currentIndex() + by + count) % count);
 }
 
-static AcEdAnswer typed(const QString &text)
-{
-    AcEdAnswer answer;
-    answer.typed = text;
-    return answer;
-}
-
 /// Given as answers, because a layout's name may hold blanks.
 void MainWindow::showLayout(int place)
 {
     const QString name = m_layouts->layoutName(place);
-    m_front.whenIdle([this, name] {
+    const auto typed = AcEdAnswer::ofText;
+    m_front.whenIdle([this, name, typed] {
         if (name.compare(QLatin1String("Model"), Qt::CaseInsensitive) == 0)
             m_front.queue({typed(QStringLiteral("_MODEL"))});
         else

@@ -59,24 +59,19 @@ Pointing::Pointing(WindowFrontEnd &frontEnd, QObject *parent) : QObject(parent),
 
 void Pointing::givePoint(const AcGePoint3d &world)
 {
-    AcEdAnswer answer;
-    answer.kind = AcEdAnswer::point;
-    answer.where = world;
-    m_frontEnd.give(answer);
+    m_frontEnd.give(AcEdAnswer::ofPoint(world));
 }
 
 void Pointing::giveEntityOrPoint(AcApDocument &document, QPointF pixel)
 {
     const bool isSelection = m_frontEnd.prompt()->kind == AcEdPromptKind::selection;
-    AcEdAnswer answer;
-    answer.where = worldAt(document, pixel);
-    answer.picked = acedPickAt(document, answer.where, {});
-    answer.kind = answer.picked.isNull() ? AcEdAnswer::point : AcEdAnswer::entity;
-    if (isSelection && answer.picked.isNull()) {
+    const AcGePoint3d place = worldAt(document, pixel);
+    const AcDbObjectId entity = acedPickAt(document, place, {});
+    if (isSelection && entity.isNull()) {
         m_selectsWindow = true;
         m_dragFrom = pixel;
     }
-    m_frontEnd.give(answer);
+    m_frontEnd.give(entity.isNull() ? AcEdAnswer::ofPoint(place) : AcEdAnswer::ofEntity(entity, place));
 }
 
 void Pointing::pressAnswering(AcApDocument &document, QPointF pixel)
@@ -167,12 +162,7 @@ void Pointing::pressIdle(AcApDocument &document, QPointF pixel, Qt::KeyboardModi
 
 void Pointing::beginGrip(const AcGePoint3d &grip)
 {
-    AcEdAnswer command;
-    command.typed = QStringLiteral("_GRIP");
-    AcEdAnswer place;
-    place.kind = AcEdAnswer::point;
-    place.where = grip;
-    m_frontEnd.queue({command, place});
+    m_frontEnd.queue({AcEdAnswer::ofText(QStringLiteral("_GRIP")), AcEdAnswer::ofPoint(grip)});
 }
 
 void Pointing::addToPickSet(AcApDocument &document, const std::vector<AcDbObjectId> &entities, bool removes)

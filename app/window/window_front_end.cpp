@@ -15,13 +15,6 @@ WindowFrontEnd::WindowFrontEnd(QObject *parent) : QObject(parent) {}
 
 // Answers -----------------------------------------------------------------------------------------
 
-static AcEdAnswer cancelAnswer()
-{
-    AcEdAnswer answer;
-    answer.kind = AcEdAnswer::cancel;
-    return answer;
-}
-
 /// What was waiting for a command prompt. True when something ran, or when a command stands in its way.
 bool WindowFrontEnd::runPending(const AcEdPrompt &prompt)
 {
@@ -93,9 +86,8 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
         dialog.selectFile(isSave ? QFileInfo(prompt.path).fileName() : QString());
     }
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return cancelAnswer();
-    AcEdAnswer answer;
-    answer.typed = dialog.selectedFiles().constFirst();
+        return AcEdAnswer::ofCancel();
+    AcEdAnswer answer = AcEdAnswer::ofText(dialog.selectedFiles().constFirst());
     answer.mayReplace = isSave;
     return answer;
 }
@@ -120,7 +112,7 @@ std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
         return std::nullopt;
     if (runPending(prompt)) {
         // Enter at the command prompt does nothing but let the editor look at its queue.
-        return prompt.kind == AcEdPromptKind::command ? AcEdAnswer() : cancelAnswer();
+        return prompt.kind == AcEdPromptKind::command ? AcEdAnswer() : AcEdAnswer::ofCancel();
     }
     std::optional<AcEdAnswer> answer = nextQueued(prompt);
     const bool isFile =
@@ -149,15 +141,13 @@ void WindowFrontEnd::give(const AcEdAnswer &answer)
 
 void WindowFrontEnd::giveText(const QString &typed)
 {
-    AcEdAnswer answer;
-    answer.typed = typed;
-    give(answer);
+    give(AcEdAnswer::ofText(typed));
 }
 
 void WindowFrontEnd::cancel()
 {
     m_queued.clear();
-    give(cancelAnswer());
+    give(AcEdAnswer::ofCancel());
 }
 
 void WindowFrontEnd::queue(std::vector<std::optional<AcEdAnswer>> answers)
@@ -192,7 +182,7 @@ void WindowFrontEnd::whenIdle(std::function<void()> function)
         m_queued.clear();
     }
     if (!m_given) // The function may have given the next command itself.
-        give(isCommand ? AcEdAnswer() : cancelAnswer());
+        give(isCommand ? AcEdAnswer() : AcEdAnswer::ofCancel());
 }
 
 void WindowFrontEnd::leave()
@@ -282,16 +272,12 @@ std::vector<std::optional<AcEdAnswer>> readMacro(const QString &macro)
 {
     std::vector<std::optional<AcEdAnswer>> answers;
     QString typed;
-    const auto enter = [&] {
-        AcEdAnswer answer;
-        answer.typed = std::exchange(typed, {});
-        answers.emplace_back(answer);
-    };
+    const auto enter = [&] { answers.emplace_back(AcEdAnswer::ofText(std::exchange(typed, {}))); };
     qsizetype at = 0;
     while (at < macro.size()) {
         const QChar sign = macro[at];
         if (beginsCancel(macro, at)) {
-            answers.emplace_back(cancelAnswer());
+            answers.emplace_back(AcEdAnswer::ofCancel());
             at += 2;
         } else if (sign == u'(') {
             const qsizetype end = expressionEnd(macro, at);

@@ -65,6 +65,14 @@ struct AcEdAnswer {
     AcGePoint3d where;       ///< For point and entity: world coordinates.
     AcDbObjectId picked;     ///< For entity.
     bool mayReplace = false; ///< To a file prompt: replacing the file has been agreed to.
+
+    static AcEdAnswer ofText(const QString &typed) { return {text, typed, {}, {}}; }
+    static AcEdAnswer ofPoint(const AcGePoint3d &world) { return {point, {}, world, {}}; }
+    static AcEdAnswer ofEntity(AcDbObjectId entity, const AcGePoint3d &world)
+    {
+        return {AcEdAnswer::entity, {}, world, entity};
+    }
+    static AcEdAnswer ofCancel() { return {cancel, {}, {}, {}}; }
 };
 
 class AcEdFrontEnd

@@ -37,21 +37,17 @@ std::deque<AcEdToken> acedSplitLine(const QString &line)
 
 static AcEdAnswer answerOf(const AcEdToken &token)
 {
-    AcEdAnswer answer;
-    if (const auto *text = std::get_if<QString>(&token)) {
-        answer.typed = *text;
-    } else if (const auto *integer = std::get_if<int>(&token)) {
-        answer.typed = QString::number(*integer);
-    } else if (const auto *real = std::get_if<double>(&token)) {
-        answer.typed = base::formatReal(*real).toString();
-    } else if (const auto *point = std::get_if<AcGePoint3d>(&token)) {
-        answer.kind = AcEdAnswer::point;
-        answer.where = acedTrans(*point, AcEdSpace::ucs, AcEdSpace::world);
-    } else if (const auto *entity = std::get_if<AcDbObjectId>(&token)) {
-        answer.kind = AcEdAnswer::entity;
-        answer.picked = *entity;
-    }
-    return answer;
+    if (const auto *text = std::get_if<QString>(&token))
+        return AcEdAnswer::ofText(*text);
+    if (const auto *integer = std::get_if<int>(&token))
+        return AcEdAnswer::ofText(QString::number(*integer));
+    if (const auto *real = std::get_if<double>(&token))
+        return AcEdAnswer::ofText(base::formatReal(*real).toString());
+    if (const auto *point = std::get_if<AcGePoint3d>(&token))
+        return AcEdAnswer::ofPoint(acedTrans(*point, AcEdSpace::ucs, AcEdSpace::world));
+    if (const auto *entity = std::get_if<AcDbObjectId>(&token))
+        return AcEdAnswer::ofEntity(*entity, {});
+    return {};
 }
 
 static void echo(const AcEdPrompt &prompt, const AcEdAnswer &answer)

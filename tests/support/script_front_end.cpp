@@ -22,27 +22,17 @@ ScriptFrontEnd::~ScriptFrontEnd()
 
 void ScriptFrontEnd::add(const QString &typed)
 {
-    AcEdAnswer answer;
-    answer.kind = typed == u"^C" ? AcEdAnswer::cancel : AcEdAnswer::text;
-    answer.typed = typed;
-    m_answers.push_back(answer);
+    m_answers.push_back(typed == u"^C" ? AcEdAnswer::ofCancel() : AcEdAnswer::ofText(typed));
 }
 
 void ScriptFrontEnd::addPoint(const AcGePoint3d &where)
 {
-    AcEdAnswer answer;
-    answer.kind = AcEdAnswer::point;
-    answer.where = where;
-    m_answers.push_back(answer);
+    m_answers.push_back(AcEdAnswer::ofPoint(where));
 }
 
 void ScriptFrontEnd::addEntity(AcDbObjectId entity, const AcGePoint3d &where)
 {
-    AcEdAnswer answer;
-    answer.kind = AcEdAnswer::entity;
-    answer.picked = entity;
-    answer.where = where;
-    m_answers.push_back(answer);
+    m_answers.push_back(AcEdAnswer::ofEntity(entity, where));
 }
 
 std::optional<AcEdAnswer> ScriptFrontEnd::answer(const AcEdPrompt &prompt)
