@@ -78,12 +78,8 @@ static bool align(AcDbObjectId id, const MarkCorners &reference, BoxAlignment al
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
     if (!mark)
         return false;
-    const MarkCorners box =
-        alignedTextBox(textBoxCorners(*mark), reference, alignment, markAxes(*mark).right, worldToView);
-    mark->textBoxCorner1 = box.corner1;
-    mark->textBoxCorner2 = box.corner2;
-    mark->textBoxCorner3 = box.corner3;
-    mark->textBoxCorner4 = box.corner4;
+    setTextBoxCorners(*mark, alignedTextBox(textBoxCorners(*mark), reference, alignment,
+                                            markAxes(*mark).right, worldToView));
     settleMark(*mark, *mark->database());
     return true;
 }

@@ -21,11 +21,7 @@ AcDbObjectId selectOneMark()
 
 static void becomeLeaderMark(QuillnoteObj3 &mark)
 {
-    const MarkCorners box = targetCorners(mark);
-    mark.textBoxCorner1 = box.corner1;
-    mark.textBoxCorner2 = box.corner2;
-    mark.textBoxCorner3 = box.corner3;
-    mark.textBoxCorner4 = box.corner4;
+    setTextBoxCorners(mark, targetCorners(mark));
     mark.leaderMode = 1;
     mark.targetStyle = 0;
     mark.flagStyle = static_cast<std::int16_t>(startUpSettings().BKstyle);

@@ -111,10 +111,7 @@ void finishPolygonMark(AcDbObjectId polygon)
 /// was made for that height, and the picture was recorded for this mark.
 static void takeOpinion(QuillnoteObj3 &polygon, const QuillnoteObj3 &from)
 {
-    polygon.textBoxCorner1 = from.textBoxCorner1;
-    polygon.textBoxCorner2 = from.textBoxCorner2;
-    polygon.textBoxCorner3 = from.textBoxCorner3;
-    polygon.textBoxCorner4 = from.textBoxCorner4;
+    setTextBoxCorners(polygon, textBoxCorners(from));
     polygon.textHeight = from.textHeight;
     polygon.flagStyle = from.flagStyle;
     polygon.suggestionContent = from.suggestionContent;

@@ -50,15 +50,8 @@ void applyMarkShape(QuillnoteObj3 &mark, const MarkShape &shape)
     mark.leaderMode = std::int16_t(shape.leaderMode);
     mark.flagStyle = std::int16_t(shape.flagStyle);
     mark.xDirection = shape.xDirection;
-    mark.targetCorner1 = shape.target.corner1;
-    mark.targetCorner2 = shape.target.corner2;
-    mark.targetCorner3 = shape.target.corner3;
-    mark.targetCorner4 = shape.target.corner4;
-    mark.cornersValid = true;
-    mark.textBoxCorner1 = shape.textBox.corner1;
-    mark.textBoxCorner2 = shape.textBox.corner2;
-    mark.textBoxCorner3 = shape.textBox.corner3;
-    mark.textBoxCorner4 = shape.textBox.corner4;
+    setTargetCorners(mark, shape.target);
+    setTextBoxCorners(mark, shape.textBox);
     mark.flagPoint = shape.flagPoint;
     mark.vertices = shape.vertices;
     mark.leaderEnds = shape.leaderEnds;

@@ -269,10 +269,7 @@ void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found)
     mark.targetCorner3 = found.targetCorner3;
     mark.targetCorner4 = found.targetCorner4;
     mark.cornersValid = true;
-    mark.textBoxCorner1 = found.textBox.corner1;
-    mark.textBoxCorner2 = found.textBox.corner2;
-    mark.textBoxCorner3 = found.textBox.corner3;
-    mark.textBoxCorner4 = found.textBox.corner4;
+    setTextBoxCorners(mark, found.textBox);
     mark.flagPoint = found.flagPoint;
     mark.leaderEnds = found.leaderEnds;
     mark.leaderUsed = found.leaderUsed;

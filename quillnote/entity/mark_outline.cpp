@@ -121,6 +121,23 @@ MarkCorners textBoxCorners(const QuillnoteObj3 &mark)
     return {mark.textBoxCorner1, mark.textBoxCorner2, mark.textBoxCorner3, mark.textBoxCorner4};
 }
 
+void setTargetCorners(QuillnoteObj3 &mark, const MarkCorners &corners)
+{
+    mark.targetCorner1 = corners.corner1;
+    mark.targetCorner2 = corners.corner2;
+    mark.targetCorner3 = corners.corner3;
+    mark.targetCorner4 = corners.corner4;
+    mark.cornersValid = true;
+}
+
+void setTextBoxCorners(QuillnoteObj3 &mark, const MarkCorners &corners)
+{
+    mark.textBoxCorner1 = corners.corner1;
+    mark.textBoxCorner2 = corners.corner2;
+    mark.textBoxCorner3 = corners.corner3;
+    mark.textBoxCorner4 = corners.corner4;
+}
+
 OutlineRecord outlineRecord(const QuillnoteObj3 &mark)
 {
     const auto used = std::size_t(std::clamp(int(mark.vertexCount), 0, int(QuillnoteObj3::kSlots)));

@@ -24,6 +24,9 @@ struct MarkCorners {
 /// Completed where the record has not completed them yet.
 MarkCorners targetCorners(const QuillnoteObj3 &mark);
 MarkCorners textBoxCorners(const QuillnoteObj3 &mark);
+/// Need write access. That of the target makes all its corners valid.
+void setTargetCorners(QuillnoteObj3 &mark, const MarkCorners &corners);
+void setTextBoxCorners(QuillnoteObj3 &mark, const MarkCorners &corners);
 
 /// What the outlines depend on. outlineRecord() takes it from a mark; a layout that changes corners, or a
 /// jig that has no mark yet, changes or fills it.
