@@ -97,7 +97,7 @@ public:
     virtual QStringList heldKeys() const { return {}; }
     /// Where the drawing is shown, in pixels of the screen; none without a window.
     virtual std::optional<QRect> drawingWindow() const { return std::nullopt; }
-    /// What a selection that is being made has chosen so far; nothing when it has ended.
+    /// What the running command's selection has chosen so far; nothing when the command ends.
     virtual void showChosen(const std::vector<AcDbObjectId> & /*entities*/) {}
     /// Brings the input back to the drawing after another window had it.
     virtual void focusDrawing() {}

@@ -113,6 +113,8 @@ int AcEditor::runLocked(const AcEdCommand &command)
         notify([&name](AcEditorReactor &reactor) { reactor.commandEnded(name); });
     m_active.removeLast();
     acedTakeRules();
+    if (m_active.isEmpty())
+        acedFrontEnd().showChosen({});
     return m_cancelled ? RTCAN : RTNORM;
 }
 

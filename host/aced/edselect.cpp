@@ -110,10 +110,6 @@ public:
         : m_document(document), m_filter(filter), m_addPrompt(addPrompt)
     {
     }
-    ~UserSelection() { acedFrontEnd().showChosen({}); }
-    UserSelection(const UserSelection &) = delete;
-    UserSelection &operator=(const UserSelection &) = delete;
-
     /// RTNORM also when nothing was selected; RTCAN.
     int run(bool once);
     AcEdSelectionSet chosen() const;
@@ -126,6 +122,7 @@ private:
     int askWindow(bool crossing);
     int finishImpliedWindow(const AcGePoint3d &corner);
     void apply(const AcEdSelectionSet &found);
+    void applyPointed(const AcEdSelectionSet &found);
 
     AcApDocument &m_document;
     const AcEdFilter &m_filter;
@@ -177,6 +174,15 @@ void UserSelection::apply(const AcEdSelectionSet &found)
     acedFrontEnd().showChosen(chosen());
 }
 
+/// Shift takes away what is pointed at, as Remove does for all that follows.
+void UserSelection::applyPointed(const AcEdSelectionSet &found)
+{
+    const bool wasRemoving = m_removing;
+    m_removing = wasRemoving || acedFrontEnd().heldKeys().contains(QStringLiteral("Shift"));
+    apply(found);
+    m_removing = wasRemoving;
+}
+
 AcEdSelectionSet UserSelection::chosen() const
 {
     AcEdSelectionSet set;
@@ -210,7 +216,7 @@ int UserSelection::finishImpliedWindow(const AcGePoint3d &corner)
     if (result != RTNORM)
         return result == RTCAN ? RTCAN : RTNORM;
     const AcGeVector3d way = acedTrans(other - corner, AcEdSpace::ucs, AcEdSpace::display);
-    apply(inWindow(m_document, corner, other, way.x < 0, m_filter));
+    applyPointed(inWindow(m_document, corner, other, way.x < 0, m_filter));
     return RTNORM;
 }
 
@@ -240,7 +246,7 @@ int UserSelection::applyKeyword(const QString &keyword)
 int UserSelection::applyPick(const AcEdPicked &picked)
 {
     if (!picked.entity.isNull()) {
-        apply({picked.entity});
+        applyPointed({picked.entity});
         return RTNORM;
     }
     return finishImpliedWindow(acedTrans(picked.where, AcEdSpace::world, AcEdSpace::ucs));
@@ -277,6 +283,7 @@ static int selectByUser(AcApDocument &document, const QString &addPrompt, const 
         if (!selected.empty()) {
             acutPrintf(QStringLiteral("\n找到 %1 个").arg(selected.size()));
             document.previousSet() = selected;
+            acedFrontEnd().showChosen(selected);
             return RTNORM;
         }
     }

@@ -209,6 +209,21 @@ TEST(SelectionCost, AKindFilterDecodesNothing)
     EXPECT_TRUE(passes({op("<or"), {0, QStringLiteral("QUILL*")}, {8, QStringLiteral("0")}, op("or>")}));
 }
 
+TEST_F(Selection, ShiftTakesAwayWhatIsPointedAt)
+{
+    struct Shifting : ScriptFrontEnd {
+        using ScriptFrontEnd::ScriptFrontEnd;
+        std::optional<AcEdAnswer> answer(const AcEdPrompt &prompt) override
+        {
+            held = prompts.size() == 1 ? QStringList{QStringLiteral("Shift")} : QStringList();
+            return ScriptFrontEnd::answer(prompt);
+        }
+    } script({"all", "10,5", ""});
+    m_drawing.document().view() = {
+        .centre = {20, 5, 0}, .height = 100, .pixelWidth = 100, .pixelHeight = 100};
+    EXPECT_THAT(get(""), ElementsAre(locked, circle, a));
+}
+
 TEST_F(Selection, AUserBuildsASetStepByStep)
 {
     m_drawing.document().view() = {
