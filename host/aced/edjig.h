@@ -21,8 +21,7 @@ public:
         kNull,     ///< Enter or a blank.
         kCancel,   ///< Esc, or no answer.
         kNoChange, ///< The same sample as before.
-        kKeyword,
-        kOther
+        kKeyword
     };
     enum UserInputControls : int {
         kNone = 0,
@@ -42,9 +41,7 @@ public:
     /// Runs one drag: prompts until a point is accepted or the input ends.
     DragStatus drag();
     void setDispPrompt(const QString &prompt) { m_prompt = prompt; }
-    const QString &dispPrompt() const { return m_prompt; }
     void setUserInputControls(int controls) { m_controls = controls; }
-    int userInputControls() const { return m_controls; }
     /// A line follows the cursor from here (world), and relative answers count from it.
     void setBasePoint(const AcGePoint3d &world) { m_base = world; }
 
