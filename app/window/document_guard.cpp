@@ -2,7 +2,6 @@
 
 #include "app/window/recovery_dialog.h"
 #include "app/window/window_front_end.h"
-#include "host/acap/docfile.h"
 #include "host/acui/acuifile.h"
 
 #include <QApplication>
@@ -307,17 +306,10 @@ void DocumentGuard::askAboutFile(AcApDocument *document)
     });
 }
 
-/// The file may be damaged or gone by now: then the drawing that is open stays.
 void DocumentGuard::reload(AcApDocument *document)
 {
-    const QString path = document->fileName();
-    if (const auto readable = acapReadDrawing(path); !readable) {
-        tell(tr("不能打开图形: %1").arg(readable.error()));
-        return;
-    }
-    acDocManager()->closeDocument(document);
-    const auto opened = acDocManager()->openDocument(path);
-    if (!opened)
+    const auto opened = acDocManager()->rereadDocument(document);
+    if (!opened && !acDocManager()->wasStopped())
         tell(tr("不能打开图形: %1").arg(opened.error()));
 }
 

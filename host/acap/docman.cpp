@@ -171,15 +171,15 @@ static QString busyReason(const QString &path)
 }
 
 base::Result<std::unique_ptr<AcApDocument>, QString>
-AcApDocManager::load(const QString &name, const QString &content, AcApOpenAs as)
+AcApDocManager::load(const QString &name, const QString &content, std::optional<AcApOpenAs> as)
 {
     if (m_isBusy)
         return base::Failure{busyReason(content)};
     auto document = std::make_unique<AcApDocument>();
     document->m_fileName = name;
     document->m_stamp = acapFileStamp(name); // Before reading: what is written meanwhile counts as a change.
-    if (m_locksFiles && document->m_stamp)
-        lockFile(*document, as);
+    if (as && m_locksFiles && document->m_stamp)
+        lockFile(*document, *as);
     auto database = withProgress(QStringLiteral("正在打开 %1").arg(QFileInfo(content).fileName()),
                                  [&](const base::Progress &p) { return acapReadDrawing(content, p); });
     if (!database)
@@ -207,6 +207,18 @@ base::Result<AcApDocument *, QString> AcApDocManager::openDocument(const QString
     auto loaded = load(file, file, as);
     if (!loaded)
         return base::Failure{loaded.error()};
+    return adopt(std::move(*loaded));
+}
+
+base::Result<AcApDocument *, QString> AcApDocManager::rereadDocument(AcApDocument *document)
+{
+    const QString file = document->m_fileName;
+    auto loaded = load(file, file, std::nullopt); // The lock, if any, is the open drawing's until it goes.
+    if (!loaded)
+        return base::Failure{loaded.error()};
+    closeDocument(document);
+    if (m_locksFiles && (*loaded)->m_stamp)
+        lockFile(**loaded, AcApOpenAs::editable);
     return adopt(std::move(*loaded));
 }
 
@@ -247,11 +259,6 @@ AcApFileChange AcApDocManager::changedOnDisk(const AcApDocument &document) const
     if (!present)
         return AcApFileChange::missing;
     return present == document.m_stamp ? AcApFileChange::none : AcApFileChange::changed;
-}
-
-void AcApDocManager::acceptFileOnDisk(AcApDocument *document)
-{
-    document->m_stamp = acapFileStamp(document->m_fileName);
 }
 
 /// A lock counts against everybody who would write the file, scripts included.

@@ -86,8 +86,6 @@ public:
 
     /// Somebody else edits the file: it is not saved under its own name while he does.
     bool isReadOnly() const { return m_barredBy.has_value(); }
-    /// Who that was when the drawing was opened.
-    const std::optional<AcApLockHolder> &lockHolder() const { return m_barredBy; }
     /// A sentence about the lock file that the user should see once; often empty.
     const QString &lockRemark() const { return m_lockRemark; }
 
@@ -177,6 +175,9 @@ public:
     base::Result<AcApDocument *, QString>
     openCopy(const QString &copy, const QString &original,
              const std::optional<AcApFileStamp> &grewFrom = std::nullopt);
+    /// Opens the file of an open drawing anew, whose changes are lost. When the file cannot be read the
+    /// drawing stays as it is.
+    base::Result<AcApDocument *, QString> rereadDocument(AcApDocument *document);
     /// A new drawing from the built-in template.
     AcApDocument *newDocument();
     /// A document over a database made elsewhere (tests).
@@ -188,8 +189,6 @@ public:
                                              bool copyOnly = false,
                                              AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
     AcApFileChange changedOnDisk(const AcApDocument &document) const;
-    /// The present file counts as seen: saving will replace it.
-    void acceptFileOnDisk(AcApDocument *document);
     /// From now on drawings that are opened for editing get a lock file; the window wants that, scripts do
     /// not.
     void setLocksFiles(bool locks) { m_locksFiles = locks; }
@@ -219,8 +218,9 @@ private:
     AcApDocument *adopt(std::unique_ptr<AcApDocument> document);
     template <class Work>
     auto withProgress(const QString &what, Work work);
+    /// Takes no lock without `as`.
     base::Result<std::unique_ptr<AcApDocument>, QString> load(const QString &name, const QString &content,
-                                                              AcApOpenAs as);
+                                                              std::optional<AcApOpenAs> as);
     AcApDocument *documentOfFile(const QString &file) const;
     void lockFile(AcApDocument &document, AcApOpenAs as);
     base::Result<void, QString> maySave(AcApDocument &document, const QString &target,

@@ -45,7 +45,6 @@ public:
     Result acquire(const QString &drawing, bool force = false);
     void release();
 
-    bool isHeld() const { return !m_file.isEmpty(); }
     /// Who refused the lock, or whose lock was taken over.
     const AcApLockHolder &holder() const { return m_holder; }
 

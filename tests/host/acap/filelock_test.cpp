@@ -131,6 +131,17 @@ TEST_F(FileLock, IsTakenOverFromTheGoneAndOnDemand)
     EXPECT_TRUE(document->lockRemark().contains("ann")) << "it is said";
     manager.closeDocument(document);
 
+    const pid_t killed = ::fork();
+    if (killed == 0)
+        ::_exit(0);
+    siginfo_t end{};
+    ASSERT_EQ(::waitid(P_PID, id_t(killed), &end, WEXITED | WNOWAIT), 0); // Its number is still taken.
+    lockAs("ann", here, killed);
+    document = open();
+    EXPECT_FALSE(document->isReadOnly());
+    manager.closeDocument(document);
+    ::waitpid(killed, nullptr, 0);
+
     lockAs("ann", here, ::getppid(), "1"); // Another process got the number.
     document = open();
     EXPECT_FALSE(document->isReadOnly());
@@ -223,4 +234,22 @@ TEST_F(FileLock, StoppingOpensAndSavesNothing)
     EXPECT_EQ(tests::readFile(drawing), kDrawing);
     EXPECT_TRUE(document->isModified());
     EXPECT_FALSE(manager.isBusy());
+}
+
+TEST_F(FileLock, ReadingAnewKeepsTheDrawingWhenTheFileIsBad)
+{
+    AcApDocument *document = open();
+    change(document);
+    tests::writeFile(drawing, "no drawing");
+    EXPECT_FALSE(manager.rereadDocument(document));
+    ASSERT_TRUE(manager.isOpen(document));
+    EXPECT_TRUE(document->isModified());
+
+    tests::writeFile(drawing, kDrawing);
+    const auto opened = manager.rereadDocument(document);
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(manager.documents().size(), 1u);
+    EXPECT_FALSE((*opened)->isModified());
+    EXPECT_EQ(manager.changedOnDisk(**opened), AcApFileChange::none);
+    EXPECT_TRUE(tests::readFile(lock).contains(here)) << "the lock is the new document's";
 }
