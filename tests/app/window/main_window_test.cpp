@@ -17,7 +17,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QTimer>
 #include <QToolButton>
 
@@ -150,4 +152,41 @@ TEST(RecentFiles, KeepTheLastTen)
     files = window::RecentFiles::list();
     EXPECT_EQ(files.size(), 9);
     EXPECT_EQ(files[1], u"/plans/10.dxf");
+}
+
+TEST(MainWindow, OpensWhatIsDroppedAndKeepsItsPlace)
+{
+    acgiInstall();
+    tests::WindowSession session;
+    const tests::TempDir folder;
+    const QString path =
+        folder.write(QStringLiteral("dropped plan.dxf"), "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    QRect place;
+    {
+        window::MainWindow mainWindow(session.front);
+        mainWindow.setGeometry(30, 40, 700, 500);
+        mainWindow.show();
+        QMimeData files;
+        files.setUrls({QUrl::fromLocalFile(path)});
+        session.play({
+            [&] {
+                QDragEnterEvent enters({5, 5}, Qt::CopyAction, &files, Qt::LeftButton, {});
+                QApplication::sendEvent(&mainWindow, &enters);
+                EXPECT_TRUE(enters.isAccepted());
+                QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &files, Qt::LeftButton, {});
+                QApplication::sendEvent(&mainWindow, &drop);
+            },
+            [&] {
+                ASSERT_TRUE(curDoc());
+                EXPECT_EQ(curDoc()->docTitle(), u"dropped plan.dxf");
+                session.front.giveText({});
+            },
+        });
+        place = mainWindow.geometry();
+        mainWindow.keepSettings();
+        while (!acDocManager()->documents().empty())
+            acDocManager()->closeDocument(acDocManager()->documents().back().get());
+    }
+    const window::MainWindow later(session.front);
+    EXPECT_EQ(later.geometry(), place);
 }
