@@ -69,6 +69,25 @@ static QString holderText(const AcApLockHolder &holder)
                                          QStringList{holder.process.host, time}.join(QStringLiteral(", ")));
 }
 
+/// What is special about the lock of a drawing that was opened; often nothing.
+static QString lockLine(const AcApDocument &document)
+{
+    const QString name = document.docTitle();
+    switch (document.lockResult().value_or(AcApFileLock::taken)) {
+    case AcApFileLock::taken:
+        return {};
+    case AcApFileLock::takenOver:
+        return DocumentGuard::tr("%1: 接管了 %2 留下的锁定文件。")
+            .arg(name, holderText(document.lockHolder()));
+    case AcApFileLock::refused:
+        return DocumentGuard::tr("%1 正由 %2 编辑，以只读方式打开。")
+            .arg(name, holderText(document.lockHolder()));
+    case AcApFileLock::impossible:
+        return DocumentGuard::tr("%1: 文件夹中不能建立锁定文件，他人可能同时编辑。").arg(name);
+    }
+    return {};
+}
+
 static QString repairsLine(const AcApDocument &document)
 {
     return DocumentGuard::tr("打开 %1 时修正了 %2 处损坏。")
@@ -79,8 +98,8 @@ static QString repairsLine(const AcApDocument &document)
 /// Whichever way a drawing was opened, the user hears what is special about it.
 void DocumentGuard::documentCreated(AcApDocument *document)
 {
-    if (!document->lockRemark().isEmpty())
-        m_front.print(u'\n' + document->lockRemark());
+    if (const QString line = lockLine(*document); !line.isEmpty())
+        m_front.print(u'\n' + line);
     if (!document->database()->repairs().isEmpty())
         m_front.print(u'\n' + repairsLine(*document));
 }

@@ -139,30 +139,15 @@ auto AcApDocManager::withProgress(const QString &what, Work work)
 
 void AcApDocManager::lockFile(AcApDocument &document, AcApOpenAs as)
 {
-    document.m_lockRemark.clear();
     document.m_barredBy.reset();
+    document.m_lockResult.reset();
     if (as == AcApOpenAs::readOnly) {
         document.m_barredBy = acapForeignLock(document.m_fileName).value_or(AcApLockHolder());
         return;
     }
-    switch (document.m_fileLock.acquire(document.m_fileName, as == AcApOpenAs::takeOver)) {
-    case AcApFileLock::taken:
-        break;
-    case AcApFileLock::takenOver:
-        document.m_lockRemark = QStringLiteral("%1: the lock of %2 was taken over")
-                                    .arg(document.m_fileName, document.m_fileLock.holder().text());
-        break;
-    case AcApFileLock::refused:
+    document.m_lockResult = document.m_fileLock.acquire(document.m_fileName, as == AcApOpenAs::takeOver);
+    if (document.m_lockResult == AcApFileLock::refused)
         document.m_barredBy = document.m_fileLock.holder();
-        document.m_lockRemark = QStringLiteral("%1: opened read-only, %2 has it open")
-                                    .arg(document.m_fileName, document.m_barredBy->text());
-        break;
-    case AcApFileLock::impossible:
-        document.m_lockRemark =
-            QStringLiteral("%1: the folder takes no lock file; others are not kept from editing it")
-                .arg(document.m_fileName);
-        break;
-    }
 }
 
 static QString busyReason(const QString &path)

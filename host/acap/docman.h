@@ -86,8 +86,11 @@ public:
 
     /// Somebody else edits the file: it is not saved under its own name while he does.
     bool isReadOnly() const { return m_barredBy.has_value(); }
-    /// A sentence about the lock file that the user should see once; often empty.
-    const QString &lockRemark() const { return m_lockRemark; }
+    /// What became of the wish for a lock file, which the user should hear of; none when nobody wished for
+    /// one.
+    std::optional<AcApFileLock::Result> lockResult() const { return m_lockResult; }
+    /// Who had the lock that was refused or taken over.
+    const AcApLockHolder &lockHolder() const { return m_fileLock.holder(); }
 
     /// Of the current space. In an entered viewport: how model space would have to be seen so that it lies on
     /// the screen as it does through the viewport.
@@ -115,7 +118,7 @@ private:
     std::optional<AcApFileStamp> m_stamp; ///< Of the file as it was read or written.
     AcApFileLock m_fileLock;
     std::optional<AcApLockHolder> m_barredBy;
-    QString m_lockRemark;
+    std::optional<AcApFileLock::Result> m_lockResult;
     AcAp::DocLockMode m_lockMode = AcAp::kNone;
     std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
     AcApView m_view;

@@ -35,6 +35,18 @@
 <context>
     <name>window::DocumentGuard</name>
     <message>
+        <source>%1: 接管了 %2 留下的锁定文件。</source>
+        <translation>%1: took over the lock file of %2.</translation>
+    </message>
+    <message>
+        <source>%1 正由 %2 编辑，以只读方式打开。</source>
+        <translation>%1 is being edited by %2; it was opened read-only.</translation>
+    </message>
+    <message>
+        <source>%1: 文件夹中不能建立锁定文件，他人可能同时编辑。</source>
+        <translation>%1: the folder takes no lock file; others may edit at the same time.</translation>
+    </message>
+    <message>
         <source>打开 %1 时修正了 %2 处损坏。</source>
         <translation>%2 faults were mended while opening %1.</translation>
     </message>
