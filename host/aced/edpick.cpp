@@ -6,19 +6,16 @@
 #include "host/acgi/gispatialindex.h"
 #include "host/acgi/givisibility.h"
 
+#include <algorithm>
+
 AcDbObjectId acedPickAt(const AcApDocument &document, const AcGePoint3d &world, const AcEdFilter &filter)
 {
     AcDbDatabase &database = *document.database();
     const double aperture = acedIntVar(QStringLiteral("PICKBOX"), 3) * document.view().pixelSize();
     const std::vector<AcDbObjectId> hits =
         acgiSpatialIndex(database).atPoint(database.currentSpaceId(), world, aperture);
-    AcGiVisibility visibility;
-    for (auto id = hits.rbegin(); id != hits.rend(); ++id) {
-        const AcDbObjectPointer<AcDbEntity> entity(*id, AcDb::kForRead);
-        if (entity && visibility.isVisible(*entity) && filter.passes(*id))
-            return *id;
-    }
-    return {};
+    const auto top = std::find_if(hits.rbegin(), hits.rend(), [&](auto id) { return filter.passes(id); });
+    return top == hits.rend() ? AcDbObjectId() : *top;
 }
 
 AcDbObjectId acedLastEntity(const AcApDocument &document)

@@ -44,20 +44,15 @@ static AcEdSelectionSet everything(const AcDbDatabase &database, const AcEdFilte
     return set;
 }
 
-static void dropInvisible(AcEdSelectionSet &set)
+static AcEdSelectionSet visibleInSpace(const AcDbDatabase &database, const AcEdFilter &filter)
 {
+    AcEdSelectionSet set;
+    addPassing(database, database.currentSpaceId(), filter, set);
     AcGiVisibility visibility;
     std::erase_if(set, [&visibility](AcDbObjectId id) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         return !entity || !visibility.isVisible(*entity);
     });
-}
-
-static AcEdSelectionSet visibleInSpace(const AcDbDatabase &database, const AcEdFilter &filter)
-{
-    AcEdSelectionSet set;
-    addPassing(database, database.currentSpaceId(), filter, set);
-    dropInvisible(set);
     newestFirst(set);
     return set;
 }
@@ -74,7 +69,6 @@ static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGePoint3d
     AcEdSelectionSet set = crossing ? index.crossingWindow(database.currentSpaceId(), window)
                                     : index.insideWindow(database.currentSpaceId(), window);
     std::erase_if(set, [&filter](AcDbObjectId id) { return !filter.passes(id); });
-    dropInvisible(set);
     newestFirst(set);
     return set;
 }

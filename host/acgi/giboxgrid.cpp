@@ -1,6 +1,7 @@
 #include "host/acgi/giboxgrid.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 /// What reaches over more cells is looked at always.
@@ -47,6 +48,7 @@ void AcGiBoxGrid::visitCells(std::span<const Entry> entries, Visit visit) const
 
 AcGiBoxGrid::AcGiBoxGrid(std::span<const Entry> entries)
 {
+    m_end = entries.empty() ? 0 : entries.back().number + 1;
     constexpr double kPerCell = 16.0;
     constexpr double kMostColumns = 256.0;
     m_side = int(std::clamp(std::sqrt(double(entries.size()) / kPerCell), 1.0, kMostColumns));
@@ -76,21 +78,50 @@ AcGiBoxGrid::AcGiBoxGrid(std::span<const Entry> entries)
     }
 }
 
+namespace
+{
+
+/// Every number once, ascending. Marking all that could be there is quicker than sorting what is.
+class NumberSet
+{
+public:
+    explicit NumberSet(std::uint32_t end) : m_words(end / kBits + 1) {}
+    void add(std::span<const std::uint32_t> numbers)
+    {
+        for (const std::uint32_t number : numbers)
+            m_words[number / kBits] |= std::uint64_t(1) << number % kBits;
+    }
+    std::vector<std::uint32_t> numbers() const
+    {
+        std::vector<std::uint32_t> all;
+        for (std::size_t word = 0; word < m_words.size(); ++word) {
+            for (std::uint64_t left = m_words[word]; left != 0; left &= left - 1)
+                all.push_back(std::uint32_t(word * kBits) + std::uint32_t(std::countr_zero(left)));
+        }
+        return all;
+    }
+
+private:
+    static constexpr std::uint32_t kBits = 64;
+    std::vector<std::uint64_t> m_words;
+};
+
+} // namespace
+
 std::optional<std::vector<std::uint32_t>> AcGiBoxGrid::find(double left, double bottom, double right,
                                                             double top) const
 {
     const Cells wanted = cells(left, bottom, right, top);
     if (wanted.count() * 4 > m_side * m_side)
         return std::nullopt;
-    std::vector<std::uint32_t> found = m_anywhere;
+    NumberSet found(m_end);
+    found.add(m_anywhere);
     for (int row = wanted.bottom; row <= wanted.top; ++row) {
         const std::size_t first = std::size_t(row) * std::size_t(m_side) + std::size_t(wanted.left);
         const std::size_t last = first + std::size_t(wanted.right - wanted.left);
         // The cells of a row lie side by side.
-        found.insert(found.end(), m_numbers.begin() + (first == 0 ? 0 : std::ptrdiff_t(m_ends[first - 1])),
-                     m_numbers.begin() + std::ptrdiff_t(m_ends[last]));
+        const std::size_t begin = first == 0 ? 0 : m_ends[first - 1];
+        found.add(std::span(m_numbers).subspan(begin, m_ends[last] - begin));
     }
-    std::ranges::sort(found);
-    found.erase(std::unique(found.begin(), found.end()), found.end());
-    return found;
+    return found.numbers();
 }

@@ -38,7 +38,8 @@ private:
     template <class Visit>
     void visitCells(std::span<const Entry> entries, Visit visit) const;
 
-    int m_side; ///< Columns, and rows.
+    std::uint32_t m_end; ///< Beyond all numbers.
+    int m_side;          ///< Columns, and rows.
     Axis m_columns;
     Axis m_rows;
     std::vector<std::uint32_t> m_ends;    ///< Of each cell in m_numbers, row by row.

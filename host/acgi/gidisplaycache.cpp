@@ -367,9 +367,11 @@ std::optional<std::vector<std::uint32_t>> AcGiDisplayCache::near(const Progress 
         progress.grid ? progress.grid->find(plane.left, plane.bottom, plane.right, plane.top) : std::nullopt;
     if (!found)
         return found;
+    const auto inGrid = std::ptrdiff_t(found->size());
     found->insert(found->end(), progress.outdated.begin(), progress.outdated.end());
     found->insert(found->end(), entities.begin() + std::ptrdiff_t(progress.inGrid), entities.end());
-    std::ranges::sort(*found);
+    std::sort(found->begin() + inGrid, found->end());
+    std::inplace_merge(found->begin(), found->begin() + inGrid, found->end());
     found->erase(std::unique(found->begin(), found->end()), found->end());
     return found;
 }

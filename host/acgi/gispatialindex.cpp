@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbreactor.h"
 #include "host/acgi/giread.h"
+#include "host/acgi/givisibility.h"
 
 // One of its headers names an old header of its own library.
 #define BOOST_ALLOW_DEPRECATED_HEADERS
@@ -9,6 +10,7 @@
 #include <boost/geometry/index/rtree.hpp>
 
 #include <QDeadlineTimer>
+#include <QHash>
 
 #include <algorithm>
 #include <future>
@@ -43,12 +45,50 @@ struct AcGiSpatialIndex::Found {
     AcDbExtents box;
 };
 
+/// The layers of the entities that were placed, as numbers, so that nobody has to be opened to tell whether
+/// it is visible.
+class AcGiSpatialIndex::EntityLayers
+{
+public:
+    void note(std::uint32_t index, const AcDbEntity &entity)
+    {
+        if (index >= m_ofEntity.size())
+            m_ofEntity.resize(std::max<std::size_t>(index + 1, entity.database()->stubCount()));
+        m_ofEntity[index] = acgiIsSwitchedOff(entity) ? kSwitchedOff : number(entity.layer());
+    }
+    void dropInvisible(const AcDbDatabase &database, std::vector<Found> &found) const
+    {
+        AcGiVisibility visibility;
+        std::vector<bool> isShown(std::size_t(m_numbers.size()) + 1); // Never for kSwitchedOff.
+        for (auto layer = m_numbers.cbegin(); layer != m_numbers.cend(); ++layer)
+            isShown[*layer] = visibility.layerShows(database, layer.key());
+        std::erase_if(found, [&](const Found &one) { return !isShown[m_ofEntity[one.entity]]; });
+    }
+
+private:
+    static constexpr std::uint32_t kSwitchedOff = 0;
+
+    std::uint32_t number(const QString &layer)
+    {
+        const auto known = m_numbers.constFind(layer);
+        return known != m_numbers.cend() ? *known
+                                         : *m_numbers.insert(layer, std::uint32_t(m_numbers.size() + 1));
+    }
+
+    QHash<QString, std::uint32_t> m_numbers; ///< From 1 on.
+    std::vector<std::uint32_t> m_ofEntity;   ///< By stub index.
+};
+
 /// One space. The tree built at first use stays as it is; entities that changed since its building began are
 /// taken out of account there and stand in a second, small tree. When that one has grown, all is built anew.
 class AcGiSpatialIndex::Space
 {
 public:
-    Space(AcDbObjectId record, AcGiBlockExtents &blocks) : m_record(record), m_blocks(blocks) { begin(); }
+    Space(AcDbObjectId record, AcGiBlockExtents &blocks, EntityLayers &layers)
+        : m_record(record), m_blocks(blocks), m_layers(layers)
+    {
+        begin();
+    }
 
     /// Goes on building until then; true when all is built.
     bool build(const QDeadlineTimer &until)
@@ -153,11 +193,12 @@ private:
         return true;
     }
 
-    /// Hands the box of the entity to `keep`, or notes why it has none.
+    /// Hands the box of the entity to `keep`, or notes why it has none; notes its layer.
     template <class Keep>
     void place(std::uint32_t index, Keep keep)
     {
         readEntity(AcDbObjectId(m_record.database()->stub(index)), [&](const AcDbEntity &entity) {
+            m_layers.note(index, entity);
             const AcGiReach reach = acgiReach(entity, m_blocks);
             if (reach.endless)
                 m_endless.insert(index);
@@ -196,6 +237,7 @@ private:
 
     AcDbObjectId m_record;
     AcGiBlockExtents &m_blocks;
+    EntityLayers &m_layers;
     bool m_isBuilding = false;
     std::vector<std::uint32_t> m_entities; ///< Of the space when building began, until all are placed.
     std::size_t m_placed = 0;              ///< Of these.
@@ -260,7 +302,8 @@ private:
 };
 
 AcGiSpatialIndex::AcGiSpatialIndex(AcDbDatabase &database)
-    : m_database(database), m_keeper(std::make_unique<Keeper>(*this))
+    : m_database(database), m_layers(std::make_unique<EntityLayers>()),
+      m_keeper(std::make_unique<Keeper>(*this))
 {
 }
 
@@ -278,7 +321,7 @@ AcGiSpatialIndex::Space &AcGiSpatialIndex::space(AcDbObjectId blockRecord)
 {
     std::unique_ptr<Space> &space = m_spaces[blockRecord];
     if (!space)
-        space = std::make_unique<Space>(blockRecord, m_blocks);
+        space = std::make_unique<Space>(blockRecord, m_blocks, *m_layers);
     return *space;
 }
 
@@ -305,10 +348,15 @@ void AcGiSpatialIndex::noteChange(const AcDbObject &object)
     }
 }
 
-std::vector<AcGiSpatialIndex::Found> AcGiSpatialIndex::candidates(AcDbObjectId blockRecord,
-                                                                  const AcGiWindow &window)
+/// The visible entities whose box the window may have to do with.
+std::vector<AcGiSpatialIndex::Found> AcGiSpatialIndex::visibleNear(AcDbObjectId blockRecord,
+                                                                   const AcGiWindow &window)
 {
-    return window.isEmpty() ? std::vector<Found>() : space(blockRecord).find(window.extents());
+    if (window.isEmpty())
+        return {};
+    std::vector<Found> found = space(blockRecord).find(window.extents());
+    m_layers->dropInvisible(m_database, found);
+    return found;
 }
 
 std::vector<AcDbObjectId> AcGiSpatialIndex::query(AcDbObjectId blockRecord, const AcDbExtents &box)
@@ -322,7 +370,7 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::query(AcDbObjectId blockRecord, cons
 std::vector<AcDbObjectId> AcGiSpatialIndex::insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
 {
     std::vector<AcDbObjectId> ids;
-    for (const Found &found : candidates(blockRecord, window)) {
+    for (const Found &found : visibleNear(blockRecord, window)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool inside = window.contains(found.box);
         // The boxes of turned inserts are larger than the inserts.
@@ -337,7 +385,7 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::insideWindow(AcDbObjectId blockRecor
 std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
 {
     std::vector<AcDbObjectId> ids;
-    for (const Found &found : candidates(blockRecord, window)) {
+    for (const Found &found : visibleNear(blockRecord, window)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool crosses = window.contains(found.box);
         if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))

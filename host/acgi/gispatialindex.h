@@ -8,7 +8,7 @@
 #include <memory>
 
 /// The index of one drawing; see acgiSpatialIndex(). Results are in drawing order: the newest entity,
-/// which lies on top, comes last. Erased entities are never found; layers and visibility are not asked.
+/// which lies on top, comes last. Erased entities are never found.
 class AcGiSpatialIndex
 {
 public:
@@ -20,12 +20,13 @@ public:
     /// about the space first has to finish it.
     bool prepare(AcDbObjectId blockRecord, int milliseconds);
 
-    /// Entities of the space whose box meets `box` in x and y. Boxes of turned inserts may be larger than
-    /// what they show. Entities with lines without end are always among them; entities without extents
-    /// never are.
+    /// Entities of the space whose box meets `box` in x and y, visible or not. Boxes of turned inserts may be
+    /// larger than what they show. Entities with lines without end are always among them; entities without
+    /// extents never are.
     std::vector<AcDbObjectId> query(AcDbObjectId blockRecord, const AcDbExtents &box);
 
-    /// Entities that acgiInsideWindow(), acgiCrossesWindow() and acgiHit() say yes to.
+    /// Entities that acgiInsideWindow(), acgiCrossesWindow() and acgiHit() say yes to, as far as they are
+    /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
     std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
@@ -40,14 +41,16 @@ private:
     class Space;
     class Keeper;
     struct Found;
+    class EntityLayers;
 
     explicit AcGiSpatialIndex(AcDbDatabase &database);
     Space &space(AcDbObjectId blockRecord);
-    std::vector<Found> candidates(AcDbObjectId blockRecord, const AcGiWindow &window);
+    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const AcGiWindow &window);
     void noteChange(const AcDbObject &object);
 
     AcDbDatabase &m_database;
     AcGiBlockExtents m_blocks;
+    std::unique_ptr<EntityLayers> m_layers;
     std::unordered_map<AcDbObjectId, std::unique_ptr<Space>> m_spaces;
     std::unique_ptr<Keeper> m_keeper;
 };

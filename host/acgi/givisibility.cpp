@@ -26,21 +26,20 @@ bool AcGiVisibility::isVisible(const AcDbEntity &entity, bool insideBlock)
     if (acgiIsSwitchedOff(entity))
         return false;
     const QString layer = entity.layer();
-    return (insideBlock && layer == u"0") || layerShows(entity.database(), layer);
+    return (insideBlock && layer == u"0") || !entity.database() || layerShows(*entity.database(), layer);
 }
 
 bool AcGiVisibility::layerShowsInBlock(const AcDbDatabase &database, const QString &layer)
 {
-    return layer == u"0" || layerShows(&database, layer);
+    return layer == u"0" || layerShows(database, layer);
 }
 
-bool AcGiVisibility::layerShows(const AcDbDatabase *database, const QString &layer)
+bool AcGiVisibility::layerShows(const AcDbDatabase &database, const QString &layer)
 {
     const auto known = std::ranges::find(m_layers, layer, &std::pair<QString, bool>::first);
     if (known != m_layers.end())
         return known->second;
-    const bool shows =
-        ::layerShows(database ? database->tableRecord(SymbolTable::layer, layer) : AcDbObjectId());
+    const bool shows = ::layerShows(database.tableRecord(SymbolTable::layer, layer));
     m_layers.emplace_back(layer, shows);
     return shows;
 }

@@ -16,11 +16,11 @@ class AcGiVisibility
 public:
     /// Inside a block, layer 0 is the layer of whoever shows the block.
     bool isVisible(const AcDbEntity &entity, bool insideBlock = false);
+    /// A layer that the drawing does not have is shown.
+    bool layerShows(const AcDbDatabase &database, const QString &layer);
     /// Whether an entity inside a block is shown as far as its layer goes.
     bool layerShowsInBlock(const AcDbDatabase &database, const QString &layer);
 
 private:
-    bool layerShows(const AcDbDatabase *database, const QString &layer);
-
     std::vector<std::pair<QString, bool>> m_layers;
 };
