@@ -7,7 +7,6 @@
 #include "host/base/atomic_file.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -113,26 +112,19 @@ AcApDocument *AcApDocManager::addDocument(std::unique_ptr<AcDbDatabase> database
 
 // Opening and saving ------------------------------------------------------------------------------
 
-/// Runs `work(progress)`; the hook hears of it at most 30 times a second.
+/// Runs `work(progress)`; the listener hears of it.
 template <class Work>
 auto AcApDocManager::withProgress(const QString &what, Work work)
 {
-    constexpr qint64 kMilliseconds = 33;
     m_isBusy = true;
     m_wasStopped = false;
-    bool told = false;
-    QElapsedTimer sinceTold;
-    const base::Progress progress = [&](double share) {
-        if (!m_progress || (told && sinceTold.elapsed() < kMilliseconds))
-            return true;
-        told = true;
-        sinceTold.start();
-        m_wasStopped = !m_progress(what, share);
-        return !m_wasStopped;
-    };
-    auto result = work(progress);
-    if (told)
-        m_progress({}, 1.0);
+    auto result = [&] {
+        base::ProgressTeller teller(m_progress, what);
+        return work([&](double share) {
+            m_wasStopped = !teller.goesOn(share);
+            return !m_wasStopped;
+        });
+    }();
     m_isBusy = false;
     return result;
 }

@@ -198,8 +198,8 @@ public:
 
     /// Hears how far opening and saving are, at most 30 times a second, and with an empty text at the end.
     /// False stops the work.
-    using ProgressHook = std::function<bool(const QString &what, double share)>;
-    void setProgress(ProgressHook hook) { m_progress = std::move(hook); }
+    void setProgress(base::ProgressTeller::Listener listener) { m_progress = std::move(listener); }
+    const base::ProgressTeller::Listener &progress() const { return m_progress; }
     /// The last opening or saving ended because progress said no.
     bool wasStopped() const { return m_wasStopped; }
     /// A drawing is being opened or saved; whoever is called from within must leave the documents alone.
@@ -239,7 +239,7 @@ private:
     bool m_locksFiles = false;
     bool m_isBusy = false;
     bool m_wasStopped = false;
-    ProgressHook m_progress;
+    base::ProgressTeller::Listener m_progress;
     std::vector<AcApDocManagerReactor *> m_reactors;
 };
 

@@ -66,10 +66,23 @@ void AcDbUndo::endGroup()
         closeCurrent();
 }
 
-void AcDbUndo::closeCurrent()
+void AcDbUndo::takeBack()
+{
+    QUILL_ASSERT(m_depth > 0);
+    forgetRecorded();
+    swap(*m_current);
+    *m_current = {m_current->label, {}, {}};
+}
+
+void AcDbUndo::forgetRecorded()
 {
     for (const ObjectChange &change : m_current->objects)
         change.stub->set(AcDbStub::kRecorded, false);
+}
+
+void AcDbUndo::closeCurrent()
+{
+    forgetRecorded();
     if (!m_current->isEmpty()) {
         m_done.push_back(std::move(*m_current));
         m_undone.clear();
@@ -200,6 +213,7 @@ void AcDbUndo::restore(AcDbStub &stub, Image image)
 // backwards.
 void AcDbUndo::swap(Group &group)
 {
+    const bool wasRecording = std::exchange(m_recording, false);
     for (auto change = group.objects.rbegin(); change != group.objects.rend(); ++change) {
         Image now = capture(*change->stub);
         restore(*change->stub, std::exchange(change->image, std::move(now)));
@@ -212,6 +226,7 @@ void AcDbUndo::swap(Group &group)
         for (AcDbDatabaseReactor *reactor : std::vector(m_database.m_reactors))
             reactor->headerSysVarChanged(&m_database, change.name.constData());
     }
+    m_recording = wasRecording;
 }
 
 bool AcDbUndo::move(std::vector<Group> &from, std::vector<Group> &to)
@@ -224,9 +239,7 @@ bool AcDbUndo::move(std::vector<Group> &from, std::vector<Group> &to)
         return false;
     Group group = std::move(from.back());
     from.pop_back();
-    const bool wasRecording = std::exchange(m_recording, false);
     swap(group);
-    m_recording = wasRecording;
     to.push_back(std::move(group));
     return true;
 }
@@ -262,8 +275,7 @@ QStringList AcDbUndo::redoLabels() const
 void AcDbUndo::clear()
 {
     if (m_current) {
-        for (const ObjectChange &change : m_current->objects)
-            change.stub->set(AcDbStub::kRecorded, false);
+        forgetRecorded();
         m_current->objects.clear();
         m_current->header.clear();
     }

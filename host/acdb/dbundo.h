@@ -16,6 +16,8 @@ public:
     void beginGroup(const QString &label);
     void endGroup();
     bool isOpen() const { return m_depth > 0; }
+    /// Puts back whatever the open group has changed so far. No object may be open.
+    void takeBack();
 
     /// Undoes the last group; false when there is none or a group is open.
     bool undo();
@@ -66,6 +68,7 @@ private:
     void recordAppended(AcDbStub &stub);
     void recordHeader(const QByteArray &name);
     Group *openGroup();
+    void forgetRecorded();
     void closeCurrent();
     Image capture(const AcDbStub &stub) const;
     void restore(AcDbStub &stub, Image image);

@@ -9,7 +9,6 @@
 #include "host/base/atomic_file.h"
 
 #include <QBuffer>
-#include <QElapsedTimer>
 #include <QPageSize>
 #include <QPdfWriter>
 
@@ -132,52 +131,11 @@ static void addReport(AcGiPaintReport &sum, const AcGiPaintReport &page)
         sum.undrawn[kind] += count;
 }
 
-namespace
-{
-
-/// Tells how far the plot has come, and hears whether it is to go on, at most 30 times a second.
-class PlotProgress
-{
-public:
-    PlotProgress(const AcApDocument &document, std::size_t pages)
-        : m_what(QStringLiteral("正在打印 %1").arg(document.docTitle())), m_pages(pages)
-    {
-    }
-    ~PlotProgress()
-    {
-        if (m_sinceTold.isValid())
-            acedFrontEnd().progress({}, 1.0);
-    }
-    PlotProgress(const PlotProgress &) = delete;
-    PlotProgress &operator=(const PlotProgress &) = delete;
-
-    void beginPage(std::size_t page) { m_page = page; }
-    bool isStopped()
-    {
-        constexpr qint64 kMilliseconds = 33;
-        if (m_isStopped || (m_sinceTold.isValid() && m_sinceTold.elapsed() < kMilliseconds))
-            return m_isStopped;
-        m_sinceTold.start();
-        // How much of a page is painted nobody knows.
-        m_isStopped = !acedFrontEnd().progress(m_what, m_pages > 1 ? double(m_page) / double(m_pages) : -1.0);
-        return m_isStopped;
-    }
-
-private:
-    QString m_what;
-    std::size_t m_pages;
-    std::size_t m_page = 0;
-    QElapsedTimer m_sinceTold;
-    bool m_isStopped = false;
-};
-
-} // namespace
-
 static AcGiPaintReport paintPage(AcApDocument &document, const AcEdPlot &plot, const Placed &placed,
-                                 QPainter &painter, PlotProgress &progress)
+                                 QPainter &painter, const std::function<bool()> &isStopped)
 {
     AcGiPaintOptions options;
-    options.isCancelled = [&progress] { return progress.isStopped(); };
+    options.isCancelled = isStopped;
     options.background = Qt::white;
     options.fillBackground = false;
     options.lineWeights = plot.lineWeights;
@@ -204,7 +162,8 @@ static void setPage(QPdfWriter &writer, const AcEdPlot &plot)
 static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEdPlot> &pages,
                                   const std::vector<Placed> &places, QIODevice &device)
 {
-    PlotProgress progress(document, pages.size());
+    base::ProgressTeller progress(acDocManager()->progress(),
+                                  QStringLiteral("正在打印 %1").arg(document.docTitle()));
     QPdfWriter writer(&device);
     writer.setResolution(kDotsPerInch);
     writer.setTitle(document.docTitle());
@@ -213,13 +172,15 @@ static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEd
     QPainter painter(&writer);
     AcGiPaintReport report;
     for (std::size_t i = 0; i < pages.size() && !report.cancelled; ++i) {
-        progress.beginPage(i);
+        // How much of a page is painted nobody knows.
+        const double share = pages.size() > 1 ? double(i) / double(pages.size()) : -1.0;
+        const auto isStopped = [&] { return !progress.goesOn(share); };
         if (i > 0) {
             setPage(writer, pages[i]);
             writer.newPage();
         }
-        addReport(report, paintPage(document, pages[i], places[i], painter, progress));
-        report.cancelled = progress.isStopped();
+        addReport(report, paintPage(document, pages[i], places[i], painter, isStopped));
+        report.cancelled = isStopped();
     }
     return report;
 }

@@ -15,15 +15,17 @@ namespace hostcommands
 static void erase()
 {
     std::vector<AcDbObjectId> erased;
-    std::size_t refused = 0;
-    for (const AcDbObjectId id : askSelection()) {
-        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (entity && entity->erase() == Acad::eOk)
-            erased.push_back(id);
-        else
-            ++refused;
-    }
-    reportLocked(refused);
+    const AcEdSelectionSet selected = askSelection();
+    const auto erasePiece = [&erased](const AcEdSelectionSet &piece) {
+        for (const AcDbObjectId id : piece) {
+            AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+            if (entity && entity->erase() == Acad::eOk)
+                erased.push_back(id);
+        }
+    };
+    if (!inPieces(selected, erasePiece))
+        return;
+    reportLocked(selected.size() - erased.size());
     if (!erased.empty())
         DocumentMemory::of(curDoc()).lastErased = std::move(erased);
 }
@@ -101,12 +103,20 @@ static void move()
 
 static void copyBy(const AcEdSelectionSet &originals, const AcGeMatrix3d &matrix)
 {
-    std::vector<AcDbObjectId> copies;
-    const Acad::ErrorStatus status = acdbDeepCloneEntities(originals, acdbCurDwg()->currentSpaceId(), copies);
+    Acad::ErrorStatus status = Acad::eOk;
+    std::size_t refused = 0;
+    const auto copyPiece = [&](const AcEdSelectionSet &piece) {
+        if (status != Acad::eOk)
+            return;
+        AcEdSelectionSet copies;
+        status = acdbDeepCloneEntities(piece, acdbCurDwg()->currentSpaceId(), copies);
+        refused += transform(copies, matrix);
+    };
+    if (!inPieces(originals, copyPiece))
+        return;
     if (status != Acad::eOk)
         acutPrintf(QStringLiteral("\n不能复制: %1").arg(acadErrorStatusText(status)));
-    else
-        transformAll(copies, matrix);
+    reportLocked(refused);
 }
 
 /// A copy on a locked layer could not be moved to its place.

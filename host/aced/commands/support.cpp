@@ -2,6 +2,7 @@
 #include "host/aced/commands/support.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edprompt.h"
 #include "host/aced/edview.h"
@@ -155,15 +156,36 @@ void reportLocked(std::size_t count)
         acutPrintf(QStringLiteral("\n%1 个对象不能改动（所在图层已锁定）。").arg(count));
 }
 
+bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const AcEdSelectionSet &)> &work)
+{
+    constexpr std::size_t kPiece = 500;
+    base::ProgressTeller progress(acDocManager()->progress(),
+                                  QStringLiteral("正在处理 %1 个对象").arg(entities.size()));
+    for (std::size_t done = 0; done < entities.size(); done += kPiece) {
+        if (done > 0 && !progress.goesOn(double(done) / double(entities.size()))) {
+            acdbCurDwg()->undo().takeBack();
+            acutPrintf(QStringLiteral("\n已停止，图形没有改动。"));
+            return false;
+        }
+        const auto begin = entities.begin() + std::ptrdiff_t(done);
+        work({begin, begin + std::ptrdiff_t(std::min(kPiece, entities.size() - done))});
+    }
+    return true;
+}
+
+std::size_t transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix)
+{
+    return std::size_t(std::ranges::count_if(entities, [&matrix](AcDbObjectId id) {
+        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+        return !entity || entity->transformBy(matrix) != Acad::eOk;
+    }));
+}
+
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix)
 {
     std::size_t refused = 0;
-    for (const AcDbObjectId id : entities) {
-        AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (!entity || entity->transformBy(matrix) != Acad::eOk)
-            ++refused;
-    }
-    reportLocked(refused);
+    if (inPieces(entities, [&](const AcEdSelectionSet &piece) { refused += transform(piece, matrix); }))
+        reportLocked(refused);
 }
 
 // Messages ---------------------------------------------------------------------------------------------

@@ -48,7 +48,12 @@ void fitIntoView(AcApDocument &document, AcDbExtents box);
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();
 bool isOnLockedLayer(AcDbObjectId entity);
-/// Transforms those that can be changed and says how many cannot.
+/// Does `work` with very many entities in pieces; the user sees how far it has come. False: he stopped it,
+/// and all that the command had changed is as it was.
+bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const AcEdSelectionSet &)> &work);
+/// Transforms those that can be changed; the number of the others.
+std::size_t transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
+/// Transforms very many and says how many cannot be changed.
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
 void reportLocked(std::size_t count);
 

@@ -13,6 +13,7 @@
 #include "tests/support/files.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
+#include "tests/support/whole_drawing.h"
 
 #include <gtest/gtest.h>
 
@@ -188,6 +189,27 @@ TEST_F(HostCommands, MovesTurnsAndScales)
     expectNear(point(id(m_circle), 10), 20, 0);
     type({"MIRROR", "20,10", "", "0,0", "0,1", "Y"});
     expectNear(point(id(m_circle), 10), -20, 0);
+}
+
+TEST_F(HostCommands, StoppedWithManyEntitiesLeaveTheDrawingAsItWas)
+{
+    struct Impatient : tests::ScriptFrontEnd {
+        using ScriptFrontEnd::ScriptFrontEnd;
+        bool progress(const QString &what, double) override { return what.isEmpty(); }
+    };
+    MemoryDrawing many;
+    for (int i = 0; i < 1200; ++i)
+        many.entity("LINE", {{100, "AcDbLine"}, {10, AcGePoint3d(i, 0, 0)}, {11, AcGePoint3d(i, 1, 0)}});
+    const tests::OpenDrawing drawing(many.open());
+    const auto before = tests::wholeDrawing(drawing.database());
+    for (const auto &typed : {lines({"ERASE", "ALL", ""}), lines({"MOVE", "ALL", "", "0,0", "5,5"}),
+                              lines({"COPY", "ALL", "", "0,0", "5,5", ""})}) {
+        Impatient front(typed);
+        acedEditor()->processInput();
+        EXPECT_TRUE(front.printed.contains(u"已停止")) << qPrintable(front.printed);
+        EXPECT_EQ(tests::wholeDrawing(drawing.database()), before) << qPrintable(typed.front());
+        EXPECT_TRUE(drawing.database().undo().undoLabels().isEmpty());
+    }
 }
 
 TEST_F(HostCommands, CopiesUntilEnter)
