@@ -51,6 +51,8 @@ bool isOnLockedLayer(AcDbObjectId entity);
 /// Transforms those that can be changed and says how many cannot.
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
 void reportLocked(std::size_t count);
+/// Why an entity was refused, for messages.
+QString reasonText(Acad::ErrorStatus status);
 
 /// A number for messages: "12.5".
 QString numberText(double number);
