@@ -16,7 +16,7 @@
 namespace window
 {
 
-/// The window is written in Chinese; those who prefer English read English. A plain "C" locale says nothing.
+/// The window is Chinese; those who prefer English read English. A plain "C" locale says nothing.
 static bool prefersEnglish()
 {
     const QStringList languages = QLocale::system().uiLanguages();
@@ -30,7 +30,7 @@ static void loadTranslations(QTranslator &own, QTranslator &qt)
     const QString folder =
         QDir::cleanPath(QApplication::applicationDirPath() + QStringLiteral("/../share/translations"));
     const bool english = prefersEnglish();
-    if (english && own.load(QStringLiteral("quillnote_en"), folder))
+    if (own.load(english ? QStringLiteral("quillnote_en") : QStringLiteral("quillnote_zh_CN"), folder))
         QApplication::installTranslator(&own);
     if (!english &&
         qt.load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))

@@ -1,6 +1,7 @@
 #include "host/acap/docfile.h"
 
 #include "host/base/file_bytes.h"
+#include "host/base/host_text.h"
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
@@ -47,7 +48,7 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QStri
     if (!bytes)
         return base::Failure{bytes.error().text()};
     if (isDwg(bytes->view())) {
-        return base::Failure{QStringLiteral("%1: DWG drawings of version %2 cannot be read")
+        return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
                                  .arg(path, dwgVersionName(bytes->view()))};
     }
     auto database = readDxf(*std::move(bytes), path, progress);
@@ -61,7 +62,7 @@ base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QStri
 {
     // The name is a promise to whoever opens the file next.
     if (path.endsWith(QLatin1String(".dwg"), Qt::CaseInsensitive))
-        return base::Failure{QStringLiteral("%1: a DXF drawing cannot be saved as DWG").arg(path)};
+        return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
     const auto written = writeDxf(database, path, progress);
     if (!written)
         return base::Failure{written.error().text()};

@@ -5,6 +5,7 @@
 #include "host/acrx/rxmodule.h"
 #include "host/base/assert.h"
 #include "host/base/atomic_file.h"
+#include "host/base/host_text.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -144,7 +145,7 @@ void AcApDocManager::lockFile(AcApDocument &document, AcApOpenAs as)
 
 static QString busyReason(const QString &path)
 {
-    return QStringLiteral("%1: another drawing is being opened or saved").arg(path);
+    return Host::tr("%1: another drawing is being opened or saved").arg(path);
 }
 
 base::Result<std::unique_ptr<AcApDocument>, QString>
@@ -157,7 +158,7 @@ AcApDocManager::load(const QString &name, const QString &content, std::optional<
     document->m_stamp = acapFileStamp(name); // Before reading: what is written meanwhile counts as a change.
     if (as && m_locksFiles && document->m_stamp)
         lockFile(*document, *as);
-    auto database = withProgress(QStringLiteral("正在打开 %1").arg(QFileInfo(content).fileName()),
+    auto database = withProgress(Host::tr("正在打开 %1").arg(QFileInfo(content).fileName()),
                                  [&](const base::Progress &p) { return acapReadDrawing(content, p); });
     if (!database)
         return base::Failure{database.error()};
@@ -217,7 +218,7 @@ base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &co
 {
     const QString file = original.isEmpty() ? QString() : fullPath(original);
     if (documentOfFile(file))
-        return base::Failure{QStringLiteral("%1: the drawing is open already").arg(file)};
+        return base::Failure{Host::tr("%1: the drawing is open already").arg(file)};
     auto loaded = load(file, copy, AcApOpenAs::editable);
     if (!loaded)
         return base::Failure{loaded.error()};
@@ -243,15 +244,14 @@ base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, cons
                                                     AcApOverwriteChanged overwrite)
 {
     if (const AcApDocument *const other = documentOfFile(target); other && other != &document)
-        return base::Failure{QStringLiteral("%1: the file is open as another document").arg(target)};
+        return base::Failure{Host::tr("%1: the file is open as another document").arg(target)};
     if (const auto holder = acapForeignLock(target))
-        return base::Failure{QStringLiteral("%1: %2 has it open for editing").arg(target, holder->text())};
+        return base::Failure{Host::tr("%1: %2 has it open for editing").arg(target, holder->text())};
     if (target != document.m_fileName)
         return {};
     if (overwrite == AcApOverwriteChanged::no && changedOnDisk(document) == AcApFileChange::changed)
         return base::Failure{
-            QStringLiteral("%1: somebody changed the file since it was opened, it is not overwritten")
-                .arg(target)};
+            Host::tr("%1: somebody changed the file since it was opened, it is not overwritten").arg(target)};
     if (document.isReadOnly())
         lockFile(document, AcApOpenAs::editable); // He has left in the meantime.
     return {};
@@ -278,16 +278,16 @@ base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document,
 {
     const QString target = path.isEmpty() ? document->m_fileName : fullPath(path);
     if (target.isEmpty())
-        return base::Failure{
-            QStringLiteral("%1: the drawing has no file name yet").arg(document->docTitle())};
+        return base::Failure{Host::tr("%1: the drawing has no file name yet").arg(document->docTitle())};
     if (m_isBusy)
         return base::Failure{busyReason(target)};
     if (const auto checked = maySave(*document, target, overwrite); !checked)
         return base::Failure{checked.error()};
     const std::uint64_t changeCount = document->m_database->changeCount();
-    const auto written = withProgress(
-        QStringLiteral("正在保存 %1").arg(QFileInfo(target).fileName()),
-        [&](const base::Progress &p) { return acapWriteDrawing(*document->m_database, target, p); });
+    const auto written =
+        withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {
+            return acapWriteDrawing(*document->m_database, target, p);
+        });
     if (!written)
         return base::Failure{written.error()};
     base::removeLeftTemporaryFiles(QFileInfo(target).path());

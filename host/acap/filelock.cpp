@@ -1,5 +1,7 @@
 #include "host/acap/filelock.h"
 
+#include "host/base/host_text.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
@@ -16,13 +18,12 @@ static constexpr const char *kMark = "quillnote-lock 1";
 
 QString AcApLockHolder::text() const
 {
-    const QString who = user.isEmpty() ? QStringLiteral("somebody") : user;
-    const QString where = process.host.isEmpty() ? QString() : QStringLiteral(" on ") + process.host;
-    const QString when =
-        since.isValid()
-            ? QStringLiteral(" since ") + since.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
-            : QString();
-    return who + where + when;
+    const QString who = user.isEmpty() ? Host::tr("somebody") : user;
+    const QString where = process.host.isEmpty() ? who : Host::tr("%1 on %2").arg(who, process.host);
+    if (!since.isValid())
+        return where;
+    return Host::tr("%1 since %2")
+        .arg(where, since.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
 }
 
 QString acapLockFileName(const QString &drawing)

@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbobject.h"
 #include "host/base/assert.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 
@@ -124,7 +125,7 @@ void AcDbLoader::settleDuplicates()
         AcDbStub &stub = *db.stub(index);
         const std::uint64_t given = std::exchange(stub.handle, db.m_nextHandle++);
         db.m_byHandle.push_back(index);
-        addRepair(QStringLiteral("%1: handle %2 is used twice; the second one is known as %3")
+        addRepair(Host::tr("%1: handle %2 is used twice; the second one is known as %3")
                       .arg(QString::fromLatin1(acdbKindName(stub.kind)), QString::number(given, 16).toUpper(),
                            QString::number(stub.handle, 16).toUpper()));
     }

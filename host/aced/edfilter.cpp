@@ -1,6 +1,7 @@
 #include "host/aced/edfilter.h"
 
 #include "host/acdb/dbapi.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -39,7 +40,7 @@ private:
     bool fail(const QString &reason)
     {
         if (m_error.isEmpty())
-            m_error = QStringLiteral("选择过滤器第 %1 项: %2").arg(m_at + 1).arg(reason);
+            m_error = Host::tr("选择过滤器第 %1 项: %2").arg(m_at + 1).arg(reason);
         return false;
     }
 
@@ -52,16 +53,16 @@ private:
             if (!readItem(into))
                 return false;
         }
-        return end.isEmpty() || fail(QStringLiteral("缺少“%1”").arg(end));
+        return end.isEmpty() || fail(Host::tr("缺少“%1”").arg(end));
     }
 
     bool checkCount(const Node &node)
     {
         if (node.kind == Kind::negation && node.children.size() != 1)
-            return fail(QStringLiteral("“not”需要一个条件"));
+            return fail(Host::tr("“not”需要一个条件"));
         if (node.kind == Kind::oneOf && node.children.size() != 2)
-            return fail(QStringLiteral("“xor”需要两个条件"));
-        return !node.children.empty() || fail(QStringLiteral("运算符中没有条件"));
+            return fail(Host::tr("“xor”需要两个条件"));
+        return !node.children.empty() || fail(Host::tr("运算符中没有条件"));
     }
 
     bool readItem(Node &into)
@@ -84,7 +85,7 @@ private:
     bool readNested(Node &into, const Operator &opened)
     {
         if (++m_depth > kDeepest)
-            return fail(QStringLiteral("嵌套过深"));
+            return fail(Host::tr("嵌套过深"));
         Node nested;
         nested.kind = opened.kind;
         ++m_at;
@@ -102,14 +103,14 @@ private:
         for (QString &relation : relations) {
             relation = relation.trimmed();
             if (!kRelations.contains(relation))
-                return fail(QStringLiteral("未知的运算符“%1”").arg(word));
+                return fail(Host::tr("未知的运算符“%1”").arg(word));
         }
         if (++m_at == m_list.size() || m_list[m_at].restype < 0)
-            return fail(QStringLiteral("“%1”后面没有值").arg(word));
+            return fail(Host::tr("“%1”后面没有值").arg(word));
         Node node = leaf(Kind::relation, m_list[m_at]);
         node.relations = relations;
         if (!fits(node))
-            return fail(QStringLiteral("“%1”不适用于这种值").arg(word));
+            return fail(Host::tr("“%1”不适用于这种值").arg(word));
         into.children.push_back(std::move(node));
         return true;
     }
@@ -145,7 +146,7 @@ private:
             into.children.push_back(leaf(Kind::application, m_list[m_at]));
             any = true;
         }
-        return any || fail(QStringLiteral("-3 后面没有应用程序名"));
+        return any || fail(Host::tr("-3 后面没有应用程序名"));
     }
 
     static Node leaf(Kind kind, const resbuf &group)

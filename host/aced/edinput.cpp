@@ -4,6 +4,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/edparse.h"
 #include "host/aced/edprompt.h"
+#include "host/base/host_text.h"
 
 #include <cmath>
 #include <limits>
@@ -22,8 +23,7 @@ static AcEdPrompt promptOf(AcEdPromptKind kind, const QString &message, const Ac
 /// "需要数值。" or "需要数值或选项关键字。"
 static QString required(const QString &what, const AcEdRules &rules)
 {
-    return QStringLiteral("需要%1%2。")
-        .arg(what, rules.keywords.isEmpty() ? QString() : QStringLiteral("或选项关键字"));
+    return Host::tr("需要%1%2。").arg(what, rules.keywords.isEmpty() ? QString() : Host::tr("或选项关键字"));
 }
 
 // Points ------------------------------------------------------------------------------------------
@@ -34,7 +34,7 @@ static int askPoint(const AcEdPrompt &prompt, const AcEdRules &rules, const AcGe
     return acedPromptFor(prompt, rules, [&](const AcEdAnswer &answer) {
         const auto given = acedAnswerPoint(answer, base);
         if (!given)
-            return AcEdVerdict::refuse(required(QStringLiteral("点"), rules));
+            return AcEdVerdict::refuse(required(Host::tr("点"), rules));
         point = *given;
         return AcEdVerdict::accept();
     });
@@ -63,7 +63,7 @@ static int askSecondPoint(const AcGePoint3d &first, AcGePoint3d &second)
 {
     AcEdRules rules;
     rules.bits = RSG_NONULL;
-    return askPoint(promptOf(AcEdPromptKind::point, QStringLiteral("\n指定第二点: "), &first), rules, &first,
+    return askPoint(promptOf(AcEdPromptKind::point, Host::tr("\n指定第二点: "), &first), rules, &first,
                     second);
 }
 
@@ -77,8 +77,8 @@ static QString forbidden(double value, const AcEdRules &rules)
     if (!negative && !zero)
         return {};
     if (rules.has(RSG_NONEG) && rules.has(RSG_NOZERO))
-        return QStringLiteral("值必须为正且非零。");
-    return negative ? QStringLiteral("值必须为正或零。") : QStringLiteral("值必须非零。");
+        return Host::tr("值必须为正且非零。");
+    return negative ? Host::tr("值必须为正或零。") : Host::tr("值必须非零。");
 }
 
 static AcEdVerdict takeReal(double given, const AcEdRules &rules, double &value)
@@ -97,10 +97,9 @@ static int askInteger(const AcEdPrompt &prompt, const AcEdRules &rules, int &val
     return acedPromptFor(prompt, rules, [&](const AcEdAnswer &answer) {
         const auto given = answer.kind == AcEdAnswer::text ? acedParseNumber(answer.typed) : std::nullopt;
         if (!given || *given != std::floor(*given))
-            return AcEdVerdict::refuse(required(QStringLiteral("整数"), rules));
+            return AcEdVerdict::refuse(required(Host::tr("整数"), rules));
         if (*given < kLow || *given > kHigh)
-            return AcEdVerdict::refuse(
-                QStringLiteral("需要 %1 到 %2 之间的整数。").arg(int(kLow)).arg(int(kHigh)));
+            return AcEdVerdict::refuse(Host::tr("需要 %1 到 %2 之间的整数。").arg(int(kLow)).arg(int(kHigh)));
         double checked = 0;
         const AcEdVerdict verdict = takeReal(*given, rules, checked);
         if (verdict.done)
@@ -121,7 +120,7 @@ int acedGetReal(const QString &prompt, double &value)
         promptOf(AcEdPromptKind::real, prompt, nullptr), rules, [&](const AcEdAnswer &answer) {
             const auto given = answer.kind == AcEdAnswer::text ? acedParseNumber(answer.typed) : std::nullopt;
             return given ? takeReal(*given, rules, value)
-                         : AcEdVerdict::refuse(required(QStringLiteral("数值"), rules));
+                         : AcEdVerdict::refuse(required(Host::tr("数值"), rules));
         });
 }
 
@@ -161,7 +160,7 @@ int acedGetDist(const AcGePoint3d *base, const QString &prompt, double &distance
         }
         const auto points = twoPoints(answer, base);
         if (!points)
-            return AcEdVerdict::refuse(required(QStringLiteral("距离数值、两点"), rules));
+            return AcEdVerdict::refuse(required(Host::tr("距离数值、两点"), rules));
         if (points->result != RTNORM)
             return AcEdVerdict::accept(points->result);
         AcGeVector3d way = points->to - points->from;
@@ -184,7 +183,7 @@ int acedGetAngle(const AcGePoint3d *base, const QString &prompt, double &angle, 
         }
         const auto points = twoPoints(answer, base);
         if (!points)
-            return AcEdVerdict::refuse(required(QStringLiteral("角度数值、两点"), rules));
+            return AcEdVerdict::refuse(required(Host::tr("角度数值、两点"), rules));
         if (points->result != RTNORM)
             return AcEdVerdict::accept(points->result);
         return takeReal(directionAngle(points->from, points->to) - format.base, rules, angle);
@@ -223,9 +222,8 @@ int acedGetKword(const QString &prompt, QString &keyword)
     if (rules.keywords.isEmpty() && !rules.has(RSG_OTHER))
         return RTERROR; // The caller offered nothing to choose from.
     const int result =
-        acedPromptFor(promptOf(AcEdPromptKind::keyword, prompt, nullptr), rules, [](const AcEdAnswer &) {
-            return AcEdVerdict::refuse(QStringLiteral("无效的选项关键字。"));
-        });
+        acedPromptFor(promptOf(AcEdPromptKind::keyword, prompt, nullptr), rules,
+                      [](const AcEdAnswer &) { return AcEdVerdict::refuse(Host::tr("无效的选项关键字。")); });
     if (result != RTKWORD)
         return result;
     keyword = acedGetInput();

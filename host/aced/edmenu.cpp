@@ -4,6 +4,7 @@
 #include "host/aced/edfrontend.h"
 #include "host/aced/edinput.h"
 #include "host/base/file_bytes.h"
+#include "host/base/host_text.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -26,7 +27,7 @@ base::Result<const AcEdMenuGroup *, QString> AcEdMenus::load(const QString &path
         return base::Failure{read.error()};
     if (group(read->name))
         return base::Failure{
-            QStringLiteral("%1: the menu group \"%2\" is loaded already").arg(absolute, read->name)};
+            Host::tr("%1: the menu group \"%2\" is loaded already").arg(absolute, read->name)};
     m_groups.push_back(std::make_unique<AcEdMenuGroup>(*std::move(read)));
     ++m_revision;
     return m_groups.back().get();
@@ -63,7 +64,7 @@ bool AcEdMenus::showToolbars(const QString &name, bool show)
 
 static bool refuse(const QString &command, const QString &reason)
 {
-    acutPrintf(QStringLiteral("\n菜单命令“%1”无效: %2").arg(command, reason));
+    acutPrintf(Host::tr("\n菜单命令“%1”无效: %2").arg(command, reason));
     return false;
 }
 
@@ -82,21 +83,21 @@ bool AcEdMenus::menuCommand(const QString &command)
         QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch match = form.match(command);
     if (!match.hasMatch())
-        return refuse(command, QStringLiteral("应为 P位置=+组.菜单 或 P位置=-"));
+        return refuse(command, Host::tr("应为 P位置=+组.菜单 或 P位置=-"));
     const int place = match.captured(1).toInt();
     const auto atPlace = [place](const BarEntry &entry) { return entry.place == place; };
     if (!match.captured(2).isEmpty()) {
         if (std::erase_if(m_bar, atPlace) == 0)
-            return refuse(command, QStringLiteral("该位置没有菜单"));
+            return refuse(command, Host::tr("该位置没有菜单"));
         ++m_revision;
         return true;
     }
     const AcEdMenuGroup *const owner = group(match.captured(4));
     if (!owner)
-        return refuse(command, QStringLiteral("菜单组“%1”未加载").arg(match.captured(4)));
+        return refuse(command, Host::tr("菜单组“%1”未加载").arg(match.captured(4)));
     const QString popup = popupId(*owner, match.captured(5));
     if (popup.isEmpty())
-        return refuse(command, QStringLiteral("菜单组“%1”中没有“%2”").arg(owner->name, match.captured(5)));
+        return refuse(command, Host::tr("菜单组“%1”中没有“%2”").arg(owner->name, match.captured(5)));
 
     // A pull-down stands in the bar once: a repeated command moves it.
     std::erase_if(m_bar, [&](const BarEntry &entry) {

@@ -1,5 +1,6 @@
 // Reads a menu file: XML as docs/formats/menu-file.md lays it out.
 #include "host/aced/edmenu.h"
+#include "host/base/host_text.h"
 
 #include <tinyxml2.h>
 
@@ -51,12 +52,12 @@ QString MenuFileReader::attribute(const XMLElement &element, const char *name, b
 {
     const char *const value = element.Attribute(name);
     if (needed && (!value || !*value)) {
-        fail(element.GetLineNum(), QStringLiteral("<%1> lacks its attribute \"%2\"")
+        fail(element.GetLineNum(), Host::tr("<%1> lacks its attribute \"%2\"")
                                        .arg(QString::fromUtf8(element.Name()), QLatin1String(name)));
     }
     const QString text = QString::fromUtf8(value);
     if (text.size() > kMaxText) {
-        fail(element.GetLineNum(), QStringLiteral("the attribute \"%1\" is longer than %2 characters")
+        fail(element.GetLineNum(), Host::tr("the attribute \"%1\" is longer than %2 characters")
                                        .arg(QLatin1String(name))
                                        .arg(kMaxText));
     }
@@ -73,7 +74,7 @@ AcEdMenuItem MenuFileReader::readMenu(const XMLElement &element, int depth)
     menu.help = attribute(element, "help");
     menu.icon = attribute(element, "icon");
     if (depth >= kMaxDepth) {
-        fail(element.GetLineNum(), QStringLiteral("menus are nested deeper than %1 levels").arg(kMaxDepth));
+        fail(element.GetLineNum(), Host::tr("menus are nested deeper than %1 levels").arg(kMaxDepth));
         return menu;
     }
     for (auto *child = element.FirstChildElement(); child && m_error.isEmpty();
@@ -91,7 +92,7 @@ std::optional<AcEdMenuItem> MenuFileReader::readChild(const XMLElement &element,
     if (!isSubmenu && !isSeparator && !isNamed(element, "item"))
         return std::nullopt;
     if (++m_items > kMaxItems) {
-        fail(element.GetLineNum(), QStringLiteral("more than %1 menu items").arg(kMaxItems));
+        fail(element.GetLineNum(), Host::tr("more than %1 menu items").arg(kMaxItems));
         return std::nullopt;
     }
     if (isSubmenu)
@@ -119,7 +120,7 @@ void MenuFileReader::readGroup(const XMLElement &element)
     for (auto *child = element.FirstChildElement(); child && m_error.isEmpty();
          child = child->NextSiblingElement()) {
         if (++m_items > kMaxItems)
-            fail(child->GetLineNum(), QStringLiteral("more than %1 menu items").arg(kMaxItems));
+            fail(child->GetLineNum(), Host::tr("more than %1 menu items").arg(kMaxItems));
         else if (isNamed(*child, "popup"))
             m_group.popups.push_back(readMenu(*child, 0));
         else if (isNamed(*child, "toolbar"))
@@ -133,20 +134,20 @@ void MenuFileReader::readRoot(const XMLElement *root)
 {
     if (!root || !isNamed(*root, "menu-file")) {
         fail(root ? root->GetLineNum() : 1,
-             QStringLiteral("this is no menu file: it does not begin with <menu-file>"));
+             Host::tr("this is no menu file: it does not begin with <menu-file>"));
         return;
     }
     int version = 0;
     if (root->QueryIntAttribute("version", &version) != tinyxml2::XML_SUCCESS || version != 1) {
-        fail(root->GetLineNum(), QStringLiteral("menu file version %1 is not supported")
+        fail(root->GetLineNum(), Host::tr("menu file version %1 is not supported")
                                      .arg(QString::fromUtf8(root->Attribute("version"))));
         return;
     }
     const XMLElement *const group = root->FirstChildElement("group");
     if (!group)
-        fail(root->GetLineNum(), QStringLiteral("<group> is missing"));
+        fail(root->GetLineNum(), Host::tr("<group> is missing"));
     else if (const XMLElement *const second = group->NextSiblingElement("group"))
-        fail(second->GetLineNum(), QStringLiteral("a menu file holds one <group>"));
+        fail(second->GetLineNum(), Host::tr("a menu file holds one <group>"));
     else
         readGroup(*group);
 }
@@ -154,12 +155,12 @@ void MenuFileReader::readRoot(const XMLElement *root)
 base::Result<AcEdMenuGroup, QString> MenuFileReader::read(const QByteArray &bytes)
 {
     if (bytes.size() > kMaxBytes)
-        return base::Failure{QStringLiteral("%1:1: the file is larger than 4 MiB").arg(m_name)};
+        return base::Failure{Host::tr("%1:1: the file is larger than 4 MiB").arg(m_name)};
     tinyxml2::XMLDocument document;
     const tinyxml2::XMLError status = document.Parse(bytes.constData(), std::size_t(bytes.size()));
     if (status != tinyxml2::XML_SUCCESS) {
         const QString reason = QLatin1String(tinyxml2::XMLDocument::ErrorIDToName(status));
-        fail(std::max(1, document.ErrorLineNum()), QStringLiteral("not well-formed XML (%1)").arg(reason));
+        fail(std::max(1, document.ErrorLineNum()), Host::tr("not well-formed XML (%1)").arg(reason));
     } else {
         readRoot(document.RootElement());
     }

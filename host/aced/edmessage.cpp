@@ -3,6 +3,7 @@
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edfrontend.h"
+#include "host/base/host_text.h"
 
 #include <array>
 
@@ -55,7 +56,7 @@ static AcEdButton askScript(const QString &text, AcEdButtons buttons)
             return button;
     }
     if (line)
-        acedFrontEnd().refuseAnswer(QStringLiteral("消息框没有按钮“%1”: %2").arg(*line, text));
+        acedFrontEnd().refuseAnswer(Host::tr("消息框没有按钮“%1”: %2").arg(*line, text));
     acedEditor()->requestCancel();
     acedEditor()->requestQuit();
     return carefulButton(buttons);

@@ -5,6 +5,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/acgi/gispatialindex.h"
 #include "host/acgi/givisibility.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 
@@ -90,13 +91,13 @@ int acedEntSel(const QString &prompt, AcDbObjectId &entity, AcGePoint3d &pickPoi
         return RTERROR;
     AcEdPrompt shown;
     shown.kind = AcEdPromptKind::entity;
-    shown.message = prompt.isEmpty() ? QStringLiteral("\n选择对象: ") : prompt;
+    shown.message = prompt.isEmpty() ? Host::tr("\n选择对象: ") : prompt;
 
     std::optional<AcEdPicked> picked;
     const AcEdFilter anything;
     const int result = acedPromptFor(shown, rules, [&](const AcEdAnswer &answer) {
         picked = acedReadPick(*document, answer, anything);
-        return picked ? AcEdVerdict::accept() : AcEdVerdict::refuse(QStringLiteral("需要点、“L”或句柄。"));
+        return picked ? AcEdVerdict::accept() : AcEdVerdict::refuse(Host::tr("需要点、“L”或句柄。"));
     });
     if (result == RTNONE)
         acedSetIntVar(QStringLiteral("ERRNO"), kEmptyAnswer);

@@ -4,6 +4,7 @@
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 #include "host/base/atomic_file.h"
+#include "host/base/host_text.h"
 
 #include <QBuffer>
 
@@ -38,14 +39,14 @@ QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options, Ac
 base::Result<void, QString> acedWritePng(const QImage &image, const QString &path)
 {
     if (image.isNull())
-        return base::Failure{QStringLiteral("%1: there is no memory for such a picture").arg(path)};
+        return base::Failure{Host::tr("%1: there is no memory for such a picture").arg(path)};
     auto file = base::AtomicFileWriter::open(path);
     if (!file)
         return base::Failure{file.error().text()};
     QBuffer png;
     png.open(QIODevice::WriteOnly);
     if (!image.convertToFormat(QImage::Format_RGB32).save(&png, "PNG"))
-        return base::Failure{QStringLiteral("%1: the picture cannot be written as PNG").arg(path)};
+        return base::Failure{Host::tr("%1: the picture cannot be written as PNG").arg(path)};
     file->write(png.data());
     if (const auto written = file->commit(); !written)
         return base::Failure{written.error().text()};

@@ -7,6 +7,7 @@
 #include "host/aced/edfrontend.h"
 #include "host/aced/edplotarea.h"
 #include "host/base/atomic_file.h"
+#include "host/base/host_text.h"
 
 #include <QBuffer>
 #include <QPageSize>
@@ -102,11 +103,11 @@ static base::Result<Placed, QString> place(const AcApDocument &document, const A
     const double roomX = plot.pageWidth - plot.margins.left - plot.margins.right;
     const double roomY = plot.pageHeight - plot.margins.bottom - plot.margins.top;
     if (!(roomX > 1) || !(roomY > 1) || plot.pageWidth > kLargestPage || plot.pageHeight > kLargestPage)
-        return base::Failure{QStringLiteral("a page of %1 x %2 mm with these margins cannot be plotted")
+        return base::Failure{Host::tr("a page of %1 x %2 mm with these margins cannot be plotted")
                                  .arg(plot.pageWidth)
                                  .arg(plot.pageHeight)};
     if (plot.scale && !(*plot.scale > 0 && std::isfinite(*plot.scale)))
-        return base::Failure{QStringLiteral("the plot scale must be above 0")};
+        return base::Failure{Host::tr("the plot scale must be above 0")};
     Placed placed;
     if (plot.area == AcEdPlotArea::layout && plot.scale) {
         placed = placeSheet(plot, *plot.scale);
@@ -117,7 +118,7 @@ static base::Result<Placed, QString> place(const AcApDocument &document, const A
         placed = placeArea(plot, *area);
     }
     if (placed.window.isEmpty())
-        return base::Failure{QStringLiteral("the plot lies outside the page")};
+        return base::Failure{Host::tr("the plot lies outside the page")};
     placed.view.paperSpace = plot.space != document.database()->modelSpaceId();
     placed.view.pixelWidth = placed.window.width() * kDotsPerMillimetre;
     placed.view.pixelHeight = placed.window.height() * kDotsPerMillimetre;
@@ -163,7 +164,7 @@ static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEd
                                   const std::vector<Placed> &places, QIODevice &device)
 {
     base::ProgressTeller progress(acDocManager()->progress(),
-                                  QStringLiteral("正在打印 %1").arg(document.docTitle()));
+                                  Host::tr("正在打印 %1").arg(document.docTitle()));
     QPdfWriter writer(&device);
     writer.setResolution(kDotsPerInch);
     writer.setTitle(document.docTitle());
@@ -189,7 +190,7 @@ base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const st
                                                 const QString &path)
 {
     if (pages.empty())
-        return base::Failure{QStringLiteral("there is nothing to plot")};
+        return base::Failure{Host::tr("there is nothing to plot")};
     std::vector<Placed> places;
     for (const AcEdPlot &page : pages) {
         const auto placed = place(document, page);
@@ -209,7 +210,7 @@ base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const st
     const AcGiPaintReport report = writePages(document, pages, places, pdf);
     acgiDisplay(*document.database()).regenerate(true);
     if (report.cancelled)
-        return base::Failure{QStringLiteral("%1: the plot was stopped").arg(path)};
+        return base::Failure{Host::tr("%1: the plot was stopped").arg(path)};
     file->write(pdf.data());
     if (const auto written = file->commit(); !written)
         return base::Failure{written.error().text()};

@@ -5,6 +5,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edspace.h"
 #include "host/aced/edview.h"
+#include "host/base/host_text.h"
 
 #include <cmath>
 
@@ -28,7 +29,7 @@ static AcApView viewOf(const AcApDocument &document, AcDbObjectId space)
 static base::Result<AcEdPlotRectangle, QString> around(AcDbExtents box, double twist)
 {
     if (!box.isValid())
-        return base::Failure{QStringLiteral("there is nothing to plot")};
+        return base::Failure{Host::tr("there is nothing to plot")};
     const AcGeMatrix3d frame = acapViewFrame(twist);
     box.transformBy(frame);
     const AcGeVector3d diagonal = box.maxPoint() - box.minPoint();
@@ -58,7 +59,7 @@ static base::Result<AcEdPlotRectangle, QString> namedView(const AcDbDatabase &da
 {
     const auto view = acapNamedView(database, name);
     if (!view)
-        return base::Failure{QStringLiteral("there is no view named \"%1\"").arg(name)};
+        return base::Failure{Host::tr("there is no view named \"%1\"").arg(name)};
     return AcEdPlotRectangle{view->centre, view->width, view->height, view->twist};
 }
 

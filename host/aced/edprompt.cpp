@@ -5,6 +5,7 @@
 #include "host/aced/edparse.h"
 #include "host/aced/edsysvar.h"
 #include "host/base/format_number.h"
+#include "host/base/host_text.h"
 
 // Feeds -------------------------------------------------------------------------------------------
 
@@ -73,7 +74,7 @@ std::optional<AcEdAnswer> acedNextAnswer(const AcEdPrompt &prompt)
         if (feed.tokens().empty() && feed.kind() == AcEdFeed::open)
             continue;
         if (feed.tokens().empty()) {
-            acutPrintf(QStringLiteral("\n提示没有得到回答: %1").arg(prompt.message.trimmed()));
+            acutPrintf(Host::tr("\n提示没有得到回答: %1").arg(prompt.message.trimmed()));
             acedEditor()->requestCancel();
             return std::nullopt;
         }
@@ -192,8 +193,7 @@ static Round settleKeyword(const QString &typed, const AcEdRules &rules)
     const auto match =
         global ? acedMatchKeyword(typed.mid(1), rules.globalNames) : acedMatchKeyword(typed, rules.keywords);
     if (match.ambiguous)
-        return {Round::again, RTNORM,
-                QStringLiteral("回答不明确，请说明是 %1。").arg(match.candidates.join(u'/'))};
+        return {Round::again, RTNORM, Host::tr("回答不明确，请说明是 %1。").arg(match.candidates.join(u'/'))};
     if (match.index < 0)
         return {};
     acedSetInput(rules.globalNames[match.index]);
@@ -212,7 +212,7 @@ static Round settleText(AcEdAnswer &answer, const AcEdRules &rules)
     }
     if (answer.typed.isEmpty()) {
         if (rules.has(RSG_NONULL))
-            return {Round::again, RTNORM, QStringLiteral("必须给出回答。")};
+            return {Round::again, RTNORM, Host::tr("必须给出回答。")};
         return {Round::finished, RTNONE, {}};
     }
     return settleKeyword(answer.typed, rules);
@@ -259,7 +259,7 @@ int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
         if (!round.complaint.isEmpty())
             acedFrontEnd().refuseAnswer(round.complaint);
     }
-    acutPrintf(QStringLiteral("\n没有得到可用的回答，命令已取消。"));
+    acutPrintf(Host::tr("\n没有得到可用的回答，命令已取消。"));
     acedEditor()->requestCancel();
     return RTCAN;
 }

@@ -5,6 +5,7 @@
 #include "host/aced/edlisp.h"
 #include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -76,13 +77,13 @@ int AcEditor::runCommand(const QString &name)
 {
     const AcEdCommand *const found = acedRegCmds()->lookup(name);
     if (!found) {
-        acutPrintf(QStringLiteral("\n未知命令“%1”。").arg(name));
+        acutPrintf(Host::tr("\n未知命令“%1”。").arg(name));
         return RTERROR;
     }
     const AcEdCommand command = *found; // It may remove itself while it runs.
     AcApDocument *const document = curDoc();
     if (!document && !(command.flags & ACRX_CMD_SESSION)) {
-        acutPrintf(QStringLiteral("\n没有打开的图形，不能执行“%1”。").arg(command.globalName));
+        acutPrintf(Host::tr("\n没有打开的图形，不能执行“%1”。").arg(command.globalName));
         return RTERROR;
     }
     const bool outerCancelled = std::exchange(m_cancelled, false);
@@ -96,7 +97,7 @@ int AcEditor::runLocked(const AcEdCommand &command)
 {
     const CommandScope scope(curDoc(), command);
     if (scope.status() != Acad::eOk) {
-        acutPrintf(QStringLiteral("\n图形已被锁定，不能执行“%1”。").arg(command.globalName));
+        acutPrintf(Host::tr("\n图形已被锁定，不能执行“%1”。").arg(command.globalName));
         return RTERROR;
     }
     const QString &name = command.globalName;
@@ -193,7 +194,7 @@ void AcEditor::processInput()
 {
     m_quit = false;
     AcEdPrompt prompt;
-    prompt.message = QStringLiteral("\n命令: ");
+    prompt.message = Host::tr("\n命令: ");
     for (;;) {
         runQueue();
         if (m_quit)

@@ -9,6 +9,7 @@
 #include "host/aced/edview.h"
 #include "host/acgi/gispatialindex.h"
 #include "host/acgi/givisibility.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -140,12 +141,12 @@ int UserSelection::ask(std::optional<AcEdPicked> &picked)
 {
     AcEdPrompt prompt;
     prompt.kind = AcEdPromptKind::selection;
-    prompt.message = m_removing ? QStringLiteral("\n删除对象: ") : m_addPrompt;
+    prompt.message = m_removing ? Host::tr("\n删除对象: ") : m_addPrompt;
     return acedPromptFor(prompt, rules(), [&](const AcEdAnswer &answer) {
         picked = acedReadPick(m_document, answer, m_filter);
         const QString complaint =
-            QStringLiteral("无效选择。需要点、窗口(W)、窗交(C)、上一个(L)、前一个(P)、全部(ALL)、"
-                           "添加(A)或删除(R)。");
+            Host::tr("无效选择。需要点、窗口(W)、窗交(C)、上一个(L)、前一个(P)、全部(ALL)、"
+                     "添加(A)或删除(R)。");
         return picked ? AcEdVerdict::accept() : AcEdVerdict::refuse(complaint);
     });
 }
@@ -161,8 +162,8 @@ void UserSelection::apply(const AcEdSelectionSet &found)
         else if (m_members.insert(id).second && ++changed)
             m_order.push_back(id);
     }
-    acutPrintf(QStringLiteral("\n%1 %2 个，总计 %3 个")
-                   .arg(m_removing ? QStringLiteral("删除") : QStringLiteral("找到"))
+    acutPrintf(Host::tr("\n%1 %2 个，总计 %3 个")
+                   .arg(m_removing ? Host::tr("删除") : Host::tr("找到"))
                    .arg(changed)
                    .arg(m_members.size()));
     acedFrontEnd().showChosen(chosen());
@@ -194,9 +195,9 @@ int UserSelection::askWindow(bool crossing)
 {
     AcGePoint3d first;
     AcGePoint3d second;
-    int result = acedGetPoint(nullptr, QStringLiteral("\n指定第一个角点: "), first);
+    int result = acedGetPoint(nullptr, Host::tr("\n指定第一个角点: "), first);
     if (result == RTNORM)
-        result = acedGetCorner(first, QStringLiteral("\n指定对角点: "), second);
+        result = acedGetCorner(first, Host::tr("\n指定对角点: "), second);
     if (result == RTNORM)
         apply(inWindow(m_document, first, second, crossing, m_filter));
     return result == RTCAN ? RTCAN : RTNORM;
@@ -206,7 +207,7 @@ int UserSelection::askWindow(bool crossing)
 int UserSelection::finishImpliedWindow(const AcGePoint3d &corner)
 {
     AcGePoint3d other;
-    const int result = acedGetCorner(corner, QStringLiteral("\n指定对角点: "), other);
+    const int result = acedGetCorner(corner, Host::tr("\n指定对角点: "), other);
     if (result != RTNORM)
         return result == RTCAN ? RTCAN : RTNORM;
     const AcGeVector3d way = acedTrans(other - corner, AcEdSpace::ucs, AcEdSpace::display);
@@ -221,7 +222,7 @@ int UserSelection::applyKeyword(const QString &keyword)
         return askWindow(keyword == u"Crossing");
     if (keyword == u"BOX") {
         AcGePoint3d corner;
-        const int result = acedGetPoint(nullptr, QStringLiteral("\n指定第一个角点: "), corner);
+        const int result = acedGetPoint(nullptr, Host::tr("\n指定第一个角点: "), corner);
         return result == RTNORM ? finishImpliedWindow(corner) : result == RTCAN ? int(RTCAN) : int(RTNORM);
     }
     if (keyword == u"ALL")
@@ -275,7 +276,7 @@ static int selectByUser(AcApDocument &document, const QString &addPrompt, const 
         selected = stillThere(*document.database(), document.pickSet(), filter);
         document.pickSet().clear();
         if (!selected.empty()) {
-            acutPrintf(QStringLiteral("\n找到 %1 个").arg(selected.size()));
+            acutPrintf(Host::tr("\n找到 %1 个").arg(selected.size()));
             document.previousSet() = selected;
             acedFrontEnd().showChosen(selected);
             return RTNORM;
@@ -293,7 +294,10 @@ static int selectByUser(AcApDocument &document, const QString &addPrompt, const 
 
 // The calls ---------------------------------------------------------------------------------------
 
-static const QString kAddPrompt = QStringLiteral("\n选择对象: ");
+static QString addPromptText()
+{
+    return Host::tr("\n选择对象: ");
+}
 
 namespace
 {
@@ -357,13 +361,13 @@ static QString plainMode(const QString &mode)
 int acedSSGet(const QString &mode, const AcGePoint3d *point1, const AcGePoint3d *point2,
               const ResbufList &filter, AcEdSelectionSet &selected)
 {
-    return run({plainMode(mode), point1, point2, kAddPrompt}, filter, selected);
+    return run({plainMode(mode), point1, point2, addPromptText()}, filter, selected);
 }
 
 int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufList &filter,
                     AcEdSelectionSet &selected)
 {
-    return run({plainMode(mode), nullptr, nullptr, addPrompt.isEmpty() ? kAddPrompt : addPrompt}, filter,
+    return run({plainMode(mode), nullptr, nullptr, addPrompt.isEmpty() ? addPromptText() : addPrompt}, filter,
                selected);
 }
 

@@ -1,6 +1,7 @@
 // Drawing of solids and faces, and of kinds without a picture.
 #include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
+#include "host/base/host_text.h"
 
 namespace acgi
 {
@@ -40,7 +41,7 @@ void drawNothing(const AcDbEntity &, AcGiGeometry &) {}
 // The strokes stand in a file that drawings do not carry along.
 void drawShape(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    sink.noteUndrawn(QStringLiteral("SHAPE: no shape file for %1").arg(EntityGroups(entity).text(2)));
+    sink.noteUndrawn(Host::tr("SHAPE: no shape file for %1").arg(EntityGroups(entity).text(2)));
 }
 
 } // namespace acgi

@@ -3,6 +3,7 @@
 #include "host/acgi/gidraw.h"
 #include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 
@@ -53,7 +54,7 @@ static void noteMissing(AcDbObjectId record, const QString &name, AcGiGeometry &
         return;
     readEntity(AcDbObjectId(contents->blockBegin), [&](const AcDbEntity &begin) {
         if (EntityGroups(begin).integer(70) & kExternal)
-            sink.noteUndrawn(QStringLiteral("INSERT: xref %1 not loaded").arg(name));
+            sink.noteUndrawn(Host::tr("INSERT: xref %1 not loaded").arg(name));
     });
 }
 
@@ -157,7 +158,7 @@ static void drawTableGrid(const EntityGroups &table, const AcGeMatrix3d &placeme
             columns.push_back(columns.back() + group.real());
     }
     if (rows.size() == 1 || columns.size() == 1)
-        return sink.noteUndrawn(QStringLiteral("ACAD_TABLE: no picture"));
+        return sink.noteUndrawn(Host::tr("ACAD_TABLE: no picture"));
     const AcGiModelTransform placed(sink, placement);
     const auto line = [&](AcGePoint3d from, AcGePoint3d to) {
         const AcGePoint3d ends[] = {from, to};
@@ -167,7 +168,7 @@ static void drawTableGrid(const EntityGroups &table, const AcGeMatrix3d &placeme
         line({0.0, y, 0.0}, {columns.back(), y, 0.0});
     for (const double x : columns)
         line({x, 0.0, 0.0}, {x, rows.back(), 0.0});
-    sink.noteUndrawn(QStringLiteral("ACAD_TABLE: only its grid"));
+    sink.noteUndrawn(Host::tr("ACAD_TABLE: only its grid"));
 }
 
 // A table keeps what it looks like in an anonymous block.

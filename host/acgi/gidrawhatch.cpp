@@ -4,6 +4,7 @@
 #include "host/acgi/gihatchgradient.h"
 #include "host/acgi/gihatchpattern.h"
 #include "host/acgi/gikinds.h"
+#include "host/base/host_text.h"
 
 #include <optional>
 
@@ -38,7 +39,7 @@ static void drawPattern(const AcDbEntity &entity, const EntityGroups &groups,
     if (isDrawn)
         return;
     sink.fill(loops);
-    sink.noteUndrawn(QStringLiteral("HATCH: pattern too dense"));
+    sink.noteUndrawn(Host::tr("HATCH: pattern too dense"));
 }
 
 static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool isSolid,

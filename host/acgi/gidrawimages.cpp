@@ -1,6 +1,7 @@
 // Drawing of images and wipeouts, and the frames of what is shown by other programs.
 #include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
+#include "host/base/host_text.h"
 
 namespace acgi
 {
@@ -103,7 +104,7 @@ void drawOleFrame(const AcDbEntity &entity, AcGiGeometry &sink)
     const AcGePoint3d low = groups.point(10);
     const AcGePoint3d high = groups.point(11);
     drawClosed({low, {high.x, low.y, low.z}, {high.x, high.y, low.z}, {low.x, high.y, low.z}}, sink);
-    sink.noteUndrawn(QStringLiteral("%1: only its frame").arg(QLatin1String(entity.dxfName())));
+    sink.noteUndrawn(Host::tr("%1: only its frame").arg(QLatin1String(entity.dxfName())));
 }
 
 // How large the page is stands in a file of another format: only a clipped underlay has a frame.
@@ -122,7 +123,7 @@ void drawUnderlay(const AcDbEntity &entity, AcGiGeometry &sink)
                   AcGeMatrix3d::scaling(groups.real(41, 1.0), groups.real(42, 1.0), groups.real(43, 1.0)));
     drawClosed(std::move(clip), sink);
     sink.noteUndrawn(
-        QStringLiteral("%1: %2 not shown").arg(QLatin1String(entity.dxfName()), imagePath(entity, groups)));
+        Host::tr("%1: %2 not shown").arg(QLatin1String(entity.dxfName()), imagePath(entity, groups)));
 }
 
 } // namespace acgi

@@ -1,5 +1,7 @@
 #include "host/acgi/gipainter.h"
 
+#include "host/base/host_text.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -288,7 +290,7 @@ void AcGiListPainter::instances(const AcGiDisplayList &block, const AcGeMatrix3d
         for (double column = firstOf(range, acrossStep); column <= range.last; column += stride(acrossStep)) {
             m_budget -= kReferenceWords;
             if (m_budget < 0)
-                return note(QStringLiteral("INSERT: more instances than a picture can show"));
+                return note(Host::tr("INSERT: more instances than a picture can show"));
             if (!goesOn())
                 return;
             const QPointF moved = acrossStep * column + upStep * row;

@@ -2,6 +2,7 @@
 #include "host/acgi/giclip.h"
 #include "host/acgi/gifont.h"
 #include "host/acgi/gipainter.h"
+#include "host/base/host_text.h"
 
 #include <QGlyphRun>
 
@@ -383,8 +384,7 @@ void AcGiListPainter::imageFrame(const AcGiImage &image)
 void AcGiListPainter::missingImage(const AcGiImage &image, const AcGiImages::Entry &entry)
 {
     note(QStringLiteral("IMAGE: %1 %2")
-             .arg(entry.shownName,
-                  entry.file.isEmpty() ? QStringLiteral("not found") : QStringLiteral("is no image")));
+             .arg(entry.shownName, entry.file.isEmpty() ? Host::tr("not found") : Host::tr("is no image")));
     imageFrame(image);
     const QPointF origin = pixel(image.origin);
     const QPointF u = pixel(image.u);

@@ -1,5 +1,6 @@
 #include "host/acrx/rxmodule.h"
 
+#include "host/base/host_text.h"
 #include "host/os/settings_store.h"
 
 #include <QFileInfo>
@@ -35,7 +36,7 @@ base::Result<AcRxModulePacket *, QString> AcRxDynamicLinker::loadModule(const QS
     if (Module *const loaded = find(canonical))
         return &loaded->packet;
     if (canonical.isEmpty())
-        return base::Failure{QStringLiteral("%1: no such module").arg(path)};
+        return base::Failure{Host::tr("%1: no such module").arg(path)};
     QLibrary library(canonical);
     const auto entry = reinterpret_cast<AcRxEntryPoint>(library.resolve("acrxEntryPoint"));
     if (!entry)

@@ -1,5 +1,7 @@
 #include "host/base/file_error.h"
 
+#include "host/base/host_text.h"
+
 #include <cerrno>
 #include <system_error>
 
@@ -35,23 +37,23 @@ FileError FileError::fromErrno(const QString &path, int systemError)
 
 static QString reason(const FileError &error)
 {
-    if (error.systemError != 0)
-        return QString::fromStdString(std::generic_category().message(error.systemError));
     switch (error.code) {
     case FileError::Code::notFound:
-        return QStringLiteral("not found");
+        return Host::tr("not found");
     case FileError::Code::accessDenied:
-        return QStringLiteral("access denied");
+        return Host::tr("access denied");
     case FileError::Code::readOnly:
-        return QStringLiteral("the file or its folder is read-only");
+        return Host::tr("the file or its folder is read-only");
     case FileError::Code::notAFile:
-        return QStringLiteral("not a plain file");
+        return Host::tr("not a plain file");
     case FileError::Code::noSpace:
-        return QStringLiteral("no space left");
+        return Host::tr("no space left");
     case FileError::Code::other:
         break;
     }
-    return QStringLiteral("cannot be used");
+    if (error.systemError != 0)
+        return QString::fromStdString(std::generic_category().message(error.systemError));
+    return Host::tr("cannot be used");
 }
 
 QString FileError::text() const

@@ -152,6 +152,60 @@ class RepositoryTest(TreeTest):
                 self.assertEqual(result.returncode, 1)
 
 
+class TranslationsTest(TreeTest):
+    SOUND = {
+        "host/base/host_text.h": "struct Host { Q_DECLARE_TR_FUNCTIONS(Host) };\n",
+        "host/aced/a.cpp": """auto a = ask("Close LOck", Host::tr("\\n%1点或 [闭合(C)/"  // 注释
+            "锁定(LO)/?]: "));\nauto b = Host::tr("not found");\n""",
+    }
+    TRANSLATIONS = {
+        "en": ("\n%1点或 [闭合(C)/锁定(LO)/?]: ", "\nPoint %1 or [Close/LOck/?]: "),
+        "zh_CN": ("not found", "找不到"),
+    }
+
+    def check(self, changes=None, *arguments, **translations):
+        for language, pair in (self.TRANSLATIONS | translations).items():
+            path = f"app/window/translations/quillnote_{language}.ts"
+            message = f"<message><source>{pair[0]}</source><translation>{pair[1]}</translation></message>"
+            self.write({path: f"<TS><context><name>Host</name>{message}</context></TS>"})
+        self.write(self.SOUND | (changes or {}))
+        return run_tool("check_translations.py", self.root, *arguments)
+
+    def test_a_sound_tree_passes(self):
+        result = self.check()
+        self.assertEqual(result.stdout, "3 passed, 0 failed\n", result.stderr)
+        self.assertEqual(result.returncode, 0)
+
+    def test_each_fault_of_a_translation_is_seen(self):
+        source = self.TRANSLATIONS["en"][0]
+        rows = (
+            ("", "no translation"),
+            ("\nPoint %2 or [Close/LOck/?]: ", "other placeholders"),
+            ("Point %1 or [Close/LOck/?]: ", "other blanks"),
+            ("\nPoint %1 or [Close/LOck/?]:", "other blanks"),
+            ("\nPoint %1 or [Close/LOck]: ", "other keywords"),
+            ("\nPoint %1 or [Close/Lock/?]: ", "other keywords"),
+            ("\nPoint %1 or [Closed/LOck/?]: ", "other keywords"),
+            ("\n&amp;Point %1 or [Close/LOck/?]: ", "has a key"),
+        )
+        for translation, fault in rows:
+            with self.subTest(translation=translation):
+                result = self.check(en=(source, translation))
+                self.assertIn(fault, result.stdout)
+                self.assertEqual(result.returncode, 1)
+        self.assertIn("no longer says", self.check(zh_CN=("was found", "找到")).stdout)
+
+    def test_each_fault_of_a_source_is_seen(self):
+        self.assertIn("not through tr(): '点'", self.check({"app/a.h": 'QStringLiteral("点");\n'}).stdout)
+        self.assertIn("quillnote_zh_CN.ts: Host lacks 'gone'", self.check({"app/a.h": 'Host::tr("gone");\n'}).stdout)
+
+    def test_files_are_brought_up_to_date(self):
+        result = self.check({"app/a.cpp": 'auto c = Host::tr("gone");\n'}, "--fix", en=("旧", "old"))
+        self.assertIn("no translation of 'gone'", result.stdout)
+        self.assertNotIn("旧", result.stdout)
+        self.assertNotIn("'not found'", result.stdout, "a translation stays")
+
+
 class CountTest(TreeTest):
     CASES = """<testsuites><testsuite>
         <testcase name="good" classname="S" status="run" result="completed"/>

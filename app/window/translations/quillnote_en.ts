@@ -2,6 +2,1451 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="zh_CN">
 <context>
+    <name>Host</name>
+    <message>
+        <source>正在打开 %1</source>
+        <translation>Opening %1</translation>
+    </message>
+    <message>
+        <source>正在保存 %1</source>
+        <translation>Saving %1</translation>
+    </message>
+    <message>
+        <source>
+没有上一个坐标系。</source>
+        <translation>
+There is no previous coordinate system.</translation>
+    </message>
+    <message>
+        <source>
+指定新原点 &lt;0,0,0&gt;: </source>
+        <translation>
+Specify new origin &lt;0,0,0&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定绕 Z 轴的旋转角度 &lt;90&gt;: </source>
+        <translation>
+Specify rotation angle about Z axis &lt;90&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定 X 轴上的点或 &lt;接受&gt;: </source>
+        <translation>
+Specify point on X axis or &lt;accept&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定 XY 平面上的点或 &lt;接受&gt;: </source>
+        <translation>
+Specify point on XY plane or &lt;accept&gt;: </translation>
+    </message>
+    <message>
+        <source>
+三个点在一条直线上。</source>
+        <translation>
+The three points lie on one line.</translation>
+    </message>
+    <message>
+        <source>
+指定 UCS 的原点或 [原点(O)/上一个(P)/世界(W)/Z 轴(Z)/三点(3)/视图(V)] &lt;世界&gt;: </source>
+        <translation>
+Specify origin of UCS or [Origin/Previous/World/Z axis(Z)/three points(3)/View] &lt;World&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入选项 [当前 UCS(C)/世界(W)] &lt;当前&gt;: </source>
+        <translation>
+Enter an option [Current/World] &lt;Current&gt;: </translation>
+    </message>
+    <message>
+        <source>
+不能绘制: %1</source>
+        <translation>
+Cannot be drawn: %1</translation>
+    </message>
+    <message>
+        <source>
+指定第一点: </source>
+        <translation>
+Specify first point: </translation>
+    </message>
+    <message>
+        <source>
+指定下一点或 [闭合(C)/放弃(U)]: </source>
+        <translation>
+Specify next point or [Close/Undo]: </translation>
+    </message>
+    <message>
+        <source>
+指定下一点或 [放弃(U)]: </source>
+        <translation>
+Specify next point or [Undo]: </translation>
+    </message>
+    <message>
+        <source>
+所有线段都已放弃。</source>
+        <translation>
+All segments have been undone.</translation>
+    </message>
+    <message>
+        <source>
+指定圆的半径或 [直径(D)]: </source>
+        <translation>
+Specify radius of circle or [Diameter]: </translation>
+    </message>
+    <message>
+        <source>
+指定圆的直径: </source>
+        <translation>
+Specify diameter of circle: </translation>
+    </message>
+    <message>
+        <source>
+指定圆的圆心: </source>
+        <translation>
+Specify center of circle: </translation>
+    </message>
+    <message>
+        <source>
+指定点: </source>
+        <translation>
+Specify point: </translation>
+    </message>
+    <message>
+        <source>
+指定文字的起点: </source>
+        <translation>
+Specify start point of text: </translation>
+    </message>
+    <message>
+        <source>
+指定高度 &lt;%1&gt;: </source>
+        <translation>
+Specify height &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定文字的旋转角度 &lt;0&gt;: </source>
+        <translation>
+Specify rotation angle of text &lt;0&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入文字: </source>
+        <translation>
+Enter text: </translation>
+    </message>
+    <message>
+        <source>
+指定基点或 [位移(D)] &lt;位移&gt;: </source>
+        <translation>
+Specify base point or [Displacement] &lt;Displacement&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定位移 &lt;0,0,0&gt;: </source>
+        <translation>
+Specify displacement &lt;0,0,0&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定第二个点或 &lt;使用第一个点作为位移&gt;: </source>
+        <translation>
+Specify second point or &lt;use first point as displacement&gt;: </translation>
+    </message>
+    <message>
+        <source>
+不能复制: %1</source>
+        <translation>
+Cannot be copied: %1</translation>
+    </message>
+    <message>
+        <source>
+指定第二个点或 [退出(E)] &lt;退出&gt;: </source>
+        <translation>
+Specify second point or [Exit] &lt;Exit&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定基点: </source>
+        <translation>
+Specify base point: </translation>
+    </message>
+    <message>
+        <source>
+指定旋转角度: </source>
+        <translation>
+Specify rotation angle: </translation>
+    </message>
+    <message>
+        <source>
+指定比例因子或 [参照(R)]: </source>
+        <translation>
+Specify scale factor or [Reference]: </translation>
+    </message>
+    <message>
+        <source>
+指定参照长度: </source>
+        <translation>
+Specify reference length: </translation>
+    </message>
+    <message>
+        <source>
+指定新的长度: </source>
+        <translation>
+Specify new length: </translation>
+    </message>
+    <message>
+        <source>
+指定镜像线的第一点: </source>
+        <translation>
+Specify first point of mirror line: </translation>
+    </message>
+    <message>
+        <source>
+指定镜像线的第二点: </source>
+        <translation>
+Specify second point of mirror line: </translation>
+    </message>
+    <message>
+        <source>
+镜像线的两点重合。</source>
+        <translation>
+The two points of the mirror line coincide.</translation>
+    </message>
+    <message>
+        <source>
+要删除源对象吗?</source>
+        <translation>
+Erase source objects?</translation>
+    </message>
+    <message>
+        <source>
+输入要打开的图形文件名: </source>
+        <translation>
+Enter name of drawing to open: </translation>
+    </message>
+    <message>
+        <source>不能打开图形: %1</source>
+        <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>不能保存图形: %1</source>
+        <translation>The drawing cannot be saved: %1</translation>
+    </message>
+    <message>
+        <source>
+已有名为 %1 的文件。替换它吗?</source>
+        <translation>
+There is a file named %1 already. Replace it?</translation>
+    </message>
+    <message>
+        <source>
+图形另存为 &lt;%1&gt;: </source>
+        <translation>
+Save drawing as &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+%1 的修改尚未保存。放弃修改吗?</source>
+        <translation>
+The changes to %1 are not saved. Discard them?</translation>
+    </message>
+    <message>
+        <source>
+%1 个图形的修改尚未保存。放弃修改并退出吗?</source>
+        <translation>
+The changes to %1 drawings are not saved. Discard them and quit?</translation>
+    </message>
+    <message>
+        <source>
+输入模块文件名: </source>
+        <translation>
+Enter module file name: </translation>
+    </message>
+    <message>
+        <source>不能加载模块: %1</source>
+        <translation>The module cannot be loaded: %1</translation>
+    </message>
+    <message>
+        <source>
+%1 %2 不能这样改动: %3</source>
+        <translation>
+%1 %2 cannot be changed like this: %3</translation>
+    </message>
+    <message>
+        <source>
+指定夹点: </source>
+        <translation>
+Specify grip: </translation>
+    </message>
+    <message>
+        <source>
+该处没有夹点。</source>
+        <translation>
+There is no grip there.</translation>
+    </message>
+    <message>
+        <source>
+指定移动点: </source>
+        <translation>
+Specify new place: </translation>
+    </message>
+    <message>
+        <source>起点</source>
+        <translation>Start point</translation>
+    </message>
+    <message>
+        <source>端点</source>
+        <translation>End point</translation>
+    </message>
+    <message>
+        <source>圆心</source>
+        <translation>Center</translation>
+    </message>
+    <message>
+        <source>半径</source>
+        <translation>Radius</translation>
+    </message>
+    <message>
+        <source>起点角度</source>
+        <translation>Start angle</translation>
+    </message>
+    <message>
+        <source>端点角度</source>
+        <translation>End angle</translation>
+    </message>
+    <message>
+        <source>位置</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>文字</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>高度</source>
+        <translation>Height</translation>
+    </message>
+    <message>
+        <source>旋转角度</source>
+        <translation>Rotation angle</translation>
+    </message>
+    <message>
+        <source>样式</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source>内容</source>
+        <translation>Contents</translation>
+    </message>
+    <message>
+        <source>块名</source>
+        <translation>Block name</translation>
+    </message>
+    <message>
+        <source>插入点</source>
+        <translation>Insertion point</translation>
+    </message>
+    <message>
+        <source>X 比例</source>
+        <translation>X scale</translation>
+    </message>
+    <message>
+        <source>Y 比例</source>
+        <translation>Y scale</translation>
+    </message>
+    <message>
+        <source>标记</source>
+        <translation>Tag</translation>
+    </message>
+    <message>
+        <source>值</source>
+        <translation>Value</translation>
+    </message>
+    <message>
+        <source>顶点数</source>
+        <translation>Vertices</translation>
+    </message>
+    <message>
+        <source>
+          范围 = %1  至  %2</source>
+        <translation>
+          Extents = %1  to  %2</translation>
+    </message>
+    <message>
+        <source>
+%1  图层: %2
+          空间: %3
+          句柄 = %4</source>
+        <translation>
+%1  Layer: %2
+          Space: %3
+          Handle = %4</translation>
+    </message>
+    <message>
+        <source>模型空间</source>
+        <translation>Model space</translation>
+    </message>
+    <message>
+        <source>布局 %1</source>
+        <translation>Layout %1</translation>
+    </message>
+    <message>
+        <source>
+          颜色: %1</source>
+        <translation>
+          Color: %1</translation>
+    </message>
+    <message>
+        <source>
+          线型: %1</source>
+        <translation>
+          Linetype: %1</translation>
+    </message>
+    <message>
+        <source>
+指定第二点: </source>
+        <translation>
+Specify second point: </translation>
+    </message>
+    <message>
+        <source>
+距离 = %1，XY 平面中的倾角 = %2，%3</source>
+        <translation>
+Distance = %1, angle in XY plane = %2, %3</translation>
+    </message>
+    <message>
+        <source>X 增量 = %1，Y 增量 = %2，Z 增量 = %3</source>
+        <translation>delta X = %1, delta Y = %2, delta Z = %3</translation>
+    </message>
+    <message>
+        <source>
+打开图形时修复了 %1 处错误。</source>
+        <translation>
+%1 errors were mended when the drawing was opened.</translation>
+    </message>
+    <message>
+        <source>
+输入要列出的变量 &lt;*&gt;: </source>
+        <translation>
+Enter variables to list &lt;*&gt;: </translation>
+    </message>
+    <message>
+        <source>
+未知变量名“%1”。</source>
+        <translation>
+Unknown variable name "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入 %1 的新值 &lt;%2&gt;: </source>
+        <translation>
+Enter new value for %1 &lt;%2&gt;: </translation>
+    </message>
+    <message>
+        <source>
+%1 不接受“%2”。</source>
+        <translation>
+%1 does not take "%2".</translation>
+    </message>
+    <message>
+        <source>
+%1 是只读的。</source>
+        <translation>
+%1 is read-only.</translation>
+    </message>
+    <message>
+        <source>
+输入变量名或 [?]: </source>
+        <translation>
+Enter variable name or [?]: </translation>
+    </message>
+    <message>
+        <source>
+图层名“%1”无效。</source>
+        <translation>
+"%1" is no valid layer name.</translation>
+    </message>
+    <message>
+        <source>
+不能新建图层“%1”: %2</source>
+        <translation>
+The layer "%1" cannot be made: %2</translation>
+    </message>
+    <message>
+        <source>
+图层“%1”已冻结，不能置为当前。</source>
+        <translation>
+The layer "%1" is frozen and cannot be made current.</translation>
+    </message>
+    <message>
+        <source>
+没有图层“%1”。</source>
+        <translation>
+There is no layer "%1".</translation>
+    </message>
+    <message>
+        <source>
+没有与“%1”匹配的图层。</source>
+        <translation>
+No layer matches "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入%1的图层名列表: </source>
+        <translation>
+Enter name list of layers %1: </translation>
+    </message>
+    <message>
+        <source>
+输入%1的图层名列表 &lt;%2&gt;: </source>
+        <translation>
+Enter name list of layers %1 &lt;%2&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入要列出的图层名 &lt;*&gt;: </source>
+        <translation>
+Enter layer names to list &lt;*&gt;: </translation>
+    </message>
+    <message>
+        <source>
+当前图层: %1</source>
+        <translation>
+Current layer: %1</translation>
+    </message>
+    <message>
+        <source>关</source>
+        <translation>off</translation>
+    </message>
+    <message>
+        <source>开</source>
+        <translation>on</translation>
+    </message>
+    <message>
+        <source>冻结</source>
+        <translation>frozen</translation>
+    </message>
+    <message>
+        <source>锁定</source>
+        <translation>locked</translation>
+    </message>
+    <message>
+        <source>不打印</source>
+        <translation>not plotted</translation>
+    </message>
+    <message>
+        <source>
+%1  %2  颜色 %3  线型 %4</source>
+        <translation>
+%1  %2  color %3  linetype %4</translation>
+    </message>
+    <message>
+        <source>
+输入新图层的名称 (成为当前图层) &lt;%1&gt;: </source>
+        <translation>
+Enter name for new layer (becomes the current layer) &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入要置为当前的图层名 &lt;%1&gt;: </source>
+        <translation>
+Enter layer name to make current &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入新图层的名称列表: </source>
+        <translation>
+Enter name list for new layers: </translation>
+    </message>
+    <message>
+        <source>要打开</source>
+        <translation>to turn on</translation>
+    </message>
+    <message>
+        <source>要关闭</source>
+        <translation>to turn off</translation>
+    </message>
+    <message>
+        <source>
+要关闭当前图层“%1”吗?</source>
+        <translation>
+Turn the current layer "%1" off?</translation>
+    </message>
+    <message>
+        <source>要冻结</source>
+        <translation>to freeze</translation>
+    </message>
+    <message>
+        <source>
+不能冻结当前图层“%1”。</source>
+        <translation>
+The current layer "%1" cannot be frozen.</translation>
+    </message>
+    <message>
+        <source>要解冻</source>
+        <translation>to thaw</translation>
+    </message>
+    <message>
+        <source>要锁定</source>
+        <translation>to lock</translation>
+    </message>
+    <message>
+        <source>要解锁</source>
+        <translation>to unlock</translation>
+    </message>
+    <message>
+        <source>
+输入颜色名或颜色号 (1-255): </source>
+        <translation>
+Enter color name or number (1-255): </translation>
+    </message>
+    <message>
+        <source>使用该颜色</source>
+        <translation>for this color</translation>
+    </message>
+    <message>
+        <source>
+颜色“%1”无效。</source>
+        <translation>
+"%1" is no valid color.</translation>
+    </message>
+    <message>
+        <source>
+输入已加载的线型名 &lt;CONTINUOUS&gt;: </source>
+        <translation>
+Enter name of a loaded linetype &lt;CONTINUOUS&gt;: </translation>
+    </message>
+    <message>
+        <source>
+没有加载线型“%1”。</source>
+        <translation>
+The linetype "%1" is not loaded.</translation>
+    </message>
+    <message>
+        <source>使用该线型</source>
+        <translation>for this linetype</translation>
+    </message>
+    <message>
+        <source>
+输入打印设置 [打印(P)/不打印(N)] &lt;打印&gt;: </source>
+        <translation>
+Enter plotting preference [Plot/No] &lt;Plot&gt;: </translation>
+    </message>
+    <message>
+        <source>使用该设置</source>
+        <translation>for this preference</translation>
+    </message>
+    <message>
+        <source>
+输入选项 [?/新建并置为当前(M)/置为当前(S)/新建(N)/开(ON)/关(OFF)/颜色(C)/线型(L)/打印(P)/冻结(F)/解冻(T)/锁定(LO)/解锁(U)]: </source>
+        <translation>
+Enter an option [?/Make/Set/New/ON/OFF/Color/Ltype/Plot/Freeze/Thaw/LOck/Unlock]: </translation>
+    </message>
+    <message>
+        <source>
+没有名为“%1”的布局。</source>
+        <translation>
+There is no layout named "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入布局选项 [置为当前(S)/?] &lt;置为当前&gt;: </source>
+        <translation>
+Enter layout option [Set/?] &lt;Set&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入要置为当前的布局 &lt;%1&gt;: </source>
+        <translation>
+Enter layout to make current &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+** 命令不能在“模型”选项卡中使用 **</source>
+        <translation>
+** The command cannot be used in the Model tab **</translation>
+    </message>
+    <message>
+        <source>
+布局中没有可以进入的视口。</source>
+        <translation>
+The layout has no viewport to enter.</translation>
+    </message>
+    <message>
+        <source>
+没有名为“%1”的视图。</source>
+        <translation>
+There is no view named "%1".</translation>
+    </message>
+    <message>
+        <source>
+视图“%1”属于另一个空间。</source>
+        <translation>
+The view "%1" belongs to the other space.</translation>
+    </message>
+    <message>
+        <source>
+输入选项 [恢复(R)/?] &lt;恢复&gt;: </source>
+        <translation>
+Enter an option [Restore/?] &lt;Restore&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入要恢复的视图名称: </source>
+        <translation>
+Enter name of view to restore: </translation>
+    </message>
+    <message>
+        <source>
+输入要加载的菜单文件名: </source>
+        <translation>
+Enter name of menu file to load: </translation>
+    </message>
+    <message>
+        <source>
+不能加载菜单: %1</source>
+        <translation>
+The menu cannot be loaded: %1</translation>
+    </message>
+    <message>
+        <source>
+菜单加载成功。菜单组: %1</source>
+        <translation>
+Menu loaded. Menu group: %1</translation>
+    </message>
+    <message>
+        <source>
+输入要卸载的菜单组名: </source>
+        <translation>
+Enter name of menu group to unload: </translation>
+    </message>
+    <message>
+        <source>
+菜单组“%1”已卸载。</source>
+        <translation>
+The menu group "%1" was unloaded.</translation>
+    </message>
+    <message>
+        <source>
+没有加载菜单组“%1”。</source>
+        <translation>
+The menu group "%1" is not loaded.</translation>
+    </message>
+    <message>
+        <source>
+输入工具栏名或 [全部(ALL)]: </source>
+        <translation>
+Enter toolbar name or [ALL]: </translation>
+    </message>
+    <message>
+        <source>
+没有工具栏“%1”。</source>
+        <translation>
+There is no toolbar "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入选项 [显示(S)/隐藏(H)] &lt;显示&gt;: </source>
+        <translation>
+Enter an option [Show/Hide] &lt;Show&gt;: </translation>
+    </message>
+    <message>
+        <source>
+未能完整绘制: %1 (%2 个)</source>
+        <translation>
+Not drawn completely: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>
+输入布局名 &lt;%1&gt;: </source>
+        <translation>
+Enter layout name &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>没有名为“%1”的布局。</source>
+        <translation>There is no layout named "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入输出设备的名称 &lt;PDF&gt;: </source>
+        <translation>
+Enter output device name &lt;PDF&gt;: </translation>
+    </message>
+    <message>
+        <source>没有设备“%1”；可用的设备: PDF。</source>
+        <translation>There is no device "%1"; available: PDF.</translation>
+    </message>
+    <message>
+        <source>
+输入图纸尺寸 (名称，或毫米“宽x高”) 或 [?] &lt;%1&gt;: </source>
+        <translation>
+Enter paper size (a name, or millimeters "width x height" like 420x297) or [?] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>没有图纸尺寸“%1”。</source>
+        <translation>There is no paper size "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入图纸单位 [英寸(I)/毫米(M)] &lt;毫米&gt;: </source>
+        <translation>
+Enter paper units [Inches/Millimeters] &lt;Millimeters&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入图形方向 [纵向(P)/横向(L)] &lt;%1&gt;: </source>
+        <translation>
+Enter drawing orientation [Portrait/Landscape] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>横向</source>
+        <translation>Landscape</translation>
+    </message>
+    <message>
+        <source>纵向</source>
+        <translation>Portrait</translation>
+    </message>
+    <message>
+        <source>
+输入窗口的左下角点: </source>
+        <translation>
+Enter lower left corner of window: </translation>
+    </message>
+    <message>
+        <source>
+输入窗口的右上角点: </source>
+        <translation>
+Enter upper right corner of window: </translation>
+    </message>
+    <message>
+        <source>
+输入视图名: </source>
+        <translation>
+Enter view name: </translation>
+    </message>
+    <message>
+        <source>没有名为“%1”的视图。</source>
+        <translation>There is no view named "%1".</translation>
+    </message>
+    <message>
+        <source>显示</source>
+        <translation>Display</translation>
+    </message>
+    <message>
+        <source>范围</source>
+        <translation>Extents</translation>
+    </message>
+    <message>
+        <source>布局</source>
+        <translation>Layout</translation>
+    </message>
+    <message>
+        <source>图形界限</source>
+        <translation>LImits</translation>
+    </message>
+    <message>
+        <source>视图</source>
+        <translation>View</translation>
+    </message>
+    <message>
+        <source>窗口</source>
+        <translation>Window</translation>
+    </message>
+    <message>
+        <source>
+输入打印区域 [显示(D)/范围(E)/布局(L)/图形界限(LI)/视图(V)/窗口(W)] &lt;%1&gt;: </source>
+        <translation>
+Enter plot area [Display/Extents/Layout/LImits/View/Window] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>模型空间没有布局区域。</source>
+        <translation>Model space has no layout area.</translation>
+    </message>
+    <message>
+        <source>布满</source>
+        <translation>Fit</translation>
+    </message>
+    <message>
+        <source>
+输入打印比例 (打印单位=图形单位) 或 [布满(F)] &lt;%1&gt;: </source>
+        <translation>
+Enter plot scale (plotted units=drawing units) or [Fit] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>“%1”不是比例，例如 1=100。</source>
+        <translation>"%1" is no scale such as 1=100.</translation>
+    </message>
+    <message>
+        <source>居中</source>
+        <translation>Center</translation>
+    </message>
+    <message>
+        <source>
+输入打印偏移 (x,y) 或 [居中(C)] &lt;%1&gt;: </source>
+        <translation>
+Enter plot offset (x,y) or [Center] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>“%1”不是偏移，例如 5,5。</source>
+        <translation>"%1" is no offset such as 5,5.</translation>
+    </message>
+    <message>
+        <source>
+是否打印线宽?</source>
+        <translation>
+Plot lineweights?</translation>
+    </message>
+    <message>
+        <source>
+输入打印样式表名称 (monochrome.ctb 或 . 表示彩色) &lt;%1&gt;: </source>
+        <translation>
+Enter plot style table name (monochrome.ctb or . for colors) &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>没有打印样式表“%1”。</source>
+        <translation>There is no plot style table "%1".</translation>
+    </message>
+    <message>
+        <source>
+输入文件名 &lt;%1&gt;: </source>
+        <translation>
+Enter file name &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+是否继续打印?</source>
+        <translation>
+Proceed with plot?</translation>
+    </message>
+    <message>
+        <source>不能打印: %1</source>
+        <translation>Cannot be plotted: %1</translation>
+    </message>
+    <message>
+        <source>
+已打印到 %1。</source>
+        <translation>
+Plotted to %1.</translation>
+    </message>
+    <message>
+        <source>
+输入文件名: </source>
+        <translation>
+Enter file name: </translation>
+    </message>
+    <message>
+        <source>
+选择对象或 &lt;全部对象和视口&gt;: </source>
+        <translation>
+Select objects or &lt;all objects and viewports&gt;: </translation>
+    </message>
+    <message>
+        <source>选定的对象不在视图中。</source>
+        <translation>The selected objects are not in the view.</translation>
+    </message>
+    <message>
+        <source>不能输出: %1</source>
+        <translation>Cannot be exported: %1</translation>
+    </message>
+    <message>
+        <source>是</source>
+        <translation>Yes</translation>
+    </message>
+    <message>
+        <source>否</source>
+        <translation>No</translation>
+    </message>
+    <message>
+        <source>%1 [是(Yes)/否(No)] &lt;%2&gt;: </source>
+        <translation>%1 [Yes/No] &lt;%2&gt;: </translation>
+    </message>
+    <message>
+        <source>
+%1 个对象不能改动（所在图层已锁定）。</source>
+        <translation>
+%1 objects cannot be changed (they are on a locked layer).</translation>
+    </message>
+    <message>
+        <source>所在图层已锁定</source>
+        <translation>it is on a locked layer</translation>
+    </message>
+    <message>
+        <source>几何数据无效</source>
+        <translation>its geometry is not valid</translation>
+    </message>
+    <message>
+        <source>不适用于这种对象</source>
+        <translation>does not apply to this kind of object</translation>
+    </message>
+    <message>
+        <source>正在处理 %1 个对象</source>
+        <translation>Working on %1 objects</translation>
+    </message>
+    <message>
+        <source>
+已停止，图形没有改动。</source>
+        <translation>
+Stopped; the drawing is as it was.</translation>
+    </message>
+    <message>
+        <source>
+正在编组，请先结束编组 (UNDO End)。</source>
+        <translation>
+A group is open, end it first (UNDO End).</translation>
+    </message>
+    <message>
+        <source>
+所有操作都已放弃。</source>
+        <translation>
+Everything has been undone.</translation>
+    </message>
+    <message>
+        <source>
+没有可重做的操作。</source>
+        <translation>
+There is nothing to redo.</translation>
+    </message>
+    <message>
+        <source>
+没有打开的编组。</source>
+        <translation>
+No group is open.</translation>
+    </message>
+    <message>
+        <source>
+没有标记，这将放弃所有操作。确定吗?</source>
+        <translation>
+There is no mark, this will undo everything. Are you sure?</translation>
+    </message>
+    <message>
+        <source>
+输入要放弃的操作数目或 [开始(BE)/结束(E)/标记(M)/后退(B)] &lt;1&gt;: </source>
+        <translation>
+Enter number of operations to undo or [BEgin/End/Mark/Back] &lt;1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+没有可显示的对象。</source>
+        <translation>
+There is nothing to show.</translation>
+    </message>
+    <message>
+        <source>
+窗口太小。</source>
+        <translation>
+The window is too small.</translation>
+    </message>
+    <message>
+        <source>
+指定第一个角点: </source>
+        <translation>
+Specify first corner: </translation>
+    </message>
+    <message>
+        <source>
+指定对角点: </source>
+        <translation>
+Specify opposite corner: </translation>
+    </message>
+    <message>
+        <source>
+需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。</source>
+        <translation>
+Requires a corner of the window, a scale factor (like 2 or 2x) or an option keyword.</translation>
+    </message>
+    <message>
+        <source>
+输入比例因子 (nX): </source>
+        <translation>
+Enter scale factor (nX): </translation>
+    </message>
+    <message>
+        <source>
+指定中心点: </source>
+        <translation>
+Specify center point: </translation>
+    </message>
+    <message>
+        <source>
+输入比例或高度 &lt;%1&gt;: </source>
+        <translation>
+Enter magnification or height &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+需要高度，或比例因子 (如 2x)。</source>
+        <translation>
+Requires a height, or a scale factor (like 2x).</translation>
+    </message>
+    <message>
+        <source>
+没有保存上一个视图。</source>
+        <translation>
+There is no previous view.</translation>
+    </message>
+    <message>
+        <source>
+指定窗口的角点，输入比例因子 (nX)，或 [全部(A)/中心(C)/范围(E)/上一个(P)/比例(S)/窗口(W)]: </source>
+        <translation>
+Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window]: </translation>
+    </message>
+    <message>
+        <source>
+指定基点或位移: </source>
+        <translation>
+Specify base point or displacement: </translation>
+    </message>
+    <message>
+        <source>
+指定第二个点: </source>
+        <translation>
+Specify second point: </translation>
+    </message>
+    <message>
+        <source>
+正在重生成图形。</source>
+        <translation>
+Regenerating drawing.</translation>
+    </message>
+    <message>
+        <source>
+指定视图扭曲角度 &lt;0&gt;: </source>
+        <translation>
+Specify view twist angle &lt;0&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入选项 [扭曲(TW)/缩放(Z)/平移(PA)/放弃(U)/退出(X)] &lt;退出&gt;: </source>
+        <translation>
+Enter an option [TWist/Zoom/PAn/Undo/eXit] &lt;eXit&gt;: </translation>
+    </message>
+    <message>
+        <source>选择过滤器第 %1 项: %2</source>
+        <translation>Selection filter, item %1: %2</translation>
+    </message>
+    <message>
+        <source>缺少“%1”</source>
+        <translation>"%1" is missing</translation>
+    </message>
+    <message>
+        <source>“not”需要一个条件</source>
+        <translation>"not" takes one condition</translation>
+    </message>
+    <message>
+        <source>“xor”需要两个条件</source>
+        <translation>"xor" takes two conditions</translation>
+    </message>
+    <message>
+        <source>运算符中没有条件</source>
+        <translation>there is no condition inside the operator</translation>
+    </message>
+    <message>
+        <source>嵌套过深</source>
+        <translation>nested too deeply</translation>
+    </message>
+    <message>
+        <source>未知的运算符“%1”</source>
+        <translation>unknown operator "%1"</translation>
+    </message>
+    <message>
+        <source>“%1”后面没有值</source>
+        <translation>no value follows "%1"</translation>
+    </message>
+    <message>
+        <source>“%1”不适用于这种值</source>
+        <translation>"%1" does not apply to this kind of value</translation>
+    </message>
+    <message>
+        <source>-3 后面没有应用程序名</source>
+        <translation>no application name follows -3</translation>
+    </message>
+    <message>
+        <source>需要%1%2。</source>
+        <translation>Requires %1%2.</translation>
+    </message>
+    <message>
+        <source>或选项关键字</source>
+        <translation> or an option keyword</translation>
+    </message>
+    <message>
+        <source>点</source>
+        <translation>a point</translation>
+    </message>
+    <message>
+        <source>值必须为正且非零。</source>
+        <translation>The value must be positive and not zero.</translation>
+    </message>
+    <message>
+        <source>值必须为正或零。</source>
+        <translation>The value must be positive or zero.</translation>
+    </message>
+    <message>
+        <source>值必须非零。</source>
+        <translation>The value must not be zero.</translation>
+    </message>
+    <message>
+        <source>整数</source>
+        <translation>an integer</translation>
+    </message>
+    <message>
+        <source>需要 %1 到 %2 之间的整数。</source>
+        <translation>Requires an integer between %1 and %2.</translation>
+    </message>
+    <message>
+        <source>数值</source>
+        <translation>a number</translation>
+    </message>
+    <message>
+        <source>距离数值、两点</source>
+        <translation>a distance, two points</translation>
+    </message>
+    <message>
+        <source>角度数值、两点</source>
+        <translation>an angle, two points</translation>
+    </message>
+    <message>
+        <source>无效的选项关键字。</source>
+        <translation>Invalid option keyword.</translation>
+    </message>
+    <message>
+        <source>
+菜单命令“%1”无效: %2</source>
+        <translation>
+The menu command "%1" is not valid: %2</translation>
+    </message>
+    <message>
+        <source>应为 P位置=+组.菜单 或 P位置=-</source>
+        <translation>expected P&lt;position&gt;=+&lt;group&gt;.&lt;menu&gt; or P&lt;position&gt;=-</translation>
+    </message>
+    <message>
+        <source>该位置没有菜单</source>
+        <translation>there is no menu at this position</translation>
+    </message>
+    <message>
+        <source>菜单组“%1”未加载</source>
+        <translation>the menu group "%1" is not loaded</translation>
+    </message>
+    <message>
+        <source>菜单组“%1”中没有“%2”</source>
+        <translation>the menu group "%1" has no "%2"</translation>
+    </message>
+    <message>
+        <source>消息框没有按钮“%1”: %2</source>
+        <translation>The message box has no button "%1": %2</translation>
+    </message>
+    <message>
+        <source>
+选择对象: </source>
+        <translation>
+Select objects: </translation>
+    </message>
+    <message>
+        <source>需要点、“L”或句柄。</source>
+        <translation>Requires a point, "L" or a handle.</translation>
+    </message>
+    <message>
+        <source>正在打印 %1</source>
+        <translation>Plotting %1</translation>
+    </message>
+    <message>
+        <source>
+提示没有得到回答: %1</source>
+        <translation>
+The prompt got no answer: %1</translation>
+    </message>
+    <message>
+        <source>回答不明确，请说明是 %1。</source>
+        <translation>Ambiguous answer, please say which: %1.</translation>
+    </message>
+    <message>
+        <source>必须给出回答。</source>
+        <translation>An answer is required.</translation>
+    </message>
+    <message>
+        <source>
+没有得到可用的回答，命令已取消。</source>
+        <translation>
+No answer was usable, the command was cancelled.</translation>
+    </message>
+    <message>
+        <source>
+未知命令“%1”。</source>
+        <translation>
+Unknown command "%1".</translation>
+    </message>
+    <message>
+        <source>
+没有打开的图形，不能执行“%1”。</source>
+        <translation>
+No drawing is open, "%1" cannot run.</translation>
+    </message>
+    <message>
+        <source>
+图形已被锁定，不能执行“%1”。</source>
+        <translation>
+The drawing is locked, "%1" cannot run.</translation>
+    </message>
+    <message>
+        <source>
+命令: </source>
+        <translation>
+Command: </translation>
+    </message>
+    <message>
+        <source>
+删除对象: </source>
+        <translation>
+Remove objects: </translation>
+    </message>
+    <message>
+        <source>无效选择。需要点、窗口(W)、窗交(C)、上一个(L)、前一个(P)、全部(ALL)、添加(A)或删除(R)。</source>
+        <translation>Invalid selection. Requires a point, Window, Crossing, Last, Previous, ALL, Add or Remove.</translation>
+    </message>
+    <message>
+        <source>
+%1 %2 个，总计 %3 个</source>
+        <translation>
+%2 %1, %3 total</translation>
+    </message>
+    <message>
+        <source>删除</source>
+        <translation>removed</translation>
+    </message>
+    <message>
+        <source>找到</source>
+        <translation>found</translation>
+    </message>
+    <message>
+        <source>
+找到 %1 个</source>
+        <translation>
+%1 found</translation>
+    </message>
+</context>
+<context>
+    <name>ink::Overlay</name>
+    <message>
+        <source>手绘草图</source>
+        <translation>Freehand sketch</translation>
+    </message>
+    <message>
+        <source>草图无法保存，请重试或取消。
+%1</source>
+        <translation>The sketch cannot be saved. Try again or cancel.
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>ink::Strip</name>
+    <message>
+        <source>绘图工具</source>
+        <translation>Drawing tools</translation>
+    </message>
+    <message>
+        <source>%1（%2）</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>手绘</source>
+        <translation>Freehand</translation>
+    </message>
+    <message>
+        <source>直线</source>
+        <translation>Line</translation>
+    </message>
+    <message>
+        <source>矩形</source>
+        <translation>Rectangle</translation>
+    </message>
+    <message>
+        <source>圆角矩形</source>
+        <translation>Rounded rectangle</translation>
+    </message>
+    <message>
+        <source>椭圆</source>
+        <translation>Ellipse</translation>
+    </message>
+    <message>
+        <source>填充</source>
+        <translation>Fill</translation>
+    </message>
+    <message>
+        <source>细线 0.20 毫米</source>
+        <translation>Thin line 0.20 mm</translation>
+    </message>
+    <message>
+        <source>中线 0.35 毫米</source>
+        <translation>Medium line 0.35 mm</translation>
+    </message>
+    <message>
+        <source>粗线 0.50 毫米</source>
+        <translation>Bold line 0.50 mm</translation>
+    </message>
+    <message>
+        <source>特粗线 0.70 毫米</source>
+        <translation>Extra bold line 0.70 mm</translation>
+    </message>
+    <message>
+        <source>红色</source>
+        <translation>Red</translation>
+    </message>
+    <message>
+        <source>橙色</source>
+        <translation>Orange</translation>
+    </message>
+    <message>
+        <source>黄色</source>
+        <translation>Yellow</translation>
+    </message>
+    <message>
+        <source>绿色</source>
+        <translation>Green</translation>
+    </message>
+    <message>
+        <source>青色</source>
+        <translation>Cyan</translation>
+    </message>
+    <message>
+        <source>蓝色</source>
+        <translation>Blue</translation>
+    </message>
+    <message>
+        <source>品红</source>
+        <translation>Magenta</translation>
+    </message>
+    <message>
+        <source>白色</source>
+        <translation>White</translation>
+    </message>
+    <message>
+        <source>黑色</source>
+        <translation>Black</translation>
+    </message>
+    <message>
+        <source>撤销</source>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>重做</source>
+        <translation>Redo</translation>
+    </message>
+    <message>
+        <source>清空</source>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>完成</source>
+        <translation>Done</translation>
+    </message>
+</context>
+<context>
     <name>window::CommandLinePanel</name>
     <message>
         <source>命令历史</source>
@@ -34,6 +1479,10 @@
 </context>
 <context>
     <name>window::DocumentGuard</name>
+    <message>
+        <source>他人</source>
+        <translation>somebody else</translation>
+    </message>
     <message>
         <source>%1: 接管了 %2 留下的锁定文件。</source>
         <translation>%1: took over the lock file of %2.</translation>
@@ -71,14 +1520,6 @@
         <translation>%1 is being edited by %2.</translation>
     </message>
     <message>
-        <source>%1 正由 %2 编辑，不能以原名保存。</source>
-        <translation>%1 is being edited by %2 and cannot be saved under its own name.</translation>
-    </message>
-    <message>
-        <source>他人</source>
-        <translation>somebody else</translation>
-    </message>
-    <message>
         <source>以只读方式打开(&amp;R)</source>
         <translation>Open &amp;Read-only</translation>
     </message>
@@ -91,12 +1532,20 @@
         <translation>The drawing cannot be opened: %1</translation>
     </message>
     <message>
+        <source>已保存 %1。</source>
+        <translation>Saved %1.</translation>
+    </message>
+    <message>
         <source>不能保存图形: %1</source>
         <translation>The drawing cannot be saved: %1</translation>
     </message>
     <message>
         <source>另存为(&amp;A)...</source>
         <translation>Save &amp;As...</translation>
+    </message>
+    <message>
+        <source>%1 正由 %2 编辑，不能以原名保存。</source>
+        <translation>%1 is being edited by %2 and cannot be saved under its own name.</translation>
     </message>
     <message>
         <source>%1 打开之后，文件已被他人修改。</source>
@@ -113,10 +1562,6 @@
     <message>
         <source>%1 的修改尚未保存。保存修改吗?</source>
         <translation>%1 has changes that are not saved. Save them?</translation>
-    </message>
-    <message>
-        <source>已保存 %1。</source>
-        <translation>Saved %1.</translation>
     </message>
     <message>
         <source>不能写恢复副本: %1</source>
@@ -142,16 +1587,16 @@
 <context>
     <name>window::DocumentTabs</name>
     <message>
+        <source>%1（只读）</source>
+        <translation>%1 (read-only)</translation>
+    </message>
+    <message>
         <source>打开的图形</source>
         <translation>Open drawings</translation>
     </message>
     <message>
         <source>尚未保存</source>
         <translation>Not saved yet</translation>
-    </message>
-    <message>
-        <source>%1（只读）</source>
-        <translation>%1 (read-only)</translation>
     </message>
     <message>
         <source>%1（已修改）</source>

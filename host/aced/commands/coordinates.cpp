@@ -2,6 +2,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edview.h"
+#include "host/base/host_text.h"
 
 #include <array>
 
@@ -18,7 +19,7 @@ static void previousUcs()
 {
     std::vector<AcApUcs> &earlier = DocumentMemory::of(curDoc()).earlierUcs;
     if (earlier.empty()) {
-        acutPrintf(QStringLiteral("\n没有上一个坐标系。"));
+        acutPrintf(Host::tr("\n没有上一个坐标系。"));
         return;
     }
     curDoc()->ucs() = earlier.back();
@@ -27,7 +28,7 @@ static void previousUcs()
 
 static void moveOrigin()
 {
-    const auto origin = askPoint(nullptr, QStringLiteral("\n指定新原点 <0,0,0>: "));
+    const auto origin = askPoint(nullptr, Host::tr("\n指定新原点 <0,0,0>: "));
     if (!origin)
         return;
     AcApUcs ucs = curDoc()->ucs();
@@ -38,7 +39,7 @@ static void moveOrigin()
 static void turnAboutZ()
 {
     double angle = 0.0;
-    if (acedGetAngle(nullptr, QStringLiteral("\n指定绕 Z 轴的旋转角度 <90>: "), angle) == RTNONE)
+    if (acedGetAngle(nullptr, Host::tr("\n指定绕 Z 轴的旋转角度 <90>: "), angle) == RTNONE)
         angle = kGePi / 2;
     AcApUcs ucs = curDoc()->ucs();
     const AcGeVector3d normal = ucsNormal();
@@ -62,26 +63,25 @@ static std::optional<AcApUcs> ucsThrough(const AcGePoint3d &origin, const AcGePo
 static void throughPoints(const AcGePoint3d &origin)
 {
     AcGePoint3d onX = origin + AcGeVector3d::kXAxis;
-    const int xResult = acedGetPoint(&origin, QStringLiteral("\n指定 X 轴上的点或 <接受>: "), onX);
+    const int xResult = acedGetPoint(&origin, Host::tr("\n指定 X 轴上的点或 <接受>: "), onX);
     if (xResult != RTNORM && xResult != RTNONE)
         return;
     AcGePoint3d onPlane = origin + AcGeVector3d::kZAxis.crossProduct(onX - origin);
     if (xResult == RTNORM) {
-        const int planeResult =
-            acedGetPoint(&origin, QStringLiteral("\n指定 XY 平面上的点或 <接受>: "), onPlane);
+        const int planeResult = acedGetPoint(&origin, Host::tr("\n指定 XY 平面上的点或 <接受>: "), onPlane);
         if (planeResult != RTNORM && planeResult != RTNONE)
             return;
     }
     if (const auto ucs = ucsThrough(toWorld(origin), toWorld(onX), toWorld(onPlane)))
         setUcs(*ucs);
     else
-        acutPrintf(QStringLiteral("\n三个点在一条直线上。"));
+        acutPrintf(Host::tr("\n三个点在一条直线上。"));
 }
 
 static void threePoints()
 {
     AcGePoint3d origin;
-    const int result = acedGetPoint(nullptr, QStringLiteral("\n指定新原点 <0,0,0>: "), origin);
+    const int result = acedGetPoint(nullptr, Host::tr("\n指定新原点 <0,0,0>: "), origin);
     if (result == RTNORM || result == RTNONE)
         throughPoints(origin);
 }
@@ -104,8 +104,7 @@ static void ucs()
     acedInitGet(0, QStringLiteral("Move Origin Previous World Z 3 View"));
     AcGePoint3d origin;
     const int result = acedGetPoint(
-        nullptr,
-        QStringLiteral("\n指定 UCS 的原点或 [原点(O)/上一个(P)/世界(W)/Z 轴(Z)/三点(3)/视图(V)] <世界>: "),
+        nullptr, Host::tr("\n指定 UCS 的原点或 [原点(O)/上一个(P)/世界(W)/Z 轴(Z)/三点(3)/视图(V)] <世界>: "),
         origin);
     if (result == RTNORM)
         throughPoints(origin);
@@ -132,8 +131,8 @@ static void ucs()
 static void plan()
 {
     const auto option =
-        askKeyword(QStringLiteral("Current World"),
-                   QStringLiteral("\n输入选项 [当前 UCS(C)/世界(W)] <当前>: "), QStringLiteral("Current"));
+        askKeyword(QStringLiteral("Current World"), Host::tr("\n输入选项 [当前 UCS(C)/世界(W)] <当前>: "),
+                   QStringLiteral("Current"));
     if (!option)
         return;
     const AcGeVector3d xAxis =

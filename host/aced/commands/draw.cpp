@@ -3,6 +3,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 
 #include <array>
 
@@ -37,7 +38,7 @@ static AcDbObjectId draw(const QByteArray &dxfName, ResbufList ownGroups)
     const Acad::ErrorStatus status =
         space ? space->appendAcDbEntity(added, entity.get()) : space.openStatus();
     if (status != Acad::eOk) {
-        acutPrintf(QStringLiteral("\n不能绘制: %1").arg(acadErrorStatusText(status)));
+        acutPrintf(Host::tr("\n不能绘制: %1").arg(reasonText(status)));
         return {};
     }
     AcDbObjectPointer<AcDbEntity>(entity.release()).close();
@@ -73,7 +74,7 @@ static void eraseEntity(AcDbObjectId id)
 
 static void line()
 {
-    const auto start = askPoint(nullptr, QStringLiteral("\n指定第一点: "));
+    const auto start = askPoint(nullptr, Host::tr("\n指定第一点: "));
     if (!start)
         return;
     std::vector<AcGePoint3d> points{*start};
@@ -83,15 +84,15 @@ static void line()
         acedInitGet(0, canClose ? QStringLiteral("Close Undo") : QStringLiteral("Undo"));
         AcGePoint3d next;
         const int result = acedGetPoint(&points.back(),
-                                        canClose ? QStringLiteral("\n指定下一点或 [闭合(C)/放弃(U)]: ")
-                                                 : QStringLiteral("\n指定下一点或 [放弃(U)]: "),
+                                        canClose ? Host::tr("\n指定下一点或 [闭合(C)/放弃(U)]: ")
+                                                 : Host::tr("\n指定下一点或 [放弃(U)]: "),
                                         next);
         if (result == RTNORM) {
             drawn.push_back(drawLine(points.back(), next));
             points.push_back(next);
         } else if (result == RTKWORD && acedGetInput() == QLatin1String("Undo")) {
             if (drawn.empty()) {
-                acutPrintf(QStringLiteral("\n所有线段都已放弃。"));
+                acutPrintf(Host::tr("\n所有线段都已放弃。"));
                 continue;
             }
             eraseEntity(drawn.back());
@@ -111,19 +112,19 @@ static std::optional<double> askRadius(const AcGePoint3d &centre)
 {
     double value = 0.0;
     acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, QStringLiteral("Diameter"));
-    int result = acedGetDist(&centre, QStringLiteral("\n指定圆的半径或 [直径(D)]: "), value);
+    int result = acedGetDist(&centre, Host::tr("\n指定圆的半径或 [直径(D)]: "), value);
     if (result == RTNORM)
         return value;
     if (result != RTKWORD)
         return std::nullopt;
     acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG);
-    result = acedGetDist(&centre, QStringLiteral("\n指定圆的直径: "), value);
+    result = acedGetDist(&centre, Host::tr("\n指定圆的直径: "), value);
     return result == RTNORM ? std::optional(value / 2) : std::nullopt;
 }
 
 static void circle()
 {
-    const auto centre = askPoint(nullptr, QStringLiteral("\n指定圆的圆心: "));
+    const auto centre = askPoint(nullptr, Host::tr("\n指定圆的圆心: "));
     const auto radius = centre ? askRadius(*centre) : std::nullopt;
     if (!radius)
         return;
@@ -134,7 +135,7 @@ static void circle()
 
 static void point()
 {
-    if (const auto place = askPoint(nullptr, QStringLiteral("\n指定点: ")))
+    if (const auto place = askPoint(nullptr, Host::tr("\n指定点: ")))
         draw("POINT", {{100, QStringLiteral("AcDbPoint")}, {10, toWorld(*place)}});
 }
 
@@ -163,21 +164,21 @@ static void drawText(const AcGePoint3d &start, double height, double angle, cons
 
 static void text()
 {
-    auto start = askPoint(nullptr, QStringLiteral("\n指定文字的起点: "));
+    auto start = askPoint(nullptr, Host::tr("\n指定文字的起点: "));
     if (!start)
         return;
     double height = acedRealVar(QStringLiteral("TEXTSIZE"), 2.5);
     acedInitGet(RSG_NOZERO | RSG_NONEG);
-    int result = acedGetDist(&*start, QStringLiteral("\n指定高度 <%1>: ").arg(numberText(height)), height);
+    int result = acedGetDist(&*start, Host::tr("\n指定高度 <%1>: ").arg(numberText(height)), height);
     if (result != RTNORM && result != RTNONE)
         return;
     double angle = 0.0;
-    result = acedGetAngle(&*start, QStringLiteral("\n指定文字的旋转角度 <0>: "), angle);
+    result = acedGetAngle(&*start, Host::tr("\n指定文字的旋转角度 <0>: "), angle);
     if (result != RTNORM && result != RTNONE)
         return;
     static constexpr double kLineDistance = 5.0 / 3.0;
     QString line;
-    while (acedGetString(true, QStringLiteral("\n输入文字: "), line) == RTNORM && !line.isEmpty()) {
+    while (acedGetString(true, Host::tr("\n输入文字: "), line) == RTNORM && !line.isEmpty()) {
         drawText(*start, height, angle, line);
         *start = polarOffset(*start, angle - kGePi / 2, height * kLineDistance);
     }

@@ -5,6 +5,7 @@
 #include "host/aced/commands/support.h"
 #include "host/aced/edparse.h"
 #include "host/aced/edprompt.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -54,12 +55,12 @@ static std::optional<Base> askBase()
 {
     acedInitGet(0, QStringLiteral("Displacement"));
     AcGePoint3d point;
-    const int result = acedGetPoint(nullptr, QStringLiteral("\n指定基点或 [位移(D)] <位移>: "), point);
+    const int result = acedGetPoint(nullptr, Host::tr("\n指定基点或 [位移(D)] <位移>: "), point);
     if (result == RTNORM)
         return Base{point, false};
     if (result != RTKWORD && result != RTNONE)
         return std::nullopt;
-    if (const auto displacement = askPoint(nullptr, QStringLiteral("\n指定位移 <0,0,0>: ")))
+    if (const auto displacement = askPoint(nullptr, Host::tr("\n指定位移 <0,0,0>: ")))
         return Base{*displacement, true};
     return std::nullopt;
 }
@@ -88,8 +89,8 @@ static void move()
     }
     Preview preview = movementPreview(selected, base->point);
     AcGePoint3d target;
-    switch (acedGetTrackedPoint(&base->point, QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: "),
-                                preview, target)) {
+    switch (acedGetTrackedPoint(&base->point, Host::tr("\n指定第二个点或 <使用第一个点作为位移>: "), preview,
+                                target)) {
     case RTNORM:
         transformAll(selected, movement(base->point, target));
         break;
@@ -115,7 +116,7 @@ static void copyBy(const AcEdSelectionSet &originals, const AcGeMatrix3d &matrix
     if (!inPieces(originals, copyPiece))
         return;
     if (status != Acad::eOk)
-        acutPrintf(QStringLiteral("\n不能复制: %1").arg(acadErrorStatusText(status)));
+        acutPrintf(Host::tr("\n不能复制: %1").arg(reasonText(status)));
     reportLocked(refused);
 }
 
@@ -137,7 +138,7 @@ static void copy()
         return;
     }
     Preview preview = movementPreview(selected, base->point);
-    QString prompt = QStringLiteral("\n指定第二个点或 <使用第一个点作为位移>: ");
+    QString prompt = Host::tr("\n指定第二个点或 <使用第一个点作为位移>: ");
     for (bool first = true;; first = false) {
         AcGePoint3d target;
         acedInitGet(0, first ? QString() : QStringLiteral("Exit"));
@@ -147,7 +148,7 @@ static void copy()
         if (result != RTNORM)
             return;
         copyBy(selected, movement(base->point, target));
-        prompt = QStringLiteral("\n指定第二个点或 [退出(E)] <退出>: ");
+        prompt = Host::tr("\n指定第二个点或 [退出(E)] <退出>: ");
     }
 }
 
@@ -159,7 +160,7 @@ static AcGeMatrix3d turn(const AcGePoint3d &base, double angle)
 static void rotate()
 {
     const AcEdSelectionSet selected = askSelection();
-    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
+    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, Host::tr("\n指定基点: "));
     if (!base)
         return;
     Preview preview = transformPreview(selected, [&base](const AcGePoint3d &cursor) {
@@ -167,7 +168,7 @@ static void rotate()
         return std::optional(turn(*base, directionAngle(*base, place) - acedAngleFormat().base));
     });
     double angle = 0.0;
-    if (acedGetAngle(&*base, QStringLiteral("\n指定旋转角度: "), angle, &preview) == RTNORM)
+    if (acedGetAngle(&*base, Host::tr("\n指定旋转角度: "), angle, &preview) == RTNORM)
         transformAll(selected, turn(*base, angle));
 }
 
@@ -180,13 +181,13 @@ static std::optional<double> askScale(const AcGePoint3d &base, Preview &preview)
     };
     acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, QStringLiteral("Reference"));
     double factor = 1.0;
-    const int result = acedGetDist(&base, QStringLiteral("\n指定比例因子或 [参照(R)]: "), factor, &preview);
+    const int result = acedGetDist(&base, Host::tr("\n指定比例因子或 [参照(R)]: "), factor, &preview);
     if (result == RTNORM)
         return factor;
     if (result != RTKWORD)
         return std::nullopt;
-    const auto present = distance(QStringLiteral("\n指定参照长度: "));
-    const auto wanted = present ? distance(QStringLiteral("\n指定新的长度: ")) : std::nullopt;
+    const auto present = distance(Host::tr("\n指定参照长度: "));
+    const auto wanted = present ? distance(Host::tr("\n指定新的长度: ")) : std::nullopt;
     if (!wanted)
         return std::nullopt;
     return *wanted / *present;
@@ -195,7 +196,7 @@ static std::optional<double> askScale(const AcGePoint3d &base, Preview &preview)
 static void scale()
 {
     const AcEdSelectionSet selected = askSelection();
-    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定基点: "));
+    const auto base = selected.empty() ? std::nullopt : askPoint(nullptr, Host::tr("\n指定基点: "));
     if (!base)
         return;
     Preview preview = transformPreview(selected, [&base](const AcGePoint3d &cursor) {
@@ -227,20 +228,20 @@ static void mirror()
     AcEdSelectionSet selected = askSelection();
     dropLocked(selected);
     const auto first =
-        selected.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定镜像线的第一点: "));
+        selected.empty() ? std::nullopt : askPoint(nullptr, Host::tr("\n指定镜像线的第一点: "));
     if (!first)
         return;
     Preview preview = transformPreview(
         selected, [from = toWorld(*first)](const AcGePoint3d &cursor) { return reflection(from, cursor); });
-    const auto second = askTracked(*first, QStringLiteral("\n指定镜像线的第二点: "), preview);
+    const auto second = askTracked(*first, Host::tr("\n指定镜像线的第二点: "), preview);
     if (!second)
         return;
     const auto matrix = reflection(toWorld(*first), toWorld(*second));
     if (!matrix) {
-        acutPrintf(QStringLiteral("\n镜像线的两点重合。"));
+        acutPrintf(Host::tr("\n镜像线的两点重合。"));
         return;
     }
-    const auto eraseSource = askYes(QStringLiteral("\n要删除源对象吗?"), false);
+    const auto eraseSource = askYes(Host::tr("\n要删除源对象吗?"), false);
     if (eraseSource && *eraseSource)
         transformAll(selected, *matrix);
     else if (eraseSource)

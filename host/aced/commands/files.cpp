@@ -4,6 +4,7 @@
 #include "host/aced/edmessage.h"
 #include "host/aced/edsysvar.h"
 #include "host/acrx/rxmodule.h"
+#include "host/base/host_text.h"
 
 #include <QFileInfo>
 
@@ -24,12 +25,11 @@ static void tellTrouble(const QString &text)
 static void open()
 {
     const QString proposed = curDoc() ? curDoc()->fileName() : QString();
-    const auto file =
-        askFile(AcEdPromptKind::fileToOpen, QStringLiteral("\n输入要打开的图形文件名: "), proposed);
+    const auto file = askFile(AcEdPromptKind::fileToOpen, Host::tr("\n输入要打开的图形文件名: "), proposed);
     if (!file || file->path.isEmpty())
         return;
     if (const auto opened = acDocManager()->openDocument(file->path); !opened)
-        tellTrouble(QStringLiteral("不能打开图形: %1").arg(opened.error()));
+        tellTrouble(Host::tr("不能打开图形: %1").arg(opened.error()));
 }
 
 static void newDrawing()
@@ -40,7 +40,7 @@ static void newDrawing()
 static void save(AcApDocument *document, const QString &path, bool copyOnly)
 {
     if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
-        tellTrouble(QStringLiteral("不能保存图形: %1").arg(saved.error()));
+        tellTrouble(Host::tr("不能保存图形: %1").arg(saved.error()));
 }
 
 /// With the ending of the present name when the user typed none.
@@ -57,7 +57,7 @@ static bool mayOverwrite(const AcApDocument &document, const QString &path)
     const QFileInfo file(path);
     if (!file.exists() || file == QFileInfo(document.fileName()) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
         return true;
-    return askYes(QStringLiteral("\n已有名为 %1 的文件。替换它吗?").arg(file.absoluteFilePath()), false)
+    return askYes(Host::tr("\n已有名为 %1 的文件。替换它吗?").arg(file.absoluteFilePath()), false)
         .value_or(false);
 }
 
@@ -66,7 +66,7 @@ static void saveUnderAskedName(bool copyOnly)
     AcApDocument *const document = curDoc();
     const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
     const auto file =
-        askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n图形另存为 <%1>: ").arg(present), present);
+        askFile(AcEdPromptKind::fileToSave, Host::tr("\n图形另存为 <%1>: ").arg(present), present);
     if (!file)
         return;
     const QString path = withEnding(*document, file->path.isEmpty() ? present : file->path);
@@ -108,7 +108,7 @@ static void close()
     AcApDocument *const document = curDoc();
     if (!document)
         return;
-    const QString question = QStringLiteral("\n%1 的修改尚未保存。放弃修改吗?").arg(document->docTitle());
+    const QString question = Host::tr("\n%1 的修改尚未保存。放弃修改吗?").arg(document->docTitle());
     if (mayClose({document}, question))
         acDocManager()->closeDocument(document);
 }
@@ -117,18 +117,18 @@ static void quit()
 {
     const std::vector<AcApDocument *> documents = acDocManager()->allDocuments();
     const auto modified = std::ranges::count_if(documents, &AcApDocument::isModified);
-    if (mayClose(documents, QStringLiteral("\n%1 个图形的修改尚未保存。放弃修改并退出吗?").arg(modified)))
+    if (mayClose(documents, Host::tr("\n%1 个图形的修改尚未保存。放弃修改并退出吗?").arg(modified)))
         acedEditor()->requestQuit();
 }
 
 static void loadModule()
 {
-    const auto path = askText(QStringLiteral("\n输入模块文件名: "));
+    const auto path = askText(Host::tr("\n输入模块文件名: "));
     if (!path || path->isEmpty())
         return;
     const auto loaded = acrxDynamicLinker()->loadModule(*path);
     if (!loaded) {
-        tellTrouble(QStringLiteral("不能加载模块: %1").arg(loaded.error()));
+        tellTrouble(Host::tr("不能加载模块: %1").arg(loaded.error()));
         return;
     }
     // A module hears of drawings that were open before it came.

@@ -3,6 +3,7 @@
 #include "host/aced/commands/preview.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -77,10 +78,10 @@ static void applyDrag(const Grasp &grasp, const AcGeVector3d &offset)
         if (status == Acad::eOnLockedLayer)
             ++locked;
         else if (status != Acad::eOk)
-            acutPrintf(QStringLiteral("\n%1 %2 不能这样改动: %3")
+            acutPrintf(Host::tr("\n%1 %2 不能这样改动: %3")
                            .arg(QString::fromLatin1(acdbKindName(hot.entity.stub()->kind)),
                                 QString::number(hot.entity.handle().value, 16).toUpper(),
-                                acadErrorStatusText(status)));
+                                reasonText(status)));
     }
     reportLocked(locked);
 }
@@ -96,18 +97,18 @@ static AcEdSelectionSet entitiesToGrasp()
 static void grip()
 {
     const AcEdSelectionSet entities = entitiesToGrasp();
-    const auto place = entities.empty() ? std::nullopt : askPoint(nullptr, QStringLiteral("\n指定夹点: "));
+    const auto place = entities.empty() ? std::nullopt : askPoint(nullptr, Host::tr("\n指定夹点: "));
     if (!place)
         return;
     const Grasp grasp = graspAt(entities, toWorld(*place));
     if (grasp.hot.empty()) {
-        acutPrintf(QStringLiteral("\n该处没有夹点。"));
+        acutPrintf(Host::tr("\n该处没有夹点。"));
         return;
     }
     Preview preview = dragPreview(grasp);
     const AcGePoint3d base = acedTrans(grasp.from, AcEdSpace::world, AcEdSpace::ucs);
     AcGePoint3d target;
-    if (acedGetTrackedPoint(&base, QStringLiteral("\n指定移动点: "), preview, target) == RTNORM)
+    if (acedGetTrackedPoint(&base, Host::tr("\n指定移动点: "), preview, target) == RTNORM)
         applyDrag(grasp, toWorld(target) - grasp.from);
 }
 

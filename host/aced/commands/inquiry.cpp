@@ -3,6 +3,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 #include "host/base/wildcard.h"
 
 #include <algorithm>
@@ -24,19 +25,31 @@ struct ListedGroup {
 };
 
 constexpr std::array kListedGroups{
-    ListedGroup{"LINE", 10, "起点"},         ListedGroup{"LINE", 11, "端点"},
-    ListedGroup{"CIRCLE", 10, "圆心"},       ListedGroup{"CIRCLE", 40, "半径"},
-    ListedGroup{"ARC", 10, "圆心"},          ListedGroup{"ARC", 40, "半径"},
-    ListedGroup{"ARC", 50, "起点角度"},      ListedGroup{"ARC", 51, "端点角度"},
-    ListedGroup{"POINT", 10, "位置"},        ListedGroup{"TEXT", 1, "文字"},
-    ListedGroup{"TEXT", 10, "起点"},         ListedGroup{"TEXT", 40, "高度"},
-    ListedGroup{"TEXT", 50, "旋转角度"},     ListedGroup{"TEXT", 7, "样式"},
-    ListedGroup{"MTEXT", 1, "内容"},         ListedGroup{"MTEXT", 10, "位置"},
-    ListedGroup{"MTEXT", 40, "高度"},        ListedGroup{"INSERT", 2, "块名"},
-    ListedGroup{"INSERT", 10, "插入点"},     ListedGroup{"INSERT", 41, "X 比例"},
-    ListedGroup{"INSERT", 42, "Y 比例"},     ListedGroup{"INSERT", 50, "旋转角度"},
-    ListedGroup{"ATTRIB", 2, "标记"},        ListedGroup{"ATTRIB", 1, "值"},
-    ListedGroup{"LWPOLYLINE", 90, "顶点数"},
+    ListedGroup{"LINE", 10, QT_TRANSLATE_NOOP("Host", "起点")},
+    ListedGroup{"LINE", 11, QT_TRANSLATE_NOOP("Host", "端点")},
+    ListedGroup{"CIRCLE", 10, QT_TRANSLATE_NOOP("Host", "圆心")},
+    ListedGroup{"CIRCLE", 40, QT_TRANSLATE_NOOP("Host", "半径")},
+    ListedGroup{"ARC", 10, QT_TRANSLATE_NOOP("Host", "圆心")},
+    ListedGroup{"ARC", 40, QT_TRANSLATE_NOOP("Host", "半径")},
+    ListedGroup{"ARC", 50, QT_TRANSLATE_NOOP("Host", "起点角度")},
+    ListedGroup{"ARC", 51, QT_TRANSLATE_NOOP("Host", "端点角度")},
+    ListedGroup{"POINT", 10, QT_TRANSLATE_NOOP("Host", "位置")},
+    ListedGroup{"TEXT", 1, QT_TRANSLATE_NOOP("Host", "文字")},
+    ListedGroup{"TEXT", 10, QT_TRANSLATE_NOOP("Host", "起点")},
+    ListedGroup{"TEXT", 40, QT_TRANSLATE_NOOP("Host", "高度")},
+    ListedGroup{"TEXT", 50, QT_TRANSLATE_NOOP("Host", "旋转角度")},
+    ListedGroup{"TEXT", 7, QT_TRANSLATE_NOOP("Host", "样式")},
+    ListedGroup{"MTEXT", 1, QT_TRANSLATE_NOOP("Host", "内容")},
+    ListedGroup{"MTEXT", 10, QT_TRANSLATE_NOOP("Host", "位置")},
+    ListedGroup{"MTEXT", 40, QT_TRANSLATE_NOOP("Host", "高度")},
+    ListedGroup{"INSERT", 2, QT_TRANSLATE_NOOP("Host", "块名")},
+    ListedGroup{"INSERT", 10, QT_TRANSLATE_NOOP("Host", "插入点")},
+    ListedGroup{"INSERT", 41, QT_TRANSLATE_NOOP("Host", "X 比例")},
+    ListedGroup{"INSERT", 42, QT_TRANSLATE_NOOP("Host", "Y 比例")},
+    ListedGroup{"INSERT", 50, QT_TRANSLATE_NOOP("Host", "旋转角度")},
+    ListedGroup{"ATTRIB", 2, QT_TRANSLATE_NOOP("Host", "标记")},
+    ListedGroup{"ATTRIB", 1, QT_TRANSLATE_NOOP("Host", "值")},
+    ListedGroup{"LWPOLYLINE", 90, QT_TRANSLATE_NOOP("Host", "顶点数")},
 };
 
 } // namespace
@@ -63,12 +76,11 @@ static void listGroups(const AcDbEntity &entity)
     for (const ListedGroup &listed : kListedGroups) {
         const resbuf *const group = kind == listed.kind ? findGroup(entity.groups(), listed.code) : nullptr;
         if (group)
-            acutPrintf(QStringLiteral("\n          %1 = %2")
-                           .arg(QString::fromUtf8(listed.label), valueText(*group)));
+            acutPrintf(QStringLiteral("\n          %1 = %2").arg(Host::tr(listed.label), valueText(*group)));
     }
     AcDbExtents extents;
     if (entity.getGeomExtents(extents) == Acad::eOk && extents.isValid()) {
-        acutPrintf(QStringLiteral("\n          范围 = %1  至  %2")
+        acutPrintf(Host::tr("\n          范围 = %1  至  %2")
                        .arg(pointText(extents.minPoint()), pointText(extents.maxPoint())));
     }
 }
@@ -79,15 +91,15 @@ static void listEntity(AcDbObjectId id)
     if (!entity)
         return;
     const QString space = acdbLayoutName(entity->blockId());
-    acutPrintf(QStringLiteral("\n%1  图层: %2\n          空间: %3\n          句柄 = %4")
-                   .arg(QString::fromLatin1(entity->dxfName()), entity->layer(),
-                        space == QLatin1String("Model") ? QStringLiteral("模型空间")
-                                                        : QStringLiteral("布局 ") + space,
-                        QString::number(id.handle().value, 16).toUpper()));
+    acutPrintf(
+        Host::tr("\n%1  图层: %2\n          空间: %3\n          句柄 = %4")
+            .arg(QString::fromLatin1(entity->dxfName()), entity->layer(),
+                 space == QLatin1String("Model") ? Host::tr("模型空间") : Host::tr("布局 %1").arg(space),
+                 QString::number(id.handle().value, 16).toUpper()));
     if (entity->colorIndex() != 256)
-        acutPrintf(QStringLiteral("\n          颜色: %1").arg(entity->colorIndex()));
+        acutPrintf(Host::tr("\n          颜色: %1").arg(entity->colorIndex()));
     if (entity->linetype().compare(QLatin1String("BYLAYER"), Qt::CaseInsensitive) != 0)
-        acutPrintf(QStringLiteral("\n          线型: %1").arg(entity->linetype()));
+        acutPrintf(Host::tr("\n          线型: %1").arg(entity->linetype()));
     if (entity->isCustom())
         entity->subList();
     else
@@ -104,20 +116,20 @@ static void list()
 
 static void identifyPoint()
 {
-    if (const auto point = askPoint(nullptr, QStringLiteral("\n指定点: ")))
+    if (const auto point = askPoint(nullptr, Host::tr("\n指定点: ")))
         acutPrintf(u'\n' + pointText(*point));
 }
 
 static void distance()
 {
-    const auto first = askPoint(nullptr, QStringLiteral("\n指定第一点: "));
-    const auto second = first ? askPoint(&*first, QStringLiteral("\n指定第二点: ")) : std::nullopt;
+    const auto first = askPoint(nullptr, Host::tr("\n指定第一点: "));
+    const auto second = first ? askPoint(&*first, Host::tr("\n指定第二点: ")) : std::nullopt;
     if (!second)
         return;
     const AcGeVector3d way = *second - *first;
-    acutPrintf(QStringLiteral("\n距离 = %1，XY 平面中的倾角 = %2，%3")
+    acutPrintf(Host::tr("\n距离 = %1，XY 平面中的倾角 = %2，%3")
                    .arg(numberText(way.length()), numberText(directionAngle(*first, *second) * 180.0 / kGePi),
-                        QStringLiteral("X 增量 = %1，Y 增量 = %2，Z 增量 = %3")
+                        Host::tr("X 增量 = %1，Y 增量 = %2，Z 增量 = %3")
                             .arg(numberText(way.x), numberText(way.y), numberText(way.z))));
 }
 
@@ -126,7 +138,7 @@ static void audit()
     const QStringList &repairs = acdbCurDwg()->repairs();
     for (const QString &repair : repairs)
         acutPrintf(u'\n' + repair);
-    acutPrintf(QStringLiteral("\n打开图形时修复了 %1 处错误。").arg(repairs.size()));
+    acutPrintf(Host::tr("\n打开图形时修复了 %1 处错误。").arg(repairs.size()));
 }
 
 // SETVAR -----------------------------------------------------------------------------------------------
@@ -151,7 +163,7 @@ static QString variableText(const QString &name)
 
 static void listVariables()
 {
-    const auto names = askText(QStringLiteral("\n输入要列出的变量 <*>: "));
+    const auto names = askText(Host::tr("\n输入要列出的变量 <*>: "));
     if (!names)
         return;
     const base::Wildcard pattern(names->isEmpty() ? QStringLiteral("*") : *names);
@@ -165,28 +177,27 @@ static void setVariable(const QString &name)
 {
     resbuf present;
     if (acedGetVar(name, present) != RTNORM) {
-        acutPrintf(QStringLiteral("\n未知变量名“%1”。").arg(name));
+        acutPrintf(Host::tr("\n未知变量名“%1”。").arg(name));
         return;
     }
-    const auto typed =
-        askText(QStringLiteral("\n输入 %1 的新值 <%2>: ").arg(name.toUpper(), variableText(name)));
+    const auto typed = askText(Host::tr("\n输入 %1 的新值 <%2>: ").arg(name.toUpper(), variableText(name)));
     if (!typed || typed->isEmpty())
         return;
     switch (acedSetVarText(name, *typed)) {
     case RTNORM:
         break;
     case RTREJ:
-        acutPrintf(QStringLiteral("\n%1 不接受“%2”。").arg(name.toUpper(), *typed));
+        acutPrintf(Host::tr("\n%1 不接受“%2”。").arg(name.toUpper(), *typed));
         break;
     default:
-        acutPrintf(QStringLiteral("\n%1 是只读的。").arg(name.toUpper()));
+        acutPrintf(Host::tr("\n%1 是只读的。").arg(name.toUpper()));
     }
 }
 
 static void setvar()
 {
     QString name;
-    const int result = acedGetString(false, QStringLiteral("\n输入变量名或 [?]: "), name);
+    const int result = acedGetString(false, Host::tr("\n输入变量名或 [?]: "), name);
     if (result != RTNORM || name.isEmpty())
         return;
     if (name == QLatin1String("?"))

@@ -3,6 +3,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 #include "host/base/wildcard.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ static bool isGoodName(const QString &name)
 static bool createLayer(const QString &name)
 {
     if (!isGoodName(name)) {
-        acutPrintf(QStringLiteral("\n图层名“%1”无效。").arg(name));
+        acutPrintf(Host::tr("\n图层名“%1”无效。").arg(name));
         return false;
     }
     AcDbObjectId added;
@@ -47,7 +48,7 @@ static bool createLayer(const QString &name)
     if (status == Acad::eDuplicateKey)
         return true;
     if (status != Acad::eOk) {
-        acutPrintf(QStringLiteral("\n不能新建图层“%1”: %2").arg(name, acadErrorStatusText(status)));
+        acutPrintf(Host::tr("\n不能新建图层“%1”: %2").arg(name, reasonText(status)));
         return false;
     }
     AcDbObjectPointer<AcDbLayerTableRecord> layer(acrxCast<AcDbLayerTableRecord>(added.stub()->object));
@@ -67,8 +68,8 @@ static void makeCurrent(const QString &name)
     {
         AcDbObjectPointer<AcDbLayerTableRecord> layer(layerNamed(name), AcDb::kForRead);
         if (!layer || layer->isFrozen()) {
-            acutPrintf(layer ? QStringLiteral("\n图层“%1”已冻结，不能置为当前。").arg(name)
-                             : QStringLiteral("\n没有图层“%1”。").arg(name));
+            acutPrintf(layer ? Host::tr("\n图层“%1”已冻结，不能置为当前。").arg(name)
+                             : Host::tr("\n没有图层“%1”。").arg(name));
             return;
         }
         spelling = layer->getName();
@@ -89,12 +90,12 @@ static void changeLayers(const QString &names, const std::function<void(AcDbLaye
             change(*layer);
     }
     if (found == 0)
-        acutPrintf(QStringLiteral("\n没有与“%1”匹配的图层。").arg(names));
+        acutPrintf(Host::tr("\n没有与“%1”匹配的图层。").arg(names));
 }
 
 static void askLayers(const QString &action, const std::function<void(AcDbLayerTableRecord &)> &change)
 {
-    const auto names = askText(QStringLiteral("\n输入%1的图层名列表: ").arg(action));
+    const auto names = askText(Host::tr("\n输入%1的图层名列表: ").arg(action));
     if (names && !names->isEmpty())
         changeLayers(*names, change);
 }
@@ -103,7 +104,7 @@ static void askLayers(const QString &action, const std::function<void(AcDbLayerT
 static void askLayersOrCurrent(const QString &action,
                                const std::function<void(AcDbLayerTableRecord &)> &change)
 {
-    const auto names = askText(QStringLiteral("\n输入%1的图层名列表 <%2>: ").arg(action, currentLayer()));
+    const auto names = askText(Host::tr("\n输入%1的图层名列表 <%2>: ").arg(action, currentLayer()));
     if (names)
         changeLayers(names->isEmpty() ? currentLayer() : *names, change);
 }
@@ -112,23 +113,23 @@ static void askLayersOrCurrent(const QString &action,
 
 static void listLayers()
 {
-    const auto names = askText(QStringLiteral("\n输入要列出的图层名 <*>: "));
+    const auto names = askText(Host::tr("\n输入要列出的图层名 <*>: "));
     if (!names)
         return;
-    acutPrintf(QStringLiteral("\n当前图层: %1").arg(currentLayer()));
+    acutPrintf(Host::tr("\n当前图层: %1").arg(currentLayer()));
     const base::Wildcard pattern(names->isEmpty() ? QStringLiteral("*") : *names);
     for (const AcDbObjectId id : AcDbSymbolTable(*acdbCurDwg(), SymbolTable::layer).records()) {
         AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
         if (!layer || !pattern.matches(layer->getName()))
             continue;
-        QStringList state{layer->isOff() ? QStringLiteral("关") : QStringLiteral("开")};
+        QStringList state{layer->isOff() ? Host::tr("关") : Host::tr("开")};
         if (layer->isFrozen())
-            state << QStringLiteral("冻结");
+            state << Host::tr("冻结");
         if (layer->isLocked())
-            state << QStringLiteral("锁定");
+            state << Host::tr("锁定");
         if (!layer->isPlottable())
-            state << QStringLiteral("不打印");
-        acutPrintf(QStringLiteral("\n%1  %2  颜色 %3  线型 %4")
+            state << Host::tr("不打印");
+        acutPrintf(Host::tr("\n%1  %2  颜色 %3  线型 %4")
                        .arg(layer->getName(), state.join(u' '))
                        .arg(layer->colorIndex())
                        .arg(layer->linetype()));
@@ -137,44 +138,44 @@ static void listLayers()
 
 static void make()
 {
-    const auto name = askText(QStringLiteral("\n输入新图层的名称 (成为当前图层) <%1>: ").arg(currentLayer()));
+    const auto name = askText(Host::tr("\n输入新图层的名称 (成为当前图层) <%1>: ").arg(currentLayer()));
     if (name && !name->isEmpty() && createLayer(*name))
         makeCurrent(*name);
 }
 
 static void set()
 {
-    const auto name = askText(QStringLiteral("\n输入要置为当前的图层名 <%1>: ").arg(currentLayer()));
+    const auto name = askText(Host::tr("\n输入要置为当前的图层名 <%1>: ").arg(currentLayer()));
     if (name && !name->isEmpty())
         makeCurrent(*name);
 }
 
 static void create()
 {
-    const auto names = askText(QStringLiteral("\n输入新图层的名称列表: "));
+    const auto names = askText(Host::tr("\n输入新图层的名称列表: "));
     for (const QString &name : names.value_or(QString()).split(u',', Qt::SkipEmptyParts))
         createLayer(name.trimmed());
 }
 
 static void turnOn()
 {
-    askLayers(QStringLiteral("要打开"), [](AcDbLayerTableRecord &layer) { layer.setIsOff(false); });
+    askLayers(Host::tr("要打开"), [](AcDbLayerTableRecord &layer) { layer.setIsOff(false); });
 }
 
 static void turnOff()
 {
-    askLayers(QStringLiteral("要关闭"), [](AcDbLayerTableRecord &layer) {
+    askLayers(Host::tr("要关闭"), [](AcDbLayerTableRecord &layer) {
         if (!isCurrent(layer) ||
-            askYes(QStringLiteral("\n要关闭当前图层“%1”吗?").arg(layer.getName()), false).value_or(false))
+            askYes(Host::tr("\n要关闭当前图层“%1”吗?").arg(layer.getName()), false).value_or(false))
             layer.setIsOff(true);
     });
 }
 
 static void freeze()
 {
-    askLayers(QStringLiteral("要冻结"), [](AcDbLayerTableRecord &layer) {
+    askLayers(Host::tr("要冻结"), [](AcDbLayerTableRecord &layer) {
         if (isCurrent(layer))
-            acutPrintf(QStringLiteral("\n不能冻结当前图层“%1”。").arg(layer.getName()));
+            acutPrintf(Host::tr("\n不能冻结当前图层“%1”。").arg(layer.getName()));
         else
             layer.setIsFrozen(true);
     });
@@ -182,17 +183,17 @@ static void freeze()
 
 static void thaw()
 {
-    askLayers(QStringLiteral("要解冻"), [](AcDbLayerTableRecord &layer) { layer.setIsFrozen(false); });
+    askLayers(Host::tr("要解冻"), [](AcDbLayerTableRecord &layer) { layer.setIsFrozen(false); });
 }
 
 static void lock()
 {
-    askLayers(QStringLiteral("要锁定"), [](AcDbLayerTableRecord &layer) { layer.setIsLocked(true); });
+    askLayers(Host::tr("要锁定"), [](AcDbLayerTableRecord &layer) { layer.setIsLocked(true); });
 }
 
 static void unlock()
 {
-    askLayers(QStringLiteral("要解锁"), [](AcDbLayerTableRecord &layer) { layer.setIsLocked(false); });
+    askLayers(Host::tr("要解锁"), [](AcDbLayerTableRecord &layer) { layer.setIsLocked(false); });
 }
 
 /// A number from 1 to 255 or one of the seven names.
@@ -210,41 +211,41 @@ static std::optional<int> readColor(const QString &text)
 
 static void color()
 {
-    const auto text = askText(QStringLiteral("\n输入颜色名或颜色号 (1-255): "));
+    const auto text = askText(Host::tr("\n输入颜色名或颜色号 (1-255): "));
     const auto index = text ? readColor(*text) : std::nullopt;
     if (index)
-        askLayersOrCurrent(QStringLiteral("使用该颜色"),
+        askLayersOrCurrent(Host::tr("使用该颜色"),
                            [&](AcDbLayerTableRecord &layer) { layer.setColorIndex(*index); });
     else if (text)
-        acutPrintf(QStringLiteral("\n颜色“%1”无效。").arg(*text));
+        acutPrintf(Host::tr("\n颜色“%1”无效。").arg(*text));
 }
 
 static void linetype()
 {
-    const auto name = askText(QStringLiteral("\n输入已加载的线型名 <CONTINUOUS>: "));
+    const auto name = askText(Host::tr("\n输入已加载的线型名 <CONTINUOUS>: "));
     if (!name)
         return;
     const QString wanted = name->isEmpty() ? QStringLiteral("CONTINUOUS") : *name;
     const AcDbObjectPointer<AcDbSymbolTableRecord> known(
         acdbCurDwg()->tableRecord(SymbolTable::linetype, wanted), AcDb::kForRead);
     if (!known) {
-        acutPrintf(QStringLiteral("\n没有加载线型“%1”。").arg(wanted));
+        acutPrintf(Host::tr("\n没有加载线型“%1”。").arg(wanted));
         return;
     }
     const QString spelling = known->getName();
-    askLayersOrCurrent(QStringLiteral("使用该线型"),
+    askLayersOrCurrent(Host::tr("使用该线型"),
                        [&](AcDbLayerTableRecord &layer) { layer.setLinetype(spelling); });
 }
 
 static void plot()
 {
     const auto choice =
-        askKeyword(QStringLiteral("Plot No"), QStringLiteral("\n输入打印设置 [打印(P)/不打印(N)] <打印>: "),
+        askKeyword(QStringLiteral("Plot No"), Host::tr("\n输入打印设置 [打印(P)/不打印(N)] <打印>: "),
                    QStringLiteral("Plot"));
     if (!choice)
         return;
     const bool plottable = *choice == QLatin1String("Plot");
-    askLayersOrCurrent(QStringLiteral("使用该设置"),
+    askLayersOrCurrent(Host::tr("使用该设置"),
                        [&](AcDbLayerTableRecord &layer) { layer.setIsPlottable(plottable); });
 }
 
@@ -269,8 +270,8 @@ static void layer()
     while (!acedEditor()->isCancelled()) {
         const auto choice =
             askKeyword(keywords.join(u' '),
-                       QStringLiteral("\n输入选项 [?/新建并置为当前(M)/置为当前(S)/新建(N)/开(ON)/关(OFF)/"
-                                      "颜色(C)/线型(L)/打印(P)/冻结(F)/解冻(T)/锁定(LO)/解锁(U)]: "),
+                       Host::tr("\n输入选项 [?/新建并置为当前(M)/置为当前(S)/新建(N)/开(ON)/关(OFF)/"
+                                "颜色(C)/线型(L)/打印(P)/冻结(F)/解冻(T)/锁定(LO)/解锁(U)]: "),
                        QString());
         if (!choice || choice->isEmpty())
             return;

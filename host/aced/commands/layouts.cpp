@@ -6,6 +6,7 @@
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
+#include "host/base/host_text.h"
 
 #include <array>
 
@@ -23,13 +24,13 @@ static void listLayouts()
 static void setLayout(const QString &name)
 {
     if (acedSetVarText(QStringLiteral("CTAB"), name) != RTNORM)
-        acutPrintf(QStringLiteral("\n没有名为“%1”的布局。").arg(name));
+        acutPrintf(Host::tr("\n没有名为“%1”的布局。").arg(name));
 }
 
 static void layout()
 {
     const auto option =
-        askKeyword(QStringLiteral("Set ?"), QStringLiteral("\n输入布局选项 [置为当前(S)/?] <置为当前>: "),
+        askKeyword(QStringLiteral("Set ?"), Host::tr("\n输入布局选项 [置为当前(S)/?] <置为当前>: "),
                    QStringLiteral("Set"));
     if (!option)
         return;
@@ -38,7 +39,7 @@ static void layout()
         return;
     }
     const QString present = acedTextVar(QStringLiteral("CTAB"));
-    const auto name = askText(QStringLiteral("\n输入要置为当前的布局 <%1>: ").arg(present));
+    const auto name = askText(Host::tr("\n输入要置为当前的布局 <%1>: ").arg(present));
     if (name && !name->isEmpty())
         setLayout(*name);
 }
@@ -54,7 +55,7 @@ static bool isSheetShown()
 {
     const bool sheet = acedShownSpace(*curDoc()) != acdbCurDwg()->modelSpaceId();
     if (!sheet)
-        acutPrintf(QStringLiteral("\n** 命令不能在“模型”选项卡中使用 **"));
+        acutPrintf(Host::tr("\n** 命令不能在“模型”选项卡中使用 **"));
     return sheet;
 }
 
@@ -67,7 +68,7 @@ static void toModelSpace()
         if (acedEnterViewport(*curDoc(), number) == Acad::eOk)
             return;
     }
-    acutPrintf(QStringLiteral("\n布局中没有可以进入的视口。"));
+    acutPrintf(Host::tr("\n布局中没有可以进入的视口。"));
 }
 
 static void toPaperSpace()
@@ -91,11 +92,11 @@ static void restoreView(const QString &name)
 {
     const auto view = acapNamedView(*acdbCurDwg(), name);
     if (!view) {
-        acutPrintf(QStringLiteral("\n没有名为“%1”的视图。").arg(name));
+        acutPrintf(Host::tr("\n没有名为“%1”的视图。").arg(name));
         return;
     }
     if (view->paperSpace == acedIsModelSpaceCurrent(*curDoc())) {
-        acutPrintf(QStringLiteral("\n视图“%1”属于另一个空间。").arg(name));
+        acutPrintf(Host::tr("\n视图“%1”属于另一个空间。").arg(name));
         return;
     }
     AcApView &present = curDoc()->view();
@@ -107,16 +108,15 @@ static void restoreView(const QString &name)
 
 static void view()
 {
-    const auto option =
-        askKeyword(QStringLiteral("Restore ?"), QStringLiteral("\n输入选项 [恢复(R)/?] <恢复>: "),
-                   QStringLiteral("Restore"));
+    const auto option = askKeyword(QStringLiteral("Restore ?"), Host::tr("\n输入选项 [恢复(R)/?] <恢复>: "),
+                                   QStringLiteral("Restore"));
     if (!option)
         return;
     if (*option == QLatin1String("?")) {
         listViews();
         return;
     }
-    const auto name = askText(QStringLiteral("\n输入要恢复的视图名称: "));
+    const auto name = askText(Host::tr("\n输入要恢复的视图名称: "));
     if (name && !name->isEmpty())
         restoreView(*name);
 }

@@ -3,6 +3,7 @@
 #include "host/aced/commands/support.h"
 #include "host/aced/edmenu.h"
 #include "host/aced/edsysvar.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -12,23 +13,23 @@ namespace hostcommands
 
 static void loadMenu()
 {
-    const auto path = askText(QStringLiteral("\n输入要加载的菜单文件名: "));
+    const auto path = askText(Host::tr("\n输入要加载的菜单文件名: "));
     if (!path || path->isEmpty())
         return;
     const auto loaded = acedMenus().load(*path);
     if (!loaded)
-        acutPrintf(QStringLiteral("\n不能加载菜单: %1").arg(loaded.error()));
+        acutPrintf(Host::tr("\n不能加载菜单: %1").arg(loaded.error()));
     else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
-        acutPrintf(QStringLiteral("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
+        acutPrintf(Host::tr("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
 }
 
 static void unloadMenu()
 {
-    const auto name = askText(QStringLiteral("\n输入要卸载的菜单组名: "));
+    const auto name = askText(Host::tr("\n输入要卸载的菜单组名: "));
     if (!name || name->isEmpty())
         return;
-    acutPrintf(acedMenus().unload(*name) ? QStringLiteral("\n菜单组“%1”已卸载。").arg(*name)
-                                         : QStringLiteral("\n没有加载菜单组“%1”。").arg(*name));
+    acutPrintf(acedMenus().unload(*name) ? Host::tr("\n菜单组“%1”已卸载。").arg(*name)
+                                         : Host::tr("\n没有加载菜单组“%1”。").arg(*name));
 }
 
 /// The group itself, or the one that has a toolbar of that id or label ("TB1" or "GROUP.TB1").
@@ -50,18 +51,17 @@ static QString groupOfToolbar(const QString &name)
 
 static void toolbar()
 {
-    const auto name = askText(QStringLiteral("\n输入工具栏名或 [全部(ALL)]: "));
+    const auto name = askText(Host::tr("\n输入工具栏名或 [全部(ALL)]: "));
     if (!name || name->isEmpty())
         return;
     const bool all = name->compare(QLatin1String("ALL"), Qt::CaseInsensitive) == 0;
     const QString group = all ? QString() : groupOfToolbar(*name);
     if (!all && group.isEmpty()) {
-        acutPrintf(QStringLiteral("\n没有工具栏“%1”。").arg(*name));
+        acutPrintf(Host::tr("\n没有工具栏“%1”。").arg(*name));
         return;
     }
-    const auto option =
-        askKeyword(QStringLiteral("Show Hide"), QStringLiteral("\n输入选项 [显示(S)/隐藏(H)] <显示>: "),
-                   QStringLiteral("Show"));
+    const auto option = askKeyword(QStringLiteral("Show Hide"),
+                                   Host::tr("\n输入选项 [显示(S)/隐藏(H)] <显示>: "), QStringLiteral("Show"));
     if (!option)
         return;
     const bool show = *option == QLatin1String("Show");

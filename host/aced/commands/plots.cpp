@@ -10,6 +10,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 #include "host/base/format_number.h"
+#include "host/base/host_text.h"
 
 #include <QFileInfo>
 
@@ -42,7 +43,7 @@ static QString withEnding(const QString &path, const QString &ending)
 static void tellUndrawn(const AcGiPaintReport &report)
 {
     for (const auto &[kind, count] : report.undrawn)
-        acutPrintf(QStringLiteral("\n未能完整绘制: %1 (%2 个)").arg(kind).arg(count));
+        acutPrintf(Host::tr("\n未能完整绘制: %1 (%2 个)").arg(kind).arg(count));
 }
 
 // PLOT: the questions ----------------------------------------------------------------------------------
@@ -61,23 +62,23 @@ struct PlotAnswers {
 static bool askLayout(PlotAnswers &answers)
 {
     const QString present = acedCurrentLayoutName(*curDoc());
-    const auto name = askText(QStringLiteral("\n输入布局名 <%1>: ").arg(present));
+    const auto name = askText(Host::tr("\n输入布局名 <%1>: ").arg(present));
     if (!name)
         return false;
     const AcDbObjectId space = acedFindLayout(*acdbCurDwg(), name->isEmpty() ? present : *name);
     if (space.isNull())
-        return refuse(QStringLiteral("没有名为“%1”的布局。").arg(*name));
+        return refuse(Host::tr("没有名为“%1”的布局。").arg(*name));
     answers.plot = acedLayoutPlot(*acdbCurDwg(), space);
     return true;
 }
 
 static bool askDevice(PlotAnswers &)
 {
-    const auto device = askText(QStringLiteral("\n输入输出设备的名称 <PDF>: "));
+    const auto device = askText(Host::tr("\n输入输出设备的名称 <PDF>: "));
     if (!device)
         return false;
     const bool known = device->isEmpty() || device->compare(QLatin1String("PDF"), Qt::CaseInsensitive) == 0;
-    return known || refuse(QStringLiteral("没有设备“%1”；可用的设备: PDF。").arg(*device));
+    return known || refuse(Host::tr("没有设备“%1”；可用的设备: PDF。").arg(*device));
 }
 
 static QString sizeName(const AcEdPlot &plot)
@@ -119,7 +120,7 @@ static bool askPaper(PlotAnswers &answers)
 {
     while (!acedEditor()->isCancelled()) {
         const auto name = askText(
-            QStringLiteral("\n输入图纸尺寸 (名称，或毫米“宽x高”) 或 [?] <%1>: ").arg(sizeName(answers.plot)));
+            Host::tr("\n输入图纸尺寸 (名称，或毫米“宽x高”) 或 [?] <%1>: ").arg(sizeName(answers.plot)));
         if (!name)
             return false;
         if (name->isEmpty())
@@ -127,16 +128,16 @@ static bool askPaper(PlotAnswers &answers)
         if (*name == QLatin1String("?"))
             listPapers();
         else
-            return usePaper(answers.plot, *name) || refuse(QStringLiteral("没有图纸尺寸“%1”。").arg(*name));
+            return usePaper(answers.plot, *name) || refuse(Host::tr("没有图纸尺寸“%1”。").arg(*name));
     }
     return false;
 }
 
 static bool askUnits(PlotAnswers &answers)
 {
-    const auto unit = askKeyword(QStringLiteral("Inches Millimeters"),
-                                 QStringLiteral("\n输入图纸单位 [英寸(I)/毫米(M)] <毫米>: "),
-                                 QStringLiteral("Millimeters"));
+    const auto unit =
+        askKeyword(QStringLiteral("Inches Millimeters"),
+                   Host::tr("\n输入图纸单位 [英寸(I)/毫米(M)] <毫米>: "), QStringLiteral("Millimeters"));
     if (unit && *unit == QLatin1String("Inches"))
         answers.unit = 25.4;
     return unit.has_value();
@@ -147,8 +148,8 @@ static bool askOrientation(PlotAnswers &answers)
     AcEdPlot &plot = answers.plot;
     const bool landscape = plot.pageWidth > plot.pageHeight;
     const auto wanted = askKeyword(QStringLiteral("Portrait Landscape"),
-                                   QStringLiteral("\n输入图形方向 [纵向(P)/横向(L)] <%1>: ")
-                                       .arg(landscape ? QStringLiteral("横向") : QStringLiteral("纵向")),
+                                   Host::tr("\n输入图形方向 [纵向(P)/横向(L)] <%1>: ")
+                                       .arg(landscape ? Host::tr("横向") : Host::tr("纵向")),
                                    landscape ? QStringLiteral("Landscape") : QStringLiteral("Portrait"));
     if (!wanted)
         return false;
@@ -161,9 +162,9 @@ static bool askOrientation(PlotAnswers &answers)
 
 static bool askWindow(AcEdPlot &plot)
 {
-    const auto first = askPoint(nullptr, QStringLiteral("\n输入窗口的左下角点: "));
+    const auto first = askPoint(nullptr, Host::tr("\n输入窗口的左下角点: "));
     AcGePoint3d second;
-    if (!first || acedGetCorner(*first, QStringLiteral("\n输入窗口的右上角点: "), second) != RTNORM)
+    if (!first || acedGetCorner(*first, Host::tr("\n输入窗口的右上角点: "), second) != RTNORM)
         return false;
     plot.window = AcDbExtents();
     plot.window.addPoint(toWorld(*first));
@@ -173,11 +174,11 @@ static bool askWindow(AcEdPlot &plot)
 
 static bool askViewName(AcEdPlot &plot)
 {
-    const auto name = askText(QStringLiteral("\n输入视图名: "));
+    const auto name = askText(Host::tr("\n输入视图名: "));
     if (!name)
         return false;
     plot.viewName = *name;
-    return acapNamedView(*acdbCurDwg(), *name) || refuse(QStringLiteral("没有名为“%1”的视图。").arg(*name));
+    return acapNamedView(*acdbCurDwg(), *name) || refuse(Host::tr("没有名为“%1”的视图。").arg(*name));
 }
 
 namespace
@@ -190,9 +191,12 @@ struct AreaName {
 };
 
 constexpr std::array kAreaNames{
-    AreaName{AcEdPlotArea::display, "Display", "显示"}, AreaName{AcEdPlotArea::extents, "Extents", "范围"},
-    AreaName{AcEdPlotArea::layout, "Layout", "布局"},   AreaName{AcEdPlotArea::limits, "LImits", "图形界限"},
-    AreaName{AcEdPlotArea::view, "View", "视图"},       AreaName{AcEdPlotArea::window, "Window", "窗口"},
+    AreaName{AcEdPlotArea::display, "Display", QT_TRANSLATE_NOOP("Host", "显示")},
+    AreaName{AcEdPlotArea::extents, "Extents", QT_TRANSLATE_NOOP("Host", "范围")},
+    AreaName{AcEdPlotArea::layout, "Layout", QT_TRANSLATE_NOOP("Host", "布局")},
+    AreaName{AcEdPlotArea::limits, "LImits", QT_TRANSLATE_NOOP("Host", "图形界限")},
+    AreaName{AcEdPlotArea::view, "View", QT_TRANSLATE_NOOP("Host", "视图")},
+    AreaName{AcEdPlotArea::window, "Window", QT_TRANSLATE_NOOP("Host", "窗口")},
 };
 
 } // namespace
@@ -201,18 +205,18 @@ static bool askArea(PlotAnswers &answers)
 {
     AcEdPlot &plot = answers.plot;
     const auto present = std::ranges::find(kAreaNames, plot.area, &AreaName::area);
-    const auto keyword = askKeyword(
-        QStringLiteral("Display Extents Layout LImits View Window"),
-        QStringLiteral("\n输入打印区域 [显示(D)/范围(E)/布局(L)/图形界限(LI)/视图(V)/窗口(W)] <%1>: ")
-            .arg(QString::fromUtf8(present->shown)),
-        QLatin1String(present->keyword));
+    const auto keyword =
+        askKeyword(QStringLiteral("Display Extents Layout LImits View Window"),
+                   Host::tr("\n输入打印区域 [显示(D)/范围(E)/布局(L)/图形界限(LI)/视图(V)/窗口(W)] <%1>: ")
+                       .arg(Host::tr(present->shown)),
+                   QLatin1String(present->keyword));
     if (!keyword)
         return false;
     plot.area = std::ranges::find_if(kAreaNames, [&](const AreaName &each) {
                     return *keyword == QLatin1String(each.keyword);
                 })->area;
     if (plot.area == AcEdPlotArea::layout && plot.space == acdbCurDwg()->modelSpaceId())
-        return refuse(QStringLiteral("模型空间没有布局区域。"));
+        return refuse(Host::tr("模型空间没有布局区域。"));
     if (plot.area == AcEdPlotArea::window)
         return askWindow(plot);
     return plot.area != AcEdPlotArea::view || askViewName(plot);
@@ -232,10 +236,10 @@ static std::optional<double> readScale(QString text)
 static bool askScale(PlotAnswers &answers)
 {
     AcEdPlot &plot = answers.plot;
-    const QString present = plot.scale ? QStringLiteral("1=%1").arg(numberText(answers.unit / *plot.scale))
-                                       : QStringLiteral("布满");
+    const QString present =
+        plot.scale ? QStringLiteral("1=%1").arg(numberText(answers.unit / *plot.scale)) : Host::tr("布满");
     const auto text =
-        askText(QStringLiteral("\n输入打印比例 (打印单位=图形单位) 或 [布满(F)] <%1>: ").arg(present));
+        askText(Host::tr("\n输入打印比例 (打印单位=图形单位) 或 [布满(F)] <%1>: ").arg(present));
     if (!text)
         return false;
     if (text->isEmpty())
@@ -245,7 +249,7 @@ static bool askScale(PlotAnswers &answers)
         return true;
     const auto scale = readScale(*text);
     if (!scale)
-        return refuse(QStringLiteral("“%1”不是比例，例如 1=100。").arg(*text));
+        return refuse(Host::tr("“%1”不是比例，例如 1=100。").arg(*text));
     plot.scale = *scale * answers.unit;
     return true;
 }
@@ -254,10 +258,10 @@ static bool askOffset(PlotAnswers &answers)
 {
     AcEdPlot &plot = answers.plot;
     const QString present = plot.centred
-                                ? QStringLiteral("居中")
+                                ? Host::tr("居中")
                                 : QStringLiteral("%1,%2").arg(numberText(plot.offset.x / answers.unit),
                                                               numberText(plot.offset.y / answers.unit));
-    const auto text = askText(QStringLiteral("\n输入打印偏移 (x,y) 或 [居中(C)] <%1>: ").arg(present));
+    const auto text = askText(Host::tr("\n输入打印偏移 (x,y) 或 [居中(C)] <%1>: ").arg(present));
     if (!text)
         return false;
     if (text->isEmpty())
@@ -269,14 +273,14 @@ static bool askOffset(PlotAnswers &answers)
     const auto x = readNumber(parts.value(0));
     const auto y = readNumber(parts.value(1));
     if (parts.size() != 2 || !x || !y)
-        return refuse(QStringLiteral("“%1”不是偏移，例如 5,5。").arg(*text));
+        return refuse(Host::tr("“%1”不是偏移，例如 5,5。").arg(*text));
     plot.offset = {*x * answers.unit, *y * answers.unit};
     return true;
 }
 
 static bool askLineWeights(PlotAnswers &answers)
 {
-    const auto yes = askYes(QStringLiteral("\n是否打印线宽?"), answers.plot.lineWeights);
+    const auto yes = askYes(Host::tr("\n是否打印线宽?"), answers.plot.lineWeights);
     answers.plot.lineWeights = yes.value_or(true);
     return yes.has_value();
 }
@@ -284,7 +288,7 @@ static bool askLineWeights(PlotAnswers &answers)
 static bool askStyle(PlotAnswers &answers)
 {
     const auto name =
-        askText(QStringLiteral("\n输入打印样式表名称 (monochrome.ctb 或 . 表示彩色) <%1>: ")
+        askText(Host::tr("\n输入打印样式表名称 (monochrome.ctb 或 . 表示彩色) <%1>: ")
                     .arg(answers.plot.monochrome ? QStringLiteral("monochrome.ctb") : QStringLiteral(".")));
     if (!name)
         return false;
@@ -292,7 +296,7 @@ static bool askStyle(PlotAnswers &answers)
         return true;
     answers.plot.monochrome = name->startsWith(QLatin1String("monochrome"), Qt::CaseInsensitive);
     return answers.plot.monochrome || *name == QLatin1String(".") ||
-           refuse(QStringLiteral("没有打印样式表“%1”。").arg(*name));
+           refuse(Host::tr("没有打印样式表“%1”。").arg(*name));
 }
 
 /// The drawing's name with another ending.
@@ -307,18 +311,18 @@ static bool askPlotFile(PlotAnswers &answers)
 {
     const QString present = proposedFile(QStringLiteral(".pdf"));
     const auto file =
-        askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n输入文件名 <%1>: ").arg(present), present);
+        askFile(AcEdPromptKind::fileToSave, Host::tr("\n输入文件名 <%1>: ").arg(present), present);
     if (!file)
         return false;
     answers.file = file->path.isEmpty() ? present : withEnding(file->path, QStringLiteral(".pdf"));
     if (file->mayReplace || !QFileInfo::exists(answers.file) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
         return true;
-    return askYes(QStringLiteral("\n已有名为 %1 的文件。替换它吗?").arg(answers.file), false).value_or(false);
+    return askYes(Host::tr("\n已有名为 %1 的文件。替换它吗?").arg(answers.file), false).value_or(false);
 }
 
 static bool askProceed(PlotAnswers &)
 {
-    return askYes(QStringLiteral("\n是否继续打印?"), true).value_or(false);
+    return askYes(Host::tr("\n是否继续打印?"), true).value_or(false);
 }
 
 static void plot()
@@ -332,11 +336,11 @@ static void plot()
     }
     const auto report = acedPlot(*curDoc(), {answers.plot}, answers.file);
     if (!report) {
-        refuse(QStringLiteral("不能打印: %1").arg(report.error()));
+        refuse(Host::tr("不能打印: %1").arg(report.error()));
         return;
     }
     tellUndrawn(*report);
-    acutPrintf(QStringLiteral("\n已打印到 %1。").arg(answers.file));
+    acutPrintf(Host::tr("\n已打印到 %1。").arg(answers.file));
 }
 
 // PNGOUT -----------------------------------------------------------------------------------------------
@@ -363,24 +367,24 @@ static QRect rasterArea(const AcEdSelectionSet &entities, const QRect &raster)
 
 static void pngOut()
 {
-    const auto file = askFile(AcEdPromptKind::fileToSave, QStringLiteral("\n输入文件名: "),
-                              proposedFile(QStringLiteral(".png")));
+    const auto file =
+        askFile(AcEdPromptKind::fileToSave, Host::tr("\n输入文件名: "), proposedFile(QStringLiteral(".png")));
     if (!file || file->path.isEmpty())
         return;
-    acutPrintf(QStringLiteral("\n选择对象或 <全部对象和视口>: "));
+    acutPrintf(Host::tr("\n选择对象或 <全部对象和视口>: "));
     const AcEdSelectionSet selected = askSelection();
     AcGiPaintReport report;
     QImage image = acedViewImage(*curDoc(), acedScreenOptions(*curDoc()), &report);
     if (!selected.empty()) {
         const QRect area = rasterArea(selected, image.rect());
         if (area.isEmpty()) {
-            refuse(QStringLiteral("选定的对象不在视图中。"));
+            refuse(Host::tr("选定的对象不在视图中。"));
             return;
         }
         image = image.copy(area);
     }
     if (const auto written = acedWritePng(image, withEnding(file->path, QStringLiteral(".png"))); !written)
-        refuse(QStringLiteral("不能输出: %1").arg(written.error()));
+        refuse(Host::tr("不能输出: %1").arg(written.error()));
     tellUndrawn(report);
 }
 

@@ -6,6 +6,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/edprompt.h"
 #include "host/aced/edview.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <map>
@@ -89,9 +90,9 @@ std::optional<QString> askKeyword(const QString &keywords, const QString &prompt
 
 std::optional<bool> askYes(const QString &prompt, bool fallback)
 {
-    const QString choice = fallback ? QStringLiteral("是") : QStringLiteral("否");
+    const QString choice = fallback ? Host::tr("是") : Host::tr("否");
     const auto answer =
-        askKeyword(QStringLiteral("Yes No"), QStringLiteral("%1 [是(Yes)/否(No)] <%2>: ").arg(prompt, choice),
+        askKeyword(QStringLiteral("Yes No"), Host::tr("%1 [是(Yes)/否(No)] <%2>: ").arg(prompt, choice),
                    fallback ? QStringLiteral("Yes") : QStringLiteral("No"));
     if (!answer)
         return std::nullopt;
@@ -153,18 +154,34 @@ bool isOnLockedLayer(AcDbObjectId entity)
 void reportLocked(std::size_t count)
 {
     if (count > 0)
-        acutPrintf(QStringLiteral("\n%1 个对象不能改动（所在图层已锁定）。").arg(count));
+        acutPrintf(Host::tr("\n%1 个对象不能改动（所在图层已锁定）。").arg(count));
+}
+
+QString reasonText(Acad::ErrorStatus status)
+{
+    switch (status) {
+    case Acad::eOnLockedLayer:
+        return Host::tr("所在图层已锁定");
+    case Acad::eInvalidInput:
+    case Acad::eOutOfRange:
+    case Acad::eDegenerateGeometry:
+        return Host::tr("几何数据无效");
+    case Acad::eNotApplicable:
+        return Host::tr("不适用于这种对象");
+    default:
+        return acadErrorStatusText(status); // Nothing that a person can bring about.
+    }
 }
 
 bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const AcEdSelectionSet &)> &work)
 {
     constexpr std::size_t kPiece = 500;
     base::ProgressTeller progress(acDocManager()->progress(),
-                                  QStringLiteral("正在处理 %1 个对象").arg(entities.size()));
+                                  Host::tr("正在处理 %1 个对象").arg(entities.size()));
     for (std::size_t done = 0; done < entities.size(); done += kPiece) {
         if (done > 0 && !progress.goesOn(double(done) / double(entities.size()))) {
             acdbCurDwg()->undo().takeBack();
-            acutPrintf(QStringLiteral("\n已停止，图形没有改动。"));
+            acutPrintf(Host::tr("\n已停止，图形没有改动。"));
             return false;
         }
         const auto begin = entities.begin() + std::ptrdiff_t(done);

@@ -56,6 +56,8 @@ std::size_t transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matr
 /// Transforms very many and says how many cannot be changed.
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
 void reportLocked(std::size_t count);
+/// Why an entity was refused, for messages.
+QString reasonText(Acad::ErrorStatus status);
 
 /// A number for messages: "12.5".
 QString numberText(double number);

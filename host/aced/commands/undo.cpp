@@ -2,6 +2,7 @@
 #include "host/acdb/dbundo.h"
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,7 @@ static AcDbUndo &undoLog()
 static bool refuseInGroup()
 {
     if (undoLog().isOpen())
-        acutPrintf(QStringLiteral("\n正在编组，请先结束编组 (UNDO End)。"));
+        acutPrintf(Host::tr("\n正在编组，请先结束编组 (UNDO End)。"));
     return undoLog().isOpen();
 }
 
@@ -29,7 +30,7 @@ static void undoSteps(int count)
     for (int i = 0; i < count; ++i) {
         const QStringList labels = undoLog().undoLabels();
         if (!undoLog().undo()) {
-            acutPrintf(QStringLiteral("\n所有操作都已放弃。"));
+            acutPrintf(Host::tr("\n所有操作都已放弃。"));
             break;
         }
         acutPrintf((i == 0 ? QStringLiteral("\n") : QString()) + labels.value(0) + u' ');
@@ -52,7 +53,7 @@ static void redo()
     if (undoLog().redo())
         acutPrintf(u'\n' + labels.value(0));
     else
-        acutPrintf(QStringLiteral("\n没有可重做的操作。"));
+        acutPrintf(Host::tr("\n没有可重做的操作。"));
 }
 
 static void beginGroup()
@@ -68,7 +69,7 @@ static void endGroup()
     if (std::exchange(DocumentMemory::of(curDoc()).groupOpen, false))
         undoLog().endGroup();
     else
-        acutPrintf(QStringLiteral("\n没有打开的编组。"));
+        acutPrintf(Host::tr("\n没有打开的编组。"));
 }
 
 static void mark()
@@ -84,7 +85,7 @@ static void backToMark()
     if (!marks.empty()) {
         target = marks.back();
         marks.pop_back();
-    } else if (!askYes(QStringLiteral("\n没有标记，这将放弃所有操作。确定吗?"), true).value_or(false)) {
+    } else if (!askYes(Host::tr("\n没有标记，这将放弃所有操作。确定吗?"), true).value_or(false)) {
         return;
     }
     const std::size_t position = undoLog().position();
@@ -95,8 +96,8 @@ static void undo()
 {
     acedInitGet(RSG_NOZERO | RSG_NONEG, QStringLiteral("BEgin End Mark Back"));
     int count = 1;
-    const int result = acedGetInt(
-        QStringLiteral("\n输入要放弃的操作数目或 [开始(BE)/结束(E)/标记(M)/后退(B)] <1>: "), count);
+    const int result =
+        acedGetInt(Host::tr("\n输入要放弃的操作数目或 [开始(BE)/结束(E)/标记(M)/后退(B)] <1>: "), count);
     if (result == RTNORM || result == RTNONE) {
         undoSteps(result == RTNORM ? count : 1);
         return;

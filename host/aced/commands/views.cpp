@@ -4,6 +4,7 @@
 #include "host/aced/edview.h"
 #include "host/acgi/gidisplay.h"
 #include "host/base/format_number.h"
+#include "host/base/host_text.h"
 
 #include <algorithm>
 #include <array>
@@ -26,7 +27,7 @@ static AcApView &viewToChange()
 static void zoomTo(const AcDbExtents &extents)
 {
     if (!extents.isValid()) {
-        acutPrintf(QStringLiteral("\n没有可显示的对象。"));
+        acutPrintf(Host::tr("\n没有可显示的对象。"));
         return;
     }
     viewToChange();
@@ -65,7 +66,7 @@ static void zoomCorners(const AcGePoint3d &first, const AcGePoint3d &second)
     const AcGePoint3d corner1 = toWorld(first);
     const AcGePoint3d corner2 = toWorld(second);
     if (corner1.isEqualTo(corner2)) {
-        acutPrintf(QStringLiteral("\n窗口太小。"));
+        acutPrintf(Host::tr("\n窗口太小。"));
         return;
     }
     viewToChange();
@@ -74,9 +75,9 @@ static void zoomCorners(const AcGePoint3d &first, const AcGePoint3d &second)
 
 static void zoomWindow()
 {
-    const auto first = askPoint(nullptr, QStringLiteral("\n指定第一个角点: "));
+    const auto first = askPoint(nullptr, Host::tr("\n指定第一个角点: "));
     AcGePoint3d second;
-    if (first && acedGetCorner(*first, QStringLiteral("\n指定对角点: "), second) == RTNORM)
+    if (first && acedGetCorner(*first, Host::tr("\n指定对角点: "), second) == RTNORM)
         zoomCorners(*first, second);
 }
 
@@ -113,7 +114,7 @@ static void zoomScale(const QString &text)
 {
     const auto scale = readScale(text);
     if (!scale) {
-        acutPrintf(QStringLiteral("\n需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。"));
+        acutPrintf(Host::tr("\n需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。"));
         return;
     }
     double height = viewToChange().height;
@@ -131,23 +132,22 @@ static void zoomScale(const QString &text)
 
 static void zoomScaleAsked()
 {
-    if (const auto text = askText(QStringLiteral("\n输入比例因子 (nX): ")))
+    if (const auto text = askText(Host::tr("\n输入比例因子 (nX): ")))
         zoomScale(*text);
 }
 
 static void zoomCentre()
 {
     AcGePoint3d centre = acedTrans(curDoc()->view().centre, AcEdSpace::world, AcEdSpace::ucs);
-    const int result = acedGetPoint(nullptr, QStringLiteral("\n指定中心点: "), centre);
+    const int result = acedGetPoint(nullptr, Host::tr("\n指定中心点: "), centre);
     if (result != RTNORM && result != RTNONE)
         return;
-    const auto text =
-        askText(QStringLiteral("\n输入比例或高度 <%1>: ").arg(numberText(curDoc()->view().height)));
+    const auto text = askText(Host::tr("\n输入比例或高度 <%1>: ").arg(numberText(curDoc()->view().height)));
     // Enter keeps the height.
     const auto scale =
         text && text->isEmpty() ? std::optional(ZoomScale{1.0, true}) : readScale(text.value_or(QString()));
     if (!scale) {
-        acutPrintf(QStringLiteral("\n需要高度，或比例因子 (如 2x)。"));
+        acutPrintf(Host::tr("\n需要高度，或比例因子 (如 2x)。"));
         return;
     }
     AcApView &view = viewToChange();
@@ -159,7 +159,7 @@ static void zoomPrevious()
 {
     std::vector<AcApView> &earlier = DocumentMemory::of(curDoc()).earlierViews;
     if (earlier.empty()) {
-        acutPrintf(QStringLiteral("\n没有保存上一个视图。"));
+        acutPrintf(Host::tr("\n没有保存上一个视图。"));
         return;
     }
     AcApView &view = curDoc()->view();
@@ -175,12 +175,12 @@ static void zoom()
     acedInitGet(RSG_OTHER, QStringLiteral("All Center Extents Previous Scale Window"));
     AcGePoint3d corner;
     const int result = acedGetPoint(nullptr,
-                                    QStringLiteral("\n指定窗口的角点，输入比例因子 (nX)，或 "
-                                                   "[全部(A)/中心(C)/范围(E)/上一个(P)/比例(S)/窗口(W)]: "),
+                                    Host::tr("\n指定窗口的角点，输入比例因子 (nX)，或 "
+                                             "[全部(A)/中心(C)/范围(E)/上一个(P)/比例(S)/窗口(W)]: "),
                                     corner);
     if (result == RTNORM) {
         AcGePoint3d opposite;
-        if (acedGetCorner(corner, QStringLiteral("\n指定对角点: "), opposite) == RTNORM)
+        if (acedGetCorner(corner, Host::tr("\n指定对角点: "), opposite) == RTNORM)
             zoomCorners(corner, opposite);
         return;
     }
@@ -203,11 +203,11 @@ static void zoom()
 
 static void pan()
 {
-    const auto base = askPoint(nullptr, QStringLiteral("\n指定基点或位移: "));
+    const auto base = askPoint(nullptr, Host::tr("\n指定基点或位移: "));
     if (!base)
         return;
     AcGePoint3d target;
-    const int result = acedGetPoint(&*base, QStringLiteral("\n指定第二个点: "), target);
+    const int result = acedGetPoint(&*base, Host::tr("\n指定第二个点: "), target);
     if (result != RTNORM && result != RTNONE)
         return;
     const AcGeVector3d movement =
@@ -218,14 +218,14 @@ static void pan()
 
 static void regenerate()
 {
-    acutPrintf(QStringLiteral("\n正在重生成图形。"));
+    acutPrintf(Host::tr("\n正在重生成图形。"));
     acgiDisplay(*acdbCurDwg()).regenerate(true);
 }
 
 static void twistView()
 {
     double angle = 0.0;
-    const int result = acedGetAngle(nullptr, QStringLiteral("\n指定视图扭曲角度 <0>: "), angle);
+    const int result = acedGetAngle(nullptr, Host::tr("\n指定视图扭曲角度 <0>: "), angle);
     if (result == RTNORM || result == RTNONE)
         viewToChange().twist = result == RTNORM ? angle : 0.0;
 }
@@ -237,7 +237,7 @@ static void dynamicView()
     while (!acedEditor()->isCancelled()) {
         const auto option =
             askKeyword(QStringLiteral("TWist Zoom PAn Undo eXit"),
-                       QStringLiteral("\n输入选项 [扭曲(TW)/缩放(Z)/平移(PA)/放弃(U)/退出(X)] <退出>: "),
+                       Host::tr("\n输入选项 [扭曲(TW)/缩放(Z)/平移(PA)/放弃(U)/退出(X)] <退出>: "),
                        QStringLiteral("eXit"));
         if (!option || *option == QLatin1String("eXit"))
             return;

@@ -1,5 +1,7 @@
 #include "host/formats/dxf/dxfblocks.h"
 
+#include "host/base/host_text.h"
+
 #include <utility>
 
 namespace dxf
@@ -111,9 +113,9 @@ void BlockCollector::noteUnknownOwner(std::uint64_t owner, bool paperSpace, std:
 {
     if (std::exchange(m_lastUnknownOwner, owner) == owner)
         return;
-    m_log.add(offset, QStringLiteral("the owner %1 is no layout; its entities were put into %2 space")
+    m_log.add(offset, Host::tr("the owner %1 is no layout; its entities were put into %2 space")
                           .arg(QString::number(owner, 16).toUpper(),
-                               paperSpace ? QStringLiteral("paper") : QStringLiteral("model")));
+                               paperSpace ? Host::tr("paper") : Host::tr("model")));
 }
 
 AcDbStub *BlockCollector::makeRecord(const QByteArray &name)
@@ -144,7 +146,7 @@ void BlockCollector::settle(Block &block, bool recordsExpected)
     if (!record || m_claimed.contains(record)) {
         if (recordsExpected)
             m_log.add(block.offset,
-                      QStringLiteral("the block %1 has no block record of its own, one was made")
+                      Host::tr("the block %1 has no block record of its own, one was made")
                           .arg(m_source.text({block.name.data(), std::size_t(block.name.size())})));
         record = makeRecord(block.name);
     }

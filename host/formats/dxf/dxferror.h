@@ -1,6 +1,8 @@
 // Why a DXF drawing could not be read or written.
 #pragma once
 
+#include "host/base/host_text.h"
+
 #include <QString>
 
 struct DxfError {
@@ -12,7 +14,7 @@ struct DxfError {
     /// "plan.dxf, line 12: there is no section".
     QString text() const
     {
-        const QString place = line < 0 ? file : QStringLiteral("%1, line %2").arg(file).arg(line);
+        const QString place = line < 0 ? file : Host::tr("%1, line %2").arg(file).arg(line);
         return place.isEmpty() ? reason : place + QStringLiteral(": ") + reason;
     }
 };

@@ -1,5 +1,6 @@
 #include "host/formats/dxf/dxfmapper.h"
 
+#include "host/base/host_text.h"
 #include "host/formats/dxf/dxftables.h"
 
 #include <algorithm>
@@ -60,17 +61,17 @@ bool Mapper<Scanner>::recover(Step step)
     if (step == Step::damaged) {
         m_scanner.resynchronise();
         const bool found = m_scanner.position() != m_scanner.end();
-        m_log.add(at, found
-                          ? QStringLiteral("a group code is missing here, reading went on at %1 %2")
-                                .arg(m_source.format() == DrawingFormat::dxfBinary ? QStringLiteral("byte")
-                                                                                   : QStringLiteral("line"))
-                                .arg(m_log.place(offset(m_scanner.position())))
-                          : QStringLiteral("a group code is missing here, nothing behind it could be read"));
+        const QString text = !found
+                                 ? Host::tr("a group code is missing here, nothing behind it could be read")
+                             : m_source.format() == DrawingFormat::dxfBinary
+                                 ? Host::tr("a group code is missing here, reading went on at byte %1")
+                                 : Host::tr("a group code is missing here, reading went on at line %1");
+        m_log.add(at, found ? text.arg(m_log.place(offset(m_scanner.position()))) : text);
         if (found)
             return true;
     }
     if (step == Step::cut)
-        m_log.add(at, QStringLiteral("the file ends inside a group"));
+        m_log.add(at, Host::tr("the file ends inside a group"));
     m_contentEnd = at;
     m_done = true;
     return false;
@@ -79,7 +80,7 @@ bool Mapper<Scanner>::recover(Step step)
 template <class Scanner>
 bool Mapper<Scanner>::skipGarbageObject()
 {
-    m_log.add(here(), QStringLiteral("\"%1\" is no kind of object").arg(quoted(m_group.value)));
+    m_log.add(here(), Host::tr("\"%1\" is no kind of object").arg(quoted(m_group.value)));
     m_scanner.resynchronise();
     if (m_scanner.position() != m_scanner.end())
         return true;
@@ -199,8 +200,7 @@ AcDbStub *Mapper<Scanner>::addObject(Kind kind, const Head &head, std::uint64_t 
 template <class Scanner>
 void Mapper<Scanner>::skipStray(const QString &where)
 {
-    m_log.add(here(),
-              QStringLiteral("%1 stands %2, it is kept but not used").arg(quoted(m_group.value), where));
+    m_log.add(here(), Host::tr("%1 stands %2, it is kept but not used").arg(quoted(m_group.value), where));
     toNextObject();
 }
 
@@ -228,14 +228,14 @@ void Mapper<Scanner>::readSections()
     while (!m_done) {
         if (m_group.code != 0) {
             if (m_group.code != 999)
-                m_log.add(here(), QStringLiteral("a group stands outside of any object"));
+                m_log.add(here(), Host::tr("a group stands outside of any object"));
             advance();
         } else if (m_kind.role == Role::section) {
             readSection();
         } else if (m_kind.role == Role::eof) {
             break;
         } else {
-            skipStray(QStringLiteral("outside of any section"));
+            skipStray(Host::tr("outside of any section"));
         }
     }
 }
@@ -251,8 +251,8 @@ void Mapper<Scanner>::readKept()
         const Place part{layout.sections.back().end, layout.hasEof ? layout.eof : m_source.bytes().size()};
         m_source.setKept(findKept(m_source.bytes(), part, m_source.lineEnd(), m_source.style().lineEnd));
         if (m_source.kept().damage)
-            m_log.add(*m_source.kept().damage, QStringLiteral("the objects kept in comments are damaged, "
-                                                              "what could be read of them is used"));
+            m_log.add(*m_source.kept().damage, Host::tr("the objects kept in comments are damaged, "
+                                                        "what could be read of them is used"));
         if (m_source.kept().text.isEmpty())
             return;
         m_scanner = TextScanner(m_source.keptText(), m_source.lineEnd());
@@ -271,7 +271,7 @@ void Mapper<Scanner>::closeAtEof()
     layout.eof = here();
     layout.hasEof = !m_done;
     if (m_done)
-        m_log.add(here(), QStringLiteral("the file ends without EOF"));
+        m_log.add(here(), Host::tr("the file ends without EOF"));
 }
 
 template <class Scanner>
@@ -292,7 +292,7 @@ void Mapper<Scanner>::readSection()
     if (named)
         section.name = toByteArray(trimmed(m_group.value));
     else
-        m_log.add(section.begin, QStringLiteral("a section has no name"));
+        m_log.add(section.begin, Host::tr("a section has no name"));
     const auto *const known = std::ranges::find_if(kReaders, [&](const auto &row) {
         return row.name == std::string_view(section.name.data(), std::size_t(section.name.size()));
     });
@@ -312,7 +312,7 @@ void Mapper<Scanner>::readSection()
     if (section.closed)
         toNextObject();
     else
-        m_log.add(section.end, QStringLiteral("the section %1 has no end")
+        m_log.add(section.end, Host::tr("the section %1 has no end")
                                    .arg(quoted({section.name.data(), std::size_t(section.name.size())})));
     m_source.editLayout().sections.push_back(std::move(section));
 }
@@ -385,7 +385,7 @@ void Mapper<Scanner>::readClasses()
 {
     while (!atSectionEnd()) {
         if (m_kind.role != Role::classRecord) {
-            skipStray(QStringLiteral("among the classes"));
+            skipStray(Host::tr("among the classes"));
             continue;
         }
         Place place{here(), 0};
@@ -404,7 +404,7 @@ void Mapper<Scanner>::readTables()
         if (m_kind.role == Role::table)
             readTable();
         else
-            skipStray(QStringLiteral("outside of any table"));
+            skipStray(Host::tr("outside of any table"));
     }
 }
 
@@ -430,7 +430,7 @@ void Mapper<Scanner>::readTable()
     if (table.closed)
         toNextObject();
     else
-        m_log.add(table.end, QStringLiteral("the table %1 has no end").arg(quoted(head.name)));
+        m_log.add(table.end, Host::tr("the table %1 has no end").arg(quoted(head.name)));
     m_source.editLayout().tables.push_back(std::move(table));
 }
 
@@ -440,8 +440,8 @@ void Mapper<Scanner>::addTableRecord(const Table &table)
     const std::uint64_t begin = here();
     const Kind kind = m_kind;
     if (table.kind && acdbKindName(kind.number) != table.name) {
-        skipStray(QStringLiteral("in the table %1")
-                      .arg(quoted({table.name.data(), std::size_t(table.name.size())})));
+        skipStray(
+            Host::tr("in the table %1").arg(quoted({table.name.data(), std::size_t(table.name.size())})));
         return;
     }
     const bool isBlock = table.kind == SymbolTable::block;
@@ -462,7 +462,7 @@ void Mapper<Scanner>::readBlocks()
         if (m_kind.role == Role::block)
             readBlock();
         else
-            skipStray(QStringLiteral("outside of any block"));
+            skipStray(Host::tr("outside of any block"));
     }
 }
 
@@ -484,7 +484,7 @@ void Mapper<Scanner>::readBlock()
         m_blocks.endBlock(addObject(endKind, endHead, endBegin, AcDbStub::kEntity));
         return;
     }
-    m_log.add(here(), QStringLiteral("the block %1 has no end").arg(quoted(head.name)));
+    m_log.add(here(), Host::tr("the block %1 has no end").arg(quoted(head.name)));
     m_source.editLayout().unendedBlocks.push_back({stub, here()});
 }
 
@@ -512,7 +512,7 @@ void Mapper<Scanner>::addEntity(BlockCollector::Place place)
         return;
     }
     if (isSub)
-        m_log.add(place.offset, QStringLiteral("a part of a polyline or insert stands alone"));
+        m_log.add(place.offset, Host::tr("a part of a polyline or insert stands alone"));
     m_mainEntity = kind.role == Role::mainEntity ? stub : nullptr;
     m_blocks.addEntity(stub, head.owner, head.paperSpace, place);
 }

@@ -1,5 +1,6 @@
 #include "host/formats/dxf/dxfreader.h"
 
+#include "host/base/host_text.h"
 #include "host/formats/dxf/dxfidentity.h"
 #include "host/formats/dxf/dxfmapper.h"
 
@@ -41,7 +42,7 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
 {
     constexpr std::size_t kUsualObjectSize = 220;
     if (bytes.size() == 0)
-        return base::Failure{DxfError{name, -1, QStringLiteral("the file is empty")}};
+        return base::Failure{DxfError{name, -1, Host::tr("the file is empty")}};
     auto database = std::make_unique<AcDbDatabase>();
     auto owned = std::make_unique<DxfSource>(std::move(bytes));
     DxfSource &source = *owned;
@@ -50,10 +51,10 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
     RepairLog log(source);
     const MapResult result = map(loader, source, log, progress);
     if (result == MapResult::stopped)
-        return base::Failure{DxfError{name, -1, QStringLiteral("opening was stopped")}};
+        return base::Failure{DxfError{name, -1, Host::tr("opening was stopped")}};
     if (result == MapResult::noSection)
         return base::Failure{DxfError{name, log.place(source.contentBegin()),
-                                      QStringLiteral("this is no DXF drawing, it has no section")}};
+                                      Host::tr("this is no DXF drawing, it has no section")}};
     for (const QString &sentence : log.sentences())
         loader.addRepair(sentence);
     const qsizetype repairsBefore = database->repairs().size();

@@ -1,5 +1,7 @@
 #include "host/formats/dxf/dxfrepair.h"
 
+#include "host/base/host_text.h"
+
 #include <algorithm>
 
 namespace dxf
@@ -27,16 +29,16 @@ void RepairLog::add(std::uint64_t offset, const QString &what)
         ++m_more;
         return;
     }
-    const QString unit =
-        m_source.format() == DrawingFormat::dxfBinary ? QStringLiteral("Byte") : QStringLiteral("Line");
-    m_sentences.append(QStringLiteral("%1 %2: %3.").arg(unit).arg(place(offset)).arg(what));
+    const bool isBinary = m_source.format() == DrawingFormat::dxfBinary;
+    m_sentences.append(
+        (isBinary ? Host::tr("Byte %1: %2.") : Host::tr("Line %1: %2.")).arg(place(offset)).arg(what));
 }
 
 QStringList RepairLog::sentences() const
 {
     QStringList all = m_sentences;
     if (m_more > 0)
-        all.append(QStringLiteral("%1 more repairs are not listed.").arg(m_more));
+        all.append(Host::tr("%1 more repairs are not listed.").arg(m_more));
     return all;
 }
 

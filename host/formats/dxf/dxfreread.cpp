@@ -1,6 +1,7 @@
 #include "host/formats/dxf/dxfreread.h"
 
 #include "host/base/file_error.h"
+#include "host/base/host_text.h"
 #include "host/formats/dxf/dxftables.h"
 
 #include <QFile>
@@ -120,11 +121,11 @@ base::Result<std::size_t, QString> RereadCheck::feed(Scanner scanner, std::strin
                 continue;
         } else if (step == Step::end || step == Step::cut || (!last && done != bytes.data())) {
             if (step == Step::cut && last && !m_tolerant)
-                return base::Failure{QStringLiteral("it ends inside a group")};
+                return base::Failure{Host::tr("it ends inside a group")};
             break; // What looks damaged may only be cut off by the buffer; the next look tells.
         }
         if (!m_tolerant)
-            return base::Failure{QStringLiteral("it holds something that is no group and no object")};
+            return base::Failure{Host::tr("it holds something that is no group and no object")};
         scanner.resynchronise(); // As the reader does.
         done = scanner.position();
         if (done != end)
@@ -148,13 +149,13 @@ base::Result<std::size_t, QString> RereadCheck::feed(std::string_view bytes, boo
 base::Result<void, QString> RereadCheck::verdict() const
 {
     if (!m_tolerant && !m_ended)
-        return base::Failure{QStringLiteral("its end is missing")};
+        return base::Failure{Host::tr("its end is missing")};
     if (m_next < m_fromSource.size())
-        return base::Failure{QStringLiteral("%1 is missing").arg(name(m_fromSource[m_next]))};
+        return base::Failure{Host::tr("%1 is missing").arg(name(m_fromSource[m_next]))};
     const auto unseen = std::ranges::find(m_addedSeen, false);
     if (unseen != m_addedSeen.end())
         return base::Failure{
-            QStringLiteral("%1 is missing").arg(name(m_added[std::size_t(unseen - m_addedSeen.begin())]))};
+            Host::tr("%1 is missing").arg(name(m_added[std::size_t(unseen - m_addedSeen.begin())]))};
     return {};
 }
 
@@ -183,7 +184,7 @@ base::Result<void, QString> RereadCheck::read(const QString &path, const base::P
         if (held == buffer.size())
             buffer.resize(buffer.size() * 2);
         if (!base::report(progress, double(file.pos()) / size))
-            return base::Failure{QStringLiteral("it was stopped")};
+            return base::Failure{Host::tr("it was stopped")};
     }
     endObject();
     return verdict();

@@ -2,6 +2,7 @@
 
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/atomic_file.h"
+#include "host/base/host_text.h"
 #include "host/formats/dxf/dxfreread.h"
 
 static const DxfSource *sourceOf(const AcDbDatabase &database)
@@ -11,7 +12,7 @@ static const DxfSource *sourceOf(const AcDbDatabase &database)
 
 static DxfError notFromDxf(const QString &path)
 {
-    return {path, -1, QStringLiteral("the drawing did not come from a DXF file")};
+    return {path, -1, Host::tr("the drawing did not come from a DXF file")};
 }
 
 /// Calls `write(std::string_view)` for the pieces of the saved file, in order.
@@ -49,7 +50,7 @@ static DxfError failed(const base::FileError &error)
 
 static DxfError stopped(const QString &path)
 {
-    return {path, -1, QStringLiteral("saving was stopped")};
+    return {path, -1, Host::tr("saving was stopped")};
 }
 
 /// False when it was stopped. Failures stay with the file.
@@ -153,8 +154,8 @@ base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &pat
         return base::Failure{stopped(path)};
     if (!reread)
         return base::Failure{DxfError{path, -1,
-                                      QStringLiteral("what was written cannot be read again (%1); the file "
-                                                     "stays as it was")
+                                      Host::tr("what was written cannot be read again (%1); the file "
+                                               "stays as it was")
                                           .arg(reread.error())}};
     if (const auto done = file->commit(); !done)
         return base::Failure{failed(done.error())};

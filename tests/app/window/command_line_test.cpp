@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QTranslator>
 
 #include <algorithm>
 
@@ -111,6 +112,52 @@ TEST_F(CommandLineTest, KeywordsAreLinksThatAnswer)
         [&] { session.front.giveText(QStringLiteral("2x")); },
     });
     EXPECT_DOUBLE_EQ(drawing.document().view().height, 5.0);
+}
+
+namespace
+{
+
+/// A language of the window, spoken while this lives.
+struct Language {
+    explicit Language(const QString &name)
+    {
+        const QString folder =
+            QCoreApplication::applicationDirPath() + QStringLiteral("/../share/translations");
+        EXPECT_TRUE(translator.load(name, folder) && QCoreApplication::installTranslator(&translator));
+    }
+    ~Language() { QCoreApplication::removeTranslator(&translator); }
+
+    QTranslator translator;
+};
+
+} // namespace
+
+TEST_F(CommandLineTest, EnglishPromptsTakeTheSameKeywords)
+{
+    const Language english(QStringLiteral("quillnote_en"));
+    session.play({
+        [&] { session.front.giveText(QStringLiteral("LINE")); },
+        [&] {
+            EXPECT_EQ(session.prompt(), u"Specify first point:");
+            session.front.giveText(QStringLiteral("0,0"));
+        },
+        [&] { session.front.giveText(QStringLiteral("10,0")); },
+        [&] { session.front.giveText(QStringLiteral("10,10")); },
+        [&] {
+            EXPECT_TRUE(panel.prompt().text().contains(u"[<a href=\"Close\""))
+                << qPrintable(panel.prompt().text());
+            Q_EMIT panel.prompt().linkActivated(QStringLiteral("Close"));
+        },
+    });
+    EXPECT_EQ(tests::currentEntities().size(), 3u);
+}
+
+TEST_F(CommandLineTest, ReasonsAreInTheLanguageOfTheWindow)
+{
+    const QString missing = QStringLiteral("missing/drawing.dxf");
+    EXPECT_TRUE(acDocManager()->openDocument(missing).error().endsWith(u": not found"));
+    const Language chinese(QStringLiteral("quillnote_zh_CN"));
+    EXPECT_TRUE(acDocManager()->openDocument(missing).error().endsWith(u": 找不到"));
 }
 
 TEST(Prompt, ShowsItsOptionsAsLinks)

@@ -74,7 +74,7 @@ TEST(FileBytes, SaysWhyItCannotRead)
     const auto missing = readFileBytes(folder.path(QStringLiteral("missing.dwg")));
     ASSERT_FALSE(missing);
     EXPECT_EQ(missing.error().code, FileError::Code::notFound);
-    EXPECT_TRUE(missing.error().text().endsWith(QStringLiteral("missing.dwg: No such file or directory")));
+    EXPECT_TRUE(missing.error().text().endsWith(QStringLiteral("missing.dwg: not found")));
     const auto directory = readFileBytes(folder.path());
     ASSERT_FALSE(directory);
     EXPECT_EQ(directory.error().code, FileError::Code::notAFile);

@@ -1,0 +1,347 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN" sourcelanguage="en">
+<context>
+    <name>Host</name>
+    <message>
+        <source>%1: DWG drawings of version %2 cannot be read</source>
+        <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
+    </message>
+    <message>
+        <source>%1: a DXF drawing cannot be saved as DWG</source>
+        <translation>%1: DXF 图形不能保存为 DWG</translation>
+    </message>
+    <message>
+        <source>%1: another drawing is being opened or saved</source>
+        <translation>%1: 正在打开或保存另一张图形</translation>
+    </message>
+    <message>
+        <source>%1: the drawing is open already</source>
+        <translation>%1: 图形已经打开</translation>
+    </message>
+    <message>
+        <source>%1: the file is open as another document</source>
+        <translation>%1: 该文件已作为另一张图形打开</translation>
+    </message>
+    <message>
+        <source>%1: %2 has it open for editing</source>
+        <translation>%1: 正由 %2 编辑</translation>
+    </message>
+    <message>
+        <source>%1: somebody changed the file since it was opened, it is not overwritten</source>
+        <translation>%1: 打开之后文件已被他人修改，没有覆盖</translation>
+    </message>
+    <message>
+        <source>%1: the drawing has no file name yet</source>
+        <translation>%1: 图形还没有文件名</translation>
+    </message>
+    <message>
+        <source>somebody</source>
+        <translation>他人</translation>
+    </message>
+    <message>
+        <source>%1 on %2</source>
+        <translation>%1（%2）</translation>
+    </message>
+    <message>
+        <source>%1 since %2</source>
+        <translation>%1，始于 %2</translation>
+    </message>
+    <message>
+        <source>%1: handle %2 is used twice; the second one is known as %3</source>
+        <translation>%1: 句柄 %2 使用了两次，第二个改为 %3</translation>
+    </message>
+    <message>
+        <source>%1: the menu group "%2" is loaded already</source>
+        <translation>%1: 菜单组“%2”已经加载</translation>
+    </message>
+    <message>
+        <source>&lt;%1&gt; lacks its attribute "%2"</source>
+        <translation>&lt;%1&gt; 缺少属性“%2”</translation>
+    </message>
+    <message>
+        <source>the attribute "%1" is longer than %2 characters</source>
+        <translation>属性“%1”超过 %2 个字符</translation>
+    </message>
+    <message>
+        <source>menus are nested deeper than %1 levels</source>
+        <translation>菜单嵌套超过 %1 层</translation>
+    </message>
+    <message>
+        <source>more than %1 menu items</source>
+        <translation>菜单项超过 %1 个</translation>
+    </message>
+    <message>
+        <source>this is no menu file: it does not begin with &lt;menu-file&gt;</source>
+        <translation>这不是菜单文件: 不以 &lt;menu-file&gt; 开头</translation>
+    </message>
+    <message>
+        <source>menu file version %1 is not supported</source>
+        <translation>不支持菜单文件版本 %1</translation>
+    </message>
+    <message>
+        <source>&lt;group&gt; is missing</source>
+        <translation>缺少 &lt;group&gt;</translation>
+    </message>
+    <message>
+        <source>a menu file holds one &lt;group&gt;</source>
+        <translation>菜单文件只能有一个 &lt;group&gt;</translation>
+    </message>
+    <message>
+        <source>%1:1: the file is larger than 4 MiB</source>
+        <translation>%1:1: 文件大于 4 MiB</translation>
+    </message>
+    <message>
+        <source>not well-formed XML (%1)</source>
+        <translation>不是格式正确的 XML (%1)</translation>
+    </message>
+    <message>
+        <source>%1: there is no memory for such a picture</source>
+        <translation>%1: 内存不足，不能生成这样的图片</translation>
+    </message>
+    <message>
+        <source>%1: the picture cannot be written as PNG</source>
+        <translation>%1: 图片不能写成 PNG</translation>
+    </message>
+    <message>
+        <source>a page of %1 x %2 mm with these margins cannot be plotted</source>
+        <translation>不能打印 %1 x %2 毫米、带这些页边距的图纸</translation>
+    </message>
+    <message>
+        <source>the plot scale must be above 0</source>
+        <translation>打印比例必须大于 0</translation>
+    </message>
+    <message>
+        <source>the plot lies outside the page</source>
+        <translation>打印内容在图纸之外</translation>
+    </message>
+    <message>
+        <source>there is nothing to plot</source>
+        <translation>没有可打印的内容</translation>
+    </message>
+    <message>
+        <source>%1: the plot was stopped</source>
+        <translation>%1: 打印已停止</translation>
+    </message>
+    <message>
+        <source>there is no view named "%1"</source>
+        <translation>没有名为“%1”的视图</translation>
+    </message>
+    <message>
+        <source>SHAPE: no shape file for %1</source>
+        <translation>SHAPE: 没有 %1 的形文件</translation>
+    </message>
+    <message>
+        <source>INSERT: xref %1 not loaded</source>
+        <translation>INSERT: 外部参照 %1 未加载</translation>
+    </message>
+    <message>
+        <source>ACAD_TABLE: no picture</source>
+        <translation>ACAD_TABLE: 没有图像</translation>
+    </message>
+    <message>
+        <source>ACAD_TABLE: only its grid</source>
+        <translation>ACAD_TABLE: 只画出网格</translation>
+    </message>
+    <message>
+        <source>HATCH: pattern too dense</source>
+        <translation>HATCH: 图案过密</translation>
+    </message>
+    <message>
+        <source>%1: only its frame</source>
+        <translation>%1: 只画出边框</translation>
+    </message>
+    <message>
+        <source>%1: %2 not shown</source>
+        <translation>%1: 未显示 %2</translation>
+    </message>
+    <message>
+        <source>INSERT: more instances than a picture can show</source>
+        <translation>INSERT: 实例过多，图像无法全部显示</translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation>找不到</translation>
+    </message>
+    <message>
+        <source>is no image</source>
+        <translation>不是图像</translation>
+    </message>
+    <message>
+        <source>%1: no such module</source>
+        <translation>%1: 没有这个模块</translation>
+    </message>
+    <message>
+        <source>access denied</source>
+        <translation>拒绝访问</translation>
+    </message>
+    <message>
+        <source>the file or its folder is read-only</source>
+        <translation>文件或所在文件夹是只读的</translation>
+    </message>
+    <message>
+        <source>not a plain file</source>
+        <translation>不是普通文件</translation>
+    </message>
+    <message>
+        <source>no space left</source>
+        <translation>没有剩余空间</translation>
+    </message>
+    <message>
+        <source>cannot be used</source>
+        <translation>不能使用</translation>
+    </message>
+    <message>
+        <source>the owner %1 is no layout; its entities were put into %2 space</source>
+        <translation>所有者 %1 不是布局，其中的图元已放入%2空间</translation>
+    </message>
+    <message>
+        <source>paper</source>
+        <translation>图纸</translation>
+    </message>
+    <message>
+        <source>model</source>
+        <translation>模型</translation>
+    </message>
+    <message>
+        <source>the block %1 has no block record of its own, one was made</source>
+        <translation>块 %1 没有自己的块记录，已补上</translation>
+    </message>
+    <message>
+        <source>%1, line %2</source>
+        <translation>%1 第 %2 行</translation>
+    </message>
+    <message>
+        <source>a group code is missing here, nothing behind it could be read</source>
+        <translation>此处缺少组码，之后的内容无法读取</translation>
+    </message>
+    <message>
+        <source>a group code is missing here, reading went on at byte %1</source>
+        <translation>此处缺少组码，从字节 %1 继续读取</translation>
+    </message>
+    <message>
+        <source>a group code is missing here, reading went on at line %1</source>
+        <translation>此处缺少组码，从第 %1 行继续读取</translation>
+    </message>
+    <message>
+        <source>the file ends inside a group</source>
+        <translation>文件在一个组的中间结束</translation>
+    </message>
+    <message>
+        <source>"%1" is no kind of object</source>
+        <translation>“%1”不是对象种类</translation>
+    </message>
+    <message>
+        <source>%1 stands %2, it is kept but not used</source>
+        <translation>%1 位于%2，已保留但不使用</translation>
+    </message>
+    <message>
+        <source>a group stands outside of any object</source>
+        <translation>有一个组不属于任何对象</translation>
+    </message>
+    <message>
+        <source>outside of any section</source>
+        <translation>所有段之外</translation>
+    </message>
+    <message>
+        <source>the objects kept in comments are damaged, what could be read of them is used</source>
+        <translation>注释中保存的对象已损坏，能读出的部分已使用</translation>
+    </message>
+    <message>
+        <source>the file ends without EOF</source>
+        <translation>文件结尾没有 EOF</translation>
+    </message>
+    <message>
+        <source>a section has no name</source>
+        <translation>有一个段没有名称</translation>
+    </message>
+    <message>
+        <source>the section %1 has no end</source>
+        <translation>段 %1 没有结尾</translation>
+    </message>
+    <message>
+        <source>among the classes</source>
+        <translation>类定义之间</translation>
+    </message>
+    <message>
+        <source>outside of any table</source>
+        <translation>所有表之外</translation>
+    </message>
+    <message>
+        <source>the table %1 has no end</source>
+        <translation>表 %1 没有结尾</translation>
+    </message>
+    <message>
+        <source>in the table %1</source>
+        <translation>表 %1 中</translation>
+    </message>
+    <message>
+        <source>outside of any block</source>
+        <translation>所有块之外</translation>
+    </message>
+    <message>
+        <source>the block %1 has no end</source>
+        <translation>块 %1 没有结尾</translation>
+    </message>
+    <message>
+        <source>a part of a polyline or insert stands alone</source>
+        <translation>有一个多段线或插入的组成部分单独存在</translation>
+    </message>
+    <message>
+        <source>the file is empty</source>
+        <translation>文件是空的</translation>
+    </message>
+    <message>
+        <source>opening was stopped</source>
+        <translation>打开已停止</translation>
+    </message>
+    <message>
+        <source>this is no DXF drawing, it has no section</source>
+        <translation>这不是 DXF 图形，其中没有段</translation>
+    </message>
+    <message>
+        <source>Byte %1: %2.</source>
+        <translation>字节 %1: %2。</translation>
+    </message>
+    <message>
+        <source>Line %1: %2.</source>
+        <translation>第 %1 行: %2。</translation>
+    </message>
+    <message>
+        <source>%1 more repairs are not listed.</source>
+        <translation>另有 %1 处修正未列出。</translation>
+    </message>
+    <message>
+        <source>it ends inside a group</source>
+        <translation>在一个组的中间结束</translation>
+    </message>
+    <message>
+        <source>it holds something that is no group and no object</source>
+        <translation>其中有既不是组也不是对象的内容</translation>
+    </message>
+    <message>
+        <source>its end is missing</source>
+        <translation>缺少结尾</translation>
+    </message>
+    <message>
+        <source>%1 is missing</source>
+        <translation>缺少 %1</translation>
+    </message>
+    <message>
+        <source>it was stopped</source>
+        <translation>已停止</translation>
+    </message>
+    <message>
+        <source>the drawing did not come from a DXF file</source>
+        <translation>该图形不是来自 DXF 文件</translation>
+    </message>
+    <message>
+        <source>saving was stopped</source>
+        <translation>保存已停止</translation>
+    </message>
+    <message>
+        <source>what was written cannot be read again (%1); the file stays as it was</source>
+        <translation>写出的内容不能重新读取 (%1)；原文件保持不变</translation>
+    </message>
+</context>
+</TS>
