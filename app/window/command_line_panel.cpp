@@ -1,8 +1,8 @@
 #include "app/window/command_line_panel.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/command_names.h"
 #include "app/window/icons.h"
-#include "app/window/window_front_end.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edmenu.h"
 

@@ -1,7 +1,7 @@
 #include "app/window/find_bar.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/icons.h"
-#include "app/window/window_front_end.h"
 #include "host/acdb/dbentity.h"
 #include "host/aced/edview.h"
 

@@ -1,9 +1,9 @@
 #include "app/window/menu_bar.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/command_names.h"
 #include "app/window/icons.h"
 #include "app/window/recent_files.h"
-#include "app/window/window_front_end.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbundo.h"
 #include "host/os/settings_store.h"

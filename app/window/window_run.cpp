@@ -1,8 +1,8 @@
 #include "app/window/window_run.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/first_start.h"
 #include "app/window/main_window.h"
-#include "app/window/window_front_end.h"
 #include "host/acap/docman.h"
 #include "host/aced/edcommands.h"
 #include "host/os/settings_store.h"

@@ -1,12 +1,12 @@
 // The main window over a running editor: tabs, titles, what it shows with and without a drawing.
+#include "app/canvas/drawing_view.h"
 #include "app/window/command_line_panel.h"
 #include "app/window/document_tabs.h"
-#include "app/window/drawing_view.h"
 #include "app/window/main_window.h"
 #include "app/window/recent_files.h"
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 

@@ -1,7 +1,7 @@
 // Menus and toolbars: the window's own table, those of modules, and what undo is called.
 #include "app/window/command_names.h"
 #include "app/window/menu_bar.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 

@@ -2,9 +2,9 @@
 // with mouse and keyboard there.
 #pragma once
 
-#include "app/window/pointing.h"
-#include "app/window/view_highlight.h"
-#include "app/window/view_picture.h"
+#include "app/canvas/pointing.h"
+#include "app/canvas/view_highlight.h"
+#include "app/canvas/view_picture.h"
 
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"

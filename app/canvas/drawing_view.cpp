@@ -1,7 +1,7 @@
-#include "app/window/drawing_view.h"
+#include "app/canvas/drawing_view.h"
 
-#include "app/window/drawing_cursor.h"
-#include "app/window/idle_menu.h"
+#include "app/canvas/drawing_cursor.h"
+#include "app/canvas/idle_menu.h"
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edpick.h"

@@ -1,6 +1,6 @@
 // Panning, zooming and changes: whatever the view does to be quick, it ends up showing what a fresh painting
 // would.
-#include "tests/app/window/view_stage.h"
+#include "tests/app/canvas/view_stage.h"
 
 #include "host/acdb/dbundo.h"
 #include "host/aced/edwinmsg.h"
