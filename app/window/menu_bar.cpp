@@ -172,8 +172,8 @@ void MenuBar::refresh()
 
 QAction *MenuBar::makeModuleAction(const AcEdMenuItem &item, const QString &folder, QObject *parent)
 {
-    const QString file = item.icon.isEmpty() ? QString() : folder + u'/' + item.icon;
-    auto *const action = new QAction(QFileInfo::exists(file) ? QIcon(file) : QIcon(), item.label, parent);
+    const QIcon picture = item.icon.isEmpty() ? QIcon() : iconFromFile(folder + u'/' + item.icon);
+    auto *const action = new QAction(picture, item.label, parent);
     action->setIconText(withoutMnemonic(item.label));
     action->setStatusTip(item.help);
     action->setToolTip(item.help.isEmpty() ? action->iconText()
@@ -205,7 +205,6 @@ void MenuBar::addToolbar(const AcEdMenuItem &toolbar, const AcEdMenuGroup &group
         else if (item.kind == AcEdMenuItem::item)
             bar->addAction(makeModuleAction(item, folder, bar));
     }
-    m_window.addToolBarBreak();
     m_window.addToolBar(bar);
     m_moduleToolbars.push_back(bar);
 }
