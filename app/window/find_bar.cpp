@@ -142,6 +142,7 @@ static void zoomTo(AcApDocument &document, AcDbObjectId id)
     const AcGeVector3d size = box.maxPoint() - box.minPoint();
     const double width = std::max(size.length(), 1e-9);
     const AcGeVector3d room = AcGeVector3d(width, width, 0.0) * kRoom;
+    acedRememberView(document);
     acedZoomWindow(document, box.minPoint() - room, box.maxPoint() + room);
 }
 
