@@ -9,7 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const auto drawn =
         window::readStrokes(QString::fromLatin1(reinterpret_cast<const char *>(data), qsizetype(size)));
-    for (const QPainterPath &path : {drawn ? drawn->lines : QPainterPath(), drawn ? drawn->areas : QPainterPath()}) {
+    for (const QPainterPath &path :
+         {drawn ? drawn->lines : QPainterPath(), drawn ? drawn->areas : QPainterPath()}) {
         const QRectF box = path.controlPointRect();
         if (!std::isfinite(box.width()) || !std::isfinite(box.height()))
             std::abort();

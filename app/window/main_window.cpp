@@ -407,6 +407,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
+    activateWindow();
     openFiles(droppedFiles(*event->mimeData()));
 }
 
