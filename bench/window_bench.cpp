@@ -4,8 +4,8 @@
 // follows.
 //
 // usage: bench_window FILE.dxf...   (bench/make_drawing.py makes them); QT_QPA_PLATFORM=offscreen
-#include "app/window/drawing_view.h"
-#include "app/window/window_front_end.h"
+#include "app/canvas/drawing_view.h"
+#include "app/front_end/window_front_end.h"
 #include "bench/stopwatch.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edcommands.h"

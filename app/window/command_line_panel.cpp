@@ -1,8 +1,8 @@
 #include "app/window/command_line_panel.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/command_names.h"
 #include "app/window/icons.h"
-#include "app/window/window_front_end.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edmenu.h"
 
@@ -98,8 +98,8 @@ CommandLinePanel::CommandLinePanel(WindowFrontEnd &front, QWidget *parent)
     m_prompt->setBuddy(m_edit);
     m_edit->setAccessibleName(tr("命令行"));
     m_edit->setToolTip(tr("输入命令、选项或坐标；空格或回车确认，Esc 取消"));
-    m_edit->setFrame(false);
     m_edit->setContextMenuPolicy(Qt::DefaultContextMenu);
+    m_edit->setAcceptDrops(false); // Files are for the window, which opens them.
     m_expand->setIcon(icon("up"));
     m_expand->setAutoRaise(true);
     m_expand->setAccessibleName(tr("命令历史"));

@@ -1,7 +1,7 @@
 #include "app/window/command_names.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/host_menus.h"
-#include "app/window/window_front_end.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edmenu.h"
 #include "host/aced/edparse.h"

@@ -1,7 +1,7 @@
 #include "app/window/document_guard.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/recovery_dialog.h"
-#include "app/window/window_front_end.h"
 #include "host/acui/acuifile.h"
 
 #include <QApplication>

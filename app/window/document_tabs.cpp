@@ -4,6 +4,7 @@
 #include "host/aced/edspace.h"
 
 #include <QDir>
+#include <QPainter>
 
 #include <algorithm>
 
@@ -39,6 +40,20 @@ void FollowingTabs::show(const std::vector<Tab> &tabs, int current)
     m_isFollowing = false;
     if (hasOthers)
         updateGeometry(); // A hidden tab bar forgets to tell its layout that it has grown.
+}
+
+/// Palettes of high contrast have one colour for all tabs.
+void FollowingTabs::paintEvent(QPaintEvent *event)
+{
+    QTabBar::paintEvent(event);
+    QRect line = tabRect(currentIndex());
+    if (line.isEmpty())
+        return;
+    const int thick = std::max(2, fontMetrics().height() / 6);
+    const bool isBelow = shape() == RoundedSouth;
+    line.setHeight(thick);
+    line.moveTop(isBelow ? tabRect(currentIndex()).bottom() - thick + 1 : tabRect(currentIndex()).top());
+    QPainter(this).fillRect(line, palette().highlight());
 }
 
 /// Tab texts take "&" for the keyboard's letter.

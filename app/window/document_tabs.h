@@ -26,6 +26,7 @@ protected:
     };
     /// Makes these the tabs.
     void show(const std::vector<Tab> &tabs, int current);
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     bool m_isFollowing = false;

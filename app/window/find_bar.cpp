@@ -1,7 +1,7 @@
 #include "app/window/find_bar.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/icons.h"
-#include "app/window/window_front_end.h"
 #include "host/acdb/dbentity.h"
 #include "host/aced/edview.h"
 
@@ -142,6 +142,7 @@ static void zoomTo(AcApDocument &document, AcDbObjectId id)
     const AcGeVector3d size = box.maxPoint() - box.minPoint();
     const double width = std::max(size.length(), 1e-9);
     const AcGeVector3d room = AcGeVector3d(width, width, 0.0) * kRoom;
+    acedRememberView(document);
     acedZoomWindow(document, box.minPoint() - room, box.maxPoint() + room);
 }
 

@@ -1,13 +1,16 @@
 #include "app/window/icons.h"
 
+#include "app/window/stroke_drawing.h"
+
 #include <QApplication>
+#include <QFile>
 #include <QIconEngine>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPalette>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace window
 {
@@ -15,11 +18,9 @@ namespace window
 namespace
 {
 
-/// Strokes: M and L with a point, C with two control points and a point, Z closes, O is a circle of centre
-/// and radius, F fills what follows.
 struct Drawn {
     const char *name;
-    const char *strokes;
+    const char *strokes; ///< As readStrokes() takes them.
 };
 
 constexpr std::array kDrawn{
@@ -71,55 +72,10 @@ constexpr std::array kDrawn{
           "M 8 1.5 L 14.5 5 L 8 8.5 L 1.5 5 Z M 1.5 8 L 8 11.5 L 14.5 8 M 1.5 11 L 8 14.5 L 14.5 11"},
 };
 
-/// Reads one icon's strokes into its lines and its filled parts.
-class StrokeReader
-{
-public:
-    explicit StrokeReader(const char *strokes)
-        : m_words(QString::fromLatin1(strokes).split(u' ', Qt::SkipEmptyParts))
-    {
-        while (m_next < m_words.size())
-            step(m_words[m_next++]);
-    }
-    QPainterPath lines, areas;
-
-private:
-    double number() { return m_words.value(m_next++).toDouble(); }
-    QPointF point()
-    {
-        const double x = number();
-        return {x, number()};
-    }
-    void step(const QString &verb)
-    {
-        QPainterPath &path = m_fills ? areas : lines;
-        if (verb == u"M") {
-            path.moveTo(point());
-        } else if (verb == u"L") {
-            path.lineTo(point());
-        } else if (verb == u"C") {
-            const QPointF first = point(), second = point();
-            path.cubicTo(first, second, point());
-        } else if (verb == u"Z") {
-            path.closeSubpath();
-        } else if (verb == u"O") {
-            const QPointF centre = point();
-            const double radius = number();
-            path.addEllipse(centre, radius, radius);
-        } else if (verb == u"F") {
-            m_fills = true;
-        }
-    }
-
-    QStringList m_words;
-    qsizetype m_next = 0;
-    bool m_fills = false;
-};
-
 class StrokeIcon : public QIconEngine
 {
 public:
-    explicit StrokeIcon(const char *strokes) : m_strokes(strokes) {}
+    explicit StrokeIcon(StrokeDrawing drawn) : m_drawn(std::move(drawn)) {}
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {
@@ -127,15 +83,14 @@ public:
         const QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         const QColor color =
             palette.color(group, mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText);
-        const StrokeReader drawn(m_strokes);
         const double scale = std::min(rect.width(), rect.height()) / 16.0;
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->translate(rect.center().x() + 0.5 - 8.0 * scale, rect.center().y() + 0.5 - 8.0 * scale);
         painter->scale(scale, scale);
         painter->setPen(QPen(color, 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter->drawPath(drawn.lines);
-        painter->fillPath(drawn.areas, color);
+        painter->drawPath(m_drawn.lines);
+        painter->fillPath(m_drawn.areas, color);
         painter->restore();
     }
     QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
@@ -146,19 +101,38 @@ public:
         paint(&painter, QRect(QPoint(0, 0), size), mode, state);
         return pixmap;
     }
-    QIconEngine *clone() const override { return new StrokeIcon(m_strokes); }
+    QIconEngine *clone() const override { return new StrokeIcon(m_drawn); }
 
 private:
-    const char *m_strokes;
+    StrokeDrawing m_drawn;
 };
 
 } // namespace
+
+static QIcon strokeIcon(const QString &strokes)
+{
+    auto drawn = readStrokes(strokes);
+    return drawn ? QIcon(new StrokeIcon(*std::move(drawn))) : QIcon();
+}
 
 QIcon icon(const char *name)
 {
     const auto found = std::ranges::find(kDrawn, QLatin1String(name),
                                          [](const Drawn &drawn) { return QLatin1String(drawn.name); });
-    return found == kDrawn.end() ? QIcon() : QIcon(new StrokeIcon(found->strokes));
+    return found == kDrawn.end() ? QIcon() : strokeIcon(QString::fromLatin1(found->strokes));
+}
+
+QIcon iconFromFile(const QString &path)
+{
+    constexpr qint64 kMost = 64 * 1024;
+    QFile file(path);
+    if (!file.exists())
+        return {};
+    if (!path.endsWith(QLatin1String(".strokes"), Qt::CaseInsensitive))
+        return QIcon(path);
+    if (file.size() > kMost || !file.open(QIODevice::ReadOnly))
+        return {};
+    return strokeIcon(QString::fromLatin1(file.readAll()));
 }
 
 } // namespace window

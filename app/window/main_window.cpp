@@ -1,15 +1,15 @@
 #include "app/window/main_window.h"
 
+#include "app/canvas/drawing_view.h"
+#include "app/front_end/window_front_end.h"
 #include "app/window/command_line_panel.h"
 #include "app/window/document_tabs.h"
-#include "app/window/drawing_view.h"
 #include "app/window/find_bar.h"
 #include "app/window/icons.h"
 #include "app/window/menu_bar.h"
 #include "app/window/recent_files.h"
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
-#include "app/window/window_front_end.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edselect.h"
 
@@ -407,6 +407,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     event->acceptProposedAction();
+    activateWindow();
     openFiles(droppedFiles(*event->mimeData()));
 }
 

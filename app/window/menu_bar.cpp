@@ -1,9 +1,9 @@
 #include "app/window/menu_bar.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/command_names.h"
 #include "app/window/icons.h"
 #include "app/window/recent_files.h"
-#include "app/window/window_front_end.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbundo.h"
 #include "host/os/settings_store.h"
@@ -172,8 +172,8 @@ void MenuBar::refresh()
 
 QAction *MenuBar::makeModuleAction(const AcEdMenuItem &item, const QString &folder, QObject *parent)
 {
-    const QString file = item.icon.isEmpty() ? QString() : folder + u'/' + item.icon;
-    auto *const action = new QAction(QFileInfo::exists(file) ? QIcon(file) : QIcon(), item.label, parent);
+    const QIcon picture = item.icon.isEmpty() ? QIcon() : iconFromFile(folder + u'/' + item.icon);
+    auto *const action = new QAction(picture, item.label, parent);
     action->setIconText(withoutMnemonic(item.label));
     action->setStatusTip(item.help);
     action->setToolTip(item.help.isEmpty() ? action->iconText()
@@ -205,7 +205,6 @@ void MenuBar::addToolbar(const AcEdMenuItem &toolbar, const AcEdMenuGroup &group
         else if (item.kind == AcEdMenuItem::item)
             bar->addAction(makeModuleAction(item, folder, bar));
     }
-    m_window.addToolBarBreak();
     m_window.addToolBar(bar);
     m_moduleToolbars.push_back(bar);
 }

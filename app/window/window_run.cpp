@@ -1,8 +1,9 @@
 #include "app/window/window_run.h"
 
+#include "app/front_end/window_front_end.h"
 #include "app/window/first_start.h"
 #include "app/window/main_window.h"
-#include "app/window/window_front_end.h"
+#include "app/window/readable_palette.h"
 #include "host/acap/docman.h"
 #include "host/aced/edcommands.h"
 #include "host/os/settings_store.h"
@@ -47,6 +48,7 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
 {
     QTranslator own, qt;
     loadTranslations(own, qt);
+    const ReadablePalette readable;
     WindowFrontEnd front;
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);
     {

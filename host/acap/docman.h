@@ -38,6 +38,10 @@ struct AcApView {
 
     double pixelSize() const { return height / pixelHeight; }
     double width() const { return pixelSize() * pixelWidth; }
+    /// The same place on a raster of another size: nothing that is seen is cut off.
+    AcApView onRaster(int newWidth, int newHeight) const;
+
+    friend bool operator==(const AcApView &, const AcApView &) = default;
 };
 
 /// A user coordinate system.
@@ -103,6 +107,8 @@ public:
     /// Of the spaces that were current before, by block record.
     std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() { return m_otherSpaces; }
     const std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() const { return m_otherSpaces; }
+    /// What was seen before, the last one last, by space or entered viewport (acedRememberView).
+    std::map<AcDbObjectId, std::vector<AcApView>> &earlierViews() { return m_earlierViews; }
     /// Entities selected before a command (pick first).
     std::vector<AcDbObjectId> &pickSet() { return m_pickSet; }
     /// The last selection set of an editing command ("Previous").
@@ -125,6 +131,7 @@ private:
     AcApUcs m_ucs;
     AcApEnteredViewport m_enteredViewport;
     std::map<AcDbObjectId, AcApSpaceState> m_otherSpaces;
+    std::map<AcDbObjectId, std::vector<AcApView>> m_earlierViews;
     std::vector<AcDbObjectId> m_pickSet;
     std::vector<AcDbObjectId> m_previousSet;
 };

@@ -3,6 +3,7 @@
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbreactor.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbtransient.h"
 #include "host/acdb/dbundo.h"
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/assert.h"
@@ -174,6 +175,10 @@ Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id,
     if (id.database() != this)
         return Acad::eWrongDatabase;
     AcDbStub &stub = *id.stub();
+    if (AcDbTransient::isCopy(stub)) {
+        object = stub.object;
+        return Acad::eOk;
+    }
     if (stub.has(AcDbStub::kErased) && !openErased)
         return Acad::eWasErased;
     AcDbObject *const opened = resident(stub);

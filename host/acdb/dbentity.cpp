@@ -180,10 +180,9 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
     const AcGeVector3d normal = planeNormal(*this);
     if (const Acad::ErrorStatus refused = subTransformBy(matrix); refused != Acad::eOk)
         return refused;
-    if (AcDbTransient::isCopy(*this))
-        return Acad::eOk; // Vertices, attributes and pictures are the original's.
     transformParts(objectId(), matrix, normal);
-    if (database() && dxfName() == "DIMENSION")
+    // The picture of a copy is the original's.
+    if (database() && dxfName() == "DIMENSION" && !AcDbTransient::isCopy(*this))
         transformPicture(*this, matrix);
     return Acad::eOk;
 }

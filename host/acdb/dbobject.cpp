@@ -4,6 +4,7 @@
 #include "host/acdb/dbentity.h"
 #include "host/acdb/dbreactor.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbtransient.h"
 #include "host/acdb/dbundo.h"
 #include "host/base/assert.h"
 #include "host/base/wildcard.h"
@@ -73,6 +74,8 @@ Acad::ErrorStatus AcDbObject::close()
     if (!m_stub)
         return Acad::eNotOpenForRead;
     AcDbStub &stub = *m_stub;
+    if (AcDbTransient::isCopy(stub))
+        return Acad::eOk;
     const Acad::ErrorStatus status = subClose();
     if (m_writing)
         stub.database->finishWriting(stub);

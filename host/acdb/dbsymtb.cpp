@@ -1,5 +1,6 @@
 #include "host/acdb/dbsymtb.h"
 
+#include "host/acdb/dbtransient.h"
 #include "host/acdb/dbundo.h"
 
 #include <algorithm>
@@ -315,6 +316,8 @@ std::vector<AcDbObjectId> acdbSubEntities(AcDbObjectId entity)
     const AcDbStub *const owner = entity.stub();
     if (!owner || !owner->has(AcDbStub::kEntity))
         return owned;
+    if (AcDbTransient::isCopy(*owner))
+        return AcDbTransient::partsOf(*owner);
     for (std::uint32_t i = owner->index + 1; i < owner->database->stubCount(); ++i) {
         AcDbStub *const next = owner->database->stub(i);
         if (!next->has(AcDbStub::kSubEntity) || next->owner != owner->index)

@@ -1,13 +1,16 @@
 #include "host/acdb/dbtransient.h"
 
 #include "host/acdb/dbfiler.h"
+#include "host/acdb/dbsymtb.h"
 
 AcDbTransient::~AcDbTransient() = default;
 
-bool AcDbTransient::isCopy(const AcDbEntity &entity)
+std::vector<AcDbObjectId> AcDbTransient::partsOf(const AcDbStub &copy)
 {
-    const AcDbStub *const stub = entity.objectId().stub();
-    return stub && stub->database->stub(stub->index) != stub;
+    std::vector<AcDbObjectId> parts;
+    for (const auto &part : static_cast<const Stub &>(copy).copy->m_parts)
+        parts.emplace_back(part->entity().objectId());
+    return parts;
 }
 
 /// Custom entities that are in memory are copied as undo copies them: DXF does not carry all their fields.
@@ -26,7 +29,8 @@ std::unique_ptr<AcDbTransient> AcDbTransient::copyOf(AcDbObjectId entity)
     if (!original || original->m_isProxy)
         return nullptr;
     std::unique_ptr<AcDbTransient> copy(new AcDbTransient);
-    copy->m_stub = *entity.stub();
+    static_cast<AcDbStub &>(copy->m_stub) = *entity.stub();
+    copy->m_stub.copy = copy.get();
     copy->m_entity.reset(static_cast<AcDbEntity *>(original->isA()->create()));
     AcDbEntity &made = *copy->m_entity;
     copy->m_stub.object = &made;
@@ -35,5 +39,9 @@ std::unique_ptr<AcDbTransient> AcDbTransient::copyOf(AcDbObjectId entity)
     made.m_groups = original->m_groups;
     if (original->isCustom() && !copyFields(*original, made))
         return nullptr;
+    for (const AcDbObjectId owned : acdbSubEntities(entity)) {
+        if (auto part = copyOf(owned))
+            copy->m_parts.push_back(std::move(part));
+    }
     return copy;
 }

@@ -14,16 +14,24 @@ public:
     AcDbTransient(const AcDbTransient &) = delete;
     AcDbTransient &operator=(const AcDbTransient &) = delete;
 
-    /// True for the entity of such a copy: what it owns in the drawing is the original's.
-    static bool isCopy(const AcDbEntity &entity);
+    static bool isCopy(const AcDbEntity &entity) { return isCopy(*entity.objectId().stub()); }
+    static bool isCopy(const AcDbStub &stub) { return stub.database->stub(stub.index) != &stub; }
+    /// The copies of the vertices or attributes that the original of a copy owns.
+    static std::vector<AcDbObjectId> partsOf(const AcDbStub &copy);
 
-    /// Open for write as long as the copy lives. Attributes and vertices are not copied with it.
+    /// It and its parts are open as long as the copy lives: opening them gives them to everybody.
     AcDbEntity &entity() { return *m_entity; }
     const AcDbEntity &entity() const { return *m_entity; }
 
 private:
     AcDbTransient() = default;
 
-    AcDbStub m_stub; ///< The original's, with the copy as its object.
+    /// The original's, with the copy as its object.
+    struct Stub : AcDbStub {
+        const AcDbTransient *copy = nullptr;
+    };
+
+    Stub m_stub;
     std::unique_ptr<AcDbEntity> m_entity;
+    std::vector<std::unique_ptr<AcDbTransient>> m_parts;
 };

@@ -1,7 +1,6 @@
 #include "host/acdb/nativegrips.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/acdb/dbtransient.h"
 #include "host/acdb/entitytransform.h"
 
 #include <algorithm>
@@ -518,9 +517,6 @@ Acad::ErrorStatus acdbMoveNativeGrips(AcDbEntity &entity, std::span<const int> g
     const auto movesAll = [&](int i) { return known[std::size_t(i)].action == Grip::moveAll; };
     if (std::ranges::any_of(dragged, movesAll))
         return entity.transformBy(AcGeMatrix3d::translation(offset));
-    // The vertices of a copy are those of the original.
-    if (known[std::size_t(dragged.front())].action == Grip::moveVertex && AcDbTransient::isCopy(entity))
-        return Acad::eNotApplicable;
     for (const int i : dragged) {
         const Grip &grip = known[std::size_t(i)];
         if (grip.action == Grip::moveVertex) {

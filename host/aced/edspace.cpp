@@ -59,11 +59,7 @@ static void enterSpace(AcApDocument &document, AcDbObjectId space)
     const auto known = document.otherSpaces().find(space);
     if (known != document.otherSpaces().end()) {
         // The window may have another size by now.
-        const int pixelWidth = view.pixelWidth;
-        const int pixelHeight = view.pixelHeight;
-        view = known->second.view;
-        view.pixelWidth = pixelWidth;
-        view.pixelHeight = pixelHeight;
+        view = known->second.view.onRaster(view.pixelWidth, view.pixelHeight);
         document.ucs() = known->second.ucs;
         return;
     }

@@ -185,6 +185,35 @@ void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const Ac
         view.height = height;
 }
 
+/// Those of the space that is shown, or of the viewport in it that was entered.
+static std::vector<AcApView> &earlierViews(AcApDocument &document)
+{
+    const AcDbObjectId viewport = document.enteredViewport().viewport;
+    return document.earlierViews()[viewport.isNull() ? document.database()->currentSpaceId() : viewport];
+}
+
+void acedRememberView(AcApDocument &document)
+{
+    constexpr std::size_t kMost = 10;
+    std::vector<AcApView> &earlier = earlierViews(document);
+    earlier.push_back(document.view());
+    if (earlier.size() > kMost)
+        earlier.erase(earlier.begin());
+}
+
+bool acedPreviousView(AcApDocument &document)
+{
+    std::vector<AcApView> &earlier = earlierViews(document);
+    AcApView &view = document.view();
+    const AcApView present = view;
+    while (!earlier.empty() && view == present) {
+        // The window may have another size by now.
+        view = earlier.back().onRaster(view.pixelWidth, view.pixelHeight);
+        earlier.pop_back();
+    }
+    return view != present;
+}
+
 void acedRestoreSavedView(AcApDocument &document)
 {
     acapRestoreView(*document.database(), document.database()->currentSpaceId(), document.view());

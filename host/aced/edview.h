@@ -37,5 +37,10 @@ AcDbExtents acedCurrentExtents(const AcApDocument &document);
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space);
 /// Fits the rectangle (world) into the view.
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+/// To be called before the user's view is changed, so that ZOOM Previous comes back to it. Every space has
+/// its own earlier views, the last ten.
+void acedRememberView(AcApDocument &document);
+/// Back to the last view that was another one; false when there is none.
+bool acedPreviousView(AcApDocument &document);
 /// The drawing's saved view (active viewport record) into the document's view, as after opening.
 void acedRestoreSavedView(AcApDocument &document);

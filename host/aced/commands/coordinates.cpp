@@ -138,7 +138,7 @@ static void plan()
     const AcGeVector3d xAxis =
         *option == QLatin1String("World") ? AcGeVector3d::kXAxis : curDoc()->ucs().xAxis;
     AcApView &view = curDoc()->view();
-    DocumentMemory::of(curDoc()).earlierViews.push_back(view);
+    acedRememberView(*curDoc());
     view.twist = -std::atan2(xAxis.y, xAxis.x);
     const AcDbExtents extents = acedCurrentExtents(*curDoc());
     if (extents.isValid())

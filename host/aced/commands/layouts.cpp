@@ -100,7 +100,7 @@ static void restoreView(const QString &name)
         return;
     }
     AcApView &present = curDoc()->view();
-    DocumentMemory::of(curDoc()).earlierViews.push_back(present);
+    acedRememberView(*curDoc());
     present.centre = view->centre;
     present.height = std::max(view->height, view->width * present.pixelHeight / present.pixelWidth);
     present.twist = view->twist;

@@ -17,7 +17,6 @@ struct DocumentMemory {
     std::vector<std::size_t> undoMarks; ///< Undo positions.
     bool groupOpen = false;             ///< UNDO Begin without its End.
     std::vector<AcApUcs> earlierUcs;
-    std::vector<AcApView> earlierViews;
     std::vector<AcDbObjectId> lastErased; ///< For OOPS.
 
     static DocumentMemory &of(AcApDocument *document);

@@ -12,15 +12,9 @@
 namespace hostcommands
 {
 
-static constexpr std::size_t kEarlierViews = 10;
-
-/// Before a change, so that ZOOM Previous can come back.
 static AcApView &viewToChange()
 {
-    std::vector<AcApView> &earlier = DocumentMemory::of(curDoc()).earlierViews;
-    earlier.push_back(curDoc()->view());
-    if (earlier.size() > kEarlierViews)
-        earlier.erase(earlier.begin());
+    acedRememberView(*curDoc());
     return curDoc()->view();
 }
 
@@ -157,17 +151,8 @@ static void zoomCentre()
 
 static void zoomPrevious()
 {
-    std::vector<AcApView> &earlier = DocumentMemory::of(curDoc()).earlierViews;
-    if (earlier.empty()) {
+    if (!acedPreviousView(*curDoc()))
         acutPrintf(Host::tr("\n没有保存上一个视图。"));
-        return;
-    }
-    AcApView &view = curDoc()->view();
-    const AcApView present = std::exchange(view, earlier.back());
-    // The window may have another size by now.
-    view.pixelWidth = present.pixelWidth;
-    view.pixelHeight = present.pixelHeight;
-    earlier.pop_back();
 }
 
 static void zoom()

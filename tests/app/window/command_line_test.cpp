@@ -1,7 +1,7 @@
 // The command line: what confirms it, what it completes, links to keywords, lines typed before.
 #include "app/window/command_line_panel.h"
 #include "app/window/command_names.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/script_front_end.h"
 
 #include "host/acdb/dbents.h"

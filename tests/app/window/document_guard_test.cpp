@@ -2,7 +2,7 @@
 #include "app/window/document_guard.h"
 
 #include "app/window/recovery_dialog.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #include "app/window/drawing_search.h"
 #include "app/window/find_bar.h"
 #include "app/window/unit_text.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/script_front_end.h"
 
 #include "host/acgi/gidraw.h"

@@ -1,12 +1,14 @@
 // The main window over a running editor: tabs, titles, what it shows with and without a drawing.
+#include "app/canvas/drawing_view.h"
 #include "app/window/command_line_panel.h"
 #include "app/window/document_tabs.h"
-#include "app/window/drawing_view.h"
+#include "app/window/find_bar.h"
 #include "app/window/main_window.h"
+#include "app/window/readable_palette.h"
 #include "app/window/recent_files.h"
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 
@@ -16,10 +18,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QDropEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QTimer>
 #include <QToolButton>
 
@@ -189,4 +196,88 @@ TEST(MainWindow, OpensWhatIsDroppedAndKeepsItsPlace)
     }
     const window::MainWindow later(session.front);
     EXPECT_EQ(later.geometry(), place);
+}
+
+/// What a person works with; scroll buttons and the crosses of tabs have keys of their own.
+static std::vector<QWidget *> controlsOf(QWidget &window)
+{
+    std::vector<QWidget *> controls;
+    for (QWidget *const widget : window.findChildren<QWidget *>()) {
+        const bool isControl = qobject_cast<QAbstractButton *>(widget) || qobject_cast<QLineEdit *>(widget) ||
+                               qobject_cast<QTabBar *>(widget) || qobject_cast<QPlainTextEdit *>(widget) ||
+                               qobject_cast<window::DrawingView *>(widget);
+        if (isControl && widget->isVisible() && !qobject_cast<QTabBar *>(widget->parentWidget()) &&
+            !qobject_cast<QLineEdit *>(widget->parentWidget()) &&
+            widget->objectName() != u"qt_toolbar_ext_button")
+            controls.push_back(widget);
+    }
+    return controls;
+}
+
+static bool isInAMenu(const QWidget &window, const QWidget *control)
+{
+    const auto *const button = qobject_cast<const QToolButton *>(control);
+    const QAction *const action = button ? button->defaultAction() : nullptr;
+    const auto menus = window.findChildren<QMenu *>();
+    return action && std::any_of(menus.begin(), menus.end(),
+                                 [&](const QMenu *menu) { return menu->actions().contains(action); });
+}
+
+TEST(MainWindow, EveryControlHasANameAndAWayToItByKeyboard)
+{
+    tests::WindowSession session;
+    window::MainWindow mainWindow(session.front);
+    mainWindow.resize(1200, 800);
+    mainWindow.show();
+    const auto check = [&](std::size_t least) {
+        const std::vector<QWidget *> controls = controlsOf(mainWindow);
+        EXPECT_GE(controls.size(), least);
+        for (QWidget *const control : controls) {
+            const std::string what =
+                std::string(control->metaObject()->className()) + " " + control->objectName().toStdString();
+            const QAccessibleInterface *const told = QAccessible::queryAccessibleInterface(control);
+            ASSERT_TRUE(told) << what;
+            EXPECT_NE(told->text(QAccessible::Name), QString()) << what;
+            EXPECT_TRUE(control->focusPolicy() & Qt::TabFocus || isInAMenu(mainWindow, control)) << what;
+        }
+    };
+    session.play({
+        [&] {
+            check(12);
+            session.front.giveText(QStringLiteral("NEW"));
+        },
+        [&] {
+            mainWindow.findChild<window::FindBar *>()->open();
+            check(18);
+            session.front.giveText({});
+        },
+    });
+    acDocManager()->closeDocument(curDoc());
+}
+
+TEST(ReadablePalette, CorrectsOnlyWhatCannotBeRead)
+{
+    const auto paletteOf = [](const QColor &text, const QColor &background, const QColor &disabled) {
+        QPalette palette(text, background, text, background, background, text, text, background, background);
+        for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            palette.setColor(QPalette::Disabled, role, disabled);
+        for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+            palette.setColor(group, QPalette::PlaceholderText, disabled);
+        return palette;
+    };
+    EXPECT_EQ(window::paletteCorrections(paletteOf(Qt::black, Qt::white, Qt::gray)).resolveMask(), 0u);
+    EXPECT_EQ(window::paletteCorrections(paletteOf(Qt::black, Qt::yellow, QColor(120, 120, 0))).resolveMask(),
+              0u);
+    for (const auto &[text, background] :
+         {std::pair(Qt::white, Qt::black), std::pair(Qt::black, Qt::yellow)}) {
+        const QPalette corrected = window::paletteCorrections(paletteOf(text, background, background))
+                                       .resolve(paletteOf(text, background, background));
+        for (const QPalette::ColorRole role :
+             {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText}) {
+            const int shown = qGray(corrected.color(QPalette::Disabled, role).rgb());
+            EXPECT_GE(std::abs(shown - qGray(QColor(background).rgb())), 75) << role;
+            EXPECT_GE(std::abs(shown - qGray(QColor(text).rgb())), 75) << role;
+        }
+        EXPECT_EQ(corrected.color(QPalette::Active, QPalette::Text), QColor(text));
+    }
 }

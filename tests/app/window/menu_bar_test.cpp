@@ -1,7 +1,7 @@
 // Menus and toolbars: the window's own table, those of modules, and what undo is called.
 #include "app/window/command_names.h"
 #include "app/window/menu_bar.h"
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 
@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -29,7 +29,12 @@ constexpr const char *kMenuFile = R"xml(<?xml version="1.0" encoding="UTF-8"?>
     <separator/>
     <submenu label="更多"><item label="点" macro="^C^C_POINT 4,5 "/></submenu>
   </popup>
-  <toolbar id="TB1" label="评图"><item label="画墙" macro="^C^C_LINE "/></toolbar>
+  <toolbar id="TB1" label="评图">
+    <item label="画墙" macro="^C^C_LINE " icon="flag.strokes"/>
+    <item label="点" macro="^C^C_POINT 4,5 " icon="other_word.strokes"/>
+    <item label="圆" macro="^C^C_CIRCLE " icon="number_missing.strokes"/>
+    <item label="弧" macro="^C^C_ARC " icon="nowhere.strokes"/>
+  </toolbar>
 </group></menu-file>)xml";
 
 class MenuBarTest : public testing::Test
@@ -92,6 +97,21 @@ TEST_F(MenuBarTest, ModulesStandBetweenTheWindowsOwn)
     menus.refresh();
     EXPECT_EQ(titles().size(), 7);
     EXPECT_EQ(mainWindow.findChildren<QToolBar *>().size(), 1);
+}
+
+TEST_F(MenuBarTest, IconsLieBesideTheMenuFile)
+{
+    for (const char *name : {"flag.strokes", "other_word.strokes", "number_missing.strokes"})
+        folder.write(name,
+                     tests::readFile(tests::testDataPath(QStringLiteral("corpus/strokes/%1").arg(name))));
+    const window::MenuBar menus(session.front, mainWindow);
+    const QList<QAction *> buttons = mainWindow.findChildren<QToolBar *>().constLast()->actions();
+    ASSERT_EQ(buttons.size(), 4);
+    for (const QAction *const button : buttons)
+        EXPECT_EQ(button->icon().isNull(), button != buttons.constFirst()) << button->text().toStdString();
+    const QImage flag = buttons.constFirst()->icon().pixmap(32, 32).toImage();
+    EXPECT_EQ(flag.pixelColor(7, 15).rgb(), QApplication::palette().color(QPalette::WindowText).rgb());
+    EXPECT_EQ(flag.pixelColor(31, 31).alpha(), 0);
 }
 
 TEST_F(MenuBarTest, UndoTellsWhatItWouldUndo)

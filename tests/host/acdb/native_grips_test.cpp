@@ -228,9 +228,16 @@ TEST(NativeGrip, ADragThatIsOnlyShownLeavesWhatTheOriginalOwns)
     constexpr int kFirst[] = {0};
     const auto polyline = AcDbTransient::copyOf(database->getAcDbObjectId({insert - 2}));
     EXPECT_EQ(polyline->entity().getGripPoints().size(), 1U);
-    EXPECT_EQ(polyline->entity().moveGripPointsAt(kFirst, {1, 0, 0}), Acad::eNotApplicable);
+    EXPECT_EQ(polyline->entity().moveGripPointsAt(kFirst, {1, 0, 0}), Acad::eOk);
+    EXPECT_EQ(polyline->entity().getGripPoints().front(), AcGePoint3d(2, 2, 3));
+    EXPECT_EQ(polyline->entity().transformBy(AcGeMatrix3d::translation({0, 5, 0})), Acad::eOk);
+    EXPECT_EQ(polyline->entity().getGripPoints().front(), AcGePoint3d(2, 7, 3));
     const auto shown = AcDbTransient::copyOf(database->getAcDbObjectId({insert}));
     EXPECT_EQ(shown->entity().moveGripPointsAt(kFirst, {1, 0, 0}), Acad::eOk);
+    const std::vector<AcDbObjectId> attributes = acdbSubEntities(shown->entity().objectId());
+    ASSERT_EQ(attributes.size(), 1U);
+    const AcDbObjectPointer<AcDbEntity> attribute(attributes.front(), AcDb::kForRead);
+    EXPECT_EQ(findGroup(attribute->groups(), 10)->point(), AcGePoint3d(3, 2, 0));
     EXPECT_EQ(tests::wholeDifference(before, tests::wholeDrawing(*database)), QStringList());
     EXPECT_FALSE(database->hasChanges());
 }

@@ -379,6 +379,10 @@ TEST_F(HostCommands, ZoomChangesTheView)
     type({"Z", "P", "Z", "P"});
     expectNear(view.centre, 120, 5);
     EXPECT_DOUBLE_EQ(view.height, 20);
+    view.pixelWidth = 50; // In another window all of it is seen all the same.
+    type({"Z", "P"});
+    EXPECT_DOUBLE_EQ(view.height, 40);
+    view.pixelWidth = 200;
     type({"P", "0,0", "5,1"});
     expectNear(view.centre, 115, 4);
     type({"_ZOOM W 0.000000,0.000000 20.000000,10.000000 "});

@@ -147,7 +147,7 @@ TEST(Spaces, SwitchingKeepsTheViews)
     EXPECT_DOUBLE_EQ(document.view().height, 10);
 
     EXPECT_EQ(acedSetVarText("CTAB", "model"), RTNORM);
-    EXPECT_DOUBLE_EQ(document.view().height, 77);
+    EXPECT_DOUBLE_EQ(document.view().width(), 77.0 * 1600 / 500);
     EXPECT_EQ(document.view().pixelHeight, 600);
     EXPECT_EQ(document.ucs().origin, AcGePoint3d());
     EXPECT_EQ(acedSetVarText("TILEMODE", "0"), RTNORM);

@@ -2,13 +2,14 @@
 // with mouse and keyboard there.
 #pragma once
 
-#include "app/window/pointing.h"
-#include "app/window/view_highlight.h"
-#include "app/window/view_picture.h"
+#include "app/canvas/pointing.h"
+#include "app/canvas/view_highlight.h"
+#include "app/canvas/view_picture.h"
 
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 #include <map>
@@ -82,7 +83,10 @@ private:
     void promptChanged();
     void lookForChanges();
     void zoomTo(AcApDocument &document, AcDbExtents box);
+    void showEverything(AcApDocument &document);
     void correctZoom(AcApDocument &document);
+    void rememberView(AcApDocument &document);
+    void viewMoved(AcApDocument &document);
     void showDocument(AcApDocument &document, bool mayHaveChanged);
     void showHighlight();
     void showCursor();
@@ -96,8 +100,8 @@ private:
         AcApView view; ///< As it was left; who has moved it since does not want to be sent back.
     };
 
-    /// The view that a drawing came with, and what this widget made of it.
-    struct FirstView {
+    /// The view as it was when somebody last moved it, and what this widget's size made of it.
+    struct FittedView {
         AcApView asked;
         AcApView shown;
     };
@@ -111,9 +115,11 @@ private:
     std::uint64_t m_changeCount = 0;
     AcGiViewport m_view;
     QColor m_background = Qt::black;
-    std::vector<AcDbObjectId> m_chosen;                 ///< Of a selection that is being made.
-    std::size_t m_pickSetSize = 0;                      ///< As it was shown last.
-    std::map<const AcApDocument *, FirstView> m_fitted; ///< Documents whose view has this widget's pixels.
+    std::vector<AcDbObjectId> m_chosen;                  ///< Of a selection that is being made.
+    std::size_t m_pickSetSize = 0;                       ///< As it was shown last.
+    std::map<const AcApDocument *, FittedView> m_fitted; ///< Documents whose view has this widget's pixels.
+    QElapsedTimer m_lastMove;                            ///< By hand.
+    AcApView m_movedTo;                                  ///< As the last move left it.
     std::optional<QPoint> m_panFrom;
     std::optional<RoughZoom> m_roughZoom;
 };

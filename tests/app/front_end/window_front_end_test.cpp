@@ -1,5 +1,5 @@
 // The front end of the window: macros, answers in advance, what waits for a free editor, leaving.
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 #include "tests/support/script_front_end.h"
 
 #include "host/aced/edcommands.h"

@@ -1,4 +1,4 @@
-#include "tests/app/window/window_session.h"
+#include "tests/app/front_end/window_session.h"
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"

@@ -1,4 +1,4 @@
-#include "app/window/drawing_cursor.h"
+#include "app/canvas/drawing_cursor.h"
 
 #include "host/aced/edsysvar.h"
 

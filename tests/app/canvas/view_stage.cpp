@@ -1,4 +1,4 @@
-#include "tests/app/window/view_stage.h"
+#include "tests/app/canvas/view_stage.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edcommands.h"

@@ -1,4 +1,4 @@
-#include "app/window/window_front_end.h"
+#include "app/front_end/window_front_end.h"
 
 #include <QApplication>
 #include <QEventLoop>

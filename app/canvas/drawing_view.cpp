@@ -1,7 +1,7 @@
-#include "app/window/drawing_view.h"
+#include "app/canvas/drawing_view.h"
 
-#include "app/window/drawing_cursor.h"
-#include "app/window/idle_menu.h"
+#include "app/canvas/drawing_cursor.h"
+#include "app/canvas/idle_menu.h"
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edpick.h"
@@ -65,38 +65,32 @@ QSize DrawingView::pixelSize() const
     return {std::max(1, int(std::lround(width() * ratio))), std::max(1, int(std::lround(height() * ratio)))};
 }
 
-static bool showsSamePlace(const AcApView &one, const AcApView &other)
-{
-    return one.centre == other.centre && one.height == other.height && one.twist == other.twist;
-}
-
-/// A drawing that comes to this widget shows at least what its view showed, and goes on to do so until the
-/// user moves it: toolbars come with the first drawing. From then on it keeps its scale when the widget's
-/// size changes, and moves by whole pixels.
+/// Whatever size the widget gets, it shows at least what was seen when somebody last moved the view: in the
+/// file, by a command or by hand.
 void DrawingView::fitViewToWidget(AcApDocument &document)
 {
     AcApView &view = document.view();
-    const QSize size = pixelSize();
-    FirstView &first = m_fitted.try_emplace(&document, FirstView{view, view}).first->second;
-    if (view.pixelWidth == size.width() && view.pixelHeight == size.height())
-        return;
-    const bool isUnmoved = showsSamePlace(view, first.shown);
-    if (isUnmoved) {
-        view = first.asked;
-        view.height = std::max(view.height, view.width() * size.height() / size.width());
-    } else {
-        const double unit = view.pixelSize();
-        const int right = size.width() - view.pixelWidth;
-        const int down = size.height() - view.pixelHeight;
-        // Half a pixel would blur everything.
-        const AcGeVector3d odd((right & 1) * unit / 2.0, (down & 1) * -unit / 2.0, 0.0);
-        view.centre = view.centre + acedViewFrame(view).inverse() * odd;
-        view.height = unit * size.height();
-    }
-    view.pixelWidth = size.width();
-    view.pixelHeight = size.height();
-    if (isUnmoved)
-        first.shown = view;
+    FittedView &fitted = m_fitted.try_emplace(&document, FittedView{view, view}).first->second;
+    if (view != fitted.shown)
+        fitted.asked = view;
+    view = fitted.asked.onRaster(pixelSize().width(), pixelSize().height());
+    fitted.shown = view;
+}
+
+/// Whoever moves the view by hand, step by step without a rest, wants to go back all of it at once.
+void DrawingView::rememberView(AcApDocument &document)
+{
+    constexpr int kRest = 800; // Milliseconds.
+    const bool hasRested = !m_lastMove.isValid() || m_lastMove.elapsed() >= kRest;
+    if (!m_panFrom && (hasRested || m_movedTo != document.view()))
+        acedRememberView(document);
+    m_lastMove.start();
+}
+
+void DrawingView::viewMoved(AcApDocument &document)
+{
+    m_movedTo = document.view();
+    lookForChanges();
 }
 
 /// The drawing is at rest: a prompt waits or nothing runs.
@@ -207,6 +201,7 @@ void DrawingView::zoomBy(double factor, QPointF at)
     if (!document || !(factor > 0.0) || !std::isfinite(factor))
         return;
     fitViewToWidget(*document);
+    rememberView(*document);
     AcApView &view = document->view();
     const double height = std::clamp(view.height / factor, kLeastHeight, kMostHeight);
     const QPointF pixel = toPixel(at);
@@ -215,7 +210,7 @@ void DrawingView::zoomBy(double factor, QPointF at)
     place.z = view.centre.z;
     view.centre = place + (view.centre - place) * (height / view.height);
     view.height = height;
-    lookForChanges();
+    viewMoved(*document);
 }
 
 void DrawingView::panBy(QPoint way)
@@ -224,11 +219,12 @@ void DrawingView::panBy(QPoint way)
     if (!document || way.isNull())
         return;
     fitViewToWidget(*document);
+    rememberView(*document);
     AcApView &view = document->view();
     const QPoint pixels = toPixel(way).toPoint();
     const AcGeVector3d seen(-pixels.x() * view.pixelSize(), pixels.y() * view.pixelSize(), 0.0);
     view.centre = view.centre + acedViewFrame(view).inverse() * seen;
-    lookForChanges();
+    viewMoved(*document);
 }
 
 /// What the file says of model space; not valid when that cannot be.
@@ -248,11 +244,16 @@ static AcDbExtents savedExtents(const AcDbDatabase &database, AcDbObjectId space
 
 void DrawingView::zoomExtents()
 {
-    AcApDocument *const document = curDoc();
-    if (!document)
-        return;
-    AcDbDatabase &database = *document->database();
-    const AcDbObjectId space = acedShownSpace(*document);
+    if (AcApDocument *const document = curDoc()) {
+        acedRememberView(*document);
+        showEverything(*document);
+    }
+}
+
+void DrawingView::showEverything(AcApDocument &document)
+{
+    AcDbDatabase &database = *document.database();
+    const AcDbObjectId space = acedShownSpace(document);
     constexpr int kPatience = 5; // Milliseconds.
     m_roughZoom.reset();
     AcDbExtents box;
@@ -262,9 +263,9 @@ void DrawingView::zoomExtents()
     const bool isRough = box.isValid();
     if (!isRough)
         box = acedSpaceExtents(database, space);
-    zoomTo(*document, box);
+    zoomTo(document, box);
     if (isRough)
-        m_roughZoom = RoughZoom{&database, document->view()};
+        m_roughZoom = RoughZoom{&database, document.view()};
 }
 
 /// The index is ready one day.
@@ -280,7 +281,7 @@ void DrawingView::correctZoom(AcApDocument &document)
         return;
     m_roughZoom.reset();
     if (isLeft)
-        zoomExtents();
+        showEverything(document);
 }
 
 void DrawingView::zoomTo(AcApDocument &document, AcDbExtents box)
@@ -339,6 +340,8 @@ void DrawingView::mousePressEvent(QMouseEvent *event)
         m_pointing.press(toPixel(event->position()), event->modifiers());
         break;
     case Qt::MiddleButton:
+        if (AcApDocument *const document = curDoc())
+            rememberView(*document);
         m_panFrom = event->pos();
         setCursor(Qt::ClosedHandCursor);
         break;

@@ -7,8 +7,8 @@
 // world's origin is the middle of the view, until a test changes that.
 #pragma once
 
-#include "app/window/drawing_view.h"
-#include "app/window/window_front_end.h"
+#include "app/canvas/drawing_view.h"
+#include "app/front_end/window_front_end.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 

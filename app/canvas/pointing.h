@@ -5,8 +5,8 @@
 // button answers; pressing, dragging and releasing works like two clicks where two clicks belong together.
 #pragma once
 
-#include "app/window/view_grips.h"
-#include "app/window/window_front_end.h"
+#include "app/canvas/view_grips.h"
+#include "app/front_end/window_front_end.h"
 
 #include "host/acgi/giviewport.h"
 

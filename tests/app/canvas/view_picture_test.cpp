@@ -1,6 +1,6 @@
 // Panning, zooming and changes: whatever the view does to be quick, it ends up showing what a fresh painting
 // would.
-#include "tests/app/window/view_stage.h"
+#include "tests/app/canvas/view_stage.h"
 
 #include "host/acdb/dbundo.h"
 #include "host/aced/edwinmsg.h"
@@ -126,27 +126,49 @@ TEST_F(ViewPictures, ChangesShowWhereTheyAre)
     EXPECT_EQ(tests::differingPixels(stage.view.picture(), before), 0);
 }
 
-TEST_F(ViewPictures, ResizingShowsWhatTheDrawingCameWithUntilItIsMovedThenKeepsTheScale)
+TEST_F(ViewPictures, ResizingKeepsInViewWhatWasSeen)
 {
     ASSERT_TRUE(stage.becomesSharp());
     const AcApView &shown = stage.document().view();
-    const AcApView before = shown;
-    for (const QSize size :
-         {QSize(901, 155), QSize(150, 455), QSize(before.pixelWidth, before.pixelHeight)}) {
-        stage.view.resize(size);
-        expectFresh();
-        EXPECT_GE(shown.width(), before.width() * (1 - 1e-12)) << size.width();
-        EXPECT_GE(shown.height, before.height * (1 - 1e-12)) << size.width();
+    for (const bool userMoves : {false, true}) {
+        if (userMoves)
+            stage.wheel({100, 200}, 240);
+        const AcApView before = shown;
+        for (const QSize size : {QSize(901, 155), QSize(150, 455), stage.view.size()}) {
+            stage.view.resize(size);
+            expectFresh();
+            EXPECT_GE(shown.width(), before.width() * (1 - 1e-12)) << size.width();
+            EXPECT_GE(shown.height, before.height * (1 - 1e-12)) << size.width();
+            EXPECT_TRUE(shown.centre.isEqualTo(before.centre));
+        }
+        EXPECT_EQ(shown, before);
     }
-    EXPECT_DOUBLE_EQ(shown.height, before.height);
+}
 
+TEST_F(ViewPictures, ZoomPreviousTakesBackARunOfMovesByHand)
+{
+    const AcApView &shown = stage.document().view();
+    const auto previous = [&] { stage.play({[&] { stage.type("ZOOM P"); }}); };
+    const AcApView first = shown;
+    stage.wheel({100, 200}, 120);
+    stage.wheel({100, 200}, 120);
     stage.view.panBy({10, 0});
-    const AcGePoint3d middle = shown.centre;
-    stage.view.resize(901, 455);
-    expectFresh();
-    EXPECT_NEAR(shown.pixelSize(), 1.0, 1e-12);
-    EXPECT_EQ(shown.pixelWidth, 901);
-    EXPECT_LE(shown.centre.distanceTo(middle), 1.0);
+    QTest::qWait(900); // A rest.
+    const AcApView second = shown;
+    QTest::mousePress(&stage.view, Qt::MiddleButton, {}, {400, 300});
+    stage.moveTo({430, 310});
+    QTest::qWait(900); // Not letting go is no rest.
+    stage.moveTo({500, 320});
+    QTest::mouseRelease(&stage.view, Qt::MiddleButton, {}, {500, 320});
+    QTest::mouseClick(&stage.view, Qt::MiddleButton, {}, {500, 320}); // Moves nothing.
+    EXPECT_NE(shown, second);
+    previous();
+    EXPECT_EQ(shown, second);
+    previous();
+    EXPECT_EQ(shown, first);
+    stage.wheel({100, 200}, 120); // However soon, it follows a command.
+    previous();
+    EXPECT_EQ(shown, first);
 }
 
 TEST_F(ViewPictures, DoubleMiddleClickShowsEverythingAndKeysMove)

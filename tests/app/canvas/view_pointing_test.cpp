@@ -1,5 +1,5 @@
 // What a person does with the mouse in the drawing, and what comes of it.
-#include "tests/app/window/view_stage.h"
+#include "tests/app/canvas/view_stage.h"
 
 #include "host/acdb/dbentity.h"
 #include "host/acdb/dbundo.h"

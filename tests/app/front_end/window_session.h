@@ -5,7 +5,7 @@
 // Each step runs when a prompt waits; the editor ends behind the last one.
 #pragma once
 
-#include "app/window/window_front_end.h"
+#include "app/front_end/window_front_end.h"
 #include "tests/support/memory_drawing.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
-#include "app/window/idle_menu.h"
+#include "app/canvas/idle_menu.h"
 
-#include "app/window/drawing_view.h"
+#include "app/canvas/drawing_view.h"
 
 #include <QMenu>
 

@@ -1,4 +1,4 @@
-#include "app/window/pointing.h"
+#include "app/canvas/pointing.h"
 
 #include "host/acdb/dbentity.h"
 #include "host/aced/edcommands.h"

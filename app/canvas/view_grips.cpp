@@ -1,4 +1,4 @@
-#include "app/window/view_grips.h"
+#include "app/canvas/view_grips.h"
 
 #include "host/acdb/dbentity.h"
 #include "host/aced/edsysvar.h"

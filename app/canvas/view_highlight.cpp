@@ -1,6 +1,6 @@
-#include "app/window/view_highlight.h"
+#include "app/canvas/view_highlight.h"
 
-#include "app/window/view_picture.h"
+#include "app/canvas/view_picture.h"
 
 #include <QDeadlineTimer>
 

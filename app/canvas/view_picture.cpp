@@ -1,4 +1,4 @@
-#include "app/window/view_picture.h"
+#include "app/canvas/view_picture.h"
 
 #include "host/acgi/gispatialindex.h"
 
