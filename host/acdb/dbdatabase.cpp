@@ -96,6 +96,17 @@ static std::size_t ownFieldsBegin(const ResbufList &groups, bool isEntity)
     return i;
 }
 
+// What DXF does not carry comes from the carrier; then the DXF fields have the last word. Only a carrier of a
+// newer program is the last word itself: such an object would lose what is new in it.
+Acad::ErrorStatus AcDbDatabase::readCarried(AcDbObject &object) const
+{
+    const QByteArray carried = acdbCarriedFields(*this, object.m_groups);
+    if (carried.isEmpty())
+        return Acad::eOk;
+    AcDbMemoryFiler filer(AcDb::kFileFiler, const_cast<AcDbDatabase *>(this), carried);
+    return object.dwgInFields(&filer);
+}
+
 std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList groups) const
 {
     const bool isEntity = stub.has(AcDbStub::kEntity);
@@ -121,14 +132,11 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     object->m_groups.assign(groups.begin(), own);
     object->m_groups.insert(object->m_groups.end(), extended, groups.end());
 
-    // What DXF does not carry comes from the carrier; then the DXF fields have the last word.
-    auto *const self = const_cast<AcDbDatabase *>(this);
-    if (const QByteArray carried = acdbCarriedFields(*this, object->m_groups); !carried.isEmpty()) {
-        AcDbMemoryFiler filer(AcDb::kFileFiler, self, carried);
-        object->dwgInFields(&filer);
+    Acad::ErrorStatus status = readCarried(*object);
+    if (status != Acad::eMakeMeProxy) {
+        AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this), ResbufList(own, extended));
+        status = object->dxfInFields(&filer);
     }
-    AcDbDxfFiler filer(self, ResbufList(own, extended));
-    const Acad::ErrorStatus status = object->dxfInFields(&filer);
     object->m_writing = false;
     return status == Acad::eOk ? std::move(object) : asKept(true);
 }
@@ -146,14 +154,17 @@ AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
     return stub.object;
 }
 
-// Custom objects stay: making them again costs more than keeping them. So do records of symbol tables, which
-// are few and asked for by every entity. Other native objects are made in a blink.
+// Custom objects stay: making them again costs more than keeping them, and a class that refused a record
+// would say so each time. So do records of symbol tables, which are few and asked for by every entity. Other
+// native objects are made in a blink.
 void AcDbDatabase::releaseIdle(AcDbStub &stub)
 {
     const AcDbObject *const object = stub.object;
     if (!object || !object->isIdle())
         return;
-    if (stub.has(AcDbStub::kChanged) || !stub.has(AcDbStub::kHasSource) || object->isCustom())
+    if (stub.has(AcDbStub::kChanged) || !stub.has(AcDbStub::kHasSource))
+        return;
+    if (acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application())
         return;
     if (!stub.has(AcDbStub::kEntity) && object->isKindOf(AcDbSymbolTableRecord::desc()))
         return;
@@ -191,9 +202,9 @@ Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id,
             return Acad::eWasOpenForRead;
         if (opened->m_notifying)
             return Acad::eWasOpenForNotify;
-        if (onLockedLayer(*opened)) {
+        if (const Acad::ErrorStatus refused = mayChange(*opened); refused != Acad::eOk) {
             releaseIdle(stub);
-            return Acad::eOnLockedLayer;
+            return refused;
         }
         m_undo->recordObject(stub);
         opened->m_writing = true;
@@ -202,10 +213,27 @@ Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id,
     return Acad::eOk;
 }
 
-bool AcDbDatabase::onLockedLayer(const AcDbObject &object) const
+Acad::ErrorStatus AcDbDatabase::mayChange(const AcDbObject &object) const
 {
     if (!object.m_stub->has(AcDbStub::kEntity) || object.m_isNew)
+        return Acad::eOk;
+    if (onLockedLayer(object))
+        return Acad::eOnLockedLayer;
+    return isProtectedProxy(object) ? Acad::eNotAllowedForThisProxy : Acad::eOk;
+}
+
+// What may be done to an entity without its class is said by the drawing's record of the class.
+bool AcDbDatabase::isProtectedProxy(const AcDbObject &object) const
+{
+    constexpr int kOperations = 0xFF; // Erasing, transforming, colours, layers ... copying.
+    if (!object.m_isProxy)
         return false;
+    const auto record = std::ranges::find(m_classes, object.dxfName(), &DrawingClass::dxfName);
+    return record != m_classes.end() && (record->proxyFlags & kOperations) == 0;
+}
+
+bool AcDbDatabase::onLockedLayer(const AcDbObject &object) const
+{
     const resbuf *const layer = findGroup(object.m_groups, 8);
     const AcDbObjectId record = layer ? tableRecord(SymbolTable::layer, layer->text()) : AcDbObjectId();
     if (record.isNull())

@@ -72,10 +72,13 @@ public:
 
     /// Opens an object. eWasErased unless `openErased`; eWasOpenForWrite while a writer has it;
     /// eWasOpenForRead when a writer is asked for while readers have it; eWasOpenForNotify while
-    /// reactors are told of it (they upgrade); eOnLockedLayer for writing to an entity on a locked layer. The
-    /// object belongs to the database.
+    /// reactors are told of it (they upgrade); what mayChange() says for writing. The object belongs to the
+    /// database.
     Acad::ErrorStatus openObject(AcDbObject *&object, AcDbObjectId id, AcDb::OpenMode mode,
                                  bool openErased = false);
+    /// eOnLockedLayer for an entity on a locked layer; eNotAllowedForThisProxy for one whose class is
+    /// missing, or refused it, and allows nothing without it.
+    Acad::ErrorStatus mayChange(const AcDbObject &object) const;
     /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
     /// write. Entities go through AcDbBlockTableRecord::appendAcDbEntity instead.
     Acad::ErrorStatus addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id = nullptr);
@@ -161,6 +164,7 @@ private:
     };
 
     AcDbStub *newStub();
+    Acad::ErrorStatus readCarried(AcDbObject &object) const;
     std::unique_ptr<AcDbObject> materialise(AcDbStub &stub, ResbufList groups) const;
     AcDbObject *resident(AcDbStub &stub);
     void releaseIdle(AcDbStub &stub);
@@ -173,6 +177,7 @@ private:
     void indexHandle(AcDbStub *stub);
     void registerRecord(SymbolTable table, AcDbStub *stub);
     bool onLockedLayer(const AcDbObject &object) const;
+    bool isProtectedProxy(const AcDbObject &object) const;
     void classRemoved(const AcRxClass *doomed);
     Table &table(SymbolTable kind) const { return m_tables[std::size_t(kind)]; }
 

@@ -52,8 +52,8 @@ Acad::ErrorStatus AcDbObject::upgradeOpen()
         return Acad::eWasOpenForWrite;
     if (m_readers > 1)
         return Acad::eWasOpenForRead;
-    if (database()->onLockedLayer(*this))
-        return Acad::eOnLockedLayer;
+    if (const Acad::ErrorStatus refused = database()->mayChange(*this); refused != Acad::eOk)
+        return refused;
     database()->m_undo->recordObject(*m_stub);
     m_readers = 0;
     m_writing = true;

@@ -36,7 +36,7 @@ public:
     bool isWriteEnabled() const { return !m_stub || m_writing; }
     void assertReadEnabled() const;
     void assertWriteEnabled() const;
-    /// eWasOpenForRead when others read it too; eOnLockedLayer for an entity on a locked layer.
+    /// eWasOpenForRead when others read it too; what AcDbDatabase::mayChange() says.
     Acad::ErrorStatus upgradeOpen();
     Acad::ErrorStatus downgradeOpen();
     /// Ends one opening. The object may be gone afterwards.

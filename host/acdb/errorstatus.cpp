@@ -37,6 +37,7 @@ static constexpr StatusText kTexts[] = {
     {Acad::eAtMaxReaders, "eAtMaxReaders"},
     {Acad::eIsWriteProtected, "eIsWriteProtected"},
     {Acad::eOnLockedLayer, "eOnLockedLayer"},
+    {Acad::eNotAllowedForThisProxy, "eNotAllowedForThisProxy"},
     {Acad::eEndOfFile, "eEndOfFile"},
     {Acad::eFilerError, "eFilerError"},
     {Acad::eBadDxfSequence, "eBadDxfSequence"},

@@ -33,6 +33,7 @@ enum ErrorStatus : int {
     eAtMaxReaders = 46,
     eIsWriteProtected = 47,
     eOnLockedLayer = 48,
+    eNotAllowedForThisProxy = 49,
     eEndOfFile = 50,
     eFilerError = 51,
     eBadDxfSequence = 52,

@@ -100,7 +100,7 @@ Acad::ErrorStatus QuillnoteObj3::dwgOutFields(AcDbDwgFiler *filer) const
 static Acad::ErrorStatus acceptDxfVersion(std::uint16_t version)
 {
     if (version > QuillnoteObj3::kFormatVersion)
-        return Acad::eMakeMeProxy;
+        return refuseNewerVersion();
     return version < kOldestDxfVersion ? Acad::eBadDxfSequence : Acad::eOk;
 }
 

@@ -2,7 +2,9 @@
 """A mark with a password is erased and edited only by who knows it."""
 
 import hashlib
+import re
 import unittest
+from pathlib import Path
 
 import drawings
 import program
@@ -40,6 +42,7 @@ class ProtectionTest(unittest.TestCase):
                 marks, said = self.left("ERASE\nL\n\n" + answer)
                 self.assertEqual(len(marks), count)
                 self.assertIn(message, said)
+                self.assertNotIn("锁定", said, "no layer is locked")
 
     def test_a_wrong_password_does_not_unlock(self):
         marks, _ = self.left("ERASE\nL\n\n" + typed("guess") + "ERASE\nL\n\n" + typed("guess2"))
@@ -53,6 +56,17 @@ class ProtectionTest(unittest.TestCase):
         marks, said = self.left("QN3_Edit\nL\n" + typed("guess"))
         self.assertEqual((marks[0]["suggestionContent"], marks[0]["editVersion"]), ("受保护的意见", 1))
         self.assertIn("密码错误", said)
+
+    def test_marks_of_a_newer_program_stay_as_they_are(self):
+        data = Path("marked.dxf").read_bytes()
+        program.write("newer.dxf", re.sub(rb"(QuillnoteObj3\r?\n *70\r?\n *)7", rb"\g<1>8", data))
+        self.assertEqual(program.marks("newer.dxf"), [])
+        script = "ERASE\nL\n\nMOVE\nL\n\n0,0\n10,10\nCOPY\nL\n\n"
+        said = program.play(script, "newer.dxf", "kept.dxf").stderr
+        self.assertEqual(said.count("请安装更高版本评图标签软件"), 1)
+        self.assertEqual(said.count("1 个对象不允许这样改动"), 3)
+        [newer, kept] = (drawings.Parts(Path(name).read_bytes()) for name in ("newer.dxf", "kept.dxf"))
+        self.assertEqual([o for o in drawings.differences(newer, kept)[0] if o[0][1] == b"QUILLNOTE3"], [])
 
     def test_a_run_without_an_answer_ends(self):
         result = program.play("ERASE\nL\n\n", "marked.dxf", "never.dxf", status=2)

@@ -970,6 +970,12 @@ Select objects or &lt;all objects and viewports&gt;: </translation>
 %1 objects cannot be changed (they are on a locked layer).</translation>
     </message>
     <message>
+        <source>
+%1 个对象不允许这样改动。</source>
+        <translation>
+%1 of the objects do not let themselves be changed like this.</translation>
+    </message>
+    <message>
         <source>所在图层已锁定</source>
         <translation>it is on a locked layer</translation>
     </message>

@@ -16,17 +16,19 @@ namespace hostcommands
 static void erase()
 {
     std::vector<AcDbObjectId> erased;
-    const AcEdSelectionSet selected = askSelection();
-    const auto erasePiece = [&erased](const AcEdSelectionSet &piece) {
+    Refusals refused;
+    const auto erasePiece = [&](const AcEdSelectionSet &piece) {
         for (const AcDbObjectId id : piece) {
             AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-            if (entity && entity->erase() == Acad::eOk)
+            const Acad::ErrorStatus status = entity ? entity->erase() : entity.openStatus();
+            refused.note(status);
+            if (status == Acad::eOk)
                 erased.push_back(id);
         }
     };
-    if (!inPieces(selected, erasePiece))
+    if (!inPieces(askSelection(), erasePiece))
         return;
-    reportLocked(selected.size() - erased.size());
+    refused.report();
     if (!erased.empty())
         DocumentMemory::of(curDoc()).lastErased = std::move(erased);
 }
@@ -105,31 +107,25 @@ static void move()
 static void copyBy(const AcEdSelectionSet &originals, const AcGeMatrix3d &matrix)
 {
     Acad::ErrorStatus status = Acad::eOk;
-    std::size_t refused = 0;
+    Refusals refused;
     const auto copyPiece = [&](const AcEdSelectionSet &piece) {
         if (status != Acad::eOk)
             return;
         AcEdSelectionSet copies;
         status = acdbDeepCloneEntities(piece, acdbCurDwg()->currentSpaceId(), copies);
-        refused += transform(copies, matrix);
+        transform(copies, matrix, refused);
     };
     if (!inPieces(originals, copyPiece))
         return;
     if (status != Acad::eOk)
         acutPrintf(Host::tr("\n不能复制: %1").arg(reasonText(status)));
-    reportLocked(refused);
-}
-
-/// A copy on a locked layer could not be moved to its place.
-static void dropLocked(AcEdSelectionSet &entities)
-{
-    reportLocked(std::erase_if(entities, isOnLockedLayer));
+    refused.report();
 }
 
 static void copy()
 {
     AcEdSelectionSet selected = askSelection();
-    dropLocked(selected);
+    dropUnchangeable(selected); // A copy of these could not be moved to its place.
     const auto base = selected.empty() ? std::nullopt : askBase();
     if (!base)
         return;
@@ -226,7 +222,7 @@ static std::optional<AcGePoint3d> askTracked(const AcGePoint3d &base, const QStr
 static void mirror()
 {
     AcEdSelectionSet selected = askSelection();
-    dropLocked(selected);
+    dropUnchangeable(selected);
     const auto first =
         selected.empty() ? std::nullopt : askPoint(nullptr, Host::tr("\n指定镜像线的第一点: "));
     if (!first)

@@ -70,20 +70,21 @@ static Preview dragPreview(const Grasp &grasp)
 
 static void applyDrag(const Grasp &grasp, const AcGeVector3d &offset)
 {
-    std::size_t locked = 0;
+    Refusals refused;
     for (const HotGrips &hot : grasp.hot) {
         AcDbObjectPointer<AcDbEntity> entity(hot.entity, AcDb::kForWrite);
         const Acad::ErrorStatus status =
             entity ? entity->moveGripPointsAt(hot.grips, offset) : entity.openStatus();
-        if (status == Acad::eOnLockedLayer)
-            ++locked;
-        else if (status != Acad::eOk)
+        if (status == Acad::eOnLockedLayer || status == Acad::eNotAllowedForThisProxy)
+            refused.note(status);
+        else if (status != Acad::eOk && !(entity && entity->isCustom() && status == Acad::eInvalidInput))
             acutPrintf(Host::tr("\n%1 %2 不能这样改动: %3")
                            .arg(QString::fromLatin1(acdbKindName(hot.entity.stub()->kind)),
                                 QString::number(hot.entity.handle().value, 16).toUpper(),
                                 reasonText(status)));
+        // A custom entity that refuses has told why.
     }
-    reportLocked(locked);
+    refused.report();
 }
 
 /// What was chosen before stays chosen, so that the next grip can be dragged at once.

@@ -142,19 +142,20 @@ AcEdSelectionSet askSelection()
     return selected;
 }
 
-bool isOnLockedLayer(AcDbObjectId entity)
+void Refusals::note(Acad::ErrorStatus status)
 {
-    AcDbObjectPointer<AcDbEntity> opened(entity, AcDb::kForRead);
-    if (!opened)
-        return false;
-    AcDbObjectPointer<AcDbLayerTableRecord> layer(opened->layerId(), AcDb::kForRead);
-    return layer && layer->isLocked();
+    if (status == Acad::eOnLockedLayer)
+        ++m_locked;
+    else if (status != Acad::eOk)
+        ++m_others;
 }
 
-void reportLocked(std::size_t count)
+void Refusals::report() const
 {
-    if (count > 0)
-        acutPrintf(Host::tr("\n%1 个对象不能改动（所在图层已锁定）。").arg(count));
+    if (m_locked > 0)
+        acutPrintf(Host::tr("\n%1 个对象不能改动（所在图层已锁定）。").arg(m_locked));
+    if (m_others > 0)
+        acutPrintf(Host::tr("\n%1 个对象不允许这样改动。").arg(m_others));
 }
 
 QString reasonText(Acad::ErrorStatus status)
@@ -190,19 +191,31 @@ bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const A
     return true;
 }
 
-std::size_t transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix)
+void transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix, Refusals &refused)
 {
-    return std::size_t(std::ranges::count_if(entities, [&matrix](AcDbObjectId id) {
+    for (const AcDbObjectId id : entities) {
         AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-        return !entity || entity->transformBy(matrix) != Acad::eOk;
-    }));
+        refused.note(entity ? entity->transformBy(matrix) : entity.openStatus());
+    }
+}
+
+void dropUnchangeable(AcEdSelectionSet &entities)
+{
+    Refusals refused;
+    std::erase_if(entities, [&refused](AcDbObjectId id) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+        const Acad::ErrorStatus status = entity ? id.database()->mayChange(*entity) : entity.openStatus();
+        refused.note(status);
+        return status != Acad::eOk;
+    });
+    refused.report();
 }
 
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix)
 {
-    std::size_t refused = 0;
-    if (inPieces(entities, [&](const AcEdSelectionSet &piece) { refused += transform(piece, matrix); }))
-        reportLocked(refused);
+    Refusals refused;
+    if (inPieces(entities, [&](const AcEdSelectionSet &piece) { transform(piece, matrix, refused); }))
+        refused.report();
 }
 
 // Messages ---------------------------------------------------------------------------------------------

@@ -46,15 +46,29 @@ void fitIntoView(AcApDocument &document, AcDbExtents box);
 
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();
-bool isOnLockedLayer(AcDbObjectId entity);
 /// Does `work` with very many entities in pieces; the user sees how far it has come. False: he stopped it,
 /// and all that the command had changed is as it was.
 bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const AcEdSelectionSet &)> &work);
-/// Transforms those that can be changed; the number of the others.
-std::size_t transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
+
+/// What a command could not change, and why.
+class Refusals
+{
+public:
+    /// Counts what is not eOk.
+    void note(Acad::ErrorStatus status);
+    /// Prints a line for each reason.
+    void report() const;
+
+private:
+    std::size_t m_locked = 0;
+    std::size_t m_others = 0;
+};
+/// Transforms those that can be changed.
+void transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix, Refusals &refused);
 /// Transforms very many and says how many cannot be changed.
 void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
-void reportLocked(std::size_t count);
+/// Takes out what may not be changed, and says how many that were.
+void dropUnchangeable(AcEdSelectionSet &entities);
 /// Why an entity was refused, for messages.
 QString reasonText(Acad::ErrorStatus status);
 

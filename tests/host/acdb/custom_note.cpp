@@ -32,6 +32,8 @@ Acad::ErrorStatus NoteEntity::dwgInFields(AcDbDwgFiler *filer)
 {
     std::uint32_t size = 0;
     filer->readString(text);
+    if (text == u"newer")
+        return Acad::eMakeMeProxy;
     filer->readUInt32(size);
     return filer->readBytes(secret, size);
 }

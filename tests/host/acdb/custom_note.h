@@ -6,7 +6,7 @@
 class NoteEntity : public AcDbEntity
 {
 public:
-    QString text;
+    QString text;      ///< "newer" is refused by dwgInFields(), as of a newer program.
     QByteArray secret; ///< Not part of DXF.
 
     NoteEntity() : AcDbEntity("TESTNOTE") {}

@@ -73,6 +73,7 @@ TEST(Custom, ARefusedRecordIsKeptAsAProxy)
     EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead).openStatus(), Acad::eNotThatKindOfClass);
     EXPECT_TRUE(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForRead));
     EXPECT_TRUE(findGroup(database->fileGroups(*id.stub()), 1));
+    EXPECT_TRUE(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForWrite)) << "nothing says what may be done to it";
 }
 
 /// What saving would write, opened again.
@@ -159,6 +160,21 @@ TEST(Custom, DxfFieldsWinOverTheCarrierAndADamagedOneIsIgnored)
     damaged->setFromRbChain(chain);
     damaged.close();
     EXPECT_TRUE(acdbCarriedFields(*database, groups).isEmpty());
+}
+
+TEST(Custom, ANewerCarrierMakesAProxyThatNobodyChanges)
+{
+    NoteClass known;
+    const auto first = MemoryDrawing().open();
+    const AcDbHandle handle = addNote(*first, QStringLiteral("newer"), "of a newer program").handle();
+    const auto database = reopened(*first);
+    database->ensureClass(*NoteEntity::desc());
+    const AcDbObjectId id = database->getAcDbObjectId(handle);
+    EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead).openStatus(), Acad::eNotThatKindOfClass);
+    AcDbObjectPointer<AcDbEntity> proxy(id, AcDb::kForRead);
+    ASSERT_TRUE(proxy);
+    EXPECT_EQ(proxy->upgradeOpen(), Acad::eNotAllowedForThisProxy);
+    EXPECT_FALSE(acdbCarriedFields(*database, proxy->groups()).isEmpty());
 }
 
 TEST(Custom, AnUndoneEditTakesTheCarriedFieldsBackToo)
