@@ -2,6 +2,7 @@
 
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_draw.h"
+#include "quillnote/entity/mark_geometry.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"
@@ -10,6 +11,9 @@
 #include "host/aced/edfrontend.h"
 #include "host/base/assert.h"
 #include "host/os/clock.h"
+
+#include <algorithm>
+#include <cmath>
 
 QuillnoteObj3::QuillnoteObj3(PlainDefaults) : AcDbEntity(kMarkDxfName) {}
 
@@ -137,7 +141,7 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
             box.addPoint(c4);
         }
     };
-    if (targetStyle > 0)
+    if (targetStyle != 0)
         addRectangle(targetCorner1, targetCorner2, targetCorner3, targetCorner4);
     if (leaderMode > 0) {
         addRectangle(textBoxCorner1, textBoxCorner2, textBoxCorner3, textBoxCorner4);
@@ -158,11 +162,34 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
     return box.isValid() ? Acad::eOk : Acad::eInvalidExtents;
 }
 
+/// What was mirrored would hang upside down or read backwards: the x direction points to the right again, the
+/// corners get their roles anew, and the vertices run the other way, so that waves bulge outwards.
+static void standUpright(QuillnoteObj3 &mark)
+{
+    AcGeVector3d &x = mark.xDirection;
+    if (x.x < -kGeTolerance || (x.x <= kGeTolerance && x.y < 0.0))
+        x = x * -1.0;
+    const AcGeVector3d normal = mark.normal.normal();
+    const AcGeMatrix3d frame = AcGeMatrix3d::fromAxes({}, x, normal.crossProduct(x), normal).inverse();
+    const auto sort = [&](AcGePoint3d &corner1, AcGePoint3d &corner2) {
+        const SortedCorners sorted = sortCorners(corner1, corner2, frame);
+        corner1 = sorted.lowerLeft;
+        corner2 = sorted.upperRight;
+    };
+    sort(mark.targetCorner1, mark.targetCorner2);
+    sort(mark.textBoxCorner1, mark.textBoxCorner2);
+    completeTargetCorners(mark);
+    completeTextBoxCorners(mark);
+    const int vertices = std::clamp<int>(mark.vertexCount, 0, QuillnoteObj3::kSlots);
+    std::reverse(mark.vertices.begin(), mark.vertices.begin() + vertices);
+}
+
 Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
 {
     assertWriteEnabled();
     normal.transformBy(matrix);
     xDirection.transformBy(matrix);
+    const bool isScaled = std::abs(xDirection.length() - 1.0) > kGeTolerance;
     xDirection = xDirection.normal();
     for (AcGePoint3d *point :
          {&targetCorner1, &targetCorner2, &targetCorner3, &targetCorner4, &textBoxCorner1, &textBoxCorner2,
@@ -177,6 +204,12 @@ Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
         if (targetStyle > 50)
             vertices[i].transformBy(matrix);
     }
+    const bool isMirrored = matrix.determinant() < 0.0;
+    if (isMirrored)
+        standUpright(*this);
+    // The text keeps its height, so the text box has to fit it anew.
+    if ((isScaled || isMirrored) && database())
+        settleMark(*this, *database());
     syncDone = false;
     return Acad::eOk;
 }
