@@ -15,7 +15,7 @@ static resbuf::Value valueOf(int code, const QByteArray &value)
 {
     switch (groupKind(code)) {
     case GroupKind::text:
-        return QString::fromUtf8(value);
+        return QString::fromUtf8(value).replace(QLatin1String("^J"), QLatin1String("\n"));
     case GroupKind::point:
         return pointOf(value);
     case GroupKind::real:

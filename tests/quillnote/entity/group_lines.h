@@ -1,5 +1,5 @@
 // Groups as text, for the corpus of DXF marks: a line with the code and a line with the value, as in a DXF
-// file, but a point is one group with three numbers in its line.
+// file, but a point is one group with three numbers in its line. "^J" is a line break.
 #pragma once
 
 #include "host/acdb/resbuf.h"

@@ -7,12 +7,16 @@
 
 #include <gtest/gtest.h>
 
-static ResbufList chainOf(AcDbDatabase &database, const char *record)
+static AcDbObjectPointer<AcDbXrecord> record(AcDbDatabase &database, const char *name, AcDb::OpenMode mode)
 {
     AcDbObjectPointer<AcDbDictionary> root(database.namedObjectsDictionaryId(), AcDb::kForRead);
     AcDbObjectPointer<AcDbDictionary> ours(root->getAt(QStringLiteral("QN_DICT")), AcDb::kForRead);
-    AcDbObjectPointer<AcDbXrecord> found(ours->getAt(QString::fromLatin1(record)), AcDb::kForRead);
-    return found->rbChain();
+    return {ours->getAt(QString::fromLatin1(name)), mode};
+}
+
+static ResbufList chainOf(AcDbDatabase &database, const char *name)
+{
+    return record(database, name, AcDb::kForRead)->rbChain();
 }
 
 class MarkDictionary : public testing::Test
@@ -73,12 +77,8 @@ TEST_F(MarkDictionary, RecordsOfAnotherShapeReadAsNothing)
         {{70, std::int64_t(5)}, {1, QStringLiteral("a")}, {1, QStringLiteral("b")}},
     };
     for (const ResbufList &shape : shapes) {
-        for (const char *name : {"XREC1", "XREC2"}) {
-            AcDbObjectPointer<AcDbDictionary> root(database->namedObjectsDictionaryId(), AcDb::kForRead);
-            AcDbObjectPointer<AcDbDictionary> ours(root->getAt(QStringLiteral("QN_DICT")), AcDb::kForRead);
-            AcDbObjectPointer<AcDbXrecord> record(ours->getAt(QString::fromLatin1(name)), AcDb::kForWrite);
-            record->setFromRbChain(shape);
-        }
+        for (const char *name : {"XREC1", "XREC2"})
+            record(*database, name, AcDb::kForWrite)->setFromRbChain(shape);
         EXPECT_EQ(readLastMarkNumber(*database), 0);
         EXPECT_EQ(readReviewPosition(*database), ReviewPosition());
     }

@@ -7,9 +7,9 @@
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/password.h"
 
-#include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
 #include "host/acgi/gidraw.h"
+#include "tests/quillnote/entity/mark_streams.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gtest/gtest.h>
@@ -69,13 +69,14 @@ protected:
     {
         return moveMarkGrips(shape, grips, along(x, y), settings, view).value();
     }
+    bool isAt(const AcGePoint3d &point, double x, double y) const
+    {
+        return point.isEqualTo(world(x, y), 1e-9);
+    }
     bool isRectangle(const MarkCorners &corners, double left, double bottom, double right, double top) const
     {
-        const MarkCorners wanted = rectangle(left, bottom, right, top);
-        return corners.corner1.isEqualTo(wanted.corner1, 1e-9) &&
-               corners.corner2.isEqualTo(wanted.corner2, 1e-9) &&
-               corners.corner3.isEqualTo(wanted.corner3, 1e-9) &&
-               corners.corner4.isEqualTo(wanted.corner4, 1e-9);
+        return isAt(corners.corner1, left, bottom) && isAt(corners.corner2, right, top) &&
+               isAt(corners.corner3, left, top) && isAt(corners.corner4, right, bottom);
     }
 
     MarkShape shape;
@@ -147,7 +148,7 @@ TEST_P(MarkGrips, AFlagThatIsDraggedAwayBecomesALeaderMark)
     EXPECT_TRUE(moved.leaderUsed[0]);
     const AcGePoint3d flag = view.viewport.getWorldToEyeTransform() * moved.flagPoint;
     EXPECT_TRUE(isRectangle(moved.textBox, flag.x, flag.y - 4, flag.x + 15, flag.y)) << "five letters of 3";
-    EXPECT_TRUE(moved.leaderEnds[0].isEqualTo(world(120, 12), 1e-9)) << "nearest of the twelve places";
+    EXPECT_TRUE(isAt(moved.leaderEnds[0], 120, 12)) << "nearest of the twelve places";
 
     view.viewport.paperSpace = true;
     shape.textLength = 500;
@@ -171,21 +172,18 @@ TEST_P(MarkGrips, ATextBoxThatComesBackBecomesAFlag)
 TEST_P(MarkGrips, TheWidthOfATextBoxIgnoresTheVerticalPart)
 {
     makeLeaderMark();
-    const MarkShape wider = drag({6}, 30, 99);
-    EXPECT_TRUE(isRectangle(wider.textBox, 200, 100, 330, 120));
-    EXPECT_TRUE(wider.leaderEnds == shape.leaderEnds);
+    EXPECT_TRUE(isRectangle(drag({6}, 30, 99).textBox, 200, 100, 330, 120));
 }
 
 TEST_P(MarkGrips, LeaderEndsMoveAndVanishInTheTextBox)
 {
     makeLeaderMark();
-    EXPECT_TRUE(drag({8}, 5, 6).leaderEnds[3].isEqualTo(world(15, 206), 1e-9));
     const MarkShape gone = drag({8}, 240, -90);
     EXPECT_FALSE(gone.leaderUsed[3]);
     EXPECT_TRUE(gone.leaderUsed[0]);
     const MarkShape both = drag({7, 8}, 1, 2);
-    EXPECT_TRUE(both.leaderEnds[0].isEqualTo(world(121, 32), 1e-9));
-    EXPECT_TRUE(both.leaderEnds[3].isEqualTo(world(11, 202), 1e-9));
+    EXPECT_TRUE(isAt(both.leaderEnds[0], 121, 32));
+    EXPECT_TRUE(isAt(both.leaderEnds[3], 11, 202));
 }
 
 TEST_P(MarkGrips, ALeaderMarkWithoutTargetKeepsItsLeaders)
@@ -205,14 +203,14 @@ TEST_P(MarkGrips, VerticesAndSketchesMove)
     shape.vertexCount = 3;
     shape.vertices[1] = world(10, 10);
     const MarkShape moved = drag({1}, 3, 4);
-    EXPECT_TRUE(moved.vertices[1].isEqualTo(world(13, 14), 1e-9));
+    EXPECT_TRUE(isAt(moved.vertices[1], 13, 14));
     EXPECT_TRUE(moved.vertices[0] == shape.vertices[0]);
     shape.targetStyle = 0;
     shape.hasSketch = true;
     const MarkShape sketch = drag({0}, 3, 4);
-    EXPECT_TRUE(sketch.target.corner1.isEqualTo(world(3, 4), 1e-9));
-    EXPECT_TRUE(sketch.target.corner2.isEqualTo(world(123, 64), 1e-9));
-    EXPECT_TRUE(sketch.target.corner3.isEqualTo(world(3, 64), 1e-9));
+    EXPECT_TRUE(isAt(sketch.target.corner1, 3, 4));
+    EXPECT_TRUE(isAt(sketch.target.corner2, 123, 64));
+    EXPECT_TRUE(isAt(sketch.target.corner3, 3, 64));
 }
 
 INSTANTIATE_TEST_SUITE_P(Twists, MarkGrips, testing::Values(0.0, kGePi / 6.0, -2.0));
@@ -232,15 +230,12 @@ protected:
             return typed;
         });
         database = tests::MemoryDrawing().open();
-        AcDbObjectPointer<AcDbBlockTableRecord> space(database->modelSpaceId(), AcDb::kForWrite);
         std::unique_ptr<QuillnoteObj3> made = QuillnoteObj3::forReading();
         made->targetCorner2 = {120, 60, 0};
         made->textHeight = 6;
         made->targetStyle = 4;
         settleMark(*made, *database);
-        QuillnoteObj3 *const mark = made.release();
-        space->appendAcDbEntity(id, mark);
-        mark->close();
+        id = tests::append(*database, std::move(made));
     }
     ~MarkGripEntity() override
     {
@@ -269,21 +264,17 @@ TEST_F(MarkGripEntity, ADragSettlesTheMark)
     EXPECT_TRUE(markDrawingState().textSuppressed);
     const AcGePoint3d flag = mark->flagPoint;
     mark->syncDone = true;
+    EXPECT_EQ(mark->moveGripPointsAt({}, {1, 1, 0}), Acad::eInvalidInput);
+    EXPECT_EQ(drag(*mark, 6, {1, 1, 0}), Acad::eInvalidIndex);
+    EXPECT_EQ(drag(*mark, 0, {0.0009, -0.0009, 0}), Acad::eOk);
+    EXPECT_EQ(mark->targetCorner1, AcGePoint3d());
+    EXPECT_TRUE(mark->syncDone && !mark->gripEditing) << "no drag so far";
+
     EXPECT_EQ(drag(*mark, 0, {10, 20, 0}), Acad::eOk);
     EXPECT_TRUE(mark->targetCorner1.isEqualTo({10, 20, 0}));
     EXPECT_TRUE(mark->flagPoint.isEqualTo(flag + AcGeVector3d(10, 20, 0), 1e-9));
     EXPECT_TRUE(mark->gripEditing);
     EXPECT_FALSE(mark->syncDone);
-}
-
-TEST_F(MarkGripEntity, DragsThatAreNoneChangeNothing)
-{
-    const auto mark = open();
-    EXPECT_EQ(mark->moveGripPointsAt({}, {1, 1, 0}), Acad::eInvalidInput);
-    EXPECT_EQ(drag(*mark, 6, {1, 1, 0}), Acad::eInvalidIndex);
-    EXPECT_EQ(drag(*mark, 0, {0.0009, -0.0009, 0}), Acad::eOk);
-    EXPECT_EQ(mark->targetCorner1, AcGePoint3d());
-    EXPECT_FALSE(mark->gripEditing);
 }
 
 TEST_F(MarkGripEntity, FiveWrongPasswordsAreEnough)

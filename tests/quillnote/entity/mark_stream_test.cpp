@@ -1,4 +1,5 @@
 // Review marks in streams: every version, damage, values out of range.
+#include "quillnote/entity/field_walk.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_fields.h"
 #include "quillnote/frame/settings/start_up_settings.h"
@@ -30,53 +31,6 @@ protected:
         EXPECT_EQ(mark.dwgOutFields(&filer), Acad::eOk);
         return filer.stream();
     }
-    /// The full mark as an old record keeps it: the fields of newer versions have their defaults.
-    std::unique_ptr<QuillnoteObj3> fullMarkOfVersion(int version, std::int16_t targetStyle)
-    {
-        auto expected = std::make_unique<QuillnoteObj3>();
-        tests::setFullMark(*expected, *database);
-        expected->targetStyle = targetStyle;
-        if (version < 7)
-            forgetVersion7(*expected);
-        if (version < 6)
-            forgetVersion6(*expected);
-        if (version < 4)
-            forgetVersion4(*expected);
-        return expected;
-    }
-    static void forgetVersion7(QuillnoteObj3 &mark)
-    {
-        mark.normal = {0, 0, 1};
-        mark.xDirection = {1, 0, 0};
-        mark.targetCorner3 = mark.targetCorner4 = mark.flagPoint = {};
-        mark.textBoxCorner1 = mark.textBoxCorner2 = mark.textBoxCorner3 = mark.textBoxCorner4 = {};
-        mark.flagStyle = 101;
-        mark.leaderMode = mark.reservedShort2 = mark.vertexCount = 0;
-        mark.cornersValid = false;
-        mark.reservedDouble = 0;
-        mark.bigCategory.clear();
-        mark.smallCategory.clear();
-        mark.weight = 5;
-    }
-    static void forgetVersion6(QuillnoteObj3 &mark)
-    {
-        mark.snapEntityIds.clear();
-        mark.snapChecksum.clear();
-        mark.snapImage.clear();
-        mark.fullImage.clear();
-    }
-    static void forgetVersion4(QuillnoteObj3 &mark)
-    {
-        mark.textHeight = 0;
-        mark.leaderEnds = {};
-        mark.leaderUsed = {};
-        mark.editVersion = 1;
-        mark.reservedShortA = mark.reservedShortB = 0;
-        mark.reservedDoubleA = mark.reservedDoubleB = mark.reservedDoubleC = 0;
-        mark.reservedPointA = mark.reservedPointB = mark.reservedPointC = {};
-        mark.autoTextHeight = mark.reservedBoolA = mark.reservedBoolB = false;
-    }
-
     std::unique_ptr<AcDbDatabase> database = tests::drawingOfStreams();
     tests::ScriptFrontEnd frontEnd;
     qsizetype position = 0;
@@ -85,34 +39,30 @@ protected:
 TEST_F(MarkStream, TheCurrentVersionReadsAndWritesTheGoldenBytes)
 {
     QuillnoteObj3 mark;
-    ASSERT_EQ(read(mark, tests::version7Stream()), Acad::eOk);
-    EXPECT_EQ(position, tests::version7Stream().size());
-
-    QuillnoteObj3 expected;
-    tests::setFullMark(expected, *database);
-    ASSERT_FALSE(expected.snapEntityIds[0].isNull());
-    EXPECT_EQ(differingMarkFields(mark, expected), QStringList());
-    EXPECT_TRUE(tests::sameBytes(written(expected), tests::version7Stream()));
+    ASSERT_EQ(read(mark, tests::markStream()), Acad::eOk);
+    EXPECT_EQ(position, tests::markStream().size());
+    EXPECT_TRUE(tests::matchesGolden(tests::fieldLines(mark).toUtf8(), "quillnote/entity/full_mark.txt"));
+    EXPECT_TRUE(tests::sameBytes(written(mark), tests::markStream()));
 }
 
 TEST_F(MarkStream, OldRecordsGetDefaultsAndAreWrittenAsTheCurrentVersion)
 {
-    struct Row {
-        int version;
-        QByteArray stream;
-        std::int16_t targetStyle;
-    };
-    for (const Row &row : {Row{6, tests::version6Stream(2), 2}, Row{4, tests::version4Stream(), 2},
-                           Row{3, tests::version3Stream(), 2}}) {
-        SCOPED_TRACE(row.version);
+    QuillnoteObj3 full;
+    tests::setFullMark(full, *database);
+    const QuillnoteObj3 fresh;
+    for (const int version : {6, 4, 3}) {
+        SCOPED_TRACE(version);
         // What stood in the object before must not shine through.
         QuillnoteObj3 mark;
         tests::setFullMark(mark, *database);
-        ASSERT_EQ(read(mark, row.stream), Acad::eOk);
-        EXPECT_EQ(position, row.stream.size());
+        ASSERT_EQ(read(mark, tests::markStream(version)), Acad::eOk);
+        EXPECT_EQ(position, tests::markStream(version).size());
         EXPECT_EQ(mark.formatVersion, QuillnoteObj3::kFormatVersion);
-        EXPECT_EQ(differingMarkFields(mark, *fullMarkOfVersion(row.version, row.targetStyle)), QStringList());
-
+        EXPECT_FALSE(mark.cornersValid);
+        for (const MarkField &field : markFields()) {
+            EXPECT_TRUE(fields::sameField(mark, field.since > version ? fresh : full, field))
+                << field.name.toString().toStdString();
+        }
         QuillnoteObj3 again;
         ASSERT_EQ(read(again, written(mark)), Acad::eOk);
         EXPECT_EQ(differingMarkFields(again, mark), QStringList());
@@ -123,27 +73,21 @@ TEST_F(MarkStream, AnOldLeaderMarkGetsATextBoxOverItsTarget)
 {
     startUpSettings().BKstyle = 105;
     QuillnoteObj3 mark;
-    ASSERT_EQ(read(mark, tests::version6Stream(-4)), Acad::eOk);
+    ASSERT_EQ(read(mark, tests::markStream(6, -4)), Acad::eOk);
     startUpSettings().reset();
-
     EXPECT_EQ(mark.targetStyle, 0);
     EXPECT_EQ(mark.leaderMode, 1);
     EXPECT_EQ(mark.flagStyle, 105);
-    EXPECT_FALSE(mark.cornersValid);
     EXPECT_EQ(mark.textBoxCorner1, AcGePoint3d(1, 2, 3));
     EXPECT_EQ(mark.textBoxCorner2, AcGePoint3d(4, 5, 0));
     EXPECT_EQ(mark.textBoxCorner3, AcGePoint3d(1, 5, 0));
-}
 
-TEST_F(MarkStream, ATextBoxBeginsAtTheLeftCorner)
-{
-    // Target corner 1 at x = 1 and corner 2 at x = 4 change places: the third double of each stays.
-    QByteArray stream = tests::version6Stream(-4);
+    // Corner 1 at x = 1 and corner 2 at x = 4 change places: the box begins at the left one.
+    QByteArray stream = tests::markStream(6, -4);
     const QByteArray one = QByteArray::fromHex("000000000000f03f");
     const QByteArray four = QByteArray::fromHex("0000000000001040");
     stream.replace(stream.indexOf(four), 8, one);
     stream.replace(stream.indexOf(one), 8, four);
-    QuillnoteObj3 mark;
     ASSERT_EQ(read(mark, stream), Acad::eOk);
     EXPECT_EQ(mark.textBoxCorner1, AcGePoint3d(1, 5, 6));
     EXPECT_EQ(mark.textBoxCorner2, AcGePoint3d(4, 2, 0));
@@ -152,7 +96,7 @@ TEST_F(MarkStream, ATextBoxBeginsAtTheLeftCorner)
 
 TEST_F(MarkStream, ANewerRecordIsRefusedAndLeftAlone)
 {
-    QByteArray stream = tests::version7Stream();
+    QByteArray stream = tests::markStream();
     stream[0] = char(QuillnoteObj3::kFormatVersion + 1);
     QuillnoteObj3 mark;
     const QuillnoteObj3 untouched;
@@ -164,8 +108,7 @@ TEST_F(MarkStream, ANewerRecordIsRefusedAndLeftAlone)
 
 TEST_F(MarkStream, EveryTruncationIsRefusedWithTheRowOfItsField)
 {
-    for (const QByteArray &whole :
-         {tests::version7Stream(), tests::version6Stream(2), tests::version3Stream()}) {
+    for (const QByteArray &whole : {tests::markStream(), tests::markStream(6), tests::markStream(3)}) {
         for (qsizetype size = 0; size < whole.size(); ++size) {
             QuillnoteObj3 mark;
             ASSERT_EQ(read(mark, whole.left(size)), Acad::eEndOfFile) << size;
@@ -177,7 +120,7 @@ TEST_F(MarkStream, EveryTruncationIsRefusedWithTheRowOfItsField)
     }
     // Opinion missing: what came before is kept, the row is named.
     QuillnoteObj3 mark;
-    EXPECT_EQ(read(mark, tests::version7Stream().left(12)), Acad::eEndOfFile);
+    EXPECT_EQ(read(mark, tests::markStream().left(12)), Acad::eEndOfFile);
     EXPECT_EQ(mark.markNumber, 12);
     EXPECT_TRUE(std::exchange(frontEnd.printed, {})
                     .contains(QStringLiteral("@%1:").arg(markField(u"suggestionContent").row.line)));
@@ -236,7 +179,7 @@ TEST_F(MarkStream, AnIdTranslationFilerSeesNothing)
     AcDbMemoryFiler out(AcDb::kIdXlateFiler, database.get());
     EXPECT_EQ(mark.dwgOutFields(&out), Acad::eOk);
     EXPECT_TRUE(out.stream().isEmpty());
-    AcDbMemoryFiler in(AcDb::kIdXlateFiler, database.get(), tests::version7Stream());
+    AcDbMemoryFiler in(AcDb::kIdXlateFiler, database.get(), tests::markStream());
     EXPECT_EQ(mark.dwgInFields(&in), Acad::eOk);
     EXPECT_EQ(in.position(), 0);
     EXPECT_EQ(mark.markNumber, 1);

@@ -1,5 +1,5 @@
-// Review marks as bytes and as groups, written by hand from docs/formats/mark-stream.md and mark-dxf.md,
-// and the mark that they describe: every field has a value of its own.
+// The full mark: every field has a value of its own. full_mark.hex has its bytes and full_mark.txt its
+// values, both written by hand from docs/formats/mark-stream.md; corpus/mark_dxf/full.txt has its groups.
 #pragma once
 
 #include "quillnote/entity/mark_record.h"
@@ -12,16 +12,17 @@ namespace tests
 /// The drawing that the ids of the streams belong to: lines, one of which is the first id.
 std::unique_ptr<AcDbDatabase> drawingOfStreams();
 
-QByteArray version7Stream();
-/// Old records: without the fields of version 7, with this outline code.
-QByteArray version6Stream(std::int16_t targetStyle);
-QByteArray version4Stream();
-QByteArray version3Stream();
+/// The full mark as records of this version hold it.
+QByteArray markStream(int version = QuillnoteObj3::kFormatVersion, std::int16_t targetStyle = 51);
+/// Its groups, the marker first.
+ResbufList dxfGroups();
+/// The fields of a mark, a line for each: "name=value".
+QString fieldLines(const QuillnoteObj3 &mark);
 
-/// Sets every filed field as the version 7 stream has it; `database` gives the ids.
+/// Makes a mark the full one; `database` gives the ids.
 void setFullMark(QuillnoteObj3 &mark, AcDbDatabase &database);
 
-/// The groups of the full mark, the marker first.
-ResbufList dxfGroups();
+/// Puts a mark at the end of model space and closes it.
+AcDbObjectId append(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark);
 
 } // namespace tests

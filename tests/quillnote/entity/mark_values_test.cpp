@@ -1,10 +1,6 @@
 // Numbers, dates and statuses as texts; corners.
-#include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_geometry.h"
-#include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
-
-#include "host/os/clock.h"
 
 #include <gtest/gtest.h>
 
@@ -31,13 +27,15 @@ TEST(MarkValues, DatesAreShownByTheirDistanceFromNow)
 
 TEST(MarkValues, StatusTexts)
 {
-    EXPECT_EQ(handling::statusSentence(0), QString());
-    EXPECT_EQ(handling::statusSentence(-1), u"拒绝修正。");
-    EXPECT_EQ(handling::statusSentence(1), u"有争议，未修正。");
-    EXPECT_EQ(handling::statusSentence(2), u"部分修正。");
-    EXPECT_EQ(handling::statusSentence(3), u"完全修正。");
+    const std::pair<int, const char16_t *> rows[] = {{-1, u"拒绝修正。"},
+                                                     {1, u"有争议，未修正。"},
+                                                     {2, u"部分修正。"},
+                                                     {3, u"完全修正。"},
+                                                     {0, u""},
+                                                     {4, u""}};
+    for (const auto &[code, sentence] : rows)
+        EXPECT_EQ(handling::statusSentence(std::int16_t(code)), QString::fromUtf16(sentence));
     EXPECT_EQ(handling::statusText(3), u"完全修正");
-    EXPECT_EQ(handling::statusText(4), QString());
 }
 
 static void expectNear(const AcGePoint3d &actual, const AcGePoint3d &expected)
@@ -48,49 +46,28 @@ static void expectNear(const AcGePoint3d &actual, const AcGePoint3d &expected)
 
 TEST(MarkGeometry, TheOtherCornersFollowTheXDirection)
 {
-    const CompletedCorners upright =
-        completeCorners({1, 2, 0}, {5, 4, 0}, AcGeVector3d::kZAxis, AcGeVector3d::kXAxis);
-    expectNear(upright.corner3, {1, 4, 0});
-    expectNear(upright.corner4, {5, 2, 0});
-
-    // The same rectangle in a view turned by 30 degrees.
-    const double angle = kGePi / 6;
-    const AcGeVector3d x = AcGeVector3d::kXAxis.rotateBy(angle, AcGeVector3d::kZAxis);
-    const auto turned = [&](const AcGePoint3d &p) { return p.rotateBy(angle, AcGeVector3d::kZAxis); };
-    const CompletedCorners oblique =
-        completeCorners(turned({1, 2, 0}), turned({5, 4, 0}), AcGeVector3d::kZAxis, x);
-    expectNear(oblique.corner3, turned({1, 4, 0}));
-    expectNear(oblique.corner4, turned({5, 2, 0}));
-
-    const CompletedCorners point = completeCorners({3, 3, 0}, {3, 3, 0}, AcGeVector3d::kZAxis, x);
+    // The same rectangle upright and in a view turned by 30 degrees.
+    for (const double angle : {0.0, kGePi / 6}) {
+        const auto turned = [&](double x, double y) {
+            return AcGePoint3d(x, y, 0).rotateBy(angle, AcGeVector3d::kZAxis);
+        };
+        const CompletedCorners others =
+            completeCorners(turned(1, 2), turned(5, 4), AcGeVector3d::kZAxis,
+                            AcGeVector3d::kXAxis.rotateBy(angle, AcGeVector3d::kZAxis));
+        expectNear(others.corner3, turned(1, 4));
+        expectNear(others.corner4, turned(5, 2));
+    }
+    const CompletedCorners point =
+        completeCorners({3, 3, 0}, {3, 3, 0}, AcGeVector3d::kZAxis, AcGeVector3d::kXAxis);
     expectNear(point.corner3, {3, 3, 0});
     expectNear(point.corner4, {3, 3, 0});
 }
 
-TEST(MarkGeometry, TargetAndTextBoxAreCompletedInTheMark)
-{
-    registerMarkClass();
-    QuillnoteObj3 mark;
-    mark.targetCorner1 = {0, 0, 0};
-    mark.targetCorner2 = {4, 3, 0};
-    mark.textBoxCorner1 = {10, 10, 0};
-    mark.textBoxCorner2 = {12, 11, 0};
-    completeTextBoxCorners(mark);
-    EXPECT_FALSE(mark.cornersValid);
-    completeTargetCorners(mark);
-    EXPECT_TRUE(mark.cornersValid);
-    expectNear(mark.targetCorner3, {0, 3, 0});
-    expectNear(mark.targetCorner4, {4, 0, 0});
-    expectNear(mark.textBoxCorner3, {10, 11, 0});
-    expectNear(mark.textBoxCorner4, {12, 10, 0});
-}
-
 TEST(MarkGeometry, CornersAreSortedAsTheUserSeesThem)
 {
-    const AcGeMatrix3d identity;
     for (const auto &[a, b] : {std::pair{AcGePoint3d(1, 5, 0), AcGePoint3d(4, 2, 0)},
                                std::pair{AcGePoint3d(4, 5, 0), AcGePoint3d(1, 2, 0)}}) {
-        const SortedCorners sorted = sortCorners(a, b, identity);
+        const SortedCorners sorted = sortCorners(a, b, {});
         expectNear(sorted.lowerLeft, {1, 2, 0});
         expectNear(sorted.upperRight, {4, 5, 0});
     }
