@@ -15,9 +15,11 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QStandardItemModel>
+#include <QStyledItemDelegate>
 #include <QTextDocumentFragment>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -71,6 +73,33 @@ void CommandEdit::keyPressEvent(QKeyEvent *event)
         QLineEdit::keyPressEvent(event);
 }
 
+// Proposals ---------------------------------------------------------------------------------------
+
+namespace
+{
+
+/// A command's name, and behind it what the command does.
+class ProposalDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        constexpr int kNameLength = 32; // Characters.
+        QStyledItemDelegate::paint(painter, option, index);
+        const int wide = option.fontMetrics.averageCharWidth();
+        const QRect room = option.rect.adjusted(kNameLength * wide, 0, -wide, 0);
+        const bool isSelected = option.state & QStyle::State_Selected;
+        painter->setPen(option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
+        painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine,
+                          option.fontMetrics.elidedText(index.data(Qt::AccessibleDescriptionRole).toString(),
+                                                        Qt::ElideRight, room.width()));
+    }
+};
+
+} // namespace
+
 // The panel ---------------------------------------------------------------------------------------
 
 static int linesHeight(const QPlainTextEdit &edit, int lines)
@@ -122,6 +151,7 @@ CommandLinePanel::CommandLinePanel(WindowFrontEnd &front, QWidget *parent)
     m_completer->setCaseSensitivity(Qt::CaseInsensitive);
     m_completer->setMaxVisibleItems(12);
     m_completer->popup()->setAccessibleName(tr("命令"));
+    m_completer->popup()->setItemDelegate(new ProposalDelegate(this));
 
     setFocusProxy(m_edit);
     connect(m_edit, &CommandEdit::confirmed, this, &CommandLinePanel::confirm);
@@ -253,7 +283,7 @@ void CommandLinePanel::renewNames()
     m_names->clear();
     for (const CommandName &name : commandNames()) {
         auto *const item = new QStandardItem(name.name);
-        item->setToolTip(name.meaning);
+        item->setAccessibleDescription(name.meaning);
         m_names->appendRow(item);
     }
 }

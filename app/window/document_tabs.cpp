@@ -16,7 +16,7 @@ FollowingTabs::FollowingTabs(QWidget *parent) : QTabBar(parent)
     setExpanding(false);
     setDrawBase(false);
     setUsesScrollButtons(true);
-    setElideMode(Qt::ElideMiddle);
+    setElideMode(Qt::ElideNone); // Names that cannot be read help nobody: the bar scrolls.
     connect(this, &QTabBar::currentChanged, this, [this](int place) {
         if (!m_isFollowing && place >= 0)
             Q_EMIT wanted(place);

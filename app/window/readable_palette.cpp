@@ -6,8 +6,7 @@
 namespace window
 {
 
-/// As much of the text as it takes to be read, and visibly less than the text itself.
-static QColor between(const QColor &text, const QColor &background)
+QColor subdued(const QColor &text, const QColor &background)
 {
     const auto part = [](int one, int other) { return (one * 11 + other * 9) / 20; };
     return QColor(part(text.red(), background.red()), part(text.green(), background.green()),
@@ -33,7 +32,7 @@ QPalette paletteCorrections(const QPalette &palette)
                            QPalette::ColorRole under) {
         const QColor background = palette.color(group, under);
         if (!standsOut(palette.color(group, wanted), background))
-            corrected.setColor(group, wanted, between(palette.color(QPalette::Active, text), background));
+            corrected.setColor(group, wanted, subdued(palette.color(QPalette::Active, text), background));
     };
     for (const auto &[text, background] : kTexts)
         check(QPalette::Disabled, text, text, background);

@@ -1,5 +1,5 @@
-// The desktop's palette with what cannot be read put right: high-contrast palettes often leave disabled texts and
-// placeholders in the colour of what lies under them.
+// The desktop's palette with what cannot be read put right: high-contrast palettes often leave disabled texts
+// and placeholders in the colour of what lies under them.
 #pragma once
 
 #include <QObject>
@@ -7,6 +7,9 @@
 
 namespace window
 {
+
+/// As much of the text's colour as it takes to be seen, and visibly less than the text itself.
+QColor subdued(const QColor &text, const QColor &background);
 
 /// Those colours of the palette that cannot be read, readable; nothing else is set in it.
 QPalette paletteCorrections(const QPalette &palette);

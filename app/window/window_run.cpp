@@ -4,6 +4,7 @@
 #include "app/window/first_start.h"
 #include "app/window/main_window.h"
 #include "app/window/readable_palette.h"
+#include "app/window/visible_edges.h"
 #include "host/acap/docman.h"
 #include "host/aced/edcommands.h"
 #include "host/os/settings_store.h"
@@ -48,6 +49,7 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
 {
     QTranslator own, qt;
     loadTranslations(own, qt);
+    QApplication::setStyle(new VisibleEdges);
     const ReadablePalette readable;
     WindowFrontEnd front;
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);

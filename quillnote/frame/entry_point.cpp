@@ -97,6 +97,10 @@ static void unload()
 // A second pass after a LISP call would only queue the menu again, so these steps run once a drawing.
 static void drawingLoaded()
 {
+    // The window starts without a drawing whose size could be asked. A script does the same with every
+    // drawing.
+    if (!acedFrontEnd().isScripted() && acedIntVar(QStringLiteral("TILEMODE"), 1) != 0)
+        suitTextHeight(currentViewSize);
     queueMenuLoad();
     defineLispFunctions();
     if (settings::number(u"autoFlagRefresh") > 0)

@@ -11,6 +11,8 @@ StartUpSettings &startUpSettings()
     return copies;
 }
 
+static constexpr int kTextHeight = 1000;
+
 /// A twentieth of the view's height, rounded up to whole units; no value for a view without a size.
 static std::optional<int> heightForView(const ViewSize &viewSize)
 {
@@ -47,7 +49,7 @@ void readStartUpSettings(const ViewSize &viewSize)
                           (settings::number(u"SnapReview") != 0 ? StartUpSettings::kReviewFullView : 0);
     copies.autoFlagSize = isOn(u"autoFlagSize");
     copies.applyAll = isOn(u"applyAll");
-    copies.textHeight = readTextHeight(u"textHeight", viewSize, 1000);
+    copies.textHeight = readTextHeight(u"textHeight", viewSize, kTextHeight);
     copies.textHeightPS = readTextHeight(u"textHeightPS", viewSize, 10);
     copies.showMarkText = settings::number(u"NoDisplayText") != 1;
     copies.autoTargetTextHeight = settings::number(u"autoTargetTxtH") >= 0;
@@ -59,4 +61,10 @@ void readStartUpSettings(const ViewSize &viewSize)
     copies.viewDateTime = isOn(u"viewDateTime");
     copies.viewName = isOn(u"viewName");
     copies.viewFlag = isOn(u"viewFlag");
+}
+
+void suitTextHeight(const ViewSize &viewSize)
+{
+    if (settings::number(u"textHeight") <= 0)
+        startUpSettings().textHeight = heightForView(viewSize).value_or(kTextHeight);
 }

@@ -40,3 +40,6 @@ using ViewSize = std::function<std::optional<double>()>;
 
 /// Reads all copies anew. A text height that is not stored is taken from the view and stored.
 void readStartUpSettings(const ViewSize &viewSize);
+
+/// As long as no text height is stored, new marks in model space get one that suits the view. Stores nothing.
+void suitTextHeight(const ViewSize &viewSize);

@@ -8,6 +8,7 @@
 #include "app/window/recent_files.h"
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
+#include "app/window/visible_edges.h"
 #include "tests/app/front_end/window_session.h"
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
@@ -21,6 +22,7 @@
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -280,4 +282,29 @@ TEST(ReadablePalette, CorrectsOnlyWhatCannotBeRead)
         }
         EXPECT_EQ(corrected.color(QPalette::Active, QPalette::Text), QColor(text));
     }
+}
+
+TEST(VisibleEdges, ShowOnBlackOnly)
+{
+    window::VisibleEdges style;
+    const auto drawn = [&style](const QColor &background, bool isVisible) {
+        QCheckBox box;
+        if (isVisible)
+            box.setStyle(&style);
+        box.setPalette(QPalette(Qt::gray, background, Qt::gray, background, background, Qt::gray, Qt::gray,
+                                background, background));
+        box.resize(20, 20);
+        return box.grab().toImage().convertToFormat(QImage::Format_Grayscale8);
+    };
+    const auto brightest = [](const QImage &image) {
+        int gray = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                gray = std::max(gray, qGray(image.pixel(x, y)));
+        }
+        return gray;
+    };
+    EXPECT_LT(brightest(drawn(Qt::black, false)), 60) << "no longer needed";
+    EXPECT_GE(brightest(drawn(Qt::black, true)), 75);
+    EXPECT_EQ(drawn(QColor(239, 239, 239), true), drawn(QColor(239, 239, 239), false));
 }

@@ -160,6 +160,20 @@ TEST_F(Settings, TheTextHeightComesFromTheViewOnce)
     EXPECT_EQ(settings::number(u"textHeight"), 100);
 }
 
+TEST_F(Settings, ATextHeightThatNobodySetSuitsEachDrawing)
+{
+    for (const auto &[size, height] :
+         {std::pair(25.0, 2), std::pair(13000.0, 651), std::pair(-500.0, 1000)}) {
+        suitTextHeight(viewOf(size));
+        EXPECT_EQ(startUpSettings().textHeight, height);
+        EXPECT_EQ(settings::number(u"textHeight"), 0);
+    }
+    settings::setNumber(u"textHeight", 35);
+    readStartUpSettings(viewOf(13000.0));
+    suitTextHeight(viewOf(13000.0));
+    EXPECT_EQ(startUpSettings().textHeight, 35);
+}
+
 TEST_F(Settings, AViewWithoutASensibleSizeStoresNothing)
 {
     for (const double size :
