@@ -1,39 +1,37 @@
-// Length along curves by Gauss-Legendre quadrature on pieces that are halved until halving changes
-// nothing; the way back by Newton steps inside the piece that holds the wanted length.
+// Length along curves by Simpson's rule on pieces that are halved until halving changes next to nothing; the
+// way back by the cubic through the ends of the piece that holds the wanted length.
 #include "host/acge/gecurve.h"
 
 #include <algorithm>
-#include <array>
 
-// Points and weights on -1 .. 1.
-static constexpr std::array<double, 5> kGaussPoints{-0.9061798459386640, -0.5384693101056831, 0.0,
-                                                    0.5384693101056831, 0.9061798459386640};
-static constexpr std::array<double, 5> kGaussWeights{
-    0.2369268850561891, 0.4786286704993665, 0.5688888888888889, 0.4786286704993665, 0.2369268850561891};
-
-double AcGeCurve3d::lengthBetween(double from, double to) const
+AcGeCurve3d::Sample AcGeCurve3d::sampleAt(double parameter) const
 {
-    const double half = 0.5 * (to - from);
-    const double middle = 0.5 * (to + from);
-    double sum = 0.0;
-    for (std::size_t i = 0; i < kGaussPoints.size(); ++i)
-        sum += kGaussWeights[i] * getFirstDeriv(middle + half * kGaussPoints[i]).length();
-    return sum * half;
+    return {parameter, getFirstDeriv(parameter).length()};
 }
 
-void AcGeCurve3d::measure(double from, double to, double length, double tolerance, int depth) const
+double AcGeCurve3d::lengthOf(const Sample &from, const Sample &middle, const Sample &to)
 {
-    const double middle = 0.5 * (from + to);
-    const double first = lengthBetween(from, middle);
-    const double second = lengthBetween(middle, to);
+    return (to.parameter - from.parameter) * (from.speed + 4.0 * middle.speed + to.speed) / 6.0;
+}
+
+void AcGeCurve3d::measure(const Sample &from, const Sample &middle, const Sample &to, double tolerance,
+                          int depth) const
+{
+    const Sample before = sampleAt(0.5 * (from.parameter + middle.parameter));
+    const Sample after = sampleAt(0.5 * (middle.parameter + to.parameter));
+    const double first = lengthOf(from, before, middle);
+    const double second = lengthOf(middle, after, to);
+    const double change = first + second - lengthOf(from, middle, to);
     // Not "greater": a length that is no number ends the halving too.
-    if (depth == 0 || !(std::abs(first + second - length) > tolerance)) {
-        addMeasure(middle, m_measures.back().length + first);
-        addMeasure(to, m_measures.back().length + second);
+    if (depth == 0 || !(std::abs(change) > tolerance)) {
+        // Halving again would change a sixteenth of that, and so on.
+        const double rest = change / 15.0 / 2.0;
+        m_measures.push_back({middle, m_measures.back().length + first + rest});
+        m_measures.push_back({to, m_measures.back().length + second + rest});
         return;
     }
-    measure(from, middle, first, tolerance, depth - 1);
-    measure(middle, to, second, tolerance, depth - 1);
+    measure(from, before, middle, tolerance, depth - 1);
+    measure(middle, after, to, tolerance, depth - 1);
 }
 
 const std::vector<AcGeCurve3d::Measure> &AcGeCurve3d::measures() const
@@ -41,19 +39,19 @@ const std::vector<AcGeCurve3d::Measure> &AcGeCurve3d::measures() const
     const std::optional<double> end = getEndParam();
     if (!m_measures.empty() || !end)
         return m_measures;
-    const std::vector<double> spans = smoothSpans(*end);
-    std::vector<double> lengths;
+    std::vector<Sample> samples{sampleAt(0.0)}; // Ends of the spans, and their middles.
     double total = 0.0;
+    const std::vector<double> spans = smoothSpans(*end);
     for (std::size_t i = 1; i < spans.size(); ++i) {
-        lengths.push_back(lengthBetween(spans[i - 1], spans[i]));
-        total += lengths.back();
+        samples.push_back(sampleAt(0.5 * (spans[i - 1] + spans[i])));
+        samples.push_back(sampleAt(spans[i]));
+        total += lengthOf(samples[2 * i - 2], samples[2 * i - 1], samples[2 * i]);
     }
-    addMeasure(0.0, 0.0);
-    // The two halves together are about a thousand times closer than what is compared here.
-    constexpr double kTolerance = 1e-8;
+    constexpr double kTolerance = 1e-6;
     constexpr int kDepth = 24;
-    for (std::size_t i = 1; i < spans.size(); ++i)
-        measure(spans[i - 1], spans[i], lengths[i - 1], kTolerance * total, kDepth);
+    m_measures.push_back({samples.front(), 0.0});
+    for (std::size_t i = 2; i < samples.size(); i += 2)
+        measure(samples[i - 2], samples[i - 1], samples[i], kTolerance * total, kDepth);
     return m_measures;
 }
 
@@ -67,16 +65,11 @@ std::optional<double> AcGeCurve3d::getDistAtParam(double parameter) const
     if (after == known.end())
         return known.back().length;
     const Measure &before = *std::prev(after);
-    return before.length + lengthBetween(before.parameter, inside);
+    return before.length + lengthOf(before, sampleAt(0.5 * (before.parameter + inside)), sampleAt(inside));
 }
 
-void AcGeCurve3d::addMeasure(double parameter, double length) const
-{
-    m_measures.push_back({parameter, length, getFirstDeriv(parameter).length()});
-}
-
-/// The cubic through both ends with their slopes; straight where the curve stops.
-double AcGeCurve3d::guess(const Measure &low, const Measure &high, double distance)
+/// By the cubic through both ends with their slopes; straight where the curve stops.
+double AcGeCurve3d::parameterBetween(const Measure &low, const Measure &high, double distance)
 {
     const double length = high.length - low.length;
     const double span = high.parameter - low.parameter;
@@ -94,24 +87,7 @@ double AcGeCurve3d::parameterAt(double distance) const
         return 0.0;
     if (after == m_measures.end())
         return m_measures.back().parameter;
-    const Measure &low = *std::prev(after);
-    double from = low.parameter;
-    double to = after->parameter;
-    double at = guess(low, *after, distance);
-    // A step of Newton's squares the error, so the one from here is the last one needed.
-    const double nearby = 1e-4 * (after->length - low.length);
-    constexpr int kSteps = 60;
-    for (int step = 0; step < kSteps; ++step) {
-        const double excess = low.length + lengthBetween(low.parameter, at) - distance;
-        (excess > 0.0 ? to : from) = at;
-        // Where the curve nearly stops, a step leaves the bracket; halve it then.
-        const double next = at - excess / getFirstDeriv(at).length();
-        const bool isInside = next >= from && next <= to;
-        at = isInside ? next : 0.5 * (from + to);
-        if (isInside && std::abs(excess) <= nearby)
-            break;
-    }
-    return at;
+    return parameterBetween(*std::prev(after), *after, distance);
 }
 
 std::optional<AcGePoint3d> AcGeCurve3d::getPointAtDist(double distance) const

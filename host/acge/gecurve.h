@@ -7,7 +7,8 @@
 #include <span>
 #include <vector>
 
-/// A curve of finite length. Lengths are found numerically, to about 1e-9 of the whole.
+/// A curve of finite length. Lengths are found numerically, to about a millionth of the whole, and the points
+/// at a length to a ten-thousandth: for things strung along a curve.
 class AcGeCurve3d
 {
 public:
@@ -27,16 +28,19 @@ protected:
     virtual std::vector<double> smoothSpans(double end) const = 0;
 
 private:
-    struct Measure {
+    struct Sample {
         double parameter;
+        double speed; ///< Length of the first derivative.
+    };
+    struct Measure : Sample {
         double length; ///< From the start.
-        double speed;  ///< Length of the first derivative.
     };
     const std::vector<Measure> &measures() const;
-    double lengthBetween(double from, double to) const;
-    void measure(double from, double to, double length, double tolerance, int depth) const;
-    void addMeasure(double parameter, double length) const;
-    static double guess(const Measure &low, const Measure &high, double distance);
+    Sample sampleAt(double parameter) const;
+    static double lengthOf(const Sample &from, const Sample &middle, const Sample &to);
+    void measure(const Sample &from, const Sample &middle, const Sample &to, double tolerance,
+                 int depth) const;
+    static double parameterBetween(const Measure &low, const Measure &high, double distance);
     double parameterAt(double distance) const;
     mutable std::vector<Measure> m_measures; ///< Made on first use.
 };

@@ -85,7 +85,6 @@ public:
         : m_database(database), m_blocks(database), m_styles(database), m_settings(markDrawingSettings()),
           m_view(currentMarkView(&database))
     {
-        m_view.textSuppressed = false;
         m_styles.giveBigFontToCurrent();
     }
 

@@ -7,27 +7,6 @@
 namespace
 {
 
-/// A target as seen: its lower left corner and its size, in eye coordinates.
-struct SeenTarget {
-    AcGePoint3d corner;
-    double width = 0.0;
-    double height = 0.0;
-
-    AcGePoint3d at(double widths, double heights) const
-    {
-        return {corner.x + width * widths, corner.y + height * heights, corner.z};
-    }
-};
-
-SeenTarget seenTarget(const MarkCorners &target, const AcGeMatrix3d &worldToEye)
-{
-    const AcGePoint3d p = worldToEye * target.corner1;
-    const AcGePoint3d q = worldToEye * target.corner2;
-    return {.corner = {std::min(p.x, q.x), std::min(p.y, q.y), p.z},
-            .width = std::abs(q.x - p.x),
-            .height = std::abs(q.y - p.y)};
-}
-
 AcGePoint3d nearest(std::span<const AcGePoint3d> candidates, const AcGePoint3d &reference)
 {
     const auto distance = [&](const AcGePoint3d &p) {
@@ -36,24 +15,44 @@ AcGePoint3d nearest(std::span<const AcGePoint3d> candidates, const AcGePoint3d &
     return *std::ranges::min_element(candidates, {}, distance);
 }
 
-AcGePoint3d onRectangle(const SeenTarget &target, const AcGePoint3d &reference)
+AcGePoint3d along(const AcGePoint3d &a, const AcGePoint3d &b, double share)
+{
+    return a + (b - a) * share;
+}
+
+AcGePoint3d onRectangle(const MarkCorners &target, const AcGePoint3d &reference)
 {
     constexpr double shares[] = {1.0 / 5.0, 1.0 / 3.0, 1.0 / 2.0};
     std::array<AcGePoint3d, 12> candidates;
     for (std::size_t i = 0; i < 3; ++i) {
-        candidates[i] = target.at(shares[i], 0.0);
-        candidates[3 + i] = target.at(1.0, shares[i]);
-        candidates[6 + i] = target.at(shares[i], 1.0);
-        candidates[9 + i] = target.at(0.0, shares[i]);
+        candidates[i] = along(target.corner1, target.corner4, shares[i]);
+        candidates[3 + i] = along(target.corner4, target.corner2, shares[i]);
+        candidates[6 + i] = along(target.corner3, target.corner2, shares[i]);
+        candidates[9 + i] = along(target.corner1, target.corner3, shares[i]);
     }
     return nearest(candidates, reference);
 }
 
-AcGePoint3d onEllipse(const SeenTarget &target, const AcGePoint3d &reference)
+AcGePoint3d onEllipse(const MarkCorners &box, const AcGePoint3d &reference)
 {
-    const std::array<AcGePoint3d, 4> candidates{target.at(0.5, 0.0), target.at(1.0, 0.5), target.at(0.5, 1.0),
-                                                target.at(0.0, 0.5)};
+    const std::array<AcGePoint3d, 4> candidates{
+        along(box.corner1, box.corner4, 0.5), along(box.corner4, box.corner2, 0.5),
+        along(box.corner3, box.corner2, 0.5), along(box.corner1, box.corner3, 0.5)};
     return nearest(candidates, reference);
+}
+
+/// The box that is level as seen over the target's diagonal; the thin ellipse lies in it.
+MarkCorners levelBox(const MarkCorners &target, const AcGeMatrix3d &worldToEye)
+{
+    const AcGePoint3d p = worldToEye * target.corner1;
+    const AcGePoint3d q = worldToEye * target.corner2;
+    const AcGePoint3d low(std::min(p.x, q.x), std::min(p.y, q.y), p.z);
+    const AcGePoint3d high(std::max(p.x, q.x), std::max(p.y, q.y), p.z);
+    const AcGeMatrix3d eyeToWorld = worldToEye.inverse();
+    return {.corner1 = eyeToWorld * low,
+            .corner2 = eyeToWorld * high,
+            .corner3 = eyeToWorld * AcGePoint3d(low.x, high.y, p.z),
+            .corner4 = eyeToWorld * AcGePoint3d(high.x, low.y, p.z)};
 }
 
 AcGePoint3d middleOfDistinct(std::span<const AcGePoint3d> vertices)
@@ -170,11 +169,10 @@ std::optional<AcGePoint3d> attachLeaders(int targetStyle, int drawnStyle, const 
         return std::nullopt;
     if (drawnStyle > 50)
         return onFreeOutline(mark.vertices, drawnStyle == 52 || drawnStyle == 54, reference);
-    const SeenTarget target = seenTarget(mark.target, worldToEye);
-    const AcGePoint3d seenReference = worldToEye * reference;
-    const bool isEllipse = drawnStyle == 1 || drawnStyle == 3 || drawnStyle == 6;
-    return worldToEye.inverse() *
-           (isEllipse ? onEllipse(target, seenReference) : onRectangle(target, seenReference));
+    if (drawnStyle == 1)
+        return onEllipse(levelBox(mark.target, worldToEye), reference);
+    const bool isEllipse = drawnStyle == 3 || drawnStyle == 6;
+    return isEllipse ? onEllipse(mark.target, reference) : onRectangle(mark.target, reference);
 }
 
 AcGePoint3d snapLeaderEnd(const AcGePoint3d &end, const WaveMiddles &middles)

@@ -8,7 +8,7 @@
 /// the mark has no target outline or no used leader, or its polygon or spline lies beside the line to the
 /// reference point. Whoever sets the slot marks it used.
 ///
-/// Rectangles offer twelve points, ellipses the middles of their sides, in the frame of the view; the nearest
+/// Rectangles offer twelve points of their sides, ellipses the middles of the sides around them; the nearest
 /// one is taken, the first one of equals. Polygons and splines offer the first point of the outline that is
 /// met on the way from the middle of the vertices to the reference point.
 std::optional<AcGePoint3d> attachLeaders(int targetStyle, int drawnStyle, const OutlineRecord &mark,

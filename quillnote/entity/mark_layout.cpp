@@ -280,8 +280,7 @@ void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found)
 
 void settleMark(QuillnoteObj3 &mark, const AcDbDatabase &database)
 {
-    MarkView view = currentMarkView(&database);
-    view.textSuppressed = false; // The box fits the text, also while grips hide it.
+    const MarkView view = currentMarkView(&database);
     applyWriteBack(mark, layOutMark(mark, markDrawingSettings(), view).writeBack);
 }
 
@@ -309,12 +308,19 @@ MarkView markViewOf(const AcGiViewport &viewport)
             .flagRefreshRunning = state.flagRefreshRunning};
 }
 
-MarkView currentMarkView(const AcDbDatabase *database)
+static AcGiViewport currentViewport(const AcDbDatabase *database)
 {
     if (const AcApDocument *const document = database ? acDocManager()->document(database) : nullptr)
-        return markViewOf(acedViewport(*document));
+        return acedViewport(*document);
     AcApView saved;
     if (database)
         acapRestoreView(*database, database->modelSpaceId(), saved);
-    return markViewOf(acedGiViewport(saved, false));
+    return acedGiViewport(saved, false);
+}
+
+MarkView currentMarkView(const AcDbDatabase *database)
+{
+    MarkView view = markViewOf(currentViewport(database));
+    view.textSuppressed = false;
+    return view;
 }

@@ -25,7 +25,8 @@ struct MarkView {
 };
 /// `viewport` with what the process says. Prints when the running command cannot be read.
 MarkView markViewOf(const AcGiViewport &viewport);
-/// How the drawing is seen now: in its document's view, or without a document in the view saved with it.
+/// How the drawing is seen now: in its document's view, or without a document in the view saved with it. With
+/// the text of marks, also while grips hide it on the screen: what is kept of a mark does not depend on that.
 MarkView currentMarkView(const AcDbDatabase *database);
 
 /// Who the picture is for.

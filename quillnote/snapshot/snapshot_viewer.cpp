@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QStyle>
+#include <QtWidgets/qdrawutil.h>
 
 static constexpr int kFromEdge = 2;
 static constexpr QPoint kFullViewPlace(20, 200); ///< From the right edge; from the top.
@@ -73,7 +74,10 @@ void CViewSnapshot::showPicture(const QPixmap &picture)
 
 void CViewSnapshot::paintEvent(QPaintEvent *)
 {
-    QPainter(this).drawPixmap(0, 0, m_picture);
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, m_picture);
+    // Its edge tells the picture from the drawing under it.
+    qDrawShadePanel(&painter, rect(), palette(), true);
 }
 
 void CViewSnapshot::mousePressEvent(QMouseEvent *event)

@@ -23,10 +23,10 @@ TEST(Curves, EllipseLengths)
     for (const auto &[minor, perimeter] :
          {std::pair(0.5, 4.844224110273838), std::pair(0.1, 4.063974180100895), std::pair(1e-6, 4.0)}) {
         const AcGeEllipArc3d ellipse({}, {1, 0, 0}, {0, minor, 0});
-        EXPECT_NEAR(*ellipse.getDistAtParam(2 * kGePi), perimeter, 4e-9) << minor;
-        expectNear(*ellipse.getPointAtDist(perimeter / 4), {0, minor, 0}, 4e-9);
-        const double third = *ellipse.getDistAtParam(2.0);
-        expectNear(*ellipse.getPointAtDist(third), ellipse.getPointAtParam(2.0), 1e-8);
+        EXPECT_NEAR(*ellipse.getDistAtParam(2 * kGePi), perimeter, 1e-6 * perimeter) << minor;
+        expectNear(*ellipse.getPointAtDist(perimeter / 4), {0, minor, 0}, 1e-6);
+        const double part = *ellipse.getDistAtParam(2.0);
+        expectNear(*ellipse.getPointAtDist(part), ellipse.getPointAtParam(2.0), 1e-4 * perimeter);
     }
 }
 
@@ -59,9 +59,9 @@ TEST(Curves, LengthOfASplineAgreesWithFineChords)
     for (int i = 0; i < kChords; ++i)
         chords += spline.getPointAtParam(end * i / kChords)
                       .distanceTo(spline.getPointAtParam(end * (i + 1) / kChords));
-    EXPECT_NEAR(*spline.getDistAtParam(end), chords, 1e-7);
-    expectNear(*spline.getPointAtDist(*spline.getDistAtParam(0.37 * end)),
-               spline.getPointAtParam(0.37 * end));
+    EXPECT_NEAR(*spline.getDistAtParam(end), chords, 1e-6 * chords);
+    expectNear(*spline.getPointAtDist(*spline.getDistAtParam(0.37 * end)), spline.getPointAtParam(0.37 * end),
+               1e-4 * chords);
 }
 
 TEST(Curves, WhatCannotBeComputedHasNoEnd)

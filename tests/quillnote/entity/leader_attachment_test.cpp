@@ -14,6 +14,8 @@ static OutlineRecord target(const AcGePoint3d &corner1, const AcGePoint3d &corne
     OutlineRecord mark;
     mark.target.corner1 = corner1;
     mark.target.corner2 = corner2;
+    mark.target.corner3 = {corner1.x, corner2.y, 0};
+    mark.target.corner4 = {corner2.x, corner1.y, 0};
     return mark;
 }
 
@@ -33,14 +35,22 @@ TEST(LeaderAttachment, RectanglesOfferTwelvePoints)
     EXPECT_FALSE(attachLeaders(2, 2, mark, false, {99, 0, 0}, {})) << "no leader";
 }
 
-TEST(LeaderAttachment, SidesAreThoseOfTheView)
+TEST(LeaderAttachment, EndsLieOnTheTargetHoweverItIsSeen)
 {
-    // A quarter turn: the world's x runs upwards on the screen.
-    const AcGeMatrix3d twist = AcGeMatrix3d::rotation(kGePi / 2, AcGeVector3d::kZAxis);
-    const OutlineRecord mark = target({30, 0, 0}, {0, 60, 0});
-    // The lower side as seen is x = 0, with its left end at y = 60.
-    expectNear(attachLeaders(2, 2, mark, true, {-9, 55, 0}, twist), {0, 48, 0});
-    expectNear(attachLeaders(3, 3, mark, true, {-9, 40, 0}, twist), {0, 30, 0});
+    // Made in a view turned by a quarter: the world's x runs upwards, the lower side is x = 0.
+    const AcGeMatrix3d quarter = AcGeMatrix3d::rotation(kGePi / 2, AcGeVector3d::kZAxis);
+    OutlineRecord mark;
+    mark.target = {.corner1 = {0, 60, 0}, .corner2 = {30, 0, 0}, .corner3 = {30, 60, 0}, .corner4 = {}};
+    for (const AcGeMatrix3d &view : {quarter, AcGeMatrix3d()}) {
+        expectNear(attachLeaders(2, 2, mark, true, {-9, 55, 0}, view), {0, 48, 0});
+        expectNear(attachLeaders(3, 3, mark, true, {-9, 40, 0}, view), {0, 30, 0});
+        expectNear(attachLeaders(1, 1, mark, true, {-9, 40, 0}, view), {0, 30, 0});
+    }
+    // The thin ellipse is level as seen: over the diagonal of a square seen from its corner it is flat.
+    const AcGeMatrix3d eighth = AcGeMatrix3d::rotation(kGePi / 4, AcGeVector3d::kZAxis);
+    const OutlineRecord square = target({0, 0, 0}, {10, 10, 0});
+    expectNear(attachLeaders(1, 1, square, true, {99, 101, 0}, eighth), {10, 10, 0});
+    expectNear(attachLeaders(3, 3, square, true, {99, 101, 0}, eighth), {5, 10, 0});
 }
 
 TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)

@@ -7,8 +7,6 @@
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/aced/edcommands.h"
-#include "host/aced/edinput.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/recorder.h"
 #include "tests/support/script_front_end.h"
@@ -121,29 +119,29 @@ TEST_F(MarkDrawTest, HiddenMarksDrawNothingAnywhere)
 
 TEST_F(MarkDrawTest, ADraggedThickWaveIsDrawnAsArcsForOnePass)
 {
-    const AcDbObjectId id = append([](QuillnoteObj3 &mark) { mark.targetStyle = 5; });
+    const AcDbObjectId id = append([](QuillnoteObj3 &mark) {
+        mark.targetStyle = 5;
+        mark.leaderMode = 1;
+        mark.flagStyle = 105;
+        mark.textBoxCorner1 = {200, 100, 0};
+        mark.textBoxCorner2 = {300, 120, 0};
+    });
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     mark->gripEditing = true;
-    const qsizetype arcs = draw(*mark).filter(QStringLiteral("arc")).size();
-    EXPECT_GT(arcs, 20);
+    const QStringList dragged = draw(*mark);
+    EXPECT_GT(dragged.filter(QStringLiteral("arc")).size(), 20);
+    EXPECT_EQ(dragged.filter(QStringLiteral("fill")).size(), 1) << "the flag; target and box are arcs";
     EXPECT_EQ(draw(*mark).filter(QStringLiteral("arc")).size(), 0);
 }
 
-TEST_F(MarkDrawTest, PlotsShowTheFlagAsAnOutline)
+TEST_F(MarkDrawTest, SavedGraphicsKeepTheTextThatGripsHide)
 {
-    const AcDbObjectId id = append([](QuillnoteObj3 &mark) {
-        mark.targetStyle = 0;
-        mark.leaderMode = 1;
-        mark.suggestionContent.clear();
-    });
-    EXPECT_EQ(draw(id).filter(QStringLiteral("fill")).size(), 1);
-    QStringList plotted;
-    acedRegCmds()->addCommand(QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
-                              [&] { plotted = draw(id); });
-    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("PLOT")), RTNORM);
-    acedRegCmds()->removeGroup(QStringLiteral("TEST"));
-    EXPECT_FALSE(plotted.isEmpty());
-    EXPECT_EQ(plotted.filter(QStringLiteral("fill")).size(), 0);
+    const AcDbObjectId id = append();
+    markDrawingState().textSuppressed = true;
+    tests::Recorder recorder;
+    AcGiWorldDraw context(recorder, kAcGiSaveWorldDrawForProxy);
+    AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->saveAs(&context);
+    EXPECT_FALSE(firstWith(recorder.lines, QStringLiteral("门宽不足")).isEmpty());
 }
 
 TEST_F(MarkDrawTest, ExtentsHoldTheTextOfAMarkThatWasNeverDrawn)

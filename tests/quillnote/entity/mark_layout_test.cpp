@@ -128,50 +128,7 @@ TEST_F(MarkLayoutTest, ProgramsThatDoNotKnowMarksSeeSimplerOnes)
     EXPECT_EQ(leader.frame.pieces.size(), 1u);
 }
 
-TEST_F(MarkLayoutTest, PlotsMeasureByTheTarget)
-{
-    EXPECT_NEAR(layOut().drawUnit, 1.5, kTolerance);
-    view.plotting = true;
-    EXPECT_NEAR(layOut().drawUnit, std::hypot(120, 60) / 30, kTolerance);
-}
-
 // Flag --------------------------------------------------------------------------------------------
-
-TEST_F(MarkLayoutTest, NumbersShrinkToFitTheFlag)
-{
-    struct Row {
-        std::uint16_t number;
-        std::uint16_t subNumber;
-        double x; ///< From the anchor, in sizes of the flag.
-        double y;
-        double size;
-    };
-    const Row rows[] = {
-        {7, 0, 0.5, -0.95, 0.75},   {42, 0, 0.3, -0.9, 0.7},      {7, 2, 0.2, -0.9, 0.6},
-        {1234, 0, 0.1, -0.85, 0.5}, {12345, 0, 0.05, -0.85, 0.5}, {123, 456, 0.05, -0.85, 0.5},
-    };
-    for (const Row &row : rows) {
-        mark->markNumber = row.number;
-        mark->subNumber = row.subNumber;
-        const MarkTextLine number = layOut().flag->number;
-        EXPECT_TRUE(isAt(number.base, {120 + 6 * row.x, 60 + 6 * row.y, 0})) << row.number;
-        EXPECT_NEAR(number.size, 6 * row.size, kTolerance) << row.number;
-    }
-}
-
-TEST_F(MarkLayoutTest, TheFlagIsAPennantBelowItsAnchor)
-{
-    mark->feedbackType = 3;
-    const MarkFlag flag = *layOut().flag;
-    EXPECT_TRUE(isAt(flag.outline[0], {120, 60, 0}));
-    EXPECT_TRUE(isAt(flag.outline[1], {132, 60, 0}));
-    EXPECT_NEAR(flag.outline[2].x, 128.4, 0.001) << "the notch is cut into the free end";
-    EXPECT_NEAR(flag.outline[2].y, 56.4, 0.001);
-    EXPECT_TRUE(isAt(flag.outline[3], {132, 52.8, 0}));
-    EXPECT_TRUE(isAt(flag.outline[4], {120, 52.8, 0}));
-    EXPECT_EQ(flag.fillColor, 3);
-    EXPECT_EQ(flag.numberColor, 5) << "yellow cannot be read on green";
-}
 
 TEST_F(MarkLayoutTest, WaveRectanglesHaveTheirFlagAtTheLeft)
 {

@@ -162,16 +162,6 @@ TEST(MarkOutline, PolygonsAndSplines)
     EXPECT_TRUE(outlineOf(mark, 52).isEmpty());
 }
 
-TEST(MarkOutline, GripEditingMakesWavesThin)
-{
-    OutlineRecord mark = rectangleMark(20, 10);
-    mark.textHeight = 2;
-    mark.gripEditing = true;
-    EXPECT_TRUE(outlineOf(mark, 5).thinWaves);
-    EXPECT_TRUE(frameOf(mark, 105).thinWaves);
-    EXPECT_TRUE(drawn(outlineOf(mark, 5)).at(0).startsWith(QStringLiteral("2 arc")));
-}
-
 TEST(TextBoxFrame, Frames)
 {
     OutlineRecord mark = rectangleMark(40, 10);

@@ -8,6 +8,8 @@
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/aced/edcommands.h"
+#include "host/aced/edinput.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/picture.h"
 #include "tests/support/script_front_end.h"
@@ -50,15 +52,17 @@ struct MarkPictures : testing::Test {
         EXPECT_EQ(space->appendAcDbEntity(id, mark.get()), Acad::eOk);
         mark.release()->close();
     }
-    void compare(int width, int height, const QString &name) const
+    QImage matched(const AcGiViewport &view, const QString &name) const
     {
-        const AcDbDatabase &database = drawing->database();
-        const tests::Picture picture =
-            tests::paintPicture(database.modelSpaceId(), tests::planView(0, 0, width, height));
+        const tests::Picture picture = tests::paintPicture(drawing->database().modelSpaceId(), view);
         EXPECT_TRUE(picture.report.undrawn.empty());
         EXPECT_TRUE(
             tests::matchesPicture(picture.image, QStringLiteral("quillnote/pictures/%1.png").arg(name)));
-        compareConverted(picture.image);
+        return picture.image;
+    }
+    void compare(int width, int height, const QString &name) const
+    {
+        compareConverted(matched(tests::planView(0, 0, width, height), name));
     }
     /// Letters and the edges of waves may fall on other sides of a pixel.
     void compareConverted(const QImage &marks) const
@@ -127,6 +131,59 @@ TEST_P(MarkFrames, LookAsTheyDid)
     compare(260, 160, QStringLiteral("frame%1").arg(GetParam()));
 }
 INSTANTIATE_TEST_SUITE_P(Styles, MarkFrames, testing::Range(100, 106));
+
+/// Marks with outlines of their own, and one with a text box; all of them different.
+static void addOfEveryKind(const MarkPictures &pictures)
+{
+    const std::initializer_list<std::pair<int, AcGePoint3d>> places = {
+        {4, {20, 150, 0}}, {1, {160, 150, 0}}, {-6, {300, 150, 0}}, {51, {20, 40, 0}}};
+    for (const auto &[style, corner] : places) {
+        pictures.add(corner, 80, 50, [&, style = style, corner = corner](QuillnoteObj3 &mark) {
+            mark.targetStyle = std::int16_t(style);
+            mark.suggestionContent = QStringLiteral("门宽");
+            setVertices(mark, {corner, corner + AcGeVector3d(80, 10, 0), corner + AcGeVector3d(50, 50, 0)});
+        });
+    }
+    pictures.add({160, 40, 0}, 80, 50, [](QuillnoteObj3 &mark) {
+        mark.targetStyle = 4;
+        mark.flagStyle = 103;
+        mark.suggestionContent = QStringLiteral("改为 900");
+        setTextBox(mark, 290, 60, 370, 90);
+    });
+}
+
+// Flags are outlines; bars and the bumps of polygons go with the target, not with the screen.
+TEST_F(MarkPictures, Plotted)
+{
+    addOfEveryKind(*this);
+    acedRegCmds()->addCommand(QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
+                              [&] { matched(tests::planView(0, 0, 440, 220), QStringLiteral("plotted")); });
+    EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("PLOT")), RTNORM);
+    acedRegCmds()->removeGroup(QStringLiteral("TEST"));
+}
+
+TEST_F(MarkPictures, WithOneLookForAll)
+{
+    startUpSettings().applyAll = true;
+    startUpSettings().style = 3;
+    startUpSettings().BKstyle = 105;
+    startUpSettings().color1 = 3;
+    startUpSettings().color2 = 6;
+    startUpSettings().textHeight = 9;
+    startUpSettings().autoTargetTextHeight = false;
+    addOfEveryKind(*this);
+    compare(440, 220, QStringLiteral("oneLook"));
+}
+
+// Ellipses, sketches and leaders go by the screen, everything else by the mark.
+TEST_F(MarkPictures, SeenInATurnedView)
+{
+    addOfEveryKind(*this);
+    AcGiViewport view = tests::planView(0, 0, 440, 300);
+    view.twist = kGePi / 6;
+    view.centre = {215, 115, 0};
+    matched(view, QStringLiteral("turned"));
+}
 
 // A row of numbers with one to five characters, and a row of statuses.
 TEST_F(MarkPictures, NumbersSitInTheirFlags)
