@@ -101,6 +101,11 @@ void acgiSetScreenView(AcGiScreenView provider)
     s_screenView = provider;
 }
 
+std::optional<AcGiViewport> acgiScreenView(const AcDbDatabase &database)
+{
+    return s_screenView ? s_screenView(database) : std::nullopt;
+}
+
 namespace
 {
 
@@ -368,8 +373,8 @@ bool ask(const AcDbEntity &entity, const AcGiWindow &window, Question question, 
     if (window.isEmpty())
         return false;
     RegionSink sink(window, question, blocks);
-    if (entity.isCustom() && s_screenView && entity.database())
-        sink.setView(s_screenView(*entity.database()));
+    if (entity.isCustom() && entity.database())
+        sink.setView(acgiScreenView(*entity.database()));
     acgiDrawEntity(entity, sink);
     return sink.answer();
 }

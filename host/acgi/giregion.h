@@ -54,3 +54,4 @@ bool acgiHit(const AcDbEntity &entity, const AcGePoint3d &point, double aperture
 /// the owner of the views gives; null when the drawing is not shown. Without it their box counts.
 using AcGiScreenView = std::optional<AcGiViewport> (*)(const AcDbDatabase &database);
 void acgiSetScreenView(AcGiScreenView provider);
+std::optional<AcGiViewport> acgiScreenView(const AcDbDatabase &database);

@@ -115,7 +115,8 @@ public:
 
     void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
 
-    std::vector<Found> find(const AcDbExtents &box)
+    /// Custom entities that are no more than `beside` away from the box come without theirs.
+    std::vector<Found> find(const AcDbExtents &box, double beside = 0.0)
     {
         update();
         std::vector<Found> found;
@@ -132,6 +133,8 @@ public:
         std::for_each(m_changed.qbegin(query), m_changed.qend(), add);
         for (const std::uint32_t entity : m_endless)
             found.push_back({entity, AcDbExtents()});
+        if (beside > 0.0)
+            addBeside(treeBox(box), beside, found);
         std::ranges::sort(found, {}, &Found::entity);
         return found;
     }
@@ -161,6 +164,15 @@ public:
     }
 
 private:
+    void addBeside(const TreeBox &box, double distance, std::vector<Found> &found) const
+    {
+        for (const auto &[entity, itsBox] : m_custom) {
+            const bool isFound = bg::intersects(itsBox, box);
+            if (!isFound && bg::comparable_distance(itsBox, box) <= distance * distance)
+                found.push_back({entity, AcDbExtents()});
+        }
+    }
+
     void begin()
     {
         m_built.clear();
@@ -169,6 +181,7 @@ private:
         m_superseded.clear();
         m_endless.clear();
         m_withoutExtents.clear();
+        m_custom.clear();
         m_dirty.clear();
         m_entries.clear();
         m_placed = 0;
@@ -206,6 +219,8 @@ private:
                 keep(treeBox(reach.box));
             else
                 m_withoutExtents.insert(index);
+            if (reach.box.isValid() && entity.isCustom())
+                m_custom.emplace(index, treeBox(reach.box));
         });
     }
 
@@ -224,6 +239,7 @@ private:
             m_superseded.insert(index);
             m_endless.erase(index);
             m_withoutExtents.erase(index);
+            m_custom.erase(index);
             if (const auto old = m_changedBoxes.find(index); old != m_changedBoxes.end()) {
                 m_changed.remove(TreeEntry(old->second, index));
                 m_changedBoxes.erase(old);
@@ -249,6 +265,7 @@ private:
     std::unordered_set<std::uint32_t> m_superseded;            ///< Entries of m_built that no longer hold.
     std::unordered_set<std::uint32_t> m_endless;
     std::unordered_set<std::uint32_t> m_withoutExtents;
+    std::unordered_map<std::uint32_t, TreeBox> m_custom; ///< Entities that may look different in each view.
     std::unordered_set<std::uint32_t> m_dirty; ///< Changed since the last question.
 };
 
@@ -350,11 +367,11 @@ void AcGiSpatialIndex::noteChange(const AcDbObject &object)
 
 /// The visible entities whose box the window may have to do with.
 std::vector<AcGiSpatialIndex::Found> AcGiSpatialIndex::visibleNear(AcDbObjectId blockRecord,
-                                                                   const AcGiWindow &window)
+                                                                   const AcGiWindow &window, double beside)
 {
     if (window.isEmpty())
         return {};
-    std::vector<Found> found = space(blockRecord).find(window.extents());
+    std::vector<Found> found = space(blockRecord).find(window.extents(), beside);
     m_layers->dropInvisible(m_database, found);
     return found;
 }
@@ -382,10 +399,11 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::insideWindow(AcDbObjectId blockRecor
     return ids;
 }
 
-std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
+std::vector<AcDbObjectId> AcGiSpatialIndex::crossing(AcDbObjectId blockRecord, const AcGiWindow &window,
+                                                     double beside)
 {
     std::vector<AcDbObjectId> ids;
-    for (const Found &found : visibleNear(blockRecord, window)) {
+    for (const Found &found : visibleNear(blockRecord, window, beside)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool crosses = window.contains(found.box);
         if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
@@ -396,10 +414,18 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRec
     return ids;
 }
 
+std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
+{
+    return crossing(blockRecord, window, 0.0);
+}
+
 std::vector<AcDbObjectId> AcGiSpatialIndex::atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point,
                                                     double aperture)
 {
-    return crossingWindow(blockRecord, AcGiWindow::aroundPoint(point, aperture));
+    constexpr double kPixelsBeside = 150.0;
+    const std::optional<AcGiViewport> view = acgiScreenView(m_database);
+    return crossing(blockRecord, AcGiWindow::aroundPoint(point, aperture),
+                    view ? kPixelsBeside * view->pixelSize() : 0.0);
 }
 
 AcDbExtents AcGiSpatialIndex::extents(AcDbObjectId blockRecord)

@@ -29,6 +29,8 @@ public:
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
     std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
+    /// At a point also what custom entities show a little beside their extents, as flags of a fixed size on the
+    /// screen.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
 
     /// The box around all entities of the space; not valid when none has extents.
@@ -45,7 +47,9 @@ private:
 
     explicit AcGiSpatialIndex(AcDbDatabase &database);
     Space &space(AcDbObjectId blockRecord);
-    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const AcGiWindow &window);
+    /// `beside`: so far beside their extents custom entities may show something.
+    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const AcGiWindow &window, double beside = 0.0);
+    std::vector<AcDbObjectId> crossing(AcDbObjectId blockRecord, const AcGiWindow &window, double beside);
     void noteChange(const AcDbObject &object);
 
     AcDbDatabase &m_database;
