@@ -1,5 +1,5 @@
-// The desktop's palette with what cannot be read put right: high-contrast palettes often leave disabled texts and
-// placeholders in the colour of what lies under them.
+// The desktop's palette with what cannot be read put right: high-contrast palettes often leave disabled texts
+// and placeholders in the colour of what lies under them.
 #pragma once
 
 #include <QObject>
