@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     int before = 0;
     while (const console::ScriptLine *line = reader.take()) {
         QUILL_ASSERT(line->number > before && !line->text.contains(u'\n') && !line->text.startsWith(u';'));
-        QUILL_ASSERT(line->kind == console::ScriptLine::dialog || !line->text.startsWith(u'@'));
+        const bool isWord = line->text.size() > 1 && line->text[1].isLetter();
+        QUILL_ASSERT(line->kind == console::ScriptLine::dialog || !(line->text.startsWith(u'@') && isWord));
         before = line->number;
     }
     QUILL_ASSERT(before <= bytes.count('\n') + 1);

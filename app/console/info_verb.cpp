@@ -5,7 +5,6 @@
 #include "host/aced/edview.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <array>
 #include <map>
@@ -228,9 +227,10 @@ int printInfo(const QStringList &files, bool json)
             continue;
         }
         const QJsonObject info = drawingInfo(*drawing.document());
-        acedPrintResult(json ? QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)) +
-                                   QLatin1Char('\n')
-                             : drawingInfoText(info));
+        if (json)
+            acedPrintResult(info);
+        else
+            acedPrintResult(drawingInfoText(info));
     }
     return status;
 }

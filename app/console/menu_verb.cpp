@@ -5,8 +5,6 @@
 #include "host/aced/edverbs.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace console
 {
@@ -96,7 +94,10 @@ int printMenus(const QString &file, bool json)
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
-    acedPrintResult(json ? QString::fromUtf8(QJsonDocument(menusJson()).toJson()) : menusText());
+    if (json)
+        acedPrintResult(menusJson());
+    else
+        acedPrintResult(menusText());
     return kDone;
 }
 

@@ -7,9 +7,6 @@
 #include "host/aced/edverbs.h"
 #include "host/aced/edview.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -183,7 +180,7 @@ static void printDone(const PictureOptions &options, const Request &request, con
                        {QStringLiteral("width"), request.size.width()},
                        {QStringLiteral("height"), request.size.height()}};
     addToJson(object, report);
-    acedPrintResult(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+    acedPrintResult(object);
 }
 
 static base::Result<void, QString> drawPicture(AcApDocument &document, const PictureOptions &options)

@@ -8,8 +8,6 @@
 #include "host/aced/edverbs.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <algorithm>
 
@@ -87,7 +85,7 @@ static void printDone(const PlotOptions &options, const std::vector<AcEdPlot> &p
                        {QStringLiteral("plot"), options.output},
                        {QStringLiteral("pages"), list}};
     addToJson(object, report);
-    acedPrintResult(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+    acedPrintResult(object);
 }
 
 int writePlot(const PlotOptions &options)

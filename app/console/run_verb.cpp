@@ -2,7 +2,6 @@
 
 #include "host/acap/recovery.h"
 #include "host/aced/edcommands.h"
-#include "host/aced/edinput.h"
 #include "host/base/file_bytes.h"
 
 #include <QFile>
@@ -39,9 +38,7 @@ static void feedEditor(ScriptFrontEnd &face, AcApRecovery *recovery)
             return;
         if (answer->kind != AcEdAnswer::text)
             continue;
-        const QString position = face.position();
-        if (acedEditor()->execute(answer->typed) == RTERROR && !face.hasFailed())
-            face.fail(QStringLiteral("\"%1\" cannot be run").arg(answer->typed.trimmed()));
+        acedEditor()->execute(answer->typed);
         acedEditor()->runQueue();
         if (recovery)
             recovery->tick();

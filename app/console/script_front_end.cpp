@@ -72,8 +72,8 @@ std::optional<QString> ScriptFrontEnd::dialogLine(const QString &what)
         const ScriptLine *line = m_reader.peek();
         if (!line || line->kind != ScriptLine::dialog) {
             failAtNextLine(
-                QStringLiteral("%1 finds no answer%2")
-                    .arg(what, line ? QStringLiteral(", the line does not start with @") : QString()));
+                line ? QStringLiteral("%1 finds no answer, \"%2\" works no dialog").arg(what, line->text)
+                     : QStringLiteral("%1 finds no answer").arg(what));
             break;
         }
         m_reader.take();

@@ -22,12 +22,19 @@ static base::Result<QString, QString> decode(QByteArrayView bytes)
     return text;
 }
 
+/// Dialog lines begin with a word; "@100,0", "@5<90" and "@" alone are points that count from the last one.
+static bool isDialogLine(const QString &text)
+{
+    const QStringView word = QStringView(text).mid(1).trimmed();
+    return text.startsWith(u'@') && !word.isEmpty() && word.front().isLetter();
+}
+
 static base::Result<ScriptLine, QString> parseLine(const QString &text, int number)
 {
     ScriptLine line;
     line.number = number;
     line.text = text;
-    if (!text.startsWith(u'@'))
+    if (!isDialogLine(text))
         return line;
     line.kind = ScriptLine::dialog;
     line.text = text.mid(1).trimmed();

@@ -1,7 +1,8 @@
 // Scripts: what a user would type, line by line, with the place of each line.
 //
 // A line is one answer to one prompt; an empty line is Enter. A line that starts with ";" is a comment; one
-// that starts with "@" works a dialog (host/acui/acuiscript.h) and is checked before anything runs.
+// that starts with "@" and a word works a dialog (host/acui/acuiscript.h) and is checked before anything
+// runs.
 #pragma once
 
 #include "host/acui/acuiscript.h"

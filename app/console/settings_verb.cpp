@@ -9,9 +9,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <cstdio>
 #include <limits>
@@ -44,20 +41,25 @@ static QString oneLine(QString text)
     return text.replace(u'\\', QStringLiteral("\\\\")).replace(u'\n', QStringLiteral("\\n"));
 }
 
+static void printJson(const QString &key, const QString &name, const Value &value)
+{
+    acedPrintResult(QJsonObject{{QStringLiteral("key"), key},
+                                {QStringLiteral("name"), name},
+                                {QStringLiteral("value"), valueJson(value)}});
+}
+
 int listSettings(const QString &key, bool json)
 {
-    QJsonArray list;
-    QString text;
     for (const os::SettingsStore::Entry &entry : os::SettingsStore::user().entries(key)) {
-        list.append(QJsonObject{{QStringLiteral("key"), entry.key},
-                                {QStringLiteral("name"), entry.name},
-                                {QStringLiteral("value"), valueJson(entry.value)}});
         const bool isText = std::holds_alternative<QString>(entry.value);
-        text += QStringLiteral("%1\t%2\t%3\t%4\n")
-                    .arg(entry.key, entry.name, isText ? QStringLiteral("text") : QStringLiteral("number"),
-                         oneLine(valueText(entry.value)));
+        if (json)
+            printJson(entry.key, entry.name, entry.value);
+        else
+            acedPrintResult(QStringLiteral("%1\t%2\t%3\t%4\n")
+                                .arg(entry.key, entry.name,
+                                     isText ? QStringLiteral("text") : QStringLiteral("number"),
+                                     oneLine(valueText(entry.value))));
     }
-    acedPrintResult(json ? QString::fromUtf8(QJsonDocument(list).toJson()) : text);
     return kDone;
 }
 
@@ -71,10 +73,10 @@ int getSetting(const QString &key, const QString &name, bool json)
         value = *text;
     if (!value)
         return trouble(QStringLiteral("there is no setting %1 under %2").arg(name, key));
-    const QJsonObject object{{QStringLiteral("value"), valueJson(*value)}};
-    acedPrintResult(json ? QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) +
-                               QLatin1Char('\n')
-                         : valueText(*value) + QLatin1Char('\n'));
+    if (json)
+        printJson(key, name, *value);
+    else
+        acedPrintResult(valueText(*value) + u'\n');
     return kDone;
 }
 

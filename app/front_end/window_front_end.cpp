@@ -33,10 +33,13 @@ std::optional<AcEdAnswer> WindowFrontEnd::nextQueued(const AcEdPrompt &prompt)
     while (!m_queued.empty()) {
         const std::optional<AcEdAnswer> next = m_queued.front();
         m_queued.pop_front();
-        if (!next)
+        if (!next) {
+            m_queuePaused = true;
             return std::nullopt;
+        }
         if (next->kind == AcEdAnswer::cancel && prompt.kind == AcEdPromptKind::command)
             continue; // Nothing to cancel.
+        m_queueAnswered = true;
         return next;
     }
     return std::nullopt;
@@ -114,6 +117,7 @@ std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
         // Enter at the command prompt does nothing but let the editor look at its queue.
         return prompt.kind == AcEdPromptKind::command ? AcEdAnswer() : AcEdAnswer::ofCancel();
     }
+    m_queueAnswered = m_queuePaused = false;
     std::optional<AcEdAnswer> answer = nextQueued(prompt);
     const bool isFile =
         prompt.kind == AcEdPromptKind::fileToOpen || prompt.kind == AcEdPromptKind::fileToSave;
@@ -204,6 +208,15 @@ void WindowFrontEnd::print(const QString &text)
     Q_EMIT printed(startsLine ? u'\n' + text : text);
 }
 
+void WindowFrontEnd::refuseAnswer(const QString &reason)
+{
+    if (m_queueAnswered)
+        m_queued.clear();
+    else if (m_queuePaused)
+        m_queued.emplace_front(std::nullopt);
+    print(u'\n' + reason);
+}
+
 QStringList WindowFrontEnd::heldKeys() const
 {
     QStringList keys;
@@ -237,11 +250,6 @@ bool WindowFrontEnd::progress(const QString &what, double share)
     m_stopped = false;
     Q_EMIT progressed(what, share);
     return !m_stopped;
-}
-
-std::optional<bool> WindowFrontEnd::mayClose(const std::vector<AcApDocument *> &documents)
-{
-    return m_closeQuestion ? std::optional(m_closeQuestion(documents)) : std::nullopt;
 }
 
 // Macros ------------------------------------------------------------------------------------------

@@ -28,12 +28,14 @@ public:
     std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
     bool isScripted() const override { return false; }
     void print(const QString &text) override;
+    /// What a macro has left goes when it gave the answer that is refused, and waits again for a user's.
+    void refuseAnswer(const QString &reason) override;
     QStringList heldKeys() const override;
     std::optional<QRect> drawingWindow() const override;
     void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
     void focusDrawing() override;
     bool progress(const QString &what, double share) override;
-    std::optional<bool> mayClose(const std::vector<AcApDocument *> &documents) override;
+    AcEdDrawingKeeper *drawingKeeper() override { return m_drawingKeeper; }
 
     /// What is being asked; null while a command works, and what whenIdle() was given.
     const AcEdPrompt *prompt() const { return m_prompt; }
@@ -56,9 +58,8 @@ public:
 
     /// Where the drawing is on the screen, and the window that gets the focus back; given by the main window.
     void setDrawing(QWidget *view) { m_drawing = view; }
-    /// What commands ask before they close drawings; given by the main window.
-    using CloseQuestion = std::function<bool(const std::vector<AcApDocument *> &documents)>;
-    void setCloseQuestion(CloseQuestion question) { m_closeQuestion = std::move(question); }
+    /// Whom commands leave drawings to; given by the main window.
+    void setDrawingKeeper(AcEdDrawingKeeper *keeper) { m_drawingKeeper = keeper; }
     /// The last command that was given at the command prompt, for repeating it.
     const QString &lastCommand() const { return m_lastCommand; }
 
@@ -86,10 +87,12 @@ private:
     QEventLoop *m_loop = nullptr;
     std::optional<AcEdAnswer> m_given;
     std::deque<std::optional<AcEdAnswer>> m_queued;
+    bool m_queueAnswered = false; ///< The last answer came from the queue,
+    bool m_queuePaused = false;   ///< or the queue left it to the user.
     std::deque<std::function<void()>> m_pending;
     QString m_lastCommand;
     bool m_lineEnded = false; ///< What was printed last is a prompt with its answer.
-    CloseQuestion m_closeQuestion;
+    AcEdDrawingKeeper *m_drawingKeeper = nullptr;
     bool m_leaving = false;
     bool m_stopped = false;
 };

@@ -179,8 +179,11 @@ bool DocumentGuard::saveElsewhere(AcApDocument *document, const QString &reason)
     return ask(box) == QMessageBox::Save && saveAs(document);
 }
 
-bool DocumentGuard::save(AcApDocument *document)
+bool DocumentGuard::save(AcApDocument *document, const QString &path)
 {
+    if (!path.isEmpty() &&
+        (!document->isNamedDrawing() || QFileInfo(path) != QFileInfo(document->fileName())))
+        return write(document, path, AcApOverwriteChanged::no);
     if (!document->isNamedDrawing())
         return saveAs(document);
     const QString name = document->docTitle();
@@ -207,9 +210,7 @@ bool DocumentGuard::saveAs(AcApDocument *document)
     QString path;
     if (acedGetFileD(tr("图形另存为"), present, QStringLiteral("dxf"), kAcUiSaveFile, path) != RTNORM)
         return false;
-    if (document->isNamedDrawing() && QFileInfo(path) == QFileInfo(document->fileName()))
-        return save(document);
-    return write(document, path, AcApOverwriteChanged::no);
+    return save(document, path);
 }
 
 bool DocumentGuard::mayClose(AcApDocument *document)

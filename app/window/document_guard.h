@@ -6,6 +6,7 @@
 #pragma once
 
 #include "host/acap/recovery.h"
+#include "host/aced/edfrontend.h"
 
 #include <QObject>
 #include <QTimer>
@@ -18,7 +19,7 @@ namespace window
 
 class WindowFrontEnd;
 
-class DocumentGuard : public QObject, private AcApDocManagerReactor
+class DocumentGuard : public QObject, public AcEdDrawingKeeper, private AcApDocManagerReactor
 {
     Q_OBJECT
 
@@ -28,14 +29,15 @@ public:
     ~DocumentGuard() override;
 
     /// Asks about a newer recovery copy and about somebody else's lock. False when nothing was opened.
-    bool open(const QString &path);
-    /// Asks when somebody changed the file, and for another name when somebody else edits it. False when
-    /// nothing was saved.
-    bool save(AcApDocument *document);
+    bool open(const QString &path) override;
+    /// Asks when somebody changed the file, and for another name when somebody else edits it or there is
+    /// none. False when nothing was saved.
+    bool save(AcApDocument *document, const QString &path = {}) override;
+    /// Asks for the name.
     bool saveAs(AcApDocument *document);
     /// Asks whether to save changes; false when the user wants to stay.
     bool mayClose(AcApDocument *document);
-    bool mayClose(const std::vector<AcApDocument *> &documents);
+    bool mayClose(const std::vector<AcApDocument *> &documents) override;
     /// The same for all drawings.
     bool mayQuit();
     /// Shows what earlier sessions left; opens it, discards it or keeps it for later.

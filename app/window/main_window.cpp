@@ -45,7 +45,7 @@ MainWindow::MainWindow(WindowFrontEnd &front) : m_front(front), m_guard(front, t
     setStatusBar(m_status);
     m_menus = new MenuBar(front, *this);
     m_front.setDrawing(m_view);
-    m_front.setCloseQuestion([this](const auto &documents) { return m_guard.mayClose(documents); });
+    m_front.setDrawingKeeper(&m_guard);
     connectParts();
     restoreSettings();
     refresh();

@@ -109,7 +109,7 @@ AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(da
         const resbuf *const name = findGroup(groups, 2);
         const QString text = name ? name->text() : QString();
         if (text.startsWith(kAnonymous, Qt::CaseInsensitive))
-            m_next = std::max(m_next, text.sliced(kAnonymous.size()).toInt() + 1);
+            m_next = std::max<std::uint64_t>(m_next, text.sliced(kAnonymous.size()).toULongLong() + 1);
     }
     if (const AcDbObjectId modelSpace = database.modelSpaceId(); !modelSpace.isNull())
         m_model = modelGroups(database, modelSpace);

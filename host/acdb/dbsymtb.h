@@ -49,8 +49,8 @@ public:
 
 private:
     AcDbDatabase &m_database;
-    ResbufList m_model; ///< What this file version expects of a block record.
-    int m_next = 1;
+    ResbufList m_model;       ///< What this file version expects of a block record.
+    std::uint64_t m_next = 1; ///< Files may hold any number; behind the largest of all comes none.
 };
 
 class AcDbLayerTableRecord : public AcDbSymbolTableRecord

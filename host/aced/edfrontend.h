@@ -75,6 +75,20 @@ struct AcEdAnswer {
     static AcEdAnswer ofCancel() { return {cancel, {}, {}, {}}; }
 };
 
+/// Opens, saves and closes drawings with more questions than a command line asks: what is to become of a file
+/// that somebody else edits or has changed, of changes that are not saved. Its results are false when nothing
+/// came of it; the user knows why.
+class AcEdDrawingKeeper
+{
+public:
+    virtual ~AcEdDrawingKeeper() = default;
+    virtual bool open(const QString &path) = 0;
+    /// Under its own name, or under `path`, which becomes its name.
+    virtual bool save(AcApDocument *document, const QString &path = {}) = 0;
+    /// False keeps all of them open.
+    virtual bool mayClose(const std::vector<AcApDocument *> &documents) = 0;
+};
+
 class AcEdFrontEnd
 {
 public:
@@ -104,12 +118,8 @@ public:
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when
     /// it has ended. False: the user wants it to stop.
     virtual bool progress(const QString & /*what*/, double /*share*/) { return true; }
-    /// Asked before drawings are closed that may have unsaved changes, which it may save: false keeps all of
-    /// them open. No value: it leaves the question to the command.
-    virtual std::optional<bool> mayClose(const std::vector<AcApDocument *> & /*documents*/)
-    {
-        return std::nullopt;
-    }
+    /// Null: commands ask for themselves.
+    virtual AcEdDrawingKeeper *drawingKeeper() { return nullptr; }
 };
 
 /// The front end in use; never null (without one: prints to standard error, answers nothing).

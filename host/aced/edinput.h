@@ -40,6 +40,10 @@ void acedInitGet(int bits, const QString &keywords = {});
 /// The keyword or text that ended the last prompt with RTKWORD, in full spelling.
 QString acedGetInput();
 
+/// What was answered or asked for makes no sense here: people read why, a script ends. What was given
+/// together with that answer, the rest of a line or of a macro, no longer fits and is dropped.
+void acedRefuse(const QString &reason);
+
 /// With a base, relative and polar answers (@dx,dy and @d<a) count from it and a line follows the cursor.
 int acedGetPoint(const AcGePoint3d *base, const QString &prompt, AcGePoint3d &point);
 /// The same while `tracker` shows what would come of it.

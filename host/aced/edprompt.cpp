@@ -69,18 +69,22 @@ static QString joinRest(AcEdFeed &feed, QString text)
 
 std::optional<AcEdAnswer> acedNextAnswer(const AcEdPrompt &prompt)
 {
+    for (AcEdFeed *const feed : feeds())
+        feed->lastAnswer = AcEdFeed::LastAnswer::elsewhere;
     for (std::size_t i = feeds().size(); i-- > 0;) {
         AcEdFeed &feed = *feeds()[i];
         if (feed.tokens().empty() && feed.kind() == AcEdFeed::open)
             continue;
         if (feed.tokens().empty()) {
-            acutPrintf(Host::tr("\n提示没有得到回答: %1").arg(prompt.message.trimmed()));
+            acedRefuse(Host::tr("提示没有得到回答: %1").arg(prompt.message.trimmed()));
             acedEditor()->requestCancel();
             return std::nullopt;
         }
         const AcEdToken token = std::move(feed.tokens().front());
         feed.tokens().pop_front();
-        if (std::holds_alternative<AcEdPause>(token))
+        const bool isPause = std::holds_alternative<AcEdPause>(token);
+        feed.lastAnswer = isPause ? AcEdFeed::LastAnswer::users : AcEdFeed::LastAnswer::ours;
+        if (isPause)
             continue;
         AcEdAnswer answer = answerOf(token);
         if (prompt.allowsBlanks && feed.kind() == AcEdFeed::open)
@@ -94,6 +98,17 @@ std::optional<AcEdAnswer> acedNextAnswer(const AcEdPrompt &prompt)
         acedEditor()->requestQuit();
     }
     return answer;
+}
+
+void acedRefuse(const QString &reason)
+{
+    for (AcEdFeed *const feed : feeds()) {
+        if (feed->lastAnswer == AcEdFeed::LastAnswer::ours)
+            feed->tokens().clear();
+        else if (feed->lastAnswer == AcEdFeed::LastAnswer::users)
+            feed->tokens().push_front(PAUSE); // The user may try again.
+    }
+    acedFrontEnd().refuseAnswer(reason);
 }
 
 // Rules -------------------------------------------------------------------------------------------
@@ -142,15 +157,9 @@ QString acedGetInput()
 
 // Asking ------------------------------------------------------------------------------------------
 
-/// A LISP value as the answer that it stands for; empty for nil and for what failed (printed).
-static QString lispAnswer(const QString &expression)
+/// A LISP value as the answer that it stands for; empty for nil.
+static QString lispAnswer(const QString &text)
 {
-    const auto value = acedEvaluateLisp(expression);
-    if (!value) {
-        acutPrintf(u'\n' + value.error());
-        return {};
-    }
-    QString text = *value;
     if (text == u"nil")
         return {};
     if (text.size() >= 2 && text.startsWith(u'"') && text.endsWith(u'"'))
@@ -206,7 +215,10 @@ static Round settleText(AcEdAnswer &answer, const AcEdRules &rules)
     if (ranTransparently(answer.typed))
         return {Round::again, RTNORM, {}};
     if (answer.typed.startsWith(u'(')) {
-        answer.typed = lispAnswer(answer.typed);
+        const auto value = acedEvaluateLisp(answer.typed);
+        if (!value)
+            return {Round::again, RTNORM, value.error()};
+        answer.typed = lispAnswer(*value);
         if (answer.typed.isEmpty())
             return {Round::again, RTNORM, {}};
     }
@@ -240,6 +252,12 @@ static Round playRound(AcEdAnswer &answer, const AcEdRules &rules,
     return {Round::again, RTNORM, verdict.complaint};
 }
 
+/// Says what was typed, which need not be on the screen any more.
+static QString complaintAbout(const QString &typed, const QString &complaint)
+{
+    return typed.isEmpty() ? complaint : Host::tr("“%1”: %2").arg(typed, complaint);
+}
+
 int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
                   const std::function<AcEdVerdict(const AcEdAnswer &)> &take)
 {
@@ -253,11 +271,12 @@ int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
         auto answer = acedNextAnswer(shown);
         if (!answer)
             return RTCAN;
+        const QString typed = answer->typed.trimmed();
         const Round round = playRound(*answer, rules, take);
         if (round.outcome == Round::finished)
             return round.result;
         if (!round.complaint.isEmpty())
-            acedFrontEnd().refuseAnswer(round.complaint);
+            acedRefuse(complaintAbout(typed, round.complaint));
     }
     acutPrintf(Host::tr("\n没有得到可用的回答，命令已取消。"));
     acedEditor()->requestCancel();

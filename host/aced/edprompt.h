@@ -26,6 +26,9 @@ public:
 
     Kind kind() const { return m_kind; }
     std::deque<AcEdToken> &tokens() { return m_tokens; }
+    /// Where the last answer came from: it was one of these, or a PAUSE left it to the user.
+    enum class LastAnswer { elsewhere, ours, users };
+    LastAnswer lastAnswer = LastAnswer::elsewhere;
 
 private:
     Kind m_kind;

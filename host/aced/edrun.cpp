@@ -2,6 +2,7 @@
 #include "host/acap/docman.h"
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edlisp.h"
 #include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
@@ -77,13 +78,13 @@ int AcEditor::runCommand(const QString &name)
 {
     const AcEdCommand *const found = acedRegCmds()->lookup(name);
     if (!found) {
-        acutPrintf(Host::tr("\n未知命令“%1”。").arg(name));
+        acedRefuse(Host::tr("未知命令“%1”。").arg(name));
         return RTERROR;
     }
     const AcEdCommand command = *found; // It may remove itself while it runs.
     AcApDocument *const document = curDoc();
     if (!document && !(command.flags & ACRX_CMD_SESSION)) {
-        acutPrintf(Host::tr("\n没有打开的图形，不能执行“%1”。").arg(command.globalName));
+        acedRefuse(Host::tr("没有打开的图形，不能执行“%1”。").arg(command.globalName));
         return RTERROR;
     }
     const bool outerCancelled = std::exchange(m_cancelled, false);
@@ -97,7 +98,7 @@ int AcEditor::runLocked(const AcEdCommand &command)
 {
     const CommandScope scope(curDoc(), command);
     if (scope.status() != Acad::eOk) {
-        acutPrintf(Host::tr("\n图形已被锁定，不能执行“%1”。").arg(command.globalName));
+        acedRefuse(Host::tr("图形已被锁定，不能执行“%1”。").arg(command.globalName));
         return RTERROR;
     }
     const QString &name = command.globalName;
@@ -140,7 +141,7 @@ static int evaluate(const QString &expression)
 {
     const auto value = acedEvaluateLisp(expression);
     if (!value)
-        acutPrintf(u'\n' + value.error());
+        acedRefuse(value.error());
     else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
         acutPrintf(u'\n' + *value);
     return value ? RTNORM : RTERROR;

@@ -1,6 +1,8 @@
 // The console verbs of the process.
 #include "host/aced/edverbs.h"
 
+#include <QJsonDocument>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -56,4 +58,9 @@ void acedPrintResult(const QString &text)
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
     std::fflush(stdout);
+}
+
+void acedPrintResult(const QJsonObject &object)
+{
+    acedPrintResult(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
 }

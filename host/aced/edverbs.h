@@ -5,6 +5,7 @@
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -20,7 +21,7 @@ struct AcEdVerbOption {
 };
 
 struct AcEdVerbCall {
-    bool json = false;
+    bool json = false;                  ///< Every verb knows it.
     std::map<QString, QString> options; ///< Given options; switches have an empty value.
     bool has(const QString &name) const { return options.count(name) > 0; }
 };
@@ -54,3 +55,5 @@ void acedRemoveVerb(const QString &name);
 const std::vector<AcEdVerb> &acedVerbs();
 /// Where verbs print their results.
 void acedPrintResult(const QString &text);
+/// With --json: a verb prints its results as objects, one a line.
+void acedPrintResult(const QJsonObject &object);

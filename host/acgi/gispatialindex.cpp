@@ -266,7 +266,7 @@ private:
     std::unordered_set<std::uint32_t> m_endless;
     std::unordered_set<std::uint32_t> m_withoutExtents;
     std::unordered_map<std::uint32_t, TreeBox> m_custom; ///< Entities that may look different in each view.
-    std::unordered_set<std::uint32_t> m_dirty; ///< Changed since the last question.
+    std::unordered_set<std::uint32_t> m_dirty;           ///< Changed since the last question.
 };
 
 /// The indexes of all open drawings.

@@ -29,8 +29,8 @@ public:
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
     std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
-    /// At a point also what custom entities show a little beside their extents, as flags of a fixed size on the
-    /// screen.
+    /// At a point also what custom entities show a little beside their extents, as flags of a fixed size on
+    /// the screen.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
 
     /// The box around all entities of the space; not valid when none has extents.

@@ -21,7 +21,7 @@
 #include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 
 #include <algorithm>
 #include <string_view>
@@ -114,8 +114,7 @@ std::span<const CommandRow> commandTable()
 
 static void sayNotBuilt(const char *globalName)
 {
-    acedFrontEnd().refuseAnswer(
-        QStringLiteral("命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
+    acedRefuse(QStringLiteral("命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
 }
 
 void registerCommands()

@@ -18,11 +18,6 @@
 static const QString kPictures = QStringLiteral("--pictures");
 static const QString kOverwrite = QStringLiteral("-f");
 
-static QString asJson(const QJsonObject &object)
-{
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + QLatin1Char('\n');
-}
-
 /// A JSON value on one line: texts with their quotes and escapes, numbers and lists bare.
 static QString asText(const QJsonValue &value)
 {
@@ -38,6 +33,11 @@ static QString asLine(const QJsonObject &place, const std::vector<std::pair<QStr
     for (const auto &[name, value] : fields)
         line += QStringLiteral(" %1=%2").arg(name, asText(value));
     return line + QLatin1Char('\n');
+}
+
+static QString handleText(AcDbObjectId id)
+{
+    return QString::number(id.handle().value, 16).toUpper();
 }
 
 static std::optional<MarkPictureWriter> pictureWriter(const AcEdVerbCall &call)
@@ -57,7 +57,7 @@ static int listMarks(const AcEdVerbCall &call)
         if (!mark)
             continue;
         written = (!pictures || pictures->write(*mark)) && written;
-        QJsonObject place{{QStringLiteral("handle"), QString::number(id.handle().value, 16).toUpper()},
+        QJsonObject place{{QStringLiteral("handle"), handleText(id)},
                           {QStringLiteral("layout"), acdbLayoutName(mark->blockId())},
                           {QStringLiteral("layer"), mark->layer()}};
         const auto fields = markFieldValues(*mark);
@@ -68,7 +68,7 @@ static int listMarks(const AcEdVerbCall &call)
         place.insert(QStringLiteral("file"), curDoc()->fileName());
         for (const auto &[name, value] : fields)
             place.insert(name, value);
-        acedPrintResult(asJson(place));
+        acedPrintResult(place);
     }
     return written ? 0 : 2;
 }
@@ -83,15 +83,34 @@ AcEdVerb marksVerb()
         listMarks};
 }
 
+/// What the report says of each mark.
+static void printReportJson()
+{
+    int position = 0;
+    for (const AcDbObjectId id : collectMarks(*acdbCurDwg()).ids) {
+        ++position;
+        const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+        if (!mark)
+            continue;
+        acedPrintResult(QJsonObject{{QStringLiteral("file"), curDoc()->fileName()},
+                                    {QStringLiteral("handle"), handleText(id)},
+                                    {QStringLiteral("position"), position},
+                                    {QStringLiteral("suggestionContent"), mark->suggestionContent},
+                                    {QStringLiteral("feedbackContent"), mark->feedbackContent},
+                                    {QStringLiteral("feedbackType"), mark->feedbackType}});
+    }
+}
+
 static int report(const AcEdVerbCall &call)
 {
     const QString text = textReport(*acdbCurDwg());
     const auto output = call.options.find(QStringLiteral("--output"));
-    if (output == call.options.end()) {
+    const bool intoFile = output != call.options.end();
+    if (call.json)
+        printReportJson();
+    else if (!intoFile)
         acedPrintResult(text);
-        return 0;
-    }
-    return writeReportFile(output->second, text) ? 0 : 2;
+    return !intoFile || writeReportFile(output->second, text) ? 0 : 2;
 }
 
 AcEdVerb reportVerb()

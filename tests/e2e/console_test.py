@@ -138,7 +138,7 @@ class InfoTest(ConsoleTest):
 
 class ScriptTest(ConsoleTest):
     def test_a_script_draws_and_the_result_is_saved(self):
-        result = self.play("; two ways\nLINE\n0,0\n10,10\n\n(command \"_CIRCLE\" \"5,5\" \"2\")\n",
+        result = self.play("; two ways\nLINE\n0,0\n@10,10\n\n(command \"_CIRCLE\" \"5,5\" \"2\")\n",
                            self.drawing, "-o", self.folder / "out.dxf")
         self.expect(result, 0)
         self.assertEqual(result.stdout, "")
@@ -157,8 +157,10 @@ class ScriptTest(ConsoleTest):
             "CIRCLE\n0,0\n": "s.qns, at its end: the prompt",
             "CIRCLE\n@ok\n": "s.qns:2: @ok: no dialog is open; the prompt",
             "REGEN\n@ok\n": "s.qns:2: @ok: no dialog is open; the command prompt",
-            "REGEN\nNOSUCHCOMMAND\nREGEN\n": 's.qns:2: "NOSUCHCOMMAND" cannot be run',
-            "(+ 1\n": 's.qns:1: "(+ 1" cannot be run',
+            "REGEN\nNOSUCHCOMMAND\nREGEN\n": "s.qns:2: 未知命令“NOSUCHCOMMAND”",
+            "(+ 1\n": "s.qns:1: malformed list",
+            "LINE\n0,0\nnowhere\n": "s.qns:3: “nowhere”: ",
+            "OPEN\nmissing.dxf\nERASE\nall\n\n": "missing.dxf: No such file",
             "REGEN\n@push 1\n": "s.qns:2: @push 1: there is no dialog line",
             "REGEN\n\udcff\n": None,
         }
@@ -209,8 +211,8 @@ class SettingsTest(ConsoleTest):
         for name, value, options in (("n", "42", []), ("m", "-1", []), ("t", "42", ["--text"]), ("u", "图层", [])):
             self.expect(run("settings", "set", self.KEY, name, *options, "--", value), 0)
         self.assertEqual(run("settings", "get", self.KEY, "u").stdout, "图层\n")
-        self.assertEqual(json.loads(run("settings", "get", self.KEY, "t", "--json").stdout), {"value": "42"})
-        listed = json.loads(run("settings", "list", self.KEY, "--json").stdout)
+        self.assertEqual(json.loads(run("settings", "get", self.KEY, "t", "--json").stdout), {"key": self.KEY, "name": "t", "value": "42"})
+        listed = [json.loads(line) for line in run("settings", "list", self.KEY, "--json").stdout.splitlines()]
         self.assertEqual({each["name"]: each["value"] for each in listed},
                          {"n": 42, "m": 4294967295, "t": "42", "u": "图层"})
         self.expect(run("settings", "get", self.KEY, "missing"), 2, "there is no setting missing")

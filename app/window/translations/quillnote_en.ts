@@ -42,10 +42,8 @@ Specify point on X axis or &lt;accept&gt;: </translation>
 Specify point on XY plane or &lt;accept&gt;: </translation>
     </message>
     <message>
-        <source>
-三个点在一条直线上。</source>
-        <translation>
-The three points lie on one line.</translation>
+        <source>三个点在一条直线上。</source>
+        <translation>The three points lie on one line.</translation>
     </message>
     <message>
         <source>
@@ -60,10 +58,8 @@ Specify origin of UCS or [Origin/Previous/World/Z axis(Z)/three points(3)/View] 
 Enter an option [Current/World] &lt;Current&gt;: </translation>
     </message>
     <message>
-        <source>
-不能绘制: %1</source>
-        <translation>
-Cannot be drawn: %1</translation>
+        <source>不能绘制: %1</source>
+        <translation>Cannot be drawn: %1</translation>
     </message>
     <message>
         <source>
@@ -156,10 +152,8 @@ Specify displacement &lt;0,0,0&gt;: </translation>
 Specify second point or &lt;use first point as displacement&gt;: </translation>
     </message>
     <message>
-        <source>
-不能复制: %1</source>
-        <translation>
-Cannot be copied: %1</translation>
+        <source>不能复制: %1</source>
+        <translation>Cannot be copied: %1</translation>
     </message>
     <message>
         <source>
@@ -210,10 +204,8 @@ Specify first point of mirror line: </translation>
 Specify second point of mirror line: </translation>
     </message>
     <message>
-        <source>
-镜像线的两点重合。</source>
-        <translation>
-The two points of the mirror line coincide.</translation>
+        <source>镜像线的两点重合。</source>
+        <translation>The two points of the mirror line coincide.</translation>
     </message>
     <message>
         <source>
@@ -434,10 +426,8 @@ Distance = %1, angle in XY plane = %2, %3</translation>
 Enter variables to list &lt;*&gt;: </translation>
     </message>
     <message>
-        <source>
-未知变量名“%1”。</source>
-        <translation>
-Unknown variable name "%1".</translation>
+        <source>未知变量名“%1”。</source>
+        <translation>Unknown variable name "%1".</translation>
     </message>
     <message>
         <source>
@@ -446,16 +436,12 @@ Unknown variable name "%1".</translation>
 Enter new value for %1 &lt;%2&gt;: </translation>
     </message>
     <message>
-        <source>
-%1 不接受“%2”。</source>
-        <translation>
-%1 does not take "%2".</translation>
+        <source>%1 不接受“%2”。</source>
+        <translation>%1 does not take "%2".</translation>
     </message>
     <message>
-        <source>
-%1 是只读的。</source>
-        <translation>
-%1 is read-only.</translation>
+        <source>%1 是只读的。</source>
+        <translation>%1 is read-only.</translation>
     </message>
     <message>
         <source>
@@ -464,34 +450,24 @@ Enter new value for %1 &lt;%2&gt;: </translation>
 Enter variable name or [?]: </translation>
     </message>
     <message>
-        <source>
-图层名“%1”无效。</source>
-        <translation>
-"%1" is no valid layer name.</translation>
+        <source>图层名“%1”无效。</source>
+        <translation>"%1" is no valid layer name.</translation>
     </message>
     <message>
-        <source>
-不能新建图层“%1”: %2</source>
-        <translation>
-The layer "%1" cannot be made: %2</translation>
+        <source>不能新建图层“%1”: %2</source>
+        <translation>The layer "%1" cannot be made: %2</translation>
     </message>
     <message>
-        <source>
-图层“%1”已冻结，不能置为当前。</source>
-        <translation>
-The layer "%1" is frozen and cannot be made current.</translation>
+        <source>图层“%1”已冻结，不能置为当前。</source>
+        <translation>The layer "%1" is frozen and cannot be made current.</translation>
     </message>
     <message>
-        <source>
-没有图层“%1”。</source>
-        <translation>
-There is no layer "%1".</translation>
+        <source>没有图层“%1”。</source>
+        <translation>There is no layer "%1".</translation>
     </message>
     <message>
-        <source>
-没有与“%1”匹配的图层。</source>
-        <translation>
-No layer matches "%1".</translation>
+        <source>没有与“%1”匹配的图层。</source>
+        <translation>No layer matches "%1".</translation>
     </message>
     <message>
         <source>
@@ -580,10 +556,8 @@ Turn the current layer "%1" off?</translation>
         <translation>to freeze</translation>
     </message>
     <message>
-        <source>
-不能冻结当前图层“%1”。</source>
-        <translation>
-The current layer "%1" cannot be frozen.</translation>
+        <source>不能冻结当前图层“%1”。</source>
+        <translation>The current layer "%1" cannot be frozen.</translation>
     </message>
     <message>
         <source>要解冻</source>
@@ -608,10 +582,8 @@ Enter color name or number (1-255): </translation>
         <translation>for this color</translation>
     </message>
     <message>
-        <source>
-颜色“%1”无效。</source>
-        <translation>
-"%1" is no valid color.</translation>
+        <source>颜色“%1”无效。</source>
+        <translation>"%1" is no valid color.</translation>
     </message>
     <message>
         <source>
@@ -620,10 +592,8 @@ Enter color name or number (1-255): </translation>
 Enter name of a loaded linetype &lt;CONTINUOUS&gt;: </translation>
     </message>
     <message>
-        <source>
-没有加载线型“%1”。</source>
-        <translation>
-The linetype "%1" is not loaded.</translation>
+        <source>没有加载线型“%1”。</source>
+        <translation>The linetype "%1" is not loaded.</translation>
     </message>
     <message>
         <source>使用该线型</source>
@@ -646,10 +616,8 @@ Enter plotting preference [Plot/No] &lt;Plot&gt;: </translation>
 Enter an option [?/Make/Set/New/ON/OFF/Color/Ltype/Plot/Freeze/Thaw/LOck/Unlock]: </translation>
     </message>
     <message>
-        <source>
-没有名为“%1”的布局。</source>
-        <translation>
-There is no layout named "%1".</translation>
+        <source>没有名为“%1”的布局。</source>
+        <translation>There is no layout named "%1".</translation>
     </message>
     <message>
         <source>
@@ -664,28 +632,20 @@ Enter layout option [Set/?] &lt;Set&gt;: </translation>
 Enter layout to make current &lt;%1&gt;: </translation>
     </message>
     <message>
-        <source>
-** 命令不能在“模型”选项卡中使用 **</source>
-        <translation>
-** The command cannot be used in the Model tab **</translation>
+        <source>** 命令不能在“模型”选项卡中使用 **</source>
+        <translation>** The command cannot be used in the Model tab **</translation>
     </message>
     <message>
-        <source>
-布局中没有可以进入的视口。</source>
-        <translation>
-The layout has no viewport to enter.</translation>
+        <source>布局中没有可以进入的视口。</source>
+        <translation>The layout has no viewport to enter.</translation>
     </message>
     <message>
-        <source>
-没有名为“%1”的视图。</source>
-        <translation>
-There is no view named "%1".</translation>
+        <source>没有名为“%1”的视图。</source>
+        <translation>There is no view named "%1".</translation>
     </message>
     <message>
-        <source>
-视图“%1”属于另一个空间。</source>
-        <translation>
-The view "%1" belongs to the other space.</translation>
+        <source>视图“%1”属于另一个空间。</source>
+        <translation>The view "%1" belongs to the other space.</translation>
     </message>
     <message>
         <source>
@@ -706,10 +666,8 @@ Enter name of view to restore: </translation>
 Enter name of menu file to load: </translation>
     </message>
     <message>
-        <source>
-不能加载菜单: %1</source>
-        <translation>
-The menu cannot be loaded: %1</translation>
+        <source>不能加载菜单: %1</source>
+        <translation>The menu cannot be loaded: %1</translation>
     </message>
     <message>
         <source>
@@ -730,10 +688,8 @@ Enter name of menu group to unload: </translation>
 The menu group "%1" was unloaded.</translation>
     </message>
     <message>
-        <source>
-没有加载菜单组“%1”。</source>
-        <translation>
-The menu group "%1" is not loaded.</translation>
+        <source>没有加载菜单组“%1”。</source>
+        <translation>The menu group "%1" is not loaded.</translation>
     </message>
     <message>
         <source>
@@ -742,10 +698,8 @@ The menu group "%1" is not loaded.</translation>
 Enter toolbar name or [ALL]: </translation>
     </message>
     <message>
-        <source>
-没有工具栏“%1”。</source>
-        <translation>
-There is no toolbar "%1".</translation>
+        <source>没有工具栏“%1”。</source>
+        <translation>There is no toolbar "%1".</translation>
     </message>
     <message>
         <source>
@@ -764,10 +718,6 @@ Not drawn completely: %1 (%2)</translation>
 输入布局名 &lt;%1&gt;: </source>
         <translation>
 Enter layout name &lt;%1&gt;: </translation>
-    </message>
-    <message>
-        <source>没有名为“%1”的布局。</source>
-        <translation>There is no layout named "%1".</translation>
     </message>
     <message>
         <source>
@@ -826,10 +776,6 @@ Enter upper right corner of window: </translation>
 输入视图名: </source>
         <translation>
 Enter view name: </translation>
-    </message>
-    <message>
-        <source>没有名为“%1”的视图。</source>
-        <translation>There is no view named "%1".</translation>
     </message>
     <message>
         <source>显示</source>
@@ -1040,10 +986,8 @@ Enter number of operations to undo or [BEgin/End/Mark/Back] &lt;1&gt;: </transla
 There is nothing to show.</translation>
     </message>
     <message>
-        <source>
-窗口太小。</source>
-        <translation>
-The window is too small.</translation>
+        <source>窗口太小。</source>
+        <translation>The window is too small.</translation>
     </message>
     <message>
         <source>
@@ -1058,10 +1002,8 @@ Specify first corner: </translation>
 Specify opposite corner: </translation>
     </message>
     <message>
-        <source>
-需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。</source>
-        <translation>
-Requires a corner of the window, a scale factor (like 2 or 2x) or an option keyword.</translation>
+        <source>需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。</source>
+        <translation>Requires a corner of the window, a scale factor (like 2 or 2x) or an option keyword.</translation>
     </message>
     <message>
         <source>
@@ -1082,10 +1024,8 @@ Specify center point: </translation>
 Enter magnification or height &lt;%1&gt;: </translation>
     </message>
     <message>
-        <source>
-需要高度，或比例因子 (如 2x)。</source>
-        <translation>
-Requires a height, or a scale factor (like 2x).</translation>
+        <source>需要高度，或比例因子 (如 2x)。</source>
+        <translation>Requires a height, or a scale factor (like 2x).</translation>
     </message>
     <message>
         <source>
@@ -1258,10 +1198,8 @@ Select objects: </translation>
         <translation>Plotting %1</translation>
     </message>
     <message>
-        <source>
-提示没有得到回答: %1</source>
-        <translation>
-The prompt got no answer: %1</translation>
+        <source>提示没有得到回答: %1</source>
+        <translation>The prompt got no answer: %1</translation>
     </message>
     <message>
         <source>回答不明确，请说明是 %1。</source>
@@ -1272,28 +1210,26 @@ The prompt got no answer: %1</translation>
         <translation>An answer is required.</translation>
     </message>
     <message>
+        <source>“%1”: %2</source>
+        <translation>"%1": %2</translation>
+    </message>
+    <message>
         <source>
 没有得到可用的回答，命令已取消。</source>
         <translation>
 No answer was usable, the command was cancelled.</translation>
     </message>
     <message>
-        <source>
-未知命令“%1”。</source>
-        <translation>
-Unknown command "%1".</translation>
+        <source>未知命令“%1”。</source>
+        <translation>Unknown command "%1".</translation>
     </message>
     <message>
-        <source>
-没有打开的图形，不能执行“%1”。</source>
-        <translation>
-No drawing is open, "%1" cannot run.</translation>
+        <source>没有打开的图形，不能执行“%1”。</source>
+        <translation>No drawing is open, "%1" cannot run.</translation>
     </message>
     <message>
-        <source>
-图形已被锁定，不能执行“%1”。</source>
-        <translation>
-The drawing is locked, "%1" cannot run.</translation>
+        <source>图形已被锁定，不能执行“%1”。</source>
+        <translation>The drawing is locked, "%1" cannot run.</translation>
     </message>
     <message>
         <source>

@@ -75,7 +75,7 @@ static void throughPoints(const AcGePoint3d &origin)
     if (const auto ucs = ucsThrough(toWorld(origin), toWorld(onX), toWorld(onPlane)))
         setUcs(*ucs);
     else
-        acutPrintf(Host::tr("\n三个点在一条直线上。"));
+        acedRefuse(Host::tr("三个点在一条直线上。"));
 }
 
 static void threePoints()

@@ -38,7 +38,7 @@ static AcDbObjectId draw(const QByteArray &dxfName, ResbufList ownGroups)
     const Acad::ErrorStatus status =
         space ? space->appendAcDbEntity(added, entity.get()) : space.openStatus();
     if (status != Acad::eOk) {
-        acutPrintf(Host::tr("\n不能绘制: %1").arg(reasonText(status)));
+        acedRefuse(Host::tr("不能绘制: %1").arg(reasonText(status)));
         return {};
     }
     AcDbObjectPointer<AcDbEntity>(entity.release()).close();

@@ -118,7 +118,7 @@ static void copyBy(const AcEdSelectionSet &originals, const AcGeMatrix3d &matrix
     if (!inPieces(originals, copyPiece))
         return;
     if (status != Acad::eOk)
-        acutPrintf(Host::tr("\n不能复制: %1").arg(reasonText(status)));
+        acedRefuse(Host::tr("不能复制: %1").arg(reasonText(status)));
     refused.report();
 }
 
@@ -234,7 +234,7 @@ static void mirror()
         return;
     const auto matrix = reflection(toWorld(*first), toWorld(*second));
     if (!matrix) {
-        acutPrintf(Host::tr("\n镜像线的两点重合。"));
+        acedRefuse(Host::tr("镜像线的两点重合。"));
         return;
     }
     const auto eraseSource = askYes(Host::tr("\n要删除源对象吗?"), false);

@@ -14,10 +14,10 @@
 namespace hostcommands
 {
 
-/// A line for everybody, and a message box where somebody sits before a window.
+/// A script ends here; who sits before a window sees a message box as well as the line.
 static void tellTrouble(const QString &text)
 {
-    acutPrintf(u'\n' + text);
+    acedRefuse(text);
     if (!acedFrontEnd().isScripted())
         acedAlert(text);
 }
@@ -28,7 +28,9 @@ static void open()
     const auto file = askFile(AcEdPromptKind::fileToOpen, Host::tr("\n输入要打开的图形文件名: "), proposed);
     if (!file || file->path.isEmpty())
         return;
-    if (const auto opened = acDocManager()->openDocument(file->path); !opened)
+    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper())
+        keeper->open(file->path);
+    else if (const auto opened = acDocManager()->openDocument(file->path); !opened)
         tellTrouble(Host::tr("不能打开图形: %1").arg(opened.error()));
 }
 
@@ -39,7 +41,10 @@ static void newDrawing()
 
 static void save(AcApDocument *document, const QString &path, bool copyOnly)
 {
-    if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
+    AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper();
+    if (keeper && !copyOnly)
+        keeper->save(document, path);
+    else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
         tellTrouble(Host::tr("不能保存图形: %1").arg(saved.error()));
 }
 
@@ -93,13 +98,13 @@ static void quickSave()
         saveAs();
 }
 
-/// A window asks in its own way; others are asked on the command line whether changes may be lost.
+/// Without a keeper the command line asks whether changes may be lost.
 static bool mayClose(const std::vector<AcApDocument *> &documents, const QString &question)
 {
     if (std::ranges::none_of(documents, &AcApDocument::isModified))
         return true;
-    if (const auto answer = acedFrontEnd().mayClose(documents))
-        return *answer;
+    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper())
+        return keeper->mayClose(documents);
     return askYes(question, false).value_or(false);
 }
 

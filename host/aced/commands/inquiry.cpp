@@ -177,7 +177,7 @@ static void setVariable(const QString &name)
 {
     resbuf present;
     if (acedGetVar(name, present) != RTNORM) {
-        acutPrintf(Host::tr("\n未知变量名“%1”。").arg(name));
+        acedRefuse(Host::tr("未知变量名“%1”。").arg(name));
         return;
     }
     const auto typed = askText(Host::tr("\n输入 %1 的新值 <%2>: ").arg(name.toUpper(), variableText(name)));
@@ -187,10 +187,10 @@ static void setVariable(const QString &name)
     case RTNORM:
         break;
     case RTREJ:
-        acutPrintf(Host::tr("\n%1 不接受“%2”。").arg(name.toUpper(), *typed));
+        acedRefuse(Host::tr("%1 不接受“%2”。").arg(name.toUpper(), *typed));
         break;
     default:
-        acutPrintf(Host::tr("\n%1 是只读的。").arg(name.toUpper()));
+        acedRefuse(Host::tr("%1 是只读的。").arg(name.toUpper()));
     }
 }
 

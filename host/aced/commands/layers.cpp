@@ -39,7 +39,7 @@ static bool isGoodName(const QString &name)
 static bool createLayer(const QString &name)
 {
     if (!isGoodName(name)) {
-        acutPrintf(Host::tr("\n图层名“%1”无效。").arg(name));
+        acedRefuse(Host::tr("图层名“%1”无效。").arg(name));
         return false;
     }
     AcDbObjectId added;
@@ -48,7 +48,7 @@ static bool createLayer(const QString &name)
     if (status == Acad::eDuplicateKey)
         return true;
     if (status != Acad::eOk) {
-        acutPrintf(Host::tr("\n不能新建图层“%1”: %2").arg(name, reasonText(status)));
+        acedRefuse(Host::tr("不能新建图层“%1”: %2").arg(name, reasonText(status)));
         return false;
     }
     AcDbObjectPointer<AcDbLayerTableRecord> layer(acrxCast<AcDbLayerTableRecord>(added.stub()->object));
@@ -68,8 +68,8 @@ static void makeCurrent(const QString &name)
     {
         AcDbObjectPointer<AcDbLayerTableRecord> layer(layerNamed(name), AcDb::kForRead);
         if (!layer || layer->isFrozen()) {
-            acutPrintf(layer ? Host::tr("\n图层“%1”已冻结，不能置为当前。").arg(name)
-                             : Host::tr("\n没有图层“%1”。").arg(name));
+            acedRefuse(layer ? Host::tr("图层“%1”已冻结，不能置为当前。").arg(name)
+                             : Host::tr("没有图层“%1”。").arg(name));
             return;
         }
         spelling = layer->getName();
@@ -90,7 +90,7 @@ static void changeLayers(const QString &names, const std::function<void(AcDbLaye
             change(*layer);
     }
     if (found == 0)
-        acutPrintf(Host::tr("\n没有与“%1”匹配的图层。").arg(names));
+        acedRefuse(Host::tr("没有与“%1”匹配的图层。").arg(names));
 }
 
 static void askLayers(const QString &action, const std::function<void(AcDbLayerTableRecord &)> &change)
@@ -175,7 +175,7 @@ static void freeze()
 {
     askLayers(Host::tr("要冻结"), [](AcDbLayerTableRecord &layer) {
         if (isCurrent(layer))
-            acutPrintf(Host::tr("\n不能冻结当前图层“%1”。").arg(layer.getName()));
+            acedRefuse(Host::tr("不能冻结当前图层“%1”。").arg(layer.getName()));
         else
             layer.setIsFrozen(true);
     });
@@ -217,7 +217,7 @@ static void color()
         askLayersOrCurrent(Host::tr("使用该颜色"),
                            [&](AcDbLayerTableRecord &layer) { layer.setColorIndex(*index); });
     else if (text)
-        acutPrintf(Host::tr("\n颜色“%1”无效。").arg(*text));
+        acedRefuse(Host::tr("颜色“%1”无效。").arg(*text));
 }
 
 static void linetype()
@@ -229,7 +229,7 @@ static void linetype()
     const AcDbObjectPointer<AcDbSymbolTableRecord> known(
         acdbCurDwg()->tableRecord(SymbolTable::linetype, wanted), AcDb::kForRead);
     if (!known) {
-        acutPrintf(Host::tr("\n没有加载线型“%1”。").arg(wanted));
+        acedRefuse(Host::tr("没有加载线型“%1”。").arg(wanted));
         return;
     }
     const QString spelling = known->getName();

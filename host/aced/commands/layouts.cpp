@@ -24,7 +24,7 @@ static void listLayouts()
 static void setLayout(const QString &name)
 {
     if (acedSetVarText(QStringLiteral("CTAB"), name) != RTNORM)
-        acutPrintf(Host::tr("\n没有名为“%1”的布局。").arg(name));
+        acedRefuse(Host::tr("没有名为“%1”的布局。").arg(name));
 }
 
 static void layout()
@@ -55,7 +55,7 @@ static bool isSheetShown()
 {
     const bool sheet = acedShownSpace(*curDoc()) != acdbCurDwg()->modelSpaceId();
     if (!sheet)
-        acutPrintf(Host::tr("\n** 命令不能在“模型”选项卡中使用 **"));
+        acedRefuse(Host::tr("** 命令不能在“模型”选项卡中使用 **"));
     return sheet;
 }
 
@@ -68,7 +68,7 @@ static void toModelSpace()
         if (acedEnterViewport(*curDoc(), number) == Acad::eOk)
             return;
     }
-    acutPrintf(Host::tr("\n布局中没有可以进入的视口。"));
+    acedRefuse(Host::tr("布局中没有可以进入的视口。"));
 }
 
 static void toPaperSpace()
@@ -92,11 +92,11 @@ static void restoreView(const QString &name)
 {
     const auto view = acapNamedView(*acdbCurDwg(), name);
     if (!view) {
-        acutPrintf(Host::tr("\n没有名为“%1”的视图。").arg(name));
+        acedRefuse(Host::tr("没有名为“%1”的视图。").arg(name));
         return;
     }
     if (view->paperSpace == acedIsModelSpaceCurrent(*curDoc())) {
-        acutPrintf(Host::tr("\n视图“%1”属于另一个空间。").arg(name));
+        acedRefuse(Host::tr("视图“%1”属于另一个空间。").arg(name));
         return;
     }
     AcApView &present = curDoc()->view();

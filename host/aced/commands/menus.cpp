@@ -18,7 +18,7 @@ static void loadMenu()
         return;
     const auto loaded = acedMenus().load(*path);
     if (!loaded)
-        acutPrintf(Host::tr("\n不能加载菜单: %1").arg(loaded.error()));
+        acedRefuse(Host::tr("不能加载菜单: %1").arg(loaded.error()));
     else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
         acutPrintf(Host::tr("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
 }
@@ -28,8 +28,10 @@ static void unloadMenu()
     const auto name = askText(Host::tr("\n输入要卸载的菜单组名: "));
     if (!name || name->isEmpty())
         return;
-    acutPrintf(acedMenus().unload(*name) ? Host::tr("\n菜单组“%1”已卸载。").arg(*name)
-                                         : Host::tr("\n没有加载菜单组“%1”。").arg(*name));
+    if (acedMenus().unload(*name))
+        acutPrintf(Host::tr("\n菜单组“%1”已卸载。").arg(*name));
+    else
+        acedRefuse(Host::tr("没有加载菜单组“%1”。").arg(*name));
 }
 
 /// The group itself, or the one that has a toolbar of that id or label ("TB1" or "GROUP.TB1").
@@ -57,7 +59,7 @@ static void toolbar()
     const bool all = name->compare(QLatin1String("ALL"), Qt::CaseInsensitive) == 0;
     const QString group = all ? QString() : groupOfToolbar(*name);
     if (!all && group.isEmpty()) {
-        acutPrintf(Host::tr("\n没有工具栏“%1”。").arg(*name));
+        acedRefuse(Host::tr("没有工具栏“%1”。").arg(*name));
         return;
     }
     const auto option = askKeyword(QStringLiteral("Show Hide"),

@@ -24,7 +24,7 @@ namespace hostcommands
 /// People see why and begin again; a script ends there.
 static bool refuse(const QString &reason)
 {
-    acedFrontEnd().refuseAnswer(reason);
+    acedRefuse(reason);
     acedEditor()->requestCancel();
     return false;
 }

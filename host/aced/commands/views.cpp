@@ -60,7 +60,7 @@ static void zoomCorners(const AcGePoint3d &first, const AcGePoint3d &second)
     const AcGePoint3d corner1 = toWorld(first);
     const AcGePoint3d corner2 = toWorld(second);
     if (corner1.isEqualTo(corner2)) {
-        acutPrintf(Host::tr("\n窗口太小。"));
+        acedRefuse(Host::tr("窗口太小。"));
         return;
     }
     viewToChange();
@@ -108,7 +108,7 @@ static void zoomScale(const QString &text)
 {
     const auto scale = readScale(text);
     if (!scale) {
-        acutPrintf(Host::tr("\n需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。"));
+        acedRefuse(Host::tr("需要窗口的角点、比例因子 (如 2 或 2x) 或选项关键字。"));
         return;
     }
     double height = viewToChange().height;
@@ -141,7 +141,7 @@ static void zoomCentre()
     const auto scale =
         text && text->isEmpty() ? std::optional(ZoomScale{1.0, true}) : readScale(text.value_or(QString()));
     if (!scale) {
-        acutPrintf(Host::tr("\n需要高度，或比例因子 (如 2x)。"));
+        acedRefuse(Host::tr("需要高度，或比例因子 (如 2x)。"));
         return;
     }
     AcApView &view = viewToChange();

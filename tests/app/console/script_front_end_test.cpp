@@ -78,8 +78,8 @@ TEST(ScriptRun, EndsAtTheFirstLineThatDoesNotFit)
     const Case cases[] = {
         {"; only this\n", point, "s, at its end: the prompt \"First corner:\" finds no answer\n"},
         {"", dialog, "s, at its end: dialog CSetup finds no answer\n"},
-        {"LINE\n@ok\n", dialog, "s:1: dialog CSetup finds no answer, the line does not start with @\n"},
-        {"\n@ok\n", dialog, "s:1: dialog CSetup finds no answer, the line does not start with @\n"},
+        {"LINE\n@ok\n", dialog, "s:1: dialog CSetup finds no answer, \"LINE\" works no dialog\n"},
+        {"@1,1\n@ok\n", dialog, "s:1: dialog CSetup finds no answer, \"@1,1\" works no dialog\n"},
         {"@ok\n0,0\n", point, "s:1: @ok: no dialog is open; the prompt \"First corner:\" is waiting\n"},
         {"@yes\n", command, "s:1: @yes: no dialog is open; the command prompt is waiting\n"},
         {"@in CMarkWnd2 click 1006\n", command,

@@ -53,6 +53,16 @@ TEST(Script, AnEndOfLineEndsALineAndBeginsNone)
     EXPECT_EQ(Script::parse("A\n\n", u"s"_s)->lines().size(), 2u) << "an empty line is Enter";
 }
 
+TEST(Script, PointsThatCountFromTheLastOneAreNoDialogLines)
+{
+    for (const char *point : {"@100,0", "@-5,.5", "@5<90", "@*1,2", "@"}) {
+        const auto script = Script::parse(point, u"s"_s);
+        ASSERT_TRUE(script) << qPrintable(script.error());
+        EXPECT_EQ(script->lines()[0].kind, ScriptLine::typed) << point;
+        EXPECT_EQ(script->lines()[0].text, QLatin1String(point));
+    }
+}
+
 TEST(Script, IsRefusedWithTheLine)
 {
     struct Case {
@@ -64,7 +74,6 @@ TEST(Script, IsRefusedWithTheLine)
         {"A\n\xE4\xBD", "s:2: the line is not UTF-8"},
         {QByteArray("A\0B\n", 4), "s:1: the line holds a zero byte"},
         {"; x\n@push 1\n", "s:2: @push 1: there is no dialog line \"push\""},
-        {"@\n", "s:1: @: there is no dialog line \"\""},
     };
     for (const Case &c : cases) {
         const auto script = Script::parse(c.bytes, u"s"_s);

@@ -74,14 +74,34 @@ TEST_F(WindowFrontEndTest, MacroBeginsByCancellingWhatRuns)
     EXPECT_TRUE(session.printed.contains(u"*取消*"));
 }
 
+TEST_F(WindowFrontEndTest, ARefusedAnswerEndsItsMacro)
+{
+    session.play({
+        [&] { front.runMacro(QStringLiteral("^C^C_LINE 0,0 nowhere 10,0  _POINT 1,1 ")); },
+        [&] { front.giveText(QStringLiteral("5,0")); }, [&] { front.giveText({}); },
+        [&] { front.runMacro(QStringLiteral("^C^C_NOSUCH;_POINT 1,1 ")); },
+        [&] { front.runMacro(QStringLiteral("^C^C_CIRCLE \\2 ")); },
+        [&] { front.giveText(QStringLiteral("where?")); },
+        [&] { front.giveText(QStringLiteral("1,1")); }, // The macro waited for a person, who was wrong.
+    });
+    EXPECT_TRUE(session.printed.contains(u"“nowhere”"));
+    EXPECT_EQ(tests::currentEntities().size(), 2u) << "the line to 5,0 and the circle";
+}
+
 TEST_F(WindowFrontEndTest, ClosingAndLeavingAskTheWindow)
 {
-    std::size_t asked = 0;
-    bool answer = false;
-    front.setCloseQuestion([&](const std::vector<AcApDocument *> &documents) {
-        asked += documents.size();
-        return answer;
-    });
+    struct Keeper : AcEdDrawingKeeper {
+        bool open(const QString &) override { return false; }
+        bool save(AcApDocument *, const QString &) override { return false; }
+        bool mayClose(const std::vector<AcApDocument *> &documents) override
+        {
+            asked += documents.size();
+            return answer;
+        }
+        std::size_t asked = 0;
+        bool answer = false;
+    } keeper;
+    front.setDrawingKeeper(&keeper);
     session.play({
         [&] { front.giveText(QStringLiteral("POINT 1,1")); },
         [&] { front.giveText(QStringLiteral("CLOSE")); },
@@ -91,12 +111,12 @@ TEST_F(WindowFrontEndTest, ClosingAndLeavingAskTheWindow)
         },
         [&] {
             EXPECT_TRUE(front.isIdle()) << "the window was to stay";
-            EXPECT_EQ(asked, 2u);
-            answer = true;
+            EXPECT_EQ(keeper.asked, 2u);
+            keeper.answer = true;
             front.giveText(QStringLiteral("QUIT"));
         },
     });
-    EXPECT_EQ(asked, 3u);
+    EXPECT_EQ(keeper.asked, 3u);
 }
 
 TEST_F(WindowFrontEndTest, WhatIsTypedAheadAnswersTheNextPrompts)

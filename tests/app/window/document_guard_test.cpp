@@ -185,6 +185,31 @@ TEST_F(Guard, SavingAsksBeforeItOverwritesOthers)
     EXPECT_TRUE(asked().value(0).contains("ann"));
 }
 
+TEST_F(Guard, TypedCommandsLeaveTheSameChoices)
+{
+    session.front.setDrawingKeeper(&guard);
+    const auto type = [this](const QString &line) { session.front.giveText(line); };
+    lockByAnn();
+    answers(QMessageBox::Ignore, QMessageBox::Cancel, QMessageBox::Ignore);
+    session.play({
+        [&] { type("OPEN " + plan); },
+        [&] {
+            ASSERT_TRUE(acDocManager()->curDocument());
+            EXPECT_FALSE(acDocManager()->curDocument()->isReadOnly()) << "the lock was taken over";
+            QFile::remove(plan);
+            tests::writeFile(plan, kDrawing);
+            type("POINT 7,8");
+        },
+        [&] { type("QSAVE"); },
+        [&] {
+            EXPECT_EQ(tests::readFile(plan), kDrawing);
+            type("SAVEAS " + plan);
+        },
+    });
+    EXPECT_EQ(asked().size(), 3);
+    EXPECT_TRUE(tests::readFile(plan).contains("POINT"));
+}
+
 TEST_F(Guard, ClosingAsksOnlyAboutUnsavedChanges)
 {
     AcApDocument *const document = *acDocManager()->openDocument(plan);

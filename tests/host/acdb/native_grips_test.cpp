@@ -246,6 +246,7 @@ TEST(AnonymousBlocks, AreNumberedBehindThoseThereAre)
 {
     acdbRegisterClasses();
     tests::MemoryDrawing drawing;
+    drawing.block("*U2147483647"); // As other programs may name one.
     drawing.block("*U7");
     drawing.block("*D9");
     const auto database = drawing.open();
@@ -253,7 +254,7 @@ TEST(AnonymousBlocks, AreNumberedBehindThoseThereAre)
     {
         const AcDbUndoGroup step(*database, QStringLiteral("BLOCKS"));
         AcDbAnonymousBlocks blocks(*database);
-        for (const char *const name : {"*U8", "*U9"}) {
+        for (const char *const name : {"*U2147483648", "*U2147483649"}) {
             const AcDbObjectId id = blocks.add({1, 2, 3});
             AcDbObjectPointer<AcDbBlockTableRecord> block(
                 static_cast<AcDbBlockTableRecord *>(id.stub()->object));
@@ -263,10 +264,10 @@ TEST(AnonymousBlocks, AreNumberedBehindThoseThereAre)
             first = first.isNull() ? id : first;
         }
     }
-    EXPECT_EQ(database->tableRecord(SymbolTable::block, QStringLiteral("*U8")), first);
+    EXPECT_EQ(database->tableRecord(SymbolTable::block, QStringLiteral("*U2147483648")), first);
     EXPECT_TRUE(database->undo().undo());
     EXPECT_FALSE(database->hasChanges());
-    EXPECT_TRUE(database->tableRecord(SymbolTable::block, QStringLiteral("*U8")).isNull());
+    EXPECT_TRUE(database->tableRecord(SymbolTable::block, QStringLiteral("*U2147483648")).isNull());
     EXPECT_TRUE(database->undo().redo());
     EXPECT_EQ(AcDbObjectPointer<AcDbBlockTableRecord>(first, AcDb::kForRead)->origin().z, 3.0);
 }

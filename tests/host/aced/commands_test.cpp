@@ -170,6 +170,25 @@ TEST_F(Commands, ALineCarriesAnswers)
     EXPECT_EQ(acedEditor()->execute(""), RTNONE);
 }
 
+TEST_F(Commands, WhatFollowsARefusedAnswerIsDropped)
+{
+    QStringList heard;
+    add("ASK", [&heard] {
+        int a = 0;
+        int b = 0;
+        if (acedGetInt("a", a) == RTNORM && acedGetInt("b", b) == RTNORM)
+            heard << QString::number(a) << QString::number(b);
+    });
+    ScriptFrontEnd script({"1", "2", "wrong", "3"});
+    EXPECT_EQ(acedEditor()->execute("ASK nonsense 8 ASK 9 9"), RTNORM);
+    EXPECT_EQ(heard, (QStringList{"1", "2"}));
+    EXPECT_EQ(acedCommandS({"ASK", "nonsense", 8, 9}), RTCAN) << "nobody else is asked";
+    EXPECT_EQ(acedCommandS({"ASK", PAUSE, 4}), RTNORM) << "a person may try again";
+    EXPECT_EQ(heard, (QStringList{"1", "2", "3", "4"}));
+    ASSERT_EQ(script.refusals.size(), 4) << qPrintable(script.printed);
+    EXPECT_EQ(script.refusals.first(), "“nonsense”: 需要整数。");
+}
+
 TEST_F(Commands, QueuedTextsRunBetweenCommands)
 {
     QStringList order;

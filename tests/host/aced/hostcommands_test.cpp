@@ -575,6 +575,29 @@ TEST(HostFileCommands, SaveOpenAndClose)
     EXPECT_TRUE(run({QStringLiteral("APPLOAD"), folder.path(QStringLiteral("no.so"))}).contains(u"no.so"));
 }
 
+TEST_F(HostCommands, WhatCannotBeDoneEndsAScript)
+{
+    const std::initializer_list<const char *> cases[] = {
+        {"OPEN", "no such file.dxf"},
+        {"SAVEAS", "no/such/folder/a.dxf"},
+        {"NOSUCH"},
+        {"(nosuch)"},
+        {"ZOOM", "nonsense"},
+        {"SETVAR", "OSMODE", "blue"},
+        {"SETVAR", "NO"},
+        {"LAYER", "S", "NO"},
+        {"LAYOUT", "S", "NO"},
+        {"VIEW", "R", "NO"},
+        {"TOOLBAR", "NO"},
+        {"MSPACE"},
+    };
+    for (const auto &typed : cases) {
+        tests::ScriptFrontEnd script(lines(typed));
+        acedEditor()->processInput();
+        EXPECT_EQ(script.refusals.size(), 1) << *typed.begin() << qPrintable(script.printed);
+    }
+}
+
 // Every command ----------------------------------------------------------------------------------------
 
 TEST_F(HostCommands, EndWhateverTheScriptLacks)
