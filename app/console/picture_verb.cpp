@@ -1,6 +1,7 @@
 #include "app/console/picture_verb.h"
 
 #include "app/console/console_front_end.h"
+#include "host/acap/docview.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edpicture.h"
 #include "host/aced/edspace.h"
@@ -109,6 +110,17 @@ static base::Result<std::optional<AcEdNamedArea>, QString> namedArea(AcApDocumen
     return std::optional<AcEdNamedArea>();
 }
 
+/// What the drawing was saved with, for a space without extents: it is empty, or holds only lines without
+/// end.
+static AcDbExtents savedView(const AcDbDatabase &database, AcDbObjectId space)
+{
+    AcApView view;
+    acapRestoreView(database, space, view);
+    const double half = view.height > 0.0 ? view.height / 2.0 : 0.5;
+    const AcGeVector3d corner(half, half, 0.0);
+    return AcDbExtents(view.centre - corner, view.centre + corner);
+}
+
 static base::Result<void, QString> findArea(Request &request, AcApDocument &document,
                                             const PictureOptions &options)
 {
@@ -132,7 +144,7 @@ static base::Result<void, QString> findArea(Request &request, AcApDocument &docu
     if (!request.box.isValid())
         request.box = acedSpaceExtents(database, request.space);
     if (!request.box.isValid())
-        return base::Failure{QStringLiteral("%1 has nothing to show").arg(acdbLayoutName(request.space))};
+        request.box = savedView(database, request.space);
     return {};
 }
 
@@ -195,6 +207,8 @@ static base::Result<void, QString> drawPicture(AcApDocument &document, const Pic
     paint.lineWeights = options.lineWeights;
     AcGiPaintReport report;
     const QImage image = acedPicture(*document.database(), request->space, view, paint, &report);
+    if (report.painted == 0)
+        printMessageLine(QStringLiteral("%1: nothing to show").arg(acdbLayoutName(request->space)));
     if (auto written = acedWritePng(image, options.output); !written)
         return written;
     printDone(options, *request, report);

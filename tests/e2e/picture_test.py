@@ -42,6 +42,10 @@ def pictures():
     for wrong in (["--size", "0x7"], ["--window", "1,2,3"], ["--background", "smoke"], ["--layout", "None"]):
         call("picture", PLAN, "never.png", *wrong, status=2)
     call("picture", PLAN, "no/such/folder.png", status=2)
+    Path("empty.dxf").write_text("0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n")
+    result = call("picture", "empty.dxf", "empty.png", "--json")
+    check(json.loads(result.stdout)["drawn"] == 0, "something was drawn from nothing")
+    check("nothing to show" in result.stderr and png_size("empty.png") == (1600, 1000), "an empty drawing is not told")
     check(not Path("never.png").exists(), "a wrong option still made a picture")
 
 
