@@ -14,11 +14,12 @@ enum ViewportFlag : std::int64_t { kClippedByEntity = 0x10000, kOff = 0x20000 };
 
 } // namespace
 
-/// The first viewport of a layout stands for the sheet itself. Files without numbers tell by the order.
+/// The first viewport of a layout stands for the sheet itself. Viewports have no numbers in old files and in
+/// layouts that nobody has looked at yet; the order tells then.
 static bool isSheet(const AcDbEntity &entity, const EntityGroups &groups)
 {
-    if (const resbuf *const number = groups.find(69))
-        return number->integer() == 1;
+    if (const std::int64_t number = groups.integer(69); number != 0)
+        return number == 1;
     const AcDbDatabase *const database = entity.database();
     const BlockContents *const space = database ? database->blockContents(entity.blockId()) : nullptr;
     if (!space)

@@ -352,7 +352,7 @@ TEST(Viewports, ReadTheirViewAlsoFromOldDrawings)
     MemoryDrawing drawing;
     const std::uint64_t walls = drawing.layer("WALLS");
     const std::uint64_t sheet =
-        drawing.entity("VIEWPORT", {{40, 9.0}, {41, 9.0}, {68, 1}}, drawing.paperSpace());
+        drawing.entity("VIEWPORT", {{40, 9.0}, {41, 9.0}, {68, 0}, {69, 0}}, drawing.paperSpace());
     const std::uint64_t modern = drawing.entity("VIEWPORT",
                                                 {{100, "AcDbViewport"},
                                                  {10, AcGePoint3d(5, 5, 0)},
@@ -367,6 +367,8 @@ TEST(Viewports, ReadTheirViewAlsoFromOldDrawings)
                                                  handleGroup(331, walls)},
                                                 drawing.paperSpace());
     EXPECT_TRUE(drawn(drawing, sheet).lines.isEmpty());
+    const Groups noNumber{{40, 4.0}, {41, 2.0}, {68, 0}, {69, 0}};
+    EXPECT_FALSE(drawn(drawing, drawing.entity("VIEWPORT", noNumber, drawing.paperSpace())).lines.isEmpty());
     const Everything shown = drawn(drawing, modern);
     ASSERT_EQ(shown.viewports.size(), 1U);
     const AcGiViewportPicture &view = shown.viewports.front();
