@@ -31,17 +31,38 @@ void drawReference(const AcGiBlockPlacement &reference, AcGiGeometry &sink)
     }
 }
 
-static void drawAttributes(const AcDbEntity &entity, AcGiGeometry &sink)
+static void drawAttributes(std::span<const AcDbObjectId> attributes, AcGiGeometry &sink)
 {
-    static const QByteArray kVariable = QByteArrayLiteral("$ATTMODE");
-    if (entity.database() && entity.database()->headerInteger(kVariable, 1) == 0)
-        return;
-    for (const AcDbObjectId id : acdbSubEntities(entity.objectId())) {
+    for (const AcDbObjectId id : attributes) {
         readEntity(id, [&](const AcDbEntity &attribute) {
             if (!sink.isDone() && attribute.dxfName() == "ATTRIB" && sink.wants(attribute))
                 acgiDrawEntity(attribute, sink);
         });
     }
+}
+
+/// Every instance of a multiple insert shows the attributes, which stand at the first one.
+static void drawAttributes(const AcDbEntity &entity, const AcGiBlockPlacement &reference, AcGiGeometry &sink)
+{
+    static const QByteArray kVariable = QByteArrayLiteral("$ATTMODE");
+    if (entity.database() && entity.database()->headerInteger(kVariable, 1) == 0)
+        return;
+    const std::vector<AcDbObjectId> attributes = acdbSubEntities(entity.objectId());
+    if (attributes.empty())
+        return;
+    constexpr int kMostInstances = 1 << 12;
+    const int rows = std::clamp(kMostInstances / reference.columns, 1, reference.rows);
+    const int columns = std::min(kMostInstances, reference.columns);
+    for (int row = 0; row < rows && !sink.isDone(); ++row) {
+        for (int column = 0; column < columns && !sink.isDone(); ++column) {
+            const AcGeVector3d step = reference.columnStep * column + reference.rowStep * row;
+            const AcGiModelTransform placed(sink, AcGeMatrix3d::translation(step));
+            drawAttributes(attributes, sink);
+        }
+    }
+    if (rows < reference.rows || columns < reference.columns)
+        sink.noteUndrawn(
+            QStringLiteral("INSERT: attributes of the first %1 instances only").arg(rows * columns));
 }
 
 /// Says so when the block is another drawing that was not loaded.
@@ -143,7 +164,7 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
     if (!clip.boundary.empty())
         sink.popClip();
     noteMissing(reference.record, groups.text(2), sink);
-    drawAttributes(entity, sink);
+    drawAttributes(entity, reference, sink);
 }
 
 /// The grid of a table whose picture is missing: rows run down from the insertion point.

@@ -207,6 +207,10 @@ TEST(Extents, InsertsPlaceTheirBlock)
     drawing.subEntity("ATTRIB", {{1, "x"}, {10, AcGePoint3d(-5, -5, 0)}, {40, 1.0}});
     drawing.subEntity("ATTRIB", {{1, "hidden"}, {10, AcGePoint3d(-50, -50, 0)}, {40, 1.0}, {70, 1}});
     drawing.subEntity("SEQEND", {});
+    const std::uint64_t labels =
+        drawing.entity("INSERT", {{2, "B"}, {10, AcGePoint3d(0, 0, 0)}, {70, 2}, {44, -20.0}});
+    drawing.subEntity("ATTRIB", {{1, "x"}, {10, AcGePoint3d(-5, -5, 0)}, {40, 1.0}});
+    drawing.subEntity("SEQEND", {});
     const std::uint64_t missing = drawing.entity("INSERT", {{2, "NOT THERE"}, {10, AcGePoint3d(0, 0, 0)}});
 
     expectBox(boxOf(drawing, scaled), {7, 4, 10, 10});
@@ -216,6 +220,7 @@ TEST(Extents, InsertsPlaceTheirBlock)
     const AcDbExtents withAttribute = boxOf(drawing, labelled);
     EXPECT_EQ(withAttribute.minPoint().x, -5.0);
     EXPECT_EQ(withAttribute.maxPoint().x, 3.0);
+    EXPECT_EQ(boxOf(drawing, labels).minPoint().x, -25.0);
     EXPECT_FALSE(boxOf(drawing, missing).isValid());
 }
 
