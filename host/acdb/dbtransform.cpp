@@ -98,6 +98,17 @@ constexpr Rule kMTextRules[] = {
     {42, Role::length}, {43, Role::length},    {46, Role::length},
 };
 
+double degreesInPlane(const AcGeVector3d &direction, const AcGeVector3d &normal)
+{
+    const AcGeVector3d seen = AcGeMatrix3d::planeToWorld(normal).inverse() * direction;
+    return std::atan2(seen.y, seen.x) * 180.0 / kGePi;
+}
+
+double unstatedMTextAngle(const AcGeVector3d &normal)
+{
+    return degreesInPlane(acdbUnstatedTextDirection(normal), normal);
+}
+
 // The rotation of an MTEXT, whose plane a reflection shows from behind.
 double turnedMTextAngle(const EntityTransform &t, double degrees)
 {
@@ -105,17 +116,19 @@ double turnedMTextAngle(const EntityTransform &t, double degrees)
     const AcGeVector3d along = t.turned(AcGeMatrix3d::planeToWorld(t.normal()) *
                                         AcGeVector3d(std::cos(angle), std::sin(angle), 0.0));
     const AcGeVector3d normal = t.mirrored() ? -t.newNormal() : t.newNormal();
-    const AcGeVector3d seen = AcGeMatrix3d::planeToWorld(normal).inverse() * along;
-    const double turned = std::atan2(seen.y, seen.x) * 180.0 / kGePi;
+    const double turned = degreesInPlane(along, normal);
     return std::abs(std::remainder(turned - degrees, 360.0)) < 1e-12 ? degrees : wrapDegrees(turned);
 }
 
 // Seen from behind: up is normal x direction, so reversing the normal reflects the text.
 void finishMText(EntityTransform &t)
 {
-    if (t.find(50) || !t.find(11))
-        t.setReal(50, turnedMTextAngle(t, t.real(50, 0.0)), 0.0, 40);
-    t.setNormal(t.mirrored() ? -t.newNormal() : t.newNormal());
+    const AcGeVector3d normal = t.mirrored() ? -t.newNormal() : t.newNormal();
+    if (t.find(50) || !t.find(11)) {
+        const double angle = t.real(50, unstatedMTextAngle(t.normal()));
+        t.setReal(50, turnedMTextAngle(t, angle), unstatedMTextAngle(normal), 40);
+    }
+    t.setNormal(normal);
     // The embedded object of newer files repeats direction and position.
     static constexpr Rule kEmbedded[] = {{10, Role::direction}, {11, Role::point},  {40, Role::length},
                                          {41, Role::length},    {42, Role::length}, {43, Role::length},
@@ -297,4 +310,11 @@ Acad::ErrorStatus acdbTransformGroups(ResbufList &groups, const AcGeMatrix3d &ma
         transform.setNormal(transform.newNormal());
     transform.applyExtendedData();
     return Acad::eOk;
+}
+
+AcGeVector3d acdbUnstatedTextDirection(const AcGeVector3d &normal)
+{
+    constexpr double kInPlane = 1e-6;
+    const bool isWorld = std::abs(normal.normal().dotProduct(AcGeVector3d::kXAxis)) < kInPlane;
+    return isWorld ? AcGeVector3d::kXAxis : AcGeMatrix3d::planeToWorld(normal) * AcGeVector3d::kXAxis;
 }

@@ -20,3 +20,7 @@
 /// then nothing is changed.
 Acad::ErrorStatus acdbTransformGroups(ResbufList &groups, const AcGeMatrix3d &matrix,
                                       const AcGeVector3d &ownerNormal = AcGeVector3d::kZAxis);
+
+/// Direction of the lines of an MTEXT that states none (11) and no rotation (50): the world's x axis where
+/// that lies in the plane of the text, else the x axis of the plane.
+AcGeVector3d acdbUnstatedTextDirection(const AcGeVector3d &normal);

@@ -1,6 +1,7 @@
 // Drawing of multi-line text entities.
 #include "host/acgi/gidrawmtext.h"
 
+#include "host/acdb/dbtransform.h"
 #include "host/acgi/gidrawtools.h"
 #include "host/acgi/gikinds.h"
 
@@ -33,9 +34,7 @@ public:
             read(group);
         if (database)
             m_text.style = acgiTextStyle(*database, m_style);
-        // The later of direction and rotation holds.
-        const AcGeVector3d right = AcGeMatrix3d::planeToWorld(m_text.normal) * AcGeVector3d::kXAxis;
-        m_text.along = m_direction.isZeroLength() ? right.rotateBy(m_rotation, m_text.normal) : m_direction;
+        m_text.along = direction();
         if (!(m_text.height > 0.0))
             m_text.height = m_text.style.textSize();
         readMask();
@@ -46,6 +45,7 @@ public:
 
 private:
     void read(const resbuf &group);
+    AcGeVector3d direction() const;
     void readMask();
     void readColumns();
     const resbuf *find(int code) const
@@ -57,8 +57,8 @@ private:
     GroupSpan m_groups;
     AcGiMText m_text;
     QString m_style;
-    AcGeVector3d m_direction;
-    double m_rotation = 0.0;
+    AcGeVector3d m_direction; ///< None: not stated.
+    std::optional<double> m_rotation;
     bool m_inColumns = false; ///< Behind group 75, where 50 is a height.
 };
 
@@ -107,6 +107,7 @@ void MTextGroups::read(const resbuf &group)
         break;
     case 11:
         m_direction = group.point().asVector().normal();
+        m_rotation.reset();
         break;
     case 40:
         m_text.height = group.real();
@@ -120,7 +121,6 @@ void MTextGroups::read(const resbuf &group)
     case 50:
         if (!m_inColumns) {
             m_rotation = radians(group.real());
-            m_direction = AcGeVector3d();
         }
         break;
     case 71:
@@ -144,6 +144,15 @@ void MTextGroups::read(const resbuf &group)
     default:
         break;
     }
+}
+
+/// The later of direction and rotation holds.
+AcGeVector3d MTextGroups::direction() const
+{
+    if (!m_rotation)
+        return m_direction.isZeroLength() ? acdbUnstatedTextDirection(m_text.normal) : m_direction;
+    const AcGeVector3d right = AcGeMatrix3d::planeToWorld(m_text.normal) * AcGeVector3d::kXAxis;
+    return right.rotateBy(*m_rotation, m_text.normal);
 }
 
 void MTextGroups::readMask()

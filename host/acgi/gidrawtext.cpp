@@ -31,14 +31,18 @@ struct OneLine {
 
 } // namespace
 
-/// How far the box of the text stands from its alignment point, as shares of its width and height.
+/// How far letters reach below the base line, where a capital letter is 1 high.
+static constexpr double kDescent = 1.0 / 3.0;
+
+/// How far the lower left end of the base line is from the alignment point, as shares of width and height.
 static AcGePoint2d alignment(std::int64_t horizontal, std::int64_t vertical)
 {
     static constexpr double kAcross[] = {0.0, 0.5, 1.0, 0.0, 0.5, 0.0};
     const double across = horizontal >= 0 && horizontal <= kFit ? kAcross[horizontal] : 0.0;
-    if (horizontal == kMiddle || vertical == kCentred)
-        return {across, 0.5};
-    return {across, vertical == kTop ? 1.0 : 0.0};
+    if (horizontal == kMiddle)
+        return {across, (1.0 - kDescent) / 2.0};
+    static constexpr double kUp[] = {0.0, -kDescent, 0.5, 1.0};
+    return {across, vertical >= 0 && vertical <= kTop ? kUp[vertical] : 0.0};
 }
 
 static AcGiTextLine placedLine(const OneLine &text, const QString &shown, double width)

@@ -20,9 +20,9 @@ public:
     {
         m_right = text.along;
         m_up = text.normal.crossProduct(text.along).normal();
-        // Vertical text runs down, and its next line stands to the left.
+        // Vertical text runs down, and its next line stands to the right.
         m_x = text.vertical ? -m_up : m_right;
-        m_y = text.vertical ? m_right : m_up;
+        m_y = text.vertical ? -m_right : m_up;
     }
     ~MTextDrawer() { m_sink.subEntityTraits().setTraits(m_traits); }
     MTextDrawer(const MTextDrawer &) = delete;

@@ -418,7 +418,8 @@ private:
     {
         const MTextParagraph &paragraph = m_content.paragraphs[line.paragraph];
         const bool ownSpacing = paragraph.spacing > 0.0;
-        const double factor = (ownSpacing ? paragraph.spacing : m_text.spacingFactor) * kLineDistance;
+        const double factor = (ownSpacing ? paragraph.spacing : m_text.spacingFactor) *
+                              (m_text.vertical ? kVerticalAdvance : kLineDistance);
         if (ownSpacing ? paragraph.exactSpacing : m_text.exactSpacing)
             return m_text.height * factor;
         return before.descent + line.height * (factor - 1.0) + line.ascent;
@@ -468,18 +469,20 @@ MTextLayout layOutMText(const AcGiMText &text)
         for (const MTextLine &line : layout.lines)
             width = std::max(width, line.end + content.paragraphs[line.paragraph].right * text.height);
     }
+    // From the beginning of the lines to their end, and from the first line to the last: 0, 1 or 2.
     const int attachment = std::clamp(text.attachment, 1, 9) - 1;
+    const int along = text.vertical ? attachment / 3 : attachment % 3;
+    const int across = text.vertical ? attachment % 3 : attachment / 3;
     for (MTextLine &line : layout.lines)
-        alignLine(line, content.paragraphs[line.paragraph], attachment % 3, width, text.height);
+        alignLine(line, content.paragraphs[line.paragraph], along, width, text.height);
     ColumnFiller filler(text, content);
     filler.fill(layout.lines);
 
     const int columns = text.columns > 1 ? layout.lines.back().column + 1 : 1;
     layout.columnStep = width + text.columnGap;
     const double whole = columns * layout.columnStep - text.columnGap;
-    layout.left = -whole * double(attachment % 3) / 2.0;
-    const int row = attachment / 3; // 0 top, 1 middle, 2 bottom
-    const double up = -filler.lowest() * double(row) / 2.0;
+    layout.left = -whole * double(along) / 2.0;
+    const double up = -filler.lowest() * double(across) / 2.0;
     for (MTextLine &line : layout.lines)
         line.y += up;
     layout.box = boxOf(layout);

@@ -8,6 +8,7 @@
 
 #include <cmath>
 
+using tests::Group;
 using tests::Groups;
 using tests::MemoryDrawing;
 
@@ -149,7 +150,9 @@ TEST(Extents, TextStandsAtItsAlignmentPoint)
     };
     expectBox(aligned(2, 0), {10 - width, 5, 10, 7});
     expectBox(aligned(1, 3), {10 - width / 2, 3, 10 + width / 2, 5});
-    expectBox(aligned(4, 0), {10 - width / 2, 4, 10 + width / 2, 6});
+    // With room for what reaches below the base line, and in the middle of all that.
+    expectBox(aligned(0, 1), {10, 5 + 2.0 / 3, 10 + width, 7 + 2.0 / 3});
+    expectBox(aligned(4, 0), {10 - width / 2, 5 - 2.0 / 3, 10 + width / 2, 6 + 1.0 / 3});
     // Fitted between two points the width is given; aligned, the height follows from it.
     expectBox(
         boxOfText({{1, "Room"}, {10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(8, 0, 0)}, {40, 2.0}, {72, 5}}),
@@ -183,6 +186,36 @@ TEST(Extents, MTextHangsFromItsAttachment)
     expectBox(topLeft, {10, -3, 10 + width, 5});
     expectBox(attached(5), {10 - width / 2, 1, 10 + width / 2, 9});
     expectBox(attached(9), {10 - width, 5, 10, 13});
+}
+
+TEST(Extents, MTextKnowsItsDirection)
+{
+    const auto turned = [](Groups groups) {
+        MemoryDrawing drawing;
+        const Groups hanging{{100, "AcDbMText"}, {10, AcGePoint3d(0, 0, 0)}, {40, 3.0}, {1, "one\\Ptwo"}};
+        groups.insert(groups.begin(), hanging.begin(), hanging.end());
+        return boxOf(drawing, drawing.entity("MTEXT", groups));
+    };
+    const double width = turned({}).maxPoint().x;
+    // Seen from below: lines run along the world's x axis unless they say otherwise, and follow each other
+    // upwards.
+    const Group below(210, AcGePoint3d(0, 0, -1));
+    expectBox(turned({below}), {0, 0, width, 8});
+    expectBox(turned({below, {11, AcGePoint3d(-1, 0, 0)}}), {-width, -8, 0, 0});
+    expectBox(turned({below, {11, AcGePoint3d(0, 1, 0)}, {50, 0.0}}), {-width, -8, 0, 0});
+    const Group sideways(210, AcGePoint3d(1, 0, 0));
+    EXPECT_EQ(turned({sideways}).maxPoint(), turned({sideways, {50, 0.0}}).maxPoint());
+    // Letters below each other in the middle of their line, lines to the right of each other.
+    const AcDbExtents vertical = turned({{72, 3}});
+    EXPECT_GT(vertical.minPoint().x, 0.0);
+    EXPECT_GT(vertical.maxPoint().x, 5.5);
+    const auto moved = [&](double x, double y) {
+        const auto [low, high] = std::pair(vertical.minPoint(), vertical.maxPoint());
+        return Box{low.x + x, -11 + y, high.x + x, y};
+    };
+    expectBox(vertical, moved(0, 0));
+    expectBox(turned({{72, 3}, {71, 5}}), moved(-3.5, 6));
+    expectBox(turned({{72, 3}, {71, 9}}), moved(-7, 12));
 }
 
 TEST(Extents, InsertsPlaceTheirBlock)
