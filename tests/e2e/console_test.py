@@ -160,7 +160,7 @@ class ScriptTest(ConsoleTest):
             "REGEN\nNOSUCHCOMMAND\nREGEN\n": "s.qns:2: 未知命令“NOSUCHCOMMAND”",
             "(+ 1\n": "s.qns:1: malformed list",
             "LINE\n0,0\nnowhere\n": "s.qns:3: “nowhere”: ",
-            "OPEN\nmissing.dxf\nERASE\nall\n\n": "missing.dxf: No such file",
+            "OPEN\nmissing.dxf\nERASE\nall\n\n": "missing.dxf: not found",
             "REGEN\n@push 1\n": "s.qns:2: @push 1: there is no dialog line",
             "REGEN\n\udcff\n": None,
         }
