@@ -270,6 +270,14 @@ void AcGiDisplay::paintTransients(std::span<const AcDbEntity *const> entities, c
     m_impl->paintTransients(entities, view, painter, options);
 }
 
+AcDbExtents AcGiDisplay::shownBox(AcDbObjectId entity, const AcGiViewport &view)
+{
+    const AcGiDisplayList *const list = m_impl->cache.entity(entity, view);
+    if (!list || !list->hasBox() || list->has(AcGiDisplayList::kEndless))
+        return {};
+    return {{list->box[0], list->box[1], 0.0}, {list->box[2], list->box[3], 0.0}};
+}
+
 AcGiDamage AcGiDisplay::takeDamage(AcDbObjectId space, const AcGiViewport &view)
 {
     return m_impl->takeDamage(space, view);

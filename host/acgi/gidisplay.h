@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/acdb/dbdatabase.h"
+#include "host/acge/geextents.h"
 #include "host/acgi/giviewport.h"
 
 #include <QColor>
@@ -77,6 +78,10 @@ public:
     /// The same for entities that stand in no drawing.
     void paintTransients(std::span<const AcDbEntity *const> entities, const AcGiViewport &view,
                          QPainter &painter, const AcGiPaintOptions &options);
+
+    /// The box in x and y of what the entity shows in the view; not valid when that is nothing or without
+    /// end.
+    AcDbExtents shownBox(AcDbObjectId entity, const AcGiViewport &view);
 
     /// Forgets the lists of entities that look different in each view, and all others when `everything`.
     void regenerate(bool everything = false);

@@ -1,6 +1,7 @@
 #include "host/acgi/gispatialindex.h"
 
 #include "host/acdb/dbreactor.h"
+#include "host/acgi/gidisplay.h"
 #include "host/acgi/giread.h"
 #include "host/acgi/givisibility.h"
 
@@ -115,8 +116,7 @@ public:
 
     void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
 
-    /// Custom entities that are no more than `beside` away from the box come without theirs.
-    std::vector<Found> find(const AcDbExtents &box, double beside = 0.0)
+    std::vector<Found> find(const AcDbExtents &box)
     {
         update();
         std::vector<Found> found;
@@ -133,8 +133,6 @@ public:
         std::for_each(m_changed.qbegin(query), m_changed.qend(), add);
         for (const std::uint32_t entity : m_endless)
             found.push_back({entity, AcDbExtents()});
-        if (beside > 0.0)
-            addBeside(treeBox(box), beside, found);
         std::ranges::sort(found, {}, &Found::entity);
         return found;
     }
@@ -163,16 +161,19 @@ public:
         return m_withoutExtents;
     }
 
-private:
-    void addBeside(const TreeBox &box, double distance, std::vector<Found> &found) const
+    /// Custom entities whose extents the box does not meet.
+    std::vector<Found> customBeside(const AcDbExtents &box)
     {
+        update();
+        std::vector<Found> found;
         for (const auto &[entity, itsBox] : m_custom) {
-            const bool isFound = bg::intersects(itsBox, box);
-            if (!isFound && bg::comparable_distance(itsBox, box) <= distance * distance)
-                found.push_back({entity, AcDbExtents()});
+            if (!bg::intersects(itsBox, treeBox(box)))
+                found.push_back({entity, plainBox(itsBox)});
         }
+        return found;
     }
 
+private:
     void begin()
     {
         m_built.clear();
@@ -367,11 +368,11 @@ void AcGiSpatialIndex::noteChange(const AcDbObject &object)
 
 /// The visible entities whose box the window may have to do with.
 std::vector<AcGiSpatialIndex::Found> AcGiSpatialIndex::visibleNear(AcDbObjectId blockRecord,
-                                                                   const AcGiWindow &window, double beside)
+                                                                   const AcGiWindow &window)
 {
     if (window.isEmpty())
         return {};
-    std::vector<Found> found = space(blockRecord).find(window.extents(), beside);
+    std::vector<Found> found = space(blockRecord).find(window.extents());
     m_layers->dropInvisible(m_database, found);
     return found;
 }
@@ -399,11 +400,10 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::insideWindow(AcDbObjectId blockRecor
     return ids;
 }
 
-std::vector<AcDbObjectId> AcGiSpatialIndex::crossing(AcDbObjectId blockRecord, const AcGiWindow &window,
-                                                     double beside)
+std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
 {
     std::vector<AcDbObjectId> ids;
-    for (const Found &found : visibleNear(blockRecord, window, beside)) {
+    for (const Found &found : visibleNear(blockRecord, window)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool crosses = window.contains(found.box);
         if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
@@ -414,18 +414,34 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::crossing(AcDbObjectId blockRecord, c
     return ids;
 }
 
-std::vector<AcDbObjectId> AcGiSpatialIndex::crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window)
+/// The display knows the boxes of what is on the screen, so that few entities have to be drawn for it.
+void AcGiSpatialIndex::addShownBeside(AcDbObjectId blockRecord, const AcGiWindow &window,
+                                      std::vector<AcDbObjectId> &ids)
 {
-    return crossing(blockRecord, window, 0.0);
+    const std::optional<AcGiViewport> view = acgiScreenView(m_database);
+    if (!view || window.isEmpty())
+        return;
+    std::vector<Found> beside = space(blockRecord).customBeside(window.extents());
+    m_layers->dropInvisible(m_database, beside);
+    for (const Found &found : beside) {
+        const AcDbObjectId id(m_database.stub(found.entity));
+        const AcDbExtents shown = acgiDisplay(m_database).shownBox(id, *view);
+        bool crosses = false;
+        if (shown.isValid() && window.mayMeet(shown))
+            readEntity(id, [&](const AcDbEntity &e) { crosses = acgiCrossesWindow(e, window, &m_blocks); });
+        if (crosses)
+            ids.push_back(id);
+    }
+    std::ranges::sort(ids, {}, [](AcDbObjectId id) { return id.stub()->index; });
 }
 
 std::vector<AcDbObjectId> AcGiSpatialIndex::atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point,
                                                     double aperture)
 {
-    constexpr double kPixelsBeside = 150.0;
-    const std::optional<AcGiViewport> view = acgiScreenView(m_database);
-    return crossing(blockRecord, AcGiWindow::aroundPoint(point, aperture),
-                    view ? kPixelsBeside * view->pixelSize() : 0.0);
+    const AcGiWindow window = AcGiWindow::aroundPoint(point, aperture);
+    std::vector<AcDbObjectId> ids = crossingWindow(blockRecord, window);
+    addShownBeside(blockRecord, window, ids);
+    return ids;
 }
 
 AcDbExtents AcGiSpatialIndex::extents(AcDbObjectId blockRecord)

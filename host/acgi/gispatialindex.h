@@ -29,8 +29,8 @@ public:
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
     std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const AcGiWindow &window);
-    /// At a point also what custom entities show a little beside their extents, as flags of a fixed size on
-    /// the screen.
+    /// At a point also what custom entities show beside their extents in the view on the screen, such as
+    /// flags.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
 
     /// The box around all entities of the space; not valid when none has extents.
@@ -47,9 +47,8 @@ private:
 
     explicit AcGiSpatialIndex(AcDbDatabase &database);
     Space &space(AcDbObjectId blockRecord);
-    /// `beside`: so far beside their extents custom entities may show something.
-    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const AcGiWindow &window, double beside = 0.0);
-    std::vector<AcDbObjectId> crossing(AcDbObjectId blockRecord, const AcGiWindow &window, double beside);
+    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const AcGiWindow &window);
+    void addShownBeside(AcDbObjectId blockRecord, const AcGiWindow &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
 
     AcDbDatabase &m_database;

@@ -10,6 +10,7 @@
 
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edinput.h"
+#include "host/aced/edpick.h"
 #include "host/aced/edsysvar.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
@@ -86,6 +87,22 @@ TEST_F(AuthoringTest, ACancelledEditorMakesNothing)
     QN3_Quillnote();
     EXPECT_TRUE(collectMarks(database()).ids.empty());
     EXPECT_EQ(readLastMarkNumber(database()), 0);
+}
+
+/// Flags stand beside the extents of their marks and keep their size on the screen when they are told to.
+TEST_F(AuthoringTest, AMarkIsPickedByItsFlagHoweverFarTheViewIsZoomed)
+{
+    startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
+    startUpSettings().style = 1;
+    const AcDbObjectId mark = make();
+    AcApView &view = drawing->document().view();
+    for (const double pixel : {0.01, 0.5}) {
+        view.height = pixel * view.pixelHeight;
+        const AcGePoint3d flag(20.0 + 20 * pixel, 10.0 - 5 * pixel, 0.0);
+        EXPECT_EQ(acedPickAt(drawing->document(), flag, {}), mark) << "one pixel is " << pixel;
+        const AcGePoint3d beyond = flag + AcGeVector3d(30 * pixel, 0, 0);
+        EXPECT_TRUE(acedPickAt(drawing->document(), beyond, {}).isNull()) << "one pixel is " << pixel;
+    }
 }
 
 TEST_F(AuthoringTest, AMarkKeepsWhatItsTargetShowedWhenItWasPicked)
