@@ -1,34 +1,9 @@
 // Drawing: the groups of entities (and of whatever sections the text goes on with), drawn into a sink that
 // counts. No number in a file makes more than what its bytes pay for.
+#include "fuzz/counting_sink.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acgi/gidraw.h"
-#include "host/base/assert.h"
 #include "host/formats/dxf/dxfreader.h"
-
-namespace
-{
-
-class CountingSink : public AcGiGeometry
-{
-public:
-    std::size_t points = 0;
-    int clips = 0;
-
-    void polyline(std::uint32_t count, const AcGePoint3d *) override { points += count; }
-    void arc(const AcGiArc &) override { ++points; }
-    void text(const AcGiTextLine &line) override { points += std::size_t(line.text.size()); }
-    void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override { ++points; }
-    void fill(std::span<const AcGiLoop> loops) override
-    {
-        for (const AcGiLoop &loop : loops)
-            points += loop.size();
-    }
-    bool blockReference(const AcGiBlockPlacement &) override { return true; }
-    void pushClip(std::span<const AcGiLoop>, bool) override { ++clips; }
-    void popClip() override { QUILL_ASSERT(--clips >= 0); }
-};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -43,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return 0;
     for (const AcDbObjectId id : space->entities()) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        CountingSink sink;
+        fuzz::CountingSink sink;
         if (entity && entity->dxfName() != "HATCH" && entity->dxfName() != "MPOLYGON")
             acgiDrawEntity(*entity, sink);
         QUILL_ASSERT(sink.clips == 0);

@@ -14,17 +14,24 @@ void acdbSetNativeExtents(AcDbNativeExtents provider)
 
 AcDbEntity::AcDbEntity() = default;
 
-AcDbEntity::AcDbEntity(const QByteArray &dxfName) : AcDbObject(dxfName)
+static void addCommonGroups(ResbufList &groups)
 {
-    ResbufList &groups = editGroups();
     groups.emplace_back(100, QStringLiteral("AcDbEntity"));
     groups.emplace_back(8, QStringLiteral("0"));
 }
 
+AcDbEntity::AcDbEntity(const QByteArray &dxfName) : AcDbObject(dxfName)
+{
+    addCommonGroups(editGroups());
+}
+
 std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups)
 {
-    std::unique_ptr<AcDbEntity> entity(new AcDbEntity(dxfName));
+    AcRxObject *const made = acdbKindClass(acdbKind(dxfName), true)->create();
+    std::unique_ptr<AcDbEntity> entity(static_cast<AcDbEntity *>(made));
     ResbufList &groups = entity->editGroups();
+    groups.emplace_back(0, QString::fromLatin1(dxfName));
+    addCommonGroups(groups);
     groups.insert(groups.end(), std::make_move_iterator(ownGroups.begin()),
                   std::make_move_iterator(ownGroups.end()));
     return entity;

@@ -60,9 +60,6 @@ public:
 protected:
     /// A new entity of a custom kind: subclass marker AcDbEntity, layer "0".
     explicit AcDbEntity(const QByteArray &dxfName);
-
-private:
-    friend std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups);
 };
 
 /// A native entity in no drawing: layer "0" and the groups of its own subclasses, markers included.

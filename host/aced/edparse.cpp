@@ -12,6 +12,12 @@ static std::optional<double> plainNumber(QStringView text)
     return base::parseReal({bytes.constData(), std::size_t(bytes.size())});
 }
 
+/// What no double can hold is no number.
+static std::optional<double> ifFinite(double value)
+{
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
 /// "1/2" or "1-1/2", as carpenters write.
 static std::optional<double> fraction(QStringView text)
 {
@@ -26,7 +32,7 @@ static std::optional<double> fraction(QStringView text)
     const auto below = plainNumber(text.mid(slash + 1));
     if (!units || !above || !below || *below <= 0)
         return std::nullopt;
-    return *units < 0 ? *units - *above / *below : *units + *above / *below;
+    return ifFinite(*units < 0 ? *units - *above / *below : *units + *above / *below);
 }
 
 std::optional<double> acedParseNumber(const QString &text)
@@ -67,7 +73,7 @@ static std::optional<double> degreesMinutesSeconds(QStringView text)
     if (!degrees || !rest.isEmpty())
         return std::nullopt;
     const double part = minutes / 60 + seconds / 3600;
-    return std::signbit(*degrees) ? *degrees - part : *degrees + part;
+    return ifFinite(std::signbit(*degrees) ? *degrees - part : *degrees + part);
 }
 
 /// "N45d30'E": from north or south towards east or west; also "N", "E", "S", "W" alone.

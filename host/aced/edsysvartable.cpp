@@ -80,13 +80,19 @@ constexpr AcEdVariable computed(const char *name, Type type, AcEdVariable::Gette
 }
 
 /// Computed, from the current drawing.
-constexpr AcEdVariable ofDrawing(const char *name, Type type, AcEdVariable::Getter get,
-                                 AcEdVariable::Setter set = nullptr)
+constexpr AcEdVariable ofDrawing(const char *name, Type type, AcEdVariable::Getter get)
 {
     AcEdVariable row = computed(name, type, get);
-    row.set = set;
-    row.readOnly = set == nullptr;
     row.needsDocument = true;
+    return row;
+}
+
+constexpr AcEdVariable ofDrawing(const char *name, Type type, AcEdVariable::Getter get,
+                                 AcEdVariable::Setter set)
+{
+    AcEdVariable row = ofDrawing(name, type, get);
+    row.set = set;
+    row.readOnly = false;
     return row;
 }
 

@@ -8,6 +8,8 @@
 
 /// Images that are larger are loaded smaller: no screen shows more.
 static constexpr qint64 kMostPixels = 40'000'000;
+/// Many formats are read whole before they are made smaller: a large scan in colour. Qt would stop at 128.
+static constexpr int kMostMegabytes = 512;
 
 void AcGiImages::find(const QString &path, const QString &folder)
 {
@@ -38,6 +40,7 @@ const AcGiImages::Entry &AcGiImages::load(const QString &path)
     if (entry.isLoaded || entry.file.isEmpty())
         return entry;
     entry.isLoaded = true;
+    QImageReader::setAllocationLimit(kMostMegabytes);
     QImageReader reader(entry.file);
     const QSize size = reader.size();
     const qint64 pixels = qint64(size.width()) * size.height();

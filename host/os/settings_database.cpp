@@ -57,12 +57,13 @@ public:
     Statement(const Statement &) = delete;
     Statement &operator=(const Statement &) = delete;
 
-    /// The text must live until the statement has run.
+    /// SQLite takes a mark of byte order away from the front of a text and turns the bytes by it; so one is
+    /// put before every text.
     void bind(int place, QStringView text)
     {
-        static constexpr char16_t kEmpty[] = u""; // A null pointer would bind NULL.
-        sqlite3_bind_text16(m_statement, place, text.isEmpty() ? kEmpty : text.utf16(),
-                            static_cast<int>(text.size() * 2), SQLITE_STATIC);
+        const QString marked = QChar(QChar::ByteOrderMark) + text.toString();
+        sqlite3_bind_text16(m_statement, place, marked.utf16(), static_cast<int>(marked.size() * 2),
+                            SQLITE_TRANSIENT);
     }
     void bind(int place, std::uint32_t number) { sqlite3_bind_int64(m_statement, place, number); }
     int step() { return sqlite3_step(m_statement); }

@@ -65,6 +65,15 @@ TEST(Blocks, PaperSpaceEntitiesSayWhereTheyAre)
     EXPECT_THAT(paper->entities(), ElementsAre(id));
 }
 
+TEST(NewEntities, AreOfTheClassOfTheirKind)
+{
+    const auto text = acdbNewEntity("TEXT", {{1, QStringLiteral("door")}});
+    const auto *const asText = dynamic_cast<const AcDbText *>(text.get());
+    ASSERT_NE(asText, nullptr);
+    EXPECT_EQ(text->layer(), u"0");
+    EXPECT_EQ(acdbNewEntity("STRANGE", {})->dxfName(), "STRANGE");
+}
+
 TEST(Blocks, AnInsertPlacesItsBlock)
 {
     MemoryDrawing drawing;

@@ -18,7 +18,8 @@ TEST(ParseNumber, TakesWholeTextsOnly)
         ASSERT_TRUE(number) << text;
         EXPECT_DOUBLE_EQ(*number, value) << text;
     }
-    for (const char *text : {"", " ", "1,2", "12mm", "1/0", "1/", "/2", "nan", "1e999", "--1", "1/2/3"})
+    for (const char *text :
+         {"", " ", "1,2", "12mm", "1/0", "1/", "/2", "nan", "1e999", "1e308/.1", "--1", "1/2/3"})
         EXPECT_FALSE(acedParseNumber(text)) << text;
 }
 
@@ -51,7 +52,7 @@ TEST(ParseAngle, KnowsTheUnits)
         ASSERT_TRUE(angle) << c.text;
         EXPECT_NEAR(*angle, c.angle, 1e-12) << c.text;
     }
-    for (const char *text : {"", "x", "45d30", "d", "g", "N45", "45'", "45d30'x", "E30N"})
+    for (const char *text : {"", "x", "45d30", "d", "g", "N45", "45'", "45d30'x", "1.79e308d1e308'", "E30N"})
         EXPECT_FALSE(acedParseAngle(text, {})) << text;
 }
 

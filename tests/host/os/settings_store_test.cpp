@@ -76,8 +76,12 @@ TEST_F(Settings, LetterCaseIsIgnoredAndTheFirstSpellingKept)
 TEST_F(Settings, TextsComeBackUnitForUnit)
 {
     SettingsStore store(file);
-    const QString rows[] = {QString(), QStringLiteral("'; DROP TABLE setting; --"),
-                            QStringLiteral("a\tb\r\nc😀"), QString(QChar(0xD83D)),
+    const QString rows[] = {QString(),
+                            QStringLiteral("'; DROP TABLE setting; --"),
+                            QStringLiteral("a\tb\r\nc😀"),
+                            QString(QChar(0xD83D)),
+                            QStringLiteral(u"\uFEFFmarked"),
+                            QChar(0xFFFE) + QStringLiteral("turned"),
                             QString(100'000, QChar(u'长'))};
     for (const QString &text : rows) {
         ASSERT_TRUE(store.setText(kKey, u"t", text));

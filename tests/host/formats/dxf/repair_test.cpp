@@ -138,13 +138,21 @@ TEST(DxfRepair, SayingWhereStaysShort)
 // again.
 TEST(DxfRepair, TakesEveryTruncation)
 {
-    for (const bool binary : {false, true}) {
-        const QByteArray groups = tests::smallDrawing();
-        const QByteArray whole = binary ? dxfBinary(groups) : dxfText(groups);
+    struct Form {
+        const char *name;
+        QByteArray whole;
+        bool binary;
+    };
+    const QByteArray groups = tests::smallDrawing();
+    const QByteArray old = tests::smallR12Drawing(true);
+    const Form forms[] = {{"text", dxfText(groups), false},
+                          {"binary", dxfBinary(groups), true},
+                          {"text of R12", dxfText(old), false},
+                          {"binary of R12", dxfBinary(old, true), true}};
+    for (const auto &[name, whole, binary] : forms) {
         int opened = 0;
         for (qsizetype size = 0; size < whole.size(); ++size) {
-            SCOPED_TRACE(
-                QStringLiteral("%1 bytes, %2").arg(size).arg(binary ? "binary" : "text").toStdString());
+            SCOPED_TRACE(QStringLiteral("%1 bytes, %2").arg(size).arg(QLatin1String(name)).toStdString());
             auto result = readDxf(base::FileBytes::fromByteArray(QByteArrayView(whole).first(size)),
                                   QStringLiteral("cut"));
             if (!result)
