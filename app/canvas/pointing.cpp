@@ -237,6 +237,7 @@ void Pointing::update()
     const AcEdPrompt *const prompt = m_frontEnd.prompt();
     if (!prompt) {
         m_followed = nullptr;
+        Q_EMIT changed(); // A dialog may come now: no band goes on following the cursor behind it.
         return;
     }
     if (prompt->kind != AcEdPromptKind::corner)
