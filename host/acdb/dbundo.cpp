@@ -5,6 +5,7 @@
 #include "host/base/assert.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -66,12 +67,41 @@ void AcDbUndo::endGroup()
         closeCurrent();
 }
 
-void AcDbUndo::takeBack()
+bool AcDbUndo::attempt(const std::function<bool()> &work)
 {
     QUILL_ASSERT(m_depth > 0);
     forgetRecorded();
-    swap(*m_current);
-    *m_current = {m_current->label, {}, {}};
+    Group before = std::exchange(*m_current, Group{m_current->label, {}, {}});
+    const bool isDone = work();
+    forgetRecorded();
+    if (!isDone)
+        swap(*m_current);
+    Group tried = std::exchange(*m_current, std::move(before));
+    for (const ObjectChange &change : m_current->objects)
+        change.stub->set(AcDbStub::kRecorded);
+    if (isDone)
+        append(std::move(tried));
+    return isDone;
+}
+
+// What both have changed was in the open group as it was first.
+void AcDbUndo::append(Group later)
+{
+    for (ObjectChange &change : later.objects) {
+        if (change.stub->has(AcDbStub::kRecorded))
+            continue;
+        change.stub->set(AcDbStub::kRecorded);
+        m_current->objects.push_back(std::move(change));
+    }
+    for (HeaderChange &change : later.header) {
+        if (!m_current->has(change.name))
+            m_current->header.push_back(std::move(change));
+    }
+}
+
+bool AcDbUndo::Group::has(const QByteArray &name) const
+{
+    return std::ranges::any_of(header, [&](const HeaderChange &change) { return change.name == name; });
 }
 
 void AcDbUndo::forgetRecorded()
@@ -124,7 +154,7 @@ void AcDbUndo::recordAppended(AcDbStub &stub)
 void AcDbUndo::recordHeader(const QByteArray &name)
 {
     Group *const group = openGroup();
-    if (!group || std::ranges::any_of(group->header, [&](const HeaderChange &c) { return c.name == name; }))
+    if (!group || group->has(name))
         return;
     const auto known = m_database.m_header.find(name);
     HeaderChange change{name, {}};

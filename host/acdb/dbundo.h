@@ -4,6 +4,7 @@
 
 #include "host/acdb/dbdatabase.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -16,8 +17,9 @@ public:
     void beginGroup(const QString &label);
     void endGroup();
     bool isOpen() const { return m_depth > 0; }
-    /// Puts back whatever the open group has changed so far. No object may be open.
-    void takeBack();
+    /// Does `work` inside the open group. When it returns false, what it changed is as it was before, and no
+    /// object may be open then.
+    bool attempt(const std::function<bool()> &work);
 
     /// Undoes the last group; false when there is none or a group is open.
     bool undo();
@@ -61,6 +63,7 @@ private:
         std::vector<ObjectChange> objects;
         std::vector<HeaderChange> header;
         bool isEmpty() const { return objects.empty() && header.empty(); }
+        bool has(const QByteArray &name) const; ///< Of a header variable.
     };
 
     /// Called before the first change of an object in a group.
@@ -70,6 +73,7 @@ private:
     Group *openGroup();
     void forgetRecorded();
     void closeCurrent();
+    void append(Group later);
     Image capture(const AcDbStub &stub) const;
     void restore(AcDbStub &stub, Image image);
     void restoreContent(AcDbStub &stub, const Image &image);

@@ -179,16 +179,18 @@ bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const A
     constexpr std::size_t kPiece = 500;
     base::ProgressTeller progress(acDocManager()->progress(),
                                   Host::tr("正在处理 %1 个对象").arg(entities.size()));
-    for (std::size_t done = 0; done < entities.size(); done += kPiece) {
-        if (done > 0 && !progress.goesOn(double(done) / double(entities.size()))) {
-            acdbCurDwg()->undo().takeBack();
-            acutPrintf(Host::tr("\n已停止，图形没有改动。"));
-            return false;
+    const bool isDone = acdbCurDwg()->undo().attempt([&] {
+        for (std::size_t done = 0; done < entities.size(); done += kPiece) {
+            if (done > 0 && !progress.goesOn(double(done) / double(entities.size())))
+                return false;
+            const auto begin = entities.begin() + std::ptrdiff_t(done);
+            work({begin, begin + std::ptrdiff_t(std::min(kPiece, entities.size() - done))});
         }
-        const auto begin = entities.begin() + std::ptrdiff_t(done);
-        work({begin, begin + std::ptrdiff_t(std::min(kPiece, entities.size() - done))});
-    }
-    return true;
+        return true;
+    });
+    if (!isDone)
+        acutPrintf(Host::tr("\n已停止，图形没有改动。"));
+    return isDone;
 }
 
 void transform(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix, Refusals &refused)

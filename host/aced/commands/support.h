@@ -47,7 +47,7 @@ void fitIntoView(AcApDocument &document, AcDbExtents box);
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();
 /// Does `work` with very many entities in pieces; the user sees how far it has come. False: he stopped it,
-/// and all that the command had changed is as it was.
+/// and what it had changed is as it was.
 bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const AcEdSelectionSet &)> &work);
 
 /// What a command could not change, and why.

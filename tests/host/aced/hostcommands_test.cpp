@@ -210,6 +210,18 @@ TEST_F(HostCommands, StoppedWithManyEntitiesLeaveTheDrawingAsItWas)
         EXPECT_EQ(tests::wholeDrawing(drawing.database()), before) << qPrintable(typed.front());
         EXPECT_TRUE(drawing.database().undo().undoLabels().isEmpty());
     }
+
+    // What came before in the same step stays.
+    Impatient front(lines({"UNDO", "BE", "MOVE", "L", "", "0,0", "0,7", "POINT", "3,3"}));
+    acedEditor()->processInput();
+    const auto between = tests::wholeDrawing(drawing.database());
+    Impatient stopped(lines({"MOVE", "ALL", "", "0,0", "5,5"}));
+    acedEditor()->processInput();
+    EXPECT_TRUE(stopped.printed.contains(u"已停止")) << qPrintable(stopped.printed);
+    EXPECT_EQ(tests::wholeDrawing(drawing.database()), between);
+    tests::ScriptFrontEnd end(lines({"UNDO", "E", "U"}));
+    acedEditor()->processInput();
+    EXPECT_EQ(tests::wholeDrawing(drawing.database()), before);
 }
 
 TEST_F(HostCommands, CopiesUntilEnter)
