@@ -220,8 +220,16 @@ Erase source objects?</translation>
 Enter name of drawing to open: </translation>
     </message>
     <message>
+        <source>没有打开图形。</source>
+        <translation>The drawing was not opened.</translation>
+    </message>
+    <message>
         <source>不能打开图形: %1</source>
         <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>没有保存图形。</source>
+        <translation>The drawing was not saved.</translation>
     </message>
     <message>
         <source>不能保存图形: %1</source>

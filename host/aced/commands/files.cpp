@@ -28,10 +28,12 @@ static void open()
     const auto file = askFile(AcEdPromptKind::fileToOpen, Host::tr("\n输入要打开的图形文件名: "), proposed);
     if (!file || file->path.isEmpty())
         return;
-    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper())
-        keeper->open(file->path);
-    else if (const auto opened = acDocManager()->openDocument(file->path); !opened)
+    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper()) {
+        if (!keeper->open(file->path))
+            acedRefuse(Host::tr("没有打开图形。"));
+    } else if (const auto opened = acDocManager()->openDocument(file->path); !opened) {
         tellTrouble(Host::tr("不能打开图形: %1").arg(opened.error()));
+    }
 }
 
 static void newDrawing()
@@ -42,10 +44,12 @@ static void newDrawing()
 static void save(AcApDocument *document, const QString &path, bool copyOnly)
 {
     AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper();
-    if (keeper && !copyOnly)
-        keeper->save(document, path);
-    else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved)
+    if (keeper && !copyOnly) {
+        if (!keeper->save(document, path))
+            acedRefuse(Host::tr("没有保存图形。"));
+    } else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved) {
         tellTrouble(Host::tr("不能保存图形: %1").arg(saved.error()));
+    }
 }
 
 /// With the ending of the present name when the user typed none.

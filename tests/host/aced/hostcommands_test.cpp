@@ -610,6 +610,26 @@ TEST_F(HostCommands, WhatCannotBeDoneEndsAScript)
     }
 }
 
+TEST_F(HostCommands, WhatTheDrawingKeeperLeavesUndoneEndsTheLine)
+{
+    struct Reluctant : AcEdDrawingKeeper {
+        bool open(const QString &) override { return false; }
+        bool save(AcApDocument *, const QString &) override { return false; }
+        bool mayClose(const std::vector<AcApDocument *> &) override { return false; }
+    };
+    struct Kept : tests::ScriptFrontEnd {
+        using ScriptFrontEnd::ScriptFrontEnd;
+        AcEdDrawingKeeper *drawingKeeper() override { return &keeper; }
+        Reluctant keeper;
+    };
+    const std::size_t before = entities().size();
+    Kept script(lines({"(command \"OPEN\" \"other.dxf\" \"POINT\" \"1,2\")",
+                       "(command \"SAVEAS\" \"other.dxf\" \"POINT\" \"1,2\")"}));
+    acedEditor()->processInput();
+    EXPECT_EQ(script.refusals.size(), 2) << qPrintable(script.printed);
+    EXPECT_EQ(entities().size(), before) << "in the wrong drawing";
+}
+
 // Every command ----------------------------------------------------------------------------------------
 
 TEST_F(HostCommands, EndWhateverTheScriptLacks)
