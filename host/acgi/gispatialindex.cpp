@@ -60,10 +60,14 @@ public:
     void dropInvisible(const AcDbDatabase &database, std::vector<Found> &found) const
     {
         AcGiVisibility visibility;
-        std::vector<bool> isShown(std::size_t(m_numbers.size()) + 1); // Never for kSwitchedOff.
-        for (auto layer = m_numbers.cbegin(); layer != m_numbers.cend(); ++layer)
-            isShown[*layer] = visibility.layerShows(database, layer.key());
-        std::erase_if(found, [&](const Found &one) { return !isShown[m_ofEntity[one.entity]]; });
+        std::vector<std::optional<bool>> isShown(m_names.size()); // Drawings may have thousands of layers.
+        isShown[kSwitchedOff] = false;
+        std::erase_if(found, [&](const Found &one) {
+            const std::uint32_t layer = m_ofEntity[one.entity];
+            if (!isShown[layer])
+                isShown[layer] = visibility.layerShows(database, m_names[layer]);
+            return !*isShown[layer];
+        });
     }
 
 private:
@@ -72,11 +76,14 @@ private:
     std::uint32_t number(const QString &layer)
     {
         const auto known = m_numbers.constFind(layer);
-        return known != m_numbers.cend() ? *known
-                                         : *m_numbers.insert(layer, std::uint32_t(m_numbers.size() + 1));
+        if (known != m_numbers.cend())
+            return *known;
+        m_names.push_back(layer);
+        return *m_numbers.insert(layer, std::uint32_t(m_names.size() - 1));
     }
 
-    QHash<QString, std::uint32_t> m_numbers; ///< From 1 on.
+    QHash<QString, std::uint32_t> m_numbers;
+    std::vector<QString> m_names{QString()}; ///< By number; none for kSwitchedOff.
     std::vector<std::uint32_t> m_ofEntity;   ///< By stub index.
 };
 

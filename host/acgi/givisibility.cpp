@@ -2,8 +2,6 @@
 
 #include "host/acdb/dbsymtb.h"
 
-#include <algorithm>
-
 bool acgiIsSwitchedOff(const AcDbEntity &entity)
 {
     const resbuf *const invisible = findGroup(entity.groups(), 60);
@@ -36,10 +34,10 @@ bool AcGiVisibility::layerShowsInBlock(const AcDbDatabase &database, const QStri
 
 bool AcGiVisibility::layerShows(const AcDbDatabase &database, const QString &layer)
 {
-    const auto known = std::ranges::find(m_layers, layer, &std::pair<QString, bool>::first);
-    if (known != m_layers.end())
-        return known->second;
+    const auto known = m_layers.constFind(layer);
+    if (known != m_layers.cend())
+        return *known;
     const bool shows = ::layerShows(database.tableRecord(SymbolTable::layer, layer));
-    m_layers.emplace_back(layer, shows);
+    m_layers.insert(layer, shows);
     return shows;
 }

@@ -3,6 +3,8 @@
 
 #include "host/acdb/dbentity.h"
 
+#include <QHash>
+
 /// False for entities with group 60 set, and for those whose layer is off or frozen. An entity whose
 /// layer the drawing does not have is visible.
 bool acgiIsVisible(const AcDbEntity &entity);
@@ -22,5 +24,5 @@ public:
     bool layerShowsInBlock(const AcDbDatabase &database, const QString &layer);
 
 private:
-    std::vector<std::pair<QString, bool>> m_layers;
+    QHash<QString, bool> m_layers;
 };
