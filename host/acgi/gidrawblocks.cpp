@@ -61,8 +61,7 @@ static void drawAttributes(const AcDbEntity &entity, const AcGiBlockPlacement &r
         }
     }
     if (rows < reference.rows || columns < reference.columns)
-        sink.noteUndrawn(
-            QStringLiteral("INSERT: attributes of the first %1 instances only").arg(rows * columns));
+        sink.noteUndrawn(Host::tr("INSERT: attributes of the first %1 instances only").arg(rows * columns));
 }
 
 /// Says so when the block is another drawing that was not loaded.

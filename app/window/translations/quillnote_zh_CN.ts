@@ -132,6 +132,10 @@
         <translation>SHAPE: 没有 %1 的形文件</translation>
     </message>
     <message>
+        <source>INSERT: attributes of the first %1 instances only</source>
+        <translation>INSERT: 只显示前 %1 个实例的属性</translation>
+    </message>
+    <message>
         <source>INSERT: xref %1 not loaded</source>
         <translation>INSERT: 外部参照 %1 未加载</translation>
     </message>
