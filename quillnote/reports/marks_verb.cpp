@@ -77,7 +77,7 @@ AcEdVerb marksVerb()
 {
     return {
         QStringLiteral("marks"),
-        QStringLiteral("List the review marks with all their fields."),
+        QStringLiteral("List the review marks with all their fields"),
         {{kPictures, QStringLiteral("DIR"), QStringLiteral("Write the stored pictures into this folder.")},
          {kOverwrite, {}, QStringLiteral("Let --pictures overwrite.")}},
         listMarks};
@@ -116,7 +116,7 @@ static int report(const AcEdVerbCall &call)
 AcEdVerb reportVerb()
 {
     return {QStringLiteral("report"),
-            QStringLiteral("Print the text report, or write it to a file as the report command does."),
+            QStringLiteral("Print the text report, or write it to a file as the report command does"),
             {{QStringLiteral("--output"), QStringLiteral("FILE"), QStringLiteral("Write to this file.")}},
             report};
 }
