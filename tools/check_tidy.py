@@ -42,9 +42,9 @@ def options(command):
     start = next(i for i, word in enumerate(command) if word.startswith("-"))
     kept, words = [], iter(command[start:])
     for word in words:
-        if word in ("-o", "-c", "-MF", "-MT"):
-            next(words, None)
-        elif word not in ("-MD", "-MMD"):
+        if word in ("-o", "-c", "-MF", "-MT", "-include"):
+            next(words, None)  # What is included by option is precompiled for another compiler.
+        elif word not in ("-MD", "-MMD", "-Winvalid-pch"):
             kept.append(word)
     return kept
 
@@ -72,9 +72,9 @@ def check(source, build, rules, deadline):
         return None
     storeys = "|".join(storey.rstrip("/") for storey in STOREYS)
     tidy = subprocess.run(
-        ["clang-tidy", "-p", str(build), "--quiet", "--warnings-as-errors=*", "--extra-arg=-w",
-         f"--header-filter=^{re.escape(str(ROOT))}/({storeys})/", path],
-        capture_output=True, text=True,
+        ["clang-tidy", "--quiet", "--warnings-as-errors=*", "--extra-arg=-w",
+         f"--header-filter=^{re.escape(str(ROOT))}/({storeys})/", path, "--", *options(command)],
+        capture_output=True, text=True, cwd=folder,
     )  # fmt: skip
     if tidy.returncode == 0:
         if key:
