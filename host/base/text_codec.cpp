@@ -190,21 +190,6 @@ bool looksLikeUtf8(std::string_view bytes)
     return hasHighByte(bytes) && asView(bytes).isValidUtf8();
 }
 
-static bool readAsUtf8(std::string_view bytes, const TextCodec &codec)
-{
-    if (codec.isUtf8())
-        return true;
-    if (!looksLikeUtf8(bytes))
-        return false;
-    const bool longSequences =
-        std::any_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) >= 0xE0; });
-    if (longSequences || !codec.isDoubleByte())
-        return true;
-    bool clean = true;
-    static_cast<void>(codec.decode(bytes, clean));
-    return !clean;
-}
-
 static std::optional<char16_t> hexUnit(QStringView digits)
 {
     if (digits.size() < 4)
@@ -296,20 +281,12 @@ QString decodeDrawingText(std::string_view bytes, const TextCodec &codec)
     if (all < 0x80)
         text = QString::fromLatin1(asView(bytes));
     else
-        text = readAsUtf8(bytes, codec) ? decodeUtf8(bytes) : codec.decode(bytes);
+        text = codec.decode(bytes);
     return mayEscape ? withoutEscapes(text) : text;
 }
 
-QByteArray encodeDrawingText(QStringView text, const TextCodec &codec)
+static QString withEscapes(QStringView text)
 {
-    char16_t all = 0;
-    bool needsEscape = false;
-    for (const QChar c : text) {
-        all |= c.unicode();
-        needsEscape |= (c.unicode() < 0x20) || (c == u'^') || (c == u'\\');
-    }
-    if (!needsEscape)
-        return all < 0x80 ? text.toLatin1() : codec.encode(text, Substitute::unicodeEscape);
     QString escaped;
     escaped.reserve(text.size() * 2);
     for (qsizetype at = 0; at < text.size(); ++at) {
@@ -323,7 +300,30 @@ QByteArray encodeDrawingText(QStringView text, const TextCodec &codec)
         else
             escaped += c;
     }
-    return codec.encode(escaped, Substitute::unicodeEscape);
+    return escaped;
+}
+
+/// Bytes of an older page that are also UTF-8 would speak for UTF-8 when the file is opened again, here and in other
+/// programs that look at single strings. Escapes speak for nothing.
+static QByteArray encodeUnmistakably(QStringView text, const TextCodec &codec)
+{
+    QByteArray bytes = codec.encode(text, Substitute::unicodeEscape);
+    if (codec.isUtf8() || !looksLikeUtf8({bytes.constData(), std::size_t(bytes.size())}))
+        return bytes;
+    return TextCodec("ASCII").encode(text, Substitute::unicodeEscape);
+}
+
+QByteArray encodeDrawingText(QStringView text, const TextCodec &codec)
+{
+    char16_t all = 0;
+    bool needsEscape = false;
+    for (const QChar c : text) {
+        all |= c.unicode();
+        needsEscape |= (c.unicode() < 0x20) || (c == u'^') || (c == u'\\');
+    }
+    if (needsEscape)
+        return encodeUnmistakably(withEscapes(text), codec);
+    return all < 0x80 ? text.toLatin1() : encodeUnmistakably(text, codec);
 }
 
 } // namespace base

@@ -56,15 +56,13 @@ private:
 /// True for valid UTF-8 that holds at least one character beyond ASCII.
 bool looksLikeUtf8(std::string_view bytes);
 
-/// A string of a drawing file. Escapes "\U+XXXX", "\M+nXXXX" and carets ("^J", "^ ") become what
-/// they stand for; a malformed escape stays as it is. Text that looks like UTF-8 is read as UTF-8
-/// whatever the code page, because many writers leave an old code page in the header. One exception:
-/// under a double-byte code page that reads the bytes too, two-byte UTF-8 sequences alone do not win
-/// (one Chinese character is often also a Latin or Greek letter in UTF-8).
+/// A string of a drawing file, whose encoding is known for the whole file (encoding_vote.h). Escapes "\U+XXXX",
+/// "\M+nXXXX" and carets ("^J", "^ ") become what they stand for; a malformed escape stays as it is.
 QString decodeDrawingText(std::string_view bytes, const TextCodec &codec);
 
 /// The inverse: control characters become carets, a caret becomes "^ ", and what the code page lacks
-/// becomes "\U+XXXX"; so does a backslash that would begin an escape. decodeDrawingText() gives `text` back.
+/// becomes "\U+XXXX"; so does a backslash that would begin an escape, and everything beyond ASCII when the
+/// bytes of an older page would also be UTF-8. decodeDrawingText() gives `text` back.
 QByteArray encodeDrawingText(QStringView text, const TextCodec &codec);
 
 } // namespace base

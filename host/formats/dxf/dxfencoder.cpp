@@ -54,7 +54,11 @@ void Encoder::plainText(QByteArray &out, int groupCode, QByteArrayView value) co
 
 void Encoder::text(QByteArray &out, int groupCode, QStringView value) const
 {
-    plainText(out, groupCode, base::encodeDrawingText(value, m_source.codec()));
+    const auto isPlain = [](QChar c) { return c >= u' ' && c <= u'~' && c != u'\\' && c != u'^'; };
+    // Most new strings are layers and markers, and the encoding need not be found out for them.
+    plainText(out, groupCode,
+              std::ranges::all_of(value, isPlain) ? value.toLatin1()
+                                                  : base::encodeDrawingText(value, m_source.writingCodec()));
 }
 
 void Encoder::handle(QByteArray &out, int groupCode, std::uint64_t value) const

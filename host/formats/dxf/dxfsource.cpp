@@ -1,5 +1,6 @@
 #include "host/formats/dxf/dxfsource.h"
 
+#include "host/base/encoding_vote.h"
 #include "host/base/format_number.h"
 
 #include <algorithm>
@@ -55,9 +56,42 @@ void DxfSource::setVersion(std::string_view version, std::string_view codePage)
 {
     m_version = versionOf(version);
     if (m_version >= DrawingVersion::r2007)
-        m_codec = base::TextCodec("UTF-8");
+        m_named = m_utf8;
     else if (const std::string_view name = dxf::trimmed(codePage); !name.empty())
-        m_codec = base::TextCodec(name);
+        m_named = base::TextCodec(name);
+    m_encoding = Encoding::undecided;
+}
+
+bool DxfSource::isUtf8InFact() const
+{
+    if (m_named.isUtf8())
+        return true;
+    base::EncodingVote vote(m_named);
+    if (!m_binary) {
+        vote.lines(bytes());
+        return vote.isUtf8();
+    }
+    visitGroups(bytes().substr(m_contentBegin), [&](const Group &group) {
+        if (groupKind(group.code) == GroupKind::text)
+            vote.string(group.value);
+        return true;
+    });
+    return vote.isUtf8();
+}
+
+const base::TextCodec &DxfSource::codec() const
+{
+    Encoding encoding = m_encoding.load();
+    if (encoding == Encoding::undecided) {
+        encoding = isUtf8InFact() ? Encoding::utf8 : Encoding::named; // Two threads find the same.
+        m_encoding = encoding;
+    }
+    return encoding == Encoding::utf8 ? m_utf8 : m_named;
+}
+
+base::TextCodec DxfSource::writingCodec() const
+{
+    return codec() == m_named ? m_named : base::TextCodec("ASCII");
 }
 
 void DxfSource::learnStyle(std::string_view part)
@@ -182,7 +216,7 @@ QString DxfSource::text(std::string_view bytes) const
     const auto isPlain = [](char c) { return static_cast<signed char>(c) >= 0 && c != '\\' && c != '^'; };
     if (std::ranges::all_of(bytes, isPlain))
         return QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
-    return base::decodeDrawingText(bytes, m_codec);
+    return base::decodeDrawingText(bytes, codec());
 }
 
 resbuf::Value DxfSource::value(const Group &group, GroupKind kind) const

@@ -10,6 +10,8 @@
 #include "host/formats/dxf/dxflayout.h"
 #include "host/formats/dxf/dxfscan.h"
 
+#include <atomic>
+
 class DxfSource : public DrawingSource
 {
 public:
@@ -51,7 +53,10 @@ public:
     template <class Visit>
     void visitGroups(std::string_view part, Visit visit) const;
 
-    const base::TextCodec &codec() const { return m_codec; }
+    /// How the strings of the file are read.
+    const base::TextCodec &codec() const;
+    /// How new strings are written: in the code page that the file names, as escapes where its strings are in another.
+    base::TextCodec writingCodec() const;
     bool shortCodes() const { return m_shortCodes; }
     char lineEnd() const { return m_lineEnd; }
     const dxf::TextStyle &style() const { return m_style; }
@@ -73,6 +78,7 @@ private:
     ResbufList decodeWith(Scanner scanner, bool dimensionStyle, std::size_t expectedGroups) const;
     resbuf::Value value(const dxf::Group &group, GroupKind kind) const;
     resbuf::Value binaryValue(const dxf::Group &group, GroupKind kind) const;
+    bool isUtf8InFact() const;
 
     base::FileBytes m_bytes;
     bool m_binary = false;
@@ -80,7 +86,11 @@ private:
     char m_lineEnd = '\n';
     std::uint64_t m_contentBegin = 0;
     DrawingVersion m_version = DrawingVersion::r12;
-    base::TextCodec m_codec;
+    base::TextCodec m_named; ///< What the file says. Since R2007 it is right.
+    base::TextCodec m_utf8{"UTF-8"};
+    enum class Encoding { undecided, named, utf8 };
+    /// Decided from the bytes when the first string beyond ASCII is met, in any thread.
+    mutable std::atomic<Encoding> m_encoding = Encoding::undecided;
     dxf::TextStyle m_style;
     dxf::Layout m_layout;
     dxf::KeptText m_kept;

@@ -1,4 +1,5 @@
 // Code pages and the escapes of drawing strings. The bytes come from the published code charts.
+#include "host/base/encoding_vote.h"
 #include "host/base/text_codec.h"
 
 #include <gtest/gtest.h>
@@ -133,20 +134,79 @@ TEST(DrawingText, EncodesWhatAReaderOfTheCodePageUnderstands)
     }
 }
 
-TEST(DrawingText, Utf8WinsOverAStaleCodePage)
+TEST(DrawingText, EveryCharacterComesBackFromEveryCodePage)
 {
-    EXPECT_EQ(decodeDrawingText("评图标签", TextCodec("ANSI_936")), QStringLiteral("评图标签"));
-    EXPECT_EQ(decodeDrawingText("Größe 评", TextCodec("ANSI_1252")), QStringLiteral("Größe 评"));
-    EXPECT_EQ(decodeDrawingText("\xD8"
-                                "50",
-                                TextCodec("ANSI_1252")),
-              QStringLiteral("Ø50"));
-    // C4A3 is one Chinese character and also a Latin letter in UTF-8.
-    EXPECT_EQ(decodeDrawingText("\xC4\xA3", TextCodec("ANSI_936")), QStringLiteral("模"));
-    EXPECT_EQ(decodeDrawingText("\xC4\xA3", TextCodec("ANSI_1252")), QStringLiteral("ģ"));
+    // Every unit alone, between ASCII, and doubled: neighbours must not be taken for one character.
+    for (std::uint16_t number = 0; number <= 44; ++number) {
+        const TextCodec codec = number == 0 ? TextCodec("utf-8") : TextCodec::fromDwgNumber(number);
+        for (char32_t unit = 0; unit <= 0xFFFF; ++unit) {
+            const char16_t c = char16_t(unit);
+            const char16_t units[] = {c, u' ', u'A', c, u'1', c, c, u'½', c};
+            const QString text = QString::fromUtf16(units, std::size(units));
+            ASSERT_EQ(decodeDrawingText(encodeDrawingText(text, codec).toStdString(), codec), text)
+                << number << " U+" << std::hex << unsigned(unit);
+        }
+    }
+}
 
+TEST(DrawingText, WhatIsWrittenInAnOldPageIsNeverUtf8)
+{
+    for (const auto &[page, text] : std::initializer_list<std::pair<const char *, const char16_t *>>{
+             {"ANSI_1252", u"Ø½\" pipe"},
+             {"ANSI_1252", u"Â²Ã©"},
+             {"ANSI_1251", u"К–1"},
+             {"ANSI_936", u"臧红波"},
+             {"ANSI_936", u"岑宏宝"}}) {
+        const QByteArray bytes = encodeDrawingText(text, TextCodec(page));
+        EXPECT_FALSE(base::looksLikeUtf8(bytes.toStdString())) << bytes.toStdString();
+        EXPECT_EQ(decodeDrawingText(bytes.toStdString(), TextCodec(page)), QString::fromUtf16(text));
+    }
+    EXPECT_EQ(encodeDrawingText(u"Größe Ø", TextCodec("ANSI_1252")), "Gr\xF6\xDF"
+                                                                      "e \xD8");
+}
+
+TEST(DrawingText, Utf8IsKnownByItsBytes)
+{
+    EXPECT_TRUE(base::looksLikeUtf8("评"));
     EXPECT_FALSE(base::looksLikeUtf8("plain"));
     EXPECT_FALSE(base::looksLikeUtf8("\xC0\x80")) << "overlong";
     EXPECT_FALSE(base::looksLikeUtf8("\xED\xA0\x80")) << "surrogate";
     EXPECT_FALSE(base::looksLikeUtf8("评\xE8\xAF")) << "cut";
+}
+
+TEST(EncodingVote, AFileIsWhatMostOfItsStringsAre)
+{
+    struct Row {
+        const char *page;
+        const char *lines;
+        bool isUtf8;
+    };
+    const QByteArray names = TextCodec("ANSI_936").encode(u"臧红波\n岑宏宝\n模\n");
+    const QByteArray plan = TextCodec("ANSI_936").encode(u"臧红波\n一层平面图\n");
+    const QByteArray korean = TextCodec("ANSI_949").encode(u"도면\n");
+    const Row rows[] = {
+        {"ANSI_1252", "plain\n", false},
+        {"ANSI_1252", "\xD8\xBC \xD8\xBD \xD8\xBE 2\xD7\xBD\n", false}, // "Ø¼ Ø½ Ø¾ 2×½"
+        {"ANSI_1252", "Größe\n", true},
+        {"ANSI_1252", "План\n", true},
+        {"ANSI_1252", "评\n", true},
+        {"ANSI_1252", "m²\n", true},
+        {"ANSI_1252", "m²\r\nGr\xF6\xDF\r\n\xE9\r\n", false},
+        {"ANSI_1252", "Größe\nMaß\ncut \xC3\n", true},
+        {"ANSI_1251", "\xCA\x96"
+                      "1\n",
+         false}, // "К–1"
+        {"ANSI_1251", "План К–1\n", true},
+        {"ANSI_936", names.constData(), false},
+        {"ANSI_936", plan.constData(), false},
+        {"ANSI_936", "评图标签\n", true},
+        {"ANSI_936", "岑宏宝\nØ\n", true},
+        {"ANSI_949", korean.constData(), false},
+        {"ANSI_949", "도면\n", true},
+    };
+    for (const auto &[page, lines, isUtf8] : rows) {
+        base::EncodingVote vote{TextCodec(page)};
+        vote.lines(lines);
+        EXPECT_EQ(vote.isUtf8(), isUtf8) << page << ' ' << lines;
+    }
 }
