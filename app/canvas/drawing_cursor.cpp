@@ -2,7 +2,6 @@
 
 #include "host/aced/edsysvar.h"
 
-#include <QGuiApplication>
 #include <QPainter>
 #include <QPixmap>
 
@@ -35,9 +34,7 @@ QCursor drawingCursor(AcEdPromptKind kind, bool isDark)
     QPainter painter(&pixmap);
     painter.translate(kHalf, kHalf);
     painter.setPen(isDark ? Qt::black : Qt::white);
-    const double ratio = qGuiApp->devicePixelRatio();
-    const int box =
-        std::clamp(int(std::lround(acedIntVar(QStringLiteral("PICKBOX"), 3) / ratio)), 2, kHalf - 2);
+    const int box = std::clamp(acedIntVar(QStringLiteral("PICKBOX"), 3), 2, kHalf - 2);
     if (!picks)
         drawCross(painter, isIdle ? box : 0);
     if (points)

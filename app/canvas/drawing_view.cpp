@@ -13,10 +13,12 @@
 #include "host/aced/edwinmsg.h"
 #include "host/acgi/gispatialindex.h"
 
-#include <QFileInfo>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <cmath>
@@ -74,6 +76,7 @@ void DrawingView::fitViewToWidget(AcApDocument &document)
     if (view != fitted.shown)
         fitted.asked = view;
     view = fitted.asked.onRaster(pixelSize().width(), pixelSize().height());
+    view.pixelRatio = devicePixelRatioF();
     fitted.shown = view;
 }
 
@@ -126,9 +129,7 @@ void DrawingView::showDocument(AcApDocument &document, bool mayHaveChanged)
     fitViewToWidget(document);
     AcDbDatabase &database = *document.database();
     ViewSubject subject{&database, acedShownSpace(document), acedViewport(document),
-                        acedScreenOptions(document)};
-    if (!document.fileName().isEmpty())
-        subject.options.imageFolder = QFileInfo(document.fileName()).absolutePath();
+                        acedScreenOptions(document), database.folder()};
     const bool isOther = m_shown != &database || m_changeCount != database.changeCount();
     const bool isElsewhere = m_shown != &database || !isSameView(m_view, subject.view);
     if (isOther || isElsewhere || mayHaveChanged)
@@ -431,14 +432,49 @@ bool DrawingView::pressViewKey(QKeyEvent &event)
             m_frontEnd.giveText(QStringLiteral("_ERASE"));
         return true;
     case Qt::Key_A:
-        if (hasControl && m_frontEnd.isIdle() && document) {
-            acedSSGet(QStringLiteral("A"), nullptr, nullptr, {}, document->pickSet());
-            refresh();
-        }
+        if (hasControl && m_frontEnd.isIdle())
+            selectAll();
         return hasControl;
     default:
         return false;
     }
+}
+
+/// Nobody means to change what is hidden without seeing it.
+void DrawingView::selectAll()
+{
+    AcApDocument *const document = curDoc();
+    AcEdSelectionSet all;
+    if (!document || acedSSGet(QStringLiteral("A"), nullptr, nullptr, {}, all) != RTNORM)
+        return;
+    std::erase_if(all, [](AcDbObjectId id) {
+        const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+        return !entity || entity->subIsHidden();
+    });
+    document->pickSet() = std::move(all);
+    refresh();
+}
+
+/// The cursor rests: what stands under it may have something to say.
+bool DrawingView::showHint(QHelpEvent &event)
+{
+    AcApDocument *const document = curDoc();
+    const AcDbObjectId id = document && m_frontEnd.isIdle() && !m_panFrom
+                                ? acedPickAt(*document, worldAt(*document, toPixel(event.pos())), {})
+                                : AcDbObjectId();
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    const QString hint = entity ? entity->subHint() : QString();
+    // Plain text: what people wrote is no markup.
+    if (hint.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(event.globalPos(), Qt::convertFromPlainText(hint), this);
+    return true;
+}
+
+bool DrawingView::event(QEvent *event)
+{
+    return event->type() == QEvent::ToolTip ? showHint(static_cast<QHelpEvent &>(*event)) : QWidget::event(event);
 }
 
 void DrawingView::keyPressEvent(QKeyEvent *event)

@@ -45,6 +45,8 @@ public:
     const QImage &picture() const { return m_picture.image(); }
     /// Looks at once for what has changed.
     void refresh();
+    /// Everything that can be seen in the current space; hidden marks are left alone.
+    void selectAll();
 
     QSize sizeHint() const override { return {1000, 700}; }
 
@@ -62,6 +64,7 @@ Q_SIGNALS:
     void enterPressed();
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
@@ -77,6 +80,7 @@ private:
     void documentToBeDestroyed(AcApDocument *document) override;
     void documentActivated(AcApDocument *document) override;
 
+    bool showHint(QHelpEvent &event);
     QPointF toPixel(QPointF place) const { return place * devicePixelRatioF(); }
     QSize pixelSize() const;
     void fitViewToWidget(AcApDocument &document);

@@ -43,7 +43,7 @@ std::optional<AcGePoint3d> ViewGrips::at(QPointF pixel, const AcGiViewport &view
 {
     const AcGeMatrix3d toPixel = view.worldToPixel();
     std::optional<AcGePoint3d> nearest;
-    double distance = m_halfSize + 0.5;
+    double distance = m_halfSize * view.pixelRatio + 0.5;
     for (const AcGePoint3d &grip : m_grips) {
         const AcGePoint3d place = toPixel * grip;
         const double away = std::max(std::abs(place.x - pixel.x()), std::abs(place.y - pixel.y()));
@@ -63,6 +63,7 @@ void ViewGrips::paint(QPainter &painter, const AcGiViewport &view, const std::op
     static const QColor kHot(225, 0, 0);
     if (m_halfSize == 0)
         return;
+    const int halfSize = int(std::lround(m_halfSize * view.pixelRatio));
     const AcGeMatrix3d toPixel = view.worldToPixel();
     const QRectF seen(0, 0, view.pixelWidth, view.pixelHeight);
     painter.save();
@@ -75,8 +76,8 @@ void ViewGrips::paint(QPainter &painter, const AcGiViewport &view, const std::op
         const QColor fill = isHot                                                         ? kHot
                             : hovered && grip.isEqualTo(*hovered, view.pixelSize() / 2.0) ? kHovered
                                                                                           : kCold;
-        const QRect square(int(std::lround(place.x)) - m_halfSize, int(std::lround(place.y)) - m_halfSize,
-                           2 * m_halfSize, 2 * m_halfSize);
+        const QRect square(int(std::lround(place.x)) - halfSize, int(std::lround(place.y)) - halfSize,
+                           2 * halfSize, 2 * halfSize);
         painter.fillRect(square, fill);
         // An edge that stands out from light and from dark backgrounds.
         painter.setPen(fill.darker(180));

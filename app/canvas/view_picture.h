@@ -22,6 +22,7 @@ struct ViewSubject {
     AcDbObjectId space;
     AcGiViewport view;
     AcGiPaintOptions options;
+    QString folder; ///< Of the drawing: images are looked for in it.
 
     /// Both look at the same thing in the same way, if perhaps from elsewhere.
     bool isLike(const ViewSubject &other) const;

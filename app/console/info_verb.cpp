@@ -6,7 +6,6 @@
 
 #include <QJsonArray>
 
-#include <array>
 #include <map>
 
 namespace console
@@ -14,24 +13,36 @@ namespace console
 
 // Facts ------------------------------------------------------------------------------------------
 
-static QString versionName(DrawingVersion version)
+struct VersionName {
+    const char *number; ///< $ACADVER
+    const char *name;
+};
+
+/// Everything before R13 is read alike, but a person wants to know what the file is.
+static constexpr VersionName kVersionNames[] = {
+    {"MC0.0", "R1.1"},  {"AC1.2", "R1.2"},  {"AC1.3", "R1.3"},   {"AC1.40", "R1.4"},  {"AC1.50", "R2.0"},
+    {"AC2.10", "R2.10"}, {"AC2.21", "R2.21"}, {"AC2.22", "R2.22"}, {"AC1001", "R2.22"}, {"AC1002", "R2.5"},
+    {"AC1003", "R2.6"}, {"AC1004", "R9"},   {"AC1006", "R10"},   {"AC1009", "R12"},   {"AC1012", "R13"},
+    {"AC1014", "R14"},  {"AC1015", "2000"}, {"AC1018", "2004"},  {"AC1021", "2007"},  {"AC1024", "2010"},
+    {"AC1027", "2013"}, {"AC1032", "2018"},
+};
+
+/// What the file itself says; a file without a version, and the numbers between two versions, are as they are read.
+static QString versionNumber(const AcDbDatabase &database)
 {
-    static constexpr std::array<std::pair<DrawingVersion, const char *>, 9> kNames{{
-        {DrawingVersion::r12, "R12"},
-        {DrawingVersion::r13, "R13"},
-        {DrawingVersion::r14, "R14"},
-        {DrawingVersion::r2000, "2000"},
-        {DrawingVersion::r2004, "2004"},
-        {DrawingVersion::r2007, "2007"},
-        {DrawingVersion::r2010, "2010"},
-        {DrawingVersion::r2013, "2013"},
-        {DrawingVersion::r2018, "2018"},
-    }};
-    for (const auto &[number, name] : kNames) {
-        if (number == version)
-            return QString::fromLatin1(name);
+    const QString read = QStringLiteral("AC%1").arg(int(database.version()), 4, 10, QLatin1Char('0'));
+    const QString said = database.headerText("$ACADVER").trimmed();
+    return database.version() == DrawingVersion::r12 && !said.isEmpty() ? said : read;
+}
+
+static QString versionName(const AcDbDatabase &database)
+{
+    const QString number = versionNumber(database);
+    for (const VersionName &known : kVersionNames) {
+        if (number == QLatin1String(known.number))
+            return QLatin1String(known.name);
     }
-    return QStringLiteral("unknown");
+    return QStringLiteral("R12 or older");
 }
 
 static QString formatName(const AcDbDatabase &database)
@@ -127,9 +138,8 @@ QJsonObject drawingInfo(const AcApDocument &document)
     AcDbDatabase &database = *document.database();
     return {
         {QStringLiteral("file"), document.fileName()},
-        {QStringLiteral("version"), versionName(database.version())},
-        {QStringLiteral("versionNumber"),
-         QStringLiteral("AC%1").arg(int(database.version()), 4, 10, QLatin1Char('0'))},
+        {QStringLiteral("version"), versionName(database)},
+        {QStringLiteral("versionNumber"), versionNumber(database)},
         {QStringLiteral("format"), formatName(database)},
         {QStringLiteral("codePage"), database.headerText("$DWGCODEPAGE")},
         {QStringLiteral("entities"), countByKind(database, true)},

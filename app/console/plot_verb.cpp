@@ -69,6 +69,24 @@ static base::Result<std::vector<AcEdPlot>, QString> pagesOf(const AcApDocument &
     return pages;
 }
 
+/// Of all layouts those that have something to plot; what is left out is said.
+static base::Result<std::vector<AcEdPlot>, QString> plottable(const AcApDocument &document, const QString &file,
+                                                              std::vector<AcEdPlot> pages)
+{
+    QStringList reasons;
+    std::erase_if(pages, [&](const AcEdPlot &page) {
+        const auto checked = acedCheckPlot(document, page);
+        if (!checked)
+            reasons += QStringLiteral("%1: %2").arg(acdbLayoutName(page.space), checked.error());
+        return !checked;
+    });
+    if (pages.empty())
+        return base::Failure{reasons.join(QStringLiteral("; "))};
+    for (const QString &reason : reasons)
+        printMessageLine(QStringLiteral("%1: %2; this layout is left out").arg(file, reason));
+    return pages;
+}
+
 static void printDone(const PlotOptions &options, const std::vector<AcEdPlot> &pages,
                       const AcGiPaintReport &report)
 {
@@ -98,7 +116,9 @@ int writePlot(const PlotOptions &options)
     const OpenDrawing drawing(options.files.front());
     if (!drawing.document())
         return kTrouble;
-    const auto pages = pagesOf(*drawing.document(), options);
+    auto pages = pagesOf(*drawing.document(), options);
+    if (pages && options.all)
+        pages = plottable(*drawing.document(), options.files.front(), *pages);
     if (!pages) {
         printMessageLine(QStringLiteral("%1: %2").arg(options.files.front(), pages.error()));
         return kTrouble;

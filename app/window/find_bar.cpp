@@ -3,6 +3,7 @@
 #include "app/front_end/window_front_end.h"
 #include "app/window/icons.h"
 #include "host/acdb/dbentity.h"
+#include "host/aced/edspace.h"
 #include "host/aced/edview.h"
 
 #include <QHBoxLayout>
@@ -86,13 +87,13 @@ void FindBar::keyPressEvent(QKeyEvent *event)
 void FindBar::search(const QString &wanted)
 {
     m_edit->setText(wanted);
-    m_space = {};
+    m_searched = nullptr;
     step(1);
 }
 
 void FindBar::forget()
 {
-    m_space = {};
+    m_searched = nullptr;
     m_picked = {};
     m_found.clear();
     m_status->clear();
@@ -109,8 +110,7 @@ void FindBar::step(int by)
         AcApDocument *const document = curDoc();
         if (!document || m_edit->text().isEmpty())
             return;
-        const bool isKnown = m_wanted == m_edit->text() &&
-                             m_space == document->database()->currentSpaceId() &&
+        const bool isKnown = m_wanted == m_edit->text() && m_searched == document->database() &&
                              m_changeCount == document->database()->changeCount();
         if (!isKnown)
             searchNow(m_edit->text());
@@ -126,7 +126,7 @@ void FindBar::step(int by)
 void FindBar::searchNow(const QString &wanted)
 {
     m_wanted = wanted;
-    m_space = acdbCurDwg()->currentSpaceId();
+    m_searched = acdbCurDwg();
     m_changeCount = acdbCurDwg()->changeCount();
     m_found = findTexts(*curDoc(), wanted);
 }
@@ -150,6 +150,11 @@ void FindBar::goTo(std::size_t place)
 {
     m_at = place;
     const FoundText &found = m_found[place];
+    if (found.space != acedShownSpace(*curDoc())) {
+        acedMakeSpaceCurrent(*curDoc(), found.space);
+        m_picked = {};
+        m_changeCount = acdbCurDwg()->changeCount(); // Another layout is shown, nothing else.
+    }
     zoomTo(*curDoc(), found.shown);
     std::vector<AcDbObjectId> &picked = curDoc()->pickSet();
     // What the bar selected before goes; what the user selected stays.

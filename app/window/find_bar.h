@@ -52,7 +52,7 @@ private:
     QToolButton *m_previous = nullptr;
     QToolButton *m_next = nullptr;
     QString m_wanted;
-    AcDbObjectId m_space; ///< That was searched; null: none.
+    const AcDbDatabase *m_searched = nullptr; ///< Null: none.
     std::uint64_t m_changeCount = 0;
     std::vector<FoundText> m_found;
     std::size_t m_at = 0;

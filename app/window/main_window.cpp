@@ -11,7 +11,6 @@
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
 #include "host/aced/edcommands.h"
-#include "host/aced/edselect.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -120,6 +119,7 @@ void MainWindow::restoreSettings()
 {
     if (!restoreGeometry(keptState(kGeometry)))
         resize(screen()->availableSize() * 0.8);
+    resize(size().boundedTo(screen()->availableSize())); // The screen may be another one since.
     restoreState(keptState(kPanels), kPanelsVersion);
 }
 
@@ -191,7 +191,7 @@ void MainWindow::perform(WindowAction action)
         m_find->open();
         break;
     case WindowAction::selectAll:
-        m_front.whenIdle([this] { selectAll(); });
+        m_front.whenIdle([this] { m_view->selectAll(); });
         break;
     case WindowAction::nextDrawing:
         activateNext(1);
@@ -322,13 +322,6 @@ void MainWindow::quit()
 {
     if (m_guard.mayQuit())
         m_front.leave();
-}
-
-void MainWindow::selectAll()
-{
-    AcEdSelectionSet all;
-    if (curDoc() && acedSSGet(QStringLiteral("A"), nullptr, nullptr, {}, all) == RTNORM)
-        curDoc()->pickSet() = std::move(all);
 }
 
 void MainWindow::toggleBackground()

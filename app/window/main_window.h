@@ -60,7 +60,6 @@ private:
     void showLayout(int place);
     void close(int place);
     void quit();
-    void selectAll();
     void toggleBackground();
     void openHelp();
     void showAbout();

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace window
@@ -62,7 +63,18 @@ StartPage::StartPage(QWidget *parent) : QWidget(parent), m_recent(new QVBoxLayou
     rows->addLayout(columns);
     rows->addStretch(3);
 
-    auto *const middle = new QHBoxLayout(this);
+    // The list of files may be longer than a small screen is high.
+    auto *const content = new QWidget;
+    auto *const area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(content);
+    auto *const whole = new QVBoxLayout(this);
+    whole->setContentsMargins({});
+    whole->addWidget(area);
+
+    auto *const middle = new QHBoxLayout(content);
     middle->setContentsMargins(2 * unit, unit, 2 * unit, unit);
     middle->addStretch(1);
     middle->addWidget(page, 8);

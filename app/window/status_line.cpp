@@ -2,6 +2,7 @@
 
 #include "app/window/icons.h"
 #include "app/window/unit_text.h"
+#include "host/acdb/dbentity.h"
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 
@@ -114,7 +115,29 @@ QString StatusLine::factsText() const
     return m_facts->text();
 }
 
-static QString factsOf(AcApDocument &document)
+int StatusLine::hiddenCount(const AcApDocument &document)
+{
+    const AcDbDatabase &database = *document.database();
+    const AcDbObjectId space = acedShownSpace(document);
+    if (m_counted == &database && m_countedSpace == space && m_changeCount == database.changeCount())
+        return m_hidden;
+    m_counted = &database;
+    m_countedSpace = space;
+    m_changeCount = database.changeCount();
+    m_hidden = 0;
+    const BlockContents *const contents = database.blockContents(space);
+    for (const std::uint32_t index : contents ? contents->entities : std::vector<std::uint32_t>()) {
+        AcDbStub *const stub = database.stub(index);
+        // Only custom entities can be hidden, and opening a million others takes long.
+        if (!acdbKindClass(stub->kind, true)->application())
+            continue;
+        const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(stub), AcDb::kForRead);
+        m_hidden += entity && entity->subIsHidden();
+    }
+    return m_hidden;
+}
+
+static QString factsOf(AcApDocument &document, int hidden)
 {
     QStringList facts{acedIsModelSpaceCurrent(document) && document.enteredViewport().sheet.isNull()
                           ? StatusLine::tr("模型")
@@ -124,12 +147,14 @@ static QString factsOf(AcApDocument &document)
         facts += StatusLine::tr("视图扭转 %1°").arg(QString::number(degrees, 'g', 6));
     if (!document.pickSet().empty())
         facts += StatusLine::tr("已选择 %n 个", nullptr, int(document.pickSet().size()));
+    if (hidden > 0)
+        facts += StatusLine::tr("%n 个标签已隐藏", nullptr, hidden);
     return facts.join(QStringLiteral("   "));
 }
 
 void StatusLine::refresh()
 {
-    m_facts->setText(curDoc() ? factsOf(*curDoc()) : QString());
+    m_facts->setText(curDoc() ? factsOf(*curDoc(), hiddenCount(*curDoc())) : QString());
     if (!curDoc())
         m_place->clear();
 }

@@ -1,6 +1,7 @@
 // The status line: where the cursor is, what is shown, what is selected, and how far long work has come.
 #pragma once
 
+#include "host/acap/docman.h"
 #include "host/acge/gepoint.h"
 
 #include <QElapsedTimer>
@@ -20,7 +21,7 @@ class StatusLine : public QStatusBar
 public:
     explicit StatusLine(QWidget *parent = nullptr);
 
-    /// Layout, twist, selection of the current document; nothing without one.
+    /// Layout, twist, selection and the number of hidden marks of the current document; nothing without one.
     void refresh();
     void showPlace(const AcGePoint3d &world);
     void showBusy(bool busy);
@@ -37,6 +38,13 @@ Q_SIGNALS:
 
 private:
     void letStop();
+    /// Of the shown space; counted again when the drawing has changed.
+    int hiddenCount(const AcApDocument &document);
+
+    const AcDbDatabase *m_counted = nullptr;
+    AcDbObjectId m_countedSpace;
+    std::uint64_t m_changeCount = 0;
+    int m_hidden = 0;
 
     QLabel *m_place = nullptr;
     QLabel *m_facts = nullptr;

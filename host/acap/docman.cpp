@@ -34,7 +34,12 @@ QString AcApDocument::docTitle() const
 
 bool AcApDocument::isModified() const
 {
-    return m_database->changeCount() != m_savedChangeCount;
+    return m_database->editState() != m_savedState;
+}
+
+void AcApDocument::settleFolder()
+{
+    m_database->setFolder(isNamedDrawing() ? QFileInfo(m_fileName).absolutePath() : QString());
 }
 
 /// No state of the drawing is the one in its file.
@@ -98,9 +103,11 @@ AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcApDocument> document)
 {
     QUILL_ASSERT(document->m_database);
     AcApDocument *const added = document.get();
-    added->m_savedChangeCount = added->m_database->changeCount();
+    added->settleFolder();
+    added->m_savedState = added->m_database->editState();
     if (!added->isNamedDrawing())
         added->m_number = ++m_created;
+    acapRestoreLayout(*added->m_database);
     const AcDbObjectId space = added->m_database->currentSpaceId();
     acapRestoreView(*added->m_database, space, added->m_view);
     added->m_ucs = acapSavedUcs(*added->m_database, space);
@@ -236,7 +243,7 @@ base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &co
     if (!file.isEmpty())
         (*loaded)->m_stamp = stampBehindCopy(file, (*loaded)->m_stamp, copy, grewFrom);
     AcApDocument *const opened = adopt(std::move(*loaded));
-    opened->m_savedChangeCount = kNeverSaved;
+    opened->m_savedState = kNeverSaved;
     return opened;
 }
 
@@ -269,11 +276,12 @@ base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, cons
 }
 
 /// After the file was written under the document's name, or under one that becomes its name.
-void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, std::uint64_t changeCount)
+void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, std::uint64_t state)
 {
     const QString name = fullPath(target);
     const bool isRenamed = std::exchange(document.m_fileName, name) != name;
-    document.m_savedChangeCount = changeCount;
+    document.settleFolder();
+    document.m_savedState = state;
     document.m_stamp = acapFileStamp(name);
     if (isRenamed) {
         document.m_fileLock.release();
@@ -294,7 +302,7 @@ base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document,
         return base::Failure{busyReason(target)};
     if (const auto checked = maySave(*document, target, overwrite); !checked)
         return base::Failure{checked.error()};
-    const std::uint64_t changeCount = document->m_database->changeCount();
+    const std::uint64_t state = document->m_database->editState();
     const auto written =
         withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {
             return acapWriteDrawing(*document->m_database, target, p);
@@ -303,7 +311,7 @@ base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document,
         return base::Failure{written.error()};
     base::removeLeftTemporaryFiles(QFileInfo(target).path());
     if (!copyOnly)
-        settleSaved(*document, target, changeCount);
+        settleSaved(*document, target, state);
     else if (fullPath(target) == document->m_fileName)
         document->m_stamp = acapFileStamp(target);
     return true;

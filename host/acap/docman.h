@@ -35,8 +35,10 @@ struct AcApView {
     double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
+    double pixelRatio = 1.0; ///< Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
 
     double pixelSize() const { return height / pixelHeight; }
+    double countedPixelSize() const { return pixelSize() * pixelRatio; }
     double width() const { return pixelSize() * pixelWidth; }
     /// The same place on a raster of another size: nothing that is seen is cut off.
     AcApView onRaster(int newWidth, int newHeight) const;
@@ -80,7 +82,7 @@ public:
     bool isNamedDrawing() const { return !m_fileName.isEmpty(); }
     /// "plan.dxf", or "Drawing1.dxf" before the first save.
     QString docTitle() const;
-    /// Changes since opening or the last save (DBMOD).
+    /// Differs from what was opened or last saved (DBMOD); not when all changes were undone.
     bool isModified() const;
 
     /// Of the file as it was read or last written; none for a drawing without one.
@@ -120,7 +122,9 @@ private:
     std::unique_ptr<AcDbDatabase> m_database;
     QString m_fileName;
     int m_number = 1;
-    std::uint64_t m_savedChangeCount = 0;
+    void settleFolder();
+
+    std::uint64_t m_savedState = 0; ///< AcDbDatabase::editState().
     std::optional<AcApFileStamp> m_stamp; ///< Of the file as it was read or written.
     AcApFileLock m_fileLock;
     std::optional<AcApLockHolder> m_barredBy;
@@ -235,7 +239,7 @@ private:
     void lockFile(AcApDocument &document, AcApOpenAs as);
     base::Result<void, QString> maySave(AcApDocument &document, const QString &target,
                                         AcApOverwriteChanged overwrite);
-    void settleSaved(AcApDocument &document, const QString &target, std::uint64_t changeCount);
+    void settleSaved(AcApDocument &document, const QString &target, std::uint64_t state);
     void showLockMode(AcApDocument *document);
     template <class Notify>
     void notify(Notify event);

@@ -1,7 +1,10 @@
 #include "host/acap/docview.h"
 
+#include "host/acdb/dbdict.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -176,4 +179,58 @@ AcApUcs acapSavedUcs(const AcDbDatabase &database, AcDbObjectId space)
     const bool usable = ucs.xAxis.length() > 0.5 && ucs.yAxis.length() > 0.5 &&
                         std::abs(ucs.xAxis.dotProduct(ucs.yAxis)) < 1e-6;
     return usable ? ucs : AcApUcs();
+}
+
+// The shown layout ---------------------------------------------------------------------------------
+
+/// An xrecord of the named-object dictionary; its one group is the block record.
+static const QString kLayoutRecord = QStringLiteral("QUILL_LAYOUT");
+
+static AcDbObjectId layoutRecord(const AcDbDatabase &database)
+{
+    const AcDbObjectPointer<AcDbDictionary> root(database.namedObjectsDictionaryId(), AcDb::kForRead);
+    return root ? root->getAt(kLayoutRecord) : AcDbObjectId();
+}
+
+static AcDbObjectId notedLayout(const AcDbDatabase &database)
+{
+    const AcDbObjectPointer<AcDbXrecord> record(layoutRecord(database), AcDb::kForRead);
+    const ResbufList chain = record ? record->rbChain() : ResbufList();
+    return chain.empty() ? AcDbObjectId() : database.getAcDbObjectId(chain.front().handle());
+}
+
+static void noteLayout(AcDbDatabase &database, AcDbObjectId layout)
+{
+    if (layout == notedLayout(database) || (layout == database.paperSpaceId() && layoutRecord(database).isNull()))
+        return;
+    AcDbObjectPointer<AcDbDictionary> root(acdbEnsureNamedObjects(database), AcDb::kForWrite);
+    auto record = std::make_unique<AcDbXrecord>();
+    AcDbObjectId id;
+    if (!root || root->setAt(kLayoutRecord, record.get(), id) != Acad::eOk)
+        return;
+    AcDbObjectPointer<AcDbXrecord> added(record.release());
+    added->setFromRbChain({{330, layout.handle()}});
+}
+
+void acapKeepLayout(AcDbDatabase &database, AcDbObjectId space)
+{
+    if (!database.headerVariable("$TILEMODE"))
+        return;
+    const bool isModel = space == database.modelSpaceId();
+    AcDbUndo &undo = database.undo();
+    const bool recording = undo.isRecording();
+    undo.setRecording(false);
+    database.setHeaderVariable("$TILEMODE", {{70, std::int64_t(isModel ? 1 : 0)}});
+    if (!isModel)
+        noteLayout(database, space);
+    undo.setRecording(recording);
+}
+
+void acapRestoreLayout(AcDbDatabase &database)
+{
+    const AcDbObjectId noted = notedLayout(database);
+    const std::vector<AcDbObjectId> layouts = acdbLayoutBlocks(database);
+    if (database.headerInteger("$TILEMODE", 1) == 0 && noted != database.modelSpaceId() &&
+        std::ranges::find(layouts, noted) != layouts.end())
+        database.setCurrentSpace(noted);
 }

@@ -269,10 +269,17 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObject *object, AcDbObjectId o
     return Acad::eOk;
 }
 
+void AcDbDatabase::countChange()
+{
+    ++m_changeCount;
+    if (m_undo->isRecording())
+        m_editState = ++m_lastEditState;
+}
+
 void AcDbDatabase::noteChange(AcDbStub &stub)
 {
     stub.set(AcDbStub::kChanged);
-    ++m_changeCount;
+    countChange();
     if (!stub.has(AcDbStub::kInChangeList)) {
         stub.set(AcDbStub::kInChangeList);
         m_changed.push_back(stub.index);
@@ -531,7 +538,7 @@ void AcDbDatabase::setHeaderVariable(const QByteArray &name, ResbufList groups)
     value.groups = std::move(groups);
     value.present = true;
     value.changed = true;
-    ++m_changeCount;
+    countChange();
     for (AcDbDatabaseReactor *reactor : std::vector(m_reactors))
         reactor->headerSysVarChanged(this, name.constData());
 }

@@ -82,6 +82,9 @@ public:
     /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
     /// write. Entities go through AcDbBlockTableRecord::appendAcDbEntity instead.
     Acad::ErrorStatus addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id = nullptr);
+    /// The folder of the drawing's file, where relative names of other files count from; empty without a file.
+    const QString &folder() const { return m_folder; }
+    void setFolder(const QString &folder) { m_folder = folder; }
     /// The handle that the next new object gets ($HANDSEED).
     AcDbHandle handseed() const { return {m_nextHandle}; }
 
@@ -133,6 +136,9 @@ public:
     bool hasChanges() const;
     /// Counts every change to anything; equal numbers mean that nothing happened in between.
     std::uint64_t changeCount() const { return m_changeCount; }
+    /// Names a state of the drawing: undoing and redoing come back to the same number. What is not recorded for undo
+    /// (which layout is shown, carriers made for saving) is no other state.
+    std::uint64_t editState() const { return m_editState; }
 
     void addReactor(AcDbDatabaseReactor *reactor);
     void removeReactor(AcDbDatabaseReactor *reactor);
@@ -169,6 +175,7 @@ private:
     AcDbObject *resident(AcDbStub &stub);
     void releaseIdle(AcDbStub &stub);
     void replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> object);
+    void countChange();
     void noteChange(AcDbStub &stub);
     void finishWriting(AcDbStub &stub);
     void setErased(AcDbStub &stub, bool erased);
@@ -189,12 +196,15 @@ private:
     mutable std::array<Table, kSymbolTableCount> m_tables;
     std::unordered_map<std::uint32_t, BlockContents> m_blocks; ///< By index of the block record's stub.
     AcDbObjectId m_namedObjects;
+    QString m_folder;
     AcDbObjectId m_currentSpace;
     std::vector<DrawingClass> m_classes;
     std::vector<QByteArray> m_headerNames;
     std::unordered_map<QByteArray, HeaderValue> m_header;
     std::vector<std::uint32_t> m_changed;
     std::uint64_t m_changeCount = 0;
+    std::uint64_t m_editState = 0;
+    std::uint64_t m_lastEditState = 0; ///< The highest number given so far.
     std::unique_ptr<AcDbUndo> m_undo;
     std::vector<AcDbDatabaseReactor *> m_reactors;
     /// Objects made for an earlier save, by the index of the custom object's stub; erased in between.

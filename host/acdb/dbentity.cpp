@@ -5,6 +5,8 @@
 #include "host/acdb/dbtransient.h"
 #include "host/acdb/nativegrips.h"
 
+#include <algorithm>
+
 static AcDbNativeExtents s_nativeExtents = nullptr;
 
 void acdbSetNativeExtents(AcDbNativeExtents provider)
@@ -43,16 +45,53 @@ AcRxClass *AcDbEntity::isA() const
     return known->isDerivedFrom(AcDbEntity::desc()) ? known : AcDbEntity::desc();
 }
 
+std::span<const resbuf> acdbCommonGroups(const ResbufList &groups)
+{
+    constexpr int kLayer = 8;
+    bool hasLayer = false;
+    bool inSecond = false;
+    std::size_t count = 0;
+    for (; count < groups.size(); ++count) {
+        const resbuf &group = groups[count];
+        if (group.restype == 1001 || group.restype == 101)
+            break;
+        hasLayer |= group.restype == kLayer;
+        if (group.restype != 100 || group.text() == u"AcDbEntity")
+            continue;
+        if (hasLayer || inSecond)
+            break;
+        inSecond = true;
+    }
+    return std::span(groups).first(count);
+}
+
+static const resbuf *commonGroup(const AcDbEntity &entity, int code)
+{
+    const std::span<const resbuf> common = acdbCommonGroups(entity.groups());
+    const auto found = std::ranges::find(common, code, &resbuf::restype);
+    return found == common.end() ? nullptr : &*found;
+}
+
 static QString textGroup(const AcDbEntity &entity, int code, const QString &fallback)
 {
-    const resbuf *const group = findGroup(entity.groups(), code);
+    const resbuf *const group = commonGroup(entity, code);
     return group ? group->text() : fallback;
 }
 
 static int integerGroup(const AcDbEntity &entity, int code, int fallback)
 {
-    const resbuf *const group = findGroup(entity.groups(), code);
+    const resbuf *const group = commonGroup(entity, code);
     return group ? int(group->integer()) : fallback;
+}
+
+void AcDbEntity::setCommonGroup(int code, resbuf::Value value)
+{
+    const resbuf *const present = commonGroup(*this, code);
+    if (!present)
+        return setGroup(code, std::move(value), u"AcDbEntity");
+    resbuf &group = editGroups()[std::size_t(present - groups().data())];
+    if (group.resval != value)
+        group.assign(std::move(value));
 }
 
 QString AcDbEntity::layer() const
@@ -69,7 +108,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(const QString &name)
 {
     if (database() && !database()->tableRecord(SymbolTable::layer, name).isValid())
         return Acad::eKeyNotFound;
-    setGroup(8, name, u"AcDbEntity");
+    setCommonGroup(8, name);
     return Acad::eOk;
 }
 
@@ -85,7 +124,7 @@ Acad::ErrorStatus AcDbEntity::setColorIndex(int index)
     ResbufList &groups = editGroups();
     // A true colour would win over the index.
     std::erase_if(groups, [](const resbuf &g) { return g.restype == 420 || g.restype == 430; });
-    setGroup(62, std::int64_t(index), u"AcDbEntity");
+    setCommonGroup(62, std::int64_t(index));
     return Acad::eOk;
 }
 
@@ -98,13 +137,13 @@ Acad::ErrorStatus AcDbEntity::setLinetype(const QString &name)
 {
     if (database() && !database()->tableRecord(SymbolTable::linetype, name).isValid())
         return Acad::eKeyNotFound;
-    setGroup(6, name, u"AcDbEntity");
+    setCommonGroup(6, name);
     return Acad::eOk;
 }
 
 double AcDbEntity::linetypeScale() const
 {
-    const resbuf *const group = findGroup(groups(), 48);
+    const resbuf *const group = commonGroup(*this, 48);
     return group ? group->real() : 1.0;
 }
 
@@ -112,7 +151,7 @@ Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale)
 {
     if (!(scale > 0.0))
         return Acad::eInvalidInput;
-    setGroup(48, scale, u"AcDbEntity");
+    setCommonGroup(48, scale);
     return Acad::eOk;
 }
 
@@ -125,7 +164,7 @@ Acad::ErrorStatus AcDbEntity::setLineWeight(int weight)
 {
     if (weight < -3 || weight > 211)
         return Acad::eInvalidInput;
-    setGroup(370, std::int64_t(weight), u"AcDbEntity");
+    setCommonGroup(370, std::int64_t(weight));
     return Acad::eOk;
 }
 

@@ -5,6 +5,8 @@
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
 
+#include <QStringList>
+
 #include <span>
 
 class AcGiViewportDraw;
@@ -54,13 +56,27 @@ public:
     virtual void saveAs(AcGiWorldDraw *context) const;
     virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const;
     virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &matrix);
+    /// Somebody hid the entity: it is there and draws nothing.
+    virtual bool subIsHidden() const { return false; }
+    /// What people write into the entity and look for; a search goes through them.
+    virtual QStringList subTexts() const { return {}; }
+    /// What the entity is, in a few lines, shown where the cursor rests on it; empty: nothing is shown.
+    virtual QString subHint() const { return {}; }
     virtual std::vector<AcGePoint3d> subGetGripPoints() const;
     virtual Acad::ErrorStatus subMoveGripPointsAt(std::span<const int> grips, const AcGeVector3d &offset);
 
 protected:
     /// A new entity of a custom kind: subclass marker AcDbEntity, layer "0".
     explicit AcDbEntity(const QByteArray &dxfName);
+
+private:
+    /// Where the property stands already, else in the part that all entities have.
+    void setCommonGroup(int code, resbuf::Value value);
 };
+
+/// The groups that state what all entities have (layer, colour, linetype, visibility ...): those before the subclass of
+/// the entity's own kind. When no layer stands there that subclass counts too: some writers put everything into it.
+std::span<const resbuf> acdbCommonGroups(const ResbufList &groups);
 
 /// A native entity in no drawing: layer "0" and the groups of its own subclasses, markers included.
 std::unique_ptr<AcDbEntity> acdbNewEntity(const QByteArray &dxfName, ResbufList ownGroups);

@@ -57,7 +57,12 @@ void AcDbUndo::beginGroup(const QString &label)
     // What changed between commands is a step of its own.
     if (m_current)
         closeCurrent();
-    m_current.emplace().label = label;
+    m_current = newGroup(label);
+}
+
+AcDbUndo::Group AcDbUndo::newGroup(const QString &label) const
+{
+    return {.label = label, .objects = {}, .header = {}, .state = m_database.m_editState};
 }
 
 void AcDbUndo::endGroup()
@@ -71,7 +76,7 @@ bool AcDbUndo::attempt(const std::function<bool()> &work)
 {
     QUILL_ASSERT(m_depth > 0);
     forgetRecorded();
-    Group before = std::exchange(*m_current, Group{m_current->label, {}, {}});
+    Group before = std::exchange(*m_current, newGroup(m_current->label));
     const bool isDone = work();
     forgetRecorded();
     if (!isDone)
@@ -125,7 +130,7 @@ AcDbUndo::Group *AcDbUndo::openGroup()
     if (!m_recording)
         return nullptr;
     if (!m_current)
-        m_current.emplace();
+        m_current = newGroup({});
     return &*m_current;
 }
 
@@ -256,6 +261,7 @@ void AcDbUndo::swap(Group &group)
         for (AcDbDatabaseReactor *reactor : std::vector(m_database.m_reactors))
             reactor->headerSysVarChanged(&m_database, change.name.constData());
     }
+    std::swap(group.state, m_database.m_editState);
     m_recording = wasRecording;
 }
 

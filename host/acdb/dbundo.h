@@ -62,6 +62,7 @@ private:
         QString label;
         std::vector<ObjectChange> objects;
         std::vector<HeaderChange> header;
+        std::uint64_t state = 0; ///< AcDbDatabase::editState() on the other side of the step.
         bool isEmpty() const { return objects.empty() && header.empty(); }
         bool has(const QByteArray &name) const; ///< Of a header variable.
     };
@@ -70,6 +71,7 @@ private:
     void recordObject(AcDbStub &stub);
     void recordAppended(AcDbStub &stub);
     void recordHeader(const QByteArray &name);
+    Group newGroup(const QString &label) const;
     Group *openGroup();
     void forgetRecorded();
     void closeCurrent();

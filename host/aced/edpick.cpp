@@ -12,7 +12,7 @@
 AcDbObjectId acedPickAt(const AcApDocument &document, const AcGePoint3d &world, const AcEdFilter &filter)
 {
     AcDbDatabase &database = *document.database();
-    const double aperture = acedIntVar(QStringLiteral("PICKBOX"), 3) * document.view().pixelSize();
+    const double aperture = acedIntVar(QStringLiteral("PICKBOX"), 3) * document.view().countedPixelSize();
     const std::vector<AcDbObjectId> hits =
         acgiSpatialIndex(database).atPoint(database.currentSpaceId(), world, aperture);
     const auto top = std::find_if(hits.rbegin(), hits.rend(), [&](auto id) { return filter.passes(id); });

@@ -12,6 +12,7 @@ AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
 {
     AcGiPaintOptions options;
     options.background = QColor::fromRgb(QRgb(acedIntVar(QStringLiteral("BACKGROUNDCOLOR"), 0)));
+    options.pixelsPerMillimetre *= document.view().pixelRatio;
     options.lineWeights = document.database()->headerInteger("$LWDISPLAY", 0) != 0;
     return options;
 }

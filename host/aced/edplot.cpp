@@ -125,6 +125,14 @@ static base::Result<Placed, QString> place(const AcApDocument &document, const A
     return placed;
 }
 
+base::Result<void, QString> acedCheckPlot(const AcApDocument &document, const AcEdPlot &plot)
+{
+    const auto placed = place(document, plot);
+    if (!placed)
+        return base::Failure{placed.error()};
+    return {};
+}
+
 static void addReport(AcGiPaintReport &sum, const AcGiPaintReport &page)
 {
     sum.painted += page.painted;

@@ -60,6 +60,9 @@ AcEdPlot acedLayoutPlot(const AcDbDatabase &database, AcDbObjectId space);
 /// The same on another paper, turned as the plot is now.
 void acedUsePaper(AcEdPlot &plot, const AcEdPaper &paper);
 
+/// Why the page cannot be plotted, for example because the layout is empty.
+base::Result<void, QString> acedCheckPlot(const AcApDocument &document, const AcEdPlot &plot);
+
 /// Writes the pages in their order; an existing file is replaced once they are all done. CMDNAMES tells PLOT
 /// meanwhile. The front end hears of the progress and may stop it; then the file stays as it was. The error
 /// says what is wrong with a page, or why the file cannot be written.

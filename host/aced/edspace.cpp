@@ -2,7 +2,6 @@
 
 #include "host/acap/docview.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acdb/dbundo.h"
 #include "host/aced/edview.h"
 
 #include <algorithm>
@@ -38,19 +37,6 @@ int acedCurrentViewport(const AcApDocument &document)
     if (document.enteredViewport().number != 0)
         return document.enteredViewport().number;
     return acedIsModelSpaceCurrent(document) ? 2 : 1;
-}
-
-/// Which space is shown is the user's affair, not an edit to be undone. A drawing that does not say which one
-/// it was saved in stays so.
-static void setTileMode(AcDbDatabase &database, bool model)
-{
-    if (!database.headerVariable("$TILEMODE"))
-        return;
-    AcDbUndo &undo = database.undo();
-    const bool recording = undo.isRecording();
-    undo.setRecording(false);
-    database.setHeaderVariable("$TILEMODE", {{70, std::int64_t(model ? 1 : 0)}});
-    undo.setRecording(recording);
 }
 
 static void enterSpace(AcApDocument &document, AcDbObjectId space)
@@ -170,7 +156,7 @@ Acad::ErrorStatus acedMakeSpaceCurrent(AcApDocument &document, AcDbObjectId bloc
     if (previous == blockRecord)
         return Acad::eOk;
     document.otherSpaces()[previous] = {document.view(), document.ucs()};
-    setTileMode(database, blockRecord == database.modelSpaceId());
+    acapKeepLayout(database, blockRecord);
     database.setCurrentSpace(blockRecord);
     document.pickSet().clear();
     enterSpace(document, blockRecord);

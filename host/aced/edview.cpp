@@ -26,6 +26,7 @@ AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace)
     viewport.twist = view.twist;
     viewport.pixelWidth = view.pixelWidth;
     viewport.pixelHeight = view.pixelHeight;
+    viewport.pixelRatio = view.pixelRatio;
     viewport.paperSpace = paperSpace;
     return viewport;
 }

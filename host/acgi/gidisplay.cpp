@@ -21,7 +21,7 @@ public:
     explicit Impl(AcDbDatabase &database)
         : cache(
               database, [&database] { displays().erase(&database); }, [this] { stop(); }),
-          m_drawing(database)
+          m_database(database), m_drawing(database)
     {
     }
     ~Impl() { stop(); }
@@ -48,9 +48,10 @@ private:
     };
 
     void refreshTables();
-    AcGiPictureSources sources() { return {cache, m_drawing, pictures, m_masks}; }
+    AcGiPictureSources sources() { return {m_database, cache, m_drawing, pictures, m_masks}; }
     void deliver(unsigned painting);
 
+    const AcDbDatabase &m_database;
     AcGiDrawingTables m_drawing;
     AcGiGlyphMaskPool m_masks;
     std::optional<Shown> m_painted; ///< Last.

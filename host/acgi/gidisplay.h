@@ -32,7 +32,6 @@ struct AcGiPaintOptions {
     QColor highlight;
     /// Only this part of the view is painted, pixels; all of it when empty.
     QRect part;
-    QString imageFolder; ///< Where images are looked for beside the place that the drawing names: its folder.
     /// Asked now and then; true ends the painting early.
     std::function<bool()> isCancelled;
 };

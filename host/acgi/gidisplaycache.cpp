@@ -29,7 +29,8 @@ void AcGiDisplayCache::goodbye(const AcDbDatabase *)
 static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)
 {
     return a.height == b.height && a.twist == b.twist && a.direction == b.direction &&
-           a.pixelWidth == b.pixelWidth && a.pixelHeight == b.pixelHeight && a.paperSpace == b.paperSpace;
+           a.pixelWidth == b.pixelWidth && a.pixelHeight == b.pixelHeight && a.pixelRatio == b.pixelRatio &&
+           a.paperSpace == b.paperSpace;
 }
 
 // Changes ----------------------------------------------------------------------------------------

@@ -358,16 +358,12 @@ static void takeLinetype(AcGiTraits &traits, const QString &name, AcGiBlockLists
         traits.linetype = records.linetype(name);
 }
 
-/// What the entity states of itself, in the part that all entities have.
+/// What the entity states of itself.
 static AcGiTraits statedTraits(const AcDbEntity &entity, AcGiBlockLists &records)
 {
     AcGiTraits traits;
     bool hasTrueColor = false;
-    for (const resbuf &group : entity.groups()) {
-        if (group.restype == 1001 || group.restype == 101)
-            break;
-        if (group.restype == 100 && group.text() != u"AcDbEntity")
-            break;
+    for (const resbuf &group : acdbCommonGroups(entity.groups())) {
         switch (group.restype) {
         case 6:
             takeLinetype(traits, group.text(), records);

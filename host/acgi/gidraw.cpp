@@ -49,7 +49,6 @@ constexpr KindRow kKinds[] = {
     {"POINT", acgi::drawPoint},
     {"POLYLINE", acgi::drawPolyline},
     {"RAY", acgi::drawRay},
-    {"SECTIONOBJECT", acgi::drawNothing},
     {"SEQEND", acgi::drawNothing},
     {"SHAPE", acgi::drawShape},
     {"SOLID", acgi::drawSolid},

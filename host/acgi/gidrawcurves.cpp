@@ -15,6 +15,17 @@ void drawLine(const AcDbEntity &entity, AcGiGeometry &sink)
     drawExtruded(groups, ends, sink, [&] { sink.polyline(2, ends); });
 }
 
+/// The definition points of a dimension stand in the anonymous block that is its picture. They are dots whatever the
+/// symbol of the drawing's points is.
+static bool isDefinitionPoint(const AcDbEntity &entity)
+{
+    bool isOne = false;
+    readObject(entity.blockId(), [&](const AcDbObject &record) {
+        isOne = EntityGroups(record).text(2).startsWith(QLatin1String("*D"), Qt::CaseInsensitive);
+    });
+    return isOne;
+}
+
 void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     static const QByteArray kMode = QByteArrayLiteral("$PDMODE");
@@ -22,8 +33,9 @@ void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink)
     const EntityGroups groups(entity);
     const AcDbDatabase *const database = entity.database();
     const AcGePoint3d position = groups.point(10);
+    const int mode = database ? int(database->headerInteger(kMode)) : 0;
     drawExtruded(groups, std::span(&position, 1), sink, [&] {
-        sink.marker(position, database ? int(database->headerInteger(kMode)) : 0,
+        sink.marker(position, mode != 0 && isDefinitionPoint(entity) ? 0 : mode,
                     database ? database->headerReal(kSize) : 0.0, radians(groups.real(50)));
     });
 }

@@ -60,14 +60,19 @@ static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool 
 template <class Draw>
 static void inPlane(const EntityGroups &groups, AcGiGeometry &sink, Draw draw)
 {
-    const std::vector<AcGiLoop> loops = loopsForStyle(readHatchLoops(groups), hatchStyle(groups));
+    HatchLoops read = readHatchLoops(groups);
+    const std::vector<AcGiLoop> loops = loopsForStyle(std::move(read.bounds), hatchStyle(groups));
     if (loops.empty())
         return;
     const AcGeVector3d normal = groups.normal();
     std::optional<AcGiModelTransform> plane;
     if (!isZAxis(normal))
         plane.emplace(sink, AcGeMatrix3d::planeToWorld(normal));
+    if (!read.textBoxes.empty())
+        sink.pushClip(read.textBoxes, true);
     draw(loops);
+    if (!read.textBoxes.empty())
+        sink.popClip();
 }
 
 void drawHatch(const AcDbEntity &entity, AcGiGeometry &sink)

@@ -231,10 +231,39 @@ std::optional<AcGiMText> embeddedMText(const AcDbEntity &entity)
     return text;
 }
 
+/// Files of 2000 to 2013 keep the columns in extended data, and the texts of the second and later ones in entities of
+/// their own. What stands here is the first column; only its width is not that of the whole.
+static void readExtendedColumns(const AcDbEntity &entity, AcGiMText &text)
+{
+    constexpr std::int64_t kType = 75;
+    constexpr std::int64_t kWidth = 48;
+    bool inside = false;
+    std::int64_t key = 0; // Each value stands behind the code that it has in newer files.
+    std::int64_t type = 0;
+    double width = 0.0;
+    for (const resbuf &group : entity.xData(QStringLiteral("ACAD"))) {
+        if (group.restype == 1000) {
+            inside = group.text() == u"ACAD_MTEXT_COLUMN_INFO_BEGIN";
+            key = 0;
+        } else if (inside && key == 0 && group.restype == 1070) {
+            key = group.integer();
+        } else if (inside) {
+            if (key == kType)
+                type = group.integer();
+            else if (key == kWidth && group.restype == 1040)
+                width = group.real();
+            key = 0;
+        }
+    }
+    if ((type == Columns::fixed || type == Columns::dynamic) && width > 0.0)
+        text.wrapWidth = width;
+}
+
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity, u"AcDbMText");
     AcGiMText text = MTextGroups(GroupSpan(groups.begin(), groups.end()), entity.database()).text();
+    readExtendedColumns(entity, text);
     readEmbeddedColumns(embeddedGroups(entity), text);
     acgiDrawMText(text, sink);
 }

@@ -150,6 +150,8 @@ private:
         text.along = from.along.isZeroLength() ? AcGeVector3d::kXAxis : from.along.normal();
         text.normal = planeNormal();
         text.attachment = int(std::clamp<std::int64_t>(from.alignment, 1, 3));
+        constexpr std::int64_t kTopToBottom = 3;
+        text.vertical = from.direction == kTopToBottom;
         text.wrapWidth = from.width * m_leader.scale;
         text.spacingFactor = from.spacing > 0.0 ? from.spacing : 1.0;
         text.exactSpacing = from.spacingStyle == 2;

@@ -14,6 +14,8 @@ namespace
 
 enum Edge : std::int64_t { kNoEdge = 0, kLineEdge = 1, kCircleEdge = 2, kEllipseEdge = 3, kSplineEdge = 4 };
 
+enum PathFlag : std::int64_t { kPolylinePath = 2, kTextBoxPath = 8 };
+
 constexpr int kPerTurn = 128;
 
 /// Elliptic edges file the directions of their ends from the major axis, not the parameters. Whole turns
@@ -25,6 +27,83 @@ double ellipseParameter(double direction, double ratio)
     const double parameter = std::atan2(std::sin(direction) / std::abs(ratio), std::cos(direction));
     constexpr double kTurn = 2.0 * kGePi;
     return parameter + kTurn * std::round((direction - parameter) / kTurn);
+}
+
+/// The edges of a path, end to end. Where the next one does not begin at the end of the chain, the edge that does so is
+/// taken, either way round; what fits nowhere follows as it is filed.
+class EdgeChain
+{
+public:
+    explicit EdgeChain(std::vector<AcGiLoop> edges) : m_edges(std::move(edges))
+    {
+        AcDbExtents box;
+        for (const AcGiLoop &edge : m_edges) {
+            for (const AcGePoint3d &point : edge)
+                box.addPoint(point);
+        }
+        constexpr double kGap = 1e-5; // Of the size of the area: what rounding leaves open.
+        m_tolerance = box.isValid() ? (box.maxPoint() - box.minPoint()).length() * kGap : 0.0;
+    }
+
+    AcGiLoop join()
+    {
+        if (m_edges.empty())
+            return {};
+        takeFirst();
+        while (m_next < m_edges.size()) {
+            if (m_budget > 0 && !fits(m_edges[m_next].front()))
+                bringFitting();
+            append(m_edges[m_next++]);
+        }
+        return std::move(m_chain);
+    }
+
+private:
+    bool fits(const AcGePoint3d &point) const { return m_chain.back().isEqualTo(point, m_tolerance); }
+
+    /// The way round in which something goes on from its end.
+    void takeFirst()
+    {
+        append(m_edges[m_next++]);
+        if (m_edges.size() < 2 || goesOn())
+            return;
+        std::ranges::reverse(m_chain);
+        if (!goesOn())
+            std::ranges::reverse(m_chain);
+    }
+    bool goesOn()
+    {
+        return std::any_of(m_edges.begin() + std::ptrdiff_t(m_next), m_edges.end(), [this](const AcGiLoop &edge) {
+            return fits(edge.front()) || fits(edge.back());
+        });
+    }
+
+    /// Puts the edge that goes on from the end of the chain next.
+    void bringFitting()
+    {
+        for (std::size_t i = m_next; i < m_edges.size(); ++i, --m_budget) {
+            const bool isReversed = !fits(m_edges[i].front());
+            if (isReversed && !fits(m_edges[i].back()))
+                continue;
+            if (isReversed)
+                std::ranges::reverse(m_edges[i]);
+            std::swap(m_edges[i], m_edges[m_next]);
+            return;
+        }
+    }
+
+    void append(const AcGiLoop &edge) { m_chain.insert(m_chain.end(), edge.begin(), edge.end()); }
+
+    std::vector<AcGiLoop> m_edges;
+    std::size_t m_next = 0;
+    AcGiLoop m_chain;
+    double m_tolerance = 0.0;
+    std::int64_t m_budget = 10'000'000; ///< Comparisons; damaged files may have a million edges that fit nowhere.
+};
+
+AcGiLoop joinEdges(std::vector<AcGiLoop> edges)
+{
+    return EdgeChain(std::move(edges)).join();
 }
 
 /// Collects the boundary paths group by group; the meaning of a code depends on what came before.
@@ -40,12 +119,14 @@ public:
             visit(group);
         }
         endPath();
-        for (AcGiLoop &loop : m_loops) {
-            for (AcGePoint3d &point : loop)
-                point.z = elevation;
+        for (std::vector<AcGiLoop> *loops : {&m_loops.bounds, &m_loops.textBoxes}) {
+            for (AcGiLoop &loop : *loops) {
+                for (AcGePoint3d &point : loop)
+                    point.z = elevation;
+            }
         }
     }
-    std::vector<AcGiLoop> &loops() { return m_loops; }
+    HatchLoops &loops() { return m_loops; }
 
 private:
     void visit(const resbuf &group)
@@ -56,7 +137,8 @@ private:
             return;
         } else if (group.restype == 92) {
             endPath();
-            m_isPolyline = group.integer() & 2;
+            m_isPolyline = group.integer() & kPolylinePath;
+            m_isTextBox = group.integer() & kTextBoxPath;
         } else if (group.restype == 97 && m_edge != kSplineEdge) {
             endPath(); // The objects that the path came from follow.
         } else if (m_isPolyline) {
@@ -127,20 +209,22 @@ private:
         const std::vector<AcGePoint3d> fit = std::exchange(m_fit, {});
         const auto startTangent = std::exchange(m_startTangent, std::nullopt);
         const auto endTangent = std::exchange(m_endTangent, std::nullopt);
-        if (edge == kSplineEdge && curve.controlPoints.empty())
+        m_path.clear();
+        if (edge == kSplineEdge && curve.controlPoints.empty()) {
             appendFitted(AcGeFitSpline3d(fit, startTangent, endTangent));
-        if (edge == kNoEdge || curve.controlPoints.empty())
+        } else if (edge == kNoEdge || curve.controlPoints.empty()) {
             return;
-        if (edge == kLineEdge) {
-            m_path.push_back(curve.controlPoints.front());
-            m_path.push_back(m_second);
+        } else if (edge == kLineEdge) {
+            m_path = {curve.controlPoints.front(), m_second};
         } else if (edge == kSplineEdge) {
-            const std::vector<AcGePoint3d> samples = curve.samples();
-            const auto &points = samples.empty() ? curve.controlPoints : samples;
-            m_path.insert(m_path.end(), points.begin(), points.end());
+            m_path = curve.samples();
+            if (m_path.empty())
+                m_path = curve.controlPoints;
         } else {
             appendArc(curve.controlPoints.front(), edge == kCircleEdge);
         }
+        if (!m_path.empty())
+            m_edges.push_back(std::move(m_path));
     }
 
     void appendFitted(const AcGeFitSpline3d &spline)
@@ -172,6 +256,7 @@ private:
     void endPath()
     {
         endEdge();
+        m_path = joinEdges(std::exchange(m_edges, {}));
         for (std::size_t i = 0; i < m_polyline.size(); ++i) {
             const AcGiVertex &from = m_polyline[i];
             const AcGePoint3d &to = m_polyline[(i + 1) % m_polyline.size()].point;
@@ -183,11 +268,13 @@ private:
         m_polyline.clear();
         m_isPolyline = false;
         if (!m_path.empty())
-            m_loops.push_back(std::exchange(m_path, {}));
+            (m_isTextBox ? m_loops.textBoxes : m_loops.bounds).push_back(std::exchange(m_path, {}));
+        m_isTextBox = false;
     }
 
     bool m_inPaths = false;
     bool m_isPolyline = false;
+    bool m_isTextBox = false;
     std::vector<AcGiVertex> m_polyline;
     Edge m_edge = kNoEdge;
     NurbsCurve m_curve; ///< Its first control point is the start or centre of the other edges.
@@ -200,7 +287,8 @@ private:
     double m_end = 0.0;
     bool m_counterClockwise = true;
     AcGiLoop m_path;
-    std::vector<AcGiLoop> m_loops;
+    std::vector<AcGiLoop> m_edges; ///< Of the path that is being read.
+    HatchLoops m_loops;
 };
 
 } // namespace
@@ -211,14 +299,16 @@ HatchStyle hatchStyle(const EntityGroups &groups)
     return style == 1 ? HatchStyle::outer : style == 2 ? HatchStyle::ignore : HatchStyle::normal;
 }
 
-std::vector<AcGiLoop> readHatchLoops(const EntityGroups &groups)
+HatchLoops readHatchLoops(const EntityGroups &groups)
 {
-    std::vector<AcGiLoop> loops = std::move(BoundaryReader(groups).loops());
-    std::erase_if(loops, [](const AcGiLoop &loop) {
+    HatchLoops loops = std::move(BoundaryReader(groups).loops());
+    const auto isDamaged = [](const AcGiLoop &loop) {
         return !std::ranges::all_of(loop, [](const AcGePoint3d &p) {
             return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
         });
-    });
+    };
+    std::erase_if(loops.bounds, isDamaged);
+    std::erase_if(loops.textBoxes, isDamaged);
     return loops;
 }
 

@@ -15,9 +15,14 @@ enum class HatchStyle : std::uint8_t {
 
 HatchStyle hatchStyle(const EntityGroups &groups);
 
-/// The loops that bound the area by the even-odd rule, curves as chords, z the elevation. Loops with
+struct HatchLoops {
+    std::vector<AcGiLoop> bounds;    ///< Of the area, by the even-odd rule.
+    std::vector<AcGiLoop> textBoxes; ///< Around texts, which are spared wherever they lie.
+};
+
+/// Curves as chords, z the elevation. The edges of a path may stand in any order and run either way. Loops with
 /// coordinates that are not finite are left out.
-std::vector<AcGiLoop> readHatchLoops(const EntityGroups &groups);
+HatchLoops readHatchLoops(const EntityGroups &groups);
 
 /// What is left of the loops when areas inside areas are not looked at as the style says.
 std::vector<AcGiLoop> loopsForStyle(std::vector<AcGiLoop> loops, HatchStyle style);

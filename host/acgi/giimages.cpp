@@ -11,24 +11,35 @@ static constexpr qint64 kMostPixels = 40'000'000;
 /// Many formats are read whole before they are made smaller: a large scan in colour. Qt would stop at 128.
 static constexpr int kMostMegabytes = 512;
 
+static QString fileOf(const QString &named, const QString &shownName, const QString &folder)
+{
+    QStringList candidates;
+    if (QDir::isAbsolutePath(named))
+        candidates << named;
+    // A relative folder would be one of where the program was started.
+    if (QDir::isAbsolutePath(folder))
+        candidates << QDir(folder).filePath(named) << QDir(folder).filePath(shownName);
+    for (const QString &candidate : candidates) {
+        if (const QFileInfo file(candidate); file.isFile())
+            return file.absoluteFilePath();
+    }
+    return {};
+}
+
 void AcGiImages::find(const QString &path, const QString &folder)
 {
     const std::lock_guard guard(m_lock);
     const auto [place, isNew] = m_entries.try_emplace(path);
-    if (!isNew)
+    Entry &entry = place->second;
+    if (!isNew && (!entry.file.isEmpty() || entry.lookedIn == folder))
         return;
     // Drawings name files as the system they come from does.
     const QString plain = QString(path).replace(u'\\', u'/');
-    Entry &entry = place->second;
     entry.shownName = plain.section(u'/', -1);
-    const QDir beside(folder);
-    for (const QString &candidate : {plain, beside.filePath(plain), beside.filePath(entry.shownName)}) {
-        const QFileInfo file(candidate);
-        if (!candidate.isEmpty() && file.isFile()) {
-            entry.file = file.absoluteFilePath();
-            return;
-        }
-    }
+    entry.lookedIn = folder;
+    entry.file = fileOf(plain, entry.shownName, folder);
+    if (!entry.file.isEmpty() || !isNew)
+        return;
     acgiDefaultFont().layOut(entry.shownName, entry.name);
     entry.nameWidth = acgiDefaultFont().width(entry.shownName);
 }

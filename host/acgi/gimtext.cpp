@@ -3,6 +3,7 @@
 #include "host/acgi/gimtextlayout.h"
 #include "host/acgi/gitextlayout.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace acgi
@@ -68,7 +69,8 @@ private:
 
 void MTextDrawer::drawMask()
 {
-    if (!(m_text.maskFactor > 0.0) && !m_text.hasFrame)
+    const bool isEmpty = std::ranges::all_of(m_layout.lines, [](const MTextLine &l) { return l.pieces.empty(); });
+    if (isEmpty || (!(m_text.maskFactor > 0.0) && !m_text.hasFrame))
         return;
     const double margin = std::max(m_text.maskFactor - 1.0, 0.0) * m_text.height;
     const AcGiMTextBox &box = m_layout.frame;

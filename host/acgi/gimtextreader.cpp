@@ -37,7 +37,7 @@ private:
     void changeColor(QChar code, const QString &value);
     void changeParagraph(const QString &description);
     void stack(const QString &description);
-    QString parameter();
+    QString parameter(QStringView alphabet = {});
 
     void put(QStringView characters)
     {
@@ -190,14 +190,17 @@ void MTextReader::escape()
 
 void MTextReader::changeFormat(QChar code)
 {
-    static constexpr QStringView kWithParameter = u"ACcFfHQTW";
+    static constexpr QStringView kWithName = u"Ff";
+    static constexpr QStringView kWithNumber = u"ACcHQTW";
     static constexpr QStringView kSwitches = u"LlOoKk";
-    if (!kWithParameter.contains(code) && !kSwitches.contains(code)) {
+    if (!kWithName.contains(code) && !kWithNumber.contains(code) && !kSwitches.contains(code)) {
         put(code); // No code: the character itself.
         return;
     }
     flush();
-    const QString value = kWithParameter.contains(code) ? parameter() : QString();
+    const QString value = kWithName.contains(code)     ? parameter()
+                          : kWithNumber.contains(code) ? parameter(u"+-.0123456789eExX ")
+                                                       : QString();
     switch (code.unicode()) {
     case u'A':
         m_format.alignment = std::clamp(value.toInt(), 0, 2);
@@ -385,15 +388,20 @@ void MTextReader::stack(const QString &description)
     item.divider = divider;
 }
 
-/// What stands before the next semicolon that has no backslash in front of it.
-QString MTextReader::parameter()
+/// What stands before the next semicolon that has no backslash in front of it. Without one it ends at the next brace,
+/// and a number where its digits end, so that the text behind it is not swallowed.
+QString MTextReader::parameter(QStringView alphabet)
 {
     qsizetype end = m_at;
-    while (end < m_text.size() && m_text[end] != u';')
+    qsizetype letters = -1; // Where the first character stands that the alphabet lacks.
+    while (end < m_text.size() && m_text[end] != u';' && m_text[end] != u'{' && m_text[end] != u'}') {
+        if (letters < 0 && !alphabet.isEmpty() && !alphabet.contains(m_text[end]))
+            letters = end;
         end += m_text[end] == u'\\' ? 2 : 1;
-    end = std::min(end, m_text.size());
+    }
+    end = letters >= 0 ? letters : std::min(end, m_text.size());
     const QString value = m_text.mid(m_at, end - m_at);
-    m_at = std::min(end + 1, m_text.size());
+    m_at = end < m_text.size() && m_text[end] == u';' ? end + 1 : end;
     return value;
 }
 

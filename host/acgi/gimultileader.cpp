@@ -86,6 +86,9 @@ void Multileader::readText(const resbuf &group)
     case 171:
         text.alignment = group.integer();
         break;
+    case 172:
+        text.direction = group.integer();
+        break;
     case 90:
         text.color = group.integer();
         break;

@@ -46,6 +46,7 @@ struct MultileaderText {
     double spacing = 1.0;
     std::int64_t spacingStyle = 1;
     std::int64_t alignment = 1; ///< 1 left, 2 centre, 3 right.
+    std::int64_t direction = 1; ///< Of the flow: 3 is from top to bottom.
     std::int64_t color = 0;
     bool masked = false;
     bool maskIsWindow = false;

@@ -371,8 +371,17 @@ void AcGiListPainter::image(AcGiListReader &reader, bool shown)
         m_canvas.popClip();
 }
 
+/// Around what shows of it.
 void AcGiListPainter::imageFrame(const AcGiImage &image)
 {
+    if (!image.clip.empty()) {
+        QPolygonF edge;
+        for (const AcGePoint3d &point : image.clip)
+            edge.push_back(pixel(point));
+        edge.push_back(edge.front());
+        m_canvas.chain(edge);
+        return;
+    }
     const QPointF origin = pixel(image.origin);
     const QPointF u = pixel(image.u);
     const QPointF v = pixel(image.v);

@@ -110,7 +110,7 @@ void AcGiPicture::takeLists(std::vector<const AcGiDisplayList *> lists, const Ac
 void AcGiPicture::findImages(const AcGiListTables &tables)
 {
     for (const AcGiImage &shown : tables.images())
-        m_sources.images.find(shown.path, m_options.imageFolder);
+        m_sources.images.find(shown.path, m_sources.database.folder());
 }
 
 const AcGiDisplayList *AcGiPicture::block(const AcDbStub *record, int slot) const

@@ -21,6 +21,7 @@ private:
 
 /// What pictures are made from; outlives them.
 struct AcGiPictureSources {
+    const AcDbDatabase &database;
     AcGiDisplayCache &cache;
     const AcGiDrawingTables &tables;
     AcGiImages &images;

@@ -15,11 +15,15 @@ public:
     AcGeVector3d direction = AcGeVector3d::kZAxis; ///< From the drawing to the viewer.
     double pixelWidth = 1.0;
     double pixelHeight = 1.0;
+    /// Pixels for one that sizes on the screen are counted in: fine screens have 1.25 to 3.
+    double pixelRatio = 1.0;
     bool paperSpace = false; ///< Of a paper-space layout.
 
     double width() const { return height * pixelWidth / pixelHeight; }
     /// World units.
     double pixelSize() const { return height / pixelHeight; }
+    /// World units of a pixel as sizes on the screen are counted: flags, apertures.
+    double countedPixelSize() const { return pixelSize() * pixelRatio; }
     bool isPlan() const { return direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0; }
 
     AcGeMatrix3d getWorldToEyeTransform() const;

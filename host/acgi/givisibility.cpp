@@ -2,10 +2,13 @@
 
 #include "host/acdb/dbsymtb.h"
 
+#include <algorithm>
+
 bool acgiIsSwitchedOff(const AcDbEntity &entity)
 {
-    const resbuf *const invisible = findGroup(entity.groups(), 60);
-    return invisible && invisible->integer() != 0;
+    return std::ranges::any_of(acdbCommonGroups(entity.groups()), [](const resbuf &group) {
+        return group.restype == 60 && group.integer() != 0;
+    });
 }
 
 static bool layerShows(AcDbObjectId layer)

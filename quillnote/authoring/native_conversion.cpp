@@ -112,8 +112,8 @@ MarkLayout Converter::layOut(const QuillnoteObj3 &mark) const
     view.viewport.paperSpace = space && space->isPaperSpace();
     space.close();
     const double diagonal = targetCorners(mark).diagonal();
-    if (diagonal > kGeTolerance && diagonal < kUnitPixels * view.viewport.pixelSize())
-        view.viewport.height *= diagonal / kUnits / (kUnitPixels * view.viewport.pixelSize());
+    if (diagonal > kGeTolerance && diagonal < kUnitPixels * view.viewport.countedPixelSize())
+        view.viewport.height *= diagonal / kUnits / (kUnitPixels * view.viewport.countedPixelSize());
     return layOutMark(mark, m_settings, view);
 }
 

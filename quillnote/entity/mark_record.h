@@ -116,6 +116,9 @@ public:
 
     // Entity ----------------------------------------------------------------------------------------
     Acad::ErrorStatus subClose() override;
+    bool subIsHidden() const override;
+    QStringList subTexts() const override; ///< Opinion and answer.
+    QString subHint() const override;      ///< Number, reviewer, opinion, status and answer.
     /// eInvalidInput when the mark is not erasable, or its password is neither unlocked nor given.
     Acad::ErrorStatus subErase(bool erasing) override;
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler *filer) override;

@@ -20,7 +20,7 @@ TEST_P(NativePicture, LooksAsItDid)
     ASSERT_FALSE(space.isNull());
     AcGiPaintOptions options;
     options.lineWeights = drawing.lineWeights;
-    options.imageFolder = tests::testDataPath(QStringLiteral("pictures/images"));
+    drawing.database->setFolder(tests::testDataPath(QStringLiteral("pictures/images")));
     const tests::Picture picture = tests::paintPicture(space, drawing.view, options);
     for (const auto &[what, count] : picture.report.undrawn)
         ADD_FAILURE() << "not drawn: " << qPrintable(what) << ", " << count;

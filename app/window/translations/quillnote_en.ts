@@ -2218,6 +2218,13 @@ Remove objects: </translation>
             <numerusform>%n selected</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%n 个标签已隐藏</source>
+        <translation>
+            <numerusform>%n mark hidden</numerusform>
+            <numerusform>%n marks hidden</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>window::WindowFrontEnd</name>

@@ -30,7 +30,7 @@ struct Grasp {
 /// All grips within a pick box of the place: corners that lie on each other move together.
 static Grasp graspAt(const AcEdSelectionSet &entities, const AcGePoint3d &place)
 {
-    const double reach = acedIntVar(QStringLiteral("PICKBOX"), 3) * curDoc()->view().pixelSize();
+    const double reach = acedIntVar(QStringLiteral("PICKBOX"), 3) * curDoc()->view().countedPixelSize();
     Grasp grasp;
     double nearest = std::numeric_limits<double>::infinity();
     for (const AcDbObjectId id : entities) {

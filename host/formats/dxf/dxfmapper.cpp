@@ -404,7 +404,7 @@ void Mapper<Scanner>::readTables()
         if (m_kind.role == Role::table)
             readTable();
         else
-            skipStray(Host::tr("outside of any table"));
+            addStrayRecord(Host::tr("outside of any table"));
     }
 }
 
@@ -440,19 +440,44 @@ void Mapper<Scanner>::addTableRecord(const Table &table)
     const std::uint64_t begin = here();
     const Kind kind = m_kind;
     if (table.kind && acdbKindName(kind.number) != table.name) {
-        skipStray(
+        addStrayRecord(
             Host::tr("in the table %1").arg(quoted({table.name.data(), std::size_t(table.name.size())})));
         return;
     }
-    const bool isBlock = table.kind == SymbolTable::block;
+    if (table.kind) {
+        addRecord(*table.kind);
+        return;
+    }
+    AcDbStub *const stub = addObject(kind, readHead(false), begin, 0);
+    if (table.stub)
+        m_loader.setOwner(stub, table.stub);
+}
+
+template <class Scanner>
+void Mapper<Scanner>::addRecord(SymbolTable table)
+{
+    const std::uint64_t begin = here();
+    const Kind kind = m_kind;
+    const bool isBlock = table == SymbolTable::block;
     const Head head = readHead(isBlock);
     AcDbStub *const stub = addObject(kind, head, begin, 0);
-    if (table.kind)
-        m_loader.addRecord(*table.kind, stub);
-    else if (table.stub)
-        m_loader.setOwner(stub, table.stub);
+    m_loader.addRecord(table, stub);
     if (isBlock)
         m_blocks.addRecord(stub, head.handle, head.name);
+}
+
+/// A record tells by its kind which table it belongs to. Without their block records the spaces would be empty.
+template <class Scanner>
+void Mapper<Scanner>::addStrayRecord(const QString &where)
+{
+    const QByteArray kind = acdbKindName(m_kind.number);
+    const auto table = tableByName({kind.data(), std::size_t(kind.size())});
+    if (!table) {
+        skipStray(where);
+        return;
+    }
+    m_log.add(here(), Host::tr("%1 stands %2, it is used all the same").arg(quoted(m_group.value), where));
+    addRecord(*table);
 }
 
 template <class Scanner>

@@ -57,6 +57,8 @@ private:
     void readTables();
     void readTable();
     void addTableRecord(const Table &table);
+    void addRecord(SymbolTable table);
+    void addStrayRecord(const QString &where);
     void readBlocks();
     void readBlock();
     void readEntities();

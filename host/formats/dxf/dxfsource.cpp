@@ -167,20 +167,60 @@ static resbuf::Value pointValue(Scanner &scanner, Group &group, double x, double
     return AcGePoint3d(x, y, real(next.value));
 }
 
+/// The group of this code among the coordinates from here on, before the next point of code `x`; false when there is none.
+template <class Scanner>
+static bool findCoordinate(Scanner ahead, int x, int code, Group &found)
+{
+    const auto isCoordinate = [](int c) {
+        return beginsPoint(c) || beginsPoint(c - 10) || beginsPoint(c - 20);
+    };
+    while (ahead.next(found) == dxf::Step::group && isCoordinate(found.code) && found.code != x) {
+        if (found.code == code)
+            return true;
+    }
+    return false;
+}
+
+/// For an x that no y follows at once. Some writers put the coordinates of several points in the order of their codes:
+/// 10, 11, 20, 21, 30, 31. In a run of coordinates y and z belong to the x before them whose code fits. `taken` gets the
+/// places of those that went into the point.
+template <class Scanner>
+static resbuf::Value scatteredValue(const Scanner &scanner, const Group &group, double x,
+                                    double (*real)(std::string_view), std::vector<const char *> &taken)
+{
+    Group y;
+    if (!findCoordinate(scanner, group.code, group.code + 10, y))
+        return x;
+    taken.push_back(y.begin);
+    Group z;
+    if (!findCoordinate(scanner, group.code, group.code + 20, z))
+        return AcGePoint2d(x, real(y.value));
+    taken.push_back(z.begin);
+    return AcGePoint3d(x, real(y.value), real(z.value));
+}
+
 template <class Scanner>
 ResbufList DxfSource::decodeWith(Scanner scanner, bool dimensionStyle, std::size_t expectedGroups) const
 {
     constexpr bool kBinary = std::is_same_v<Scanner, dxf::BinaryScanner>;
     ResbufList list;
     list.reserve(expectedGroups);
+    std::vector<const char *> taken; // Coordinates that went into a point before their place.
     Group group;
     while (scanner.next(group) == dxf::Step::group) {
+        if (!taken.empty() && std::erase(taken, group.begin) != 0)
+            continue;
         const GroupKind kind = dimensionStyle && group.code == 5 ? GroupKind::text : groupKind(group.code);
         resbuf &added = list.emplace_back();
         added.restype = group.code;
         if (kind == GroupKind::point) {
             constexpr auto kReal = kBinary ? binaryReal : realOf;
             added.resval = pointValue(scanner, group, kReal(group.value), kReal);
+            if (const double *const x = std::get_if<double>(&added.resval)) {
+                added.resval = scatteredValue(scanner, group, *x, kReal, taken);
+                if (!std::holds_alternative<double>(added.resval))
+                    continue; // The point has no bytes of its own that could be written back.
+            }
         } else {
             added.resval = kBinary ? binaryValue(group, kind) : value(group, kind);
         }

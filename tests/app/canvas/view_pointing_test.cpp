@@ -1,4 +1,5 @@
 // What a person does with the mouse in the drawing, and what comes of it.
+#include "app/canvas/view_grips.h"
 #include "tests/app/canvas/view_stage.h"
 
 #include "host/acdb/dbentity.h"
@@ -174,6 +175,30 @@ TEST_F(ViewPointing, DraggingAGripChangesTheEntityInOneStep)
     EXPECT_TRUE(stage.database().undo().undo());
     EXPECT_TRUE(stage.database().undo().undo());
     expectNear(stage.point(low, 11), 100, 0);
+}
+
+TEST_F(ViewPointing, GripsAreAsLargeOnFineScreens)
+{
+    stage.document().pickSet() = {low};
+    window::ViewGrips grips;
+    ASSERT_TRUE(grips.update(&stage.document()));
+    AcGiViewport view;
+    view.height = view.pixelWidth = view.pixelHeight = 400;
+    for (const double ratio : {1.0, 1.5, 2.0}) {
+        view.pixelRatio = ratio;
+        EXPECT_TRUE(grips.at({200 + 5 * ratio, 200}, view)) << ratio;
+        EXPECT_FALSE(grips.at({200 + 5 * ratio + 2, 200}, view)) << ratio;
+        QImage image(400, 400, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        grips.paint(painter, view, std::nullopt, std::nullopt);
+        painter.end();
+        int wide = 0;
+        for (int x = 0; x < 250; ++x)
+            wide += image.pixel(x, 200) != 0xFF000000u;
+        EXPECT_NEAR(wide, 10 * ratio, 1.5) << ratio;
+    }
+    stage.document().pickSet().clear();
 }
 
 TEST_F(ViewPointing, MovedEntitiesFollowTheCursor)

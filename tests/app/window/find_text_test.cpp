@@ -52,6 +52,33 @@ TEST_F(FindTest, LooksIntoTextsParagraphsAndAttributes)
     EXPECT_TRUE(window::findTexts(drawing->document(), {}).empty());
 }
 
+TEST(FindTexts, LooksIntoDimensionsLeadersAndAllLayouts)
+{
+    tests::MemoryDrawing content;
+    const auto picture = content.block("*D1");
+    content.entity("MTEXT", {{100, "AcDbMText"}, {40, 2.0}, {1, "\\A1;pump 1200"}}, picture);
+    const auto measured = content.entity("DIMENSION", {{2, "*D1"}, {1, ""}});
+    const auto typed = content.entity("DIMENSION", {{2, "*D9"}, {1, "pump axis"}});
+    const auto leader = content.entity("MULTILEADER", {{100, "AcDbMLeader"},
+                                                       {300, "CONTEXT_DATA{"},
+                                                       {290, 1},
+                                                       {304, "see pump"},
+                                                       {302, "LEADER{"},
+                                                       {304, "LEADER_LINE{"},
+                                                       {305, "}"},
+                                                       {303, "}"},
+                                                       {301, "}"}});
+    const auto title = content.entity("TEXT", {{40, 5.0}, {1, "Pump house"}}, content.paperSpace());
+    const tests::OpenDrawing drawing(content.open());
+    const auto found = window::findTexts(drawing.document(), QStringLiteral("pump"));
+    std::vector<AcDbObjectId> shown;
+    for (const window::FoundText &each : found)
+        shown.push_back(each.shown);
+    EXPECT_EQ(shown, (std::vector{drawing.id(measured), drawing.id(typed), drawing.id(leader), drawing.id(title)}));
+    EXPECT_EQ(found.back().space, drawing.database().paperSpaceId());
+    EXPECT_EQ(found.front().text, u"pump 1200");
+}
+
 TEST_F(FindTest, BarStepsRoundAndSelects)
 {
     tests::WindowSession session;

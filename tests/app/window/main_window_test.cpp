@@ -29,6 +29,8 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QToolButton>
 
@@ -161,6 +163,20 @@ TEST(RecentFiles, KeepTheLastTen)
     files = window::RecentFiles::list();
     EXPECT_EQ(files.size(), 9);
     EXPECT_EQ(files[1], u"/plans/10.dxf");
+}
+
+TEST(StartPage, IsNoHigherThanASmallScreen)
+{
+    for (int i = 0; i < 10; ++i)
+        window::RecentFiles::add(QStringLiteral("/plans/%1.dxf").arg(i));
+    window::StartPage page;
+    EXPECT_LT(page.minimumSizeHint().height(), 300);
+    page.resize(700, 300);
+    page.show();
+    const auto *const area = page.findChild<QScrollArea *>();
+    ASSERT_TRUE(area);
+    EXPECT_GT(area->verticalScrollBar()->maximum(), 0) << "what does not fit can be scrolled to";
+    EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0);
 }
 
 TEST(MainWindow, OpensWhatIsDroppedAndKeepsItsPlace)

@@ -1,6 +1,10 @@
 // The document manager: opening, saving, closing, locks, and the order in which others are told.
 #include "host/acap/docman.h"
 
+#include "host/acap/docview.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
+
 #include "host/acrx/rxmodule.h"
 #include "tests/support/files.h"
 #include "tests/support/memory_drawing.h"
@@ -162,6 +166,70 @@ TEST(DocumentManager, TheFormatIsToldByTheContent)
     }
     EXPECT_FALSE(manager.openDocument(folder.path("missing.dxf")));
     EXPECT_EQ(manager.documents().size(), 1u);
+}
+
+static const QByteArray kTwoSheets =
+    "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$TILEMODE\n70\n1\n9\n$HANDSEED\n5\n50\n0\nENDSEC\n"
+    "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nBLOCK_RECORD\n5\n1\n70\n3\n"
+    "0\nBLOCK_RECORD\n5\n20\n2\n*Model_Space\n0\nBLOCK_RECORD\n5\n23\n2\n*Paper_Space\n"
+    "0\nBLOCK_RECORD\n5\n24\n2\n*Paper_Space0\n0\nENDTAB\n0\nENDSEC\n"
+    "0\nSECTION\n2\nOBJECTS\n0\nDICTIONARY\n5\nC\n330\n0\n100\nAcDbDictionary\n281\n1\n0\nENDSEC\n0\nEOF\n";
+
+TEST(DocumentManager, TheShownLayoutIsKeptAndIsNoChange)
+{
+    const tests::TempDir folder;
+    AcApDocManager manager;
+    const auto first = manager.openDocument(folder.write("two.dxf", kTwoSheets));
+    ASSERT_TRUE(first) << qPrintable(first.error());
+    AcDbDatabase &database = *(*first)->database();
+    for (const std::uint64_t handle : {0x24, 0x23, 0x20, 0x24}) {
+        acapKeepLayout(database, database.getAcDbObjectId({handle}));
+        EXPECT_FALSE((*first)->isModified());
+        EXPECT_EQ(database.undo().position(), 0u);
+        const QString file = folder.path("copy%1.dxf").arg(handle);
+        ASSERT_TRUE(manager.saveDocument(*first, file, true));
+        AcApDocManager later;
+        const auto opened = later.openDocument(file);
+        ASSERT_TRUE(opened) << qPrintable(opened.error());
+        EXPECT_EQ((*opened)->database()->currentSpaceId().handle().value, handle);
+        EXPECT_FALSE((*opened)->isModified());
+        QFile::remove(file);
+    }
+}
+
+TEST(DocumentManager, ADrawingWhoseChangesWereAllUndoneIsAsItWasSaved)
+{
+    AcApDocManager manager;
+    AcApDocument *const document = manager.newDocument();
+    AcDbUndo &undo = document->database()->undo();
+    const tests::TempDir folder;
+    const auto step = [&](int value) {
+        const AcDbUndoGroup group(*document->database(), QStringLiteral("step"));
+        change(*document, value);
+    };
+    step(5);
+    step(6);
+    ASSERT_TRUE(manager.saveDocument(document, folder.path("plan.dxf")));
+    step(7);
+    EXPECT_TRUE(document->isModified());
+    undo.undo();
+    EXPECT_FALSE(document->isModified());
+    undo.undo();
+    EXPECT_TRUE(document->isModified()) << "the file has what was undone";
+    undo.redo();
+    EXPECT_FALSE(document->isModified());
+    undo.undo();
+    step(6);
+    EXPECT_TRUE(document->isModified()) << "the same again is another step";
+    {
+        const AcDbUndoGroup group(*document->database(), QStringLiteral("refused"));
+        const std::uint64_t state = document->database()->editState();
+        undo.attempt([&] {
+            change(*document, 8);
+            return false;
+        });
+        EXPECT_EQ(document->database()->editState(), state);
+    }
 }
 
 TEST(DocumentManager, SavingSettlesNameAndChanges)

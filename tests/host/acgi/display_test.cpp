@@ -78,6 +78,31 @@ TEST(Display, ResolvesLayerZeroAndByBlockThroughNestedReferences)
     EXPECT_EQ(picture.at(55, 15), kBlue) << "its own layer";
 }
 
+TEST(Display, FindsPropertiesBehindTheMarkerOfTheKind)
+{
+    MemoryDrawing drawing;
+    drawing.layer("GREEN", {.color = 3});
+    drawing.layer("FROZEN", {.flags = 1, .color = 5});
+    const Groups behind{{100, "AcDbEntity"}, {100, "AcDbTrace"}};
+    const auto solid = [&](double x, const Groups &properties) {
+        Groups groups = behind;
+        groups.insert(groups.end(), properties.begin(), properties.end());
+        return drawing.entity("SOLID", square(x, 10, groups));
+    };
+    const std::uint64_t green = solid(10, {{8, "GREEN"}});
+    solid(30, {{8, "GREEN"}, {62, 1}});
+    solid(50, {{8, "FROZEN"}, {62, 1}});
+    const auto database = drawing.open();
+    const Picture picture = paint(*database);
+    EXPECT_EQ(picture.at(15, 15), kGreen);
+    EXPECT_EQ(picture.at(35, 15), kRed);
+    EXPECT_EQ(picture.at(55, 15), kBlack);
+    AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({green}), AcDb::kForWrite);
+    EXPECT_EQ(entity->setLayer(QStringLiteral("FROZEN")), Acad::eOk);
+    EXPECT_EQ(entity->layer(), u"FROZEN");
+    EXPECT_EQ(std::ranges::count(entity->groups(), 8, &resbuf::restype), 1);
+}
+
 TEST(Display, HidesWhatLayersHideAndFollowsThemWithoutAnewList)
 {
     MemoryDrawing drawing;

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 
+using tests::Group;
 using tests::Groups;
 using tests::MemoryDrawing;
 
@@ -28,6 +29,7 @@ public:
     std::vector<Fill> fills;
     QStringList undrawn;
     int clips = 0;
+    int outside = 0; ///< Clips that keep what lies outside.
     bool dashedLines = false;
 
     bool isDisplay() const override { return true; }
@@ -46,7 +48,7 @@ public:
     }
     void text(const AcGiTextLine &) override {}
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override {}
-    void pushClip(std::span<const AcGiLoop>, bool) override { ++clips; }
+    void pushClip(std::span<const AcGiLoop>, bool inverted) override { ++clips, outside += inverted; }
     void popClip() override { --clips; }
     void noteUndrawn(const QString &reason) override { undrawn += reason; }
 };
@@ -248,6 +250,35 @@ TEST(HatchBoundary, EveryKindOfEdge)
             EXPECT_NEAR(area, row.area, 0.005 * row.area) << row.name;
         else
             EXPECT_GT(area, 4.0) << row.name;
+    }
+}
+
+TEST(HatchBoundary, EdgesMayStandInAnyOrderAndRunEitherWay)
+{
+    const auto line = [](double x, double y, double toX, double toY) {
+        return Groups{{72, 1}, {10, AcGePoint2d(x, y)}, {11, AcGePoint2d(toX, toY)}};
+    };
+    const Groups bottom = line(4, 0, 0, 0); // Backwards.
+    const Groups right = line(4, 0, 4, 3);
+    const Groups top = line(0, 3, 4, 3); // Backwards.
+    const Groups left = line(0, 3, 0, 0);
+    for (const Groups &edges : {bottom + right + top + left, bottom + top + right + left, top + bottom + left + right,
+                                right + left + bottom + top}) {
+        const Recorder recorder = draw(hatch(1, Groups{{92, 1}, {93, 4}} + edges + Groups{{97, 0}}, 0, {}));
+        ASSERT_EQ(recorder.fills.size(), 1u);
+        EXPECT_NEAR(areaOf(recorder.fills[0].loops.at(0)), 12.0, 1e-9);
+    }
+}
+
+TEST(HatchBoundary, TextBoxesAreSparedWhateverTheStyle)
+{
+    Groups textBox = square(4, 5);
+    textBox[0] = Group(92, 3 | 8);
+    for (const int style : {0, 1, 2}) {
+        Recorder recorder = draw(hatch(3, square(0, 10) + square(2, 8) + textBox, style, {}));
+        EXPECT_EQ(recorder.outside, 1) << style;
+        EXPECT_EQ(recorder.clips, 0) << style;
+        EXPECT_EQ(recorder.fills.at(0).loops.size(), style == 2 ? 1u : 2u) << style;
     }
 }
 

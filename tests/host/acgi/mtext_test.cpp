@@ -8,6 +8,9 @@
 
 #include <QStringList>
 
+#include <set>
+
+using tests::Group;
 using tests::Groups;
 using tests::MemoryDrawing;
 
@@ -91,7 +94,9 @@ TEST(MText, ShowsWhatTheCodesSay)
         {"open {\\H2; and \\fArial", {"open ", " and"}}, // Damaged: no end of the font name.
         {"}}\\U+4E2D\\M+5D6D0%%d", {QString(QChar(0x4E2D)) + QChar(0x4E2D) + QChar(0xB0)}},
         {"\\", {"\\"}},
-        {"\\C999;\\cx;\\Hx;\\W0;a", {"a"}},
+        {"\\C999;\\c;\\H.x;\\W0;a", {"a"}},
+        {"{\\C1word} then; more", {"word", " then; more"}}, // No end of the number: the text is not swallowed.
+        {"\\H2xtall; \\Q15slant; {\\fArial}a;", {"tall; ", "slant; ", "a;"}},
         {"", {}},
     };
     for (const auto &[coded, words] : rows)
@@ -317,6 +322,31 @@ TEST(TextEntities, MTextReadsItsGroups)
     EXPECT_NEAR(sink.texts[0].direction.y, 4.0, 1e-12);
     ASSERT_EQ(sink.fills.size(), 1u);
     EXPECT_EQ(sink.fills[0].second, AcCmEntityColor::fromIndex(4));
+}
+
+TEST(TextEntities, MTextOfOlderFilesHasTheWidthOfItsColumn)
+{
+    Groups groups{{100, "AcDbMText"}, {10, AcGePoint3d(0, 0, 0)}, {40, 1.0}, {41, 99.0}, {1, "aaaa bbbb"}};
+    const auto count = [&] {
+        std::set<double> lines;
+        for (const auto &text : drawnEntity("MTEXT", groups).texts)
+            lines.insert(text.position.y);
+        return lines.size();
+    };
+    EXPECT_EQ(count(), 1u);
+    for (const Group &group :
+         {Group(1001, "ACAD"), {1000, "ACAD_MTEXT_COLUMN_INFO_BEGIN"}, {1070, 75}, {1070, 1}, {1070, 79},
+          {1070, 0}, {1070, 76}, {1070, 2}, {1070, 78}, {1070, 0}, {1070, 48}, {1040, 4.0}, {1070, 49},
+          {1040, 1.0}, {1000, "ACAD_MTEXT_COLUMN_INFO_END"}})
+        groups.push_back(group);
+    EXPECT_EQ(count(), 2u);
+}
+
+TEST(TextEntities, AnEmptyMTextHasNoBackground)
+{
+    const RecordingSink sink = drawnEntity(
+        "MTEXT", {{100, "AcDbMText"}, {40, 2.0}, {41, 9.0}, {1, ""}, {90, 1}, {63, 4}, {45, 1.5}});
+    EXPECT_TRUE(sink.fills.empty());
 }
 
 TEST(TextEntities, AttributesShowTheirMultiLineText)

@@ -52,7 +52,11 @@ std::vector<Damage> damages()
          dxfText("0 SECTION|2 TABLES|0 TABLE|2 BLOCK_RECORD|5 1|70 1|0 LAYER|5 2|2 *Model_Space|0 ENDTAB|0 "
                  "ENDSEC|" +
                  kEntities + "|0 ENDSEC|0 EOF"),
-         "Line 13: LAYER stands in the table BLOCK_RECORD, it is kept but not used.", "LINE A | CIRCLE B"},
+         "Line 13: LAYER stands in the table BLOCK_RECORD, it is used all the same.", "LINE A | CIRCLE B"},
+        {"block records outside of a table",
+         dxfText("0 SECTION|2 TABLES|0 BLOCK_RECORD|5 1F|2 *Model_Space|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|5 A|330 1F|"
+                 "100 AcDbEntity|8 0|0 ENDSEC|0 EOF"),
+         "Line 5: BLOCK_RECORD stands outside of any table, it is used all the same.", "LINE A"},
         {"a lone vertex", dxfText(kEntities + "|0 VERTEX|5 C|8 0|0 ENDSEC|0 EOF"),
          "Line 17: a part of a polyline or insert stands alone.", "LINE A | CIRCLE B | VERTEX C"},
         {"cut in a code", dxfText(kEntities + "|62").chopped(4), "Line 17: the file ends inside a group.",
