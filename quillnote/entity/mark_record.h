@@ -145,3 +145,7 @@ private:
     };
     explicit QuillnoteObj3(PlainDefaults);
 };
+
+/// Gives what was read from a record of a version before 7 the fields that such records did not have; the text box
+/// of an old leader mark lies where its target was.
+void upgradeOldMark(QuillnoteObj3 &mark);
