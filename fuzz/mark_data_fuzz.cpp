@@ -1,4 +1,5 @@
-// Mark data files: whatever is read, is written and read again as the same; nothing is made of what is not there.
+// Mark data files: whatever is read, is written and read again as the same; nothing is made of what is not
+// there.
 #include "quillnote/exchange/mark_data_file.h"
 
 #include "host/base/assert.h"

@@ -48,8 +48,9 @@ QString unusedFileName(QString folder, const QString &prefix, const QString &end
 
 static void complain(const QString &folder)
 {
-    acedAlert(QStringLiteral("创建同步用临时读写文件夹<%1>失败, 请手工创建一个可以读写的文件夹并指定给同步使用。")
-                  .arg(folder));
+    acedAlert(
+        QStringLiteral("创建同步用临时读写文件夹<%1>失败, 请手工创建一个可以读写的文件夹并指定给同步使用。")
+            .arg(folder));
 }
 
 /// A folder of the user's own data; empty when it cannot be made.

@@ -14,7 +14,7 @@ QString unusedFileName(QString folder, const QString &prefix, const QString &end
 
 enum class FolderTest { none, write };
 
-/// The folder of the setting "synFileUploadPath", with a slash at its end. Without a setting it is a folder of
-/// the user's data, which is made and stored. With a write test a folder that takes no file loses its setting
-/// and the user is told, five times in a run at most. Empty when there is no folder to use.
+/// The folder of the setting "synFileUploadPath", with a slash at its end. Without a setting it is a folder
+/// of the user's data, which is made and stored. With a write test a folder that takes no file loses its
+/// setting and the user is told, five times in a run at most. Empty when there is no folder to use.
 QString synchronisationFolder(FolderTest test = FolderTest::none);

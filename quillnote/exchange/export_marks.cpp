@@ -46,8 +46,7 @@ MarkData marksOf(const AcDbDatabase &database)
 
 QString writeSynchronisationFile(const QByteArray &bytes, const QString &prefix)
 {
-    const QString path =
-        unusedFileName(synchronisationFolder(), prefix, QString::fromUtf16(kMarkFileEnding));
+    const QString path = unusedFileName(synchronisationFolder(), prefix, QString::fromUtf16(kMarkFileEnding));
     if (base::writeFileAtomically(path, bytes))
         return path;
     acutPrintf(QStringLiteral("\n创建Quillnote数据文件<%1>错误。").arg(path));
@@ -85,7 +84,6 @@ void QN3_DataFileOut()
     }
     // Drawings end in ".dwg" or ".dxf".
     const QString target = drawing.chopped(4) + QStringLiteral(".Quillnote");
-    acedAlert(exportTo(target)
-                  ? QStringLiteral("评图标签独立信息文件:\n\n%1  \n\n已成功保存。").arg(target)
-                  : QStringLiteral("未保存！"));
+    acedAlert(exportTo(target) ? QStringLiteral("评图标签独立信息文件:\n\n%1  \n\n已成功保存。").arg(target)
+                               : QStringLiteral("未保存！"));
 }

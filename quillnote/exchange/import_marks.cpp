@@ -7,6 +7,7 @@
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/password.h"
 #include "quillnote/exchange/export_marks.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/exchange/tick_blocks.h"
 #include "quillnote/snapshot/zoom_to_area.h"
 
@@ -18,12 +19,16 @@
 #include "host/acui/acuifile.h"
 #include "host/base/file_bytes.h"
 
+#include <QEventLoop>
 #include <QFile>
+#include <QTimer>
 
 #include <set>
 #include <unordered_map>
 
 static constexpr int kColorOfNoColor = 2;
+static constexpr int kBlinks = 4;
+static constexpr int kBlinkMilliseconds = 250;
 
 // Layers ---------------------------------------------------------------------------------------------
 
@@ -114,6 +119,7 @@ public:
             settleMark(mark, m_database);
         const QString guid = mark.GUID;
         const std::uint16_t number = mark.markNumber;
+        noteReceived(mark);
         const AcDbObjectId id = appendMark(m_database, std::move(record.mark));
         if (id.isNull()) {
             ++imported.refused;
@@ -182,8 +188,9 @@ static void tellImported(const ImportedMarks &imported)
     if (imported.refused > 0)
         acutPrintf(QStringLiteral("\n图形拒绝了 %1 个评图标签，未导入。").arg(imported.refused));
     if (imported.missingTicks > 0)
-        acedAlert(QStringLiteral("绿色对勾、或红叉、或问号所使用的专用图块没找到。\n建议先重新安装评图标签程序，"
-                                 "或从别的机器上拷贝该图块文件到本机相同位置。"));
+        acedAlert(
+            QStringLiteral("绿色对勾、或红叉、或问号所使用的专用图块没找到。\n建议先重新安装评图标签程序，"
+                           "或从别的机器上拷贝该图块文件到本机相同位置。"));
 }
 
 static void showLast(const ImportedMarks &imported)
@@ -202,7 +209,8 @@ static bool mayImport(const QString &path, const MarkDataHeader &header, const A
     const bool sameDrawing =
         header.fingerprint.compare(drawingFingerprint(database), Qt::CaseInsensitive) == 0;
     if (!sameDrawing &&
-        acedAsk(QStringLiteral("\n指纹错误。\n文件<%1>不是本图的Quillnote数据文件。\n\n强制导入到本图吗？").arg(path),
+        acedAsk(QStringLiteral("\n指纹错误。\n文件<%1>不是本图的Quillnote数据文件。\n\n强制导入到本图吗？")
+                    .arg(path),
                 AcEdButtons::yesNo) != AcEdButton::yes)
         return false;
     return header.checksumHolds || acedAsk(QStringLiteral("\n校验和错误错误。\n强制导入到本图吗？"),
@@ -237,6 +245,19 @@ static void addPlaces(const QuillnoteObj3 &mark, AcDbExtents &box)
     }
 }
 
+/// Shows which marks are meant; where nobody looks it takes no time.
+static void blink(const std::vector<AcDbObjectId> &marks, int times)
+{
+    if (acedFrontEnd().isScripted())
+        return;
+    for (int shown = 0; shown < 2 * times; ++shown) {
+        acedFrontEnd().showChosen(shown % 2 == 0 ? marks : std::vector<AcDbObjectId>());
+        QEventLoop loop;
+        QTimer::singleShot(kBlinkMilliseconds, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+}
+
 static void eraseMarks(AcDbDatabase &database, const QStringList &guids)
 {
     const KnownMarks known(database);
@@ -254,6 +275,7 @@ static void eraseMarks(AcDbDatabase &database, const QStringList &guids)
     if (doomed.empty())
         return;
     zoomToArea(box, {}, ZoomWhen::ifOutside);
+    blink(doomed, kBlinks);
     const ImportingScope importing;
     for (const AcDbObjectId id : doomed) {
         if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)

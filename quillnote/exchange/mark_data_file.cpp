@@ -41,9 +41,12 @@ static QByteArrayView magicOf(MarkDataKind kind)
 static int recordVersion(MarkDataKind kind)
 {
     switch (kind) {
-    case MarkDataKind::marks3: return 3;
-    case MarkDataKind::marks4: return 4;
-    default: return 7;
+    case MarkDataKind::marks3:
+        return 3;
+    case MarkDataKind::marks4:
+        return 4;
+    default:
+        return 7;
     }
 }
 
@@ -123,7 +126,10 @@ static void put(ByteWriter &out, const QString &text)
 }
 /// Points and vectors.
 template <class T>
-requires requires(T t) { t.x, t.y, t.z; }
+requires requires(T t)
+{
+    t.x, t.y, t.z;
+}
 static void put(ByteWriter &out, const T &value)
 {
     for (const double part : {value.x, value.y, value.z})
@@ -159,7 +165,10 @@ static void get(ByteReader &in, QString &text)
     text = in.utf16(bytes / 2);
 }
 template <class T>
-requires requires(T t) { t.x, t.y, t.z; }
+requires requires(T t)
+{
+    t.x, t.y, t.z;
+}
 static void get(ByteReader &in, T &value)
 {
     get(in, value.x);

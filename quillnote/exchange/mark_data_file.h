@@ -1,6 +1,6 @@
-// Mark data files: the review marks and tick symbols of a drawing outside the drawing, and files that name marks
-// that were erased. Bytes into values and back; what a drawing makes of them is import_marks.h and export_marks.h.
-// docs/formats/mark-data-file.md describes the bytes.
+// Mark data files: the review marks and tick symbols of a drawing outside the drawing, and files that name
+// marks that were erased. Bytes into values and back; what a drawing makes of them is import_marks.h and
+// export_marks.h. docs/formats/mark-data-file.md describes the bytes.
 #pragma once
 
 #include "quillnote/entity/mark_record.h"

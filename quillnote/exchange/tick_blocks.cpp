@@ -6,16 +6,15 @@
 #include <array>
 #include <numbers>
 
-static constexpr std::array kTickBlocks =
-    std::to_array<QStringView>({u"QuillnoteYesRed", u"QuillnoteYesGreen", u"QuillnoteErrRed", u"QuillnoteQRed"});
+static constexpr std::array kTickBlocks = std::to_array<QStringView>(
+    {u"QuillnoteYesRed", u"QuillnoteYesGreen", u"QuillnoteErrRed", u"QuillnoteQRed"});
 static constexpr QStringView kInsertClass = u"AcDbBlockReference";
 static constexpr double kDegrees = 180.0 / std::numbers::pi;
 
 bool isTickBlock(const QString &name)
 {
-    return std::ranges::any_of(kTickBlocks, [&](QStringView tick) {
-        return tick.compare(name, Qt::CaseInsensitive) == 0;
-    });
+    return std::ranges::any_of(
+        kTickBlocks, [&](QStringView tick) { return tick.compare(name, Qt::CaseInsensitive) == 0; });
 }
 
 static double realOf(const ResbufList &groups, int code, double fallback)
@@ -62,15 +61,15 @@ AcDbObjectId insertTick(AcDbDatabase &database, const TickRecord &tick)
     if (!database.tableRecord(SymbolTable::block, tick.block).isValid())
         return {};
     const AcGePoint3d inPlane = AcGeMatrix3d::planeToWorld(tick.normal).inverse() * tick.position;
-    std::unique_ptr<AcDbEntity> insert = acdbNewEntity(
-        "INSERT", {{100, kInsertClass.toString()},
-                   {2, tick.block},
-                   {10, inPlane},
-                   {41, tick.scale.x},
-                   {42, tick.scale.y},
-                   {43, tick.scale.z},
-                   {50, tick.rotation * kDegrees},
-                   {210, AcGePoint3d(tick.normal.x, tick.normal.y, tick.normal.z)}});
+    std::unique_ptr<AcDbEntity> insert =
+        acdbNewEntity("INSERT", {{100, kInsertClass.toString()},
+                                 {2, tick.block},
+                                 {10, inPlane},
+                                 {41, tick.scale.x},
+                                 {42, tick.scale.y},
+                                 {43, tick.scale.z},
+                                 {50, tick.rotation * kDegrees},
+                                 {210, AcGePoint3d(tick.normal.x, tick.normal.y, tick.normal.z)}});
     AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
     AcDbObjectId id;
     if (!space || space->appendAcDbEntity(id, insert.get()) != Acad::eOk)

@@ -16,6 +16,7 @@
 #include "quillnote/authoring/show_text.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
@@ -41,8 +42,8 @@ static constexpr RecordedNames kAsNamed{"", ""};
 // clang-format off
 static constexpr CommandRow kCommands[] = {
     // global name, local name, flags, demand-load record, function
-    {"QN8_SynningOn", "SynningOn", kModal, kNotRecorded, nullptr},
-    {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, nullptr},
+    {"QN8_SynningOn", "SynningOn", kModal, kNotRecorded, QN8_SynningOn},
+    {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, QN8_SynningOff},
     {"QN3_Quillnote", "QN3_Quillnote", kModal, kAsNamed, QN3_Quillnote},
     {"QN3_QuillnoteLeader", "QN3_leader", kModal, kAsNamed, QN3_QuillnoteLeader},
     {"QN3_PolygonMark", "PolygonMark", kModal, kNotRecorded, QN3_PolygonMark},

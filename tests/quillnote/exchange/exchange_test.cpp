@@ -1,7 +1,9 @@
-// Marks and ticks from one drawing to another: by command, by force, twice, into locked layers, past passwords.
+// Marks and ticks from one drawing to another: by command, by force, twice, into locked layers, past
+// passwords.
 #include "quillnote/exchange/exchange_files.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/exchange/tick_blocks.h"
 
 #include "quillnote/entity/mark_dictionary.h"
@@ -18,7 +20,11 @@
 
 struct ExchangeTest : AuthoringTest {
     ExchangeTest() { settings::setText(u"synFileUploadPath", folder.path(QStringLiteral("sync"))); }
-    ~ExchangeTest() override { settings::setText(u"synFileUploadPath", u""); }
+    ~ExchangeTest() override
+    {
+        synchronisation().reset();
+        settings::setText(u"synFileUploadPath", u"");
+    }
 
     /// A drawing with a fingerprint and the block of the green tick, current until the next one.
     void openDrawing(const char *fingerprint, const QString &name = {})
@@ -26,8 +32,8 @@ struct ExchangeTest : AuthoringTest {
         tests::MemoryDrawing fresh;
         fresh.headerVariable("$FINGERPRINTGUID", {{2, fingerprint}});
         fresh.block("QuillnoteYesGreen");
-        drawing = std::make_unique<tests::OpenDrawing>(fresh.open(),
-                                                       name.isEmpty() ? name : folder.path(name));
+        drawing =
+            std::make_unique<tests::OpenDrawing>(fresh.open(), name.isEmpty() ? name : folder.path(name));
     }
     QString written(const QString &name, const QByteArray &bytes) const
     {
@@ -43,7 +49,9 @@ struct ExchangeTest : AuthoringTest {
             QString line = mark->layer();
             for (const auto &[name, value] : markFieldValues(*mark)) {
                 if (!name.startsWith(u"snap") && name != u"fullImage" && name != u"autoTextHeight")
-                    line += u' ' + name + QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
+                    line +=
+                        u' ' + name +
+                        QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
             }
             lines.append(line);
         }
@@ -84,8 +92,8 @@ TEST_F(ExchangeTest, AsksAboutForeignAndDamagedFiles)
     const QString damaged = written(QStringLiteral("damaged.Quillnote"), bytes);
     const auto import = [this](const QString &path, const QStringList &answers) {
         openDrawing("{F2}");
-        const QString printed =
-            run(QStringLiteral("QN3_DataFileIn"), {}, QStringList(QStringLiteral("file \"%1\"").arg(path)) + answers);
+        const QString printed = run(QStringLiteral("QN3_DataFileIn"), {},
+                                    QStringList(QStringLiteral("file \"%1\"").arg(path)) + answers);
         EXPECT_TRUE(printed.contains(u"指纹错误"));
         return collectMarks(database()).ids.size();
     };
@@ -167,17 +175,83 @@ TEST_F(ExchangeTest, ErasesWhatADeletionFileNames)
         {written(QStringLiteral("d.quillNote"), encodeErasedMarks({QStringLiteral("{unknown}"), guid}))});
     EXPECT_TRUE(id.isErased());
     EXPECT_EQ(collectMarks(database()).ids.size(), 1U);
-    EXPECT_EQ(run(QStringLiteral("-QN3_DataFileIn"), {written(QStringLiteral("e.quillNote"), encodeErasedMarks({}))}),
+    EXPECT_EQ(run(QStringLiteral("-QN3_DataFileIn"),
+                  {written(QStringLiteral("e.quillNote"), encodeErasedMarks({}))}),
               QStringLiteral("\n同步删除评图标签时读取记录条目数为0。报告错误"));
+}
+
+/// Takes what lies in the synchronisation folder into the current drawing, in the order of writing. Names of
+/// the same millisecond count up.
+static int deliver(const QString &folder)
+{
+    int files = 0;
+    QFileInfoList arrived = QDir(folder).entryInfoList(QDir::Files);
+    std::ranges::stable_sort(arrived, {}, [](const QFileInfo &file) { return file.lastModified(); });
+    for (const QFileInfo &file : arrived) {
+        ++files;
+        EXPECT_TRUE(importMarkDataFile(file.filePath(), true));
+        QFile::remove(file.filePath());
+    }
+    return files;
+}
+
+TEST_F(ExchangeTest, EveryChangeOfAMarkReachesTheOtherCopyAndNothingComesBack)
+{
+    const QString sync = folder.path(QStringLiteral("sync"));
+    openDrawing("{F1}");
+    auto theirs = std::move(drawing);
+    openDrawing("{F1}");
+    const auto send = [&](const char *what, int files) {
+        const QStringList here = markLines();
+        acDocManager()->activateDocument(&theirs->document());
+        std::swap(drawing, theirs);
+        EXPECT_EQ(deliver(sync), files) << what;
+        EXPECT_EQ(markLines(), here) << what;
+        EXPECT_TRUE(QDir(sync).isEmpty()) << what;
+        std::swap(drawing, theirs);
+        acDocManager()->activateDocument(&drawing->document());
+    };
+    run(QStringLiteral("QN8_SynningOff"));
+    make();
+    EXPECT_TRUE(QDir(sync).isEmpty());
+    run(QStringLiteral("QN8_SynningOn"));
+    EXPECT_TRUE(QDir(sync).isEmpty());
+    AcDbObjectPointer<QuillnoteObj3>(collectMarks(database()).ids.front(), AcDb::kForWrite)->feedbackType = 1;
+    send("a mark that they never had", 1);
+    const AcDbObjectId id = make();
+    send("a new mark", 1);
+    AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForWrite)->feedbackContent = QStringLiteral("已改");
+    send("an answer", 1);
+    AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForWrite)->close();
+    send("opened and not changed", 0);
+    closeStep();
+    run(QStringLiteral("COPY"), {QStringLiteral("handle %1").arg(id.handle().value, 0, 16),
+                                 {},
+                                 QStringLiteral("0,0"),
+                                 QStringLiteral("50,0"),
+                                 {}});
+    send("a copy, which is made and then moved", 2);
+    run(QStringLiteral("U"));
+    send("the copy taken back", 1);
+    closeStep();
+    run(QStringLiteral("ERASE"), {QStringLiteral("handle %1").arg(id.handle().value, 0, 16), {}});
+    send("erased", 1);
+    run(QStringLiteral("U"));
+    send("and back again", 1);
+    run(QStringLiteral("QN8_SynningOff"));
+    make();
+    EXPECT_TRUE(QDir(sync).isEmpty());
 }
 
 TEST_F(ExchangeTest, SaysWhenThereIsNothingToWriteOrNowhere)
 {
     openDrawing("{F1}");
     make();
-    EXPECT_EQ(run(QStringLiteral("QN3_DataFileOut")), QStringLiteral("\n请先命名并保存本文件后，再执行本命令。"));
+    EXPECT_EQ(run(QStringLiteral("QN3_DataFileOut")),
+              QStringLiteral("\n请先命名并保存本文件后，再执行本命令。"));
     openDrawing("{F1}", QStringLiteral("empty.dxf"));
-    EXPECT_EQ(run(QStringLiteral("QN3_DataFileOut"), {}, {QStringLiteral("ok")}), QStringLiteral("\n未保存！"));
+    EXPECT_EQ(run(QStringLiteral("QN3_DataFileOut"), {}, {QStringLiteral("ok")}),
+              QStringLiteral("\n未保存！"));
     EXPECT_FALSE(QFile::exists(folder.path(QStringLiteral("empty.Quillnote"))));
 }
 

@@ -164,7 +164,8 @@ TEST(MarkDataFile, NeverInventsAMark)
     EXPECT_EQ(hostile.data.ticks.size(), 1U);
     // A length of 4 GB, a text of half a character, a coordinate that is no number.
     const QByteArray sketchSize = QByteArray::fromHex("050000000102030405");
-    EXPECT_EQ(contentsOf(fileOf(kV7, 1, 0, recordBytes(7, 7).replace(sketchSize, "\xff\xff\xff\xff"))).missing, 1U);
+    EXPECT_EQ(
+        contentsOf(fileOf(kV7, 1, 0, recordBytes(7, 7).replace(sketchSize, "\xff\xff\xff\xff"))).missing, 1U);
     EXPECT_EQ(contentsOf(fileOf(kV7, 1, 0, QByteArray::fromHex("0500") + two)).missing, 1U);
     const QByteArray fifty = QByteArray::fromHex("0000000000004940");
     const QByteArray noNumber = QByteArray::fromHex("000000000000f87f");
@@ -176,7 +177,8 @@ TEST(MarkDataFile, TextsBeyondWhatAFileCountsAreCut)
     MarkData data;
     data.marks.emplace_back().mark = QuillnoteObj3::forReading();
     data.marks.front().mark->suggestionContent = QString(40000, u'长');
-    EXPECT_EQ(contentsOf(encodeMarkData(data)).data.marks.front().mark->suggestionContent, QString(32767, u'长'));
+    EXPECT_EQ(contentsOf(encodeMarkData(data)).data.marks.front().mark->suggestionContent,
+              QString(32767, u'长'));
 }
 
 TEST(MarkDataFile, NamesErasedMarks)
