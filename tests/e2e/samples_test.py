@@ -58,7 +58,7 @@ class SamplesTest(unittest.TestCase):
             page = Path(name).read_bytes()
             self.assertNotRegex(page, rb"[^\r]\n")
             for opinion in OPINIONS:
-                self.assertIn(opinion, page.decode("gbk"))
+                self.assertIn(opinion.replace("\n", "\r\n"), page.decode("gbk"))
             # A script opens nothing and says what there is to open.
             self.assertRegex(run.stderr, f"请打开：.*/{name}\n")
         pictures = re.findall(r'src="\s*PNG\\(.*?)"', Path("pages_dxf.html").read_bytes().decode("gbk"))
