@@ -20,7 +20,9 @@
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
+#include "quillnote/reports/review_sheet.h"
 #include "quillnote/reports/text_report.h"
+#include "quillnote/reports/web_report.h"
 #include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
@@ -57,11 +59,11 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_TickBIG", "QN3_TickBIG", kModal, kAsNamed, nullptr},
     {"QN3_TickSmall", "QN3_TickSmall", kModal, kAsNamed, nullptr},
     {"QN3_TickHeight", "QN3_TickHeight", kModal, kAsNamed, nullptr},
-    {"QN3_QuillnoteOutput", "QN3_QuillnoteOutput", kModal, kAsNamed, nullptr},
+    {"QN3_QuillnoteOutput", "QN3_QuillnoteOutput", kModal, kAsNamed, QN3_outputHtml},
     {"QN3_QuillnoteOutputTxt", "QN3_txt", kModal, kAsNamed, QN3_QuillnoteOutputTxt},
-    {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, nullptr},
-    {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, nullptr},
-    {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, nullptr},
+    {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
+    {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, QN3_outputHtml},
+    {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
     {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, nullptr},
     {"qn8_quillNoteYun", "quillNoteYun", kModal, kAsNamed, qn8_quillNoteYun},
     {"QN8_menuToYun", "QN8_menuToYun", kModal, kAsNamed, QN8_menuToYun},
