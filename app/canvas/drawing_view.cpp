@@ -474,7 +474,8 @@ bool DrawingView::showHint(QHelpEvent &event)
 
 bool DrawingView::event(QEvent *event)
 {
-    return event->type() == QEvent::ToolTip ? showHint(static_cast<QHelpEvent &>(*event)) : QWidget::event(event);
+    return event->type() == QEvent::ToolTip ? showHint(static_cast<QHelpEvent &>(*event))
+                                            : QWidget::event(event);
 }
 
 void DrawingView::keyPressEvent(QKeyEvent *event)

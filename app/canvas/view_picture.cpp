@@ -35,7 +35,8 @@ bool isSameView(const AcGiViewport &one, const AcGiViewport &other)
 {
     return one.centre == other.centre && one.height == other.height && one.twist == other.twist &&
            one.direction == other.direction && one.pixelWidth == other.pixelWidth &&
-           one.pixelHeight == other.pixelHeight && one.pixelRatio == other.pixelRatio && one.paperSpace == other.paperSpace;
+           one.pixelHeight == other.pixelHeight && one.pixelRatio == other.pixelRatio &&
+           one.paperSpace == other.paperSpace;
 }
 
 /// How far the pixels of one view lie from the same places in the other; none when that is no whole number of
@@ -65,8 +66,7 @@ bool ViewSubject::isLike(const ViewSubject &other) const
 {
     return database == other.database && space == other.space &&
            options.background == other.options.background &&
-           options.lineWeights == other.options.lineWeights &&
-           folder == other.folder;
+           options.lineWeights == other.options.lineWeights && folder == other.folder;
 }
 
 // What is to be seen ------------------------------------------------------------------------------

@@ -20,14 +20,15 @@ struct VersionName {
 
 /// Everything before R13 is read alike, but a person wants to know what the file is.
 static constexpr VersionName kVersionNames[] = {
-    {"MC0.0", "R1.1"},  {"AC1.2", "R1.2"},  {"AC1.3", "R1.3"},   {"AC1.40", "R1.4"},  {"AC1.50", "R2.0"},
+    {"MC0.0", "R1.1"},   {"AC1.2", "R1.2"},   {"AC1.3", "R1.3"},   {"AC1.40", "R1.4"},  {"AC1.50", "R2.0"},
     {"AC2.10", "R2.10"}, {"AC2.21", "R2.21"}, {"AC2.22", "R2.22"}, {"AC1001", "R2.22"}, {"AC1002", "R2.5"},
-    {"AC1003", "R2.6"}, {"AC1004", "R9"},   {"AC1006", "R10"},   {"AC1009", "R12"},   {"AC1012", "R13"},
-    {"AC1014", "R14"},  {"AC1015", "2000"}, {"AC1018", "2004"},  {"AC1021", "2007"},  {"AC1024", "2010"},
-    {"AC1027", "2013"}, {"AC1032", "2018"},
+    {"AC1003", "R2.6"},  {"AC1004", "R9"},    {"AC1006", "R10"},   {"AC1009", "R12"},   {"AC1012", "R13"},
+    {"AC1014", "R14"},   {"AC1015", "2000"},  {"AC1018", "2004"},  {"AC1021", "2007"},  {"AC1024", "2010"},
+    {"AC1027", "2013"},  {"AC1032", "2018"},
 };
 
-/// What the file itself says; a file without a version, and the numbers between two versions, are as they are read.
+/// What the file itself says; a file without a version, and the numbers between two versions, are as they are
+/// read.
 static QString versionNumber(const AcDbDatabase &database)
 {
     const QString read = QStringLiteral("AC%1").arg(int(database.version()), 4, 10, QLatin1Char('0'));

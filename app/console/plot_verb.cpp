@@ -70,8 +70,8 @@ static base::Result<std::vector<AcEdPlot>, QString> pagesOf(const AcApDocument &
 }
 
 /// Of all layouts those that have something to plot; what is left out is said.
-static base::Result<std::vector<AcEdPlot>, QString> plottable(const AcApDocument &document, const QString &file,
-                                                              std::vector<AcEdPlot> pages)
+static base::Result<std::vector<AcEdPlot>, QString>
+plottable(const AcApDocument &document, const QString &file, std::vector<AcEdPlot> pages)
 {
     QStringList reasons;
     std::erase_if(pages, [&](const AcEdPlot &page) {

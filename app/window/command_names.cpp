@@ -5,6 +5,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/edmenu.h"
 #include "host/aced/edparse.h"
+#include "host/base/host_text.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -116,15 +117,27 @@ static QString optionsAsHtml(const QString &options, const QStringList &keywords
     return u'[' + shown.join(u'/') + u']';
 }
 
-/// "LType,LT" shows as "LType".
-static QString listed(const QStringList &keywords, const QColor &color)
+/// The options of a prompt whose text names none. "LType,LT" shows as "LType"; the ways to select are the
+/// same for every command and have names in the language of the window.
+static QString optionsOf(const AcEdPrompt &prompt)
 {
-    QStringList shown;
-    for (const QString &keyword : keywords) {
-        const QString name = keyword.section(u',', 0, 0);
-        shown += link(name, name, color);
-    }
-    return shown.isEmpty() ? QString() : u'[' + shown.join(u'/') + QStringLiteral("] ");
+    if (prompt.kind == AcEdPromptKind::selection)
+        return Host::tr("窗口(W)/窗交(C)/框选(BOX)/全部(ALL)/上一个(L)/前一个(P)/添加(A)/删除(R)/单个(SI)");
+    QStringList names;
+    for (const QString &keyword : prompt.keywords)
+        names += keyword.section(u',', 0, 0);
+    return names.join(u'/');
+}
+
+/// Behind what is asked for, before the colon.
+static QString withOptions(QString text, const AcEdPrompt &prompt, const QColor &color)
+{
+    if (prompt.keywords.isEmpty())
+        return text.toHtmlEscaped();
+    const bool hasColon = text.endsWith(u':') || text.endsWith(u'：');
+    const QString colon = hasColon ? text.right(1) : QString();
+    text.chop(colon.size());
+    return text.toHtmlEscaped() + u' ' + optionsAsHtml(optionsOf(prompt), prompt.keywords, color) + colon;
 }
 
 QString promptAsHtml(const AcEdPrompt &prompt, const QColor &linkColor)
@@ -133,7 +146,7 @@ QString promptAsHtml(const AcEdPrompt &prompt, const QColor &linkColor)
     const qsizetype open = text.indexOf(u'[');
     const qsizetype close = text.indexOf(u']', open + 1);
     if (open < 0 || close < 0)
-        return listed(prompt.keywords, linkColor) + text.toHtmlEscaped();
+        return withOptions(text, prompt, linkColor);
     return text.left(open).toHtmlEscaped() +
            optionsAsHtml(text.mid(open + 1, close - open - 1), prompt.keywords, linkColor) +
            text.mid(close + 1).toHtmlEscaped();

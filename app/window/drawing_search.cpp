@@ -45,7 +45,8 @@ static QString dimensionText(AcDbObjectId id)
         return {};
     const resbuf *const name = findGroup(dimension->groups(), 2);
     const BlockContents *const picture =
-        name ? id.database()->blockContents(id.database()->tableRecord(SymbolTable::block, name->text())) : nullptr;
+        name ? id.database()->blockContents(id.database()->tableRecord(SymbolTable::block, name->text()))
+             : nullptr;
     QStringList texts;
     for (const std::uint32_t index : picture ? picture->entities : std::vector<std::uint32_t>())
         texts += textOf(AcDbObjectId(id.database()->stub(index)));
@@ -137,7 +138,8 @@ std::vector<FoundText> findTexts(const AcApDocument &document, const QString &wa
         return {};
     const AcDbDatabase &database = *document.database();
     std::vector<AcDbObjectId> spaces = acdbLayoutBlocks(database);
-    std::ranges::stable_partition(spaces, [&](AcDbObjectId space) { return space == database.currentSpaceId(); });
+    std::ranges::stable_partition(spaces,
+                                  [&](AcDbObjectId space) { return space == database.currentSpaceId(); });
     Search search(wanted);
     for (const AcDbObjectId space : spaces)
         search.lookThrough(database, space);

@@ -14,8 +14,8 @@ struct FoundText {
 };
 
 /// Texts that hold `wanted`, whatever the letter case, in the order of the drawing: TEXT, MTEXT, attributes,
-/// dimensions, multileaders, and what custom entities carry (the opinions and answers of marks). Those of the current
-/// space first, then of the other layouts. Nothing for an empty `wanted`.
+/// dimensions, multileaders, and what custom entities carry (the opinions and answers of marks). Those of the
+/// current space first, then of the other layouts. Nothing for an empty `wanted`.
 std::vector<FoundText> findTexts(const AcApDocument &document, const QString &wanted);
 
 /// The text of a multi-line text without its codes.

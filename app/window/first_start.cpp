@@ -21,13 +21,15 @@ static void take(os::SettingsStore &store, const QString &path)
             QStringLiteral("\n%1:%2: %3").arg(path).arg(imported.error().line).arg(imported.error().reason));
 }
 
-void takeFirstSettings(os::SettingsStore &store)
+void takeFirstSettings(os::SettingsStore &store, const QString &language)
 {
     if (!store.isOpen() || !store.entries().empty())
         return;
     const QDir share(QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share")));
-    for (const QString &folder : share.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+    for (const QString &folder : share.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
         take(store, share.filePath(folder + QStringLiteral("/first-settings.txt")));
+        take(store, share.filePath(folder + QStringLiteral("/first-settings_%1.txt").arg(language)));
+    }
 }
 
 } // namespace window

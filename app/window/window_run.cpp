@@ -55,7 +55,8 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);
     {
         MainWindow mainWindow(front);
-        takeFirstSettings(os::SettingsStore::user());
+        takeFirstSettings(os::SettingsStore::user(),
+                          prefersEnglish() ? QStringLiteral("en") : QStringLiteral("zh_CN"));
         loadModules();
         mainWindow.show();
         front.whenIdle([&] { mainWindow.start(files); });

@@ -35,7 +35,8 @@ struct AcApView {
     double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
-    double pixelRatio = 1.0; ///< Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
+    double pixelRatio =
+        1.0; ///< Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
 
     double pixelSize() const { return height / pixelHeight; }
     double countedPixelSize() const { return pixelSize() * pixelRatio; }
@@ -124,7 +125,7 @@ private:
     int m_number = 1;
     void settleFolder();
 
-    std::uint64_t m_savedState = 0; ///< AcDbDatabase::editState().
+    std::uint64_t m_savedState = 0;       ///< AcDbDatabase::editState().
     std::optional<AcApFileStamp> m_stamp; ///< Of the file as it was read or written.
     AcApFileLock m_fileLock;
     std::optional<AcApLockHolder> m_barredBy;

@@ -201,7 +201,8 @@ static AcDbObjectId notedLayout(const AcDbDatabase &database)
 
 static void noteLayout(AcDbDatabase &database, AcDbObjectId layout)
 {
-    if (layout == notedLayout(database) || (layout == database.paperSpaceId() && layoutRecord(database).isNull()))
+    if (layout == notedLayout(database) ||
+        (layout == database.paperSpaceId() && layoutRecord(database).isNull()))
         return;
     AcDbObjectPointer<AcDbDictionary> root(acdbEnsureNamedObjects(database), AcDb::kForWrite);
     auto record = std::make_unique<AcDbXrecord>();

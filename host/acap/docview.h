@@ -14,8 +14,9 @@ AcGeMatrix3d acapViewFrame(double twist);
 /// Puts the saved view of a space (block record) into `view`, whose pixels stay: the active viewport of model
 /// space, or a sheet's own viewport. False, and nothing changed, when the drawing has none.
 bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view);
-/// Notes the shown space (model space or the block record of a layout) for the next opening. Shown is no edit: no
-/// undo step, and the drawing is as saved as it was. A drawing that does not say which space it was saved in stays so.
+/// Notes the shown space (model space or the block record of a layout) for the next opening. Shown is no
+/// edit: no undo step, and the drawing is as saved as it was. A drawing that does not say which space it was
+/// saved in stays so.
 void acapKeepLayout(AcDbDatabase &database, AcDbObjectId space);
 /// Makes the noted layout current. Files by themselves name one sheet only, "*Paper_Space".
 void acapRestoreLayout(AcDbDatabase &database);

@@ -82,7 +82,8 @@ public:
     /// Takes an object that is in no database, gives it a handle and an owner, and leaves it open for
     /// write. Entities go through AcDbBlockTableRecord::appendAcDbEntity instead.
     Acad::ErrorStatus addAcDbObject(AcDbObject *object, AcDbObjectId owner, AcDbObjectId *id = nullptr);
-    /// The folder of the drawing's file, where relative names of other files count from; empty without a file.
+    /// The folder of the drawing's file, where relative names of other files count from; empty without a
+    /// file.
     const QString &folder() const { return m_folder; }
     void setFolder(const QString &folder) { m_folder = folder; }
     /// The handle that the next new object gets ($HANDSEED).
@@ -136,8 +137,8 @@ public:
     bool hasChanges() const;
     /// Counts every change to anything; equal numbers mean that nothing happened in between.
     std::uint64_t changeCount() const { return m_changeCount; }
-    /// Names a state of the drawing: undoing and redoing come back to the same number. What is not recorded for undo
-    /// (which layout is shown, carriers made for saving) is no other state.
+    /// Names a state of the drawing: undoing and redoing come back to the same number. What is not recorded
+    /// for undo (which layout is shown, carriers made for saving) is no other state.
     std::uint64_t editState() const { return m_editState; }
 
     void addReactor(AcDbDatabaseReactor *reactor);

@@ -74,8 +74,9 @@ private:
     void setCommonGroup(int code, resbuf::Value value);
 };
 
-/// The groups that state what all entities have (layer, colour, linetype, visibility ...): those before the subclass of
-/// the entity's own kind. When no layer stands there that subclass counts too: some writers put everything into it.
+/// The groups that state what all entities have (layer, colour, linetype, visibility ...): those before the
+/// subclass of the entity's own kind. When no layer stands there that subclass counts too: some writers put
+/// everything into it.
 std::span<const resbuf> acdbCommonGroups(const ResbufList &groups);
 
 /// A native entity in no drawing: layer "0" and the groups of its own subclasses, markers included.

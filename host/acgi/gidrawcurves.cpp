@@ -15,8 +15,8 @@ void drawLine(const AcDbEntity &entity, AcGiGeometry &sink)
     drawExtruded(groups, ends, sink, [&] { sink.polyline(2, ends); });
 }
 
-/// The definition points of a dimension stand in the anonymous block that is its picture. They are dots whatever the
-/// symbol of the drawing's points is.
+/// The definition points of a dimension stand in the anonymous block that is its picture. They are dots
+/// whatever the symbol of the drawing's points is.
 static bool isDefinitionPoint(const AcDbEntity &entity)
 {
     bool isOne = false;

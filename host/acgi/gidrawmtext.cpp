@@ -231,8 +231,8 @@ std::optional<AcGiMText> embeddedMText(const AcDbEntity &entity)
     return text;
 }
 
-/// Files of 2000 to 2013 keep the columns in extended data, and the texts of the second and later ones in entities of
-/// their own. What stands here is the first column; only its width is not that of the whole.
+/// Files of 2000 to 2013 keep the columns in extended data, and the texts of the second and later ones in
+/// entities of their own. What stands here is the first column; only its width is not that of the whole.
 static void readExtendedColumns(const AcDbEntity &entity, AcGiMText &text)
 {
     constexpr std::int64_t kType = 75;

@@ -29,8 +29,8 @@ double ellipseParameter(double direction, double ratio)
     return parameter + kTurn * std::round((direction - parameter) / kTurn);
 }
 
-/// The edges of a path, end to end. Where the next one does not begin at the end of the chain, the edge that does so is
-/// taken, either way round; what fits nowhere follows as it is filed.
+/// The edges of a path, end to end. Where the next one does not begin at the end of the chain, the edge that
+/// does so is taken, either way round; what fits nowhere follows as it is filed.
 class EdgeChain
 {
 public:
@@ -73,9 +73,8 @@ private:
     }
     bool goesOn()
     {
-        return std::any_of(m_edges.begin() + std::ptrdiff_t(m_next), m_edges.end(), [this](const AcGiLoop &edge) {
-            return fits(edge.front()) || fits(edge.back());
-        });
+        return std::any_of(m_edges.begin() + std::ptrdiff_t(m_next), m_edges.end(),
+                           [this](const AcGiLoop &edge) { return fits(edge.front()) || fits(edge.back()); });
     }
 
     /// Puts the edge that goes on from the end of the chain next.
@@ -98,7 +97,8 @@ private:
     std::size_t m_next = 0;
     AcGiLoop m_chain;
     double m_tolerance = 0.0;
-    std::int64_t m_budget = 10'000'000; ///< Comparisons; damaged files may have a million edges that fit nowhere.
+    std::int64_t m_budget =
+        10'000'000; ///< Comparisons; damaged files may have a million edges that fit nowhere.
 };
 
 AcGiLoop joinEdges(std::vector<AcGiLoop> edges)

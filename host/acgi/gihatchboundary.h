@@ -20,8 +20,8 @@ struct HatchLoops {
     std::vector<AcGiLoop> textBoxes; ///< Around texts, which are spared wherever they lie.
 };
 
-/// Curves as chords, z the elevation. The edges of a path may stand in any order and run either way. Loops with
-/// coordinates that are not finite are left out.
+/// Curves as chords, z the elevation. The edges of a path may stand in any order and run either way. Loops
+/// with coordinates that are not finite are left out.
 HatchLoops readHatchLoops(const EntityGroups &groups);
 
 /// What is left of the loops when areas inside areas are not looked at as the style says.

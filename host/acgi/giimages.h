@@ -23,9 +23,9 @@ public:
         bool isLoaded = false;
     };
 
-    /// Looks the file up. A whole path is taken as it is; a relative one counts from `folder`, the drawing's own, and
-    /// never from where the program was started. What is not found so is looked for by its bare name in `folder`.
-    /// Missing ones are looked for again when the folder is another. Main thread.
+    /// Looks the file up. A whole path is taken as it is; a relative one counts from `folder`, the drawing's
+    /// own, and never from where the program was started. What is not found so is looked for by its bare name
+    /// in `folder`. Missing ones are looked for again when the folder is another. Main thread.
     void find(const QString &path, const QString &folder);
     /// The entry of a path that was looked up, with its pixels. Any thread.
     const Entry &load(const QString &path);

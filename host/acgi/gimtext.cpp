@@ -69,7 +69,8 @@ private:
 
 void MTextDrawer::drawMask()
 {
-    const bool isEmpty = std::ranges::all_of(m_layout.lines, [](const MTextLine &l) { return l.pieces.empty(); });
+    const bool isEmpty =
+        std::ranges::all_of(m_layout.lines, [](const MTextLine &l) { return l.pieces.empty(); });
     if (isEmpty || (!(m_text.maskFactor > 0.0) && !m_text.hasFrame))
         return;
     const double margin = std::max(m_text.maskFactor - 1.0, 0.0) * m_text.height;

@@ -388,8 +388,8 @@ void MTextReader::stack(const QString &description)
     item.divider = divider;
 }
 
-/// What stands before the next semicolon that has no backslash in front of it. Without one it ends at the next brace,
-/// and a number where its digits end, so that the text behind it is not swallowed.
+/// What stands before the next semicolon that has no backslash in front of it. Without one it ends at the
+/// next brace, and a number where its digits end, so that the text behind it is not swallowed.
 QString MTextReader::parameter(QStringView alphabet)
 {
     qsizetype end = m_at;

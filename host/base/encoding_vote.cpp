@@ -45,8 +45,8 @@ void EncodingVote::string(std::string_view bytes)
     m_against += said == Verdict::notUtf8;
 }
 
-/// Read as UTF-8 the string has a word of other letters, or one character of three bytes or more: chance does not
-/// make these of a single-byte page, where it pairs a letter with a sign.
+/// Read as UTF-8 the string has a word of other letters, or one character of three bytes or more: chance does
+/// not make these of a single-byte page, where it pairs a letter with a sign.
 static bool hasForeignWord(QStringView text)
 {
     int run = 0;
@@ -71,8 +71,8 @@ EncodingVote::Verdict EncodingVote::verdict(std::string_view bytes) const
     static_cast<void>(m_named.decode(bytes, soundInPage));
     if (!soundInPage)
         return Verdict::utf8;
-    // Two bytes that are one character of the page are often also a Latin, Greek or Cyrillic letter, and names make
-    // characters that nobody who writes in this page uses.
+    // Two bytes that are one character of the page are often also a Latin, Greek or Cyrillic letter, and
+    // names make characters that nobody who writes in this page uses.
     const bool isLong = std::ranges::any_of(text, [](QChar c) { return c.unicode() >= 0x800; });
     return inPage && isLong ? Verdict::utf8 : Verdict::either;
 }

@@ -303,8 +303,8 @@ static QString withEscapes(QStringView text)
     return escaped;
 }
 
-/// Bytes of an older page that are also UTF-8 would speak for UTF-8 when the file is opened again, here and in other
-/// programs that look at single strings. Escapes speak for nothing.
+/// Bytes of an older page that are also UTF-8 would speak for UTF-8 when the file is opened again, here and
+/// in other programs that look at single strings. Escapes speak for nothing.
 static QByteArray encodeUnmistakably(QStringView text, const TextCodec &codec)
 {
     QByteArray bytes = codec.encode(text, Substitute::unicodeEscape);

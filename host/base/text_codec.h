@@ -56,7 +56,8 @@ private:
 /// True for valid UTF-8 that holds at least one character beyond ASCII.
 bool looksLikeUtf8(std::string_view bytes);
 
-/// A string of a drawing file, whose encoding is known for the whole file (encoding_vote.h). Escapes "\U+XXXX",
+/// A string of a drawing file, whose encoding is known for the whole file (encoding_vote.h). Escapes
+/// "\U+XXXX",
 /// "\M+nXXXX" and carets ("^J", "^ ") become what they stand for; a malformed escape stays as it is.
 QString decodeDrawingText(std::string_view bytes, const TextCodec &codec);
 

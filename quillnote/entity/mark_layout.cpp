@@ -72,8 +72,8 @@ LayoutPass::LayoutPass(const QuillnoteObj3 &mark, const MarkDrawingSettings &set
     m_layout.plotting = view.plotting;
     m_layout.target = m_record.target;
     m_layout.textBox = m_isLeader ? m_record.textBox : m_record.target;
-    m_layout.drawUnit =
-        view.plotting ? m_record.target.diagonal() / kPlotUnits : kUnitPixels * view.viewport.countedPixelSize();
+    m_layout.drawUnit = view.plotting ? m_record.target.diagonal() / kPlotUnits
+                                      : kUnitPixels * view.viewport.countedPixelSize();
     m_outlineView = {m_layout.drawUnit, view.viewport.getWorldToEyeTransform(), settings};
     if (isProxy()) {
         // What is simpler is also what every reader can show.

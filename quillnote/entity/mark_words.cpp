@@ -22,14 +22,16 @@ static QString shortened(const QString &text)
 
 QString QuillnoteObj3::subHint() const
 {
-    QStringList lines{QStringLiteral("%1  %2").arg(markNumberText(markNumber, subNumber), suggestionName).trimmed(),
-                      shortened(suggestionContent)};
+    QStringList lines{
+        QStringLiteral("%1  %2").arg(markNumberText(markNumber, subNumber), suggestionName).trimmed(),
+        shortened(suggestionContent)};
     const QString status = handling::statusText(feedbackType);
     const QString answer = shortened(feedbackContent);
     if (status.isEmpty() && answer.isEmpty())
         lines += QStringLiteral("（未答复）");
     else
-        lines += QStringLiteral("%1  %2").arg(status.isEmpty() ? answer : status, status.isEmpty() ? QString() : answer)
+        lines += QStringLiteral("%1  %2")
+                     .arg(status.isEmpty() ? answer : status, status.isEmpty() ? QString() : answer)
                      .trimmed();
     if (!feedbackName.isEmpty())
         lines.back() += QStringLiteral("  （%1）").arg(feedbackName);

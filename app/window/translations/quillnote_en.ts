@@ -1252,6 +1252,10 @@ Command: </translation>
 Remove objects: </translation>
     </message>
     <message>
+        <source>窗口(W)/窗交(C)/框选(BOX)/全部(ALL)/上一个(L)/前一个(P)/添加(A)/删除(R)/单个(SI)</source>
+        <translation>Window/Crossing/BOX/ALL/Last/Previous/Add/Remove/SIngle</translation>
+    </message>
+    <message>
         <source>无效选择。需要点、窗口(W)、窗交(C)、上一个(L)、前一个(P)、全部(ALL)、添加(A)或删除(R)。</source>
         <translation>Invalid selection. Requires a point, Window, Crossing, Last, Previous, ALL, Add or Remove.</translation>
     </message>

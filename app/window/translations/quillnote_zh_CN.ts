@@ -240,6 +240,10 @@
         <translation>%1 位于%2，已保留但不使用</translation>
     </message>
     <message>
+        <source>%1 stands %2, it is used all the same</source>
+        <translation>%1 位于%2，仍按原样使用</translation>
+    </message>
+    <message>
         <source>a group stands outside of any object</source>
         <translation>有一个组不属于任何对象</translation>
     </message>

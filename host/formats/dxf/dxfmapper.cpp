@@ -466,7 +466,8 @@ void Mapper<Scanner>::addRecord(SymbolTable table)
         m_blocks.addRecord(stub, head.handle, head.name);
 }
 
-/// A record tells by its kind which table it belongs to. Without their block records the spaces would be empty.
+/// A record tells by its kind which table it belongs to. Without their block records the spaces would be
+/// empty.
 template <class Scanner>
 void Mapper<Scanner>::addStrayRecord(const QString &where)
 {

@@ -167,7 +167,8 @@ static resbuf::Value pointValue(Scanner &scanner, Group &group, double x, double
     return AcGePoint3d(x, y, real(next.value));
 }
 
-/// The group of this code among the coordinates from here on, before the next point of code `x`; false when there is none.
+/// The group of this code among the coordinates from here on, before the next point of code `x`; false when
+/// there is none.
 template <class Scanner>
 static bool findCoordinate(Scanner ahead, int x, int code, Group &found)
 {
@@ -181,9 +182,9 @@ static bool findCoordinate(Scanner ahead, int x, int code, Group &found)
     return false;
 }
 
-/// For an x that no y follows at once. Some writers put the coordinates of several points in the order of their codes:
-/// 10, 11, 20, 21, 30, 31. In a run of coordinates y and z belong to the x before them whose code fits. `taken` gets the
-/// places of those that went into the point.
+/// For an x that no y follows at once. Some writers put the coordinates of several points in the order of
+/// their codes: 10, 11, 20, 21, 30, 31. In a run of coordinates y and z belong to the x before them whose
+/// code fits. `taken` gets the places of those that went into the point.
 template <class Scanner>
 static resbuf::Value scatteredValue(const Scanner &scanner, const Group &group, double x,
                                     double (*real)(std::string_view), std::vector<const char *> &taken)

@@ -55,7 +55,8 @@ public:
 
     /// How the strings of the file are read.
     const base::TextCodec &codec() const;
-    /// How new strings are written: in the code page that the file names, as escapes where its strings are in another.
+    /// How new strings are written: in the code page that the file names, as escapes where its strings are in
+    /// another.
     base::TextCodec writingCodec() const;
     bool shortCodes() const { return m_shortCodes; }
     char lineEnd() const { return m_lineEnd; }

@@ -171,7 +171,18 @@ TEST(Prompt, ShowsItsOptionsAsLinks)
         << qPrintable(html);
 
     prompt.message = QStringLiteral("\n继续吗? ");
-    EXPECT_TRUE(window::promptAsHtml(prompt, Qt::blue).contains(u"<a href=\"Scale\""));
+    EXPECT_EQ(window::promptAsHtml(prompt, Qt::blue),
+              u"继续吗? [<a href=\"All\" style=\"color:#0000ff\">All</a>/"
+              u"<a href=\"Scale\" style=\"color:#0000ff\">Scale</a>]");
+    prompt.kind = AcEdPromptKind::selection;
+    prompt.message = QStringLiteral("\n选择对象: ");
+    prompt.keywords = QStringLiteral("Window Crossing BOX ALL Last Previous Add Remove SIngle").split(u' ');
+    const QString selection = window::promptAsHtml(prompt, Qt::blue);
+    EXPECT_TRUE(selection.startsWith(u"选择对象 [<a href=\"W\"")) << qPrintable(selection);
+    EXPECT_TRUE(selection.endsWith(u">单个(SI)</a>]:")) << qPrintable(selection);
+    EXPECT_EQ(selection.count(u"<a "), prompt.keywords.size()) << "every way to select answers";
+    prompt.kind = AcEdPromptKind::keyword;
+    prompt.message = QStringLiteral("\n继续吗? ");
     prompt.keywords.clear();
     EXPECT_EQ(window::promptAsHtml(prompt, Qt::blue), u"继续吗?");
 }

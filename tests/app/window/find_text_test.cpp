@@ -74,7 +74,8 @@ TEST(FindTexts, LooksIntoDimensionsLeadersAndAllLayouts)
     std::vector<AcDbObjectId> shown;
     for (const window::FoundText &each : found)
         shown.push_back(each.shown);
-    EXPECT_EQ(shown, (std::vector{drawing.id(measured), drawing.id(typed), drawing.id(leader), drawing.id(title)}));
+    EXPECT_EQ(shown,
+              (std::vector{drawing.id(measured), drawing.id(typed), drawing.id(leader), drawing.id(title)}));
     EXPECT_EQ(found.back().space, drawing.database().paperSpaceId());
     EXPECT_EQ(found.front().text, u"pump 1200");
 }

@@ -262,8 +262,8 @@ TEST(HatchBoundary, EdgesMayStandInAnyOrderAndRunEitherWay)
     const Groups right = line(4, 0, 4, 3);
     const Groups top = line(0, 3, 4, 3); // Backwards.
     const Groups left = line(0, 3, 0, 0);
-    for (const Groups &edges : {bottom + right + top + left, bottom + top + right + left, top + bottom + left + right,
-                                right + left + bottom + top}) {
+    for (const Groups &edges : {bottom + right + top + left, bottom + top + right + left,
+                                top + bottom + left + right, right + left + bottom + top}) {
         const Recorder recorder = draw(hatch(1, Groups{{92, 1}, {93, 4}} + edges + Groups{{97, 0}}, 0, {}));
         ASSERT_EQ(recorder.fills.size(), 1u);
         EXPECT_NEAR(areaOf(recorder.fills[0].loops.at(0)), 12.0, 1e-9);

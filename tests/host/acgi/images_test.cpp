@@ -41,9 +41,10 @@ TEST(Images, AreLookedForFromTheFolderOfTheDrawing)
         QString found;
     };
     for (const Row &row :
-         {Row{QStringLiteral("a.png"), folder.path("a.png")}, Row{QStringLiteral(".\\img\\b.png"), folder.path("img/b.png")},
-          Row{QStringLiteral("D:\\plans\\a.png"), folder.path("a.png")}, Row{shell.path("img.png"), shell.path("img.png")},
-          Row{QStringLiteral("c.png"), QString()}}) {
+         {Row{QStringLiteral("a.png"), folder.path("a.png")},
+          Row{QStringLiteral(".\\img\\b.png"), folder.path("img/b.png")},
+          Row{QStringLiteral("D:\\plans\\a.png"), folder.path("a.png")},
+          Row{shell.path("img.png"), shell.path("img.png")}, Row{QStringLiteral("c.png"), QString()}}) {
         AcGiImages images;
         images.find(row.named, folder.path());
         const QString file = images.load(row.named).file;

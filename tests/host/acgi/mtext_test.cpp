@@ -95,7 +95,8 @@ TEST(MText, ShowsWhatTheCodesSay)
         {"}}\\U+4E2D\\M+5D6D0%%d", {QString(QChar(0x4E2D)) + QChar(0x4E2D) + QChar(0xB0)}},
         {"\\", {"\\"}},
         {"\\C999;\\c;\\H.x;\\W0;a", {"a"}},
-        {"{\\C1word} then; more", {"word", " then; more"}}, // No end of the number: the text is not swallowed.
+        {"{\\C1word} then; more",
+         {"word", " then; more"}}, // No end of the number: the text is not swallowed.
         {"\\H2xtall; \\Q15slant; {\\fArial}a;", {"tall; ", "slant; ", "a;"}},
         {"", {}},
     };
@@ -334,10 +335,21 @@ TEST(TextEntities, MTextOfOlderFilesHasTheWidthOfItsColumn)
         return lines.size();
     };
     EXPECT_EQ(count(), 1u);
-    for (const Group &group :
-         {Group(1001, "ACAD"), {1000, "ACAD_MTEXT_COLUMN_INFO_BEGIN"}, {1070, 75}, {1070, 1}, {1070, 79},
-          {1070, 0}, {1070, 76}, {1070, 2}, {1070, 78}, {1070, 0}, {1070, 48}, {1040, 4.0}, {1070, 49},
-          {1040, 1.0}, {1000, "ACAD_MTEXT_COLUMN_INFO_END"}})
+    for (const Group &group : {Group(1001, "ACAD"),
+                               {1000, "ACAD_MTEXT_COLUMN_INFO_BEGIN"},
+                               {1070, 75},
+                               {1070, 1},
+                               {1070, 79},
+                               {1070, 0},
+                               {1070, 76},
+                               {1070, 2},
+                               {1070, 78},
+                               {1070, 0},
+                               {1070, 48},
+                               {1040, 4.0},
+                               {1070, 49},
+                               {1040, 1.0},
+                               {1000, "ACAD_MTEXT_COLUMN_INFO_END"}})
         groups.push_back(group);
     EXPECT_EQ(count(), 2u);
 }

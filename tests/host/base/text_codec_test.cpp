@@ -151,18 +151,18 @@ TEST(DrawingText, EveryCharacterComesBackFromEveryCodePage)
 
 TEST(DrawingText, WhatIsWrittenInAnOldPageIsNeverUtf8)
 {
-    for (const auto &[page, text] : std::initializer_list<std::pair<const char *, const char16_t *>>{
-             {"ANSI_1252", u"Ø½\" pipe"},
-             {"ANSI_1252", u"Â²Ã©"},
-             {"ANSI_1251", u"К–1"},
-             {"ANSI_936", u"臧红波"},
-             {"ANSI_936", u"岑宏宝"}}) {
+    for (const auto &[page, text] :
+         std::initializer_list<std::pair<const char *, const char16_t *>>{{"ANSI_1252", u"Ø½\" pipe"},
+                                                                          {"ANSI_1252", u"Â²Ã©"},
+                                                                          {"ANSI_1251", u"К–1"},
+                                                                          {"ANSI_936", u"臧红波"},
+                                                                          {"ANSI_936", u"岑宏宝"}}) {
         const QByteArray bytes = encodeDrawingText(text, TextCodec(page));
         EXPECT_FALSE(base::looksLikeUtf8(bytes.toStdString())) << bytes.toStdString();
         EXPECT_EQ(decodeDrawingText(bytes.toStdString(), TextCodec(page)), QString::fromUtf16(text));
     }
     EXPECT_EQ(encodeDrawingText(u"Größe Ø", TextCodec("ANSI_1252")), "Gr\xF6\xDF"
-                                                                      "e \xD8");
+                                                                     "e \xD8");
 }
 
 TEST(DrawingText, Utf8IsKnownByItsBytes)
@@ -193,8 +193,9 @@ TEST(EncodingVote, AFileIsWhatMostOfItsStringsAre)
         {"ANSI_1252", "m²\n", true},
         {"ANSI_1252", "m²\r\nGr\xF6\xDF\r\n\xE9\r\n", false},
         {"ANSI_1252", "Größe\nMaß\ncut \xC3\n", true},
-        {"ANSI_1251", "\xCA\x96"
-                      "1\n",
+        {"ANSI_1251",
+         "\xCA\x96"
+         "1\n",
          false}, // "К–1"
         {"ANSI_1251", "План К–1\n", true},
         {"ANSI_936", names.constData(), false},

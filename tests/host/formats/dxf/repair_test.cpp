@@ -54,7 +54,8 @@ std::vector<Damage> damages()
                  kEntities + "|0 ENDSEC|0 EOF"),
          "Line 13: LAYER stands in the table BLOCK_RECORD, it is used all the same.", "LINE A | CIRCLE B"},
         {"block records outside of a table",
-         dxfText("0 SECTION|2 TABLES|0 BLOCK_RECORD|5 1F|2 *Model_Space|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|5 A|330 1F|"
+         dxfText("0 SECTION|2 TABLES|0 BLOCK_RECORD|5 1F|2 *Model_Space|0 ENDSEC|0 SECTION|2 ENTITIES|0 "
+                 "LINE|5 A|330 1F|"
                  "100 AcDbEntity|8 0|0 ENDSEC|0 EOF"),
          "Line 5: BLOCK_RECORD stands outside of any table, it is used all the same.", "LINE A"},
         {"a lone vertex", dxfText(kEntities + "|0 VERTEX|5 C|8 0|0 ENDSEC|0 EOF"),

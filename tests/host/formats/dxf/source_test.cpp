@@ -68,17 +68,23 @@ TEST(DxfDecoding, MergesCoordinatesOnlyWhenTheyStandTogether)
 TEST(DxfDecoding, JoinsCoordinatesThatStandInTheOrderOfTheirCodes)
 {
     for (const bool binary : {false, true}) {
-        const ResbufList list = entityGroups("0 LINE|8 0|10 1|11 4|20 2|21 5|30 3|31 6|39 7|10 1|11 2|20 3|40 9|21 4",
-                                             "9 $ACADVER|1 AC1015", binary);
-        const ResbufList expected = {{0, QStringLiteral("LINE")},  {8, QStringLiteral("0")},
-                                     {10, AcGePoint3d(1, 2, 3)},   {11, AcGePoint3d(4, 5, 6)},
-                                     {39, 7.0},                    {10, AcGePoint2d(1, 3)},
-                                     {11, 2.0},                    {40, 9.0},
+        const ResbufList list =
+            entityGroups("0 LINE|8 0|10 1|11 4|20 2|21 5|30 3|31 6|39 7|10 1|11 2|20 3|40 9|21 4",
+                         "9 $ACADVER|1 AC1015", binary);
+        const ResbufList expected = {{0, QStringLiteral("LINE")},
+                                     {8, QStringLiteral("0")},
+                                     {10, AcGePoint3d(1, 2, 3)},
+                                     {11, AcGePoint3d(4, 5, 6)},
+                                     {39, 7.0},
+                                     {10, AcGePoint2d(1, 3)},
+                                     {11, 2.0},
+                                     {40, 9.0},
                                      {21, 4.0}};
         EXPECT_EQ(list, expected) << (binary ? "binary" : "text");
     }
-    const QByteArray bytes = tests::dxfText("0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|5 31|"
-                                     "10 1|11 4|20 2|21 5|30 3|31 6|0 ENDSEC|0 EOF");
+    const QByteArray bytes =
+        tests::dxfText("0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|5 31|"
+                       "10 1|11 4|20 2|21 5|30 3|31 6|0 ENDSEC|0 EOF");
     const auto database = tests::openDxf(bytes);
     tests::setGroup(*database, 0x31, 62, std::int64_t(3));
     const auto again = tests::openDxf(tests::saveDxf(*database));
@@ -132,8 +138,14 @@ TEST(DxfDecoding, TakesOneEncodingForTheWholeFile)
             return entityGroups(groups, old + page, binary)[1].text();
         };
         EXPECT_EQ(first("0 TEXT|1 \xd8\xbd pipe|0 TEXT|1 2\xd7\xbd", "ANSI_1252"), u"Ø½ pipe");
-        EXPECT_EQ(first("0 TEXT|1 \xca\x96""1", "ANSI_1251"), u"К–1");
-        EXPECT_EQ(first("0 TEXT|1 \xc2\xb2|0 TEXT|1 Gr\xf6\xdf""e", "ANSI_1252"), u"Â²");
+        EXPECT_EQ(first("0 TEXT|1 \xca\x96"
+                        "1",
+                        "ANSI_1251"),
+                  u"К–1");
+        EXPECT_EQ(first("0 TEXT|1 \xc2\xb2|0 TEXT|1 Gr\xf6\xdf"
+                        "e",
+                        "ANSI_1252"),
+                  u"Â²");
         EXPECT_EQ(first("0 TEXT|1 \xc2\xb2|0 TEXT|1 Größe|0 TEXT|1 评|0 TEXT|1 \xf6", "ANSI_1252"), u"²");
     }
 }

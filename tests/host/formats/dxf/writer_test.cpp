@@ -196,18 +196,21 @@ TEST(DxfWriter, WritesTextInTheFilesCodePage)
 
 TEST(DxfWriter, EveryTextComesBackWhateverTheFileHolds)
 {
-    const QString texts[] = {QStringLiteral("Ø½\" pipe"), QStringLiteral("Â²Ã©"), QStringLiteral("К–1"),
-                             QStringLiteral("臧红波"), QStringLiteral("岑宏宝"), QStringLiteral("Größe ^ \\U+00B0")};
+    const QString texts[] = {QStringLiteral("Ø½\" pipe"), QStringLiteral("Â²Ã©"),
+                             QStringLiteral("К–1"),       QStringLiteral("臧红波"),
+                             QStringLiteral("岑宏宝"),    QStringLiteral("Größe ^ \\U+00B0")};
     for (const char *const page : {"ANSI_1252", "ANSI_1251", "ANSI_936"}) {
         // A file in its code page, and a UTF-8 file that names it.
         for (const char *const present : {"plain", "\xc6\xbd\xc3\xe6\xcd\xbc", "平面图"}) {
-            const QByteArray groups =
-                tests::smallDrawing().replace("ANSI_1252", page).replace("|1 12", QByteArray("|1 ") + present);
+            const QByteArray groups = tests::smallDrawing()
+                                          .replace("ANSI_1252", page)
+                                          .replace("|1 12", QByteArray("|1 ") + present);
             for (const QString &text : texts) {
                 const auto database = openDxf(dxfText(groups));
                 tests::setGroup(*database, 0x34, 1, text);
                 const auto again = openDxf(saveDxf(*database));
-                EXPECT_EQ(findGroup(tests::groupsOf(*again, 0x34), 1)->text(), text) << page << ' ' << present;
+                EXPECT_EQ(findGroup(tests::groupsOf(*again, 0x34), 1)->text(), text)
+                    << page << ' ' << present;
             }
         }
     }
