@@ -3,13 +3,91 @@
 #include "host/acgi/gidraw.h"
 #include "host/acgi/givisibility.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 
 namespace
 {
 
 /// Entities that one exact box may look at.
 constexpr std::size_t kMostWork = 20000;
+
+/// The outline of points seen from above; see AcGiBlockReach::hull.
+class Hull
+{
+public:
+    void add(const AcGePoint3d &point)
+    {
+        constexpr std::size_t kMost = 4096;
+        if (!(std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z)))
+            return;
+        m_lowest = std::min(m_lowest, point.z);
+        m_highest = std::max(m_highest, point.z);
+        m_points.push_back(point);
+        if (m_points.size() >= kMost)
+            reduce();
+    }
+
+    std::vector<AcGePoint3d> take()
+    {
+        reduce();
+        std::vector<AcGePoint3d> points;
+        for (const AcGePoint3d &point : m_points) {
+            points.emplace_back(point.x, point.y, m_lowest);
+            if (m_highest > m_lowest)
+                points.emplace_back(point.x, point.y, m_highest);
+        }
+        return points;
+    }
+
+private:
+    /// Leaves the corners of the convex polygon.
+    void reduce()
+    {
+        const auto place = [](const AcGePoint3d &p) { return std::pair(p.x, p.y); };
+        std::ranges::sort(m_points, {}, place);
+        const auto [first, last] = std::ranges::unique(m_points, {}, place);
+        m_points.erase(first, last);
+        if (m_points.size() < 3)
+            return;
+        std::vector<AcGePoint3d> corners;
+        const auto walk = [&](auto begin, auto end) {
+            const std::size_t base = corners.size();
+            for (; begin != end; ++begin) {
+                while (corners.size() >= base + 2 && !turnsLeft(corners.end()[-2], corners.back(), *begin))
+                    corners.pop_back();
+                corners.push_back(*begin);
+            }
+            corners.pop_back(); // It begins the way back.
+        };
+        walk(m_points.begin(), m_points.end());
+        walk(m_points.rbegin(), m_points.rend());
+        m_points = std::move(corners);
+    }
+
+    static bool turnsLeft(const AcGePoint3d &a, const AcGePoint3d &b, const AcGePoint3d &c)
+    {
+        return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x) > 0.0;
+    }
+
+    std::vector<AcGePoint3d> m_points;
+    double m_lowest = std::numeric_limits<double>::infinity();
+    double m_highest = -std::numeric_limits<double>::infinity();
+};
+
+/// Boxes stay boxes: every axis goes along one axis.
+bool keepsBoxes(const AcGeMatrix3d &matrix)
+{
+    for (const auto &row : matrix.entry) {
+        const double sum = std::abs(row[0]) + std::abs(row[1]) + std::abs(row[2]);
+        const double largest = std::max({std::abs(row[0]), std::abs(row[1]), std::abs(row[2])});
+        if (sum - largest > 1e-12 * largest)
+            return false;
+    }
+    return true;
+}
 
 class ExtentsSink : public AcGiGeometry
 {
@@ -22,13 +100,15 @@ public:
     {
         ++m_work;
         for (std::uint32_t i = 0; i < count; ++i)
-            reach.box.addPoint(toWorld(points[i]));
+            addPoint(toWorld(points[i]));
     }
 
     void arc(const AcGiArc &arc) override
     {
         ++m_work;
         const AcGiArc world = toWorld(arc);
+        if (m_hull)
+            addAround(world);
         if (world.isWhole()) {
             const AcGeVector3d half(std::hypot(world.u.x, world.v.x), std::hypot(world.u.y, world.v.y),
                                     std::hypot(world.u.z, world.v.z));
@@ -75,7 +155,32 @@ public:
         return true;
     }
 
+protected:
+    /// Also keeps the outline of what is drawn, until it is taken.
+    void keepHull() { m_hull.emplace(); }
+    std::vector<AcGePoint3d> takeHull() { return m_hull->take(); }
+
 private:
+    void addPoint(const AcGePoint3d &point)
+    {
+        reach.box.addPoint(point);
+        if (m_hull)
+            m_hull->add(point);
+    }
+
+    /// Corners of tangents, which leave nothing of the curve outside.
+    void addAround(const AcGiArc &arc)
+    {
+        constexpr int kPerTurn = 64;
+        const int pieces = std::max(1, int(std::ceil(std::abs(arc.sweep) / (2.0 * kGePi) * kPerTurn)));
+        const double half = arc.sweep / pieces / 2.0;
+        const double beyond = 1.0 / std::cos(half);
+        for (int i = 0; i < pieces; ++i)
+            m_hull->add(arc.centre + (arc.at(arc.start + (2 * i + 1) * half) - arc.centre) * beyond);
+        m_hull->add(arc.at(arc.start));
+        m_hull->add(arc.at(arc.start + arc.sweep));
+    }
+
     void addExtremes(const AcGiArc &arc, double u, double v)
     {
         const double extreme = std::atan2(v, u);
@@ -92,14 +197,26 @@ private:
             acgiDrawBlock(record, *this);
             return;
         }
-        const AcGiReach &block = m_blocks->of(record);
-        AcDbExtents instance = block.box;
-        instance.transformBy(modelToWorld());
-        reach.box.addExt(instance);
+        const AcGiBlockReach &block = m_blocks->of(record);
+        const bool isTurned = !keepsBoxes(modelToWorld());
+        static const std::vector<AcGePoint3d> kNone;
+        for (const AcGePoint3d &corner : isTurned || m_hull ? block.hull : kNone) {
+            const AcGePoint3d world = toWorld(corner);
+            if (isTurned)
+                reach.box.addPoint(world);
+            if (m_hull)
+                m_hull->add(world);
+        }
+        if (!isTurned) {
+            AcDbExtents instance = block.box;
+            instance.transformBy(modelToWorld());
+            reach.box.addExt(instance);
+        }
         reach.endless = reach.endless || block.endless;
     }
 
     AcGiBlockExtents *m_blocks;
+    std::optional<Hull> m_hull;
     std::size_t m_work = 0;
 };
 
@@ -110,8 +227,13 @@ public:
     PartsSink(AcGiBlockExtents &blocks, std::unordered_set<QString> &layers)
         : ExtentsSink(&blocks), m_layers(layers)
     {
+        keepHull();
     }
-    AcGiBlockReach block;
+    AcGiBlockReach take()
+    {
+        block.hull = takeHull();
+        return std::move(block);
+    }
 
     void beginEntity(const AcDbEntity &entity) override
     {
@@ -140,6 +262,7 @@ public:
     }
 
 private:
+    AcGiBlockReach block;
     std::unordered_set<QString> &m_layers;
     int m_depth = 0;
 };
@@ -154,7 +277,7 @@ const AcGiBlockReach &AcGiBlockExtents::of(AcDbObjectId blockRecord)
     if (isNew) {
         PartsSink sink(*this, m_layers);
         acgiDrawBlock(blockRecord, sink);
-        block = std::move(sink.block);
+        block = sink.take();
     }
     return block;
 }

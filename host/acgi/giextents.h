@@ -25,6 +25,9 @@ struct AcGiBlockPart {
 /// A block definition in its own coordinates, and all that it shows.
 struct AcGiBlockReach : AcGiReach {
     std::vector<AcGiBlockPart> parts;
+    /// What is drawn lies inside of these points: a convex polygon seen from above, at the lowest and the highest z.
+    /// The box of a turned reference is the box of the turned points.
+    std::vector<AcGePoint3d> hull;
 };
 
 /// Reaches of block definitions, each computed once. Good as long as no block definition changes.
@@ -48,6 +51,6 @@ AcGiReach acgiReach(const AcDbEntity &entity, AcGiBlockExtents &blocks);
 /// without end, kinds that draw nothing). What layers or visibility hide counts too.
 ///
 /// Without `blocks` the box is exact for lines, arcs and texts in inserted blocks, up to a bounded
-/// amount of work; beyond it, and with `blocks`, it is the box around the turned boxes of the blocks.
+/// amount of work; beyond it, and with `blocks`, curves in turned blocks may count a thousandth more.
 Acad::ErrorStatus acgiExtents(const AcDbEntity &entity, AcDbExtents &extents,
                               AcGiBlockExtents *blocks = nullptr);

@@ -117,6 +117,12 @@ class CommandLineTest(ConsoleTest):
 
 
 class InfoTest(ConsoleTest):
+    def test_names_the_version_that_the_file_states(self):
+        for number, name in (("AC1.40", "R1.4"), ("AC1004", "R9"), ("AC1006", "R10"), ("AC1009", "R12"), ("AC1015", "2000")):
+            file = self.write("old.dxf", f"0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n{number}\n0\nENDSEC\n0\nEOF\n")
+            info = json.loads(run("info", file, "--json", "--no-module").stdout)
+            self.assertEqual((info["version"], info["versionNumber"]), (name, number))
+
     def test_tells_what_the_file_holds(self):
         result = run("info", self.drawing, "--json", "--no-module")
         self.expect(result, 0)

@@ -257,6 +257,37 @@ TEST(Extents, InsertsPlaceTheirBlock)
     EXPECT_FALSE(boxOf(drawing, missing).isValid());
 }
 
+TEST(Extents, OfTurnedReferencesAreThoseOfWhatTheyShow)
+{
+    MemoryDrawing drawing;
+    const std::uint64_t diagonal = drawing.block("DIAGONAL");
+    drawing.entity("LINE", {{10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(10, 10, 0)}}, diagonal);
+    const std::uint64_t round = drawing.block("ROUND");
+    drawing.entity("CIRCLE", {{10, AcGePoint3d(0, 0, 0)}, {40, 5.0}}, round);
+    const std::uint64_t nested = drawing.block("NESTED");
+    drawing.entity("INSERT", {{2, "DIAGONAL"}, {10, AcGePoint3d(0, 0, 0)}, {50, -45.0}}, nested);
+    const auto turned = [&](const char *block, double degrees) {
+        return drawing.entity("INSERT", {{2, block}, {10, AcGePoint3d(0, 0, 0)}, {50, degrees}});
+    };
+    const std::uint64_t upright = turned("DIAGONAL", 45.0);
+    const std::uint64_t circle = turned("ROUND", 30.0);
+    const std::uint64_t level = turned("NESTED", 0.0);
+    const auto database = drawing.open();
+    AcGiBlockExtents blocks;
+    const auto size = [&](std::uint64_t handle) {
+        const AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
+        const AcDbExtents box = acgiReach(*entity, blocks).box;
+        return box.maxPoint() - box.minPoint();
+    };
+    const double length = 10 * kRoot2;
+    EXPECT_NEAR(size(upright).x, 0.0, 1e-9);
+    EXPECT_NEAR(size(upright).y, length, 1e-9);
+    EXPECT_NEAR(size(level).x, length, 1e-9);
+    EXPECT_NEAR(size(level).y, 0.0, 1e-9);
+    EXPECT_GE(size(circle).x, 10.0 - 1e-9) << "nothing is outside";
+    EXPECT_NEAR(size(circle).x, 10.0, 0.02);
+}
+
 TEST(Extents, BlocksInBlocksDoNotExplode)
 {
     // Ten inserts in each of twelve levels: 10^12 lines to look at one by one.

@@ -55,6 +55,31 @@ struct MarkLayoutTest : testing::Test {
     MarkView view;
 };
 
+TEST_F(MarkLayoutTest, SizesAreCountedInThePixelsThatPeopleSee)
+{
+    EXPECT_DOUBLE_EQ(layOut().drawUnit, 1.5);
+    view.viewport.pixelRatio = 2.0;
+    EXPECT_DOUBLE_EQ(layOut().drawUnit, 3.0);
+}
+
+TEST_F(MarkLayoutTest, TheHintSaysWhatTheMarkIs)
+{
+    mark->markNumber = 12;
+    mark->subNumber = 3;
+    mark->suggestionName = QStringLiteral("张三");
+    EXPECT_EQ(mark->subHint(), u"12.3  张三\n门宽不足\n（未答复）");
+    EXPECT_FALSE(mark->subIsHidden());
+    mark->displayMode = -1;
+    mark->feedbackType = -1;
+    mark->feedbackContent = QStringLiteral("规范允许");
+    mark->feedbackName = QStringLiteral("李四");
+    EXPECT_EQ(mark->subHint(), u"12.3  张三\n门宽不足\n拒绝修正  规范允许  （李四）");
+    EXPECT_EQ(mark->subTexts(), QStringList({QStringLiteral("门宽不足"), QStringLiteral("规范允许")}));
+    EXPECT_TRUE(mark->subIsHidden());
+    mark->suggestionContent = QString(2000, u'x');
+    EXPECT_LT(mark->subHint().size(), 400);
+}
+
 // What is shown -----------------------------------------------------------------------------------
 
 TEST_F(MarkLayoutTest, APassShowsWhatModeAndSettingsLetItShow)
