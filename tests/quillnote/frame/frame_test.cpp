@@ -119,7 +119,7 @@ TEST_F(FrameTest, CommandsThatAreNotBuiltSaySoAndChangeNothing)
         EXPECT_TRUE(script.printed.contains(QStringLiteral("尚未提供"))) << row.globalName;
     }
     EXPECT_EQ(missing, 27);
-    EXPECT_EQ(commandTable().size(), 65U);
+    EXPECT_EQ(commandTable().size(), 66U);
     EXPECT_FALSE(drawing.database().hasChanges());
 }
 
