@@ -199,18 +199,29 @@ static AcDbObjectId notedLayout(const AcDbDatabase &database)
     return chain.empty() ? AcDbObjectId() : database.getAcDbObjectId(chain.front().handle());
 }
 
-static void noteLayout(AcDbDatabase &database, AcDbObjectId layout)
+static AcDbObjectId addLayoutRecord(AcDbDatabase &database)
 {
-    if (layout == notedLayout(database) ||
-        (layout == database.paperSpaceId() && layoutRecord(database).isNull()))
-        return;
     AcDbObjectPointer<AcDbDictionary> root(acdbEnsureNamedObjects(database), AcDb::kForWrite);
     auto record = std::make_unique<AcDbXrecord>();
     AcDbObjectId id;
     if (!root || root->setAt(kLayoutRecord, record.get(), id) != Acad::eOk)
+        return {};
+    const AcDbObjectPointer<AcDbXrecord> added(record.release()); // Closes it.
+    return id;
+}
+
+static void noteLayout(AcDbDatabase &database, AcDbObjectId layout)
+{
+    AcDbObjectId id = layoutRecord(database);
+    if (id.isNull() && layout == database.paperSpaceId())
+        return; // What the file says without a record.
+    if (id.isNull())
+        id = addLayoutRecord(database);
+    if (layout == notedLayout(database))
         return;
-    AcDbObjectPointer<AcDbXrecord> added(record.release());
-    added->setFromRbChain({{330, layout.handle()}});
+    AcDbObjectPointer<AcDbXrecord> record(id, AcDb::kForWrite);
+    if (record)
+        record->setFromRbChain({{330, layout.handle()}});
 }
 
 void acapKeepLayout(AcDbDatabase &database, AcDbObjectId space)

@@ -25,8 +25,8 @@ struct AcGiBlockPart {
 /// A block definition in its own coordinates, and all that it shows.
 struct AcGiBlockReach : AcGiReach {
     std::vector<AcGiBlockPart> parts;
-    /// What is drawn lies inside of these points: a convex polygon seen from above, at the lowest and the highest z.
-    /// The box of a turned reference is the box of the turned points.
+    /// What is drawn lies inside of these points: a convex polygon seen from above, at the lowest and the
+    /// highest z. The box of a turned reference is the box of the turned points.
     std::vector<AcGePoint3d> hull;
 };
 
