@@ -137,6 +137,14 @@ int StatusLine::hiddenCount(const AcApDocument &document)
     return m_hidden;
 }
 
+/// Grips and highlighting may cover the number of a mark that is chosen.
+static QString nameOfOnly(const std::vector<AcDbObjectId> &pickSet)
+{
+    const AcDbObjectPointer<AcDbEntity> entity(pickSet.size() == 1 ? pickSet.front() : AcDbObjectId(), AcDb::kForRead);
+    const QString name = entity ? entity->subHint().section(u'\n', 0, 0) : QString();
+    return name.isEmpty() ? name : QStringLiteral(" (%1)").arg(name);
+}
+
 static QString factsOf(AcApDocument &document, int hidden)
 {
     QStringList facts{acedIsModelSpaceCurrent(document) && document.enteredViewport().sheet.isNull()
@@ -146,7 +154,7 @@ static QString factsOf(AcApDocument &document, int hidden)
     if (std::abs(degrees) > 1e-9)
         facts += StatusLine::tr("视图扭转 %1°").arg(QString::number(degrees, 'g', 6));
     if (!document.pickSet().empty())
-        facts += StatusLine::tr("已选择 %n 个", nullptr, int(document.pickSet().size()));
+        facts += StatusLine::tr("已选择 %n 个", nullptr, int(document.pickSet().size())) + nameOfOnly(document.pickSet());
     if (hidden > 0)
         facts += StatusLine::tr("%n 个标签已隐藏", nullptr, hidden);
     return facts.join(QStringLiteral("   "));
