@@ -14,6 +14,8 @@
 
 #include <map>
 
+class QHelpEvent;
+
 namespace window
 {
 
