@@ -84,7 +84,6 @@ static QImage painted(AcApDocument &document, AcDbObjectId space, AcGiViewport v
     view.paperSpace = space != document.database()->modelSpaceId();
     AcGiPaintOptions options;
     options.background = background;
-    options.imageFolder = QFileInfo(document.fileName()).path();
     return acedPicture(*document.database(), space, view, options);
 }
 
