@@ -9,7 +9,6 @@
 #include "host/aced/edview.h"
 
 #include <QBuffer>
-#include <QFileInfo>
 #include <QImageReader>
 
 #include <algorithm>
