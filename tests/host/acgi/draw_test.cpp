@@ -99,7 +99,7 @@ TEST(Points, OfDimensionsAreDots)
     MemoryDrawing drawing;
     drawing.headerVariable("$PDMODE", {{70, 34}});
     const std::uint64_t point = drawing.entity("POINT", {{10, AcGePoint3d(1, 2, 0)}}, drawing.block("*D7"));
-    EXPECT_EQ(drawn(drawing, point).lines, QStringList("marker (1 2) 0 0 0"));
+    EXPECT_EQ(drawn(drawing, point).lines, QStringList("marker (1 2) 0 0 0.000"));
 }
 
 TEST(Splines, ClosePeriodicallyAndThroughFitPoints)

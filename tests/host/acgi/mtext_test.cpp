@@ -97,7 +97,7 @@ TEST(MText, ShowsWhatTheCodesSay)
         {"\\C999;\\c;\\H.x;\\W0;a", {"a"}},
         {"{\\C1word} then; more",
          {"word", " then; more"}}, // No end of the number: the text is not swallowed.
-        {"\\H2xtall; \\Q15slant; {\\fArial}a;", {"tall; ", "slant; ", "a;"}},
+        {"\\H2xtall; \\Q15slant; {\\fArial}a;", {"tall; ", "slant; a;"}},
         {"", {}},
     };
     for (const auto &[coded, words] : rows)
