@@ -145,7 +145,8 @@ static double twistOf(const QuillnoteObj3 &mark)
 }
 
 /// No picture tells its background: a column fills a target as well. What makes now most like then was it.
-static QImage paintedLike(AcApDocument &document, AcDbObjectId space, const AcGiViewport &view, const QImage &then)
+static QImage paintedLike(AcApDocument &document, AcDbObjectId space, const AcGiViewport &view,
+                          const QImage &then)
 {
     constexpr double kGoodEnough = 0.8;
     QImage best;
