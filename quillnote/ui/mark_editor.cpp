@@ -10,8 +10,8 @@
 #include "host/aced/edfrontend.h"
 #include "host/aced/edmessage.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -358,7 +358,7 @@ void CAddMarkWnd::putIntoBank()
 
 std::optional<MarkEditorValue> runMarkEditor(const MarkEditorStart &start)
 {
-    CAddMarkWnd editor(start);
+    CAddMarkWnd editor(start, QApplication::activeWindow());
     if (editor.doModal() != QDialog::Accepted)
         return {};
     saveRectangle({editor.pos(), editor.size()});

@@ -11,7 +11,7 @@
 #include "host/acui/acuifile.h"
 #include "host/base/file_bytes.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QScreen>
 #include <QScrollBar>
 
@@ -174,6 +174,8 @@ void CSetup::watchChanges()
         connect(button, &QAbstractButton::toggled, this, &CSetup::showSample);
     connect(m_form->id1003, &QLineEdit::textChanged, this, &CSetup::showSample);
     connect(m_form->id1052, &QCheckBox::toggled, this, [this](bool on) {
+        if (on && itemText(kLayerName).isEmpty())
+            setItemText(kLayerName, settings::text(u"LayerName"));
         setItemEnabled(kNoPlot, on);
         setItemEnabled(kLayerName, on);
     });
@@ -294,7 +296,7 @@ void CSetup::accept()
 
 std::optional<SetupValues> runSetup(const SetupValues &start)
 {
-    CSetup dialog(start);
+    CSetup dialog(start, QApplication::activeWindow());
     if (dialog.doModal() != QDialog::Accepted)
         return {};
     return dialog.values();

@@ -49,7 +49,7 @@ class WordsTest(unittest.TestCase):
             self.assertEqual((folder / f"{name}.txt").read_bytes().decode(encoding), "门净宽不足\r\n窗台过低\r\n")
 
     def test_the_phrase_bank(self):
-        stored, result = mark(['set 1003 "自己的意见"', "click 1037", "set 1003 \"\"", "click 1036", 'set 1001 "自己"', "ok",
+        stored, result = mark(['set 1003 "自己的意见"', "click 1037", "ok", 'set 1003 ""', "click 1036", 'set 1001 "自己"', "ok",
                                "ok"], self.plan, "bank.dxf")  # fmt: skip
         self.assertEqual(stored["suggestionContent"], "自己的意见")
         self.assertIn("成功入库.", result.stdout + result.stderr)
