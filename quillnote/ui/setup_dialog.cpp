@@ -156,6 +156,12 @@ SetupValues CSetup::values() const
 /// With a large font or on a small screen the settings are scrolled, the buttons stay.
 void CSetup::fitScreen()
 {
+    for (const int number : {int(kModelHeight), int(kSheetHeight), int(kLayerName)})
+        item(number)->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("评图标签专用")));
+    // Sizes are right once fonts and style have reached everything.
+    for (QWidget *widget : findChildren<QWidget *>())
+        widget->ensurePolished();
+    m_form->page->layout()->invalidate();
     const QSize screen =
         QGuiApplication::primaryScreen()->availableSize() - QSize(16, 48); // Frame and title.
     const QSize wanted = m_form->page->sizeHint();
