@@ -98,7 +98,7 @@ TEST_F(MarkEditorTest, TheFolderAndTheSourceAreChosenFromTheMenu)
 TEST_F(MarkEditorTest, WithoutThePhraseBankNothingChanges)
 {
     settings::setText(u"Location", folder.path());
-    const QString printed = draw({"set 1003 \"文\"", "click 1036", "click 1037", "ok"});
+    const QString printed = draw({"set 1003 \"文\"", "click 1036", "ok", "click 1037", "ok", "ok"});
     settings::setText(u"Location", u"");
     EXPECT_EQ(printed.count(QStringLiteral("调用PhraseBank_DLL.dll错误.")), 2);
     EXPECT_EQ(newest().text, QStringLiteral("文"));
