@@ -16,7 +16,7 @@ LARGEST_FILE = 4 * 1024 * 1024
 BUILT = ("host/", "quillnote/", "app/", "helpers/", "tests/", "bench/", "fuzz/")
 # Drawings, data files and golden references keep their bytes, whatever they are.
 OURS = re.compile(r"(\.(h|cpp|py|md|txt|cmake|json|ui|conf|yml)|^run$|^test$|/(run|setup|build|demonstration|fuzz|in_empty_folder))$")
-DATA = re.compile(r"^(samples|tests/corpus)/|/golden/|/data/")
+DATA = re.compile(r"^(samples|tests/corpus|quillnote/resources/phrases)/|/golden/|/data/")
 MACHINE_PATH = re.compile(r"(?<![\w.$}-])/(?:home|root|work|Users|mnt)/\w")
 
 

@@ -27,6 +27,7 @@
 namespace window
 {
 
+static const QColor kChosenPlace(255, 140, 0);
 static const QString kBackground = QStringLiteral("BACKGROUNDCOLOR");
 
 DrawingView::DrawingView(WindowFrontEnd &frontEnd, QWidget *parent)
@@ -48,6 +49,10 @@ DrawingView::DrawingView(WindowFrontEnd &frontEnd, QWidget *parent)
     connect(&m_frontEnd, &WindowFrontEnd::promptChanged, this, &DrawingView::promptChanged);
     connect(&m_frontEnd, &WindowFrontEnd::chosenShown, this,
             [this](const std::vector<AcDbObjectId> &chosen) { m_chosen = chosen; });
+    connect(&m_frontEnd, &WindowFrontEnd::placeShown, this, [this](const std::vector<AcGePoint3d> &outline) {
+        m_place = outline;
+        update();
+    });
     m_watch.setInterval(50);
     connect(&m_watch, &QTimer::timeout, this, &DrawingView::lookForChanges);
     acDocManager()->addReactor(this);
@@ -525,7 +530,27 @@ void DrawingView::paintEvent(QPaintEvent *)
     painter.scale(1.0 / ratio, 1.0 / ratio);
     m_picture.paint(painter);
     m_highlight.paint(painter);
+    paintPlace(painter);
     m_pointing.paint(painter);
+}
+
+void DrawingView::paintPlace(QPainter &painter) const
+{
+    if (m_place.empty())
+        return;
+    QPolygonF outline;
+    const AcGeMatrix3d toPixel = pointingView(*curDoc()).worldToPixel();
+    for (const AcGePoint3d &point : m_place) {
+        const AcGePoint3d pixel = toPixel * point;
+        outline.append({pixel.x, pixel.y});
+    }
+    painter.save();
+    painter.setPen(QPen(kChosenPlace, 2 * devicePixelRatioF(), Qt::DashLine));
+    if (outline.size() > 2)
+        painter.drawPolygon(outline);
+    else
+        painter.drawPolyline(outline);
+    painter.restore();
 }
 
 } // namespace window

@@ -95,6 +95,7 @@ private:
     void viewMoved(AcApDocument &document);
     void showDocument(AcApDocument &document, bool mayHaveChanged);
     void showHighlight();
+    void paintPlace(QPainter &painter) const;
     void showCursor();
     bool mayRead() const;
     void pressRight(QMouseEvent &event);
@@ -122,6 +123,7 @@ private:
     AcGiViewport m_view;
     QColor m_background = Qt::black;
     std::vector<AcDbObjectId> m_chosen;                  ///< Of a selection that is being made.
+    std::vector<AcGePoint3d> m_place;                    ///< What a dialog is about; world.
     std::size_t m_pickSetSize = 0;                       ///< As it was shown last.
     std::map<const AcApDocument *, FittedView> m_fitted; ///< Documents whose view has this widget's pixels.
     QElapsedTimer m_lastMove;                            ///< By hand.

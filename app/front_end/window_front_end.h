@@ -33,6 +33,7 @@ public:
     QStringList heldKeys() const override;
     std::optional<QRect> drawingWindow() const override;
     void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
+    void showPlace(const std::vector<AcGePoint3d> &outline) override { Q_EMIT placeShown(outline); }
     void focusDrawing() override;
     bool progress(const QString &what, double share) override;
     AcEdDrawingKeeper *drawingKeeper() override { return m_drawingKeeper; }
@@ -69,6 +70,8 @@ Q_SIGNALS:
     void printed(const QString &text);
     /// As AcEdFrontEnd::showChosen().
     void chosenShown(const std::vector<AcDbObjectId> &entities);
+    /// As AcEdFrontEnd::showPlace().
+    void placeShown(const std::vector<AcGePoint3d> &outline);
     /// As AcEdFrontEnd::progress(). A slot that wants the work to stop calls stopWork().
     void progressed(const QString &what, double share);
 

@@ -113,6 +113,9 @@ public:
     virtual std::optional<QRect> drawingWindow() const { return std::nullopt; }
     /// What the running command's selection has chosen so far; nothing when the command ends.
     virtual void showChosen(const std::vector<AcDbObjectId> & /*entities*/) {}
+    /// An outline over the drawing (world; two points are a line) that stays where it is: what a dialog is
+    /// about. Empty takes it away.
+    virtual void showPlace(const std::vector<AcGePoint3d> & /*outline*/) {}
     /// Brings the input back to the drawing after another window had it.
     virtual void focusDrawing() {}
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when

@@ -33,6 +33,8 @@ static QString askPerson(const QString &title, const QString &defaultPath, const
         patterns.append(QStringLiteral("*.") + ending);
     const QString filter = patterns.isEmpty() ? QString() : patterns.join(u' ');
     QWidget *owner = QApplication::activeWindow();
+    if (flags & kAcUiFolder)
+        return QFileDialog::getExistingDirectory(owner, title, defaultPath);
     if (flags & kAcUiSaveFile)
         return QFileDialog::getSaveFileName(owner, title, defaultPath, filter);
     return QFileDialog::getOpenFileName(owner, title, defaultPath, filter);
@@ -57,7 +59,9 @@ static QString askScript(const QString &title, int flags)
         return refuse(QStringLiteral("%1: @%2 does not answer it").arg(what, *line));
     if (action->text.isEmpty())
         return refuse(QStringLiteral("%1: the path is empty").arg(what));
-    if (!(flags & kAcUiSaveFile) && !QFileInfo(action->text).isFile())
+    if ((flags & kAcUiFolder) && !QFileInfo(action->text).isDir())
+        return refuse(QStringLiteral("%1: there is no folder %2").arg(what, action->text));
+    if (!(flags & (kAcUiSaveFile | kAcUiFolder)) && !QFileInfo(action->text).isFile())
         return refuse(QStringLiteral("%1: there is no file %2").arg(what, action->text));
     return action->text;
 }

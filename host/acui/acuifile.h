@@ -1,4 +1,4 @@
-// The file dialog.
+// The file dialog, which asks for folders as well.
 #pragma once
 
 #include "host/aced/edinput.h"
@@ -6,6 +6,7 @@
 enum AcUiFileFlag : int {
     kAcUiOpenFile = 0, ///< An existing file.
     kAcUiSaveFile = 1, ///< A new file, or one to be replaced.
+    kAcUiFolder = 2,   ///< An existing folder; endings do not apply.
 };
 
 /// Asks for a file. `extensions` are the wanted name endings, separated by semicolons
@@ -14,6 +15,7 @@ enum AcUiFileFlag : int {
 /// path; RTCAN when the user leaves the dialog.
 ///
 /// In a scripted run the line "@file "path"" answers ("@cancel" leaves it); a relative path counts from the
-/// folder that the program was started in. A file to open that does not exist is refused.
+/// folder that the program was started in. A file to open or a
+/// folder that does not exist is refused.
 int acedGetFileD(const QString &title, const QString &defaultPath, const QString &extensions, int flags,
                  QString &path);

@@ -1,6 +1,7 @@
 #include "quillnote/authoring/rectangle_mark.h"
 
 #include "quillnote/authoring/editor_mark.h"
+#include "quillnote/authoring/keyword_text.h"
 #include "quillnote/authoring/pick_points.h"
 #include "quillnote/snapshot/pending_snapshot.h"
 
@@ -11,7 +12,7 @@ void openEditorForRectangle(const AcGePoint3d &a, const AcGePoint3d &b)
     NewMark request;
     request.corner1 = a;
     request.corner2 = b;
-    if (makeMarkFromEditor(request).isNull())
+    if (makeMarkFromEditor(request, keywordText(pendingSnapshot().fingerprint.ids)).isNull())
         pendingSnapshot().reset();
 }
 

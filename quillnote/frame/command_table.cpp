@@ -13,6 +13,7 @@
 #include "quillnote/authoring/rectangle_mark.h"
 #include "quillnote/authoring/redraw_marks.h"
 #include "quillnote/authoring/renumber.h"
+#include "quillnote/authoring/setup.h"
 #include "quillnote/authoring/show_text.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
@@ -97,7 +98,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_DataFileOut", "QN3_DataFileOut", kModal, {"QN3_DataFileOut", "QN3f1"}, QN3_DataFileOut},
     {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, QN3_DataFileIn},
     {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, QN3_DataFileInQuiet},
-    {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, nullptr},
+    {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, QN3_Setup},
     {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
     {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},

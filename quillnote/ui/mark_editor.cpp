@@ -1,17 +1,43 @@
 #include "quillnote/ui/mark_editor.h"
 
 #include "quillnote/frame/settings/settings.h"
+#include "quillnote/ui/installed_programs.h"
+#include "quillnote/ui/phrase_bank.h"
+#include "quillnote/ui/phrase_folder.h"
+#include "quillnote/ui/recent_phrases.h"
 #include "ui_201.h"
 
 #include "host/aced/edfrontend.h"
+#include "host/aced/edmessage.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QCloseEvent>
 #include <QKeyEvent>
+#include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QTextCursor>
 
-enum Control : int { kText = 1003, kDrawDirectly = 1055, kOk = 1 };
+enum Control : int {
+    kText = 1003,
+    kSketch = 1035,
+    kFromBank = 1036,
+    kIntoBank = 1037,
+    kDrawDirectly = 1055,
+};
+enum Item : int {
+    kShowFolder = 202,
+    kChooseFolder = 203,
+    kUpload = 206,
+    kNextSource = 207,
+    kDownload = 209,
+    kHelp = 57670
+};
 
 static constexpr QSize kSmallestLayout(200, 20);
+static constexpr QSize kDesigned(900, 156); ///< The form below its menu bar.
+
+// The window's place -----------------------------------------------------------------------------
 
 QRect markEditorRectangle(const QRect &saved, const QSize &screen)
 {
@@ -19,8 +45,9 @@ QRect markEditorRectangle(const QRect &saved, const QSize &screen)
     const bool outside = saved.left() < 0 || saved.top() < 0 ||
                          saved.left() + saved.width() > screen.width() ||
                          saved.top() + saved.height() > screen.height();
+    const int width = std::min(900, screen.width());
     if (none || outside)
-        return {screen.width() / 2 - 450, 0, 900, 180};
+        return {(screen.width() - width) / 2, 0, width, 180};
     return saved;
 }
 
@@ -39,15 +66,65 @@ static void saveRectangle(const QRect &rectangle)
     settings::setNumber(u"bottom", rectangle.top() + rectangle.height());
 }
 
-CAddMarkWnd::CAddMarkWnd(const MarkEditorValue &start, QWidget *parent)
-    : CAcUiDialog(parent), m_form(std::make_unique<Ui::MarkEditor>()), m_start(start)
+/// With a large font the buttons need more than what is usual.
+int CAddMarkWnd::heightThatFits() const
+{
+    double factor = 1.0;
+    for (const auto &[control, designed] : m_designed) {
+        if (!qobject_cast<const QPlainTextEdit *>(control))
+            factor = std::max(factor, double(control->sizeHint().height()) / designed.height());
+    }
+    return m_menus->sizeHint().height() + qRound(kDesigned.height() * factor);
+}
+
+void CAddMarkWnd::place()
+{
+    const QRect saved = savedRectangle();
+    QRect rectangle = markEditorRectangle(saved, QGuiApplication::primaryScreen()->size());
+    if (rectangle != saved)
+        rectangle.setHeight(std::max(rectangle.height(), heightThatFits()));
+    move(rectangle.topLeft());
+    resize(rectangle.size());
+}
+
+// Every control keeps its share of the window.
+void CAddMarkWnd::resizeEvent(QResizeEvent *event)
+{
+    CAcUiDialog::resizeEvent(event);
+    const int menuHeight = m_menus->sizeHint().height();
+    m_menus->setGeometry(0, 0, width(), menuHeight);
+    const QSize now(width(), height() - menuHeight);
+    if (now.width() < kSmallestLayout.width() || now.height() < kSmallestLayout.height())
+        return;
+    const double across = double(now.width()) / kDesigned.width();
+    const double down = double(now.height()) / kDesigned.height();
+    for (const auto &[control, designed] : m_designed)
+        control->setGeometry(qRound(designed.x() * across), menuHeight + qRound(designed.y() * down),
+                             qRound(designed.width() * across), qRound(designed.height() * down));
+}
+
+// The dialog -------------------------------------------------------------------------------------
+
+CAddMarkWnd::CAddMarkWnd(const MarkEditorStart &start, QWidget *parent)
+    : CAcUiDialog(parent), m_form(std::make_unique<Ui::MarkEditor>()), m_start(start),
+      m_menus(new QMenuBar(this))
 {
     m_form->setupUi(this);
     connectOkCancel();
-    m_laidOut = size();
+    for (const int number :
+         {int(kText), int(kFromBank), int(kIntoBank), kAcUiOk, kAcUiCancel, int(kDrawDirectly), int(kSketch)})
+        m_designed.emplace_back(item(number), item(number)->geometry());
+    m_menus->setNativeMenuBar(false);
+    buildMenus();
+    connect(m_form->id1036, &QPushButton::clicked, this, &CAddMarkWnd::getFromBank);
+    connect(m_form->id1037, &QPushButton::clicked, this, &CAddMarkWnd::putIntoBank);
+    connect(m_form->id1035, &QPushButton::clicked, this, [this] {
+        if (m_start.sketch)
+            m_value.sketchFile = m_start.sketch();
+    });
     setItemText(kText, start.text);
     setChecked(kDrawDirectly, settings::number(u"derectDraw") == 1);
-    setGeometry(markEditorRectangle(savedRectangle(), QGuiApplication::primaryScreen()->size()));
+    place();
     item(kText)->setFocus();
 }
 
@@ -55,7 +132,7 @@ CAddMarkWnd::~CAddMarkWnd() = default;
 
 MarkEditorValue CAddMarkWnd::value() const
 {
-    MarkEditorValue answer = m_start;
+    MarkEditorValue answer = m_value;
     answer.text = itemText(kText);
     return answer;
 }
@@ -67,6 +144,8 @@ bool CAddMarkWnd::drawsDirectly() const
 
 bool CAddMarkWnd::preTranslateKey(QKeyEvent *event)
 {
+    if (event->key() == Qt::Key_Escape)
+        return !mayDropText();
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const Qt::KeyboardModifiers held =
         event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
@@ -78,30 +157,211 @@ bool CAddMarkWnd::preTranslateKey(QKeyEvent *event)
     return true;
 }
 
-// Every control keeps its share of the window.
-void CAddMarkWnd::resizeEvent(QResizeEvent *event)
+void CAddMarkWnd::closeEvent(QCloseEvent *event)
 {
-    CAcUiDialog::resizeEvent(event);
-    const QSize now = event->size();
-    if (now.width() < kSmallestLayout.width() || now.height() < kSmallestLayout.height() ||
-        m_laidOut.isEmpty())
-        return;
-    const double across = double(now.width()) / m_laidOut.width();
-    const double down = double(now.height()) / m_laidOut.height();
-    for (QWidget *control : findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-        const QRect old = control->geometry();
-        control->setGeometry(qRound(old.x() * across), qRound(old.y() * down), qRound(old.width() * across),
-                             qRound(old.height() * down));
-    }
-    m_laidOut = now;
+    if (mayDropText())
+        CAcUiDialog::closeEvent(event);
+    else
+        event->ignore();
 }
 
-std::optional<MarkEditorValue> runMarkEditor(const MarkEditorValue &start)
+/// The Cancel button says what it does; Esc is easily hit.
+bool CAddMarkWnd::mayDropText()
 {
-    CAddMarkWnd editor(start);
+    const QString text = itemText(kText);
+    return text == m_start.text || text.trimmed().isEmpty() ||
+           acedAsk(QStringLiteral("放弃已输入的文字？"), AcEdButtons::yesNo) == AcEdButton::yes;
+}
+
+/// As if typed, so that Ctrl+Z takes it back.
+void CAddMarkWnd::putText(const QString &text)
+{
+    QTextCursor cursor(m_form->id1003->document());
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text);
+    m_form->id1003->moveCursor(QTextCursor::End);
+}
+
+void CAddMarkWnd::appendText(const QString &text)
+{
+    QTextCursor cursor(m_form->id1003->document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText(text);
+    m_form->id1003->moveCursor(QTextCursor::End);
+}
+
+// Menus ------------------------------------------------------------------------------------------
+
+QAction *CAddMarkWnd::newItem(QMenu &menu, const PhraseItem &item)
+{
+    QString label = item.label;
+    auto *action = new QAction(label.replace(u'&', QStringLiteral("&&")), &menu);
+    action->setObjectName(acuiObjectName(item.number));
+    if (item.text != item.label)
+        action->setToolTip(item.text.toHtmlEscaped().replace(u'\n', QStringLiteral("<br>")));
+    // The item may be gone when its work is done: the menus are built anew.
+    connect(action, &QAction::triggered, this, [this, number = item.number] { menuChosen(number); });
+    return action;
+}
+
+void CAddMarkWnd::fillMenu(QMenu &menu, const PhrasePopup &popup)
+{
+    for (const PhraseItem &item : popup.items) {
+        if (item.number)
+            menu.addAction(newItem(menu, item));
+        else
+            menu.addSeparator();
+    }
+}
+
+QMenu *CAddMarkWnd::addMenu(const PhrasePopup &popup)
+{
+    QString title = popup.title;
+    QMenu *const menu = m_menus->addMenu(title.replace(u'&', QStringLiteral("&&")));
+    menu->setToolTipsVisible(true);
+    fillMenu(*menu, popup);
+    return menu;
+}
+
+void CAddMarkWnd::addSettingsMenu()
+{
+    PhrasePopup popup{QStringLiteral("【帮助与设置】"), {}};
+    const auto add = [&](int number, const QString &label) { popup.items.push_back({number, label, label}); };
+    if (!m_library.fromXml) {
+        add(kShowFolder, QStringLiteral("查看常用知识条目所在文件夹"));
+        add(kChooseFolder, QStringLiteral("设置常用知识条目所在文件夹"));
+        popup.items.push_back({});
+    }
+    add(kHelp, QStringLiteral("帮助"));
+    popup.items.push_back({});
+    if (!m_library.fromXml)
+        add(kUpload, QStringLiteral("把常用知识条目上传到评图云"));
+    add(kNextSource, m_library.fromXml ? QStringLiteral("下次使用本地的常用知识")
+                                       : QStringLiteral("下次使用来自评图云的常用知识"));
+    add(kDownload, QStringLiteral("从评图云选择下载专业与大类知识条目"));
+    addMenu(popup);
+    menuItem(kNextSource)->setCheckable(true);
+}
+
+void CAddMarkWnd::buildMenus()
+{
+    for (QMenu *menu : m_menus->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {
+        menu->setParent(nullptr); // Its items are not found any more; one of them may be at work.
+        menu->deleteLater();
+    }
+    m_menus->clear();
+    m_phraseMenus.clear();
+    m_library = loadPhraseLibrary();
+    m_recent = recentPhrases();
+    addSettingsMenu();
+    m_recentMenu = addMenu(recentPopup(m_recent));
+    for (const PhrasePopup &popup : phrasePopups(m_library))
+        m_phraseMenus.push_back(addMenu(popup));
+}
+
+void CAddMarkWnd::menuChosen(int number)
+{
+    if (number >= kFirstPhraseItem && number < kFirstPlusItem)
+        return choosePhrase(number - kFirstPhraseItem);
+    if (number >= kFirstPlusItem && number < kFirstRecentItem)
+        return addPhraseTo(number - kFirstPlusItem);
+    if (number >= kFirstRecentItem && number <= kLastPhraseItem)
+        return chooseRecent(number - kFirstRecentItem);
+    switch (number) {
+    case kShowFolder:
+        return showPhraseFolder();
+    case kChooseFolder:
+        if (choosePhraseFolder())
+            buildMenus();
+        return;
+    case kHelp:
+        return openPhraseHelp();
+    case kUpload:
+        return uploadPhrases(m_library);
+    case kNextSource:
+        return toggleSource();
+    case kDownload:
+        return downloadPhrases();
+    }
+}
+
+void CAddMarkWnd::choosePhrase(int index)
+{
+    if (index >= int(m_library.phrases.size()))
+        return;
+    const Phrase &phrase = m_library.phrases[std::size_t(index)];
+    keepRecentPhrase(phrase.text);
+    m_recent = recentPhrases();
+    m_recentMenu->clear();
+    fillMenu(*m_recentMenu, recentPopup(m_recent));
+    m_value.weight = phrase.weight;
+    m_value.smallCategory = phrase.category;
+    m_value.bigCategory = m_library.bigCategory;
+    takePhrase(phrase.text);
+}
+
+void CAddMarkWnd::chooseRecent(int position)
+{
+    if (position < m_recent.size())
+        takePhrase(m_recent[position]);
+}
+
+void CAddMarkWnd::takePhrase(const QString &text)
+{
+    if (!drawsDirectly())
+        return appendText(text);
+    putText(text);
+    accept();
+}
+
+/// What the editor holds becomes a phrase of that menu.
+void CAddMarkWnd::addPhraseTo(int menu)
+{
+    const QString text = itemText(kText).trimmed();
+    if (text.isEmpty() || m_library.fromXml || menu >= int(m_phraseMenus.size()))
+        return;
+    const PhraseMenu &target = m_library.menus[std::size_t(menu)];
+    if (!storePhrase(target.file, text))
+        return;
+    const auto index = int(m_library.phrases.size());
+    Phrase phrase = parsePhrase(text);
+    phrase.category = target.name;
+    m_library.phrases.push_back(phrase);
+    if (index >= kMostPhrases)
+        return; // The numbers behind belong to other items; the next opening shows it.
+    QMenu &shown = *m_phraseMenus[std::size_t(menu)];
+    shown.insertAction(shown.actions().value(0), newItem(shown, phraseItem(index, phrase.text)));
+}
+
+void CAddMarkWnd::toggleSource()
+{
+    const int next = settings::number(u"useXmlMenu") == 1 ? 0 : 1;
+    settings::setNumber(u"useXmlMenu", next);
+    menuItem(kNextSource)->setChecked((next == 1) != m_library.fromXml);
+}
+
+// The phrase bank --------------------------------------------------------------------------------
+
+void CAddMarkWnd::getFromBank()
+{
+    const std::optional<QString> found = callPhraseBank(m_start.keywordText);
+    if (!found)
+        return;
+    appendText(itemText(kText).isEmpty() || found->isEmpty() ? *found : QStringLiteral("\r\n") + *found);
+    item(kText)->setFocus();
+}
+
+void CAddMarkWnd::putIntoBank()
+{
+    callAddToSelfDefLib(itemText(kText));
+}
+
+std::optional<MarkEditorValue> runMarkEditor(const MarkEditorStart &start)
+{
+    CAddMarkWnd editor(start, QApplication::activeWindow());
     if (editor.doModal() != QDialog::Accepted)
         return {};
-    saveRectangle(editor.geometry());
+    saveRectangle({editor.pos(), editor.size()});
     settings::setNumber(u"derectDraw", editor.drawsDirectly() ? 1 : 0);
     return editor.value();
 }

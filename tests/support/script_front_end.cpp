@@ -48,6 +48,10 @@ std::optional<AcEdAnswer> ScriptFrontEnd::answer(const AcEdPrompt &prompt)
 std::optional<QString> ScriptFrontEnd::dialogLine(const QString &what)
 {
     dialogs.append(what);
+    // What only tells something needs no line; boxes of the widget layer name their buttons.
+    const bool isAlert = what.startsWith(u"message box ") && what.endsWith(u"(@ok)");
+    if (isAlert && (m_dialogLines.empty() || m_dialogLines.front() != u"ok"))
+        return QStringLiteral("ok");
     if (m_dialogLines.empty())
         return std::nullopt;
     const QString next = m_dialogLines.front();

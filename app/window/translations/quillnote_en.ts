@@ -1285,6 +1285,207 @@ Remove objects: </translation>
         <translation>
 Please open: %1</translation>
     </message>
+    <message>
+        <source>颜色</source>
+        <translation>Colours</translation>
+    </message>
+    <message>
+        <source>选择颜色</source>
+        <translation>Choose Colour</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>颜色号：</source>
+        <translation>Colour number:</translation>
+    </message>
+    <message>
+        <source>随层</source>
+        <translation>By Layer</translation>
+    </message>
+    <message>
+        <source>随块</source>
+        <translation>By Block</translation>
+    </message>
+    <message>
+        <source>没有文字。</source>
+        <translation>There is no text.</translation>
+    </message>
+    <message>
+        <source>知识库文件 %1 不能打开：%2</source>
+        <translation>The phrase bank %1 cannot be opened: %2</translation>
+    </message>
+    <message>
+        <source>知识库文件是更新版本的程序写的。</source>
+        <translation>The phrase bank was written by a newer version of the program.</translation>
+    </message>
+    <message>
+        <source>知识库不能读写：%1</source>
+        <translation>The phrase bank cannot be read or written: %1</translation>
+    </message>
+    <message>
+        <source>&lt; %1 &gt;文件不是ANSI编码，请用记事本打开并以ANSI格式保存。</source>
+        <translation>The file &lt; %1 &gt; has no ANSI encoding. Open it in a text editor and save it as ANSI.</translation>
+    </message>
+</context>
+<context>
+    <name>bank::CBankSetupWnd</name>
+    <message>
+        <source>选择默认检索知识库</source>
+        <translation>Phrase Bank to Search</translation>
+    </message>
+    <message>
+        <source>导入知识条目文件…</source>
+        <translation>Import a Phrase File…</translation>
+    </message>
+    <message>
+        <source>导出为知识条目文件…</source>
+        <translation>Export as a Phrase File…</translation>
+    </message>
+    <message>
+        <source>删除</source>
+        <translation>Remove</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>默认检索：</source>
+        <translation>Searched:</translation>
+    </message>
+    <message>
+        <source>全部</source>
+        <translation>All</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1（%n 条）</source>
+        <translation>
+            <numerusform>%1 (%n phrase)</numerusform>
+            <numerusform>%1 (%n phrases)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>导入知识条目文件</source>
+        <translation>Import a Phrase File</translation>
+    </message>
+    <message>
+        <source>导入 %1 条，其中 %2 条是新的。</source>
+        <translation>%1 phrases imported, %2 of them new.</translation>
+    </message>
+    <message>
+        <source>导出为知识条目文件</source>
+        <translation>Export as a Phrase File</translation>
+    </message>
+    <message numerus="yes">
+        <source>已导出 %n 条。</source>
+        <translation>
+            <numerusform>%n phrase exported.</numerusform>
+            <numerusform>%n phrases exported.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>删除“%1”的全部条目？</source>
+        <translation>Remove all phrases of “%1”?</translation>
+    </message>
+</context>
+<context>
+    <name>bank::CKeywordsWnd</name>
+    <message>
+        <source>定义知识库检索关键词</source>
+        <translation>Keywords of the Phrase Bank</translation>
+    </message>
+    <message>
+        <source>靶区内的图层名、图块名或文字含有关键词或其同义词时，含有它们的条目排在前面。</source>
+        <translation>Where a layer, block or text in the target holds a keyword or a synonym, the phrases that hold them stand first.</translation>
+    </message>
+    <message>
+        <source>几个词之间用逗号或顿号隔开</source>
+        <translation>several words, divided by commas</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>删除</source>
+        <translation>Remove</translation>
+    </message>
+    <message>
+        <source>关闭</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>关键词：</source>
+        <translation>Keyword:</translation>
+    </message>
+    <message>
+        <source>同义词：</source>
+        <translation>Synonyms:</translation>
+    </message>
+    <message>
+        <source>请输入关键词。</source>
+        <translation>Type a keyword.</translation>
+    </message>
+</context>
+<context>
+    <name>bank::CPhraseBankWnd</name>
+    <message>
+        <source>知识库</source>
+        <translation>Phrase Bank</translation>
+    </message>
+    <message>
+        <source>输入文字即检索，几个词之间用空格隔开</source>
+        <translation>type to search; several words are divided by blanks</translation>
+    </message>
+    <message>
+        <source>全部</source>
+        <translation>All</translation>
+    </message>
+    <message>
+        <source>条目</source>
+        <translation>Phrase</translation>
+    </message>
+    <message>
+        <source>命中</source>
+        <translation>Hit By</translation>
+    </message>
+    <message>
+        <source>分类</source>
+        <translation>Category</translation>
+    </message>
+    <message>
+        <source>选用次数</source>
+        <translation>Chosen</translation>
+    </message>
+    <message>
+        <source>选用</source>
+        <translation>Insert</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 条</source>
+        <translation>
+            <numerusform>%n phrase</numerusform>
+            <numerusform>%n phrases</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>只显示前 %n 条</source>
+        <translation>
+            <numerusform>only the first %n phrases</numerusform>
+            <numerusform>only the first %n phrases</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>ink::Overlay</name>

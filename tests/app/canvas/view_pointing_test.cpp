@@ -134,6 +134,25 @@ TEST_F(ViewPointing, RunningSelectionsTakeClicksAndWindows)
     EXPECT_THAT(chosen, ElementsAre(1u, 2u, 0u));
 }
 
+TEST_F(ViewPointing, ThePlaceThatADialogIsAboutStaysVisible)
+{
+    const auto orange = [&](QPoint place) {
+        const QColor color = stage.view.grab().toImage().pixelColor(place);
+        return color.red() > 150 && color.blue() < 60;
+    };
+    QStringList seen;
+    const auto look = [&] { seen.append(QString::number(orange(at(-150, -100)))); };
+    stage.play({[&] {
+        look();
+        stage.frontEnd.showPlace({{-150, -100, 0}, {-50, -100, 0}, {-50, -40, 0}, {-150, -40, 0}});
+        look();
+        stage.frontEnd.showPlace({});
+        look();
+        stage.type("");
+    }});
+    EXPECT_EQ(seen.join(u' '), QStringLiteral("0 1 0"));
+}
+
 TEST_F(ViewPointing, DeleteErasesThePickSet)
 {
     stage.play({[&] { stage.click(at(60, 0)); }, [&] { QTest::keyClick(&stage.view, Qt::Key_Delete); }});

@@ -1,0 +1,87 @@
+#include "helpers/phrase_bank/bank_files.h"
+
+#include "host/base/atomic_file.h"
+#include "host/base/file_bytes.h"
+#include "host/base/host_text.h"
+#include "host/base/phrase_file.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+
+#include <dlfcn.h>
+
+namespace bank
+{
+
+std::vector<Entry> readPhraseFile(const QString &path)
+{
+    const auto bytes = base::readFileBytes(path);
+    if (!bytes)
+        throw Trouble(bytes.error().text());
+    const auto text = qsizetype(bytes->size()) <= kLargestPhraseFile
+                          ? decodePhraseBytes(QByteArrayView(bytes->data(), qsizetype(bytes->size())))
+                          : std::nullopt;
+    if (!text)
+        throw Trouble(Host::tr("< %1 >文件不是ANSI编码，请用记事本打开并以ANSI格式保存。").arg(path));
+    const QString title = QFileInfo(path).completeBaseName();
+    std::vector<Entry> entries;
+    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases)
+        entries.push_back({title, phrase.text, phrase.weight});
+    return entries;
+}
+
+/// Marks that a phrase file takes for something else lose their meaning when a blank stands inside.
+static QString harmless(QString text)
+{
+    for (const QString &mark :
+         {QStringLiteral("//"), QStringLiteral(";;;"), QStringLiteral("'''"), QStringLiteral("@@@"),
+          QStringLiteral("[[["), QStringLiteral("]]]"), QStringLiteral("$$$"), QStringLiteral("{{{"),
+          QStringLiteral("}}}"), QStringLiteral("------"), QStringLiteral("______"), QStringLiteral("———")}) {
+        while (text.contains(mark))
+            text.replace(mark, mark.first(1) + u' ' + mark.sliced(1));
+    }
+    return text;
+}
+
+QByteArray asPhraseFile(const std::vector<Entry> &entries)
+{
+    const bool inParagraphs = std::any_of(entries.begin(), entries.end(),
+                                          [](const Entry &entry) { return entry.text.contains(u'\n'); });
+    QString text = inParagraphs ? QStringLiteral("ByLine = 0\r\n") : QString();
+    bool isFirst = true;
+    for (const Entry &entry : entries) {
+        if (inParagraphs && !std::exchange(isFirst, false))
+            text += QStringLiteral("------------\r\n");
+        if (entry.weight)
+            text += phraseTag(entry.weight);
+        text += harmless(entry.text) + QStringLiteral("\r\n");
+    }
+    bool isLossless = false;
+    const QByteArray chinese = base::TextCodec("ANSI_936").encode(text, isLossless);
+    // What would be read as UTF-8 is written so.
+    return isLossless && !base::looksLikeUtf8({chinese.data(), std::size_t(chinese.size())}) ? chinese
+                                                                                             : text.toUtf8();
+}
+
+void writePhraseFile(const QString &path, const std::vector<Entry> &entries)
+{
+    if (const auto written = base::writeFileAtomically(path, asPhraseFile(entries)); !written)
+        throw Trouble(written.error().text());
+}
+
+void fillNewBank(Bank &bank)
+{
+    Dl_info info{};
+    if (!bank.isNew() || dladdr(reinterpret_cast<const void *>(&fillNewBank), &info) == 0 || !info.dli_fname)
+        return;
+    // The name of the folder that the module reads.
+    const QDir shipped(QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() +
+                       QStringLiteral("/\u5E38\u7528\u77E5\u8BC6"));
+    for (const QFileInfo &file : shipped.entryInfoList({QStringLiteral("*.txt")}, QDir::Files, QDir::Name))
+        bank.add(shipped.dirName(), readPhraseFile(file.absoluteFilePath()));
+}
+
+} // namespace bank
