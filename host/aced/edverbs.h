@@ -22,9 +22,13 @@ struct AcEdVerbOption {
 
 struct AcEdVerbCall {
     bool json = false;                  ///< Every verb knows it.
-    std::map<QString, QString> options; ///< Given options; switches have an empty value.
+    std::map<QString, QString> options; ///< Given options, "-o" and "-f" of AcEdVerbSaving among them; switches have
+                                        ///< an empty value.
     bool has(const QString &name) const { return options.count(name) > 0; }
 };
+
+/// Whether the program saves the drawing elsewhere when the verb is done: "-o OUT", which overwrites with "-f".
+enum class AcEdVerbSaving { never, optional, required };
 
 struct AcEdVerb {
     QString name;
@@ -32,6 +36,7 @@ struct AcEdVerb {
     std::vector<AcEdVerbOption> options;
     /// Prints to standard output; the result is the exit status (0 done, 1 findings, 2 trouble).
     std::function<int(const AcEdVerbCall &)> run;
+    AcEdVerbSaving saving = AcEdVerbSaving::never;
 };
 
 /// Part of a drawing that something of a module names.

@@ -18,6 +18,9 @@
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
 #include "quillnote/reports/text_report.h"
+#include "quillnote/snapshot/commands/compare_snapshots.h"
+#include "quillnote/snapshot/commands/delete_pictures.h"
+#include "quillnote/snapshot/commands/refresh_snapshots.h"
 #include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
@@ -84,7 +87,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_ShowText", "QN3_ShowText", kModal, kAsNamed, QN3_ShowText},
     {"QN3_reNumber", "QN3_reNumber", kModal, kAsNamed, QN3_reNumber},
     {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, QN8_editNumber},
-    {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, nullptr},
+    {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, QN3_delSnapBitmapAll},
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
     {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},
     {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, nullptr},
@@ -96,8 +99,8 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
     {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
-    {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, nullptr},
-    {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, nullptr},
+    {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
+    {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, QN3_compareSnapshot},
     {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, nullptr},
     {"QN3_FullSnapshotView", "QN3_FullSnapView", kModal, {"QN3_FullSnapshotView", "QN3_FullSnapshotView"}, QN3_FullSnapshotView},
     {"QN3_gotoWWW", "QN3_gotoWWW", kModal, kAsNamed, QN3_gotoWWW},

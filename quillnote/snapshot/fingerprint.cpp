@@ -1,11 +1,16 @@
 #include "quillnote/snapshot/fingerprint.h"
 
+#include "quillnote/entity/mark_record.h"
+
+#include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
-#include "host/aced/edselect.h"
+#include "host/acgi/gispatialindex.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <functional>
 
 static constexpr int kColor = 62;
 
@@ -92,22 +97,53 @@ std::int32_t fingerprintSum(const QString &text, std::int32_t sum)
     return static_cast<std::int32_t>(wrapping);
 }
 
-static ResbufList withoutMarks()
+bool isReviewMark(AcDbObjectId entity)
 {
-    return {{-4, QStringLiteral("<not")}, {0, QStringLiteral("QUILLNOTE*")}, {-4, QStringLiteral("not>")}};
+    return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
+}
+
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const AcGiWindow &window)
+{
+    std::vector<AcDbObjectId> ids = acgiSpatialIndex(database).crossingWindow(space, window);
+    std::erase_if(ids, isReviewMark);
+    std::ranges::sort(ids, std::greater(), [](AcDbObjectId id) { return id.stub()->index; });
+    return ids;
+}
+
+// Extended data cannot count, its codes being above 99, so it is not asked for.
+std::int32_t FingerprintTaker::sumOf(AcDbObjectId entity)
+{
+    const auto [place, isNew] = m_sums.try_emplace(entity, 0);
+    if (isNew)
+        place->second = fingerprintSum(fingerprintText(acdbEntGetX(entity)));
+    return place->second;
+}
+
+TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const AcGiWindow &window)
+{
+    TargetFingerprint fingerprint;
+    fingerprint.ids = targetEntities(m_database, space, window);
+    if (fingerprint.ids.empty())
+        return fingerprint;
+    std::uint32_t sum = 0; // Wraps.
+    for (const AcDbObjectId id : fingerprint.ids)
+        sum += static_cast<std::uint32_t>(sumOf(id));
+    fingerprint.checksum = QStringLiteral("SUM=%1").arg(static_cast<std::int32_t>(sum));
+    return fingerprint;
+}
+
+AcGiWindow targetWindow(const QuillnoteObj3 &mark)
+{
+    const double angle = std::atan2(mark.xDirection.y, mark.xDirection.x);
+    return AcGiWindow::fromCorners(mark.targetCorner1, mark.targetCorner2, angle);
 }
 
 TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
 {
-    const AcGePoint3d point1 = acedTrans(corner1, AcEdSpace::world, AcEdSpace::ucs);
-    const AcGePoint3d point2 = acedTrans(corner2, AcEdSpace::world, AcEdSpace::ucs);
-    TargetFingerprint fingerprint;
-    if (acedSSGet(QStringLiteral("C"), &point1, &point2, withoutMarks(), fingerprint.ids) != RTNORM)
+    const AcApDocument *const document = curDoc();
+    if (!document)
         return {};
-    std::int32_t sum = 0;
-    // Extended data cannot count, its codes being above 99, so it is not asked for.
-    for (const AcDbObjectId id : fingerprint.ids)
-        sum = fingerprintSum(fingerprintText(acdbEntGetX(id)), sum);
-    fingerprint.checksum = QStringLiteral("SUM=%1").arg(sum);
-    return fingerprint;
+    AcDbDatabase &database = *document->database();
+    return FingerprintTaker(database).take(database.currentSpaceId(),
+                                           AcGiWindow::fromCorners(corner1, corner2, -document->view().twist));
 }
