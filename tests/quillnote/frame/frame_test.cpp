@@ -102,24 +102,19 @@ TEST_F(FrameTest, TheDemandLoadRecordNamesTheRecordedCommands)
     EXPECT_EQ(localName("QN8_editNumber"), QString());
 }
 
-// The number shrinks as commands are built.
 TEST_F(FrameTest, CommandsThatAreNotBuiltSaySoAndChangeNothing)
 {
     tests::ScriptFrontEnd script;
     load();
     const tests::OpenDrawing drawing(tests::MemoryDrawing().open());
-    int missing = 0;
     for (const CommandRow &row : commandTable()) {
         if (row.function)
             continue;
-        ++missing;
         script.printed.clear();
         acedEditor()->runCommand(QString::fromLatin1(row.globalName));
         EXPECT_TRUE(script.printed.contains(QString::fromLatin1(row.globalName))) << row.globalName;
         EXPECT_TRUE(script.printed.contains(QStringLiteral("尚未提供"))) << row.globalName;
     }
-    EXPECT_EQ(missing, 31);
-    EXPECT_EQ(commandTable().size(), 65U);
     EXPECT_FALSE(drawing.database().hasChanges());
 }
 
