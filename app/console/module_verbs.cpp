@@ -45,6 +45,22 @@ static const AcEdVerbOption *oneOutput(const AcEdVerb &verb, const AcEdVerbCall 
     return found == verb.options.end() ? nullptr : &*found;
 }
 
+/// Files that are written when all drawings have been seen: what stands in the way is told before any is
+/// opened.
+static bool mayWriteShared(const AcEdVerb &verb, const AcEdVerbCall &call)
+{
+    const Overwrite overwrite = overwriteOf(call);
+    for (const AcEdVerbOption &option : verb.options) {
+        if (option.value != QLatin1String("OUT") || !call.has(option.name))
+            continue;
+        if (const auto planned = planSharedOutput(call.options.at(option.name), overwrite); !planned) {
+            printMessageLine(planned.error());
+            return false;
+        }
+    }
+    return true;
+}
+
 int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerbCall &call)
 {
     const AcEdVerbOption *const output = oneOutput(verb, call);
@@ -54,6 +70,8 @@ int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerb
                              .arg(files.size()));
         return kTrouble;
     }
+    if (!mayWriteShared(verb, call))
+        return kTrouble;
     const auto saveTo = call.options.find(kOutputOption);
     const bool saves = verb.saving != AcEdVerbSaving::never && saveTo != call.options.end();
     const auto targets = planOutputs(files, saves ? saveTo->second : QString(), overwriteOf(call));
@@ -65,6 +83,8 @@ int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerb
     for (qsizetype i = 0; i < files.size(); ++i)
         status = std::max(status,
                           runOnFile(verb, files[i], (*targets)[i], call, files.size() > 1 && !call.json));
+    if (verb.finish && status != kTrouble)
+        status = std::max(status, std::clamp(verb.finish(call), int(kDone), int(kTrouble)));
     return status;
 }
 

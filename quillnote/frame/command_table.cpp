@@ -20,9 +20,11 @@
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
+#include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_sheet.h"
 #include "quillnote/reports/text_report.h"
 #include "quillnote/reports/web_report.h"
+#include "quillnote/reports/xml_report.h"
 #include "quillnote/snapshot/commands/compare_snapshots.h"
 #include "quillnote/snapshot/commands/delete_pictures.h"
 #include "quillnote/snapshot/commands/refresh_snapshots.h"
@@ -67,7 +69,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
     {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, QN3_outputHtml},
     {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
-    {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, nullptr},
+    {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, QN8_ToXml},
     {"qn8_quillNoteYun", "quillNoteYun", kModal, kAsNamed, qn8_quillNoteYun},
     {"QN8_menuToYun", "QN8_menuToYun", kModal, kAsNamed, QN8_menuToYun},
     {"qn8_runPush", "qn8_runPush", kModal, kAsNamed, qn8_runPush},
@@ -112,6 +114,8 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_HelpOnline", "QN3_HelpOnline", kModal, kAsNamed, QN3_HelpOnline},
     {"ptbq0", "ptbqMenu0", kModal, kNotRecorded, ptbq0},
     {"ptbq", "ptbqMenu", kModal, kNotRecorded, ptbq},
+    // Commands of later versions stand behind the others.
+    {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
 };
 // clang-format on
 

@@ -1,7 +1,21 @@
-#include "quillnote/reports/xml_document.h"
+#include "quillnote/reports/xml_report.h"
 
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
+#include "quillnote/frame/settings/install_folder.h"
+#include "quillnote/frame/settings/settings.h"
+#include "quillnote/reports/mark_selection.h"
+#include "quillnote/reports/report_path.h"
+#include "quillnote/reports/report_start.h"
+#include "quillnote/reports/xml_project.h"
+
+#include "host/aced/edfrontend.h"
+#include "host/aced/edmessage.h"
+#include "host/aced/edshell.h"
+#include "host/base/atomic_file.h"
+#include "host/os/shell.h"
+
+#include <QFileInfo>
 
 #include <tinyxml.h>
 
@@ -30,7 +44,7 @@ static std::string xmlText(QString text)
         if (!isKnownToXml(text[i]) || (text[i].isSurrogate() && !isPaired(text, i)))
             text[i] = QChar::ReplacementCharacter;
     }
-    return text.replace(QLatin1String("&#x"), kAmpersand + QLatin1String("#x")).toStdString();
+    return text.replace(QLatin1String("&#x"), QString(kAmpersand) + QLatin1String("#x")).toStdString();
 }
 
 // Records -----------------------------------------------------------------------------------------
@@ -79,21 +93,95 @@ static void addMark(TiXmlElement &record, const XmlProject &project, const Quill
         addText(record, name);
 }
 
-QByteArray xmlDocument(const XmlProject &project, std::span<const AcDbObjectId> marks)
+XmlReport::XmlReport() : m_document(std::make_unique<TiXmlDocument>()), m_root(new TiXmlElement("opdetail"))
 {
-    TiXmlDocument document;
-    document.LinkEndChild(new TiXmlDeclaration("1.0", "UTF-8", ""));
-    auto *const root = new TiXmlElement("opdetail");
-    document.LinkEndChild(root);
-    for (const AcDbObjectId id : marks) {
-        const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    m_document->LinkEndChild(new TiXmlDeclaration("1.0", "UTF-8", ""));
+    m_document->LinkEndChild(m_root);
+}
+
+XmlReport::~XmlReport() = default;
+
+bool XmlReport::isEmpty() const
+{
+    return m_root->NoChildren();
+}
+
+void XmlReport::add(const XmlProject &project, std::span<const ReportedMark> marks)
+{
+    for (const ReportedMark &each : marks) {
+        const AcDbObjectPointer<QuillnoteObj3> mark(each.id, AcDb::kForRead);
         if (!mark || mark->displayMode == -1)
             continue;
         auto *const record = new TiXmlElement("oneRecord");
-        root->LinkEndChild(record);
+        m_root->LinkEndChild(record);
         addMark(*record, project, *mark);
     }
+}
+
+QByteArray XmlReport::document() const
+{
     TiXmlPrinter printer;
-    document.Accept(&printer);
+    m_document->Accept(&printer);
     return QByteArray(printer.CStr(), qsizetype(printer.Size())).replace(QString(kAmpersand).toUtf8(), "&amp;");
+}
+
+QString xmlReportPath(const QString &drawing)
+{
+    QString path = withoutDrawingEnding(drawing) + QStringLiteral(".xml");
+    for (int k = 1; QFileInfo::exists(path); ++k)
+        path = withoutDrawingEnding(drawing + u'_' + QString::number(k)) + QStringLiteral(".xml");
+    return path;
+}
+
+// The command -------------------------------------------------------------------------------------
+
+static const QString kHandedOver = QStringLiteral("Yun_tmpXmlFn");
+
+static bool writeDocument(const XmlReport &report, const QString &path)
+{
+    const auto written = base::writeFileAtomically(path, report.document());
+    if (!written) {
+        acutPrintf(u'\n' + written.error().text());
+        acedAlert(QStringLiteral("创建文件<%1>失败！").arg(path));
+    }
+    return written.ok();
+}
+
+/// The program reads the document's path from the settings.
+static void handOver(const QString &path)
+{
+    acedOpenWithDesktop(path);
+    const QString program = installedFile(QStringLiteral("Yun\\reviewUploadExe.exe"));
+    if (!QFileInfo::exists(program)) {
+        acedAlert(
+            QStringLiteral("%1程序文件未找到，请重新安装CAD评图标签软件云模块！").arg(program));
+        return;
+    }
+    settings::setText(kHandedOver, path);
+    os::startProgram(program, {}, installFolder());
+}
+
+void QN8_ToXml()
+{
+    settings::setText(kHandedOver, QString());
+    const auto drawing = savedDrawingPath();
+    if (!drawing)
+        return;
+    const QString path = xmlReportPath(*drawing);
+    const auto marks = selectMarks();
+    if (!marks || marks->empty())
+        return;
+    const auto project = askXmlProject(QFileInfo(*drawing).fileName());
+    XmlReport report;
+    report.add(project.value_or(XmlProject()), *marks);
+    if (!writeDocument(report, path))
+        return;
+    const QString question = QStringLiteral("已经输出XML格式的审图意见文件:\n\n    <%1>\n\n如果需要上传到评图云，请先运行"
+                                            "评图云并登陆您的账号，然后点Y继续。");
+    if (acedAsk(question.arg(path), AcEdButtons::yesNo) != AcEdButton::yes)
+        return;
+    if (project)
+        handOver(path);
+    else
+        acedAlert(QStringLiteral("生成XML文件错误！"));
 }
