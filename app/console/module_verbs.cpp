@@ -17,8 +17,8 @@ static Overwrite overwriteOf(const AcEdVerbCall &call)
     return call.has(kOverwriteOption) ? Overwrite::yes : Overwrite::no;
 }
 
-static int runOnFile(const AcEdVerb &verb, const QString &file, const QString &target, const AcEdVerbCall &call,
-                     bool titled)
+static int runOnFile(const AcEdVerb &verb, const QString &file, const QString &target,
+                     const AcEdVerbCall &call, bool titled)
 {
     const OpenDrawing drawing(file);
     if (!drawing.document())
@@ -81,8 +81,8 @@ int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerb
     }
     int status = kDone;
     for (qsizetype i = 0; i < files.size(); ++i)
-        status = std::max(status,
-                          runOnFile(verb, files[i], (*targets)[i], call, files.size() > 1 && !call.json));
+        status =
+            std::max(status, runOnFile(verb, files[i], (*targets)[i], call, files.size() > 1 && !call.json));
     if (verb.finish && status != kTrouble)
         status = std::max(status, std::clamp(verb.finish(call), int(kDone), int(kTrouble)));
     return status;

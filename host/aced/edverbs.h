@@ -23,12 +23,13 @@ struct AcEdVerbOption {
 
 struct AcEdVerbCall {
     bool json = false;                  ///< Every verb knows it.
-    std::map<QString, QString> options; ///< Given options, "-o" and "-f" of AcEdVerbSaving among them; switches have
-                                        ///< an empty value.
+    std::map<QString, QString> options; ///< Given options, "-o" and "-f" of AcEdVerbSaving among them;
+                                        ///< switches have an empty value.
     bool has(const QString &name) const { return options.count(name) > 0; }
 };
 
-/// Whether the program saves the drawing elsewhere when the verb is done: "-o OUT", which overwrites with "-f".
+/// Whether the program saves the drawing elsewhere when the verb is done: "-o OUT", which overwrites with
+/// "-f".
 enum class AcEdVerbSaving { never, optional, required };
 
 struct AcEdVerb {

@@ -166,8 +166,8 @@ AcEdVerb reportVerb()
                      QStringLiteral("Write the text report of one drawing, as the report command does.")}};
     for (const SharedReport &each : kSharedReports)
         verb.options.push_back({nameOf(each), QStringLiteral("OUT"), QString::fromLatin1(each.help)});
-    verb.options.push_back({kXml, QStringLiteral("OUT"),
-                            QStringLiteral("Write the marks of all drawings as an XML document.")});
+    verb.options.push_back(
+        {kXml, QStringLiteral("OUT"), QStringLiteral("Write the marks of all drawings as an XML document.")});
     verb.options.push_back({QStringLiteral("-f"), {}, QStringLiteral("Let OUT overwrite.")});
     const auto reviews = std::make_shared<std::vector<Review>>();
     const auto xml = std::make_shared<XmlReport>();

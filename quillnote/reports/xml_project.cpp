@@ -8,14 +8,16 @@
 
 /// Rows of the dialog in their order; the first one is the drawing's name and never remembered.
 static constexpr std::array kRows{
-    &XmlProject::fileName,       &XmlProject::projectName, &XmlProject::subProjectName, &XmlProject::projectCode,
-    &XmlProject::projectManager, &XmlProject::discipline,  &XmlProject::designCompany,  &XmlProject::designer,
-    &XmlProject::designPhase,    &XmlProject::drawingName, &XmlProject::drawingNumber};
+    &XmlProject::fileName,      &XmlProject::projectName,    &XmlProject::subProjectName,
+    &XmlProject::projectCode,   &XmlProject::projectManager, &XmlProject::discipline,
+    &XmlProject::designCompany, &XmlProject::designer,       &XmlProject::designPhase,
+    &XmlProject::drawingName,   &XmlProject::drawingNumber};
 
 static QStringList captions()
 {
-    const QString all = QStringLiteral("文件名:,  项目名称:,  子项目名:,  项目编号:,  项目负责人:,  专业名称:,   设计公司:, "
-                                       "设计人:, 设计阶段:, 图纸名称:, 图纸序号:");
+    const QString all =
+        QStringLiteral("文件名:,  项目名称:,  子项目名:,  项目编号:,  项目负责人:,  专业名称:,   设计公司:, "
+                       "设计人:, 设计阶段:, 图纸名称:, 图纸序号:");
     QStringList captions;
     for (const QString &caption : all.split(u','))
         captions.append(caption.trimmed());

@@ -19,5 +19,6 @@ struct XmlProject {
     QString drawingNumber;
 };
 
-/// Shows the dialog. What is typed is remembered for the next time, unless it is empty. None when it was cancelled.
+/// Shows the dialog. What is typed is remembered for the next time, unless it is empty. None when it was
+/// cancelled.
 std::optional<XmlProject> askXmlProject(const QString &fileName);

@@ -21,14 +21,15 @@
 
 // Texts -------------------------------------------------------------------------------------------
 
-/// Stands for the "&" that the library would take for the beginning of a character reference and pass on as it is. No
-/// text has it: it is one of the characters that are for such uses only.
+/// Stands for the "&" that the library would take for the beginning of a character reference and pass on as
+/// it is. No text has it: it is one of the characters that are for such uses only.
 static constexpr QChar kAmpersand(0xFDD0);
 
 static bool isKnownToXml(QChar unit)
 {
     const char16_t code = unit.unicode();
-    return (code >= 0x20 || code == u'\t' || code == u'\n' || code == u'\r') && code < 0xFFFE && unit != kAmpersand;
+    return (code >= 0x20 || code == u'\t' || code == u'\n' || code == u'\r') && code < 0xFFFE &&
+           unit != kAmpersand;
 }
 
 /// True when the unit is half of a character whose other half is there.
@@ -88,8 +89,8 @@ static void addMark(TiXmlElement &record, const XmlProject &project, const Quill
     addText(record, "paperNumber", project.drawingNumber);
     addText(record, "paperName", project.drawingName);
     addText(record, "designPhase", project.designPhase);
-    for (const char *name : {"addOne", "addTwo", "addThree", "addFour", "addFive", "image1", "image2", "image3",
-                             "image4", "image5"})
+    for (const char *name : {"addOne", "addTwo", "addThree", "addFour", "addFive", "image1", "image2",
+                             "image3", "image4", "image5"})
         addText(record, name);
 }
 
@@ -122,7 +123,8 @@ QByteArray XmlReport::document() const
 {
     TiXmlPrinter printer;
     m_document->Accept(&printer);
-    return QByteArray(printer.CStr(), qsizetype(printer.Size())).replace(QString(kAmpersand).toUtf8(), "&amp;");
+    return QByteArray(printer.CStr(), qsizetype(printer.Size()))
+        .replace(QString(kAmpersand).toUtf8(), "&amp;");
 }
 
 QString xmlReportPath(const QString &drawing)
@@ -153,8 +155,7 @@ static void handOver(const QString &path)
     acedOpenWithDesktop(path);
     const QString program = installedFile(QStringLiteral("Yun\\reviewUploadExe.exe"));
     if (!QFileInfo::exists(program)) {
-        acedAlert(
-            QStringLiteral("%1程序文件未找到，请重新安装CAD评图标签软件云模块！").arg(program));
+        acedAlert(QStringLiteral("%1程序文件未找到，请重新安装CAD评图标签软件云模块！").arg(program));
         return;
     }
     settings::setText(kHandedOver, path);
@@ -176,8 +177,9 @@ void QN8_ToXml()
     report.add(project.value_or(XmlProject()), *marks);
     if (!writeDocument(report, path))
         return;
-    const QString question = QStringLiteral("已经输出XML格式的审图意见文件:\n\n    <%1>\n\n如果需要上传到评图云，请先运行"
-                                            "评图云并登陆您的账号，然后点Y继续。");
+    const QString question =
+        QStringLiteral("已经输出XML格式的审图意见文件:\n\n    <%1>\n\n如果需要上传到评图云，请先运行"
+                       "评图云并登陆您的账号，然后点Y继续。");
     if (acedAsk(question.arg(path), AcEdButtons::yesNo) != AcEdButton::yes)
         return;
     if (project)

@@ -24,8 +24,8 @@ public:
     /// A record for each mark, in their order. Marks that are hidden or cannot be read are left out.
     void add(const XmlProject &project, std::span<const ReportedMark> marks);
     bool isEmpty() const;
-    /// UTF-8 without a mark of byte order. Characters that XML does not know (control characters, half surrogates) are
-    /// U+FFFD.
+    /// UTF-8 without a mark of byte order. Characters that XML does not know (control characters, half
+    /// surrogates) are U+FFFD.
     QByteArray document() const;
 
 private:
@@ -33,8 +33,8 @@ private:
     TiXmlElement *m_root;
 };
 
-/// Command: asks for marks and for the data of the project, writes the document beside the drawing, and on request
-/// hands it to the cloud program.
+/// Command: asks for marks and for the data of the project, writes the document beside the drawing, and on
+/// request hands it to the cloud program.
 void QN8_ToXml();
 
 /// "/p/a.dwg" gives "/p/a_dwg.xml", or "/p/a_dwg_1.xml" ... when there is such a file.

@@ -31,11 +31,13 @@ bool isReviewMark(AcDbObjectId entity);
 /// The target of a mark: the window that its fingerprint is of, in the mark's own space.
 AcGiWindow targetWindow(const QuillnoteObj3 &mark);
 
-/// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or not.
-std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const AcGiWindow &window);
+/// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or
+/// not.
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
+                                         const AcGiWindow &window);
 
-/// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share is
-/// read once.
+/// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share
+/// is read once.
 class FingerprintTaker
 {
 public:
@@ -44,10 +46,10 @@ public:
     TargetFingerprint take(AcDbObjectId space, const AcGiWindow &window);
 
 private:
-    std::int32_t sumOf(AcDbObjectId entity);
+    std::uint32_t sumOf(AcDbObjectId entity);
 
     AcDbDatabase &m_database;
-    std::unordered_map<AcDbObjectId, std::int32_t> m_sums;
+    std::unordered_map<AcDbObjectId, std::uint32_t> m_sums; ///< Of the data of each, wrapped.
 };
 
 /// The text of an entity's data list that the checksum counts: "(code,value)" of each group of 0 to 99 but

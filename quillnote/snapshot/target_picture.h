@@ -13,7 +13,8 @@ class AcDbDatabase;
 class AcDbObjectId;
 class QuillnoteObj3;
 
-/// The part of a drawing between two opposite corners (world), in a rectangle whose lower side is turned by `angle`.
+/// The part of a drawing between two opposite corners (world), in a rectangle whose lower side is turned by
+/// `angle`.
 struct TargetPlace {
     TargetPlace(const AcGePoint3d &corner1, const AcGePoint3d &corner2, double sideAngle);
     /// As the mark stands.
@@ -26,8 +27,8 @@ struct TargetPlace {
     double height;
 };
 
-/// The view that shows just the target in a picture of `size` pixels, upright. It depends on nothing else, so that
-/// pictures of one size lie on each other pixel by pixel. None for a target or a size without area.
+/// The view that shows just the target in a picture of `size` pixels, upright. It depends on nothing else, so
+/// that pictures of one size lie on each other pixel by pixel. None for a target or a size without area.
 std::optional<AcGiViewport> targetView(const TargetPlace &target, QSize size);
 
 /// A size that suits the target: its longer side has so many pixels. Empty for a target without area.

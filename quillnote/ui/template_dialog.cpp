@@ -83,7 +83,8 @@ void CTmpExcel::paintEvent(QPaintEvent *event)
     CAcUiDialog::paintEvent(event);
 }
 
-std::optional<QStringList> runFieldDialog(CTmpExcel &dialog, const std::function<std::optional<QString>()> &pick)
+std::optional<QStringList> runFieldDialog(CTmpExcel &dialog,
+                                          const std::function<std::optional<QString>()> &pick)
 {
     for (;;) {
         const int result = dialog.doModal();

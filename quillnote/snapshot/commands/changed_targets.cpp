@@ -13,7 +13,8 @@ static bool hasNoSnapshot(const QuillnoteObj3 &mark)
            mark.snapImage.isEmpty() && mark.fullImage.isEmpty();
 }
 
-static std::size_t countMissing(const std::vector<AcDbObjectId> &these, const std::vector<AcDbObjectId> &among)
+static std::size_t countMissing(const std::vector<AcDbObjectId> &these,
+                                const std::vector<AcDbObjectId> &among)
 {
     const std::unordered_set<AcDbObjectId> known(among.begin(), among.end());
     return std::size_t(std::ranges::count_if(these, [&](AcDbObjectId id) { return !known.contains(id); }));

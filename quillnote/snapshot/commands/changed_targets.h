@@ -29,8 +29,8 @@ struct TargetComparison {
     bool stopped = false;            ///< By the progress; the rest was not looked at.
 };
 
-/// Marks of one drawing. A mark whose outline code is negative has no target of its own and is passed over; so is
-/// a leader mark that was never given a snapshot.
+/// Marks of one drawing. A mark whose outline code is negative has no target of its own and is passed over;
+/// so is a leader mark that was never given a snapshot.
 TargetComparison compareTargets(AcDbDatabase &database, std::span<const AcDbObjectId> marks,
                                 const base::Progress &progress = {});
 

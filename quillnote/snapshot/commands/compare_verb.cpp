@@ -220,8 +220,9 @@ AcEdVerb compareVerb()
 {
     AcEdVerb verb;
     verb.name = QStringLiteral("compare");
-    verb.help = QStringLiteral("Tell which marked places have changed since their snapshots were taken, or between "
-                               "two drawings");
+    verb.help =
+        QStringLiteral("Tell which marked places have changed since their snapshots were taken, or between "
+                       "two drawings");
     verb.options = {
         {kWith, QStringLiteral("OLD"), QStringLiteral("Compare each marked place with this drawing.")},
         {kPictures, QStringLiteral("DIR"),
@@ -240,17 +241,21 @@ static int refresh(const AcEdVerbCall &call)
     const auto marks = marksToRefresh(*acdbCurDwg());
     if (!marks)
         return 0;
-    const auto isOpenToAll = [](const QString &hash) { return hash.isEmpty() || sameHash(hash, unlockedHash()); };
+    const auto isOpenToAll = [](const QString &hash) {
+        return hash.isEmpty() || sameHash(hash, unlockedHash());
+    };
     const RefreshResult result = refreshSnapshots(marks->ids, isOpenToAll);
     if (call.json)
         acedPrintResult(QJsonObject{{QStringLiteral("file"), curDoc()->fileName()},
                                     {QStringLiteral("refreshed"), result.refreshed},
                                     {QStringLiteral("skipped"), result.skipped}});
     else
-        acedPrintResult(QStringLiteral("%1 refreshed, %2 left as they were\n").arg(result.refreshed).arg(result.skipped));
+        acedPrintResult(
+            QStringLiteral("%1 refreshed, %2 left as they were\n").arg(result.refreshed).arg(result.skipped));
     if (result.skipped > 0)
-        acutPrintf(QStringLiteral("\nmarks with a password and marks on locked layers stay as they are; the command "
-                                  "QN3_freshSnapshot asks for passwords"));
+        acutPrintf(
+            QStringLiteral("\nmarks with a password and marks on locked layers stay as they are; the command "
+                           "QN3_freshSnapshot asks for passwords"));
     return 0;
 }
 

@@ -122,10 +122,9 @@ QImage sideBySide(const TwoPictures &given)
         return {};
     both.fill(Qt::gray);
     QPainter painter(&both);
-    painter.drawImage(kGap, kGap,
-                      coloured(pictures, {pictures.then,
-                                          {&pictures.now, &pictures.nowOtherwise},
-                                          qRgb(230, 0, 0)}));
+    painter.drawImage(
+        kGap, kGap,
+        coloured(pictures, {pictures.then, {&pictures.now, &pictures.nowOtherwise}, qRgb(230, 0, 0)}));
     painter.drawImage(2 * kGap + width, kGap,
                       coloured(pictures, {pictures.now, {&pictures.then}, qRgb(0, 150, 0)}));
     return both;

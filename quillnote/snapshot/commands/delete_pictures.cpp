@@ -8,8 +8,8 @@
 #include "host/aced/edinput.h"
 #include "host/aced/edmessage.h"
 
-/// Returns the bytes that were released; 0 also for a mark that cannot be written. A mark without pictures is not
-/// touched.
+/// Returns the bytes that were released; 0 also for a mark that cannot be written. A mark without pictures is
+/// not touched.
 static qint64 releasePictures(AcDbObjectId id)
 {
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
@@ -29,8 +29,8 @@ void QN3_delSnapBitmapAll()
     acedAlert(purpose + u'.');
     acutPrintf(purpose + QStringLiteral("。"));
     QString answer;
-    const int status = acedGetString(
-        false, QStringLiteral("\n你真的要删除全部快照图像等数据吗(YES/NO)[NO]? "), answer);
+    const int status =
+        acedGetString(false, QStringLiteral("\n你真的要删除全部快照图像等数据吗(YES/NO)[NO]? "), answer);
     if (status != RTNORM || answer.compare(u"YES", Qt::CaseInsensitive) != 0) {
         acutPrintf(QStringLiteral("\n必须输入完整的 YES 才能继续！"));
         return;

@@ -8,8 +8,8 @@
 static constexpr int kName = 2;
 static constexpr int kLayoutName = 410;
 
-/// Handles, owners and references are given anew by programs that write a drawing anew; the name of the layout goes
-/// with the place.
+/// Handles, owners and references are given anew by programs that write a drawing anew; the name of the
+/// layout goes with the place.
 static bool isContent(int code)
 {
     return code >= 0 && code < 1000 && code != 5 && code != 102 && code != kLayoutName &&
@@ -69,7 +69,8 @@ QByteArray DrawingContent::read(AcDbObjectId entity)
         if (withBlock && group.restype == kName) {
             const QString name = group.text();
             // Names of anonymous blocks only count.
-            content += "block " + (name.startsWith(u'*') ? QByteArray() : name.toUtf8()) + ofBlock(name) + '\n';
+            content +=
+                "block " + (name.startsWith(u'*') ? QByteArray() : name.toUtf8()) + ofBlock(name) + '\n';
         } else {
             appendGroup(content, group);
         }

@@ -9,8 +9,8 @@ class QuillnoteObj3;
 
 /// Writes the pictures of one mark after another into a folder, which is made when needed.
 ///
-/// Names are "mark-0007-target.png", "mark-0007.2-full.png"; a mark whose number an earlier one had carries its
-/// handle too ("mark-0007-1F3-target.png").
+/// Names are "mark-0007-target.png", "mark-0007.2-full.png"; a mark whose number an earlier one had carries
+/// its handle too ("mark-0007-1F3-target.png").
 class MarkPictureWriter
 {
 public:

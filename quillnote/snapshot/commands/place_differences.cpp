@@ -45,8 +45,8 @@ std::vector<AcDbObjectId> PlaceComparer::Side::at(AcDbObjectId space, const AcGi
     return space.isNull() ? std::vector<AcDbObjectId>() : targetEntities(database, space, window);
 }
 
-// Equal contents cancel each other out, wherever they stand in the drawings; of what is left, the same handle on both
-// sides is one entity that was changed.
+// Equal contents cancel each other out, wherever they stand in the drawings; of what is left, the same handle
+// on both sides is one entity that was changed.
 PlaceDifference PlaceComparer::compare(const ComparedPlace &place)
 {
     const AcDbObjectPointer<QuillnoteObj3> mark(place.mark, AcDb::kForRead);

@@ -14,8 +14,8 @@ struct PlaceDifference {
     bool any() const { return removed + added + changed > 0; }
 };
 
-/// A mark, and the space in which its place lies in each of the two drawings; null where a drawing has no layout of
-/// that name.
+/// A mark, and the space in which its place lies in each of the two drawings; null where a drawing has no
+/// layout of that name.
 struct ComparedPlace {
     AcDbObjectId mark;
     AcDbObjectId oldSpace;

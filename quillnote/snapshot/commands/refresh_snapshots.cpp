@@ -36,7 +36,8 @@ static bool bringOnScreen(AcDbObjectId id)
     return true;
 }
 
-/// Made anew, so that it can be laid over one of another time; what is cut out of the full view is the second choice.
+/// Made anew, so that it can be laid over one of another time; what is cut out of the full view is the second
+/// choice.
 static QString targetPictureFile(const QuillnoteObj3 &mark, const QString &fullView)
 {
     if (const auto made = captureTargetImage(mark.targetCorner1, mark.targetCorner2))
@@ -54,7 +55,8 @@ static void storeTarget(QuillnoteObj3 &mark, const QString &fullView)
     mark.snapImage = takeTemporaryPicture(targetPictureFile(mark, fullView));
 }
 
-/// True when the mark has a target. It is closed while the view is exported, or the picture would not show it.
+/// True when the mark has a target. It is closed while the view is exported, or the picture would not show
+/// it.
 static bool takeSnapshot(AcDbObjectId id)
 {
     const QString fullView = captureFullView();
@@ -115,7 +117,8 @@ std::optional<CollectedMarks> marksToRefresh(AcDbDatabase &database)
     marks = collectMarks(database, {.reviewer = name});
     if (!marks.ids.empty())
         return marks;
-    acutPrintf(QStringLiteral("\n本图中没有<%1>的评图标签。不是自己创建的，或不同命名的标记不能刷新。").arg(name));
+    acutPrintf(
+        QStringLiteral("\n本图中没有<%1>的评图标签。不是自己创建的，或不同命名的标记不能刷新。").arg(name));
     return std::nullopt;
 }
 
@@ -134,8 +137,7 @@ static bool askForPassword(const QString &hash)
 static bool isAgreed()
 {
     QString answer;
-    const int status =
-        acedGetString(false, QStringLiteral("你真的要刷新审图快照吗(Y/N)[N]? "), answer);
+    const int status = acedGetString(false, QStringLiteral("你真的要刷新审图快照吗(Y/N)[N]? "), answer);
     return status == RTNORM && (answer.compare(u"YES", Qt::CaseInsensitive) == 0 ||
                                 answer.compare(u"Y", Qt::CaseInsensitive) == 0);
 }
@@ -148,8 +150,8 @@ void QN3_freshSnapshot()
     RefreshResult result;
     {
         base::ProgressTeller teller(acDocManager()->progress(), QStringLiteral("刷新快照"));
-        result = refreshSnapshots(marks->ids, askForPassword,
-                                  [&](double share) { return teller.goesOn(share); });
+        result =
+            refreshSnapshots(marks->ids, askForPassword, [&](double share) { return teller.goesOn(share); });
     }
     if (result.stopped)
         acutPrintf(QStringLiteral("\n已停止刷新，其余评图标签保持原样。"));

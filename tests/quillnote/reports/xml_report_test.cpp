@@ -76,8 +76,8 @@ TEST_F(ReportsTest, XmlOfEveryKindOfMarkCanBeRead)
     const QStringList opinions = textsOf(document, QStringLiteral("suggestionContent"));
     EXPECT_EQ(opinions.size(), 8) << "all but the hidden one";
     EXPECT_TRUE(opinions.contains(QStringLiteral("<script>alert(1)</script> \"引号\" & 'x'")));
-    EXPECT_TRUE(opinions.last().endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA["))
-                || opinions.at(6).endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[")));
+    EXPECT_TRUE(opinions.last().endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[")) ||
+                opinions.at(6).endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[")));
     EXPECT_TRUE(textsOf(document, QStringLiteral("idNumber")).contains(QStringLiteral("5.2")));
 }
 
@@ -97,8 +97,8 @@ struct XmlCommandTest : ReportsTest {
 TEST_F(XmlCommandTest, WritesBesideTheDrawingAndHandsOver)
 {
     mark(drawing.database(), QStringLiteral("甲"));
-    tests::ScriptFrontEnd script(
-        {QString()}, {QStringLiteral("set 541 \"泵房\""), QStringLiteral("ok"), QStringLiteral("yes"), QStringLiteral("ok")});
+    tests::ScriptFrontEnd script({QString()}, {QStringLiteral("set 541 \"泵房\""), QStringLiteral("ok"),
+                                               QStringLiteral("yes"), QStringLiteral("ok")});
     QN8_ToXml();
     const QByteArray first = tests::readFile(path("plan_dwg.xml"));
     EXPECT_EQ(textsOf(first, QStringLiteral("projectName")), QStringList{QStringLiteral("泵房")});
@@ -119,11 +119,13 @@ TEST_F(XmlCommandTest, WritesBesideTheDrawingAndHandsOver)
 TEST_F(XmlCommandTest, CancelledItIsWrittenAndNotHandedOver)
 {
     mark(drawing.database(), QStringLiteral("甲"));
-    tests::ScriptFrontEnd script({QString()}, {QStringLiteral("cancel"), QStringLiteral("yes"), QStringLiteral("ok")});
+    tests::ScriptFrontEnd script({QString()},
+                                 {QStringLiteral("cancel"), QStringLiteral("yes"), QStringLiteral("ok")});
     QN8_ToXml();
     EXPECT_TRUE(script.printed.contains(QStringLiteral("生成XML文件错误！")));
     EXPECT_TRUE(script.isUsedUp());
-    EXPECT_EQ(textsOf(tests::readFile(path("plan_dwg.xml")), QStringLiteral("fileName")), QStringList{QString()});
+    EXPECT_EQ(textsOf(tests::readFile(path("plan_dwg.xml")), QStringLiteral("fileName")),
+              QStringList{QString()});
     EXPECT_TRUE(requests.empty());
 }
 

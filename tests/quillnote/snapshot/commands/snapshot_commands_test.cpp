@@ -32,11 +32,12 @@ struct SnapshotCommandsTest : testing::Test {
         settings::setText(u"name", u"");
         tests::MemoryDrawing memory;
         memory.layer("LOCKED", {.flags = 4});
-        line = memory.entity("LINE", {{100, "AcDbLine"}, {10, AcGePoint3d(0, 5, 0)}, {11, AcGePoint3d(50, 5, 0)}});
+        line = memory.entity("LINE",
+                             {{100, "AcDbLine"}, {10, AcGePoint3d(0, 5, 0)}, {11, AcGePoint3d(50, 5, 0)}});
         circle = memory.entity("CIRCLE", {{100, "AcDbCircle"}, {10, AcGePoint3d(105, 5, 0)}, {40, 1.0}});
-        sheetLine = memory.entity("LINE",
-                                  {{67, 1}, {100, "AcDbLine"}, {10, AcGePoint3d(0, 5, 0)}, {11, AcGePoint3d(9, 5, 0)}},
-                                  memory.paperSpace());
+        sheetLine = memory.entity(
+            "LINE", {{67, 1}, {100, "AcDbLine"}, {10, AcGePoint3d(0, 5, 0)}, {11, AcGePoint3d(9, 5, 0)}},
+            memory.paperSpace());
         drawing = std::make_unique<tests::OpenDrawing>(memory.open());
         drawing->document().view().centre = {50, 20, 0};
         drawing->document().view().height = 100;
@@ -102,7 +103,8 @@ TEST_F(SnapshotCommandsTest, ComparingListsWhatWasModified)
     const AcDbObjectId answered = mark(10, 5, 2);
     const AcDbObjectId elsewhere = mark(100, 4);
     AcDbObjectPointer<QuillnoteObj3>(answered, AcDb::kForWrite)->feedbackType = 2;
-    EXPECT_TRUE(compare().endsWith(QStringLiteral("本图中总共有3个评图标签，所有评图标签的靶区范围内都没有修改。")));
+    EXPECT_TRUE(
+        compare().endsWith(QStringLiteral("本图中总共有3个评图标签，所有评图标签的靶区范围内都没有修改。")));
     EXPECT_EQ(statusOf(three), 0);
 
     moveLine();
@@ -161,8 +163,8 @@ TEST_F(SnapshotCommandsTest, StoppingBetweenMarksDoesNoHarm)
     EXPECT_TRUE(found.stopped);
     EXPECT_EQ(found.changed.size(), 1U);
     asked = 0;
-    const RefreshResult refreshed =
-        refreshSnapshots(ids, [](const QString &) { return true; }, stopAtSecond);
+    const RefreshResult refreshed = refreshSnapshots(
+        ids, [](const QString &) { return true; }, stopAtSecond);
     EXPECT_TRUE(refreshed.stopped);
     EXPECT_EQ(refreshed.refreshed, 1);
     const auto left = compareTargets(database(), ids).changed;
@@ -178,7 +180,8 @@ TEST_F(SnapshotCommandsTest, RefreshingTakesEverythingAnew)
     for (const char *no : {"n", "", "yess"})
         EXPECT_FALSE(refresh(QString::fromLatin1(no), {}).contains(QStringLiteral("快照。")));
     EXPECT_EQ(statusOf(one), 2);
-    EXPECT_TRUE(refresh(QStringLiteral("y"), {kOk}).contains(QStringLiteral("\n刷新或者重建了 1 个评图标签的快照。")));
+    EXPECT_TRUE(refresh(QStringLiteral("y"), {kOk})
+                    .contains(QStringLiteral("\n刷新或者重建了 1 个评图标签的快照。")));
     const AcDbObjectPointer<QuillnoteObj3> mark(one, AcDb::kForRead);
     EXPECT_EQ(mark->feedbackType, 0);
     EXPECT_FALSE(mark->snapImage.isEmpty());
@@ -220,8 +223,8 @@ TEST_F(SnapshotCommandsTest, PicturesAreDeletedAndComparingGoesOn)
     EXPECT_TRUE(no.printed.endsWith(QStringLiteral("\n必须输入完整的 YES 才能继续！")));
     tests::ScriptFrontEnd yes({QStringLiteral("Yes")}, {kOk});
     QN3_delSnapBitmapAll();
-    EXPECT_TRUE(yes.printed.endsWith(
-        QStringLiteral("\n本图中所有评图标签中的快照图像都已清除 %1 字节。").arg(size)));
+    EXPECT_TRUE(
+        yes.printed.endsWith(QStringLiteral("\n本图中所有评图标签中的快照图像都已清除 %1 字节。").arg(size)));
     EXPECT_TRUE(AcDbObjectPointer<QuillnoteObj3>(one, AcDb::kForRead)->snapImage.isEmpty());
     EXPECT_TRUE(compareTargets(database(), std::vector{one}).changed.empty());
     moveLine();
