@@ -182,10 +182,10 @@ TEST_F(SnapshotCommandsTest, RefreshingTakesEverythingAnew)
     EXPECT_EQ(statusOf(one), 2);
     EXPECT_TRUE(refresh(QStringLiteral("y"), {kOk})
                     .contains(QStringLiteral("\n刷新或者重建了 1 个评图标签的快照。")));
-    const AcDbObjectPointer<QuillnoteObj3> mark(one, AcDb::kForRead);
-    EXPECT_EQ(mark->feedbackType, 0);
-    EXPECT_FALSE(mark->snapImage.isEmpty());
-    EXPECT_FALSE(mark->fullImage.isEmpty());
+    const AcDbObjectPointer<QuillnoteObj3> made(one, AcDb::kForRead);
+    EXPECT_EQ(made->feedbackType, 0);
+    EXPECT_FALSE(made->snapImage.isEmpty());
+    EXPECT_FALSE(made->fullImage.isEmpty());
     EXPECT_TRUE(compareTargets(database(), std::vector{one}).changed.empty());
 }
 
