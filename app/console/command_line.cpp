@@ -227,11 +227,23 @@ void addSettings(CommandLine &line)
 
 // Verbs of modules -------------------------------------------------------------------------------
 
+/// Its own, and those of saving.
+std::vector<AcEdVerbOption> optionsOf(const AcEdVerb &verb)
+{
+    std::vector<AcEdVerbOption> options = verb.options;
+    if (verb.saving != AcEdVerbSaving::never) {
+        options.push_back({QStringLiteral("-o"), QStringLiteral("OUT"),
+                           QStringLiteral("Save the result: a file for one FILE, a folder for several")});
+        options.push_back({QStringLiteral("-f"), {}, QStringLiteral("Overwrite what exists")});
+    }
+    return options;
+}
+
 AcEdVerbCall moduleCall(const CommandLine &line, const CLI::App &parsed, const AcEdVerb &verb)
 {
     AcEdVerbCall call;
     call.json = line.json;
-    for (const AcEdVerbOption &option : verb.options) {
+    for (const AcEdVerbOption &option : optionsOf(verb)) {
         if (parsed.count(option.name.toStdString()) == 0)
             continue;
         const auto value = line.values.find(option.name);
@@ -248,7 +260,7 @@ void addModuleVerb(CommandLine &line, const AcEdVerb &verb)
     });
     line.addFiles(**parsed);
     line.addJson(**parsed);
-    for (const AcEdVerbOption &option : verb.options) {
+    for (const AcEdVerbOption &option : optionsOf(verb)) {
         const std::string name = option.name.toStdString();
         if (option.value.isEmpty())
             (*parsed)->add_flag(name, line.switches[option.name], option.help.toStdString());
@@ -257,6 +269,8 @@ void addModuleVerb(CommandLine &line, const AcEdVerb &verb)
                 ->add_option(name, line.values[option.name], option.help.toStdString())
                 ->type_name(option.value.toStdString());
     }
+    if (verb.saving == AcEdVerbSaving::required)
+        (*parsed)->get_option("-o")->required();
 }
 
 // Without a verb ---------------------------------------------------------------------------------

@@ -9,7 +9,16 @@
 namespace console
 {
 
-static int runOnFile(const AcEdVerb &verb, const QString &file, const AcEdVerbCall &call, bool titled)
+static const QString kOutputOption = QStringLiteral("-o");
+static const QString kOverwriteOption = QStringLiteral("-f");
+
+static Overwrite overwriteOf(const AcEdVerbCall &call)
+{
+    return call.has(kOverwriteOption) ? Overwrite::yes : Overwrite::no;
+}
+
+static int runOnFile(const AcEdVerb &verb, const QString &file, const QString &target,
+                     const AcEdVerbCall &call, bool titled)
 {
     const OpenDrawing drawing(file);
     if (!drawing.document())
@@ -17,7 +26,14 @@ static int runOnFile(const AcEdVerb &verb, const QString &file, const AcEdVerbCa
     endMessageLine();
     if (titled)
         acedPrintResult(file + QStringLiteral(":\n"));
-    return std::clamp(verb.run(call), int(kDone), int(kTrouble));
+    const int status = std::clamp(verb.run(call), int(kDone), int(kTrouble));
+    if (target.isEmpty() || status == kTrouble)
+        return status;
+    if (const auto saved = saveCopy(drawing.document(), target, overwriteOf(call)); !saved) {
+        printMessageLine(saved.error());
+        return kTrouble;
+    }
+    return status;
 }
 
 /// The given option that names one file for the results; each drawing would overwrite those before it.
@@ -33,7 +49,7 @@ static const AcEdVerbOption *oneOutput(const AcEdVerb &verb, const AcEdVerbCall 
 /// opened.
 static bool mayWriteShared(const AcEdVerb &verb, const AcEdVerbCall &call)
 {
-    const Overwrite overwrite = call.has(QStringLiteral("-f")) ? Overwrite::yes : Overwrite::no;
+    const Overwrite overwrite = overwriteOf(call);
     for (const AcEdVerbOption &option : verb.options) {
         if (option.value != QLatin1String("OUT") || !call.has(option.name))
             continue;
@@ -56,9 +72,17 @@ int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerb
     }
     if (!mayWriteShared(verb, call))
         return kTrouble;
+    const auto saveTo = call.options.find(kOutputOption);
+    const bool saves = verb.saving != AcEdVerbSaving::never && saveTo != call.options.end();
+    const auto targets = planOutputs(files, saves ? saveTo->second : QString(), overwriteOf(call));
+    if (!targets) {
+        printMessageLine(targets.error());
+        return kTrouble;
+    }
     int status = kDone;
-    for (const QString &file : files)
-        status = std::max(status, runOnFile(verb, file, call, files.size() > 1 && !call.json));
+    for (qsizetype i = 0; i < files.size(); ++i)
+        status =
+            std::max(status, runOnFile(verb, files[i], (*targets)[i], call, files.size() > 1 && !call.json));
     if (verb.finish && status != kTrouble)
         status = std::max(status, std::clamp(verb.finish(call), int(kDone), int(kTrouble)));
     return status;

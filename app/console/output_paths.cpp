@@ -77,4 +77,15 @@ base::Result<void, QString> prepareOutput(const QString &target, Overwrite overw
     return checkTarget(target, overwrite);
 }
 
+base::Result<void, QString> saveCopy(AcApDocument *document, const QString &target, Overwrite overwrite)
+{
+    if (!document)
+        return base::Failure{QStringLiteral("the drawing was closed, %1 is not written").arg(target)};
+    if (auto prepared = prepareOutput(target, overwrite); !prepared)
+        return prepared;
+    if (const auto saved = acDocManager()->saveDocument(document, target, true); !saved)
+        return base::Failure{saved.error()};
+    return {};
+}
+
 } // namespace console

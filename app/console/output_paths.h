@@ -1,6 +1,7 @@
-// Where "-o OUT" puts the result of each file.
+// Where "-o OUT" puts the result of each file, and saving it there.
 #pragma once
 
+#include "host/acap/docman.h"
 #include "host/base/result.h"
 
 #include <QString>
@@ -28,5 +29,8 @@ base::Result<void, QString> planSharedOutput(const QString &output, Overwrite ov
 
 /// Looks at one target again, right before it is written, and makes its folder.
 base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite);
+
+/// Saves the drawing there, after prepareOutput(); it keeps its own name. Null: it was closed meanwhile.
+base::Result<void, QString> saveCopy(AcApDocument *document, const QString &target, Overwrite overwrite);
 
 } // namespace console

@@ -54,18 +54,6 @@ static bool playScript(const Script &script, const RunOptions &options, AcApReco
     return !face.hasFailed();
 }
 
-static base::Result<void, QString> saveResult(AcApDocument *document, const QString &target,
-                                              Overwrite overwrite)
-{
-    if (!document)
-        return base::Failure{QStringLiteral("the script closed the drawing, %1 is not written").arg(target)};
-    if (auto prepared = prepareOutput(target, overwrite); !prepared)
-        return prepared;
-    if (const auto saved = acDocManager()->saveDocument(document, target, true); !saved)
-        return base::Failure{saved.error()};
-    return {};
-}
-
 static int runOnFile(const Script &script, const QString &file, const QString &target,
                      const RunOptions &options)
 {
@@ -82,7 +70,7 @@ static int runOnFile(const Script &script, const QString &file, const QString &t
     }
     if (target.isEmpty())
         return kDone;
-    if (const auto saved = saveResult(drawing.document(), target, options.overwrite); !saved) {
+    if (const auto saved = saveCopy(drawing.document(), target, options.overwrite); !saved) {
         printMessageLine(saved.error());
         return kTrouble;
     }

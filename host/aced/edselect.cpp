@@ -65,7 +65,7 @@ static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGePoint3d
     AcDbDatabase &database = *document.database();
     const AcGiWindow window =
         AcGiWindow::fromCorners(acedTrans(corner1, AcEdSpace::ucs, AcEdSpace::world),
-                                acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world), document.view().twist);
+                                acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world), -document.view().twist);
     AcGiSpatialIndex &index = acgiSpatialIndex(database);
     AcEdSelectionSet set = crossing ? index.crossingWindow(database.currentSpaceId(), window)
                                     : index.insideWindow(database.currentSpaceId(), window);

@@ -23,9 +23,14 @@ struct AcEdVerbOption {
 
 struct AcEdVerbCall {
     bool json = false;                  ///< Every verb knows it.
-    std::map<QString, QString> options; ///< Given options; switches have an empty value.
+    std::map<QString, QString> options; ///< Given options, "-o" and "-f" of AcEdVerbSaving among them;
+                                        ///< switches have an empty value.
     bool has(const QString &name) const { return options.count(name) > 0; }
 };
+
+/// Whether the program saves the drawing elsewhere when the verb is done: "-o OUT", which overwrites with
+/// "-f".
+enum class AcEdVerbSaving { never, optional, required };
 
 struct AcEdVerb {
     QString name;
@@ -36,6 +41,7 @@ struct AcEdVerb {
     /// Called once when `run` has seen every drawing without trouble, with no drawing open: for results of
     /// all of them. May be empty.
     std::function<int(const AcEdVerbCall &)> finish = {};
+    AcEdVerbSaving saving = AcEdVerbSaving::never;
 };
 
 /// Part of a drawing that something of a module names.

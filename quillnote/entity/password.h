@@ -12,6 +12,8 @@ struct PasswordState {
     QString unlocked;    ///< Hash of the last password that was right.
     /// Drags of grips that were refused for their password; after the fifth nobody is asked any more.
     int failedDrags = 0;
+    /// Extra prompts that refreshing snapshots has made; after the third every mark gets one prompt.
+    int refreshRetries = 0;
 
     void reset() { *this = {}; }
 };

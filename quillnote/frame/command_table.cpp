@@ -25,6 +25,10 @@
 #include "quillnote/reports/review_sheet.h"
 #include "quillnote/reports/text_report.h"
 #include "quillnote/reports/web_report.h"
+#include "quillnote/reports/xml_report.h"
+#include "quillnote/snapshot/commands/compare_snapshots.h"
+#include "quillnote/snapshot/commands/delete_pictures.h"
+#include "quillnote/snapshot/commands/refresh_snapshots.h"
 #include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
@@ -66,7 +70,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
     {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, QN3_outputHtml},
     {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
-    {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, nullptr},
+    {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, QN8_ToXml},
     {"qn8_quillNoteYun", "quillNoteYun", kModal, kAsNamed, qn8_quillNoteYun},
     {"QN8_menuToYun", "QN8_menuToYun", kModal, kAsNamed, QN8_menuToYun},
     {"qn8_runPush", "qn8_runPush", kModal, kAsNamed, qn8_runPush},
@@ -91,7 +95,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_ShowText", "QN3_ShowText", kModal, kAsNamed, QN3_ShowText},
     {"QN3_reNumber", "QN3_reNumber", kModal, kAsNamed, QN3_reNumber},
     {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, QN8_editNumber},
-    {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, nullptr},
+    {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, QN3_delSnapBitmapAll},
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
     {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},
     {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, nullptr},
@@ -103,8 +107,8 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
     {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
-    {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, nullptr},
-    {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, nullptr},
+    {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
+    {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, QN3_compareSnapshot},
     {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, nullptr},
     {"QN3_FullSnapshotView", "QN3_FullSnapView", kModal, {"QN3_FullSnapshotView", "QN3_FullSnapshotView"}, QN3_FullSnapshotView},
     {"QN3_gotoWWW", "QN3_gotoWWW", kModal, kAsNamed, QN3_gotoWWW},

@@ -3,10 +3,11 @@
 #include "quillnote/reports/mark_area.h"
 #include "quillnote/reports/marks_verb.h"
 #include "quillnote/reports/report_verb.h"
+#include "quillnote/snapshot/commands/compare_verb.h"
 
 static std::vector<AcEdVerb> moduleVerbs()
 {
-    return {marksVerb(), reportVerb()};
+    return {marksVerb(), reportVerb(), compareVerb(), refreshVerb()};
 }
 
 void registerVerbs()

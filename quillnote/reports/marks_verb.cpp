@@ -2,7 +2,7 @@
 
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_fields.h"
-#include "quillnote/reports/mark_pictures.h"
+#include "quillnote/snapshot/commands/mark_pictures.h"
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"

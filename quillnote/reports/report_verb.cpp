@@ -5,10 +5,13 @@
 #include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_table.h"
 #include "quillnote/reports/text_report.h"
+#include "quillnote/reports/xml_report.h"
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
+#include "host/base/atomic_file.h"
 
+#include <QFileInfo>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -102,16 +105,49 @@ static int writeShared(const AcEdVerbCall &call, const std::vector<Review> &revi
     return 0;
 }
 
+// The XML document ---------------------------------------------------------------------------------------
+
+static const QString kXml = QStringLiteral("--xml");
+
+/// As the command does with all marks and nothing typed.
+static void addToXml(XmlReport &xml, const CollectedMarks &marks)
+{
+    std::vector<ReportedMark> sorted;
+    for (const AcDbObjectId id : marks.ids) {
+        if (auto mark = readReportedMark(id))
+            sorted.push_back(*std::move(mark));
+    }
+    std::ranges::stable_sort(sorted, {}, &ReportedMark::order);
+    XmlProject project;
+    project.fileName = QFileInfo(curDoc()->fileName()).fileName();
+    xml.add(project, sorted);
+}
+
+static int writeXml(const AcEdVerbCall &call, const XmlReport &xml)
+{
+    if (!call.has(kXml) || xml.isEmpty())
+        return 0;
+    const auto written = base::writeFileAtomically(call.options.at(kXml), xml.document());
+    if (!written)
+        acutPrintf(u'\n' + written.error().text());
+    else if (call.json)
+        acedPrintResult(QJsonObject{{QStringLiteral("written"), call.options.at(kXml)}});
+    return written ? 0 : 2;
+}
+
 // The verb -----------------------------------------------------------------------------------------------
 
 /// Standard output gets the text report unless a file gets one.
-static int report(const AcEdVerbCall &call, std::vector<Review> &reviews)
+static int report(const AcEdVerbCall &call, std::vector<Review> &reviews, XmlReport &xml)
 {
     const CollectedMarks marks = collectAllMarks(*acdbCurDwg());
     const auto pictures = wantedPictures(call);
     const auto output = call.options.find(QStringLiteral("--output"));
-    if (call.json || (!pictures && output == call.options.end()))
+    const bool isForFiles = pictures || call.has(kXml) || output != call.options.end();
+    if (call.json || !isForFiles)
         printText(call, marks);
+    if (call.has(kXml))
+        addToXml(xml, marks);
     if (pictures) {
         reviews.push_back(takeReview(*curDoc(), *pictures));
         tellHiddenMarks(reviews.back());
@@ -130,9 +166,14 @@ AcEdVerb reportVerb()
                      QStringLiteral("Write the text report of one drawing, as the report command does.")}};
     for (const SharedReport &each : kSharedReports)
         verb.options.push_back({nameOf(each), QStringLiteral("OUT"), QString::fromLatin1(each.help)});
+    verb.options.push_back(
+        {kXml, QStringLiteral("OUT"), QStringLiteral("Write the marks of all drawings as an XML document.")});
     verb.options.push_back({QStringLiteral("-f"), {}, QStringLiteral("Let OUT overwrite.")});
     const auto reviews = std::make_shared<std::vector<Review>>();
-    verb.run = [reviews](const AcEdVerbCall &call) { return report(call, *reviews); };
-    verb.finish = [reviews](const AcEdVerbCall &call) { return writeShared(call, *reviews); };
+    const auto xml = std::make_shared<XmlReport>();
+    verb.run = [reviews, xml](const AcEdVerbCall &call) { return report(call, *reviews, *xml); };
+    verb.finish = [reviews, xml](const AcEdVerbCall &call) {
+        return std::max(writeShared(call, *reviews), writeXml(call, *xml));
+    };
     return verb;
 }

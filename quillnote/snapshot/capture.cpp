@@ -1,6 +1,7 @@
 #include "quillnote/snapshot/capture.h"
 
 #include "quillnote/entity/mark_record.h"
+#include "quillnote/snapshot/target_picture.h"
 #include "quillnote/snapshot/temporary_picture.h"
 
 #include "host/aced/edfrontend.h"
@@ -10,7 +11,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 
-#include <QPainter>
+#include <QImage>
 
 /// Pixels of the largest picture. A small target seen from very near would need more memory than there is.
 static constexpr std::int64_t kMostPixels = 64LL * 1024 * 1024;
@@ -28,8 +29,9 @@ std::optional<QRect> targetPixels(const AcGePoint3d &corner1, const AcGePoint3d 
     return QRect(leftTop, QSize(rightBottom.x() - leftTop.x(), rightBottom.y() - leftTop.y()));
 }
 
-static std::optional<QString> saved(const QImage &image)
+static std::optional<QString> saved(const QImage &picture)
 {
+    const QImage image = picture.convertToFormat(QImage::Format_RGB32);
     const QString path = newTemporaryPicture();
     if (!path.isEmpty() && image.save(path, "PNG"))
         return path;
@@ -37,47 +39,18 @@ static std::optional<QString> saved(const QImage &image)
     return {};
 }
 
-/// The view with its edges moved to those of a part of it. Pixels stay where they are.
-static AcGiViewport partOfView(const AcGiViewport &view, const QRect &part)
-{
-    AcGiViewport seen = view;
-    const double right = part.x() + part.width() / 2.0 - view.pixelWidth / 2.0;
-    const double down = part.y() + part.height() / 2.0 - view.pixelHeight / 2.0;
-    seen.centre = view.centre + view.getEyeToWorldTransform() *
-                                    AcGeVector3d(right * view.pixelSize(), -down * view.pixelSize(), 0);
-    seen.height = part.height() * view.pixelSize();
-    seen.pixelWidth = part.width();
-    seen.pixelHeight = part.height();
-    return seen;
-}
-
-// Only the part in question is painted: what it costs goes with what the target holds, not with the drawing.
-static QImage grab(AcApDocument &document, const QRect &pixels)
-{
-    QImage image(pixels.size(), QImage::Format_RGB32);
-    if (image.isNull())
-        return image;
-    const AcGiPaintOptions options = acedScreenOptions(document);
-    image.fill(options.background);
-    const AcGiViewport view = acedViewport(document);
-    const QRect seen = pixels & QRect(0, 0, int(view.pixelWidth), int(view.pixelHeight));
-    if (seen.isEmpty())
-        return image;
-    QPainter painter(&image);
-    const QPoint offset = seen.topLeft() - pixels.topLeft();
-    painter.setClipRect(QRect(offset, seen.size()));
-    painter.translate(offset);
-    acgiDisplay(*document.database())
-        .paint(acedShownSpace(document), partOfView(view, seen), painter, options);
-    return image;
-}
-
+// Only the target is painted: what it costs goes with what the target holds, not with the drawing.
 std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
 {
     const std::optional<QRect> pixels = targetPixels(corner1, corner2);
     if (!pixels || pixels->isEmpty() || std::int64_t(pixels->width()) * pixels->height() > kMostPixels)
         return {};
-    return saved(grab(*curDoc(), *pixels));
+    AcApDocument &document = *curDoc();
+    const auto view = targetView(TargetPlace(corner1, corner2, -document.view().twist), pixels->size());
+    if (!view)
+        return {};
+    return saved(targetPicture(*document.database(), document.database()->currentSpaceId(), *view,
+                               acedScreenOptions(document).background, ShownMarks::all));
 }
 
 QString captureFullView()

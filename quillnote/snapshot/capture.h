@@ -15,7 +15,8 @@
 /// The pixels of the view between two target corners (world); none when the view cannot tell them.
 std::optional<QRect> targetPixels(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
 
-/// The target area. What lies beyond the view shows the background. None when the area has no pixels, more
+/// The target area at the scale of the view, made anew (target_picture.h) so that a later picture of the same
+/// size can be laid over it; what lies beyond the view is there too. None when the area has no pixels, more
 /// of them than a picture can hold, or the picture cannot be written.
 std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
 

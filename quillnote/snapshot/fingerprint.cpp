@@ -1,17 +1,23 @@
 #include "quillnote/snapshot/fingerprint.h"
 
+#include "quillnote/entity/mark_record.h"
+
+#include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
-#include "host/aced/edselect.h"
+#include "host/acgi/gispatialindex.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <functional>
 
 static constexpr int kColor = 62;
 
 /// Six significant digits, as "%g" writes them. Exponents have three digits at least, so that sums agree with
 /// those of marks made elsewhere.
-static void appendNumber(QString &text, double value)
+template <class Text>
+static void appendNumber(Text &text, double value)
 {
     std::array<char, 32> buffer;
     const char *const end =
@@ -24,14 +30,16 @@ static void appendNumber(QString &text, double value)
     text += QLatin1String(digits, end - digits);
 }
 
-static void appendInteger(QString &text, std::int32_t value)
+template <class Text>
+static void appendInteger(Text &text, std::int32_t value)
 {
     std::array<char, 16> buffer;
     const char *const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
     text += QLatin1String(buffer.data(), end - buffer.data());
 }
 
-static void appendPoint(QString &text, const AcGePoint3d &point)
+template <class Text>
+static void appendPoint(Text &text, const AcGePoint3d &point)
 {
     text += QLatin1Char('(');
     appendNumber(text, point.x);
@@ -42,14 +50,16 @@ static void appendPoint(QString &text, const AcGePoint3d &point)
     text += QLatin1Char(')');
 }
 
-static void appendQuoted(QString &text, const resbuf &group)
+template <class Text>
+static void appendQuoted(Text &text, const resbuf &group)
 {
     text += QLatin1Char('"');
     text += group.text();
     text += QLatin1Char('"');
 }
 
-static void appendValue(QString &text, const resbuf &group)
+template <class Text>
+static void appendValue(Text &text, const resbuf &group)
 {
     const int code = group.restype;
     if (code <= 9 && std::holds_alternative<std::monostate>(group.resval))
@@ -68,10 +78,9 @@ static void appendValue(QString &text, const resbuf &group)
         text += QLatin1String("*Unknown*");
 }
 
-QString fingerprintText(const ResbufList &data)
+template <class Text>
+static void appendData(Text &text, const ResbufList &data)
 {
-    QString text;
-    text.reserve(qsizetype(data.size()) * 16);
     for (const resbuf &group : data) {
         if (group.restype < 0 || group.restype > 99 || group.restype == kColor)
             continue;
@@ -81,33 +90,94 @@ QString fingerprintText(const ResbufList &data)
         appendValue(text, group);
         text += QLatin1Char(')');
     }
+}
+
+QString fingerprintText(const ResbufList &data)
+{
+    QString text;
+    appendData(text, data);
     return text;
 }
 
+namespace
+{
+
+/// A text of which only the sum of its code units is kept.
+struct UnitSum {
+    std::uint32_t sum = 0; ///< Wraps.
+
+    void operator+=(QLatin1Char unit) { sum += static_cast<unsigned char>(unit.toLatin1()); }
+    void operator+=(QLatin1String text)
+    {
+        for (const char unit : text)
+            sum += static_cast<unsigned char>(unit);
+    }
+    void operator+=(const QString &text)
+    {
+        for (const QChar unit : text)
+            sum += unit.unicode();
+    }
+};
+
+} // namespace
+
 std::int32_t fingerprintSum(const QString &text, std::int32_t sum)
 {
-    auto wrapping = static_cast<std::uint32_t>(sum);
-    for (const QChar unit : text)
-        wrapping += unit.unicode();
-    return static_cast<std::int32_t>(wrapping);
+    UnitSum wrapping{static_cast<std::uint32_t>(sum)};
+    wrapping += text;
+    return static_cast<std::int32_t>(wrapping.sum);
 }
 
-static ResbufList withoutMarks()
+bool isReviewMark(AcDbObjectId entity)
 {
-    return {{-4, QStringLiteral("<not")}, {0, QStringLiteral("QUILLNOTE*")}, {-4, QStringLiteral("not>")}};
+    return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
+}
+
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const AcGiWindow &window)
+{
+    std::vector<AcDbObjectId> ids = acgiSpatialIndex(database).crossingWindow(space, window);
+    std::erase_if(ids, isReviewMark);
+    std::ranges::sort(ids, std::greater(), [](AcDbObjectId id) { return id.stub()->index; });
+    return ids;
+}
+
+// Extended data cannot count, its codes being above 99, so it is not asked for.
+std::uint32_t FingerprintTaker::sumOf(AcDbObjectId entity)
+{
+    const auto [place, isNew] = m_sums.try_emplace(entity, 0);
+    if (isNew) {
+        UnitSum sum;
+        appendData(sum, acdbEntGetX(entity));
+        place->second = sum.sum;
+    }
+    return place->second;
+}
+
+TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const AcGiWindow &window)
+{
+    TargetFingerprint fingerprint;
+    fingerprint.ids = targetEntities(m_database, space, window);
+    if (fingerprint.ids.empty())
+        return fingerprint;
+    std::uint32_t sum = 0; // Wraps.
+    for (const AcDbObjectId id : fingerprint.ids)
+        sum += sumOf(id);
+    fingerprint.checksum = QStringLiteral("SUM=%1").arg(static_cast<std::int32_t>(sum));
+    return fingerprint;
+}
+
+AcGiWindow targetWindow(const QuillnoteObj3 &mark)
+{
+    const double angle = std::atan2(mark.xDirection.y, mark.xDirection.x);
+    return AcGiWindow::fromCorners(mark.targetCorner1, mark.targetCorner2, angle);
 }
 
 TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
 {
-    const AcGePoint3d point1 = acedTrans(corner1, AcEdSpace::world, AcEdSpace::ucs);
-    const AcGePoint3d point2 = acedTrans(corner2, AcEdSpace::world, AcEdSpace::ucs);
-    TargetFingerprint fingerprint;
-    if (acedSSGet(QStringLiteral("C"), &point1, &point2, withoutMarks(), fingerprint.ids) != RTNORM)
+    const AcApDocument *const document = curDoc();
+    if (!document)
         return {};
-    std::int32_t sum = 0;
-    // Extended data cannot count, its codes being above 99, so it is not asked for.
-    for (const AcDbObjectId id : fingerprint.ids)
-        sum = fingerprintSum(fingerprintText(acdbEntGetX(id)), sum);
-    fingerprint.checksum = QStringLiteral("SUM=%1").arg(sum);
-    return fingerprint;
+    AcDbDatabase &database = *document->database();
+    return FingerprintTaker(database).take(
+        database.currentSpaceId(), AcGiWindow::fromCorners(corner1, corner2, -document->view().twist));
 }

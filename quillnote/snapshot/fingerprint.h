@@ -3,12 +3,15 @@
 #pragma once
 
 #include "host/acdb/resbuf.h"
-#include "host/acge/gepoint.h"
+#include "host/acgi/giregion.h"
 
 #include <QString>
 
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
+
+class QuillnoteObj3;
 
 struct TargetFingerprint {
     std::vector<AcDbObjectId> ids; ///< What crosses the target, in the order of the selection.
@@ -21,6 +24,33 @@ struct TargetFingerprint {
 /// Of the rectangle between two corners (world) that is upright in the current view, in the current space of
 /// the current drawing. Review marks never count, nor does what cannot be seen.
 TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+
+/// Marks and what else the module adds to a drawing to speak about it.
+bool isReviewMark(AcDbObjectId entity);
+
+/// The target of a mark: the window that its fingerprint is of, in the mark's own space.
+AcGiWindow targetWindow(const QuillnoteObj3 &mark);
+
+/// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or
+/// not.
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
+                                         const AcGiWindow &window);
+
+/// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share
+/// is read once.
+class FingerprintTaker
+{
+public:
+    explicit FingerprintTaker(AcDbDatabase &database) : m_database(database) {}
+    /// Of targetEntities().
+    TargetFingerprint take(AcDbObjectId space, const AcGiWindow &window);
+
+private:
+    std::uint32_t sumOf(AcDbObjectId entity);
+
+    AcDbDatabase &m_database;
+    std::unordered_map<AcDbObjectId, std::uint32_t> m_sums; ///< Of the data of each, wrapped.
+};
 
 /// The text of an entity's data list that the checksum counts: "(code,value)" of each group of 0 to 99 but
 /// the colour.

@@ -83,12 +83,9 @@ void CTmpExcel::paintEvent(QPaintEvent *event)
     CAcUiDialog::paintEvent(event);
 }
 
-std::optional<QStringList> runTemplateDialog(const std::vector<TemplateDialogRow> &rows,
-                                             const QString &drawing,
-                                             const std::function<std::optional<QString>()> &pick)
+std::optional<QStringList> runFieldDialog(CTmpExcel &dialog,
+                                          const std::function<std::optional<QString>()> &pick)
 {
-    // Over the window that the user works in.
-    CTmpExcel dialog(rows, drawing, QApplication::activeWindow());
     for (;;) {
         const int result = dialog.doModal();
         if (result == QDialog::Accepted)
@@ -98,4 +95,13 @@ std::optional<QStringList> runTemplateDialog(const std::vector<TemplateDialogRow
         if (const auto text = pick())
             dialog.setText(result - CTmpExcel::kPickText, *text);
     }
+}
+
+std::optional<QStringList> runTemplateDialog(const std::vector<TemplateDialogRow> &rows,
+                                             const QString &drawing,
+                                             const std::function<std::optional<QString>()> &pick)
+{
+    // Over the window that the user works in.
+    CTmpExcel dialog(rows, drawing, QApplication::activeWindow());
+    return runFieldDialog(dialog, pick);
 }

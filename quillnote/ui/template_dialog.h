@@ -52,6 +52,9 @@ private:
 
 /// Shows the dialog until it is closed. `pick` asks for texts of the drawing meanwhile, with the dialog
 /// hidden; none leaves the row as it is. The rows' texts, or none when it was cancelled.
+std::optional<QStringList> runFieldDialog(CTmpExcel &dialog,
+                                          const std::function<std::optional<QString>()> &pick);
+/// The same with a dialog of its own.
 std::optional<QStringList> runTemplateDialog(const std::vector<TemplateDialogRow> &rows,
                                              const QString &drawing,
                                              const std::function<std::optional<QString>()> &pick);

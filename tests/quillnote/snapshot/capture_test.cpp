@@ -91,14 +91,13 @@ TEST_F(CaptureTest, TheTargetIsCutFromTheViewPixelByPixel)
     EXPECT_EQ(takenImage(captureTargetImage({0, 0, 0}, {20, 10, 0})), image);
 }
 
-TEST_F(CaptureTest, WhatLiesBeyondTheViewShowsTheBackground)
+TEST_F(CaptureTest, WhatLiesBeyondTheViewIsThereToo)
 {
     const QImage image = takenImage(captureTargetImage({70, 0, 0}, {90, 10, 0}));
     ASSERT_EQ(image.size(), QSize(200, 100));
     const auto isRedAt = [&image](int x) { return isRed(image.pixel(x, 50)) || isRed(image.pixel(x, 49)); };
     EXPECT_TRUE(isRedAt(95));
-    EXPECT_FALSE(isRedAt(105));
-    EXPECT_EQ(image.pixel(150, 50), image.pixel(150, 10));
+    EXPECT_TRUE(isRedAt(105));
     EXPECT_FALSE(takenImage(captureTargetImage({900, 0, 0}, {910, 10, 0})).isNull());
 }
 

@@ -1,4 +1,4 @@
-#include "quillnote/reports/mark_pictures.h"
+#include "quillnote/snapshot/commands/mark_pictures.h"
 
 #include "quillnote/entity/mark_record.h"
 
@@ -9,21 +9,28 @@
 #include <QFileInfo>
 
 // Numbers have four digits, so that a folder shows the files in the order of the marks.
-static QString beginningOfName(const QuillnoteObj3 &mark)
+QString MarkPictureWriter::beginningOfName(const QuillnoteObj3 &mark)
 {
-    const QString number = QStringLiteral("mark-%1").arg(mark.markNumber, 4, 10, QLatin1Char('0'));
-    return mark.subNumber == 0 ? number : QStringLiteral("%1.%2").arg(number).arg(mark.subNumber);
+    QString beginning = QStringLiteral("mark-%1").arg(mark.markNumber, 4, 10, QLatin1Char('0'));
+    if (mark.subNumber != 0)
+        beginning += QLatin1Char('.') + QString::number(mark.subNumber);
+    if (m_used.contains(beginning))
+        beginning += QLatin1Char('-') + QString::number(mark.objectId().handle().value, 16).toUpper();
+    m_used.insert(beginning);
+    return beginning;
 }
 
 bool MarkPictureWriter::write(const QuillnoteObj3 &mark)
 {
-    QString beginning = beginningOfName(mark);
-    if (m_used.contains(beginning))
-        beginning += QLatin1Char('-') + QString::number(mark.objectId().handle().value, 16).toUpper();
-    m_used.insert(beginning);
+    const QString beginning = beginningOfName(mark);
     const bool target = writeFile(beginning + QStringLiteral("-target.png"), mark.snapImage);
     const bool full = writeFile(beginning + QStringLiteral("-full.png"), mark.fullImage);
     return target && full;
+}
+
+bool MarkPictureWriter::writeAs(const QuillnoteObj3 &mark, const QString &what, const QByteArray &png)
+{
+    return writeFile(beginningOfName(mark) + QStringLiteral("-%1.png").arg(what), png);
 }
 
 bool MarkPictureWriter::writeFile(const QString &name, const QByteArray &bytes) const
