@@ -74,6 +74,7 @@ void DrawingView::fitViewToWidget(AcApDocument &document)
     if (view != fitted.shown)
         fitted.asked = view;
     view = fitted.asked.onRaster(pixelSize().width(), pixelSize().height());
+    view.pixelRatio = devicePixelRatioF();
     fitted.shown = view;
 }
 
@@ -262,7 +263,7 @@ void DrawingView::showEverything(AcApDocument &document)
         box = savedExtents(database, space);
     const bool isRough = box.isValid();
     if (!isRough)
-        box = acedSpaceExtents(database, space);
+        box = acedShownExtents(database, space, acedViewport(document));
     zoomTo(document, box);
     if (isRough)
         m_roughZoom = RoughZoom{&database, document.view()};

@@ -35,6 +35,7 @@ struct AcApView {
     double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
+    double pixelRatio = 1.0; ///< Pixels of the screen in what a person calls one.
 
     double pixelSize() const { return height / pixelHeight; }
     double width() const { return pixelSize() * pixelWidth; }

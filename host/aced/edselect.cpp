@@ -58,20 +58,26 @@ static AcEdSelectionSet visibleInSpace(const AcDbDatabase &database, const AcEdF
     return set;
 }
 
-/// Corners in the current UCS; the rectangle stands upright in the view.
-static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGePoint3d &corner1,
-                                 const AcGePoint3d &corner2, bool crossing, const AcEdFilter &filter)
+static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGiWindow &window, bool crossing,
+                                 const AcEdFilter &filter)
 {
     AcDbDatabase &database = *document.database();
-    const AcGiWindow window =
-        AcGiWindow::fromCorners(acedTrans(corner1, AcEdSpace::ucs, AcEdSpace::world),
-                                acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world), document.view().twist);
     AcGiSpatialIndex &index = acgiSpatialIndex(database);
     AcEdSelectionSet set = crossing ? index.crossingWindow(database.currentSpaceId(), window)
                                     : index.insideWindow(database.currentSpaceId(), window);
     std::erase_if(set, [&filter](AcDbObjectId id) { return !filter.passes(id); });
     newestFirst(set);
     return set;
+}
+
+/// Corners in the current UCS; the rectangle stands upright in the view, which shows the world turned by its
+/// twist.
+static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGePoint3d &corner1,
+                                 const AcGePoint3d &corner2, bool crossing, const AcEdFilter &filter)
+{
+    const AcGePoint3d one = acedTrans(corner1, AcEdSpace::ucs, AcEdSpace::world);
+    const AcGePoint3d other = acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world);
+    return inWindow(document, AcGiWindow::fromCorners(one, other, -document.view().twist), crossing, filter);
 }
 
 /// Of entities chosen earlier, those that still are there, in this space, and pass.
@@ -369,6 +375,13 @@ int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufL
 {
     return run({plainMode(mode), nullptr, nullptr, addPrompt.isEmpty() ? addPromptText() : addPrompt}, filter,
                selected);
+}
+
+AcEdSelectionSet acedCrossingWindow(const AcApDocument &document, const AcGiWindow &window,
+                                    const ResbufList &filter)
+{
+    const auto compiled = AcEdFilter::compile(filter);
+    return compiled ? inWindow(document, window, true, *compiled) : AcEdSelectionSet();
 }
 
 bool acedPassesFilter(AcDbObjectId entity, const ResbufList &filter)

@@ -6,6 +6,9 @@
 
 #include <vector>
 
+class AcApDocument;
+class AcGiWindow;
+
 using AcEdSelectionSet = std::vector<AcDbObjectId>;
 
 /// Selects in the current space of the current drawing. Erased, frozen, off and hidden entities never
@@ -25,6 +28,11 @@ int acedSSGet(const QString &mode, const AcGePoint3d *point1, const AcGePoint3d 
 /// As acedSSGet("") with the prompt texts for adding and removing.
 int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufList &filter,
                     AcEdSelectionSet &selected);
+
+/// What lies inside a window (world) of the current space or crosses it, and passes; newest first. Does not ask
+/// how the document is seen.
+AcEdSelectionSet acedCrossingWindow(const AcApDocument &document, const AcGiWindow &window,
+                                    const ResbufList &filter);
 
 /// True when the entity's data passes the filter; for lists from elsewhere than the drawing.
 bool acedPassesFilter(AcDbObjectId entity, const ResbufList &filter);

@@ -16,10 +16,16 @@ public:
     double pixelWidth = 1.0;
     double pixelHeight = 1.0;
     bool paperSpace = false; ///< Of a paper-space layout.
+    /// On whatever shows the view, for what is to be of one size to the eye. 96 to an inch unless a screen or a
+    /// sheet of paper says otherwise.
+    double pixelsPerMillimetre = kUsualDensity;
+    static constexpr double kUsualDensity = 96.0 / 25.4;
 
     double width() const { return height * pixelWidth / pixelHeight; }
     /// World units.
     double pixelSize() const { return height / pixelHeight; }
+    /// World units.
+    double millimetre() const { return pixelsPerMillimetre * pixelSize(); }
     bool isPlan() const { return direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0; }
 
     AcGeMatrix3d getWorldToEyeTransform() const;

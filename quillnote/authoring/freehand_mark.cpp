@@ -1,6 +1,8 @@
 #include "quillnote/authoring/freehand_mark.h"
 
 #include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/mark_numbers.h"
+#include "quillnote/entity/sketch.h"
 #include "quillnote/frame/settings/install_folder.h"
 #include "quillnote/frame/settings/settings.h"
 
@@ -13,6 +15,8 @@
 #include "host/os/temp_files.h"
 
 #include <QFile>
+
+#include <algorithm>
 
 namespace
 {
@@ -51,31 +55,50 @@ static void letUserSketch(const QString &path, const QRect &window)
 }
 
 /// False for a viewport that shows no place of the world.
-static bool visibleCorners(const QSize &window, NewMark &request)
+static bool visibleCorners(const AcApView &view, NewMark &request)
 {
+    // The view counts pixels of the screen; windows count in units that a screen may show as several pixels.
     const int viewport = acedIntVar(QStringLiteral("CVPORT"), 2);
-    if (!acedCoordFromPixelToWorld(viewport, QPoint(0, window.height()), request.corner1) ||
-        !acedCoordFromPixelToWorld(viewport, QPoint(window.width(), 0), request.corner2))
+    if (!acedCoordFromPixelToWorld(viewport, QPoint(0, int(view.pixelHeight)), request.corner1) ||
+        !acedCoordFromPixelToWorld(viewport, QPoint(int(view.pixelWidth), 0), request.corner2))
         return false;
     request.corner1.z = 0.0;
     request.corner2.z = 0.0;
     return true;
 }
 
+/// Nothing was drawn: the user gave up, or there was nothing to draw with. What this program cannot read counts.
+static bool isBlank(const QString &path)
+{
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const auto strokes = sketch::decode(bytes);
+    return bytes.isEmpty() || (strokes && std::ranges::none_of(strokes->strokes, &sketch::Stroke::isDrawn));
+}
+
 void QN3_EasyDraw()
 {
-    const QRect window = acedDrawingWindow();
+    AcApDocument *const document = curDoc();
+    if (!document || !hasFreeMarkNumber(*document->database()))
+        return;
     NewMark request;
-    if (!visibleCorners(window.size(), request)) {
+    if (!visibleCorners(document->view(), request)) {
         acutPrintf(QStringLiteral("\n当前视口无法手绘。"));
         return;
     }
     const SketchFile sketch;
-    letUserSketch(sketch.path(), window);
+    letUserSketch(sketch.path(), acedDrawingWindow());
+    if (curDoc() != document)
+        return;
+    if (isBlank(sketch.path())) {
+        acutPrintf(QStringLiteral("\n没有手绘内容，未创建评图标签。"));
+        acedFrontEnd().focusDrawing();
+        return;
+    }
     request.reviewerName = settings::text(u"name");
     request.sketchFile = sketch.path();
     request.isFreehand = true;
-    if (createMark(*acdbCurDwg(), request).isNull())
+    if (createMark(*document->database(), request).isNull())
         acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
     acedFrontEnd().focusDrawing();
 }

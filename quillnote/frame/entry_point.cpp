@@ -12,6 +12,7 @@
 #include "quillnote/frame/reactors.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
+#include "quillnote/entity/mark_grips.h"
 #include "quillnote/frame/verbs.h"
 #include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/snapshot/snapshot_viewer.h"
@@ -23,14 +24,6 @@
 #include "host/aced/edsysvar.h"
 
 static constexpr int kNoticeLimit = 10;
-
-static std::optional<double> currentViewSize()
-{
-    resbuf value;
-    if (acedGetVar(QStringLiteral("VIEWSIZE"), value) != RTNORM)
-        return {};
-    return value.real();
-}
 
 static void showNotice()
 {
@@ -71,9 +64,10 @@ static void initialise(void *packet)
     acrxDynamicLinker()->unlockApplication(packet);
     acrxDynamicLinker()->registerAppMDIAware(packet);
     createDocumentRegistry();
-    readStartUpSettings(currentViewSize);
+    readStartUpSettings();
     registerMarkClass();
     installPasswordPrompt();
+    setTargetReshaped(renewFingerprint);
     showNotice();
     registerCommands();
     registerVerbs();
@@ -90,6 +84,7 @@ static void unload()
     pendingSnapshot().reset();
     removeVerbs();
     acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
+    setTargetReshaped(nullptr);
     removePasswordPrompt();
     unregisterMarkClass();
 }
@@ -97,10 +92,6 @@ static void unload()
 // A second pass after a LISP call would only queue the menu again, so these steps run once a drawing.
 static void drawingLoaded()
 {
-    // The window starts without a drawing whose size could be asked. A script does the same with every
-    // drawing.
-    if (!acedFrontEnd().isScripted() && acedIntVar(QStringLiteral("TILEMODE"), 1) != 0)
-        suitTextHeight(currentViewSize);
     queueMenuLoad();
     defineLispFunctions();
     if (settings::number(u"autoFlagRefresh") > 0)

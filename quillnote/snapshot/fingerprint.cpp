@@ -1,7 +1,9 @@
 #include "quillnote/snapshot/fingerprint.h"
 
 #include "host/acdb/dbapi.h"
+#include "host/acap/docman.h"
 #include "host/aced/edselect.h"
+#include "host/acgi/giregion.h"
 
 #include <algorithm>
 #include <array>
@@ -97,12 +99,19 @@ static ResbufList withoutMarks()
     return {{-4, QStringLiteral("<not")}, {0, QStringLiteral("QUILLNOTE*")}, {-4, QStringLiteral("not>")}};
 }
 
-TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
+static AcGiWindow windowOf(const MarkCorners &target)
 {
-    const AcGePoint3d point1 = acedTrans(corner1, AcEdSpace::world, AcEdSpace::ucs);
-    const AcGePoint3d point2 = acedTrans(corner2, AcEdSpace::world, AcEdSpace::ucs);
+    const auto flat = [](const AcGePoint3d &corner) { return AcGePoint2d(corner.x, corner.y); };
+    return AcGiWindow(
+        {flat(target.corner1), flat(target.corner4), flat(target.corner2), flat(target.corner3)});
+}
+
+TargetFingerprint computeTargetFingerprint(const MarkCorners &target)
+{
     TargetFingerprint fingerprint;
-    if (acedSSGet(QStringLiteral("C"), &point1, &point2, withoutMarks(), fingerprint.ids) != RTNORM)
+    if (const AcApDocument *const document = curDoc())
+        fingerprint.ids = acedCrossingWindow(*document, windowOf(target), withoutMarks());
+    if (fingerprint.ids.empty())
         return {};
     std::int32_t sum = 0;
     // Extended data cannot count, its codes being above 99, so it is not asked for.

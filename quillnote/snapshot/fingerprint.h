@@ -2,8 +2,9 @@
 // whether the area was changed; colours do not count.
 #pragma once
 
+#include "quillnote/entity/mark_outline.h"
+
 #include "host/acdb/resbuf.h"
-#include "host/acge/gepoint.h"
 
 #include <QString>
 
@@ -18,9 +19,9 @@ struct TargetFingerprint {
     bool isFound() const { return !ids.empty(); }
 };
 
-/// Of the rectangle between two corners (world) that is upright in the current view, in the current space of
-/// the current drawing. Review marks never count, nor does what cannot be seen.
-TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+/// Of a target (world), along its own sides however it is seen, in the current space of the current drawing.
+/// Review marks never count, nor does what cannot be seen.
+TargetFingerprint computeTargetFingerprint(const MarkCorners &target);
 
 /// The text of an entity's data list that the checksum counts: "(code,value)" of each group of 0 to 99 but
 /// the colour.
