@@ -414,7 +414,6 @@ Acad::ErrorStatus QuillnoteObj3::subMoveGripPointsAt(std::span<const int> grips,
     if (isReshaped && !AcDbTransient::isCopy(*this) && s_targetReshaped)
         s_targetReshaped(*this);
     applyWriteBack(*this, layOutMark(*this, settings, view).writeBack);
-    syncDone = false;
     gripEditing = true;
     return Acad::eOk;
 }

@@ -25,8 +25,11 @@
 
 static constexpr int kNoticeLimit = 10;
 
+/// Only a person reads it: a script would use up the ten times unseen.
 static void showNotice()
 {
+    if (acedFrontEnd().isScripted())
+        return;
     const QString notice = settings::text(u"NoticeString");
     const int shown = settings::number(u"NoticeStringN");
     if (notice.isEmpty() || shown >= kNoticeLimit)
@@ -63,6 +66,7 @@ static void initialise(void *packet)
     resetState();
     acrxDynamicLinker()->unlockApplication(packet);
     acrxDynamicLinker()->registerAppMDIAware(packet);
+    settings::declareTypes();
     createDocumentRegistry();
     readStartUpSettings();
     registerMarkClass();
