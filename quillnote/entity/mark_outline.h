@@ -19,7 +19,6 @@ struct MarkCorners {
     AcGePoint3d corner4;
 
     double diagonal() const { return corner1.distanceTo(corner2); }
-    friend bool operator==(const MarkCorners &, const MarkCorners &) = default;
 };
 /// Completed where the record has not completed them yet.
 MarkCorners targetCorners(const QuillnoteObj3 &mark);

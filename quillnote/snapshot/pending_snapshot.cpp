@@ -32,7 +32,9 @@ void storeSnapshot(const AcDbDatabase &database, QuillnoteObj3 &mark)
     PendingSnapshot &pending = pendingSnapshot();
     const MarkCorners target = targetCorners(mark);
     const bool isSeen = acdbCurDwg() == &database;
-    if (isSeen && pending.target != target)
+    const bool waits = pending.target && pending.target->corner1 == target.corner1 &&
+                       pending.target->corner2 == target.corner2;
+    if (isSeen && !waits)
         capturePendingSnapshot(target);
     if (isSeen) {
         mark.snapEntityIds = std::move(pending.fingerprint.ids);
