@@ -375,3 +375,14 @@ TEST_F(AuthoringTest, EverythingIncludesFlagsAndWhatElseIsDrawnBeside)
         EXPECT_LE(seen.maxPoint().y, view.pixelHeight + 1);
     }
 }
+
+TEST_F(AuthoringTest, MenusKnowWhichCommandsAreNotBuilt)
+{
+    for (const CommandRow &row : commandTable()) {
+        const AcEdCommand *const command =
+            acedCommandOfMacro(QStringLiteral("^C^C_%1 ").arg(QString::fromLatin1(row.globalName)));
+        ASSERT_TRUE(command) << row.globalName;
+        EXPECT_EQ((command->flags & kCommandNotBuilt) != 0, row.function == nullptr) << row.globalName;
+    }
+    EXPECT_FALSE(acedCommandOfMacro(QStringLiteral("(command \"LINE\") ")));
+}
