@@ -10,9 +10,9 @@
 #include <limits>
 
 static constexpr qsizetype kChunkBytes = 127; // The longest binary group that every reader takes.
-static constexpr std::int64_t kZlib = 1;       // Form of the bytes; without it they stand as they are.
+static constexpr std::int64_t kZlib = 1;      // Form of the bytes; without it they stand as they are.
 
-static constexpr qsizetype kSizeBytes = 4;      // Qt writes the size, big-endian, before the zlib stream.
+static constexpr qsizetype kSizeBytes = 4;        // Qt writes the size, big-endian, before the zlib stream.
 static constexpr qsizetype kMostExpansion = 1100; // No zlib stream expands more.
 
 // Class name (1), byte count (90), CRC-16 of the bytes (91), form (70), chunks (310). The records are mostly

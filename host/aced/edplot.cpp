@@ -191,7 +191,10 @@ namespace
 class PlotLists
 {
 public:
-    explicit PlotLists(AcDbDatabase &database) : m_display(acgiDisplay(database)) { m_display.regenerate(true); }
+    explicit PlotLists(AcDbDatabase &database) : m_display(acgiDisplay(database))
+    {
+        m_display.regenerate(true);
+    }
     ~PlotLists() { m_display.regenerate(true); }
     PlotLists(const PlotLists &) = delete;
     PlotLists &operator=(const PlotLists &) = delete;

@@ -29,8 +29,8 @@ int acedSSGet(const QString &mode, const AcGePoint3d *point1, const AcGePoint3d 
 int acedSSGetPrompt(const QString &mode, const QString &addPrompt, const ResbufList &filter,
                     AcEdSelectionSet &selected);
 
-/// What lies inside a window (world) of the current space or crosses it, and passes; newest first. Does not ask
-/// how the document is seen.
+/// What lies inside a window (world) of the current space or crosses it, and passes; newest first. Does not
+/// ask how the document is seen.
 AcEdSelectionSet acedCrossingWindow(const AcApDocument &document, const AcGiWindow &window,
                                     const ResbufList &filter);
 

@@ -161,7 +161,8 @@ static AcDbExtents extentsOneByOne(const AcDbDatabase &database, AcDbObjectId sp
 
 AcDbExtents acedCurrentExtents(const AcApDocument &document)
 {
-    return acedShownExtents(*document.database(), document.database()->currentSpaceId(), acedViewport(document));
+    return acedShownExtents(*document.database(), document.database()->currentSpaceId(),
+                            acedViewport(document));
 }
 
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
@@ -184,8 +185,8 @@ static void fitView(AcGiViewport &view, const AcDbExtents &box)
     view.height = std::max({size.y, size.x * view.pixelHeight / view.pixelWidth, 1e-9});
 }
 
-// What marks show beside their extents is larger the farther away it is seen from, so the box and the view that it
-// is fitted into are found by turns; a few turns come near enough.
+// What marks show beside their extents is larger the farther away it is seen from, so the box and the view
+// that it is fitted into are found by turns; a few turns come near enough.
 AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view)
 {
     const AcDbExtents plain = acedSpaceExtents(database, space);

@@ -35,8 +35,8 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record);
 AcDbExtents acedCurrentExtents(const AcApDocument &document);
 /// Filed extents of everything visible in model space or a layout.
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space);
-/// With what marks and other custom entities draw beside their extents, flags for example, in a view of everything
-/// with the size, the twist and the density of `view`.
+/// With what marks and other custom entities draw beside their extents, flags for example, in a view of
+/// everything with the size, the twist and the density of `view`.
 AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view);
 /// Fits the rectangle (world) into the view.
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2);

@@ -16,8 +16,8 @@ public:
     double pixelWidth = 1.0;
     double pixelHeight = 1.0;
     bool paperSpace = false; ///< Of a paper-space layout.
-    /// On whatever shows the view, for what is to be of one size to the eye. 96 to an inch unless a screen or a
-    /// sheet of paper says otherwise.
+    /// On whatever shows the view, for what is to be of one size to the eye. 96 to an inch unless a screen or
+    /// a sheet of paper says otherwise.
     double pixelsPerMillimetre = kUsualDensity;
     static constexpr double kUsualDensity = 96.0 / 25.4;
 

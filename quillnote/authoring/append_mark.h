@@ -17,11 +17,11 @@ AcGeVector3d viewRight();
 /// Text height (that of sheets while a sheet is current), axes along the current view, colours and password.
 void fillMarkFromSettings(QuillnoteObj3 &mark);
 
-/// A text height (world units, two digits) for a view and for the box around what the drawing shows, which may be
-/// invalid: about a fiftieth of the view, within what can be read on the whole drawing.
+/// A text height (world units, two digits) for a view and for the box around what the drawing shows, which
+/// may be invalid: about a fiftieth of the view, within what can be read on the whole drawing.
 double suitingTextHeight(double viewHeight, const AcDbExtents &drawing);
-/// Text under a small target would follow it into what nobody can read in the current view: such a mark gets a
-/// height of its own instead.
+/// Text under a small target would follow it into what nobody can read in the current view: such a mark gets
+/// a height of its own instead.
 void keepTextLegible(QuillnoteObj3 &mark);
 
 /// Appends a settled mark to the current space. A null id when the drawing refuses it.

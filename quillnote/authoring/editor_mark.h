@@ -5,9 +5,9 @@
 
 #include <optional>
 
-/// Opens the mark editor and completes the request (points and kind) with its texts and the reviewer's name of
-/// the settings. None when the editor is cancelled or the drawing is closed meanwhile, or when the drawing has no
-/// number left for a mark (then with a printed line, and without opening the editor).
+/// Opens the mark editor and completes the request (points and kind) with its texts and the reviewer's name
+/// of the settings. None when the editor is cancelled or the drawing is closed meanwhile, or when the drawing
+/// has no number left for a mark (then with a printed line, and without opening the editor).
 std::optional<NewMark> askOpinion(NewMark request);
 /// A null id, with a printed line, when the drawing refuses the mark.
 AcDbObjectId makeMark(const NewMark &request);

@@ -67,7 +67,8 @@ static bool visibleCorners(const AcApView &view, NewMark &request)
     return true;
 }
 
-/// Nothing was drawn: the user gave up, or there was nothing to draw with. What this program cannot read counts.
+/// Nothing was drawn: the user gave up, or there was nothing to draw with. What this program cannot read
+/// counts.
 static bool isBlank(const QString &path)
 {
     QFile file(path);

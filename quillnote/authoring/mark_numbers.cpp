@@ -16,9 +16,9 @@
 namespace
 {
 
-/// Whether the record of a drawing is known to be as high as its marks. Looking through all of them for each new
-/// mark would make ten thousand of them slow; after the first look only marks that come from elsewhere can be
-/// higher.
+/// Whether the record of a drawing is known to be as high as its marks. Looking through all of them for each
+/// new mark would make ten thousand of them slow; after the first look only marks that come from elsewhere
+/// can be higher.
 class RecordWatch : public AcDbDatabaseReactor
 {
 public:

@@ -39,7 +39,8 @@ std::vector<AcGePoint3d> distinctVertices(std::span<const AcGePoint3d> points)
 void tellLastVertex(std::span<const AcGePoint3d> points)
 {
     const auto count = [](std::span<const AcGePoint3d> some) { return distinctVertices(some).size(); };
-    if (count(points) == QuillnoteObj3::kSlots && count(points.first(points.size() - 1)) < QuillnoteObj3::kSlots)
+    if (count(points) == QuillnoteObj3::kSlots &&
+        count(points.first(points.size() - 1)) < QuillnoteObj3::kSlots)
         acutPrintf(QStringLiteral("\n已指定16个顶点，靶框最多只能有16个顶点！"));
 }
 

@@ -203,8 +203,7 @@ static int askTextStart(const QuillnoteObj3 &polygon, AcGePoint3d &start)
 {
     const AcGePoint3d base = acedTrans(middleOf(polygon), AcEdSpace::world, AcEdSpace::ucs);
     StandingOutline outline(polygon);
-    const int answer =
-        acedGetTrackedPoint(&base, QStringLiteral("\n请指定文字的起点: "), outline, start);
+    const int answer = acedGetTrackedPoint(&base, QStringLiteral("\n请指定文字的起点: "), outline, start);
     start = acedTrans(start, AcEdSpace::ucs, AcEdSpace::world);
     start.z = 0.0;
     return answer;

@@ -19,7 +19,7 @@
 static constexpr double kUnitMillimetres = 15.0 / AcGiViewport::kUsualDensity;
 static constexpr double kLeastFlagOnPaper = 3.5; ///< Millimetres, the height of a flag.
 static constexpr int kLeastWaveOnPaper = 35;     ///< Hundredths of a millimetre.
-static constexpr double kPlotUnits = 30.0; ///< Drawing units in the diagonal of a plotted target.
+static constexpr double kPlotUnits = 30.0;       ///< Drawing units in the diagonal of a plotted target.
 static constexpr double kLeastTextHeight = 0.001;
 static constexpr double kLeaderTextHeight = 500.0;
 static constexpr double kLeaderFlagScale = 1.36;
@@ -75,8 +75,8 @@ LayoutPass::LayoutPass(const QuillnoteObj3 &mark, const MarkDrawingSettings &set
     m_layout.plotting = view.plotting;
     m_layout.target = m_record.target;
     m_layout.textBox = m_isLeader ? m_record.textBox : m_record.target;
-    m_layout.drawUnit =
-        view.plotting ? m_record.target.diagonal() / kPlotUnits : kUnitMillimetres * view.viewport.millimetre();
+    m_layout.drawUnit = view.plotting ? m_record.target.diagonal() / kPlotUnits
+                                      : kUnitMillimetres * view.viewport.millimetre();
     m_outlineView = {m_layout.drawUnit, settings};
     if (isProxy()) {
         m_record.displayMode = 0;

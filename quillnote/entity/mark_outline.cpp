@@ -143,7 +143,8 @@ MarkCorners cornersAround(std::span<const AcGePoint3d> points, const MarkAxes &a
     MarkCorners corners;
     corners.corner1 = toWorld(box.minPoint());
     corners.corner2 = toWorld(box.maxPoint());
-    const CompletedCorners others = completeCorners(corners.corner1, corners.corner2, axes.normal, axes.right);
+    const CompletedCorners others =
+        completeCorners(corners.corner1, corners.corner2, axes.normal, axes.right);
     corners.corner3 = others.corner3;
     corners.corner4 = others.corner4;
     return corners;

@@ -62,8 +62,8 @@ struct MarkOutline {
     std::vector<WaveBump> bumps;
     bool thinWaves = false;
     int waveColor = 0;
-    /// Least lineweight of waves, hundredths of a millimetre; 0: that of the mark. Thick waves are drawn along
-    /// their inner edge as well.
+    /// Least lineweight of waves, hundredths of a millimetre; 0: that of the mark. Thick waves are drawn
+    /// along their inner edge as well.
     int waveWeight = 0;
 
     bool isEmpty() const { return pieces.empty() && bumps.empty(); }

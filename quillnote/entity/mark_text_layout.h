@@ -69,9 +69,9 @@ const AcGiTextStyle &markTextStyle(bool trueType);
 /// Size of that font for text of a height.
 double markTextSize(bool trueType, double height);
 
-/// Breaks the opinion into lines that start at `start`, with the signature line when it is shown. Under a target
-/// lines are of equal length and fitted to the target's width; in a box they break at words and keep the shape of
-/// their letters, so that a box that was fitted to its lines has the same lines again.
+/// Breaks the opinion into lines that start at `start`, with the signature line when it is shown. Under a
+/// target lines are of equal length and fitted to the target's width; in a box they break at words and keep
+/// the shape of their letters, so that a box that was fitted to its lines has the same lines again.
 MarkTextLayout layOutMarkText(const QuillnoteObj3 &mark, const MarkDrawingSettings &settings,
                               const MarkTextFrame &frame, const MarkAxes &axes, const AcGePoint3d &start,
                               double height);

@@ -135,7 +135,8 @@ void registerCommands()
             function = [name = row.globalName] { sayNotBuilt(name); };
         acedRegCmds()->addCommand(QString::fromUtf16(kCommandGroup), QString::fromLatin1(row.globalName),
                                   QString::fromLatin1(row.localName),
-                                  row.function ? row.flags : row.flags | kCommandNotBuilt, std::move(function));
+                                  row.function ? row.flags : row.flags | kCommandNotBuilt,
+                                  std::move(function));
     }
 }
 

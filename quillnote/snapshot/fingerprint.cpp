@@ -1,7 +1,7 @@
 #include "quillnote/snapshot/fingerprint.h"
 
-#include "host/acdb/dbapi.h"
 #include "host/acap/docman.h"
+#include "host/acdb/dbapi.h"
 #include "host/aced/edselect.h"
 #include "host/acgi/giregion.h"
 

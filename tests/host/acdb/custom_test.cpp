@@ -252,8 +252,9 @@ TEST(Custom, CarriedFieldsArePackedAndClaimNoMoreThanTheyHold)
     for (const resbuf &group : packed)
         bytes += group.restype == 310 ? std::size_t(group.bytes().size()) : 0;
     EXPECT_LT(bytes, 2000U);
-    for (const auto &[code, value] : {std::pair(90, std::int64_t(4'000'000'000)), std::pair(90, std::int64_t(-1)),
-                                      std::pair(70, std::int64_t(2)), std::pair(91, std::int64_t(0))}) {
+    for (const auto &[code, value] :
+         {std::pair(90, std::int64_t(4'000'000'000)), std::pair(90, std::int64_t(-1)),
+          std::pair(70, std::int64_t(2)), std::pair(91, std::int64_t(0))}) {
         ResbufList damaged = packed;
         findGroup(damaged, code)->assign(value);
         record->setFromRbChain(damaged);

@@ -105,7 +105,8 @@ TEST_F(Selection, WindowsStandUprightInTheView)
     m_drawing.document().view().twist = kGePi / 4;
     // Seen from the turned view this rectangle holds the line at x = 0; unturned it would have no width.
     EXPECT_THAT(window("W", {0, -1, 0}, {0, 11, 0}), ElementsAre(a));
-    // Not by half a right angle: the view shows the world turned to the left, so its sides lie turned to the right.
+    // Not by half a right angle: the view shows the world turned to the left, so its sides lie turned to the
+    // right.
     const double twist = kGePi / 6;
     m_drawing.document().view().twist = twist;
     const auto world = [twist](double x, double y) {

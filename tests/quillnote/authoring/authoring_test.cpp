@@ -12,8 +12,8 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edpick.h"
-#include "host/aced/edsysvar.h"
 #include "host/aced/edpicture.h"
+#include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
@@ -349,7 +349,8 @@ TEST_F(AuthoringTest, TextHeightsSuitTheDrawingAndTheView)
         EXPECT_NEAR(mark->textHeight, 12.0 / 80.0, 1e-9);
     }
     request.corner2 = {9, 9, 0};
-    EXPECT_TRUE(AcDbObjectPointer<QuillnoteObj3>(createMark(database(), request), AcDb::kForRead)->autoTextHeight);
+    EXPECT_TRUE(
+        AcDbObjectPointer<QuillnoteObj3>(createMark(database(), request), AcDb::kForRead)->autoTextHeight);
 }
 
 TEST_F(AuthoringTest, EverythingIncludesFlagsAndWhatElseIsDrawnBeside)

@@ -318,11 +318,13 @@ TEST_F(MarkLayoutTest, ABoxHoldsItsLinesBreaksAtWordsAndComesToRest)
         for (const MarkTextLine &line : first.text->lines) {
             lines += line.text;
             EXPECT_EQ(line.xScale, 1.0);
-            EXPECT_LE(line.base.x + drawnWidth(*first.text, line), first.textBox.corner2.x) << qPrintable(line.text);
+            EXPECT_LE(line.base.x + drawnWidth(*first.text, line), first.textBox.corner2.x)
+                << qPrintable(line.text);
             EXPECT_GT(line.base.y, first.textBox.corner1.y) << qPrintable(line.text);
         }
         EXPECT_GT(first.text->signature->line.base.y, first.textBox.corner1.y);
-        EXPECT_EQ(lines.join(QString()).remove(u' '), QString(opinion).remove(QStringLiteral("\r\n")).remove(u' '));
+        EXPECT_EQ(lines.join(QString()).remove(u' '),
+                  QString(opinion).remove(QStringLiteral("\r\n")).remove(u' '));
         if (opinion.startsWith(u"The"))
             EXPECT_EQ(lines.join(u' '), opinion) << "no word is cut";
         for (int pass = 0; pass < 4; ++pass) {

@@ -122,7 +122,8 @@ TEST(MarkOutline, EllipsesStayInTheirTargetsHoweverTheseLie)
             std::vector<AcGePoint3d> points = outline.points;
             for (const WaveBump &bump : outline.bumps)
                 points.push_back(bump.a);
-            // 72 points of the thin one; 36 bumps of the others, which a square turned by 45 degrees had none of.
+            // 72 points of the thin one; 36 bumps of the others, which a square turned by 45 degrees had none
+            // of.
             EXPECT_EQ(points.size(), style == 1 ? 72u : 36u) << style << " at " << angle;
             for (const AcGePoint3d &point : points) {
                 const AcGePoint3d back = point.rotateBy(-angle, AcGeVector3d::kZAxis);
@@ -132,15 +133,15 @@ TEST(MarkOutline, EllipsesStayInTheirTargetsHoweverTheseLie)
     }
     OutlineRecord square = rectangleMark(10, 10);
     square.enlarged = true;
-    EXPECT_NEAR(outlineOf(turned(square, kGePi / 4), 1).points[0].distanceTo({0, 5 * std::sqrt(2.0), 0}), 6.25, 1e-9);
+    EXPECT_NEAR(outlineOf(turned(square, kGePi / 4), 1).points[0].distanceTo({0, 5 * std::sqrt(2.0), 0}),
+                6.25, 1e-9);
 }
 
 TEST(MarkOutline, ProxiesAreClosedAndMadeOfFewBumps)
 {
-    const std::vector<AcGePoint3d> star{{0, 0, 0},   {4, 1, 0},   {9, 0, 0},   {8, 4, 0},   {100, 9, 0},
-                                        {5, 8, 0},   {4, 60, 0},  {0, 9, 0},   {1, 4, 0},   {-9, 4, 0},
-                                        {-8, 3, 0},  {-9, 2, 0},  {-7, 1, 0},  {-6, 0, 0},  {-5, 1, 0},
-                                        {-4, 0.5, 0}};
+    const std::vector<AcGePoint3d> star{
+        {0, 0, 0}, {4, 1, 0},  {9, 0, 0},  {8, 4, 0},  {100, 9, 0}, {5, 8, 0},  {4, 60, 0}, {0, 9, 0},
+        {1, 4, 0}, {-9, 4, 0}, {-8, 3, 0}, {-9, 2, 0}, {-7, 1, 0},  {-6, 0, 0}, {-5, 1, 0}, {-4, 0.5, 0}};
     OutlineRecord mark = rectangleMark(1000, 3);
     for (const int style : {1, 2, 3, 4, 5, 6, 51, 52, 53, 54}) {
         for (const std::size_t vertices : {std::size_t(3), star.size()}) {

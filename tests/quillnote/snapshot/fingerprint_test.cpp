@@ -146,7 +146,8 @@ TEST_F(FingerprintTest, ATargetHasItsOwnSidesHoweverItIsSeen)
         EXPECT_EQ(after.checksum, before.checksum) << twist;
     }
     // A target that lies askew itself: its corners enclose the circle, the world's box around them more.
-    const MarkCorners askew{.corner1 = {5, 2, 0}, .corner2 = {5, 8, 0}, .corner3 = {2, 5, 0}, .corner4 = {8, 5, 0}};
+    const MarkCorners askew{
+        .corner1 = {5, 2, 0}, .corner2 = {5, 8, 0}, .corner3 = {2, 5, 0}, .corner4 = {8, 5, 0}};
     EXPECT_EQ(computeTargetFingerprint(askew).ids.size(), 2U);
     const MarkCorners beside{
         .corner1 = {40, 20, 0}, .corner2 = {40, 60, 0}, .corner3 = {20, 40, 0}, .corner4 = {60, 40, 0}};
