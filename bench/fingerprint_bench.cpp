@@ -37,6 +37,13 @@ static std::vector<AcDbExtents> targets(const AcDbExtents &drawing)
     return all;
 }
 
+static MarkCorners cornersOf(const AcDbExtents &box)
+{
+    const AcGePoint3d low = box.minPoint();
+    const AcGePoint3d high = box.maxPoint();
+    return {.corner1 = low, .corner2 = high, .corner3 = {low.x, high.y, 0}, .corner4 = {high.x, low.y, 0}};
+}
+
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
@@ -61,7 +68,7 @@ int main(int argc, char **argv)
     std::vector<AcDbObjectId> touched;
     const double taken = bench::seconds([&] {
         for (const AcDbExtents &target : targets(extents)) {
-            const TargetFingerprint print = computeTargetFingerprint(target.minPoint(), target.maxPoint());
+            const TargetFingerprint print = computeTargetFingerprint(cornersOf(target));
             touched.insert(touched.end(), print.ids.begin(), print.ids.end());
         }
     });

@@ -129,6 +129,26 @@ static void changeAll(AcDbDatabase &database, const std::vector<AcDbObjectId> &i
     timeCommand("renumber", database, [&] { renumberMarks(database); });
 }
 
+/// Claim: a mark without pictures adds at most 6 KB to a DXF file, in every style.
+static void weigh(int style)
+{
+    const auto sizeWith = [style](int marks) {
+        auto database = opened(newDrawingDxf());
+        for (int i = 0; i < marks; ++i) {
+            NewMark request;
+            request.corner2 = {4000, 3000, 0};
+            request.reviewerName = QStringLiteral("审图人");
+            request.opinionText = QStringLiteral("门宽不足，请核对。");
+            createMark(*database, request);
+        }
+        setStyle(collectMarks(*database).ids, style);
+        return writeDxf(*database).value().size();
+    };
+    constexpr int kWeighed = 10;
+    std::printf("a mark in outline style %2d adds %lld bytes to a DXF file\n", style,
+                static_cast<long long>((sizeWith(kWeighed + 1) - sizeWith(1)) / kWeighed));
+}
+
 int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
@@ -165,6 +185,8 @@ int main(int argc, char **argv)
     changeAll(*second, ids);
     acgiInstall();
     startUpSettings().viewFlag = true;
+    for (const int style : {1, 2, 3, 4, 5, 6, 51, 52, 53, 54})
+        weigh(style);
     for (const int style : {1, 2, 3, 4, 5, 6, 51, 52, 53, 54})
         regenerate(*second, ids, style);
 }

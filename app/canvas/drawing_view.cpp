@@ -268,7 +268,7 @@ void DrawingView::showEverything(AcApDocument &document)
         box = savedExtents(database, space);
     const bool isRough = box.isValid();
     if (!isRough)
-        box = acedSpaceExtents(database, space);
+        box = acedShownExtents(database, space, acedViewport(document));
     zoomTo(document, box);
     if (isRough)
         m_roughZoom = RoughZoom{&database, document.view()};

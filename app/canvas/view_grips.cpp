@@ -14,8 +14,10 @@ static constexpr std::size_t kMostGrips = 5000;
 
 bool ViewGrips::update(AcApDocument *document)
 {
-    const int halfSize =
-        acedIntVar(QStringLiteral("GRIPS"), 2) != 0 ? acedIntVar(QStringLiteral("GRIPSIZE"), 5) : 0;
+    const double ratio = document ? document->view().pixelRatio : 1.0;
+    const int halfSize = acedIntVar(QStringLiteral("GRIPS"), 2) != 0
+                             ? int(std::lround(acedIntVar(QStringLiteral("GRIPSIZE"), 5) * ratio))
+                             : 0;
     const AcDbDatabase *const database = document ? document->database() : nullptr;
     const std::uint64_t changeCount = database ? database->changeCount() : 0;
     const std::vector<AcDbObjectId> entities = document ? document->pickSet() : std::vector<AcDbObjectId>();

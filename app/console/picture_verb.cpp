@@ -121,6 +121,16 @@ static AcDbExtents savedView(const AcDbDatabase &database, AcDbObjectId space)
     return AcDbExtents(view.centre - corner, view.centre + corner);
 }
 
+/// Everything, as a picture of this size shows it.
+static AcDbExtents shownExtents(AcDbDatabase &database, const Request &request)
+{
+    AcGiViewport view;
+    view.pixelWidth = request.size.width();
+    view.pixelHeight = request.size.height();
+    view.paperSpace = request.space != database.modelSpaceId();
+    return acedShownExtents(database, request.space, view);
+}
+
 static base::Result<void, QString> findArea(Request &request, AcApDocument &document,
                                             const PictureOptions &options)
 {
@@ -142,7 +152,7 @@ static base::Result<void, QString> findArea(Request &request, AcApDocument &docu
         request.box = *window;
     }
     if (!request.box.isValid())
-        request.box = acedSpaceExtents(database, request.space);
+        request.box = shownExtents(database, request);
     if (!request.box.isValid())
         request.box = savedView(database, request.space);
     return {};

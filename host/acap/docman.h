@@ -35,8 +35,8 @@ struct AcApView {
     double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
     int pixelWidth = 1600;
     int pixelHeight = 1000;
-    double pixelRatio =
-        1.0; ///< Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
+    /// Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
+    double pixelRatio = 1.0;
 
     double pixelSize() const { return height / pixelHeight; }
     double countedPixelSize() const { return pixelSize() * pixelRatio; }

@@ -222,12 +222,16 @@ Acad::ErrorStatus AcDbDatabase::mayChange(const AcDbObject &object) const
     return isProtectedProxy(object) ? Acad::eNotAllowedForThisProxy : Acad::eOk;
 }
 
-// What may be done to an entity without its class is said by the drawing's record of the class.
+// What may be done to an entity without its class is said by the class when it is there and refused the
+// entity, else by the drawing's record of the class.
 bool AcDbDatabase::isProtectedProxy(const AcDbObject &object) const
 {
     constexpr int kOperations = 0xFF; // Erasing, transforming, colours, layers ... copying.
     if (!object.m_isProxy)
         return false;
+    const AcRxClass *const known = acdbKindClass(object.m_stub->kind, true);
+    if (const auto *const application = known->application())
+        return (application->proxyFlags & kOperations) == 0;
     const auto record = std::ranges::find(m_classes, object.dxfName(), &DrawingClass::dxfName);
     return record != m_classes.end() && (record->proxyFlags & kOperations) == 0;
 }

@@ -4,19 +4,41 @@
 #include "host/acdb/dbundo.h"
 
 #include <QStringList>
+#include <QtEndian>
 
 #include <algorithm>
+#include <limits>
 
 static constexpr qsizetype kChunkBytes = 127; // The longest binary group that every reader takes.
+static constexpr std::int64_t kZlib = 1;      // Form of the bytes; without it they stand as they are.
 
-// class name (1), byte count (90), CRC-16 of the bytes (91), chunks (310)
+static constexpr qsizetype kSizeBytes = 4;        // Qt writes the size, big-endian, before the zlib stream.
+static constexpr qsizetype kMostExpansion = 1100; // No zlib stream expands more.
+
+// Class name (1), byte count (90), CRC-16 of the bytes (91), form (70), chunks (310). The records are mostly
+// zeros and repetitions, and stand in the file as hexadecimal digits.
 static ResbufList packed(const QString &className, const QByteArray &stream)
 {
     ResbufList chain{
         {1, className}, {90, std::int64_t(stream.size())}, {91, std::int64_t(qChecksum(stream))}};
-    for (qsizetype at = 0; at < stream.size(); at += kChunkBytes)
-        chain.emplace_back(310, stream.mid(at, kChunkBytes));
+    QByteArray bytes = qCompress(stream).mid(kSizeBytes);
+    if (bytes.size() < stream.size())
+        chain.emplace_back(70, std::int64_t(kZlib));
+    else
+        bytes = stream;
+    for (qsizetype at = 0; at < bytes.size(); at += kChunkBytes)
+        chain.emplace_back(310, bytes.mid(at, kChunkBytes));
     return chain;
+}
+
+/// Empty when the bytes cannot be `size` bytes packed, so that a few of them never claim much memory.
+static QByteArray expanded(const QByteArray &bytes, std::int64_t size)
+{
+    if (size <= 0 || size > bytes.size() * kMostExpansion || size > std::numeric_limits<std::int32_t>::max())
+        return {};
+    QByteArray sized(kSizeBytes, Qt::Uninitialized);
+    qToBigEndian(static_cast<std::uint32_t>(size), sized.data());
+    return qUncompress(sized + bytes);
 }
 
 static QByteArray unpacked(const ResbufList &chain)
@@ -28,6 +50,9 @@ static QByteArray unpacked(const ResbufList &chain)
     }
     const resbuf *const size = findGroup(chain, 90);
     const resbuf *const checksum = findGroup(chain, 91);
+    const resbuf *const form = findGroup(chain, 70);
+    if (form && size)
+        stream = form->integer() == kZlib ? expanded(stream, size->integer()) : QByteArray();
     const bool whole = size && checksum && size->integer() == stream.size() &&
                        checksum->integer() == std::int64_t(qChecksum(stream));
     return whole ? stream : QByteArray();

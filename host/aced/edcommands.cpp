@@ -68,3 +68,12 @@ AcEdCommandStack *acedRegCmds()
     static AcEdCommandStack stack;
     return &stack;
 }
+
+const AcEdCommand *acedCommandOfMacro(const QString &macro)
+{
+    QStringView typed(macro);
+    while (typed.startsWith(u"^C") || typed.startsWith(u"^c"))
+        typed = typed.sliced(2);
+    const qsizetype end = typed.indexOf(u' ');
+    return acedRegCmds()->lookup((end < 0 ? typed : typed.first(end)).toString());
+}

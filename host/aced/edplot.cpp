@@ -53,9 +53,6 @@ void acedUsePaper(AcEdPlot &plot, const AcEdPaper &paper)
 namespace
 {
 
-/// Pages are cut into dots of this size; what is not stated in millimetres is one dot wide.
-constexpr int kDotsPerInch = 600;
-constexpr double kDotsPerMillimetre = kDotsPerInch / 25.4;
 /// Larger pages are beyond what viewers open.
 constexpr double kLargestPage = 5000.0;
 
@@ -120,8 +117,9 @@ static base::Result<Placed, QString> place(const AcApDocument &document, const A
     if (placed.window.isEmpty())
         return base::Failure{Host::tr("the plot lies outside the page")};
     placed.view.paperSpace = plot.space != document.database()->modelSpaceId();
-    placed.view.pixelWidth = placed.window.width() * kDotsPerMillimetre;
-    placed.view.pixelHeight = placed.window.height() * kDotsPerMillimetre;
+    placed.view.pixelWidth = placed.window.width() * kPlotDotsPerMillimetre;
+    placed.view.pixelHeight = placed.window.height() * kPlotDotsPerMillimetre;
+    placed.view.pixelsPerMillimetre = kPlotDotsPerMillimetre;
     return placed;
 }
 
@@ -148,12 +146,12 @@ static AcGiPaintReport paintPage(AcApDocument &document, const AcEdPlot &plot, c
     options.background = Qt::white;
     options.fillBackground = false;
     options.lineWeights = plot.lineWeights;
-    options.pixelsPerMillimetre = kDotsPerMillimetre;
+    options.pixelsPerMillimetre = kPlotDotsPerMillimetre;
     options.monochrome = plot.monochrome;
     options.plotting = true;
     painter.save();
-    painter.translate(placed.window.left() * kDotsPerMillimetre,
-                      (plot.pageHeight - placed.window.bottom()) * kDotsPerMillimetre);
+    painter.translate(placed.window.left() * kPlotDotsPerMillimetre,
+                      (plot.pageHeight - placed.window.bottom()) * kPlotDotsPerMillimetre);
     painter.setClipRect(QRectF(0, 0, placed.view.pixelWidth, placed.view.pixelHeight));
     const AcGiPaintReport report =
         acgiDisplay(*document.database()).paint(plot.space, placed.view, painter, options);
@@ -174,7 +172,7 @@ static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEd
     base::ProgressTeller progress(acDocManager()->progress(),
                                   Host::tr("正在打印 %1").arg(document.docTitle()));
     QPdfWriter writer(&device);
-    writer.setResolution(kDotsPerInch);
+    writer.setResolution(kPlotDotsPerInch);
     writer.setTitle(document.docTitle());
     writer.setCreator(QStringLiteral("Quillnote"));
     setPage(writer, pages.front());
@@ -194,11 +192,35 @@ static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEd
     return report;
 }
 
+namespace
+{
+
+/// While it lives, display lists are those of plots.
+class PlotLists
+{
+public:
+    explicit PlotLists(AcDbDatabase &database) : m_display(acgiDisplay(database))
+    {
+        m_display.regenerate(true);
+    }
+    ~PlotLists() { m_display.regenerate(true); }
+    PlotLists(const PlotLists &) = delete;
+    PlotLists &operator=(const PlotLists &) = delete;
+
+private:
+    AcEdRunningAs m_plotting{QStringLiteral("PLOT")};
+    AcGiDisplay &m_display;
+};
+
+} // namespace
+
 base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
                                                 const QString &path)
 {
     if (pages.empty())
         return base::Failure{Host::tr("there is nothing to plot")};
+    // Entities may look different on paper; lists made for the screen serve no plot, nor the other way round.
+    const PlotLists lists(*document.database());
     std::vector<Placed> places;
     for (const AcEdPlot &page : pages) {
         const auto placed = place(document, page);
@@ -210,13 +232,9 @@ base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const st
     if (!file)
         return base::Failure{file.error().text()};
 
-    const AcEdRunningAs plotting(QStringLiteral("PLOT"));
-    // Entities may look different on paper; lists made for the screen serve no plot, nor the other way round.
-    acgiDisplay(*document.database()).regenerate(true);
     QBuffer pdf;
     pdf.open(QIODevice::WriteOnly);
     const AcGiPaintReport report = writePages(document, pages, places, pdf);
-    acgiDisplay(*document.database()).regenerate(true);
     if (report.cancelled)
         return base::Failure{Host::tr("%1: the plot was stopped").arg(path)};
     file->write(pdf.data());

@@ -9,6 +9,10 @@
 #include <optional>
 #include <span>
 
+/// Pages are cut into dots of this size; what is not stated in millimetres is one dot wide.
+inline constexpr int kPlotDotsPerInch = 600;
+inline constexpr double kPlotDotsPerMillimetre = kPlotDotsPerInch / 25.4;
+
 /// A sheet of paper, millimetres, upright (the short side below).
 struct AcEdPaper {
     const char *name; ///< "A3", "ANSI_B", "ARCH_D"

@@ -80,7 +80,13 @@ base::Result<AcEdPlotRectangle, QString> acedPlotRectangle(const AcApDocument &d
     case AcEdPlotArea::extents:
         break;
     }
-    return around(acedSpaceExtents(*document.database(), plot.space), view.twist);
+    AcGiViewport page;
+    page.twist = view.twist;
+    page.pixelWidth = plot.pageWidth * kPlotDotsPerMillimetre;
+    page.pixelHeight = plot.pageHeight * kPlotDotsPerMillimetre;
+    page.pixelsPerMillimetre = kPlotDotsPerMillimetre;
+    page.paperSpace = plot.space != database.modelSpaceId();
+    return around(acedShownExtents(*document.database(), plot.space, page), view.twist);
 }
 
 // Settings of layouts -----------------------------------------------------------------------------

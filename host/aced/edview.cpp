@@ -28,6 +28,7 @@ AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace)
     viewport.pixelHeight = view.pixelHeight;
     viewport.pixelRatio = view.pixelRatio;
     viewport.paperSpace = paperSpace;
+    viewport.pixelsPerMillimetre = AcGiViewport::kUsualDensity * view.pixelRatio;
     return viewport;
 }
 
@@ -161,7 +162,8 @@ static AcDbExtents extentsOneByOne(const AcDbDatabase &database, AcDbObjectId sp
 
 AcDbExtents acedCurrentExtents(const AcApDocument &document)
 {
-    return acedSpaceExtents(*document.database(), document.database()->currentSpaceId());
+    return acedShownExtents(*document.database(), document.database()->currentSpaceId(),
+                            acedViewport(document));
 }
 
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
@@ -172,6 +174,33 @@ AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
     if (!indexed.isValid() || isReachedAllAround(index, space, indexed))
         return indexed;
     return extentsOneByOne(database, space);
+}
+
+/// So that the whole box is seen.
+static void fitView(AcGiViewport &view, const AcDbExtents &box)
+{
+    AcDbExtents seen = box;
+    seen.transformBy(view.getWorldToEyeTransform());
+    const AcGeVector3d size = seen.maxPoint() - seen.minPoint();
+    view.centre = box.minPoint() + (box.maxPoint() - box.minPoint()) * 0.5;
+    view.height = std::max({size.y, size.x * view.pixelHeight / view.pixelWidth, 1e-9});
+}
+
+// What marks show beside their extents is larger the farther away it is seen from, so the box and the view
+// that it is fitted into are found by turns; a few turns come near enough.
+AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view)
+{
+    const AcDbExtents plain = acedSpaceExtents(database, space);
+    const std::vector<AcDbObjectId> custom = acgiSpatialIndex(database).customEntities(space);
+    AcDbExtents all = plain;
+    constexpr int kTurns = 3;
+    for (int turn = 0; turn < kTurns && !custom.empty() && all.isValid(); ++turn) {
+        fitView(view, all);
+        all = plain;
+        for (const AcDbObjectId id : custom)
+            all.addExt(acgiDisplay(database).shownBox(id, view));
+    }
+    return all;
 }
 
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2)

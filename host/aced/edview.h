@@ -31,10 +31,13 @@ struct AcEdViewRecord {
 };
 Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record);
 
-/// Extents of everything visible in the current space.
+/// Everything visible in the current space, as acedShownExtents() counts it in the document's view.
 AcDbExtents acedCurrentExtents(const AcApDocument &document);
-/// The same of model space or a layout.
+/// Filed extents of everything visible in model space or a layout.
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space);
+/// With what marks and other custom entities draw beside their extents, flags for example, in a view of
+/// everything with the size, the twist and the density of `view`.
+AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view);
 /// Fits the rectangle (world) into the view.
 void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const AcGePoint3d &corner2);
 /// To be called before the user's view is changed, so that ZOOM Previous comes back to it. Every space has

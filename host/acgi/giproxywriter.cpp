@@ -64,12 +64,21 @@ public:
         // Arcs turn counter-clockwise about the normal from their start.
         const bool forward = curve.sweep >= 0.0;
         const double start = forward ? curve.start : curve.start + curve.sweep;
+        const double sweep = std::abs(curve.sweep);
+        // Three points need fewer bytes, and say as much unless they lie close together.
+        if ((normal.normal() - AcGeVector3d::kZAxis).isZeroLength() && sweep > 0.5 && sweep < 5.5) {
+            begin(proxy::Chunk::arcThrough);
+            for (const double share : {0.0, 0.5, 1.0})
+                put(curve.at(start + share * sweep).asVector());
+            m_out.put<std::uint32_t>(0);
+            return end();
+        }
         begin(proxy::Chunk::arc);
         put(curve.centre.asVector());
         m_out.put<double>(radius);
         put(normal.normal());
         put((curve.at(start) - curve.centre).normal());
-        m_out.put<double>(std::abs(curve.sweep));
+        m_out.put<double>(sweep);
         m_out.put<std::uint32_t>(0);
         end();
     }

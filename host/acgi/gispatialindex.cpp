@@ -180,6 +180,15 @@ public:
         return found;
     }
 
+    std::vector<Found> custom()
+    {
+        update();
+        std::vector<Found> found;
+        for (const auto &[entity, itsBox] : m_custom)
+            found.push_back({entity, plainBox(itsBox)});
+        return found;
+    }
+
 private:
     void begin()
     {
@@ -454,6 +463,16 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::atPoint(AcDbObjectId blockRecord, co
 AcDbExtents AcGiSpatialIndex::extents(AcDbObjectId blockRecord)
 {
     return space(blockRecord).extents();
+}
+
+std::vector<AcDbObjectId> AcGiSpatialIndex::customEntities(AcDbObjectId blockRecord)
+{
+    std::vector<Found> found = space(blockRecord).custom();
+    m_layers->dropInvisible(m_database, found);
+    std::vector<AcDbObjectId> ids;
+    for (const Found &each : found)
+        ids.emplace_back(m_database.stub(each.entity));
+    return ids;
 }
 
 std::vector<AcDbObjectId> AcGiSpatialIndex::withoutExtents(AcDbObjectId blockRecord)

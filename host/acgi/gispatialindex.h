@@ -35,6 +35,8 @@ public:
 
     /// The box around all entities of the space; not valid when none has extents.
     AcDbExtents extents(AcDbObjectId blockRecord);
+    /// The visible custom entities of the space, which may show more than their extents.
+    std::vector<AcDbObjectId> customEntities(AcDbObjectId blockRecord);
     /// Entities that no box or window can find: kinds that draw nothing, empty inserts.
     std::vector<AcDbObjectId> withoutExtents(AcDbObjectId blockRecord);
 

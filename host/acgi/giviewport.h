@@ -18,12 +18,18 @@ public:
     /// Pixels for one that sizes on the screen are counted in: fine screens have 1.25 to 3.
     double pixelRatio = 1.0;
     bool paperSpace = false; ///< Of a paper-space layout.
+    /// On whatever shows the view, for what is to be of one size to the eye. 96 to an inch unless a screen or
+    /// a sheet of paper says otherwise.
+    double pixelsPerMillimetre = kUsualDensity;
+    static constexpr double kUsualDensity = 96.0 / 25.4;
 
     double width() const { return height * pixelWidth / pixelHeight; }
     /// World units.
     double pixelSize() const { return height / pixelHeight; }
     /// World units of a pixel as sizes on the screen are counted: flags, apertures.
     double countedPixelSize() const { return pixelSize() * pixelRatio; }
+    /// World units.
+    double millimetre() const { return pixelsPerMillimetre * pixelSize(); }
     bool isPlan() const { return direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0; }
 
     AcGeMatrix3d getWorldToEyeTransform() const;

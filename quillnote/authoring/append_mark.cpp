@@ -8,24 +8,74 @@
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
+#include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edsysvar.h"
+#include "host/aced/edview.h"
+
+#include <algorithm>
+#include <cmath>
 
 static bool isPaperSpaceCurrent()
 {
     return acedIntVar(QStringLiteral("TILEMODE"), 1) == 0 && acedIntVar(QStringLiteral("CVPORT"), 2) == 1;
 }
 
+// The drawing appears turned by the twist, so what the user sees as "to the right" is turned back.
+AcGeVector3d viewRight()
+{
+    return AcGeVector3d::kXAxis.rotateBy(-acedRealVar(QStringLiteral("VIEWTWIST")), AcGeVector3d::kZAxis);
+}
+
+double suitingTextHeight(double viewHeight, const AcDbExtents &drawing)
+{
+    constexpr double kLinesInView = 50.0;
+    constexpr double kFewestLines = 10.0; // A higher text would be a band across the view.
+    double height = viewHeight / kLinesInView;
+    if (drawing.isValid()) {
+        // Of a sheet with this diagonal: from what is just legible to what shouts.
+        const double diagonal = drawing.minPoint().distanceTo(drawing.maxPoint());
+        if (diagonal > 0.0 && std::isfinite(diagonal))
+            height = std::clamp(height, diagonal / 500.0, diagonal / 60.0);
+    }
+    height = std::min(height, viewHeight / kFewestLines);
+    if (!(height > 0.0) || !std::isfinite(height))
+        return 1.0;
+    const double digit = std::pow(10.0, std::floor(std::log10(height)) - 1.0);
+    return std::round(height / digit) * digit;
+}
+
+/// The height that the user has set, or one for this drawing as it is seen now.
+static double modelTextHeight(const StartUpSettings &start)
+{
+    const AcApDocument *const document = curDoc();
+    return start.suitsTextHeight && document
+               ? suitingTextHeight(document->view().height, acedCurrentExtents(*document))
+               : start.textHeight;
+}
+
+void keepTextLegible(QuillnoteObj3 &mark)
+{
+    constexpr double kLegibleShare = 1.0 / 80.0; // Of the view's height: ten pixels or so.
+    constexpr double kFollowingShare = 1.0 / 12.0;
+    const AcApDocument *const document = curDoc();
+    if (!document || !mark.autoTextHeight)
+        return;
+    const double least = document->view().height * kLegibleShare;
+    if (mark.targetCorner1.distanceTo(mark.targetCorner4) * kFollowingShare >= least)
+        return;
+    mark.autoTextHeight = false;
+    mark.textHeight = least;
+}
+
 void fillMarkFromSettings(QuillnoteObj3 &mark)
 {
     const StartUpSettings &start = startUpSettings();
-    mark.textHeight = isPaperSpaceCurrent() ? start.textHeightPS : start.textHeight;
+    mark.textHeight = isPaperSpaceCurrent() ? start.textHeightPS : modelTextHeight(start);
     mark.autoTextHeight = start.autoTargetTextHeight;
     mark.normal = AcGeVector3d::kZAxis;
-    // The drawing appears turned by the twist, so what the user sees as "to the right" is turned back.
-    mark.xDirection =
-        AcGeVector3d::kXAxis.rotateBy(-acedRealVar(QStringLiteral("VIEWTWIST")), AcGeVector3d::kZAxis);
+    mark.xDirection = viewRight();
     mark.color1 = static_cast<std::uint16_t>(start.color1);
     mark.color2 = static_cast<std::uint16_t>(start.color2);
     mark.chPwMD5 = settings::text(u"chPwMD5").left(QuillnoteObj3::kPasswordHashLength);

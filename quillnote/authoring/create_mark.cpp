@@ -2,8 +2,9 @@
 
 #include "quillnote/authoring/append_mark.h"
 #include "quillnote/authoring/leader_text_box.h"
-#include "quillnote/entity/mark_dictionary.h"
+#include "quillnote/authoring/mark_numbers.h"
 #include "quillnote/entity/mark_geometry.h"
+#include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 #include "quillnote/snapshot/capture.h"
@@ -36,10 +37,23 @@ static void placeTarget(QuillnoteObj3 &mark, const NewMark &request)
     mark.targetStyle = static_cast<std::int16_t>(request.isFreehand ? 0 : startUpSettings().style);
     if (request.isFreehand)
         mark.flagStyle = 0;
+    else
+        keepTextLegible(mark);
+}
+
+// Fitting a box to its lines moves its lower edge; that of a new one stays where the user pointed.
+static void standBoxOnItsPlace(const AcDbDatabase &database, QuillnoteObj3 &mark)
+{
+    const MarkLayout layout = layOutMark(mark, markDrawingSettings(), currentMarkView(&database));
+    MarkCorners box = layout.writeBack.textBox;
+    const AcGeVector3d down = layout.axes.up * (mark.textBoxCorner1 - box.corner1).dotProduct(layout.axes.up);
+    for (AcGePoint3d *corner : {&box.corner1, &box.corner2, &box.corner3, &box.corner4})
+        *corner = *corner + down;
+    setTextBoxCorners(mark, box);
 }
 
 // The box holds the text roughly; drawing fits it to the lines that come out.
-static void placeLeader(QuillnoteObj3 &mark, const NewMark &request)
+static void placeLeader(const AcDbDatabase &database, QuillnoteObj3 &mark, const NewMark &request)
 {
     const AcApDocument *const document = curDoc();
     const LeaderTextBox box =
@@ -57,6 +71,7 @@ static void placeLeader(QuillnoteObj3 &mark, const NewMark &request)
     mark.targetCorner2 = request.corner1;
     completeTargetCorners(mark);
     mark.targetStyle = 0;
+    standBoxOnItsPlace(database, mark);
 }
 
 static void fillSketch(QuillnoteObj3 &mark, const QString &path)
@@ -68,15 +83,17 @@ static void fillSketch(QuillnoteObj3 &mark, const QString &path)
 
 AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
 {
-    const auto number = static_cast<std::uint16_t>(readLastMarkNumber(database) + 1);
+    const std::optional<std::uint16_t> number = nextMarkNumber(database);
+    if (!number)
+        return {};
     auto mark = std::make_unique<QuillnoteObj3>();
-    mark->markNumber = number;
+    mark->markNumber = *number;
     fillMarkFromSettings(*mark);
+    fillText(*mark, request);
     if (request.isLeader)
-        placeLeader(*mark, request);
+        placeLeader(database, *mark, request);
     else
         placeTarget(*mark, request);
-    fillText(*mark, request);
     fillSketch(*mark, request.sketchFile);
     if (!request.isLeader)
         storeSnapshot(database, *mark);
@@ -85,6 +102,6 @@ AcDbObjectId createMark(AcDbDatabase &database, const NewMark &request)
         return {};
     if (recordsFullView())
         recordFullSnapshot(id);
-    keepMarkNumber(database, number);
+    keepMarkNumber(database, *number);
     return id;
 }

@@ -1,6 +1,7 @@
 #include "quillnote/authoring/editor_mark.h"
 
 #include "quillnote/authoring/ink_sketch.h"
+#include "quillnote/authoring/mark_numbers.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/ui/mark_editor.h"
 
@@ -22,10 +23,12 @@ static std::vector<AcGePoint3d> pickedPlace(const NewMark &request)
             back * AcGePoint3d(a.x, b.y, a.z)};
 }
 
-AcDbObjectId makeMarkFromEditor(NewMark request, const QString &keywordText)
+std::optional<NewMark> askOpinion(NewMark request, InkSketch &sketch, const QString &keywordText)
 {
+    // Now, and not after somebody has typed an opinion.
     AcDbDatabase *const database = acdbCurDwg();
-    InkSketch sketch;
+    if (!database || !hasFreeMarkNumber(*database))
+        return std::nullopt;
     MarkEditorStart start;
     start.keywordText = keywordText;
     start.sketch = [&] {
@@ -35,16 +38,28 @@ AcDbObjectId makeMarkFromEditor(NewMark request, const QString &keywordText)
     acedFrontEnd().showPlace(pickedPlace(request));
     const std::optional<MarkEditorValue> answer = runMarkEditor(start);
     acedFrontEnd().showPlace({});
-    if (!answer)
-        return {};
+    if (!answer || acdbCurDwg() != database)
+        return std::nullopt;
     request.sketchFile = answer->sketchFile;
     request.reviewerName = settings::text(u"name");
     request.opinionText = answer->text;
     request.weight = answer->weight;
     request.bigCategory = answer->bigCategory;
     request.smallCategory = answer->smallCategory;
-    const AcDbObjectId id = createMark(*database, request);
+    return request;
+}
+
+AcDbObjectId makeMark(const NewMark &request)
+{
+    const AcDbObjectId id = createMark(*acdbCurDwg(), request);
     if (id.isNull())
         acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
     return id;
+}
+
+AcDbObjectId makeMarkFromEditor(const NewMark &request, const QString &keywordText)
+{
+    InkSketch sketch;
+    const std::optional<NewMark> complete = askOpinion(request, sketch, keywordText);
+    return complete ? makeMark(*complete) : AcDbObjectId();
 }

@@ -2,6 +2,7 @@
 
 #include "quillnote/authoring/create_mark.h"
 #include "quillnote/authoring/ink_sketch.h"
+#include "quillnote/authoring/mark_numbers.h"
 #include "quillnote/frame/settings/settings.h"
 
 #include "host/acap/docman.h"
@@ -10,11 +11,12 @@
 #include "host/aced/edview.h"
 
 /// False for a viewport that shows no place of the world.
-static bool visibleCorners(const QSize &window, NewMark &request)
+static bool visibleCorners(const AcApView &view, NewMark &request)
 {
+    // The view counts pixels of the screen; windows count in units that a screen may show as several pixels.
     const int viewport = acedIntVar(QStringLiteral("CVPORT"), 2);
-    if (!acedCoordFromPixelToWorld(viewport, QPoint(0, window.height()), request.corner1) ||
-        !acedCoordFromPixelToWorld(viewport, QPoint(window.width(), 0), request.corner2))
+    if (!acedCoordFromPixelToWorld(viewport, QPoint(0, int(view.pixelHeight)), request.corner1) ||
+        !acedCoordFromPixelToWorld(viewport, QPoint(int(view.pixelWidth), 0), request.corner2))
         return false;
     request.corner1.z = 0.0;
     request.corner2.z = 0.0;
@@ -23,18 +25,27 @@ static bool visibleCorners(const QSize &window, NewMark &request)
 
 void QN3_EasyDraw()
 {
-    const QRect window = acedDrawingWindow();
+    AcApDocument *const document = curDoc();
+    if (!document || !hasFreeMarkNumber(*document->database()))
+        return;
     NewMark request;
-    if (!visibleCorners(window.size(), request)) {
+    if (!visibleCorners(document->view(), request)) {
         acutPrintf(QStringLiteral("\n当前视口无法手绘。"));
         return;
     }
     InkSketch sketch;
-    sketch.ask(window);
+    sketch.ask(acedDrawingWindow());
+    if (curDoc() != document)
+        return;
+    if (!sketch.isMade()) {
+        acutPrintf(QStringLiteral("\n没有手绘内容，未创建评图标签。"));
+        acedFrontEnd().focusDrawing();
+        return;
+    }
     request.reviewerName = settings::text(u"name");
     request.sketchFile = sketch.path();
     request.isFreehand = true;
-    if (createMark(*acdbCurDwg(), request).isNull())
+    if (createMark(*document->database(), request).isNull())
         acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
     acedFrontEnd().focusDrawing();
 }

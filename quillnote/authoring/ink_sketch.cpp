@@ -1,5 +1,6 @@
 #include "quillnote/authoring/ink_sketch.h"
 
+#include "quillnote/entity/sketch.h"
 #include "quillnote/frame/settings/install_folder.h"
 
 #include "host/aced/edfrontend.h"
@@ -10,7 +11,8 @@
 #include "host/os/temp_files.h"
 
 #include <QFile>
-#include <QFileInfo>
+
+#include <algorithm>
 
 /// The library's one function. The file is all that comes back: what it returns says nothing.
 using CallInkRelay = unsigned char (*)(int flag, const char16_t *path, int left, int top, int width,
@@ -50,5 +52,8 @@ void InkSketch::askOver(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
 
 bool InkSketch::isMade() const
 {
-    return QFileInfo(m_path).size() > 0;
+    QFile file(m_path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const auto strokes = sketch::decode(bytes);
+    return !bytes.isEmpty() && (!strokes || std::ranges::any_of(strokes->strokes, &sketch::Stroke::isDrawn));
 }

@@ -1,6 +1,5 @@
 #include "quillnote/authoring/mark_vertices.h"
 
-#include "quillnote/entity/mark_geometry.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/password.h"
@@ -8,7 +7,6 @@
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edinput.h"
-#include "host/acge/geextents.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -38,24 +36,20 @@ std::vector<AcGePoint3d> distinctVertices(std::span<const AcGePoint3d> points)
     return kept;
 }
 
+void tellLastVertex(std::span<const AcGePoint3d> points)
+{
+    const auto count = [](std::span<const AcGePoint3d> some) { return distinctVertices(some).size(); };
+    if (count(points) == QuillnoteObj3::kSlots &&
+        count(points.first(points.size() - 1)) < QuillnoteObj3::kSlots)
+        acutPrintf(QStringLiteral("\n已指定16个顶点，靶框最多只能有16个顶点！"));
+}
+
 void setOutlineVertices(QuillnoteObj3 &mark, std::span<const AcGePoint3d> points)
 {
     const std::size_t count = std::min(points.size(), QuillnoteObj3::kSlots);
     mark.vertexCount = static_cast<std::int16_t>(count);
     std::ranges::transform(points.first(count), mark.vertices.begin(), onPlane);
-
-    // Not by a matrix: the corners of an outline along the world's axes are to be exactly its own.
-    const MarkAxes axes = markAxes(mark);
-    const AcGeVector3d up = axes.normal.crossProduct(axes.right);
-    AcDbExtents box;
-    for (const AcGePoint3d &vertex : std::span(mark.vertices).first(count))
-        box.addPoint({vertex.asVector().dotProduct(axes.right), vertex.asVector().dotProduct(up), 0.0});
-    const auto toWorld = [&](const AcGePoint3d &place) {
-        return onPlane(AcGePoint3d() + axes.right * place.x + up * place.y);
-    };
-    mark.targetCorner1 = toWorld(box.minPoint());
-    mark.targetCorner2 = toWorld(box.maxPoint());
-    completeTargetCorners(mark);
+    setTargetCorners(mark, cornersAround(std::span(mark.vertices).first(count), markAxes(mark)));
 }
 
 std::optional<std::size_t> edgeAt(std::span<const AcGePoint3d> vertices, bool isSpline,

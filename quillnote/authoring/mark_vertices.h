@@ -14,6 +14,8 @@ class QuillnoteObj3;
 /// Without points that lie within 0.001 of the one kept before them, nor a last point that lies so near to
 /// the first one: the outline closes by itself.
 std::vector<AcGePoint3d> distinctVertices(std::span<const AcGePoint3d> points);
+/// Says so when the last of the points is the last vertex that an outline has room for.
+void tellLastVertex(std::span<const AcGePoint3d> points);
 
 /// Gives the mark the points, the first 16 of them, on the plane z 0. Its target becomes the rectangle around
 /// them that is upright along the mark's own axes. One point at least.

@@ -31,7 +31,7 @@ void QuillnotePolygonJig::begin()
     setOutlineVertices(*m_mark, m_vertices);
 }
 
-void QuillnotePolygonJig::run()
+AcEdJig::DragStatus QuillnotePolygonJig::run()
 {
     begin();
     setDispPrompt(QStringLiteral("\n请指定下一点<退出>: "));
@@ -42,8 +42,11 @@ void QuillnotePolygonJig::run()
         status = drag();
         if (status != kNormal && m_hasRubberBand && m_vertices.size() > 1)
             m_vertices.pop_back();
+        else if (status == kNormal && m_hasRubberBand)
+            tellLastVertex(m_vertices);
         m_hasRubberBand = false;
     }
+    return status;
 }
 
 std::unique_ptr<QuillnoteObj3> QuillnotePolygonJig::takeMark()

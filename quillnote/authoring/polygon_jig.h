@@ -16,7 +16,7 @@ public:
     ~QuillnotePolygonJig() override;
 
     /// Asks for vertices until the input ends.
-    void run();
+    DragStatus run();
     /// Those that were accepted, as they were pointed at; the start is the first one.
     const std::vector<AcGePoint3d> &vertices() const { return m_vertices; }
     /// The mark with the outline that the setting "style" wants. Nothing is shown any more.

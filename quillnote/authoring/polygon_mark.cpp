@@ -2,11 +2,11 @@
 
 #include "quillnote/authoring/append_mark.h"
 #include "quillnote/authoring/append_state.h"
-#include "quillnote/authoring/leader_mark.h"
+#include "quillnote/authoring/editor_mark.h"
+#include "quillnote/authoring/mark_numbers.h"
 #include "quillnote/authoring/mark_vertices.h"
 #include "quillnote/authoring/pick_points.h"
 #include "quillnote/authoring/polygon_jig.h"
-#include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/settings.h"
@@ -49,11 +49,6 @@ AcDbObjectId appendPolygonMark(AcDbDatabase &database, std::unique_ptr<Quillnote
     return id;
 }
 
-static std::uint16_t nextMarkNumber(const AcDbDatabase &database)
-{
-    return static_cast<std::uint16_t>(readLastMarkNumber(database) + 1);
-}
-
 /// What is done once the mark is complete and has its number.
 static void keepFinishedMark(AcDbDatabase &database, AcDbObjectId id, std::uint16_t number)
 {
@@ -75,17 +70,19 @@ AcDbObjectId makePolygonMark(AcDbDatabase &database, std::span<const AcGePoint3d
     const std::vector<AcGePoint3d> vertices = distinctVertices(points);
     if (vertices.size() < kLeastVertices)
         return {};
+    const std::optional<std::uint16_t> number = nextMarkNumber(database);
+    if (!number)
+        return {};
     tellLeftOutPoints(vertices.size());
-    const std::uint16_t number = nextMarkNumber(database);
     auto mark = std::make_unique<QuillnoteObj3>();
     initMarkFromSettings(*mark);
     orientMark(*mark, ucsNormal);
-    mark->markNumber = number;
+    mark->markNumber = *number;
     mark->targetStyle = kThickPolygon;
     setOutlineVertices(*mark, vertices);
     const AcDbObjectId id = appendPolygonMark(database, std::move(mark));
     if (!id.isNull())
-        keepFinishedMark(database, id, number);
+        keepFinishedMark(database, id, *number);
     return id;
 }
 
@@ -94,17 +91,17 @@ AcDbObjectId makePolygonMark(AcDbDatabase &database, std::span<const AcGePoint3d
 void finishPolygonMark(AcDbObjectId polygon)
 {
     AcDbDatabase &database = *polygon.database();
-    const std::uint16_t number = nextMarkNumber(database);
+    const std::optional<std::uint16_t> number = nextMarkNumber(database);
     {
         AcDbObjectPointer<QuillnoteObj3> mark(polygon, AcDb::kForWrite);
-        if (!mark)
+        if (!mark || !number)
             return;
         mark->suggestionName = settings::text(u"name");
-        mark->markNumber = number;
+        mark->markNumber = *number;
         mark->subNumber = 0;
         settleMark(*mark, database);
     }
-    keepFinishedMark(database, polygon, number);
+    keepFinishedMark(database, polygon, *number);
 }
 
 /// Everything that belongs to the opinion. The text height and the picture of the view go along: the text box
@@ -158,69 +155,102 @@ static AcGeVector3d ucsNormal()
     return acedTrans(AcGeVector3d::kZAxis, AcEdSpace::ucs, AcEdSpace::world).normal();
 }
 
-/// The appended mark; null when less than two places were pointed at.
-static AcDbObjectId drawOutline(bool isPolygon)
+/// A mark in no drawing; null when less than two places were pointed at, or the user thought better of it.
+static std::unique_ptr<QuillnoteObj3> drawOutline(bool isPolygon)
 {
     AcGePoint3d start;
     if (acedGetPoint(nullptr, QStringLiteral("\n请指定起点: "), start) != RTNORM)
-        return {};
+        return nullptr;
     QuillnotePolygonJig jig(acedTrans(start, AcEdSpace::ucs, AcEdSpace::world), ucsNormal(), isPolygon);
-    jig.run();
+    const AcEdJig::DragStatus end = jig.run();
     const std::size_t count = distinctVertices(jig.vertices()).size();
-    if (count < 2)
-        return {};
+    if (end == AcEdJig::kCancel || count < 2)
+        return nullptr;
     tellLeftOutPoints(count);
-    const AcDbObjectId id = appendPolygonMark(*acdbCurDwg(), jig.takeMark());
-    acutPrintf(QStringLiteral("\n"));
-    return id;
+    return jig.takeMark();
 }
 
-static AcGePoint3d middleOf(AcDbObjectId polygon)
+static AcGePoint3d middleOf(const QuillnoteObj3 &polygon)
 {
-    const AcDbObjectPointer<QuillnoteObj3> mark(polygon, AcDb::kForRead);
     const std::span<const AcGePoint3d> vertices =
-        std::span(mark->vertices).first(std::size_t(mark->vertexCount));
+        std::span(polygon.vertices).first(std::size_t(polygon.vertexCount));
     AcGeVector3d sum;
     for (const AcGePoint3d &vertex : vertices)
         sum = sum + vertex.asVector();
     return AcGePoint3d() + sum / double(vertices.size());
 }
 
-/// World, z 0; none when the mark is to have no text.
-static std::optional<AcGePoint3d> askTextStart(const AcGePoint3d &middle)
+namespace
 {
-    const AcGePoint3d base = acedTrans(middle, AcEdSpace::world, AcEdSpace::ucs);
-    AcGePoint3d start;
-    if (acedGetPoint(&base, QStringLiteral("\n请指定文字的起点: "), start) != RTNORM)
-        return std::nullopt;
+
+/// Shows an outline that is in no drawing yet while something else is asked.
+class StandingOutline : public AcEdCursorTracker
+{
+public:
+    explicit StandingOutline(const QuillnoteObj3 &mark) : m_mark(mark) {}
+    bool cursorMoved(const AcGePoint3d &) override { return !std::exchange(m_wasShown, true); }
+    std::vector<const AcDbEntity *> shown() const override { return {&m_mark}; }
+
+private:
+    const QuillnoteObj3 &m_mark;
+    bool m_wasShown = false;
+};
+
+} // namespace
+
+/// RTNORM with the place (world, z 0); RTNONE for a mark without text; RTCAN.
+static int askTextStart(const QuillnoteObj3 &polygon, AcGePoint3d &start)
+{
+    const AcGePoint3d base = acedTrans(middleOf(polygon), AcEdSpace::world, AcEdSpace::ucs);
+    StandingOutline outline(polygon);
+    const int answer = acedGetTrackedPoint(&base, QStringLiteral("\n请指定文字的起点: "), outline, start);
     start = acedTrans(start, AcEdSpace::ucs, AcEdSpace::world);
-    return AcGePoint3d(start.x, start.y, 0.0);
+    start.z = 0.0;
+    return answer;
 }
 
-/// Whether the editor made a text, which the polygon has then taken over.
-static bool joinText(AcDbObjectId polygon, const AcGePoint3d &middle, const AcGePoint3d &textStart)
+/// Puts the outline into the drawing, with the opinion when there is one.
+static void keepOutline(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark,
+                        const std::optional<NewMark> &opinion)
 {
-    appendState().lastCreatedMark = polygon;
-    openEditorForLeader(middle, textStart);
-    const AcDbObjectId made = appendState().lastCreatedMark;
-    return made != polygon && mergePolygonIntoLeaderMark(polygon, made);
+    const AcDbObjectId polygon = appendPolygonMark(database, std::move(mark));
+    if (polygon.isNull())
+        return;
+    const AcDbObjectId text = opinion ? makeMark(*opinion) : AcDbObjectId();
+    if (text.isNull() || !mergePolygonIntoLeaderMark(polygon, text))
+        finishPolygonMark(polygon);
 }
 
+// Nothing is in the drawing before everything is answered: Esc at any of the questions leaves it as it was.
 void drawMarkJig(bool isPolygon)
 {
-    AcDbObjectId polygon;
-    AcGePoint3d middle;
-    std::optional<AcGePoint3d> textStart;
+    AcDbDatabase *const database = acdbCurDwg();
+    if (!database || !hasFreeMarkNumber(*database))
+        return;
+    std::unique_ptr<QuillnoteObj3> mark;
+    AcGePoint3d textStart;
+    int answer = RTCAN;
     {
         const PickVariables quiet;
-        polygon = drawOutline(isPolygon);
-        if (polygon.isNull())
+        mark = drawOutline(isPolygon);
+        if (!mark)
             return;
-        middle = middleOf(polygon);
-        textStart = askTextStart(middle);
+        answer = askTextStart(*mark, textStart);
     }
-    if (!textStart || !joinText(polygon, middle, *textStart))
-        finishPolygonMark(polygon);
+    if ((answer != RTNORM && answer != RTNONE) || acdbCurDwg() != database)
+        return;
+    InkSketch sketch;
+    std::optional<NewMark> opinion;
+    if (answer == RTNORM) {
+        NewMark request;
+        request.corner1 = middleOf(*mark);
+        request.corner2 = textStart;
+        request.isLeader = true;
+        opinion = askOpinion(request, sketch);
+        if (!opinion)
+            return;
+    }
+    keepOutline(*database, std::move(mark), opinion);
 }
 
 void QN3_PolygonMarkJig()
@@ -233,7 +263,7 @@ void QN3_SplineMarkJig()
     drawMarkJig(false);
 }
 
-/// World coordinates.
+/// World coordinates; empty when the user gives up.
 static std::vector<AcGePoint3d> askVertices()
 {
     const PickVariables quiet;
@@ -244,15 +274,24 @@ static std::vector<AcGePoint3d> askVertices()
         return points;
     }
     const QString prompt = QStringLiteral("\n绘制标记范围,请指定下一点<退出>: ");
-    do {
+    for (;;) {
         points.push_back(acedTrans(point, AcEdSpace::ucs, AcEdSpace::world));
-        const AcGePoint3d base = point;
-        if (points.size() == kMostPicks || acedGetPoint(&base, prompt, point) != RTNORM)
+        tellLastVertex(points);
+        if (points.size() == kMostPicks)
             return points;
-    } while (true);
+        const AcGePoint3d base = point;
+        const int answer = acedGetPoint(&base, prompt, point);
+        if (answer != RTNORM)
+            return answer == RTNONE ? points : std::vector<AcGePoint3d>();
+    }
 }
 
 void QN3_PolygonMark()
 {
-    makePolygonMark(*acdbCurDwg(), askVertices(), ucsNormal());
+    AcDbDatabase *const database = acdbCurDwg();
+    if (!database || !hasFreeMarkNumber(*database))
+        return;
+    const std::vector<AcGePoint3d> vertices = askVertices();
+    if (acdbCurDwg() == database)
+        makePolygonMark(*database, vertices, ucsNormal());
 }

@@ -41,20 +41,6 @@ AcGePoint3d onEllipse(const MarkCorners &box, const AcGePoint3d &reference)
     return nearest(candidates, reference);
 }
 
-/// The box that is level as seen over the target's diagonal; the thin ellipse lies in it.
-MarkCorners levelBox(const MarkCorners &target, const AcGeMatrix3d &worldToEye)
-{
-    const AcGePoint3d p = worldToEye * target.corner1;
-    const AcGePoint3d q = worldToEye * target.corner2;
-    const AcGePoint3d low(std::min(p.x, q.x), std::min(p.y, q.y), p.z);
-    const AcGePoint3d high(std::max(p.x, q.x), std::max(p.y, q.y), p.z);
-    const AcGeMatrix3d eyeToWorld = worldToEye.inverse();
-    return {.corner1 = eyeToWorld * low,
-            .corner2 = eyeToWorld * high,
-            .corner3 = eyeToWorld * AcGePoint3d(low.x, high.y, p.z),
-            .corner4 = eyeToWorld * AcGePoint3d(high.x, low.y, p.z)};
-}
-
 AcGePoint3d middleOfDistinct(std::span<const AcGePoint3d> vertices)
 {
     AcGeVector3d sum;
@@ -162,16 +148,13 @@ std::optional<AcGePoint3d> onFreeOutline(std::span<const AcGePoint3d> vertices, 
 } // namespace
 
 std::optional<AcGePoint3d> attachLeaders(int targetStyle, int drawnStyle, const OutlineRecord &mark,
-                                         bool hasUsedLeader, const AcGePoint3d &reference,
-                                         const AcGeMatrix3d &worldToEye)
+                                         bool hasUsedLeader, const AcGePoint3d &reference)
 {
     if (targetStyle < 1 || !hasUsedLeader)
         return std::nullopt;
     if (drawnStyle > 50)
         return onFreeOutline(mark.vertices, drawnStyle == 52 || drawnStyle == 54, reference);
-    if (drawnStyle == 1)
-        return onEllipse(levelBox(mark.target, worldToEye), reference);
-    const bool isEllipse = drawnStyle == 3 || drawnStyle == 6;
+    const bool isEllipse = drawnStyle == 1 || drawnStyle == 3 || drawnStyle == 6;
     return isEllipse ? onEllipse(mark.target, reference) : onRectangle(mark.target, reference);
 }
 

@@ -1,6 +1,7 @@
 #include "quillnote/entity/mark_draw.h"
 
 static constexpr int kRuleColor = 250;
+static constexpr int kPaperColor = 7; ///< Black on white, white on black.
 
 // Text --------------------------------------------------------------------------------------------
 
@@ -48,7 +49,8 @@ static void drawFlag(const MarkFlag &flag, const MarkAxes &axes, bool asOutline,
     context.subEntityTraits().setColor(flag.fillColor);
     context.subEntityTraits().setFillType(asOutline ? kAcGiFillNever : kAcGiFillAlways);
     context.geometry().polygon(std::uint32_t(flag.outline.size()), flag.outline.data());
-    context.subEntityTraits().setColor(flag.numberColor);
+    // On paper the flag is not filled, so its number stands on the paper.
+    context.subEntityTraits().setColor(asOutline ? kPaperColor : flag.numberColor);
     drawLine(flag.number, markNumberStyle().font(), axes, context.geometry());
 }
 

@@ -22,7 +22,7 @@ MarkDrawingSettings markDrawingSettings()
             .BKstyle = copies.BKstyle,
             .color1 = copies.color1,
             .color2 = copies.color2,
-            .textHeight = copies.textHeight,
+            .textHeight = copies.suitsTextHeight ? 0 : copies.textHeight,
             .textHeightPS = copies.textHeightPS,
             .autoTargetTextHeight = copies.autoTargetTextHeight,
             .autoFlagSize = copies.autoFlagSize,

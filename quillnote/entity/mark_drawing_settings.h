@@ -12,7 +12,7 @@ struct MarkDrawingSettings {
     int BKstyle = 103; ///< Text-box frame, 99 to 105
     int color1 = 2;    ///< Colour indexes.
     int color2 = 2;
-    int textHeight = 1000; ///< Drawing units.
+    int textHeight = 1000; ///< Drawing units; 0: none is set, marks keep their own.
     int textHeightPS = 10; ///< The same in paper-space layouts.
     bool autoTargetTextHeight = true;
 

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdint>
 
+inline constexpr double kFlagHeight = 1.2; ///< In sizes of the flag.
+
 struct MarkFlag {
     /// Closed: from the anchor along the top to the free end with its notch, and back below.
     std::array<AcGePoint3d, 5> outline;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 static constexpr double kLeastReach = 5.0;    ///< How near the flag must be to its text, drawing units.
 static constexpr double kLeastOffset = 0.001; ///< Shorter drags are none.
@@ -112,6 +113,8 @@ public:
     /// Everything that moves the target: its centre, its corners, the sketch.
     void moveTarget(const std::vector<MarkGrip> &grips);
     void move(const MarkGrip &grip, bool withBox);
+    /// The target of a polygon or spline is the rectangle around its vertices.
+    void encloseVertices();
 
 private:
     void moveSides(const std::array<bool, 4> &dragged);
@@ -232,8 +235,14 @@ void Drag::move(const MarkGrip &grip, bool withBox)
         const AcGeVector3d wider = m_shape.xDirection * m_shape.xDirection.dotProduct(m_offset);
         if (withBox)
             break;
-        m_shape.textBox.corner2 = m_shape.textBox.corner2 + wider;
-        m_shape.textBox.corner4 = m_shape.textBox.corner4 + wider;
+        MarkCorners &box = m_shape.textBox;
+        box.corner2 = box.corner2 + wider;
+        box.corner4 = box.corner4 + wider;
+        // Sides that pass each other change roles.
+        if ((box.corner2 - box.corner3).dotProduct(m_shape.xDirection) < 0.0) {
+            std::swap(box.corner2, box.corner3);
+            std::swap(box.corner1, box.corner4);
+        }
         break;
     }
     case MarkGrip::leaderEnd:
@@ -244,6 +253,13 @@ void Drag::move(const MarkGrip &grip, bool withBox)
     case MarkGrip::targetCorner:
         break; // moveTarget()
     }
+}
+
+void Drag::encloseVertices()
+{
+    const MarkAxes axes = markAxes(m_shape.normal, m_shape.xDirection);
+    m_shape.target = cornersAround(std::span(m_shape.vertices).first(m_shape.vertexCount), axes);
+    attachFirstLeader();
 }
 
 void Drag::moveFlag()
@@ -259,7 +275,9 @@ void Drag::makeLeaderMark()
     constexpr int kBevelBox = 103;
     m_shape.leaderMode = 1;
     m_shape.flagStyle = m_settings.BKstyle < kFirstFrame ? kBevelBox : m_settings.BKstyle;
-    const double height = m_view.viewport.paperSpace ? m_settings.textHeightPS : m_settings.textHeight;
+    // Where no height is set for all marks, the box begins with that of its own text, which it is fitted to.
+    const int configured = m_view.viewport.paperSpace ? m_settings.textHeightPS : m_settings.textHeight;
+    const double height = configured > 0 ? double(configured) : m_shape.textHeight;
     const double letters = double(std::min(m_shape.textLength + 1, kMostLetters));
     const AcGePoint3d place = m_toView * m_shape.flagPoint;
     MarkCorners &box = m_shape.textBox;
@@ -313,7 +331,7 @@ void Drag::attachFirstLeader()
                                .textBox = m_shape.textBox,
                                .vertices = std::span(m_shape.vertices).first(m_shape.vertexCount)};
     const auto end = attachLeaders(m_shape.targetStyle, drawnTargetStyle(m_shape.targetStyle, m_settings),
-                                   record, hasUsed, m_shape.textBox.corner3, m_toView);
+                                   record, hasUsed, m_shape.textBox.corner3);
     if (!end)
         return;
     m_shape.leaderEnds[0] = *end;
@@ -340,10 +358,19 @@ std::optional<MarkShape> moveMarkGrips(MarkShape shape, std::span<const int> gri
     drag.moveTarget(dragged);
     for (const MarkGrip &grip : dragged)
         drag.move(grip, withBox);
+    if (std::ranges::find(dragged, MarkGrip::vertex, &MarkGrip::kind) != dragged.end())
+        drag.encloseVertices();
     return shape;
 }
 
 // The entity --------------------------------------------------------------------------------------
+
+static TargetReshaped s_targetReshaped = nullptr;
+
+TargetReshaped setTargetReshaped(TargetReshaped hearer)
+{
+    return std::exchange(s_targetReshaped, hearer);
+}
 
 /// Grips stand where drawing shows them, also while the text is left out for their sake.
 static MarkView gripView(const QuillnoteObj3 &mark)
@@ -382,7 +409,10 @@ Acad::ErrorStatus QuillnoteObj3::subMoveGripPointsAt(std::span<const int> grips,
     // Copies show what would come of a drag; the drag itself asks.
     if (!AcDbTransient::isCopy(*this) && !mayDragProtected(chPwMD5))
         return Acad::eInvalidInput;
+    const bool isReshaped = moved->vertices != vertices;
     applyMarkShape(*this, *moved);
+    if (isReshaped && !AcDbTransient::isCopy(*this) && s_targetReshaped)
+        s_targetReshaped(*this);
     applyWriteBack(*this, layOutMark(*this, settings, view).writeBack);
     gripEditing = true;
     return Acad::eOk;

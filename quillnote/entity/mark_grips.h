@@ -52,3 +52,8 @@ std::vector<MarkGrip> markGrips(const MarkShape &shape);
 std::optional<MarkShape> moveMarkGrips(MarkShape shape, std::span<const int> grips,
                                        const AcGeVector3d &offset, const MarkDrawingSettings &settings,
                                        const MarkView &view);
+
+/// Told, with the mark open for write, when a drag has given a polygon or spline mark another target: what is
+/// kept of the target's content is of another place now. Returns the one before.
+using TargetReshaped = void (*)(QuillnoteObj3 &mark);
+TargetReshaped setTargetReshaped(TargetReshaped hearer);

@@ -15,8 +15,11 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr double kUnitPixels = 15.0;
-static constexpr double kPlotUnits = 30.0; ///< Drawing units in the diagonal of a plotted target.
+/// 15 pixels where 96 of them make an inch, and as large to the eye on denser screens.
+static constexpr double kUnitMillimetres = 15.0 / AcGiViewport::kUsualDensity;
+static constexpr double kLeastFlagOnPaper = 3.5; ///< Millimetres, the height of a flag.
+static constexpr int kLeastWaveOnPaper = 35;     ///< Hundredths of a millimetre.
+static constexpr double kPlotUnits = 30.0;       ///< Drawing units in the diagonal of a plotted target.
 static constexpr double kLeastTextHeight = 0.001;
 static constexpr double kLeaderTextHeight = 500.0;
 static constexpr double kLeaderFlagScale = 1.36;
@@ -34,7 +37,7 @@ public:
 
 private:
     void layOutText();
-    void fitTextBox(double widest, double frameWidth, double textHeight);
+    void fitTextBox(const MarkTextLayout &text, const MarkTextFrame &frame, double textHeight);
     void layOutOutline();
     void layOutLeaders();
     AcGePoint3d leaderStart(const AcGePoint3d &end) const;
@@ -73,12 +76,9 @@ LayoutPass::LayoutPass(const QuillnoteObj3 &mark, const MarkDrawingSettings &set
     m_layout.target = m_record.target;
     m_layout.textBox = m_isLeader ? m_record.textBox : m_record.target;
     m_layout.drawUnit = view.plotting ? m_record.target.diagonal() / kPlotUnits
-                                      : kUnitPixels * view.viewport.countedPixelSize();
-    m_outlineView = {m_layout.drawUnit, view.viewport.getWorldToEyeTransform(), settings};
+                                      : kUnitMillimetres * view.viewport.millimetre();
+    m_outlineView = {m_layout.drawUnit, settings};
     if (isProxy()) {
-        // What is simpler is also what every reader can show.
-        constexpr int kThickWaveRectangle = 5;
-        m_style = m_style >= 1 && m_style <= 49 ? kThickWaveRectangle : m_style;
         m_record.displayMode = 0;
         m_record.gripEditing = false;
     }
@@ -127,12 +127,14 @@ void LayoutPass::layOutText()
     m_layout.text = layOutMarkText(m_mark, m_settings, frame, m_layout.axes, start, height);
     found.textEndPoint = m_layout.text->endPoint;
     if (m_isLeader)
-        fitTextBox(m_layout.text->widest, frame.width, height);
+        fitTextBox(*m_layout.text, frame, height);
 }
 
-// A box without text keeps its width.
-void LayoutPass::fitTextBox(double widest, double frameWidth, double textHeight)
+// A box without text keeps its size. The text hangs on the upper edge, so the lower one follows the lines.
+void LayoutPass::fitTextBox(const MarkTextLayout &text, const MarkTextFrame &frame, double textHeight)
 {
+    const double widest = text.widest;
+    const double frameWidth = frame.width;
     double width = frameWidth;
     if (widest > 0.0 && frameWidth > 1.2 * widest)
         width = 1.2 * widest;
@@ -143,6 +145,9 @@ void LayoutPass::fitTextBox(double widest, double frameWidth, double textHeight)
     const AcGeVector3d shift = m_layout.axes.right * ((width - frameWidth) * (mirrored ? -1.0 : 1.0));
     box.corner2 = box.corner2 + shift;
     box.corner4 = box.corner4 + shift;
+    const AcGeVector3d down = m_layout.axes.up * -(kFirstBaseLine * textHeight + text.depth);
+    box.corner1 = box.corner3 + down;
+    box.corner4 = box.corner2 + down;
 }
 
 // Outline, leaders and text box -------------------------------------------------------------------
@@ -151,7 +156,12 @@ void LayoutPass::layOutOutline()
 {
     if (m_record.displayMode != 0)
         return;
-    targetOutline(m_record, m_outlineView, m_style, m_layout.outline);
+    if (isProxy())
+        proxyOutline(m_record, m_style, m_settings, m_layout.outline);
+    else
+        targetOutline(m_record, m_outlineView, m_style, m_layout.outline);
+    if (m_view.plotting)
+        m_layout.outline.waveWeight = kLeastWaveOnPaper;
     m_layout.waveMiddles.add(m_layout.outline.bumps);
     if (!m_isLeader)
         return;
@@ -160,6 +170,8 @@ void LayoutPass::layOutOutline()
     const int frame = isProxy() ? kThinRectangle : drawnFlagStyle(m_mark.flagStyle, m_settings);
     if (!m_mark.suggestionContent.isEmpty())
         textBoxFrame(m_record, m_outlineView, frame, m_layout.frame);
+    if (m_view.plotting)
+        m_layout.frame.waveWeight = kLeastWaveOnPaper;
 }
 
 // Box corner 2 decides; where it sees no way to a polygon, corner 3 may.
@@ -169,7 +181,7 @@ void LayoutPass::attachFirstLeader()
     for (const AcGePoint3d &reference : {m_layout.textBox.corner2, m_layout.textBox.corner3}) {
         const std::optional<AcGePoint3d> end =
             attachLeaders(m_mark.targetStyle, drawnTargetStyle(m_mark.targetStyle, m_settings), m_record,
-                          hasUsed, reference, m_outlineView.worldToEye);
+                          hasUsed, reference);
         if (!end)
             continue;
         m_layout.writeBack.leaderEnds[0] = *end;
@@ -194,7 +206,7 @@ void LayoutPass::layOutLeaders()
 /// The corner of the text box on the side of the end, as seen.
 AcGePoint3d LayoutPass::leaderStart(const AcGePoint3d &end) const
 {
-    const AcGeMatrix3d &toEye = m_outlineView.worldToEye;
+    const AcGeMatrix3d toEye = m_view.viewport.getWorldToEyeTransform();
     const AcGePoint3d a = toEye * m_layout.textBox.corner1;
     const AcGePoint3d b = toEye * m_layout.textBox.corner2;
     const AcGePoint3d seen = toEye * end;
@@ -218,7 +230,11 @@ double LayoutPass::flagSize() const
         size = configuredTextHeight();
     else if (!m_settings.autoFlagSize && hasHeight)
         size = m_mark.textHeight * m_view.flagScale;
-    return m_isLeader ? size * kLeaderFlagScale : size;
+    if (m_isLeader)
+        size *= kLeaderFlagScale;
+    if (m_view.plotting)
+        size = std::max(size, kLeastFlagOnPaper * m_view.viewport.millimetre() / kFlagHeight);
+    return size;
 }
 
 // A wave rectangle has its flag at the left, where no bump of the right side shows behind it.
@@ -248,7 +264,7 @@ void LayoutPass::layOutSketch()
     if (!strokes)
         return;
     const sketch::Placement placement(*strokes, m_mark.targetCorner1, m_mark.targetCorner2,
-                                      m_outlineView.worldToEye);
+                                      m_view.viewport.getWorldToEyeTransform());
     const AcDbExtents box = sketch::extents(*strokes, placement);
     m_layout.sketch = {std::move(strokes).value(), placement, box};
     if (m_mark.targetStyle == 0 && box.isValid())

@@ -3,7 +3,10 @@
 
 #include "quillnote/entity/mark_geometry.h"
 #include "quillnote/entity/mark_record.h"
+#include "quillnote/entity/mark_text_layout.h"
 #include "quillnote/entity/outline_pieces.h"
+
+#include "host/acge/geextents.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +16,7 @@ namespace
 {
 
 constexpr std::size_t kEllipsePoints = 72;
+constexpr double kLeastHalfAxis = 0.001;
 
 struct Directions {
     std::array<AcGeVector3d, kEllipsePoints> of;
@@ -25,24 +29,33 @@ struct Directions {
     }
 };
 
-// Level as seen, whatever the mark's x direction is.
+/// Half the sides of a target, from its corners; flat.
+struct HalfAxes {
+    AcGePoint3d centre;
+    AcGeVector3d major; ///< Towards the side between corners 4 and 2.
+    AcGeVector3d minor; ///< Towards the side between corners 3 and 2.
+};
+
+// From the corners themselves: a mark may have been turned since its x direction was written, or be looked at
+// in another view than the one that it was made in.
+HalfAxes halfAxes(const MarkCorners &target)
+{
+    HalfAxes axes{.centre = target.corner1 + (target.corner2 - target.corner1) * 0.5,
+                  .major = (target.corner4 - target.corner1) * 0.5,
+                  .minor = (target.corner3 - target.corner1) * 0.5};
+    axes.centre.z = axes.major.z = axes.minor.z = 0.0;
+    return axes;
+}
+
 void thinEllipse(const OutlineRecord &mark, const OutlineView &view, MarkOutline &outline)
 {
     static const Directions directions;
     constexpr double kEnlargement = 1.25;
-    const AcGePoint3d p = view.worldToEye * mark.target.corner1;
-    const AcGePoint3d q = view.worldToEye * mark.target.corner2;
-    const AcGePoint3d centre = p + (q - p) * 0.5;
-    const double share = 0.5 * (mark.enlarged ? kEnlargement : 1.0);
-    const double a = std::abs(q.x - p.x) * share;
-    const double b = std::abs(q.y - p.y) * share;
-    const AcGeMatrix3d eyeToWorld = view.worldToEye.inverse();
+    const HalfAxes axes = halfAxes(mark.target);
+    const double scale = mark.enlarged ? kEnlargement : 1.0;
     std::array<AcGePoint3d, kEllipsePoints> points;
     std::ranges::transform(directions.of, points.begin(), [&](const AcGeVector3d &direction) {
-        AcGePoint3d world =
-            eyeToWorld * AcGePoint3d(centre.x + a * direction.x, centre.y + b * direction.y, 0.0);
-        world.z = 0.0;
-        return world;
+        return axes.centre + axes.major * (scale * direction.x) + axes.minor * (scale * direction.y);
     });
     const int color = drawnColor1(mark.color1, view.settings, ColorRange::indexesAndByLayer);
     addPiece(outline, OutlinePiece::closedLines, color, points);
@@ -63,15 +76,10 @@ void bevelRectangle(const OutlineRecord &mark, const OutlineView &view, MarkOutl
 
 void waveEllipse(const MarkCorners &target, MarkOutline &outline)
 {
-    const AcGeVector3d half = (target.corner2 - target.corner1) * 0.5;
-    const double a = std::abs(half.x);
-    if (!(a >= 0.001))
-        return;
-    const AcGePoint3d centre(target.corner1.x + half.x, target.corner1.y + half.y, 0.0);
-    AcGeVector3d major = (target.corner4 - target.corner1) * 0.5;
-    major.z = 0.0;
-    const AcGeVector3d minor = AcGeVector3d::kZAxis.crossProduct(major) * (std::abs(half.y) / a);
-    waveAlongCurve(outline.bumps, AcGeEllipArc3d(centre, major, minor), target.diagonal() / 16.0);
+    const HalfAxes axes = halfAxes(target);
+    if (axes.major.length() >= kLeastHalfAxis)
+        waveAlongCurve(outline.bumps, AcGeEllipArc3d(axes.centre, axes.major, axes.minor),
+                       target.diagonal() / 16.0);
 }
 
 void wavePolygon(std::span<const AcGePoint3d> vertices, double step, MarkOutline &outline)
@@ -119,6 +127,27 @@ MarkCorners targetCorners(const QuillnoteObj3 &mark)
 MarkCorners textBoxCorners(const QuillnoteObj3 &mark)
 {
     return {mark.textBoxCorner1, mark.textBoxCorner2, mark.textBoxCorner3, mark.textBoxCorner4};
+}
+
+// Not by a matrix: the corners of an outline along the world's axes are to be exactly its own.
+MarkCorners cornersAround(std::span<const AcGePoint3d> points, const MarkAxes &axes)
+{
+    const AcGeVector3d up = axes.normal.crossProduct(axes.right);
+    AcDbExtents box;
+    for (const AcGePoint3d &point : points)
+        box.addPoint({point.asVector().dotProduct(axes.right), point.asVector().dotProduct(up), 0.0});
+    const auto toWorld = [&](const AcGePoint3d &place) {
+        const AcGePoint3d world = AcGePoint3d() + axes.right * place.x + up * place.y;
+        return AcGePoint3d(world.x, world.y, 0.0);
+    };
+    MarkCorners corners;
+    corners.corner1 = toWorld(box.minPoint());
+    corners.corner2 = toWorld(box.maxPoint());
+    const CompletedCorners others =
+        completeCorners(corners.corner1, corners.corner2, axes.normal, axes.right);
+    corners.corner3 = others.corner3;
+    corners.corner4 = others.corner4;
+    return corners;
 }
 
 void setTargetCorners(QuillnoteObj3 &mark, const MarkCorners &corners)
@@ -224,21 +253,27 @@ void drawOutline(const MarkOutline &outline, const AcGiCommonDraw &context)
         drawPiece(piece, outline.pointsOf(piece), context);
     if (outline.bumps.empty())
         return;
-    context.subEntityTraits().setColor(outline.waveColor);
-    drawWaves(outline.bumps, outline.thinWaves, context);
+    AcGiSubEntityTraits &pen = context.subEntityTraits();
+    const int ownWeight = pen.traits().lineWeight;
+    pen.setColor(outline.waveColor);
+    if (!outline.thinWaves)
+        drawWaves(outline.bumps, false, context);
+    if (outline.thinWaves || outline.waveWeight > 0) {
+        pen.setLineWeight(std::max(ownWeight, outline.waveWeight > 0 ? outline.waveWeight : ownWeight));
+        drawWaves(outline.bumps, true, context);
+    }
+    pen.setLineWeight(ownWeight);
 }
 
-static OutlineView viewOf(const AcGiViewportDraw &context, double drawUnit)
+static OutlineView viewOf(double drawUnit)
 {
-    return {.drawUnit = drawUnit,
-            .worldToEye = context.viewport().getWorldToEyeTransform(),
-            .settings = markDrawingSettings()};
+    return {.drawUnit = drawUnit, .settings = markDrawingSettings()};
 }
 
 void drawTargetOutline(const QuillnoteObj3 &mark, const AcGiViewportDraw &context, double drawUnit, int style)
 {
     MarkOutline outline;
-    targetOutline(outlineRecord(mark), viewOf(context, drawUnit), style, outline);
+    targetOutline(outlineRecord(mark), viewOf(drawUnit), style, outline);
     drawOutline(outline, context);
 }
 
@@ -246,6 +281,6 @@ void drawTextBoxFrame(const QuillnoteObj3 &mark, const AcGiViewportDraw &context
                       int flagStyle)
 {
     MarkOutline outline;
-    textBoxFrame(outlineRecord(mark), viewOf(context, drawUnit), flagStyle, outline);
+    textBoxFrame(outlineRecord(mark), viewOf(drawUnit), flagStyle, outline);
     drawOutline(outline, context);
 }

@@ -5,11 +5,10 @@
 #include "quillnote/entity/mark_drawing_settings.h"
 #include "quillnote/entity/wave.h"
 
-#include "host/acge/gematrix.h"
-
 #include <optional>
 
 class QuillnoteObj3;
+struct MarkAxes;
 
 /// In the order of the record: 1 and 2 opposite, 4 from 1 along the x direction, 3 from 1 across it.
 /// Outlines run 1, 4, 2, 3.
@@ -24,6 +23,8 @@ struct MarkCorners {
 /// Completed where the record has not completed them yet.
 MarkCorners targetCorners(const QuillnoteObj3 &mark);
 MarkCorners textBoxCorners(const QuillnoteObj3 &mark);
+/// The rectangle around points, flat and along the axes of a mark.
+MarkCorners cornersAround(std::span<const AcGePoint3d> points, const MarkAxes &axes);
 /// Need write access. That of the target makes all its corners valid.
 void setTargetCorners(QuillnoteObj3 &mark, const MarkCorners &corners);
 void setTextBoxCorners(QuillnoteObj3 &mark, const MarkCorners &corners);
@@ -61,6 +62,9 @@ struct MarkOutline {
     std::vector<WaveBump> bumps;
     bool thinWaves = false;
     int waveColor = 0;
+    /// Least lineweight of waves, hundredths of a millimetre; 0: that of the mark. Thick waves are drawn
+    /// along their inner edge as well.
+    int waveWeight = 0;
 
     bool isEmpty() const { return pieces.empty() && bumps.empty(); }
     void clear(); ///< Keeps the memory.
@@ -73,13 +77,16 @@ struct MarkOutline {
 /// The view and the settings that outlines are drawn for.
 struct OutlineView {
     double drawUnit = 1.0; ///< World length of 15 pixels, or a thirtieth of the target's diagonal on plots.
-    AcGeMatrix3d worldToEye{}; ///< The thin ellipse is level as seen.
     MarkDrawingSettings settings{};
 };
 
 /// `style` as drawnTargetStyle() gives it; codes without outline and targets too small to show give an empty
 /// one.
 void targetOutline(const OutlineRecord &mark, const OutlineView &view, int style, MarkOutline &outline);
+/// What programs that do not know marks will see: at most 16 bumps, in thick lines around a target of the
+/// styles 1 to 49. It depends on no view.
+void proxyOutline(const OutlineRecord &mark, int style, const MarkDrawingSettings &settings,
+                  MarkOutline &outline);
 /// `flagStyle` 100 to 105, all others as 103. Empty unless the mark is shown in full.
 void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, int flagStyle, MarkOutline &outline);
 

@@ -6,6 +6,7 @@
 
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QTextBoundaryFinder>
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +15,7 @@ static constexpr double kLeastTextHeight = 0.001;
 static constexpr double kLeaderTextHeight = 500.0; ///< Of leader marks that have none.
 static constexpr double kLinePitch = 1.25;         ///< From line to line, in text heights.
 static constexpr double kSignatureSize = 1.0 / 3.0;
+static constexpr double kRoomBelow = 0.6; ///< Under the last base line of a box, in sizes of that line.
 
 // Frame -------------------------------------------------------------------------------------------
 
@@ -88,7 +90,7 @@ AcGePoint3d markTextStart(bool leaderMark, const MarkTextFrame &frame, const Mar
         return frame.corner1 - axes.up * (bumpSpacing(frame) / 2.0 + height);
     const bool mirrored = (frame.corner2 - frame.corner3).dotProduct(axes.right) < 0.0;
     const AcGePoint3d &upperLeft = mirrored ? frame.corner2 : frame.corner3;
-    return upperLeft + axes.right * (height / 3.0) - axes.up * (1.33 * height);
+    return upperLeft + axes.right * (height / 3.0) - axes.up * (kFirstBaseLine * height);
 }
 
 // Font --------------------------------------------------------------------------------------------
@@ -171,9 +173,51 @@ public:
         } while (!paragraph.isEmpty());
     }
 
+    /// Breaks where words end; a word that is too long for a line breaks anywhere.
+    void addWrapped(QStringView paragraph)
+    {
+        do {
+            const qsizetype end = lineEnd(paragraph);
+            QStringView line = paragraph.first(end);
+            paragraph = paragraph.sliced(end);
+            if (!paragraph.isEmpty()) {
+                // Blanks that a break falls into belong to neither line.
+                while (line.endsWith(u' '))
+                    line.chop(1);
+                while (paragraph.startsWith(u' '))
+                    paragraph = paragraph.sliced(1);
+            }
+            keepLine(line, measured(line));
+        } while (!paragraph.isEmpty());
+    }
+
     const AcGePoint3d &base() const { return m_base; }
 
 private:
+    /// How much of the text the first line takes; at least one character.
+    qsizetype lineEnd(QStringView text) const
+    {
+        constexpr double kRounding = 1e-9;
+        const double most = m_lineWidth * (1.0 + kRounding);
+        if (measured(text) <= most)
+            return text.size();
+        // Widths grow with the text, so the longest piece that fits is found by halving.
+        qsizetype fits = 1;
+        qsizetype tooLong = text.size();
+        while (tooLong - fits > 1) {
+            const qsizetype middle = fits + (tooLong - fits) / 2;
+            (measured(text.first(middle)) <= most ? fits : tooLong) = middle;
+        }
+        QTextBoundaryFinder breaks(QTextBoundaryFinder::Line, text.data(), text.size());
+        breaks.setPosition(fits);
+        // A blank may hang over the end of its line.
+        if (breaks.isAtBoundary() || text[fits] == u' ')
+            return fits;
+        if (const qsizetype word = breaks.toPreviousBoundary(); word > 0)
+            return word;
+        return fits > 0 && text[fits].isLowSurrogate() ? (fits > 1 ? fits - 1 : fits + 1) : fits;
+    }
+
     double measured(QStringView text) const { return m_font.width(text) * m_size * m_xScale; }
 
     // The scale of the line before stays in force for measuring, so equal lines look equal. A line that was
@@ -182,10 +226,15 @@ private:
     {
         constexpr double kRounding = 1e-9;
         const double width = measured(text);
-        m_layout.widest = std::max(m_layout.widest, width);
         const double share = width / m_lineWidth;
         if (share > 0.9 && std::abs(share - 1.0) > kRounding)
             m_xScale = 1.0 / share;
+        keepLine(text, width);
+    }
+
+    void keepLine(QStringView text, double width)
+    {
+        m_layout.widest = std::max(m_layout.widest, width);
         m_layout.lines.push_back({text.toString(), m_base, m_size, m_xScale});
         m_base = m_base + m_down;
     }
@@ -238,9 +287,12 @@ MarkTextLayout layOutMarkText(const QuillnoteObj3 &mark, const MarkDrawingSettin
     const double lineWidth = 10.0 * height > frame.width ? 10.0 * height : margined;
     LineBreaker breaker(layout, axes.up * (-kLinePitch * height), markTextSize(settings.trueType, height),
                         lineWidth, start);
+    const bool isBox = mark.leaderMode >= 1;
     for (const QStringView paragraph : paragraphsOf(mark.suggestionContent))
-        breaker.addParagraph(paragraph);
+        isBox ? breaker.addWrapped(paragraph) : breaker.addParagraph(paragraph);
     layout.endPoint = breaker.base();
+    const double lines = double(layout.lines.size());
+    layout.depth = (kLinePitch * (lines - 1.0) + kRoomBelow) * height;
     if (settings.viewName || settings.viewDateTime) {
         const AcGePoint3d rule = layout.endPoint + axes.up * (0.825 * height);
         const double size = kSignatureSize * height;
@@ -248,6 +300,7 @@ MarkTextLayout layOutMarkText(const QuillnoteObj3 &mark, const MarkDrawingSettin
                             .ruleStart = rule,
                             .ruleEnd = rule + axes.right * margined};
         layout.endPoint = layout.endPoint - axes.up * (kLinePitch * size);
+        layout.depth = kLinePitch * lines * height + kRoomBelow * size;
     }
     return layout;
 }

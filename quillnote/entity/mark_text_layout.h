@@ -53,11 +53,14 @@ struct MarkTextLayout {
     std::optional<MarkSignature> signature;
     double widest = 0.0;  ///< The widest line, as measured before it was fitted.
     AcGePoint3d endPoint; ///< Where a further line would begin.
+    double depth = 0.0;   ///< From the first base line down to where a box around the text ends.
 };
 
 /// Height that the text of the mark has; always above 0.
 double markTextHeight(const QuillnoteObj3 &mark, const MarkDrawingSettings &settings, bool paperSpace,
                       double frameWidth);
+/// Of a text box: from its upper edge down to the first base line, in text heights.
+inline constexpr double kFirstBaseLine = 1.33;
 /// Base point of the first line.
 AcGePoint3d markTextStart(bool leaderMark, const MarkTextFrame &frame, const MarkAxes &axes, double height);
 
@@ -66,7 +69,9 @@ const AcGiTextStyle &markTextStyle(bool trueType);
 /// Size of that font for text of a height.
 double markTextSize(bool trueType, double height);
 
-/// Breaks the opinion into lines that start at `start`, with the signature line when it is shown.
+/// Breaks the opinion into lines that start at `start`, with the signature line when it is shown. Under a
+/// target lines are of equal length and fitted to the target's width; in a box they break at words and keep
+/// the shape of their letters, so that a box that was fitted to its lines has the same lines again.
 MarkTextLayout layOutMarkText(const QuillnoteObj3 &mark, const MarkDrawingSettings &settings,
                               const MarkTextFrame &frame, const MarkAxes &axes, const AcGePoint3d &start,
                               double height);

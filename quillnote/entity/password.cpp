@@ -22,8 +22,12 @@ PasswordPrompt setPasswordPrompt(PasswordPrompt prompt)
 
 QString hashPassword(const QString &password)
 {
-    // The code page of the systems that the first marks were protected on.
-    const QByteArray bytes = base::TextCodec("ANSI_936").encode(password);
+    // The code page of the systems that the first marks were protected on. What it lacks it would make
+    // question marks, and every password of as many such characters would open the mark.
+    bool isLossless = false;
+    QByteArray bytes = base::TextCodec("ANSI_936").encode(password, isLossless);
+    if (!isLossless)
+        bytes = password.toUtf8();
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex());
 }
 

@@ -139,7 +139,9 @@ void registerCommands()
         else
             function = [name = row.globalName] { sayNotBuilt(name); };
         acedRegCmds()->addCommand(QString::fromUtf16(kCommandGroup), QString::fromLatin1(row.globalName),
-                                  QString::fromLatin1(row.localName), row.flags, std::move(function));
+                                  QString::fromLatin1(row.localName),
+                                  row.function ? row.flags : row.flags | kCommandNotBuilt,
+                                  std::move(function));
     }
 }
 

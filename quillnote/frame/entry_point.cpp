@@ -4,6 +4,7 @@
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/entity/mark_class.h"
+#include "quillnote/entity/mark_grips.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/password.h"
 #include "quillnote/frame/command_table.h"
@@ -23,14 +24,6 @@
 #include "host/aced/edsysvar.h"
 
 static constexpr int kNoticeLimit = 10;
-
-static std::optional<double> currentViewSize()
-{
-    resbuf value;
-    if (acedGetVar(QStringLiteral("VIEWSIZE"), value) != RTNORM)
-        return {};
-    return value.real();
-}
 
 /// Only a person reads it: a script would use up the ten times unseen.
 static void showNotice()
@@ -75,9 +68,10 @@ static void initialise(void *packet)
     acrxDynamicLinker()->registerAppMDIAware(packet);
     settings::declareTypes();
     createDocumentRegistry();
-    readStartUpSettings(currentViewSize);
+    readStartUpSettings();
     registerMarkClass();
     installPasswordPrompt();
+    setTargetReshaped(renewFingerprint);
     showNotice();
     registerCommands();
     registerVerbs();
@@ -94,6 +88,7 @@ static void unload()
     pendingSnapshot().reset();
     removeVerbs();
     acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
+    setTargetReshaped(nullptr);
     removePasswordPrompt();
     unregisterMarkClass();
 }
@@ -101,10 +96,6 @@ static void unload()
 // A second pass after a LISP call would only queue the menu again, so these steps run once a drawing.
 static void drawingLoaded()
 {
-    // The window starts without a drawing whose size could be asked. A script does the same with every
-    // drawing.
-    if (!acedFrontEnd().isScripted() && acedIntVar(QStringLiteral("TILEMODE"), 1) != 0)
-        suitTextHeight(currentViewSize);
     queueMenuLoad();
     defineLispFunctions();
     if (settings::number(u"autoFlagRefresh") > 0)

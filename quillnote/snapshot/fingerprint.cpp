@@ -1,7 +1,5 @@
 #include "quillnote/snapshot/fingerprint.h"
 
-#include "quillnote/entity/mark_record.h"
-
 #include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
 #include "host/acgi/gispatialindex.h"
@@ -166,18 +164,23 @@ TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const AcGiWindow &w
     return fingerprint;
 }
 
-AcGiWindow targetWindow(const QuillnoteObj3 &mark)
+static AcGiWindow windowOf(const MarkCorners &target)
 {
-    const double angle = std::atan2(mark.xDirection.y, mark.xDirection.x);
-    return AcGiWindow::fromCorners(mark.targetCorner1, mark.targetCorner2, angle);
+    const auto flat = [](const AcGePoint3d &corner) { return AcGePoint2d(corner.x, corner.y); };
+    return AcGiWindow(
+        {flat(target.corner1), flat(target.corner4), flat(target.corner2), flat(target.corner3)});
 }
 
-TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
+AcGiWindow targetWindow(const QuillnoteObj3 &mark)
+{
+    return windowOf(targetCorners(mark));
+}
+
+TargetFingerprint computeTargetFingerprint(const MarkCorners &target)
 {
     const AcApDocument *const document = curDoc();
     if (!document)
         return {};
     AcDbDatabase &database = *document->database();
-    return FingerprintTaker(database).take(
-        database.currentSpaceId(), AcGiWindow::fromCorners(corner1, corner2, -document->view().twist));
+    return FingerprintTaker(database).take(database.currentSpaceId(), windowOf(target));
 }

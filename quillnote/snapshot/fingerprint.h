@@ -2,6 +2,8 @@
 // whether the area was changed; colours do not count.
 #pragma once
 
+#include "quillnote/entity/mark_outline.h"
+
 #include "host/acdb/resbuf.h"
 #include "host/acgi/giregion.h"
 
@@ -21,9 +23,9 @@ struct TargetFingerprint {
     bool isFound() const { return !ids.empty(); }
 };
 
-/// Of the rectangle between two corners (world) that is upright in the current view, in the current space of
-/// the current drawing. Review marks never count, nor does what cannot be seen.
-TargetFingerprint computeTargetFingerprint(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+/// Of a target (world), along its own sides however it is seen, in the current space of the current drawing.
+/// Review marks never count, nor does what cannot be seen.
+TargetFingerprint computeTargetFingerprint(const MarkCorners &target);
 
 /// Marks and what else the module adds to a drawing to speak about it.
 bool isReviewMark(AcDbObjectId entity);

@@ -18,22 +18,24 @@ PendingSnapshot &pendingSnapshot()
     return pending;
 }
 
-void capturePendingSnapshot(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
+void capturePendingSnapshot(const MarkCorners &target)
 {
     PendingSnapshot &pending = pendingSnapshot();
     pending.reset();
-    pending.corners = {corner1, corner2};
-    pending.picturePath = captureTargetImage(corner1, corner2).value_or(QString());
-    pending.fingerprint = computeTargetFingerprint(corner1, corner2);
+    pending.target = target;
+    pending.picturePath = captureTargetImage(target.corner1, target.corner2).value_or(QString());
+    pending.fingerprint = computeTargetFingerprint(target);
 }
 
 void storeSnapshot(const AcDbDatabase &database, QuillnoteObj3 &mark)
 {
     PendingSnapshot &pending = pendingSnapshot();
-    const std::pair target(mark.targetCorner1, mark.targetCorner2);
+    const MarkCorners target = targetCorners(mark);
     const bool isSeen = acdbCurDwg() == &database;
-    if (isSeen && pending.corners != target)
-        capturePendingSnapshot(target.first, target.second);
+    const bool waits = pending.target && pending.target->corner1 == target.corner1 &&
+                       pending.target->corner2 == target.corner2;
+    if (isSeen && !waits)
+        capturePendingSnapshot(target);
     if (isSeen) {
         mark.snapEntityIds = std::move(pending.fingerprint.ids);
         mark.snapNote = pending.fingerprint.note;
@@ -41,4 +43,14 @@ void storeSnapshot(const AcDbDatabase &database, QuillnoteObj3 &mark)
         mark.snapImage = takeTemporaryPicture(pending.picturePath);
     }
     pending.reset();
+}
+
+void renewFingerprint(QuillnoteObj3 &mark)
+{
+    const AcDbDatabase *const shown = acdbCurDwg();
+    if (mark.snapChecksum.isEmpty() || shown != mark.database() || mark.blockId() != shown->currentSpaceId())
+        return;
+    TargetFingerprint taken = computeTargetFingerprint(targetCorners(mark));
+    mark.snapEntityIds = std::move(taken.ids);
+    mark.snapChecksum = taken.checksum;
 }

@@ -11,7 +11,7 @@ class QuillnoteObj3;
 
 struct PendingSnapshot {
     /// Of which target; none while nothing waits.
-    std::optional<std::pair<AcGePoint3d, AcGePoint3d>> corners;
+    std::optional<MarkCorners> target;
     TargetFingerprint fingerprint;
     QString picturePath; ///< Temporary picture; empty when there is none.
 
@@ -23,9 +23,13 @@ struct PendingSnapshot {
 PendingSnapshot &pendingSnapshot();
 
 /// Takes picture and fingerprint of a target; what waited before is dropped.
-void capturePendingSnapshot(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+void capturePendingSnapshot(const MarkCorners &target);
 
 /// Gives a new mark of the drawing the snapshot of its own target: the one that waits when it is of this
 /// target, otherwise one that is taken now. Nothing waits afterwards. A drawing that is not the current one
 /// cannot be seen; its mark has no snapshot.
 void storeSnapshot(const AcDbDatabase &database, QuillnoteObj3 &mark);
+
+/// Takes the fingerprint of a mark anew: its target has become another one. The picture stays, as evidence of
+/// what was reviewed. A mark without fingerprint, or in a space that is not shown, keeps what it has.
+void renewFingerprint(QuillnoteObj3 &mark);

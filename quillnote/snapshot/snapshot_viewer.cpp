@@ -123,12 +123,12 @@ CViewSnapshot *snapshotViewer(SnapshotKind kind)
 void showSnapshotImage(const QByteArray &bytes, SnapshotKind kind)
 {
     QPixmap picture;
-    if (!picture.loadFromData(bytes)) {
-        acutPrintf(QStringLiteral("靶区图片没加载成功。"));
-        return;
-    }
-    if (!isShownInViewer(picture.size())) {
-        acutPrintf(QStringLiteral("靶区图片太小不显示。"));
+    const bool isPicture = picture.loadFromData(bytes);
+    if (!isPicture || !isShownInViewer(picture.size())) {
+        acutPrintf(isPicture ? QStringLiteral("靶区图片太小不显示。")
+                             : QStringLiteral("靶区图片没加载成功。"));
+        // What is shown is of another mark.
+        delete viewerOf(kind).data();
         return;
     }
     if (!snapshotViewer(kind))

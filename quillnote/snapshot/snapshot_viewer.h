@@ -53,7 +53,7 @@ private:
 };
 
 /// Shows a picture file's bytes in the viewer of its kind, which opens when needed. What is no picture, or
-/// too small a one, is told on the command line.
+/// too small a one, is told on the command line and closes the viewer: it would show another mark's picture.
 void showSnapshotImage(const QByteArray &bytes, SnapshotKind kind);
 /// The viewer that is open; null when there is none.
 CViewSnapshot *snapshotViewer(SnapshotKind kind);

@@ -2,9 +2,6 @@
 
 #include "quillnote/frame/settings/settings.h"
 
-#include <cmath>
-#include <limits>
-
 StartUpSettings &startUpSettings()
 {
     static StartUpSettings copies;
@@ -13,26 +10,10 @@ StartUpSettings &startUpSettings()
 
 static constexpr int kTextHeight = 1000;
 
-/// A twentieth of the view's height, rounded up to whole units; no value for a view without a size.
-static std::optional<int> heightForView(const ViewSize &viewSize)
+static int readTextHeight(QStringView name, int otherwise)
 {
-    const std::optional<double> size = viewSize ? viewSize() : std::nullopt;
-    if (!size || !std::isfinite(*size))
-        return std::nullopt;
-    const double height = std::floor(*size / 20.0) + 1.0;
-    if (height < 1.0 || height > std::numeric_limits<int>::max())
-        return std::nullopt;
-    return static_cast<int>(height);
-}
-
-static int readTextHeight(QStringView name, const ViewSize &viewSize, int otherwise)
-{
-    if (const int stored = settings::number(name); stored > 0)
-        return stored;
-    const std::optional<int> height = heightForView(viewSize);
-    if (height)
-        settings::setNumber(name, *height);
-    return height.value_or(otherwise);
+    const int stored = settings::number(name);
+    return stored > 0 ? stored : otherwise;
 }
 
 static bool isOn(QStringView name)
@@ -40,7 +21,7 @@ static bool isOn(QStringView name)
     return settings::number(name) >= 1;
 }
 
-void readStartUpSettings(const ViewSize &viewSize)
+void readStartUpSettings()
 {
     StartUpSettings &copies = startUpSettings();
     copies.chineseVersion = settings::number(u"ChineseVersion") != 0;
@@ -49,8 +30,9 @@ void readStartUpSettings(const ViewSize &viewSize)
                           (settings::number(u"SnapReview") != 0 ? StartUpSettings::kReviewFullView : 0);
     copies.autoFlagSize = isOn(u"autoFlagSize");
     copies.applyAll = isOn(u"applyAll");
-    copies.textHeight = readTextHeight(u"textHeight", viewSize, kTextHeight);
-    copies.textHeightPS = readTextHeight(u"textHeightPS", viewSize, 10);
+    copies.textHeight = readTextHeight(u"textHeight", kTextHeight);
+    copies.suitsTextHeight = settings::number(u"textHeight") <= 0;
+    copies.textHeightPS = readTextHeight(u"textHeightPS", 10);
     copies.showMarkText = settings::number(u"NoDisplayText") != 1;
     copies.autoTargetTextHeight = settings::number(u"autoTargetTxtH") >= 0;
     copies.tickScale = 1.0;
@@ -61,10 +43,4 @@ void readStartUpSettings(const ViewSize &viewSize)
     copies.viewDateTime = isOn(u"viewDateTime");
     copies.viewName = isOn(u"viewName");
     copies.viewFlag = isOn(u"viewFlag");
-}
-
-void suitTextHeight(const ViewSize &viewSize)
-{
-    if (settings::number(u"textHeight") <= 0)
-        startUpSettings().textHeight = heightForView(viewSize).value_or(kTextHeight);
 }

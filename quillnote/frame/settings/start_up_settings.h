@@ -2,9 +2,6 @@
 // mark-making use these copies, so that a pass over all marks does not read the store.
 #pragma once
 
-#include <functional>
-#include <optional>
-
 struct StartUpSettings {
     bool chineseVersion = false;
     bool displayFlagWithFreehandDraw = false;
@@ -13,6 +10,8 @@ struct StartUpSettings {
     bool autoFlagSize = false;
     bool applyAll = false;
     int textHeight = 1000; ///< Drawing units, at least 1.
+    /// No height is stored: marks in model space get one that suits their drawing when they are made.
+    bool suitsTextHeight = false;
     int textHeightPS = 10;
     bool showMarkText = true;
     bool autoTargetTextHeight = true;
@@ -35,11 +34,5 @@ struct StartUpSettings {
 /// The copies of this process.
 StartUpSettings &startUpSettings();
 
-/// The height of the current view (VIEWSIZE); no value when it cannot be read.
-using ViewSize = std::function<std::optional<double>()>;
-
-/// Reads all copies anew. A text height that is not stored is taken from the view and stored.
-void readStartUpSettings(const ViewSize &viewSize);
-
-/// As long as no text height is stored, new marks in model space get one that suits the view. Stores nothing.
-void suitTextHeight(const ViewSize &viewSize);
+/// Reads all copies anew.
+void readStartUpSettings();

@@ -73,7 +73,8 @@ TEST(Custom, ARefusedRecordIsKeptAsAProxy)
     EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead).openStatus(), Acad::eNotThatKindOfClass);
     EXPECT_TRUE(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForRead));
     EXPECT_TRUE(findGroup(database->fileGroups(*id.stub()), 1));
-    EXPECT_TRUE(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForWrite)) << "nothing says what may be done to it";
+    // The drawing has no record of the class, but the class is here, refused it and allows nothing.
+    EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(id, AcDb::kForWrite).openStatus(), Acad::eNotAllowedForThisProxy);
 }
 
 /// What saving would write, opened again.
@@ -168,7 +169,6 @@ TEST(Custom, ANewerCarrierMakesAProxyThatNobodyChanges)
     const auto first = MemoryDrawing().open();
     const AcDbHandle handle = addNote(*first, QStringLiteral("newer"), "of a newer program").handle();
     const auto database = reopened(*first);
-    database->ensureClass(*NoteEntity::desc());
     const AcDbObjectId id = database->getAcDbObjectId(handle);
     EXPECT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead).openStatus(), Acad::eNotThatKindOfClass);
     AcDbObjectPointer<AcDbEntity> proxy(id, AcDb::kForRead);
@@ -232,4 +232,32 @@ TEST(Custom, ACopyKeepsWhatOthersHungOnIt)
     ASSERT_TRUE(dictionary);
     EXPECT_TRUE(dictionary->getAt(QStringLiteral("THEIRS")).isValid());
     EXPECT_TRUE(dictionary->getAt(kDwgCarrierKey.toString()).isNull());
+}
+
+TEST(Custom, CarriedFieldsArePackedAndClaimNoMoreThanTheyHold)
+{
+    NoteClass known;
+    const auto first = MemoryDrawing().open();
+    const QByteArray secret(100'000, 'x');
+    const AcDbHandle handle = addNote(*first, QStringLiteral("n"), secret).handle();
+    const auto database = reopened(*first);
+    const AcDbObjectId id = database->getAcDbObjectId(handle);
+    ASSERT_EQ(AcDbObjectPointer<NoteEntity>(id, AcDb::kForRead)->secret, secret);
+    const ResbufList groups = id.stub()->object->groups();
+    const AcDbObjectId dictionary = id.stub()->object->extensionDictionary();
+    AcDbObjectPointer<AcDbXrecord> record(
+        AcDbObjectPointer<AcDbDictionary>(dictionary, AcDb::kForRead)->entries().at(0).id, AcDb::kForWrite);
+    const ResbufList packed = record->rbChain();
+    std::size_t bytes = 0;
+    for (const resbuf &group : packed)
+        bytes += group.restype == 310 ? std::size_t(group.bytes().size()) : 0;
+    EXPECT_LT(bytes, 2000U);
+    for (const auto &[code, value] :
+         {std::pair(90, std::int64_t(4'000'000'000)), std::pair(90, std::int64_t(-1)),
+          std::pair(70, std::int64_t(2)), std::pair(91, std::int64_t(0))}) {
+        ResbufList damaged = packed;
+        findGroup(damaged, code)->assign(value);
+        record->setFromRbChain(damaged);
+        EXPECT_TRUE(acdbCarriedFields(*database, groups).isEmpty()) << code << ' ' << value;
+    }
 }

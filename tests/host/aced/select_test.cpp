@@ -105,6 +105,14 @@ TEST_F(Selection, WindowsStandUprightInTheView)
     m_drawing.document().view().twist = kGePi / 4;
     // Seen from the turned view this rectangle holds the line at x = 0; unturned it would have no width.
     EXPECT_THAT(window("W", {0, -1, 0}, {0, 11, 0}), ElementsAre(a));
+    // Not by half a right angle: the view shows the world turned to the left, so its sides lie turned to the
+    // right.
+    const double twist = kGePi / 6;
+    m_drawing.document().view().twist = twist;
+    const auto world = [twist](double x, double y) {
+        return AcGePoint3d(x, y, 0).rotateBy(-twist, AcGeVector3d::kZAxis);
+    };
+    EXPECT_THAT(window("W", world(-5.1, -0.1), world(0.1, 8.8)), ElementsAre(a));
     m_drawing.document().view().twist = 0;
     m_drawing.document().ucs().origin = {20, 0, 0};
     EXPECT_THAT(window("W", {-4, 1, 0}, {4, 9, 0}), ElementsAre(circle)) << "corners are in the UCS";

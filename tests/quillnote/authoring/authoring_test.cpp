@@ -1,4 +1,5 @@
 // Making marks: picking, the record that comes out, its number and layer, and the one collector.
+#include "quillnote/authoring/append_mark.h"
 #include "quillnote/authoring/edit_mark.h"
 #include "quillnote/authoring/leader_text_box.h"
 #include "quillnote/authoring/mark_layer.h"
@@ -11,7 +12,9 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edpick.h"
+#include "host/aced/edpicture.h"
 #include "host/aced/edsysvar.h"
+#include "host/aced/edview.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
 #include <gmock/gmock.h>
@@ -81,6 +84,30 @@ TEST_F(AuthoringTest, ACommandMakesOneMarkAndOneStep)
     EXPECT_FALSE(database().hasChanges());
 }
 
+TEST_F(AuthoringTest, NumbersFollowTheHighestMarkAndEndAt65535)
+{
+    const auto makeAndRead = [&] {
+        return AcDbObjectPointer<QuillnoteObj3>(make(), AcDb::kForRead)->markNumber;
+    };
+    EXPECT_EQ(makeAndRead(), 1);
+    {
+        AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(database()).ids.at(0), AcDb::kForWrite);
+        mark->markNumber = 40;
+    }
+    writeLastMarkNumber(database(), 0); // A drawing whose dictionary was purged by another program.
+    EXPECT_EQ(makeAndRead(), 41);
+
+    writeLastMarkNumber(database(), 65534);
+    EXPECT_EQ(makeAndRead(), 65535);
+    EXPECT_TRUE(make().isNull());
+    const QString refusal = QStringLiteral("编号已用到65535");
+    for (const char *const command : {"QN3_Quillnote", "QN3_QuillnoteLeader"})
+        EXPECT_TRUE(run(QString::fromLatin1(command), {"0,0", "9,9"}).contains(refusal)) << command;
+    for (const char *const command : {"QN3_PolygonMark", "QN3_SplineMarkJig", "QN3_EasyDraw"})
+        EXPECT_TRUE(run(QString::fromLatin1(command)).contains(refusal)) << command;
+    EXPECT_EQ(collectMarks(database()).ids.size(), 3U);
+}
+
 TEST_F(AuthoringTest, ACancelledEditorMakesNothing)
 {
     tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"x\"", "cancel"});
@@ -111,7 +138,7 @@ TEST_F(AuthoringTest, AMarkKeepsWhatItsTargetShowedWhenItWasPicked)
     {
         tests::ScriptFrontEnd script({"0,0", "40,30"}, {"set 1003 \"x\"", "cancel"});
         QN3_Quillnote();
-        EXPECT_FALSE(pendingSnapshot().corners) << "of a mark that does not come";
+        EXPECT_FALSE(pendingSnapshot().target) << "of a mark that does not come";
     }
     tests::ScriptFrontEnd script({"0,0", "40,30"}, {"ok"});
     QN3_Quillnote();
@@ -273,4 +300,90 @@ TEST(MarkEditor, OpensWhereItFitsTheScreen)
     EXPECT_EQ(markEditorRectangle({1500, 0, 421, 200}, screen), atTheTop);
     EXPECT_EQ(markEditorRectangle({1500, 0, 420, 200}, screen), QRect(1500, 0, 420, 200));
     EXPECT_EQ(markEditorRectangle({0, 900, 420, 181}, screen), atTheTop);
+}
+
+TEST_F(AuthoringTest, TextHeightsSuitTheDrawingAndTheView)
+{
+    const AcDbExtents small({0, 0, 0}, {17, 12, 0});
+    const AcDbExtents large({0, 0, 0}, {16000, 12000, 0});
+    struct Row {
+        double view;
+        AcDbExtents drawing;
+        double least;
+        double most;
+    };
+    const Row rows[] = {
+        {12, small, 0.2, 0.3},         // Seen whole.
+        {297, small, 0.3, 0.4},        // A saved view of something else: what suits the drawing.
+        {12000, large, 200, 270},      // Seen whole.
+        {900, large, 40, 41},          // Zoomed in: still legible when the whole is seen,
+        {60, large, 5.9, 6.1},         // but never a band across the view.
+        {100, AcDbExtents(), 1.9, 2.1} // An empty drawing.
+    };
+    for (const Row &row : rows) {
+        const double height = suitingTextHeight(row.view, row.drawing);
+        EXPECT_GE(height, row.least) << row.view;
+        EXPECT_LE(height, row.most) << row.view;
+    }
+
+    startUpSettings().suitsTextHeight = true;
+    run(QStringLiteral("LINE"), {"0,0", "17,12", ""});
+    drawing->document().view().height = 12;
+    NewMark request;
+    request.corner2 = {1, 1, 0};
+    request.isLeader = true;
+    request.opinionText = QStringLiteral("x");
+    const auto heightOf = [&] {
+        return AcDbObjectPointer<QuillnoteObj3>(createMark(database(), request), AcDb::kForRead)->textHeight;
+    };
+    EXPECT_NEAR(heightOf(), 0.24, 0.05);
+    startUpSettings().suitsTextHeight = false;
+    EXPECT_EQ(heightOf(), 1000) << "what the user has set";
+
+    // Text under a target that is small in the view does not follow it into the illegible.
+    request.isLeader = false;
+    startUpSettings().autoTargetTextHeight = true;
+    {
+        const AcDbObjectPointer<QuillnoteObj3> mark(createMark(database(), request), AcDb::kForRead);
+        EXPECT_FALSE(mark->autoTextHeight);
+        EXPECT_NEAR(mark->textHeight, 12.0 / 80.0, 1e-9);
+    }
+    request.corner2 = {9, 9, 0};
+    EXPECT_TRUE(
+        AcDbObjectPointer<QuillnoteObj3>(createMark(database(), request), AcDb::kForRead)->autoTextHeight);
+}
+
+TEST_F(AuthoringTest, EverythingIncludesFlagsAndWhatElseIsDrawnBeside)
+{
+    startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
+    startUpSettings().style = 4;
+    make();
+    AcApView &view = drawing->document().view();
+    for (const double twist : {0.0, kGePi / 2}) {
+        view.twist = twist;
+        run(QStringLiteral("ZOOM"), {"E"});
+        // The flag hangs to the right of the upper right corner, 30 pixels long; bars stand 7 pixels off.
+        const double pixel = view.pixelSize();
+        const AcDbExtents box = acedCurrentExtents(drawing->document());
+        const AcGeMatrix3d toPixel = acedViewport(drawing->document()).worldToPixel();
+        AcDbExtents seen = box;
+        seen.transformBy(toPixel);
+        EXPECT_GE(box.maxPoint().x, 20 + 30 * pixel * 0.9);
+        EXPECT_LE(box.minPoint().x, -5 * pixel);
+        EXPECT_GE(seen.minPoint().x, -1);
+        EXPECT_GE(seen.minPoint().y, -1);
+        EXPECT_LE(seen.maxPoint().x, view.pixelWidth + 1);
+        EXPECT_LE(seen.maxPoint().y, view.pixelHeight + 1);
+    }
+}
+
+TEST_F(AuthoringTest, MenusKnowWhichCommandsAreNotBuilt)
+{
+    for (const CommandRow &row : commandTable()) {
+        const AcEdCommand *const command =
+            acedCommandOfMacro(QStringLiteral("^C^C_%1 ").arg(QString::fromLatin1(row.globalName)));
+        ASSERT_TRUE(command) << row.globalName;
+        EXPECT_EQ((command->flags & kCommandNotBuilt) != 0, row.function == nullptr) << row.globalName;
+    }
+    EXPECT_FALSE(acedCommandOfMacro(QStringLiteral("(command \"LINE\") ")));
 }

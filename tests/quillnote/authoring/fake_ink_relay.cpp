@@ -1,4 +1,5 @@
 // Stands for the ink library: writes what it was asked into the sketch file.
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -10,7 +11,9 @@ extern "C" unsigned char callInkRelay(int flag, const char16_t *path, int left, 
     std::FILE *const file = std::fopen(name.c_str(), "wb");
     if (!file)
         return 0;
-    std::fprintf(file, "%d %d %d %d %d", flag, left, top, width, height);
+    // One line over the canvas; its other numbers say what was asked.
+    const std::int32_t words[] = {width, height, 1, 2, left, top, width, height, flag, 1};
+    std::fwrite(words, sizeof words, 1, file);
     std::fclose(file);
     return 0;
 }

@@ -51,7 +51,8 @@ TEST_F(AuthoringTest, AFreehandMarkHoldsWhatTheInkLibraryWrote)
     runAndBack(QStringLiteral("QN3_EasyDraw"));
     settings::setText(u"Location", u"");
     const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(database()).ids.at(0), AcDb::kForRead);
-    EXPECT_EQ(mark->sketchData, QByteArray("1 0 0 1600 1000"));
+    const std::int32_t words[] = {1600, 1000, 1, 2, 0, 0, 1600, 1000, 1, 1};
+    EXPECT_EQ(mark->sketchData, QByteArray(reinterpret_cast<const char *>(words), sizeof words));
     EXPECT_EQ(temporary.entryList({QStringLiteral("QNS*")}), before);
     EXPECT_EQ(mark->targetStyle, 0);
     EXPECT_EQ(mark->flagStyle, 0);
@@ -63,13 +64,12 @@ TEST_F(AuthoringTest, AFreehandMarkHoldsWhatTheInkLibraryWrote)
     EXPECT_TRUE(mark->targetCorner2.isEqualTo({1000, -500, 0}, 1e-6)) << mark->targetCorner2.x;
 }
 
-TEST_F(AuthoringTest, WithoutTheInkLibraryAFreehandMarkIsEmpty)
+TEST_F(AuthoringTest, NothingDrawnIsNoFreehandMark)
 {
     settings::setText(u"Location", u"/nowhere");
     const QString printed = run(QStringLiteral("QN3_EASY"));
     settings::setText(u"Location", u"");
     EXPECT_TRUE(printed.contains(QStringLiteral("调用InkRelayDLL.dll错误.")));
-    const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(database()).ids.at(0), AcDb::kForRead);
-    EXPECT_TRUE(mark->sketchData.isEmpty());
-    EXPECT_EQ(mark->targetStyle, 0);
+    EXPECT_TRUE(printed.contains(QStringLiteral("没有手绘内容")));
+    EXPECT_FALSE(database().hasChanges());
 }

@@ -129,8 +129,7 @@ TEST_F(PolygonMarkTest, AnOutlineWithoutTextIsFinished)
     make();
     startUpSettings().style = 2;
     runAndBack(QStringLiteral("QN3_SplineMarkJig"), {"0,0", "50,10", "40,40", "0,0", "", ""});
-    runAndBack(QStringLiteral("QN3_PolygonMarkJig"), {"0,0", "50,10", "40,40", "", "90,90"},
-               {"set 1003 \"x\"", "cancel"});
+    runAndBack(QStringLiteral("QN3_PolygonMarkJig"), {"0,0", "50,10", "40,40", "", ""});
     const auto opened = marks();
     ASSERT_EQ(opened.size(), 3U);
     const QuillnoteObj3 &spline = **opened[1];
@@ -139,7 +138,7 @@ TEST_F(PolygonMarkTest, AnOutlineWithoutTextIsFinished)
     EXPECT_EQ(spline.leaderMode, 0);
     EXPECT_EQ(spline.markNumber, 2);
     EXPECT_EQ(spline.suggestionName, QStringLiteral("张工"));
-    EXPECT_EQ((*opened[2])->markNumber, 3) << "also when the editor is cancelled";
+    EXPECT_EQ((*opened[2])->markNumber, 3);
     EXPECT_EQ((*opened[2])->targetStyle, 53);
     EXPECT_EQ(readLastMarkNumber(database()), 3);
 }
@@ -150,6 +149,7 @@ TEST_F(PolygonMarkTest, WhatHasNoOutlineLeavesNothingBehind)
     struct Row {
         const char *command;
         QStringList answers;
+        QStringList dialogLines{};
     };
     const Row rows[] = {
         {"QN3_PolygonMarkJig", {"^C"}},
@@ -159,9 +159,14 @@ TEST_F(PolygonMarkTest, WhatHasNoOutlineLeavesNothingBehind)
         {"QN3_PolygonMark", {""}},
         {"QN3_PolygonMark", {"0,0", "5,0", ""}},
         {"QN3_PolygonMark", {"0,0", "5,0", "0,0", ""}},
+        // Esc at every question, and in the editor.
+        {"QN3_PolygonMarkJig", {"0,0", "50,0", "50,50", "^C"}},
+        {"QN3_SplineMarkJig", {"0,0", "50,0", "50,50", "", "^C"}},
+        {"QN3_PolygonMarkJig", {"0,0", "50,0", "50,50", "", "90,90"}, {"set 1003 \"x\"", "cancel"}},
+        {"QN3_PolygonMark", {"0,0", "50,0", "50,50", "^C"}},
     };
     for (const Row &row : rows) {
-        run(QString::fromLatin1(row.command), row.answers);
+        run(QString::fromLatin1(row.command), row.answers, row.dialogLines);
         EXPECT_FALSE(database().hasChanges()) << row.command << qPrintable(row.answers.join(u' '));
     }
     EXPECT_TRUE(run(QStringLiteral("QN3_PolygonMark"), {""}).contains(QStringLiteral("未获取点，放弃!")));
@@ -173,6 +178,7 @@ TEST_F(PolygonMarkTest, SixteenVerticesAreAllThereIsRoomFor)
                                        std::pair(QStringLiteral("QN3_PolygonMark"), QStringList{""})}) {
         const QString printed = runAndBack(command, corners(20, end));
         EXPECT_TRUE(printed.contains(QStringLiteral("其余4个点未采用"))) << qPrintable(printed);
+        EXPECT_EQ(printed.count(QStringLiteral("已指定16个顶点")), 1) << qPrintable(printed);
         auto mark = onlyMark();
         EXPECT_EQ(mark->vertexCount, 16);
         EXPECT_EQ(mark->vertices[15], AcGePoint3d(150, 20, 0));

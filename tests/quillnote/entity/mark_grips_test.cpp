@@ -173,6 +173,7 @@ TEST_P(MarkGrips, TheWidthOfATextBoxIgnoresTheVerticalPart)
 {
     makeLeaderMark();
     EXPECT_TRUE(isRectangle(drag({6}, 30, 99).textBox, 200, 100, 330, 120));
+    EXPECT_TRUE(isRectangle(drag({6}, -150, 99).textBox, 150, 100, 200, 120)) << "the sides change roles";
 }
 
 TEST_P(MarkGrips, LeaderEndsMoveAndVanishInTheTextBox)
@@ -205,6 +206,10 @@ TEST_P(MarkGrips, VerticesAndSketchesMove)
     const MarkShape moved = drag({1}, 3, 4);
     EXPECT_TRUE(isAt(moved.vertices[1], 13, 14));
     EXPECT_TRUE(moved.vertices[0] == shape.vertices[0]);
+    shape.vertices[0] = world(0, 0);
+    shape.vertices[2] = world(0, 10);
+    EXPECT_TRUE(isRectangle(drag({1}, 20, -7).target, 0, 0, 30, 10)) << "the target is around the vertices";
+    EXPECT_TRUE(isRectangle(drag({1, 2}, 20, -17).target, 0, -7, 30, 0));
     shape.targetStyle = 0;
     shape.hasSketch = true;
     const MarkShape sketch = drag({0}, 3, 4);
@@ -273,6 +278,49 @@ TEST_F(MarkGripEntity, ADragSettlesTheMark)
     EXPECT_TRUE(mark->targetCorner1.isEqualTo({10, 20, 0}));
     EXPECT_TRUE(mark->flagPoint.isEqualTo(flag + AcGeVector3d(10, 20, 0), 1e-9));
     EXPECT_TRUE(mark->gripEditing);
+}
+
+TEST_F(MarkGripEntity, ADraggedVertexIsToldToWhoKeepsWhatTheTargetHeld)
+{
+    static int told = 0;
+    told = 0;
+    const TargetReshaped before = setTargetReshaped([](QuillnoteObj3 &mark) {
+        ++told;
+        EXPECT_EQ(mark.targetCorner2, AcGePoint3d(90, 80, 0)) << "it is the new target already";
+    });
+    {
+        const auto mark = open();
+        mark->targetStyle = 53;
+        mark->vertexCount = 3;
+        mark->vertices[1] = {60, 0, 0};
+        mark->vertices[2] = {60, 80, 0};
+        EXPECT_EQ(drag(*mark, 1, {30, 0, 0}), Acad::eOk);
+        EXPECT_EQ(told, 1);
+        AcDbExtents box;
+        EXPECT_EQ(mark->getGeomExtents(box), Acad::eOk);
+        EXPECT_EQ(box.maxPoint().x, 90);
+    }
+    setTargetReshaped(before);
+}
+
+TEST_F(MarkGripEntity, ABoxComesToRestAndItsGripsStandOnIt)
+{
+    const auto mark = open();
+    mark->suggestionContent = QStringLiteral("The clear width of this door is below 1.2 m; check it against "
+                                             "chapter 5 and tell the structural engineer.\r\n第二行");
+    const int flag = 5;
+    EXPECT_EQ(drag(*mark, flag, {300, 40, 0}), Acad::eOk);
+    ASSERT_EQ(mark->leaderMode, 1);
+    const AcGeVector3d size = mark->textBoxCorner2 - mark->textBoxCorner1;
+    EXPECT_GT(size.y, 3 * 1.25 * 6) << "it holds its lines";
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_EQ(mark->getGripPoints().at(5), mark->textBoxCorner3);
+        EXPECT_EQ(mark->getGripPoints().at(6), mark->textBoxCorner2);
+        EXPECT_EQ(drag(*mark, 5, {13.7, 7.1, 0}), Acad::eOk);
+        const AcGeVector3d now = mark->textBoxCorner2 - mark->textBoxCorner1;
+        EXPECT_NEAR(now.x, size.x, 1e-6) << i;
+        EXPECT_NEAR(now.y, size.y, 1e-6) << i;
+    }
 }
 
 TEST_F(MarkGripEntity, FiveWrongPasswordsAreEnough)

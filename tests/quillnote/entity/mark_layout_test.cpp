@@ -143,7 +143,7 @@ TEST_F(MarkLayoutTest, ProgramsThatDoNotKnowMarksSeeSimplerOnes)
     const MarkLayout ellipse = layOut(MarkPicture::proxy);
     EXPECT_TRUE(ellipse.outline.pieces.empty());
     EXPECT_FALSE(ellipse.outline.bumps.empty());
-    EXPECT_FALSE(ellipse.outline.thinWaves);
+    EXPECT_GT(ellipse.outline.waveWeight, 0) << "thick, in few figures";
     EXPECT_TRUE(ellipse.flag);
 
     makeLeaderMark();
@@ -323,6 +323,62 @@ TEST_F(MarkLayoutTest, ATextBoxFollowsItsText)
     applyWriteBack(*mark, layOut().writeBack);
     const MarkLayout again = layOut();
     EXPECT_TRUE(isAt(again.textBox.corner2, mark->textBoxCorner2));
+}
+
+TEST_F(MarkLayoutTest, ABoxHoldsItsLinesBreaksAtWordsAndComesToRest)
+{
+    const QString opinions[] = {
+        QStringLiteral("The clear width of this door is below 1.2 m; check it against chapter 5."),
+        QStringLiteral("短"),
+        QStringLiteral("此处门宽不足一米二，请按防火规范第五章核对疏散宽度，并与建筑专业协调后修改平面图。"),
+        QStringLiteral("WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW i\r\n\r\nend"),
+    };
+    settings.viewName = true;
+    mark->suggestionName = QStringLiteral("张工");
+    for (const QString &opinion : opinions) {
+        makeLeaderMark();
+        mark->suggestionContent = opinion;
+        const MarkLayout first = layOut();
+        QStringList lines;
+        for (const MarkTextLine &line : first.text->lines) {
+            lines += line.text;
+            EXPECT_EQ(line.xScale, 1.0);
+            EXPECT_LE(line.base.x + drawnWidth(*first.text, line), first.textBox.corner2.x)
+                << qPrintable(line.text);
+            EXPECT_GT(line.base.y, first.textBox.corner1.y) << qPrintable(line.text);
+        }
+        EXPECT_GT(first.text->signature->line.base.y, first.textBox.corner1.y);
+        EXPECT_EQ(lines.join(QString()).remove(u' '),
+                  QString(opinion).remove(QStringLiteral("\r\n")).remove(u' '));
+        if (opinion.startsWith(u"The"))
+            EXPECT_EQ(lines.join(u' '), opinion) << "no word is cut";
+        for (int pass = 0; pass < 4; ++pass) {
+            applyWriteBack(*mark, layOut().writeBack);
+            const MarkLayout again = layOut();
+            EXPECT_TRUE(isAt(again.textBox.corner1, first.textBox.corner1)) << qPrintable(opinion);
+            EXPECT_TRUE(isAt(again.textBox.corner2, first.textBox.corner2)) << qPrintable(opinion);
+            EXPECT_EQ(again.text->lines.size(), first.text->lines.size());
+        }
+    }
+}
+
+TEST_F(MarkLayoutTest, FlagsKeepTheirSizeToTheEye)
+{
+    settings.autoFlagSize = true;
+    const auto size = [&] { return layOut().flag->outline[0].distanceTo(layOut().flag->outline[1]); };
+    const double usual = size();
+    view.viewport.pixelHeight *= 2;
+    view.viewport.pixelWidth *= 2;
+    view.viewport.pixelsPerMillimetre *= 2;
+    EXPECT_NEAR(size(), usual, kTolerance) << "on a screen with twice as many pixels";
+    // On paper, 120 units over 60 mm: a height of 3.5 mm, whatever the text height is.
+    view.plotting = true;
+    mark->textHeight = 0.1;
+    view.viewport.pixelsPerMillimetre = view.viewport.pixelWidth / 60;
+    view.viewport.height = 120.0 * view.viewport.pixelHeight / view.viewport.pixelWidth;
+    const MarkFlag flag = *layOut().flag;
+    EXPECT_NEAR(flag.outline[0].distanceTo(flag.outline[4]), 3.5 * 2, kTolerance);
+    EXPECT_GT(layOut().outline.waveWeight, 0);
 }
 
 TEST_F(MarkLayoutTest, TheSignatureNamesReviewerAndDate)

@@ -105,22 +105,57 @@ TEST(MarkOutline, BevelledRectangle)
     EXPECT_TRUE(outlineOf(mark, 4, {.drawUnit = 3}).isEmpty());
 }
 
-TEST(MarkOutline, ThinEllipseIsLevelAsSeen)
+/// What ROTATE makes of it.
+static OutlineRecord turned(OutlineRecord mark, double angle)
 {
-    OutlineRecord mark = rectangleMark(0, 0);
-    mark.target.corner2 = {0, 10, 0};
-    const OutlineView twisted{.drawUnit = 1.0,
-                              .worldToEye = AcGeMatrix3d::rotation(kGePi / 4, AcGeVector3d::kZAxis)};
-    const MarkOutline outline = outlineOf(mark, 1, twisted);
-    ASSERT_EQ(outline.points.size(), 72u);
-    // Seen from the turned head the diagonal spans a square of 7.07, so the ellipse is a circle.
-    for (const AcGePoint3d &point : outline.points)
-        EXPECT_NEAR(point.distanceTo({0, 5, 0}), 5 / std::sqrt(2.0), 1e-9);
-    EXPECT_EQ(outline.pieces.at(0).kind, OutlinePiece::closedLines);
+    for (AcGePoint3d *corner :
+         {&mark.target.corner1, &mark.target.corner2, &mark.target.corner3, &mark.target.corner4})
+        *corner = corner->rotateBy(angle, AcGeVector3d::kZAxis);
+    return mark;
+}
 
-    mark.enlarged = true;
-    EXPECT_NEAR(outlineOf(mark, 1, twisted).points[0].distanceTo({0, 5, 0}), 6.25 / std::sqrt(2.0), 1e-9);
-    EXPECT_TRUE(drawn(outlineOf(mark, 1, twisted)).at(0).startsWith(QStringLiteral("2 polyline")));
+TEST(MarkOutline, EllipsesStayInTheirTargetsHoweverTheseLie)
+{
+    for (const int style : {1, 3, 6}) {
+        for (const double angle : {0.0, kGePi / 4, 2.0, kGePi / 2}) {
+            const MarkOutline outline = outlineOf(turned(rectangleMark(60, 80), angle), style);
+            std::vector<AcGePoint3d> points = outline.points;
+            for (const WaveBump &bump : outline.bumps)
+                points.push_back(bump.a);
+            // 72 points of the thin one; 36 bumps of the others, which a square turned by 45 degrees had none
+            // of.
+            EXPECT_EQ(points.size(), style == 1 ? 72u : 36u) << style << " at " << angle;
+            for (const AcGePoint3d &point : points) {
+                const AcGePoint3d back = point.rotateBy(-angle, AcGeVector3d::kZAxis);
+                EXPECT_NEAR(std::pow((back.x - 30) / 30, 2) + std::pow((back.y - 40) / 40, 2), 1.0, 1e-9);
+            }
+        }
+    }
+    OutlineRecord square = rectangleMark(10, 10);
+    square.enlarged = true;
+    EXPECT_NEAR(outlineOf(turned(square, kGePi / 4), 1).points[0].distanceTo({0, 5 * std::sqrt(2.0), 0}),
+                6.25, 1e-9);
+}
+
+TEST(MarkOutline, ProxiesAreClosedAndMadeOfFewBumps)
+{
+    const std::vector<AcGePoint3d> star{
+        {0, 0, 0}, {4, 1, 0},  {9, 0, 0},  {8, 4, 0},  {100, 9, 0}, {5, 8, 0},  {4, 60, 0}, {0, 9, 0},
+        {1, 4, 0}, {-9, 4, 0}, {-8, 3, 0}, {-9, 2, 0}, {-7, 1, 0},  {-6, 0, 0}, {-5, 1, 0}, {-4, 0.5, 0}};
+    OutlineRecord mark = rectangleMark(1000, 3);
+    for (const int style : {1, 2, 3, 4, 5, 6, 51, 52, 53, 54}) {
+        for (const std::size_t vertices : {std::size_t(3), star.size()}) {
+            mark.vertices = std::span(star).first(vertices);
+            MarkOutline outline;
+            proxyOutline(mark, style, {}, outline);
+            EXPECT_LE(outline.bumps.size(), 16u) << style;
+            ASSERT_GE(outline.bumps.size(), 4u) << style;
+            EXPECT_TRUE(outline.bumps.front().a.isEqualTo(outline.bumps.back().b, 1e-6)) << style;
+            for (std::size_t i = 1; i < outline.bumps.size(); ++i)
+                EXPECT_TRUE(outline.bumps[i - 1].b.isEqualTo(outline.bumps[i].a, 1e-6)) << style;
+            EXPECT_EQ(outline.waveWeight > 0, style < 53) << style;
+        }
+    }
 }
 
 TEST(MarkOutline, WaveEllipse)

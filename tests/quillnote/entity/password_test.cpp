@@ -37,6 +37,10 @@ TEST_F(Password, TheHashIsMd5OfTheCodePageBytes)
     EXPECT_EQ(hashPassword(QString()), u"d41d8cd98f00b204e9800998ecf8427e");
     // "中" is D6 D0 in code page 936.
     EXPECT_EQ(hashPassword(QStringLiteral("中")), u"5301da37e5ffca1823a5cef67488d4bf");
+    // What the code page lacks does not become a question mark, which would open for every such word.
+    EXPECT_EQ(hashPassword(QStringLiteral("ñandú")), u"97e5094e8302a2129151f075165779e2");
+    EXPECT_NE(hashPassword(QStringLiteral("🔒🔑")), hashPassword(QStringLiteral("🔑🔒")));
+    EXPECT_NE(hashPassword(QStringLiteral("ééé")), hashPassword(QStringLiteral("???")));
 }
 
 TEST_F(Password, ARightPasswordUnlocksForGood)

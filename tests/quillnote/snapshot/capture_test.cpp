@@ -132,7 +132,8 @@ TEST_F(CaptureTest, AMarkGetsTheSnapshotOfItsOwnTarget)
     QuillnoteObj3 mark;
     mark.targetCorner1 = {0, 0, 0};
     mark.targetCorner2 = {20, 10, 0};
-    capturePendingSnapshot({0, 0, 0}, {20, 10, 0});
+    capturePendingSnapshot(
+        {.corner1 = {}, .corner2 = {20, 10, 0}, .corner3 = {0, 10, 0}, .corner4 = {20, 0, 0}});
     EXPECT_EQ(files().size(), 2);
     // The line goes before the mark comes; what waits was taken before.
     const AcDbObjectId line = pendingSnapshot().fingerprint.ids.at(0);
@@ -145,7 +146,8 @@ TEST_F(CaptureTest, AMarkGetsTheSnapshotOfItsOwnTarget)
 
     // A mark that nobody took a snapshot for gets its own, not the one that waits for another place.
     AcDbObjectPointer<AcDbEntity>(line, AcDb::kForWrite, true)->erase(false);
-    capturePendingSnapshot({0, 0, 0}, {20, 10, 0});
+    capturePendingSnapshot(
+        {.corner1 = {}, .corner2 = {20, 10, 0}, .corner3 = {0, 10, 0}, .corner4 = {20, 0, 0}});
     QuillnoteObj3 other;
     other.targetCorner1 = {0, 20, 0};
     other.targetCorner2 = {10, 25, 0};

@@ -46,6 +46,11 @@ TEST(FingerprintSum, AddsCodeUnitsAndWraps)
     EXPECT_EQ(fingerprintSum(QString(40000, QChar(0xFFFF))), -1673567296);
 }
 
+static MarkCorners box(const AcGePoint3d &low, const AcGePoint3d &high)
+{
+    return {.corner1 = low, .corner2 = high, .corner3 = {low.x, high.y, 0}, .corner4 = {high.x, low.y, 0}};
+}
+
 struct FingerprintTest : testing::Test {
     FingerprintTest()
     {
@@ -67,7 +72,7 @@ struct FingerprintTest : testing::Test {
     }
     TargetFingerprint taken(double x = 10, double y = 10) const
     {
-        return computeTargetFingerprint({}, AcGePoint3d(x, y, 0));
+        return computeTargetFingerprint(box({}, AcGePoint3d(x, y, 0)));
     }
     void change(std::uint64_t entity, int code, resbuf::Value value) const
     {
@@ -99,7 +104,7 @@ TEST_F(FingerprintTest, CountsWhatCrossesTheTargetButNoMarks)
         mark.release()->close();
     }
     EXPECT_EQ(taken().checksum, before.checksum);
-    const TargetFingerprint nothing = computeTargetFingerprint({100, 100, 0}, {110, 110, 0});
+    const TargetFingerprint nothing = computeTargetFingerprint(box({100, 100, 0}, {110, 110, 0}));
     EXPECT_FALSE(nothing.isFound());
     EXPECT_EQ(nothing.checksum, QString());
 }
@@ -128,4 +133,23 @@ TEST_F(FingerprintTest, CornersAreOfTheWorldWhateverTheUcs)
     const QString before = taken().checksum;
     drawing->document().ucs().origin = {1000, 0, 0};
     EXPECT_EQ(taken().checksum, before);
+}
+
+TEST_F(FingerprintTest, ATargetHasItsOwnSidesHoweverItIsSeen)
+{
+    const TargetFingerprint before = taken(30, 10);
+    EXPECT_EQ(before.ids.size(), 2U);
+    for (const double twist : {0.5, kGePi / 4, kGePi / 2, -2.0}) {
+        drawing->document().view().twist = twist;
+        const TargetFingerprint after = taken(30, 10);
+        EXPECT_EQ(after.ids, before.ids) << twist;
+        EXPECT_EQ(after.checksum, before.checksum) << twist;
+    }
+    // A target that lies askew itself: its corners enclose the circle, the world's box around them more.
+    const MarkCorners askew{
+        .corner1 = {5, 2, 0}, .corner2 = {5, 8, 0}, .corner3 = {2, 5, 0}, .corner4 = {8, 5, 0}};
+    EXPECT_EQ(computeTargetFingerprint(askew).ids.size(), 2U);
+    const MarkCorners beside{
+        .corner1 = {40, 20, 0}, .corner2 = {40, 60, 0}, .corner3 = {20, 40, 0}, .corner4 = {60, 40, 0}};
+    EXPECT_EQ(computeTargetFingerprint(beside).ids.size(), 1U) << "the circle in its middle";
 }

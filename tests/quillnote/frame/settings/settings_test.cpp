@@ -17,11 +17,6 @@ static void forgetEverything()
     startUpSettings().reset();
 }
 
-static ViewSize viewOf(std::optional<double> size)
-{
-    return [size] { return size; };
-}
-
 class Settings : public testing::Test
 {
 protected:
@@ -67,7 +62,7 @@ TEST_F(Settings, TheTableNamesEachValueOnce)
 
 TEST_F(Settings, StartUpTakesDefaultsWhenNothingIsStored)
 {
-    readStartUpSettings(viewOf(std::nullopt));
+    readStartUpSettings();
     EXPECT_EQ(startUpSettings(), StartUpSettings());
     EXPECT_FALSE(os::SettingsStore::user().number(settings::kKey, u"textHeight"));
     EXPECT_FALSE(os::SettingsStore::user().number(settings::kKey, u"textHeightPS"));
@@ -101,7 +96,7 @@ TEST_F(Settings, StartUpReplacesNumbersOutOfRange)
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name.toString().toStdString() + " = " + std::to_string(row.stored));
         settings::setNumber(row.name, row.stored);
-        readStartUpSettings(viewOf(std::nullopt));
+        readStartUpSettings();
         EXPECT_EQ(startUpSettings().*row.copy, row.expected);
     }
 }
@@ -130,7 +125,7 @@ TEST_F(Settings, StartUpReadsSwitches)
         for (const auto &[stored, expected] : row.cases) {
             SCOPED_TRACE(row.name.toString().toStdString() + " = " + std::to_string(stored));
             settings::setNumber(row.name, stored);
-            readStartUpSettings({});
+            readStartUpSettings();
             EXPECT_EQ(startUpSettings().*row.copy, expected);
         }
     }
@@ -142,44 +137,21 @@ TEST_F(Settings, TheSnapshotModeAddsUpBothSwitches)
          {std::tuple{0, 0, 0}, std::tuple{5, 0, 1}, std::tuple{0, -1, 2}, std::tuple{1, 1, 3}}) {
         settings::setNumber(u"SnapRecord", record);
         settings::setNumber(u"SnapReview", review);
-        readStartUpSettings({});
+        readStartUpSettings();
         EXPECT_EQ(startUpSettings().snapshotMode, mode);
     }
 }
 
-TEST_F(Settings, TheTextHeightComesFromTheViewOnce)
-{
-    settings::setText(u"textHeight", u"35");
-    readStartUpSettings(viewOf(1999.9));
-    EXPECT_EQ(startUpSettings().textHeight, 100);
-    EXPECT_EQ(startUpSettings().textHeightPS, 100);
-
-    // Stored now: the next view does not matter.
-    readStartUpSettings(viewOf(50.0));
-    EXPECT_EQ(startUpSettings().textHeight, 100);
-    EXPECT_EQ(settings::number(u"textHeight"), 100);
-}
-
 TEST_F(Settings, ATextHeightThatNobodySetSuitsEachDrawing)
 {
-    for (const auto &[size, height] :
-         {std::pair(25.0, 2), std::pair(13000.0, 651), std::pair(-500.0, 1000)}) {
-        suitTextHeight(viewOf(size));
-        EXPECT_EQ(startUpSettings().textHeight, height);
-        EXPECT_EQ(settings::number(u"textHeight"), 0);
+    for (const int stored : {0, -3}) {
+        settings::setNumber(u"textHeight", stored);
+        readStartUpSettings();
+        EXPECT_TRUE(startUpSettings().suitsTextHeight);
+        EXPECT_EQ(settings::number(u"textHeight"), stored) << "nothing is stored for the user";
     }
     settings::setNumber(u"textHeight", 35);
-    readStartUpSettings(viewOf(13000.0));
-    suitTextHeight(viewOf(13000.0));
+    readStartUpSettings();
+    EXPECT_FALSE(startUpSettings().suitsTextHeight);
     EXPECT_EQ(startUpSettings().textHeight, 35);
-}
-
-TEST_F(Settings, AViewWithoutASensibleSizeStoresNothing)
-{
-    for (const double size :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300, -500.0}) {
-        readStartUpSettings(viewOf(size));
-        EXPECT_EQ(startUpSettings().textHeight, 1000) << size;
-        EXPECT_EQ(settings::number(u"textHeight"), 0) << size;
-    }
 }
