@@ -1,4 +1,5 @@
-// Headers of libraries that most sources without widgets read: see quill_precompiled_headers in QuillTargets.cmake.
+// Headers of libraries that most sources without widgets read: see quill_precompiled_headers in
+// QuillTargets.cmake.
 #pragma once
 
 #include <QByteArray>

@@ -1,4 +1,5 @@
-// Headers of libraries that most sources with widgets read: see quill_precompiled_headers in QuillTargets.cmake.
+// Headers of libraries that most sources with widgets read: see quill_precompiled_headers in
+// QuillTargets.cmake.
 #pragma once
 
 #include "cmake/precompiled_core.h"

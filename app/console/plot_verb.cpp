@@ -85,6 +85,7 @@ static void printDone(const PlotOptions &options, const std::vector<AcEdPlot> &p
                        {QStringLiteral("plot"), options.output},
                        {QStringLiteral("pages"), list}};
     addToJson(object, report);
+    addDamage(object, *curDoc());
     acedPrintResult(object);
 }
 
@@ -98,6 +99,7 @@ int writePlot(const PlotOptions &options)
     const OpenDrawing drawing(options.files.front());
     if (!drawing.document())
         return kTrouble;
+    drawing.tellDamage();
     const auto pages = pagesOf(*drawing.document(), options);
     if (!pages) {
         printMessageLine(QStringLiteral("%1: %2").arg(options.files.front(), pages.error()));

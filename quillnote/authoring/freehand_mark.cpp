@@ -71,6 +71,10 @@ void QN3_EasyDraw()
         return;
     }
     const SketchFile sketch;
+    if (sketch.path().isEmpty()) {
+        acutPrintf(QStringLiteral("\n临时文件夹不可写，无法手绘。"));
+        return;
+    }
     letUserSketch(sketch.path(), window);
     request.reviewerName = settings::text(u"name");
     request.sketchFile = sketch.path();

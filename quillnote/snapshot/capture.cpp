@@ -30,11 +30,8 @@ std::optional<QRect> targetPixels(const AcGePoint3d &corner1, const AcGePoint3d 
 
 static std::optional<QString> saved(const QImage &image)
 {
-    const QString path = newTemporaryPicture();
-    if (!path.isEmpty() && image.save(path, "PNG"))
-        return path;
-    removeTemporaryPicture(path);
-    return {};
+    const QString path = keepTemporaryPicture(image);
+    return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
 /// The view with its edges moved to those of a part of it. Pixels stay where they are.
@@ -80,23 +77,31 @@ std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGe
     return saved(grab(*curDoc(), *pixels));
 }
 
-QString captureFullView()
+static void exportView(const QString &path)
 {
-    QString path = newTemporaryPicture();
-    if (path.isEmpty())
-        return path;
     acedSetIntVar(QStringLiteral("CMDECHO"), 0);
     // An empty selection exports everything in the view.
     acedCommandS({QStringLiteral("_PNGOUT"), path, QString()});
     acedSetIntVar(QStringLiteral("CMDECHO"), 1);
-    return path;
+}
+
+QString captureFullView()
+{
+    const QString path = newTemporaryPicture();
+    if (!path.isEmpty())
+        exportView(path);
+    if (!temporaryPicture(path).isEmpty())
+        return path;
+    removeTemporaryPicture(path); // The folder takes no files.
+    return saved(acedViewImage(*curDoc(), acedScreenOptions(*curDoc())).convertToFormat(QImage::Format_RGB32))
+        .value_or(QString());
 }
 
 std::optional<QString> cropTargetImage(const AcGePoint3d &corner1, const AcGePoint3d &corner2,
                                        const QString &fullViewPath)
 {
     const std::optional<QRect> pixels = targetPixels(corner1, corner2);
-    const QImage fullView(fullViewPath);
+    const QImage fullView = QImage::fromData(temporaryPicture(fullViewPath));
     if (!pixels || pixels->isEmpty() || std::int64_t(pixels->width()) * pixels->height() > kMostPixels ||
         fullView.isNull())
         return {};
@@ -117,6 +122,8 @@ void recordFullSnapshot(AcDbObjectId id)
     if (!canChange(id))
         return;
     QByteArray picture = takeTemporaryPicture(captureFullView());
+    if (picture.isEmpty())
+        acutPrintf(QStringLiteral("\n没有生成全屏快照。"));
     if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)
         mark->fullImage = std::move(picture);
 }
