@@ -114,6 +114,8 @@ def texts_are_clean(repository):
             yield f"{name}: blanks at the end of a line"
         if text and not text.endswith("\n"):
             yield f"{name}: no line end at the end"
+        if re.search(r"^(<{7}|>{7}) ", text, re.MULTILINE):
+            yield f"{name}: an unfinished merge"
 
 
 def texts_name_no_machine(repository):

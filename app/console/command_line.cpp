@@ -185,7 +185,7 @@ void addPicture(CommandLine &line)
 
 SettingType typeOf(const CommandLine &line)
 {
-    return line.asNumber ? SettingType::number : line.asText ? SettingType::text : SettingType::byLook;
+    return line.asNumber ? SettingType::number : line.asText ? SettingType::text : SettingType::fitting;
 }
 
 void addSettings(CommandLine &line)
@@ -211,7 +211,7 @@ void addSettings(CommandLine &line)
         verb->add_option("KEY", line.key, "Key path, for example Software\\Quillnote3")->required();
         verb->add_option("NAME", line.name, "Name of the value")->required();
     }
-    set->add_option("VALUE", line.value, "A number or a text; by its look unless told")->required();
+    set->add_option("VALUE", line.value, "A number or a text; -- before a negative number")->required();
     auto *asNumber = set->add_flag("--number", line.asNumber, "VALUE is a number");
     set->add_flag("--text", line.asText, "VALUE is a text")->excludes(asNumber);
 
@@ -305,9 +305,13 @@ bool runsWithoutModules(const std::vector<std::string> &arguments)
     if (std::ranges::find(arguments, "--no-module") != arguments.end() ||
         std::ranges::find(arguments, "--version") != arguments.end())
         return true;
-    const auto verb =
-        std::ranges::find_if(arguments, [](const std::string &each) { return !each.starts_with('-'); });
-    return verb != arguments.end() && *verb == "settings";
+    const auto isWord = [](const std::string &each) { return !each.starts_with('-'); };
+    const auto verb = std::ranges::find_if(arguments, isWord);
+    if (verb == arguments.end() || *verb != "settings")
+        return false;
+    // Modules know the types of their settings, which only storing needs.
+    const auto what = std::find_if(verb + 1, arguments.end(), isWord);
+    return what == arguments.end() || *what != "set";
 }
 
 /// Verbs are single words; a drawing has at least an ending.

@@ -6,6 +6,7 @@
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
 #include "host/base/path_name.h"
+#include "host/base/result.h"
 #include "host/os/settings_store.h"
 
 #include <QFile>
@@ -82,21 +83,41 @@ int getSetting(const QString &key, const QString &name, bool json)
 
 static std::optional<std::uint32_t> numberOf(const QString &value)
 {
-    if (value == u"-1")
-        return std::numeric_limits<std::uint32_t>::max();
     bool isNumber = false;
-    const std::uint32_t number = value.toUInt(&isNumber);
-    return isNumber ? std::optional(number) : std::nullopt;
+    const qlonglong number = value.toLongLong(&isNumber);
+    if (!isNumber || number < std::numeric_limits<std::int32_t>::min() ||
+        number > std::numeric_limits<std::uint32_t>::max())
+        return std::nullopt;
+    return static_cast<std::uint32_t>(number);
+}
+
+/// What is stored: as the owner reads it, else as the caller says, else by the look of the value.
+static base::Result<Value, QString> valueOf(const QString &value, SettingType type,
+                                            std::optional<os::SettingsStore::Type> declared)
+{
+    using Declared = os::SettingsStore::Type;
+    if (declared && ((type == SettingType::number && *declared == Declared::text) ||
+                     (type == SettingType::text && *declared == Declared::number)))
+        return base::Failure{*declared == Declared::text ? QStringLiteral("this setting is a text")
+                                                         : QStringLiteral("this setting is a number")};
+    if (type == SettingType::text || declared == Declared::text)
+        return Value(value);
+    if (const auto number = numberOf(value))
+        return Value(*number);
+    if (type == SettingType::number || declared)
+        return base::Failure{QStringLiteral("\"%1\" is no number from -2147483648 to 4294967295").arg(value)};
+    return Value(value);
 }
 
 int setSetting(const QString &key, const QString &name, const QString &value, SettingType type)
 {
     os::SettingsStore &store = os::SettingsStore::user();
-    const auto number = type == SettingType::text ? std::nullopt : numberOf(value);
-    if (type == SettingType::number && !number)
-        return trouble(QStringLiteral("\"%1\" is no number from 0 to 4294967295").arg(value));
-    const bool stored = number ? store.setNumber(key, name, *number) : store.setText(key, name, value);
-    return stored ? kDone : trouble(QStringLiteral("%1 under %2 could not be stored").arg(name, key));
+    const auto typed = valueOf(value, type, store.declaredType(key, name));
+    if (!typed)
+        return trouble(QStringLiteral("%1 under %2: %3").arg(name, key, typed.error()));
+    return store.setEntries({{key, name, *typed}})
+               ? kDone
+               : trouble(QStringLiteral("%1 under %2 could not be stored").arg(name, key));
 }
 
 int removeSetting(const QString &key, const QString &name)

@@ -10,9 +10,10 @@ namespace console
 int listSettings(const QString &key, bool json);
 int getSetting(const QString &key, const QString &name, bool json);
 
-enum class SettingType { byLook, number, text };
-/// `byLook` stores a number for a value that is one (0 to 4294967295, or -1 for the largest), a text for
-/// every other.
+enum class SettingType { fitting, number, text };
+/// A number lies in -2147483648 to 4294967295; negative ones are stored as their 32 bits. `fitting` stores
+/// what the owner of the setting has declared, and for a value that nobody declared a number when it looks
+/// like one. A type or value that the owner would not read is refused.
 int setSetting(const QString &key, const QString &name, const QString &value, SettingType type);
 int removeSetting(const QString &key, const QString &name);
 

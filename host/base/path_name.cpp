@@ -25,7 +25,7 @@ QByteArray encodePath(QStringView path)
         const bool isPaired = at > 0 && path[at - 1].isHighSurrogate();
         if (unit < kFirstByte || unit > kLastByte || isPaired)
             continue;
-            bytes += path.sliced(begin, at - begin).toUtf8();
+        bytes += path.sliced(begin, at - begin).toUtf8();
         bytes += char(unit - kFirstByte + 0x80);
         begin = at + 1;
     }

@@ -77,4 +77,22 @@ bool SettingsStore::setEntries(const std::vector<Entry> &entries)
     return m_database->storeAll(entries);
 }
 
+static std::pair<QString, QString> folded(QStringView key, QStringView name)
+{
+    return {key.toString().toCaseFolded(), name.toString().toCaseFolded()};
+}
+
+void SettingsStore::declare(const Declaration &value)
+{
+    const QString number = QStringLiteral("%d");
+    for (int i = value.first; i <= value.last; ++i)
+        m_types[folded(value.key, QString(value.name).replace(number, QString::number(i)))] = value.type;
+}
+
+std::optional<SettingsStore::Type> SettingsStore::declaredType(QStringView key, QStringView name) const
+{
+    const auto known = m_types.find(folded(key, name));
+    return known == m_types.end() ? std::nullopt : std::optional(known->second);
+}
+
 } // namespace os

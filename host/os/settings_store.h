@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <variant>
@@ -71,7 +72,22 @@ public:
     /// Stores all entries or, when it returns false, none.
     bool setEntries(const std::vector<Entry> &entries);
 
+    enum class Type { number, text };
+    /// What the owner of a value says about it, so that whoever stores a typed word by name stores what the
+    /// owner reads. A name with "%d" stands for the numbers first to last.
+    struct Declaration {
+        QString key;
+        QString name;
+        Type type = Type::number;
+        int first = 0;
+        int last = 0;
+    };
+    /// A value that is declared again takes the new type. Binds nobody who calls setNumber or setText.
+    void declare(const Declaration &value);
+    std::optional<Type> declaredType(QStringView key, QStringView name) const;
+
 private:
+    std::map<std::pair<QString, QString>, Type> m_types; ///< By key and name, case folded.
     std::unique_ptr<SettingsDatabase> m_database;
 };
 

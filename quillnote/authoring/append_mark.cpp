@@ -41,17 +41,24 @@ static void putOnLayer(AcDbDatabase &database, QuillnoteObj3 &mark)
         mark.setLayer(layer);
 }
 
-AcDbObjectId appendNewMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
+AcDbObjectId appendMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
 {
-    putOnLayer(database, *mark);
-    settleMark(*mark, database);
     const ImportingScope ours;
     AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
     AcDbObjectId id;
     if (!space || space->appendAcDbEntity(id, mark.get()) != Acad::eOk)
         return {};
     mark.release()->close();
-    appendState().lastCreatedMark = id;
+    return id;
+}
+
+AcDbObjectId appendNewMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
+{
+    putOnLayer(database, *mark);
+    settleMark(*mark, database);
+    const AcDbObjectId id = appendMark(database, std::move(mark));
+    if (!id.isNull())
+        appendState().lastCreatedMark = id;
     return id;
 }
 

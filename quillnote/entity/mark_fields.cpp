@@ -123,6 +123,15 @@ const MarkField &markField(QStringView name)
     return *found;
 }
 
+std::unique_ptr<QuillnoteObj3> copyOfMark(const QuillnoteObj3 &mark)
+{
+    auto copy = QuillnoteObj3::forReading();
+    for (const MarkField &field : kFields)
+        fields::copyField(mark, *copy, field);
+    copy->textAnchor = mark.textAnchor;
+    return copy;
+}
+
 std::vector<std::pair<QString, QJsonValue>> markFieldValues(const QuillnoteObj3 &mark)
 {
     std::vector<std::pair<QString, QJsonValue>> values;

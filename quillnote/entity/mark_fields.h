@@ -19,6 +19,9 @@ const std::vector<const MarkField *> &markDxfSequence();
 /// A row by its name; a name that is no field is a programmer's fault.
 const MarkField &markField(QStringView name);
 
+/// The same mark in no drawing: its filed fields and the place of its text.
+std::unique_ptr<QuillnoteObj3> copyOfMark(const QuillnoteObj3 &mark);
+
 /// Every filed field with its value, in the order of the table. Pictures and the sketch as size and
 /// SHA-256, ids as handles.
 std::vector<std::pair<QString, QJsonValue>> markFieldValues(const QuillnoteObj3 &mark);

@@ -31,8 +31,7 @@ static void deriveTextBox(QuillnoteObj3 &mark)
     mark.textBoxCorner3 = {left.x, right.y, 0.0};
 }
 
-/// Gives a record of a version before 7 what such records did not have.
-static void upgradeOldRecord(QuillnoteObj3 &mark)
+void upgradeOldMark(QuillnoteObj3 &mark)
 {
     mark.cornersValid = false;
     if (mark.targetStyle >= 0)
@@ -76,7 +75,7 @@ Acad::ErrorStatus QuillnoteObj3::dwgInFields(AcDbDwgFiler *filer)
     if (const Acad::ErrorStatus status = readFields(*filer, *this, version); status != Acad::eOk)
         return status;
     if (version < kFirstWithCorners)
-        upgradeOldRecord(*this);
+        upgradeOldMark(*this);
     return filer->filerStatus();
 }
 

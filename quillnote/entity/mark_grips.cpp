@@ -384,7 +384,6 @@ Acad::ErrorStatus QuillnoteObj3::subMoveGripPointsAt(std::span<const int> grips,
         return Acad::eInvalidInput;
     applyMarkShape(*this, *moved);
     applyWriteBack(*this, layOutMark(*this, settings, view).writeBack);
-    syncDone = false;
     gripEditing = true;
     return Acad::eOk;
 }

@@ -210,6 +210,5 @@ Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
     // The text keeps its height, so the text box has to fit it anew.
     if ((isScaled || isMirrored) && database())
         settleMark(*this, *database());
-    syncDone = false;
     return Acad::eOk;
 }

@@ -109,7 +109,6 @@ public:
     mutable double outlineChord = 1.0; ///< Chord of the last wave arc.
     mutable bool gripEditing = false;  ///< A grip is being dragged.
     mutable bool plotting = false;
-    bool syncDone = false; ///< This change was handed to the synchronisation.
     mutable AcGePoint3d textAnchor;
     mutable std::optional<AcGePoint3d> textEndPoint; ///< Set once the text was laid out.
     mutable AcDbExtents cachedExtents;               ///< Of the drawn sketch.
@@ -145,3 +144,7 @@ private:
     };
     explicit QuillnoteObj3(PlainDefaults);
 };
+
+/// Gives what was read from a record of a version before 7 the fields that such records did not have; the
+/// text box of an old leader mark lies where its target was.
+void upgradeOldMark(QuillnoteObj3 &mark);

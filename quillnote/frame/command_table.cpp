@@ -14,10 +14,15 @@
 #include "quillnote/authoring/redraw_marks.h"
 #include "quillnote/authoring/renumber.h"
 #include "quillnote/authoring/show_text.h"
+#include "quillnote/exchange/export_marks.h"
+#include "quillnote/exchange/import_marks.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
+#include "quillnote/reports/review_sheet.h"
 #include "quillnote/reports/text_report.h"
+#include "quillnote/reports/web_report.h"
 #include "quillnote/snapshot/full_snapshot_view.h"
 
 #include "host/aced/edcommands.h"
@@ -39,8 +44,8 @@ static constexpr RecordedNames kAsNamed{"", ""};
 // clang-format off
 static constexpr CommandRow kCommands[] = {
     // global name, local name, flags, demand-load record, function
-    {"QN8_SynningOn", "SynningOn", kModal, kNotRecorded, nullptr},
-    {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, nullptr},
+    {"QN8_SynningOn", "SynningOn", kModal, kNotRecorded, QN8_SynningOn},
+    {"QN8_SynningOff", "SynningOff", kModal, kNotRecorded, QN8_SynningOff},
     {"QN3_Quillnote", "QN3_Quillnote", kModal, kAsNamed, QN3_Quillnote},
     {"QN3_QuillnoteLeader", "QN3_leader", kModal, kAsNamed, QN3_QuillnoteLeader},
     {"QN3_PolygonMark", "PolygonMark", kModal, kNotRecorded, QN3_PolygonMark},
@@ -54,11 +59,11 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_TickBIG", "QN3_TickBIG", kModal, kAsNamed, nullptr},
     {"QN3_TickSmall", "QN3_TickSmall", kModal, kAsNamed, nullptr},
     {"QN3_TickHeight", "QN3_TickHeight", kModal, kAsNamed, nullptr},
-    {"QN3_QuillnoteOutput", "QN3_QuillnoteOutput", kModal, kAsNamed, nullptr},
+    {"QN3_QuillnoteOutput", "QN3_QuillnoteOutput", kModal, kAsNamed, QN3_outputHtml},
     {"QN3_QuillnoteOutputTxt", "QN3_txt", kModal, kAsNamed, QN3_QuillnoteOutputTxt},
-    {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, nullptr},
-    {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, nullptr},
-    {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, nullptr},
+    {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
+    {"QN3_outputHtml", "QN3_Html", kModal, kAsNamed, QN3_outputHtml},
+    {"QN3_outputHtmlWithNoPng", "QN3_HtmlN", kModal, kAsNamed, QN3_outputHtmlWithNoPng},
     {"QN8_ToXml", "QN8_ToXml", kModal, kAsNamed, nullptr},
     {"qn8_quillNoteYun", "quillNoteYun", kModal, kAsNamed, qn8_quillNoteYun},
     {"QN8_menuToYun", "QN8_menuToYun", kModal, kAsNamed, QN8_menuToYun},
@@ -88,9 +93,9 @@ static constexpr CommandRow kCommands[] = {
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
     {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},
     {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, nullptr},
-    {"QN3_DataFileOut", "QN3_DataFileOut", kModal, {"QN3_DataFileOut", "QN3f1"}, nullptr},
-    {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, nullptr},
-    {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, nullptr},
+    {"QN3_DataFileOut", "QN3_DataFileOut", kModal, {"QN3_DataFileOut", "QN3f1"}, QN3_DataFileOut},
+    {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, QN3_DataFileIn},
+    {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, QN3_DataFileInQuiet},
     {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, nullptr},
     {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},

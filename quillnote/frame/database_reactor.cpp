@@ -3,6 +3,7 @@
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_record.h"
+#include "quillnote/exchange/synchronisation.h"
 
 #include "host/acdb/dbdatabase.h"
 #include "host/os/guid.h"
@@ -24,14 +25,52 @@ void QNK_DbReactor::goodbye(const AcDbDatabase *)
 }
 
 // The copy counts itself, so the first copy of mark 12 becomes 12.2.
+static void giveOwnIdentity(const AcDbDatabase &database, QuillnoteObj3 &mark)
+{
+    if (mark.upgradeOpen() != Acad::eOk)
+        return;
+    const MarkFilter sameNumber{QStringLiteral("ALL"), mark.markNumber};
+    mark.subNumber = static_cast<std::uint16_t>(collectMarks(database, sameNumber).ids.size());
+    mark.GUID = os::newGuidText();
+}
+
 void QNK_DbReactor::objectAppended(const AcDbDatabase *database, const AcDbObject *object)
 {
     // Whoever has an object open for notify may change it.
     auto *const mark = acrxCast<QuillnoteObj3>(const_cast<AcDbObject *>(object));
-    if (!mark || appendState().importing || mark->upgradeOpen() != Acad::eOk)
+    if (!mark)
         return;
-    const MarkFilter sameNumber{QStringLiteral("ALL"), mark->markNumber};
-    mark->subNumber = static_cast<std::uint16_t>(collectMarks(*database, sameNumber).ids.size());
-    mark->GUID = os::newGuidText();
-    mark->syncDone = false;
+    if (!appendState().importing)
+        giveOwnIdentity(*database, *mark);
+    synchroniseMark(*mark);
+}
+
+void QNK_DbReactor::objectUnAppended(const AcDbDatabase *database, const AcDbObject *object)
+{
+    objectErased(database, object, true);
+}
+
+void QNK_DbReactor::objectReAppended(const AcDbDatabase *, const AcDbObject *object)
+{
+    if (const auto *const mark = acrxCast<QuillnoteObj3>(object))
+        synchroniseMark(*mark);
+}
+
+// What an import changes makes way for a newer state; what it erases was erased elsewhere, or makes way too.
+void QNK_DbReactor::objectModified(const AcDbDatabase *, const AcDbObject *object)
+{
+    const auto *const mark = acrxCast<QuillnoteObj3>(object);
+    if (mark && !appendState().importing)
+        synchroniseMark(*mark);
+}
+
+void QNK_DbReactor::objectErased(const AcDbDatabase *, const AcDbObject *object, bool erased)
+{
+    const auto *const mark = acrxCast<QuillnoteObj3>(object);
+    if (!mark || appendState().importing)
+        return;
+    if (erased)
+        synchroniseErased(*mark);
+    else
+        synchroniseMark(*mark);
 }

@@ -1,4 +1,5 @@
-// QNK_DbReactor: gives marks that a person copies, pastes or inserts an identity of their own.
+// QNK_DbReactor: gives marks that a person copies, pastes or inserts an identity of their own, and hands
+// changes of marks to the synchronisation.
 #pragma once
 
 #include "host/acdb/dbreactor.h"
@@ -11,6 +12,10 @@ public:
     ~QNK_DbReactor() override;
 
     void objectAppended(const AcDbDatabase *database, const AcDbObject *object) override;
+    void objectUnAppended(const AcDbDatabase *database, const AcDbObject *object) override;
+    void objectReAppended(const AcDbDatabase *database, const AcDbObject *object) override;
+    void objectModified(const AcDbDatabase *database, const AcDbObject *object) override;
+    void objectErased(const AcDbDatabase *database, const AcDbObject *object, bool erased) override;
     void goodbye(const AcDbDatabase *database) override;
 
 private:

@@ -32,8 +32,11 @@ static std::optional<double> currentViewSize()
     return value.real();
 }
 
+/// Only a person reads it: a script would use up the ten times unseen.
 static void showNotice()
 {
+    if (acedFrontEnd().isScripted())
+        return;
     const QString notice = settings::text(u"NoticeString");
     const int shown = settings::number(u"NoticeStringN");
     if (notice.isEmpty() || shown >= kNoticeLimit)
@@ -70,6 +73,7 @@ static void initialise(void *packet)
     resetState();
     acrxDynamicLinker()->unlockApplication(packet);
     acrxDynamicLinker()->registerAppMDIAware(packet);
+    settings::declareTypes();
     createDocumentRegistry();
     readStartUpSettings(currentViewSize);
     registerMarkClass();

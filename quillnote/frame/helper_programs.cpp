@@ -2,8 +2,8 @@
 
 #include "quillnote/frame/settings/install_folder.h"
 
-#include "host/aced/edfrontend.h"
 #include "host/aced/edmessage.h"
+#include "host/aced/edshell.h"
 #include "host/os/shell.h"
 
 #include <QFileInfo>
@@ -15,16 +15,9 @@ static const QString kCloudPage = QStringLiteral("help/cloud.html");
 static const QString kPhraseMenuPage = QStringLiteral("help/phrase-menus.html");
 static const QString kPhraseMenuFile = QStringLiteral("常用知识\\文本条目菜单帮助.mht");
 
-/// Where nothing can be opened, the address is printed for the user to open.
-static void openPage(const QString &target)
-{
-    if (os::shellOpen(target) != os::ShellStatus::started)
-        acutPrintf(QStringLiteral("\n请打开：%1").arg(target));
-}
-
 static void openShippedPage(const QString &name, const QString &anchor = {})
 {
-    openPage(QStringLiteral("file://") + installedFile(name) + anchor);
+    acedOpenWithDesktop(QStringLiteral("file://") + installedFile(name) + anchor);
 }
 
 static void startCloudProgram(const QString &name)
@@ -49,7 +42,7 @@ void QN8_menuToYun()
 {
     const QString shipped = installedFile(kPhraseMenuFile);
     if (QFileInfo::exists(shipped))
-        openPage(shipped);
+        acedOpenWithDesktop(shipped);
     else
         openShippedPage(kPhraseMenuPage, QStringLiteral("#A"));
 }

@@ -2,6 +2,7 @@
 
 #include "quillnote/reports/mark_area.h"
 #include "quillnote/reports/marks_verb.h"
+#include "quillnote/reports/report_verb.h"
 
 static std::vector<AcEdVerb> moduleVerbs()
 {

@@ -3,8 +3,6 @@
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_fields.h"
 #include "quillnote/reports/mark_pictures.h"
-#include "quillnote/reports/report_file.h"
-#include "quillnote/reports/text_report.h"
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
@@ -81,42 +79,4 @@ AcEdVerb marksVerb()
         {{kPictures, QStringLiteral("DIR"), QStringLiteral("Write the stored pictures into this folder.")},
          {kOverwrite, {}, QStringLiteral("Let --pictures overwrite.")}},
         listMarks};
-}
-
-/// What the report says of each mark.
-static void printReportJson()
-{
-    int position = 0;
-    for (const AcDbObjectId id : collectMarks(*acdbCurDwg()).ids) {
-        ++position;
-        const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-        if (!mark)
-            continue;
-        acedPrintResult(QJsonObject{{QStringLiteral("file"), curDoc()->fileName()},
-                                    {QStringLiteral("handle"), handleText(id)},
-                                    {QStringLiteral("position"), position},
-                                    {QStringLiteral("suggestionContent"), mark->suggestionContent},
-                                    {QStringLiteral("feedbackContent"), mark->feedbackContent},
-                                    {QStringLiteral("feedbackType"), mark->feedbackType}});
-    }
-}
-
-static int report(const AcEdVerbCall &call)
-{
-    const QString text = textReport(*acdbCurDwg());
-    const auto output = call.options.find(QStringLiteral("--output"));
-    const bool intoFile = output != call.options.end();
-    if (call.json)
-        printReportJson();
-    else if (!intoFile)
-        acedPrintResult(text);
-    return !intoFile || writeReportFile(output->second, text) ? 0 : 2;
-}
-
-AcEdVerb reportVerb()
-{
-    return {QStringLiteral("report"),
-            QStringLiteral("Print the text report, or write it to a file as the report command does"),
-            {{QStringLiteral("--output"), QStringLiteral("FILE"), QStringLiteral("Write to this file.")}},
-            report};
 }

@@ -1,8 +1,6 @@
-// Console verbs of this folder: "marks" lists every filed field and writes the stored pictures, "report"
-// writes the text report.
+// The console verb "marks": every filed field of every mark, and the stored pictures.
 #pragma once
 
 #include "host/aced/edverbs.h"
 
 AcEdVerb marksVerb();
-AcEdVerb reportVerb();

@@ -1,9 +1,14 @@
 #include "quillnote/reports/report_file.h"
 
+#include "host/aced/edfrontend.h"
 #include "host/aced/edmessage.h"
-#include "host/base/atomic_file.h"
-#include "host/base/text_codec.h"
-#include "host/os/shell.h"
+#include "host/base/readable_text.h"
+
+static void tellFailure(const QString &failure, const QString &path, const base::FileError &error)
+{
+    acutPrintf(u'\n' + error.text());
+    acedAlert(failure.arg(path));
+}
 
 // Texts typed on different systems hold different line ends; the file has one kind.
 static QString withReportLineEnds(QString text)
@@ -13,18 +18,44 @@ static QString withReportLineEnds(QString text)
     return text.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
 }
 
-bool writeReportFile(const QString &path, QString text)
+ReportFile::ReportFile(base::AtomicFileWriter file, const QString &path, const QString &failure)
+    : m_file(std::move(file)), m_path(path), m_failure(failure), m_codec("ANSI_936")
 {
-    const base::TextCodec codec("ANSI_936");
-    const QByteArray bytes =
-        codec.encode(withReportLineEnds(std::move(text)), base::Substitute::questionMark);
-    if (base::writeFileAtomically(path, bytes))
-        return true;
-    acedAlert(QStringLiteral("创建文件<%1>失败！").arg(path));
-    return false;
 }
 
-void openReport(const QString &path)
+std::optional<ReportFile> ReportFile::create(const QString &path, const QString &failure)
 {
-    os::shellOpen(path);
+    auto file = base::AtomicFileWriter::open(path);
+    if (file)
+        return ReportFile(*std::move(file), path, failure);
+    tellFailure(failure, path, file.error());
+    return std::nullopt;
+}
+
+void ReportFile::write(QString text)
+{
+    const base::ReadableBytes written = base::encodeReadable(withReportLineEnds(std::move(text)), m_codec);
+    m_file.write(written.bytes);
+    m_changed += written.changed;
+}
+
+bool ReportFile::finish()
+{
+    if (const auto written = m_file.commit(); !written) {
+        tellFailure(m_failure, m_path, written.error());
+        return false;
+    }
+    if (m_changed > 0)
+        acutPrintf(QStringLiteral("\n报告的编码（代码页 936）没有其中 %1 个字符，已改为相近的写法或“?”。")
+                       .arg(m_changed));
+    return true;
+}
+
+bool writeReportFile(const QString &path, const QString &text)
+{
+    auto file = ReportFile::create(path);
+    if (!file)
+        return false;
+    file->write(text);
+    return file->finish();
 }

@@ -1,21 +1,23 @@
 #include "quillnote/reports/text_report.h"
 
 #include "quillnote/authoring/collect_marks.h"
-#include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/reports/report_file.h"
 #include "quillnote/reports/report_path.h"
+#include "quillnote/reports/report_start.h"
+#include "quillnote/reports/reported_mark.h"
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edshell.h"
 
-static QString markText(const QuillnoteObj3 &mark, int position)
+static QString markText(const ReportedMark &mark, int position)
 {
-    QString text = QStringLiteral("第 %1 个审图意见：\n    ").arg(position) + mark.suggestionContent;
-    if (!mark.feedbackContent.isEmpty())
-        text += QStringLiteral("\n反馈意见：\n    ") + mark.feedbackContent;
-    if (mark.feedbackType != handling::kNone)
-        text += QStringLiteral("\n处理方式：") + handling::statusSentence(mark.feedbackType);
+    QString text = QStringLiteral("第 %1 个审图意见：\n    ").arg(position) + mark.opinion;
+    if (!mark.feedback.isEmpty())
+        text += QStringLiteral("\n反馈意见：\n    ") + mark.feedback;
+    if (mark.status != handling::kNone)
+        text += QStringLiteral("\n处理方式：") + handling::statusSentence(mark.status);
     return text + QStringLiteral("\n\n");
 }
 
@@ -25,8 +27,7 @@ QString textReport(const AcDbDatabase &database)
     int position = 0;
     for (const AcDbObjectId id : collectMarks(database).ids) {
         ++position;
-        AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-        if (mark)
+        if (const auto mark = readReportedMark(id))
             report += markText(*mark, position);
     }
     return report;
@@ -34,18 +35,12 @@ QString textReport(const AcDbDatabase &database)
 
 void QN3_QuillnoteOutputTxt()
 {
-    if (collectMarks(*acdbCurDwg()).ids.empty()) {
-        acutPrintf(QStringLiteral("\n本图中无评图标签。"));
+    const auto start = startReport();
+    if (!start)
         return;
-    }
-    const QString drawing = drawingPath();
-    if (drawing.isEmpty()) {
-        acutPrintf(QStringLiteral("\n本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
-        return;
-    }
-    const QString path = textReportPath(drawing);
+    const QString path = textReportPath(start->drawing);
     if (!writeReportFile(path, textReport(*acdbCurDwg())))
         return;
     acutPrintf(QStringLiteral("\n标记文本已输出为<%1>。").arg(path));
-    openReport(path);
+    acedOpenWithDesktop(path);
 }

@@ -4,12 +4,25 @@
 
 #include "host/aced/edview.h"
 
+#include <cmath>
+
 AcDbExtents widenedArea(const AcDbExtents &area)
 {
     const double share = settings::numberInRange(u"viewScale2", 10, 90, 20) / 100.0;
     const AcGeVector3d size = area.maxPoint() - area.minPoint();
     const AcGeVector3d margin(size.x * share, size.y * share, 0);
     return {area.minPoint() - margin, area.maxPoint() + margin};
+}
+
+AcDbExtents targetZoomWindow(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
+{
+    const double share = (100 - settings::numberInRange(u"viewScale", 30, 90, 50)) / 100.0;
+    const AcGeVector3d size = corner2 - corner1;
+    const AcGeVector3d margin(std::abs(size.x) * share, std::abs(size.y) * share, 0);
+    AcDbExtents window;
+    window.addPoint(corner1 - margin);
+    window.addPoint(corner2 + margin);
+    return window;
 }
 
 static bool isVisible(const AcDbExtents &seenArea, const AcApView &view)

@@ -8,6 +8,10 @@
 /// to 90, else 20).
 AcDbExtents widenedArea(const AcDbExtents &area);
 
+/// What is shown of a mark's target for its pictures: on each side as much more as the setting "viewScale"
+/// leaves of 100 percent (30 to 90, else 50).
+AcDbExtents targetZoomWindow(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
+
 enum class ZoomWhen { always, ifOutside };
 
 /// Shows the widened area, seen upright in the current view, in the middle of the view. `layout` is the block

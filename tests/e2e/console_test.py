@@ -218,6 +218,23 @@ class SettingsTest(ConsoleTest):
         self.expect(run("settings", "get", self.KEY, "missing"), 2, "there is no setting missing")
         self.expect(run("settings", "set", self.KEY, "n", "4294967296", "--number"), 2, "is no number")
 
+    def test_values_of_the_module_get_the_type_that_it_reads(self):
+        key = "Software\\Quillnote3"
+        cases = (("style", "-3", 4294967293), ("NAME", "10086", "10086"), ("savedNearTxt14", "12", "12"),
+                 ("autoTargetTxtH", "-1", 4294967295))
+        for name, value, stored in cases:
+            with self.subTest(name):
+                self.expect(run("settings", "set", key, name, "--", value), 0)
+                self.assertEqual(json.loads(run("settings", "get", key, name, "--json").stdout)["value"], stored)
+        for arguments, reason in ((("style", "three"), "is no number"), (("style", "3", "--text"), "is a number"),
+                                  (("name", "3", "--number"), "is a text"), (("style", "-2147483649"), "is no number")):
+            with self.subTest(arguments):
+                name, value, *options = arguments
+                self.expect(run("settings", "set", key, name, *options, "--", value), 2, reason)
+        self.assertEqual(run("settings", "get", key, "style").stdout, "4294967293\n")
+        for name, *_ in cases:
+            self.expect(run("settings", "remove", key, name), 0)
+
     def test_they_travel_in_a_file(self):
         self.expect(run("settings", "set", self.KEY + "2", "travels", "yes"), 0)
         file = self.folder / "settings.txt"

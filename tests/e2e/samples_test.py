@@ -3,6 +3,7 @@
 the report command writes the file that other programs expect."""
 
 import json
+import re
 import os
 import shutil
 import subprocess
@@ -48,6 +49,28 @@ class SamplesTest(unittest.TestCase):
         told = [json.loads(line) for line in program.call("report", "marked.dxf", "--json").stdout.splitlines()]
         self.assertEqual([(each["position"], each["suggestionContent"]) for each in told],
                          list(enumerate(OPINIONS, 1)))
+
+    def test_pages_beside_the_drawing(self):
+        shutil.copy(SAMPLES / "plan.dxf", "pages.dxf")
+        script = (SAMPLES / "mark-up.qns").read_text(encoding="utf-8")
+        run = program.play(script + "QN3_Html\n@ok\nQN3_HtmlN\n", "pages.dxf")
+        for name in ("pages_dxf.html", "pages_dxfN.html"):
+            page = Path(name).read_bytes()
+            self.assertNotRegex(page, rb"[^\r]\n")
+            for opinion in OPINIONS:
+                self.assertIn(opinion.replace("\n", "\r\n"), page.decode("gbk"))
+            # A script opens nothing and says what there is to open.
+            self.assertRegex(run.stderr, f"请打开：.*/{name}\n")
+        pictures = re.findall(r'src="\s*PNG\\(.*?)"', Path("pages_dxf.html").read_bytes().decode("gbk"))
+        self.assertEqual(len(pictures), len(OPINIONS))
+        for picture in pictures:
+            self.assertTrue(Path("PNG", picture).read_bytes().startswith(b"\x89PNG"), picture)
+
+    def test_no_marks_leave_an_existing_report_alone(self):
+        Path("kept.txt").write_text("kept")
+        told = program.call("report", SAMPLES / "plan.dxf", "--output", "kept.txt")
+        self.assertIn("本图中无评图标签", told.stderr)
+        self.assertEqual(Path("kept.txt").read_text(), "kept")
 
 
 if __name__ == "__main__":

@@ -887,12 +887,6 @@ Plotted to %1.</translation>
     </message>
     <message>
         <source>
-输入文件名: </source>
-        <translation>
-Enter file name: </translation>
-    </message>
-    <message>
-        <source>
 选择对象或 &lt;全部对象和视口&gt;: </source>
         <translation>
 Select objects or &lt;all objects and viewports&gt;: </translation>
@@ -904,6 +898,12 @@ Select objects or &lt;all objects and viewports&gt;: </translation>
     <message>
         <source>不能输出: %1</source>
         <translation>Cannot be exported: %1</translation>
+    </message>
+    <message>
+        <source>
+输入文件名: </source>
+        <translation>
+Enter file name: </translation>
     </message>
     <message>
         <source>是</source>
@@ -1274,6 +1274,12 @@ Remove objects: </translation>
 找到 %1 个</source>
         <translation>
 %1 found</translation>
+    </message>
+    <message>
+        <source>
+请打开：%1</source>
+        <translation>
+Please open: %1</translation>
     </message>
 </context>
 <context>

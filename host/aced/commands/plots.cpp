@@ -1,4 +1,4 @@
-// Commands that put the drawing on paper or into a picture: PLOT, -PLOT, PNGOUT.
+// Commands that put the drawing on paper or into a picture: PLOT, -PLOT, PNGOUT, -PNGOUT.
 #include "host/acap/docview.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/commands/commandtables.h"
@@ -365,12 +365,8 @@ static QRect rasterArea(const AcEdSelectionSet &entities, const QRect &raster)
     return area.intersected(raster).toAlignedRect().adjusted(-1, -1, 1, 1).intersected(raster);
 }
 
-static void pngOut()
+static void exportPng(const QString &path)
 {
-    const auto file =
-        askFile(AcEdPromptKind::fileToSave, Host::tr("\n输入文件名: "), proposedFile(QStringLiteral(".png")));
-    if (!file || file->path.isEmpty())
-        return;
     acutPrintf(Host::tr("\n选择对象或 <全部对象和视口>: "));
     const AcEdSelectionSet selected = askSelection();
     AcGiPaintReport report;
@@ -383,9 +379,25 @@ static void pngOut()
         }
         image = image.copy(area);
     }
-    if (const auto written = acedWritePng(image, withEnding(file->path, QStringLiteral(".png"))); !written)
+    if (const auto written = acedWritePng(image, withEnding(path, QStringLiteral(".png"))); !written)
         refuse(Host::tr("不能输出: %1").arg(written.error()));
     tellUndrawn(report);
+}
+
+static void pngOut()
+{
+    const auto file =
+        askFile(AcEdPromptKind::fileToSave, Host::tr("\n输入文件名: "), proposedFile(QStringLiteral(".png")));
+    if (file && !file->path.isEmpty())
+        exportPng(file->path);
+}
+
+/// Without a file dialog.
+static void quietPngOut()
+{
+    const auto path = askText(Host::tr("\n输入文件名: "));
+    if (path && !path->isEmpty())
+        exportPng(*path);
 }
 
 std::span<const Entry> plotCommands()
@@ -394,6 +406,7 @@ std::span<const Entry> plotCommands()
         Entry{"PLOT", ACRX_CMD_NOUNDO, plot},
         Entry{"-PLOT", ACRX_CMD_NOUNDO, plot},
         Entry{"PNGOUT", ACRX_CMD_NOUNDO, pngOut},
+        Entry{"-PNGOUT", ACRX_CMD_NOUNDO, quietPngOut},
     };
     return entries;
 }

@@ -32,4 +32,13 @@ bool setText(QStringView name, QStringView value, QStringView key)
     return os::WriteText(os::Hive::currentUser, key, name, value);
 }
 
+void declareTypes()
+{
+    using Store = os::SettingsStore;
+    for (const Value &value : table())
+        Store::user().declare({value.key.toString(), value.name.toString(),
+                               value.kind == Kind::text ? Store::Type::text : Store::Type::number,
+                               value.first, value.last});
+}
+
 } // namespace settings

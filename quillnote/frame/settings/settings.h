@@ -38,6 +38,9 @@ struct Value {
     int last = 0;
 };
 
+/// Tells the user's store the types of all values of the table.
+void declareTypes();
+
 /// Every value that the module reads or writes, in the order in which a listing shows them.
 std::span<const Value> table();
 

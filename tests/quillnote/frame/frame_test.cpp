@@ -102,24 +102,19 @@ TEST_F(FrameTest, TheDemandLoadRecordNamesTheRecordedCommands)
     EXPECT_EQ(localName("QN8_editNumber"), QString());
 }
 
-// The number shrinks as commands are built.
 TEST_F(FrameTest, CommandsThatAreNotBuiltSaySoAndChangeNothing)
 {
     tests::ScriptFrontEnd script;
     load();
     const tests::OpenDrawing drawing(tests::MemoryDrawing().open());
-    int missing = 0;
     for (const CommandRow &row : commandTable()) {
         if (row.function)
             continue;
-        ++missing;
         script.printed.clear();
         acedEditor()->runCommand(QString::fromLatin1(row.globalName));
         EXPECT_TRUE(script.printed.contains(QString::fromLatin1(row.globalName))) << row.globalName;
         EXPECT_TRUE(script.printed.contains(QStringLiteral("尚未提供"))) << row.globalName;
     }
-    EXPECT_EQ(missing, 31);
-    EXPECT_EQ(commandTable().size(), 65U);
     EXPECT_FALSE(drawing.database().hasChanges());
 }
 
@@ -194,17 +189,26 @@ TEST_F(FrameTest, AMissingMenuFileIsTold)
     EXPECT_FALSE(acedIsMenuGroupLoaded(QStringLiteral("评图标签")));
 }
 
-TEST_F(FrameTest, ANoticeIsShownTenTimes)
+/// Answers like a script, but is a person's.
+struct PersonalFrontEnd : tests::ScriptFrontEnd {
+    using ScriptFrontEnd::ScriptFrontEnd;
+    bool isScripted() const override { return false; }
+};
+
+TEST_F(FrameTest, ANoticeIsShownTenTimesToAPersonAndToNoScript)
 {
     settings::setText(u"NoticeString", u"新版本");
     settings::setNumber(u"NoticeStringN", 0);
-    int shown = 0;
-    for (int start = 0; start < 12; ++start) {
-        tests::ScriptFrontEnd script({}, {"ok"});
+    const auto start = [&](auto &&frontEnd) {
         load();
-        shown += script.printed.contains(QStringLiteral("新版本"));
+        const bool shown = frontEnd.printed.contains(QStringLiteral("新版本"));
         unload();
-    }
+        return shown;
+    };
+    EXPECT_FALSE(start(tests::ScriptFrontEnd({}, {"ok"})));
+    int shown = 0;
+    for (int i = 0; i < 12; ++i)
+        shown += start(PersonalFrontEnd({}, {"ok"}));
     EXPECT_EQ(shown, 10);
 }
 

@@ -1,5 +1,4 @@
 // The text report: its words, its file, and what it says when there is nothing to write.
-#include "quillnote/reports/report_path.h"
 #include "quillnote/reports/text_report.h"
 
 #include "quillnote/authoring/collect_marks.h"
@@ -57,34 +56,10 @@ TEST_F(ReportTest, WritesBesideTheDrawingInTheReportCodePage)
     os::setShellRecorder({});
     const QString report = folder.path(QStringLiteral("a#1_dxf.txt"));
     EXPECT_EQ(opened, QStringList{report});
-    EXPECT_EQ(script.printed, QStringLiteral("\n标记文本已输出为<%1>。").arg(report));
+    EXPECT_EQ(script.printed,
+              QStringLiteral("\n报告的编码（代码页 936）没有其中 1 个字符，已改为相近的写法或“?”。"
+                             "\n标记文本已输出为<%1>。")
+                  .arg(report));
     EXPECT_EQ(tests::readFile(report).toHex(), QByteArray("b5da203120b8f6c9f3cdbcd2e2bcfba3ba0d0a20202020"
                                                           "c3c5800d0a780d0a793f0d0a0d0a"));
-}
-
-TEST_F(ReportTest, SaysWhenThereIsNothingToWriteOrNowhere)
-{
-    const tests::OpenDrawing drawing(tests::MemoryDrawing().open());
-    tests::ScriptFrontEnd script;
-    QN3_QuillnoteOutputTxt();
-    EXPECT_EQ(script.printed, QStringLiteral("\n本图中无评图标签。"));
-    mark(drawing.database(), QStringLiteral("x"), {}, 0);
-    script.printed.clear();
-    QN3_QuillnoteOutputTxt();
-    EXPECT_EQ(script.printed, QStringLiteral("\n本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
-
-    const tests::OpenDrawing lost(tests::MemoryDrawing().open(),
-                                  folder.path(QStringLiteral("no/such/plan.dxf")));
-    mark(lost.database(), QStringLiteral("x"), {}, 0);
-    script.printed.clear();
-    script.addDialogLine(QStringLiteral("ok"));
-    QN3_QuillnoteOutputTxt();
-    EXPECT_TRUE(script.printed.contains(QStringLiteral("创建文件<")));
-}
-
-TEST(ReportPath, EveryEndingIsTurned)
-{
-    EXPECT_EQ(textReportPath(QStringLiteral("/a/plan.dwg")), "/a/plan_dwg.txt");
-    EXPECT_EQ(textReportPath(QStringLiteral("/a/PLAN.DWG")), "/a/PLAN_dwg.txt");
-    EXPECT_EQ(textReportPath(QStringLiteral("/a/plan.dxf")), "/a/plan_dxf.txt");
 }

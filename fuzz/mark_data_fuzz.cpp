@@ -1,0 +1,24 @@
+// Mark data files: whatever is read, is written and read again as the same; nothing is made of what is not
+// there.
+#include "quillnote/exchange/mark_data_file.h"
+
+#include "host/base/assert.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArrayView file(reinterpret_cast<const char *>(data), qsizetype(size));
+    const auto header = readMarkDataHeader(file);
+    if (!header)
+        return 0;
+    if (header->kind == MarkDataKind::erased) {
+        const auto guids = readErasedMarks(file, *header);
+        QUILL_ASSERT(!guids || guids->size() == header->markCount);
+        return 0;
+    }
+    const MarkDataContents read = readMarkData(file, *header);
+    QUILL_ASSERT(read.data.marks.size() * 100 <= size);
+    const QByteArray first = encodeMarkData(read.data);
+    const MarkDataContents again = readMarkData(first, *readMarkDataHeader(first));
+    QUILL_ASSERT(again.missing == 0 && again.left == 0 && encodeMarkData(again.data) == first);
+    return 0;
+}

@@ -1,0 +1,334 @@
+#include "quillnote/exchange/import_marks.h"
+
+#include "quillnote/authoring/append_mark.h"
+#include "quillnote/authoring/append_state.h"
+#include "quillnote/authoring/collect_marks.h"
+#include "quillnote/entity/mark_dictionary.h"
+#include "quillnote/entity/mark_layout.h"
+#include "quillnote/entity/password.h"
+#include "quillnote/exchange/export_marks.h"
+#include "quillnote/exchange/synchronisation.h"
+#include "quillnote/exchange/tick_blocks.h"
+#include "quillnote/snapshot/zoom_to_area.h"
+
+#include "host/acap/docman.h"
+#include "host/acdb/dbsymtb.h"
+#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
+#include "host/aced/edmessage.h"
+#include "host/acui/acuifile.h"
+#include "host/base/file_bytes.h"
+
+#include <QEventLoop>
+#include <QFile>
+#include <QTimer>
+
+#include <set>
+#include <unordered_map>
+
+static constexpr int kColorOfNoColor = 2;
+static constexpr int kBlinks = 4;
+static constexpr int kBlinkMilliseconds = 250;
+
+// Layers ---------------------------------------------------------------------------------------------
+
+static AcDbObjectId findOrAddLayer(AcDbDatabase &database, const QString &name)
+{
+    AcDbSymbolTable layers(database, SymbolTable::layer);
+    AcDbObjectId id = layers.getAt(name);
+    if (id.isNull() && layers.addLike(QStringLiteral("0"), name, id) == Acad::eOk)
+        static_cast<AcDbLayerTableRecord *>(id.stub()->object)->close();
+    return id;
+}
+
+/// Visible and writable, in the colour of the drawing that the mark comes from. False when there is none.
+static bool prepareLayer(AcDbDatabase &database, const QString &name, int color)
+{
+    AcDbObjectPointer<AcDbLayerTableRecord> layer(findOrAddLayer(database, name), AcDb::kForWrite);
+    if (!layer)
+        return false;
+    layer->setIsFrozen(false);
+    layer->setIsOff(false);
+    layer->setIsFrozenInNewViewports(false);
+    layer->setIsLocked(false);
+    layer->setColorIndex(color >= 1 && color <= 255 ? color : kColorOfNoColor);
+    return true;
+}
+
+// Marks ----------------------------------------------------------------------------------------------
+
+/// Marks of a drawing by their GUID.
+class KnownMarks
+{
+public:
+    explicit KnownMarks(const AcDbDatabase &database)
+    {
+        for (const AcDbObjectId id : collectMarks(database).ids) {
+            if (const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead); mark)
+                add(mark->GUID, id);
+        }
+    }
+    void add(const QString &guid, AcDbObjectId id)
+    {
+        if (!guid.isEmpty())
+            m_byGuid[guid].push_back(id);
+    }
+    std::vector<AcDbObjectId> of(const QString &guid) const
+    {
+        const auto found = m_byGuid.find(guid);
+        return found == m_byGuid.end() ? std::vector<AcDbObjectId>() : found->second;
+    }
+
+private:
+    std::unordered_map<QString, std::vector<AcDbObjectId>> m_byGuid;
+};
+
+/// Erases a mark for its newer state. A password that both have need not be given: nothing is changed that
+/// whoever wrote the newer state could not change.
+static bool makeWay(AcDbObjectId id, const QString &passwordHash)
+{
+    if (!id.isValid())
+        return true;
+    AcDbObjectPointer<QuillnoteObj3> old(id, AcDb::kForWrite);
+    if (!old || !old->erasable)
+        return false;
+    if (sameHash(old->chPwMD5, passwordHash))
+        old->chPwMD5.clear();
+    return old->erase() == Acad::eOk;
+}
+
+class MarkImport
+{
+public:
+    explicit MarkImport(AcDbDatabase &database) : m_database(database), m_known(database) {}
+
+    void take(MarkDataRecord &record, ImportedMarks &imported)
+    {
+        QuillnoteObj3 &mark = *record.mark;
+        const QString layer = record.layer.trimmed();
+        if (!layer.isEmpty() && prepareOnce(layer, record.layerColor))
+            mark.setLayer(layer);
+        for (const AcDbObjectId old : m_known.of(mark.GUID)) {
+            if (!makeWay(old, mark.chPwMD5)) {
+                ++imported.kept;
+                return;
+            }
+        }
+        // A mark that was settled where it comes from looks the same here, whatever the view.
+        if (!mark.cornersValid)
+            settleMark(mark, m_database);
+        const QString guid = mark.GUID;
+        const std::uint16_t number = mark.markNumber;
+        noteReceived(mark);
+        const AcDbObjectId id = appendMark(m_database, std::move(record.mark));
+        if (id.isNull()) {
+            ++imported.refused;
+            return;
+        }
+        m_known.add(guid, id);
+        m_highest = std::max(m_highest, number);
+        imported.marks.push_back(id);
+    }
+
+    void keepHighestNumber()
+    {
+        if (m_highest > readLastMarkNumber(m_database))
+            keepMarkNumber(m_database, m_highest);
+    }
+
+private:
+    bool prepareOnce(const QString &layer, int color)
+    {
+        const bool first = m_prepared.insert({layer, color}).second;
+        return first ? prepareLayer(m_database, layer, color)
+                     : m_database.tableRecord(SymbolTable::layer, layer).isValid();
+    }
+
+    AcDbDatabase &m_database;
+    KnownMarks m_known;
+    std::set<std::pair<QString, int>> m_prepared;
+    std::uint16_t m_highest = 0;
+};
+
+ImportedMarks importMarkData(AcDbDatabase &database, MarkData data)
+{
+    const ImportingScope importing;
+    ImportedMarks imported;
+    MarkImport import(database);
+    for (MarkDataRecord &record : data.marks)
+        import.take(record, imported);
+    for (const TickRecord &tick : data.ticks) {
+        if (isTickBlock(tick.block) && !insertTick(database, tick).isNull())
+            ++imported.ticks;
+        else
+            ++imported.missingTicks;
+    }
+    import.keepHighestNumber();
+    return imported;
+}
+
+// Files ----------------------------------------------------------------------------------------------
+
+static void tellLeftOut(const QString &path, const MarkDataContents &contents)
+{
+    for (const bool tooMany : {contents.tooManyMarks, contents.tooManyTicks}) {
+        if (tooMany)
+            acutPrintf(QStringLiteral("\n读取<%1>错误4，记录条目大于一万。").arg(path));
+    }
+    if (contents.missing > 0)
+        acutPrintf(QStringLiteral("\n<%1>不完整，有 %2 条记录未能读取。").arg(path).arg(contents.missing));
+    if (contents.left > 0)
+        acutPrintf(QStringLiteral("\n<%1>末尾多出 %2 个字节，未读取。").arg(path).arg(contents.left));
+}
+
+static void tellImported(const ImportedMarks &imported)
+{
+    if (imported.kept > 0)
+        acutPrintf(QStringLiteral("\n有 %1 个评图标签受保护，保留图中原有的，未导入。").arg(imported.kept));
+    if (imported.refused > 0)
+        acutPrintf(QStringLiteral("\n图形拒绝了 %1 个评图标签，未导入。").arg(imported.refused));
+    if (imported.missingTicks > 0)
+        acedAlert(
+            QStringLiteral("绿色对勾、或红叉、或问号所使用的专用图块没找到。\n建议先重新安装评图标签程序，"
+                           "或从别的机器上拷贝该图块文件到本机相同位置。"));
+}
+
+static void showLast(const ImportedMarks &imported)
+{
+    if (imported.marks.empty())
+        return;
+    AcDbExtents box;
+    const AcDbObjectPointer<QuillnoteObj3> last(imported.marks.back(), AcDb::kForRead);
+    if (last && last->getGeomExtents(box) == Acad::eOk)
+        zoomToArea(box, {}, ZoomWhen::ifOutside);
+}
+
+/// Asks about what speaks against the file.
+static bool mayImport(const QString &path, const MarkDataHeader &header, const AcDbDatabase &database)
+{
+    const bool sameDrawing =
+        header.fingerprint.compare(drawingFingerprint(database), Qt::CaseInsensitive) == 0;
+    if (!sameDrawing &&
+        acedAsk(QStringLiteral("\n指纹错误。\n文件<%1>不是本图的Quillnote数据文件。\n\n强制导入到本图吗？")
+                    .arg(path),
+                AcEdButtons::yesNo) != AcEdButton::yes)
+        return false;
+    return header.checksumHolds || acedAsk(QStringLiteral("\n校验和错误错误。\n强制导入到本图吗？"),
+                                           AcEdButtons::yesNo) == AcEdButton::yes;
+}
+
+static void importMarks(const QString &path, QByteArrayView bytes, const MarkDataHeader &header, bool force)
+{
+    AcDbDatabase &database = *acdbCurDwg();
+    if (!force && !mayImport(path, header, database))
+        return;
+    MarkDataContents contents = readMarkData(bytes, header);
+    const ImportedMarks imported = importMarkData(database, std::move(contents.data));
+    tellLeftOut(path, contents);
+    tellImported(imported);
+    showLast(imported);
+}
+
+/// The box around what is about to be erased: the target, or text box and leader ends.
+static void addPlaces(const QuillnoteObj3 &mark, AcDbExtents &box)
+{
+    if (mark.leaderMode != 1) {
+        box.addPoint(mark.targetCorner1);
+        box.addPoint(mark.targetCorner2);
+        return;
+    }
+    box.addPoint(mark.textBoxCorner1);
+    box.addPoint(mark.textBoxCorner2);
+    for (std::size_t i = 0; i < fields::kSlots; ++i) {
+        if (mark.leaderUsed[i])
+            box.addPoint(mark.leaderEnds[i]);
+    }
+}
+
+/// Shows which marks are meant; where nobody looks it takes no time.
+static void blink(const std::vector<AcDbObjectId> &marks, int times)
+{
+    if (acedFrontEnd().isScripted())
+        return;
+    for (int shown = 0; shown < 2 * times; ++shown) {
+        acedFrontEnd().showChosen(shown % 2 == 0 ? marks : std::vector<AcDbObjectId>());
+        QEventLoop loop;
+        QTimer::singleShot(kBlinkMilliseconds, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+}
+
+static void eraseMarks(AcDbDatabase &database, const QStringList &guids)
+{
+    const KnownMarks known(database);
+    std::vector<AcDbObjectId> doomed;
+    AcDbExtents box;
+    for (const QString &guid : guids) {
+        for (const AcDbObjectId id : known.of(guid)) {
+            const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+            if (!mark)
+                continue;
+            addPlaces(*mark, box);
+            doomed.push_back(id);
+        }
+    }
+    if (doomed.empty())
+        return;
+    zoomToArea(box, {}, ZoomWhen::ifOutside);
+    blink(doomed, kBlinks);
+    const ImportingScope importing;
+    for (const AcDbObjectId id : doomed) {
+        if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)
+            mark->erase();
+    }
+}
+
+static void importErased(QByteArrayView bytes, const MarkDataHeader &header)
+{
+    const std::optional<QStringList> guids = readErasedMarks(bytes, header);
+    if (!header.checksumHolds || !guids)
+        acutPrintf(QStringLiteral("\n同步删除评图标签时遇到数据校验和错误。"));
+    else if (header.markCount > kMostDataRecords)
+        acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目大于一万。报告错误"));
+    else if (header.markCount == 0)
+        acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目数为0。报告错误"));
+    else
+        eraseMarks(*acdbCurDwg(), *guids);
+}
+
+bool importMarkDataFile(const QString &path, bool force)
+{
+    const auto file = base::readFileBytes(path);
+    if (!file) {
+        acutPrintf(QStringLiteral("\n读取Quillnote数据文件<%1>错误1。").arg(path));
+        return false;
+    }
+    const QByteArrayView bytes(file->data(), qsizetype(file->size()));
+    const std::optional<MarkDataHeader> header = readMarkDataHeader(bytes);
+    if (!header) {
+        acutPrintf(QStringLiteral("\n读取<%1>错误2，不是Quillnote数据文件。").arg(path));
+        return false;
+    }
+    if (header->kind == MarkDataKind::erased)
+        importErased(bytes, *header);
+    else
+        importMarks(path, bytes, *header, force);
+    return true;
+}
+
+void QN3_DataFileIn()
+{
+    QString path;
+    if (acedGetFileD(QStringLiteral("Quillnote"), {}, QStringLiteral("Quillnote3;Quillnote"), kAcUiOpenFile,
+                     path) == RTNORM)
+        importMarkDataFile(path, false);
+}
+
+void QN3_DataFileInQuiet()
+{
+    QString path;
+    if (acedGetString(true, QStringLiteral("请输入评图标签独立文件："), path) != RTNORM || path.isEmpty())
+        return;
+    if (importMarkDataFile(path, true))
+        QFile::remove(path);
+}

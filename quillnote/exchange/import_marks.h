@@ -1,0 +1,30 @@
+// Mark data files into a drawing.
+#pragma once
+
+#include "quillnote/exchange/mark_data_file.h"
+
+class AcDbDatabase;
+
+/// What became of the records of a file.
+struct ImportedMarks {
+    std::vector<AcDbObjectId> marks; ///< The new marks, in file order.
+    std::size_t kept = 0;    ///< Records left out, because the mark that they replace may not be erased.
+    std::size_t refused = 0; ///< Records that the drawing refused.
+    std::size_t ticks = 0;
+    std::size_t missingTicks = 0; ///< Ticks whose block the drawing does not have.
+};
+
+/// Takes marks and ticks into the current space. A mark takes the place of those with the same GUID; its
+/// layer is made, or made visible and writable, in its colour. The drawing's last number rises to that of the
+/// marks.
+ImportedMarks importMarkData(AcDbDatabase &database, MarkData data);
+
+/// Reads a file of any kind into the current drawing and tells what happened. Without `force` a file of
+/// another drawing or with a wrong checksum is asked about first. False when the bytes are no mark data file.
+bool importMarkDataFile(const QString &path, bool force);
+
+/// Command: asks for the file in a dialog.
+void QN3_DataFileIn();
+/// Command for scripts and the synchronisation: asks nothing more than the file, which it removes afterwards.
+/// A file that is no mark data file stays.
+void QN3_DataFileInQuiet();

@@ -1,0 +1,28 @@
+#include "quillnote/reports/report_start.h"
+
+#include "quillnote/authoring/mark_set.h"
+#include "quillnote/reports/report_path.h"
+
+#include "host/acap/docman.h"
+#include "host/aced/edfrontend.h"
+
+std::optional<QString> savedDrawingPath()
+{
+    QString path = drawingPath();
+    if (!path.isEmpty())
+        return path;
+    acutPrintf(QStringLiteral("\n本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
+    return std::nullopt;
+}
+
+std::optional<ReportStart> startReport()
+{
+    ReportStart start{collectAllMarks(*acdbCurDwg()), {}};
+    if (start.marks.ids.empty())
+        return std::nullopt;
+    const auto drawing = savedDrawingPath();
+    if (!drawing)
+        return std::nullopt;
+    start.drawing = *drawing;
+    return start;
+}
