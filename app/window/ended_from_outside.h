@@ -1,5 +1,5 @@
-// The session is ended from outside: SIGTERM (logging out, shutting down), SIGHUP (the terminal is gone), SIGINT
-// (Ctrl+C in it). There is time for what must not be lost, none for questions.
+// The session is ended from outside: SIGTERM (logging out, shutting down), SIGHUP (the terminal is gone),
+// SIGINT (Ctrl+C in it). There is time for what must not be lost, none for questions.
 #pragma once
 
 #include <QObject>
@@ -16,8 +16,9 @@ class EndedFromOutside : public QObject
     Q_OBJECT
 
 public:
-    /// `leave` saves what must not be lost and says whether it could; otherwise it is asked again a little later. Then
-    /// the signal ends the process as it would have. A second signal ends it at once. One object at a time.
+    /// `leave` saves what must not be lost and says whether it could; otherwise it is asked again a little
+    /// later. Then the signal ends the process as it would have. A second signal ends it at once. One object
+    /// at a time.
     explicit EndedFromOutside(std::function<bool()> leave);
     ~EndedFromOutside() override;
 

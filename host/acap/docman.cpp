@@ -331,7 +331,8 @@ static QString noteOf(const QString &target, const base::WrittenFile &written)
 {
     if (written.notKept.isEmpty())
         return {};
-    return Host::tr("%1 is saved, but could not keep %2").arg(target, written.notKept.join(QStringLiteral(", ")));
+    return Host::tr("%1 is saved, but could not keep %2")
+        .arg(target, written.notKept.join(QStringLiteral(", ")));
 }
 
 base::Result<AcApSaved, QString> AcApDocManager::saveDocument(AcApDocument *document, const QString &path,

@@ -235,8 +235,11 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
     watched.stop = false;
     watched.writing = std::async(
         std::launch::async, [image = std::move(*taken), record, &stop = watched.stop]() -> QString {
-            if (const auto done = image.write(record.copy, [&stop](double) { return !stop; }); !done)
-                return done.error().text();
+            bool wasStopped = false;
+            const auto done =
+                image.write(record.copy, [&](double) { return !(wasStopped = wasStopped || stop); });
+            if (!done)
+                return wasStopped ? QString() : done.error().text();
             const auto recorded = base::writeFileAtomically(recordOf(record.copy), recordText(record));
             return recorded ? QString() : recorded.error().text();
         });
@@ -273,8 +276,7 @@ void AcApRecovery::drop(AcApDocument *document)
     if (watched == m_watched.end())
         return;
     watched->second.stop = true;
-    if (watched->second.writing.valid())
-        watched->second.writing.wait();
+    settle(watched->second); // A copy that failed is trouble, also when it is no longer needed.
     if (!watched->second.copy.isEmpty())
         discard({watched->second.copy, {}, {}, {}, {}});
     m_watched.erase(watched);

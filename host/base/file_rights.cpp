@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <algorithm>
+
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -30,7 +32,8 @@ static QByteArray attribute(const QByteArray &path, const QByteArray &name)
 {
     const ssize_t size = ::getxattr(path.constData(), name.constData(), nullptr, 0);
     QByteArray value(std::max<ssize_t>(size, 0), '\0');
-    const ssize_t got = ::getxattr(path.constData(), name.constData(), value.data(), std::size_t(value.size()));
+    const ssize_t got =
+        ::getxattr(path.constData(), name.constData(), value.data(), std::size_t(value.size()));
     value.truncate(std::max<ssize_t>(got, 0));
     return value;
 }
@@ -38,8 +41,7 @@ static QByteArray attribute(const QByteArray &path, const QByteArray &name)
 static bool has(int file, const QByteArray &name, const QByteArray &value)
 {
     QByteArray present(value.size() + 1, '\0');
-    const ssize_t size =
-        ::fgetxattr(file, name.constData(), present.data(), std::size_t(present.size()));
+    const ssize_t size = ::fgetxattr(file, name.constData(), present.data(), std::size_t(present.size()));
     return size == value.size() && present.startsWith(value);
 }
 
@@ -57,8 +59,9 @@ static void copyAttributes(int file, const QByteArray &model, bool groupKept, QS
         const bool isAccessList = name == kAccessList;
         if (isSeal(name) || has(file, name, value))
             continue;
-        const bool kept = (groupKept || !isAccessList) &&
-                          ::fsetxattr(file, name.constData(), value.constData(), std::size_t(value.size()), 0) == 0;
+        const bool kept =
+            (groupKept || !isAccessList) &&
+            ::fsetxattr(file, name.constData(), value.constData(), std::size_t(value.size()), 0) == 0;
         if (!kept && isAccessList)
             notKept.append(Host::tr("the access list"));
         else
@@ -75,10 +78,10 @@ QStringList copyFileRights(int file, const QByteArray &model, const struct stat 
     QStringList notKept;
     struct stat fresh;
     const bool isKnown = ::fstat(file, &fresh) == 0;
-    const bool groupKept = (isKnown && fresh.st_gid == status.st_gid) ||
-                           ::fchown(file, kSameUser, status.st_gid) == 0;
-    const bool ownerKept = (isKnown && fresh.st_uid == status.st_uid) ||
-                           ::fchown(file, status.st_uid, kSameGroup) == 0;
+    const bool groupKept =
+        (isKnown && fresh.st_gid == status.st_gid) || ::fchown(file, kSameUser, status.st_gid) == 0;
+    const bool ownerKept =
+        (isKnown && fresh.st_uid == status.st_uid) || ::fchown(file, status.st_uid, kSameGroup) == 0;
     if (!ownerKept)
         notKept.append(Host::tr("the owner"));
     if (!groupKept)

@@ -1,5 +1,5 @@
-// What tells whether a file on the disk is still the one that was read: who it is, its size and its time; and a
-// digest of the content for where size and time cannot be trusted.
+// What tells whether a file on the disk is still the one that was read: who it is, its size and its time; and
+// a digest of the content for where size and time cannot be trusted.
 #pragma once
 
 #include <QString>
@@ -17,8 +17,9 @@ struct FileStamp {
     std::uint64_t size = 0;
     std::int64_t seconds = 0;
     std::int64_t nanoseconds = 0;
-    std::int64_t changed = 0; ///< When content, rights or names changed last, nanoseconds; 0: unknown. Nobody can
-                              ///< set it back. Not compared: a file that got other rights is still the same one.
+    std::int64_t changed =
+        0; ///< When content, rights or names changed last, nanoseconds; 0: unknown. Nobody can
+           ///< set it back. Not compared: a file that got other rights is still the same one.
 
     /// So little older than now that a clock may have given a later writing the same time.
     bool isYoung() const;

@@ -83,8 +83,8 @@ bool isFolder(const QString &path)
 
 QString fullPath(const QString &path)
 {
-    const std::unique_ptr<char, decltype(&std::free)> real(
-        ::realpath(encodePath(path).constData(), nullptr), &std::free);
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(encodePath(path).constData(), nullptr),
+                                                           &std::free);
     return real ? decodePath(real.get()) : QFileInfo(path).absoluteFilePath();
 }
 

@@ -1,5 +1,6 @@
-// Names of files between QString and the system's bytes. Old shares hold names that are no UTF-8 (GBK, mostly):
-// each byte that is none stands in the QString as one lone surrogate, U+DC80 to U+DCFF, and comes back as it was.
+// Names of files between QString and the system's bytes. Old shares hold names that are no UTF-8 (GBK,
+// mostly): each byte that is none stands in the QString as one lone surrogate, U+DC80 to U+DCFF, and comes
+// back as it was.
 #pragma once
 
 #include <QByteArray>

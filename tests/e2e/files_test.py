@@ -51,8 +51,6 @@ class FilesTest(unittest.TestCase):
 
     def test_damage_is_told_by_every_verb(self):
         whole = self.drawing.read_bytes()
-        at = whole.rindex(b"AcDbEntity", 0, whole.rindex(b"QUILLNOTE3\n") + 4000) if b"QUILLNOTE3\n" in whole else 0
-        self.assertTrue(at)
         cut = program.write(self.folder / "cut.dxf", whole[: len(whole) * 9 // 10])
         out = str(self.folder / "out")
         for verb in (["report"], ["marks"], ["info"], ["menu"], ["picture", cut, out + ".png"], ["plot", cut, out + ".pdf"],
@@ -130,13 +128,13 @@ class FilesTest(unittest.TestCase):
             (target / "plan.dxf").unlink()
 
     def test_names_that_are_no_utf8(self):
-        folder = os.fsencode(self.folder) + b"/\xcd\xbc"
+        folder = os.fsencode(self.folder) + b"/\xb5\xe7"
         os.mkdir(folder)
-        name = folder + b"/\xd6\xbd.dxf"
+        name = folder + b"/\xc6\xf8.dxf"
         shutil.copy(self.drawing, name)
         told = raw("info", name)
         self.assertEqual(told.returncode, 0, told.stderr)
-        self.assertIn(b"\\xcd\\xbc/\\xd6\\xbd.dxf", told.stdout)
+        self.assertIn(b"\\xb5\\xe7/\\xc6\\xf8.dxf", told.stdout)
         self.assertIn(b"opinion", raw("report", name).stdout)
         before = Path(os.fsdecode(name)).read_bytes()
         self.assertEqual(raw("run", "-", name, text=CIRCLE.encode() + b"QSAVE\n").returncode, 0)
@@ -144,7 +142,7 @@ class FilesTest(unittest.TestCase):
         self.assertEqual(raw("run", "-", name, "-o", name, "-f", text=CIRCLE.encode()).returncode, 0)
         self.assertEqual(raw("picture", name, folder + b"/\xd6.png").returncode, 0)
         self.assertEqual(raw("run", "-", name, "-o", folder + b"/\xbd.dxf", text=b"").returncode, 0)
-        self.assertEqual(sorted(os.listdir(folder)), [b"\xbd.dxf", b"\xd6.png", b"\xd6\xbd.dxf"])
+        self.assertEqual(sorted(os.listdir(folder)), [b"\xbd.dxf", b"\xc6\xf8.dxf", b"\xd6.png"])
 
     def test_owner_group_and_mode_stay(self):
         os.chmod(self.drawing, 0o660)

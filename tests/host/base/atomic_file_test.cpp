@@ -261,11 +261,13 @@ TEST_F(AtomicFile, AnotherUserIsToldAndNobodyGetsMore)
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        const bool isOther = ::setgid(23456) == 0 && ::setuid(12345) == 0;
-        auto writer = AtomicFileWriter::open(target);
-        const auto written = writer
-                                 ? writer->commit()
-                                 : base::Result<base::WrittenFile, FileError>(base::Failure{writer.error()});
+        // The folders above may be closed to him.
+        const bool isOther =
+            ::chdir(native(folder.path()).constData()) == 0 && ::setgid(23456) == 0 && ::setuid(12345) == 0;
+        auto writer = AtomicFileWriter::open(QStringLiteral("图.dxf"));
+        if (!writer)
+            ::_exit(2);
+        const auto written = writer->commit();
         ::_exit(isOther && written && written->notKept.size() == 2 ? 0 : 1);
     }
     int status = 0;

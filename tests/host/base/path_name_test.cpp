@@ -16,24 +16,24 @@ using base::encodePath;
 
 TEST(PathName, EveryNameComesBackAsItWas)
 {
-    const QByteArray gbk = "/\xCD\xBC\xD6\xBD/plan.dxf";
+    const QByteArray gbk = "/\xB5\xE7\xC6\xF8/plan.dxf";
     for (const QByteArray &name : {gbk, QByteArray("图纸 \xF0\x9F\x98\x80.dxf"), QByteArray("cut \xE5\x9B"),
                                    QByteArray("\xED\xB2\x80"), QByteArray("\xFF\xC3\xBC\x80"), QByteArray()})
         EXPECT_EQ(encodePath(decodePath(name)), name) << name.toHex().constData();
     EXPECT_EQ(decodePath("图.dxf"), QString::fromUtf8("图.dxf"));
-    EXPECT_EQ(base::terminalText(decodePath(gbk)), "/\\xcd\\xbc\\xd6\\xbd/plan.dxf");
+    EXPECT_EQ(base::terminalText(decodePath(gbk)), "/\\xb5\\xe7\\xc6\\xf8/plan.dxf");
 }
 
 TEST(PathName, FilesWithSuchNamesAreFound)
 {
     const tests::TempDir folder;
-    const QString path = folder.path() + u'/' + decodePath("\xCD\xBC.dxf");
+    const QString path = folder.path() + u'/' + decodePath("\xB5\xE7.dxf");
     EXPECT_FALSE(base::pathExists(path));
     ::close(::open(encodePath(path).constData(), O_CREAT | O_WRONLY, 0644));
     EXPECT_TRUE(base::isPlainFile(path));
     EXPECT_FALSE(base::isFolder(path));
-    EXPECT_EQ(base::fullPath(folder.path() + "/./" + decodePath("\xCD\xBC.dxf")), base::fullPath(path));
-    EXPECT_TRUE(base::fullPath(path).endsWith(decodePath("\xCD\xBC.dxf")));
+    EXPECT_EQ(base::fullPath(folder.path() + "/./" + decodePath("\xB5\xE7.dxf")), base::fullPath(path));
+    EXPECT_TRUE(base::fullPath(path).endsWith(decodePath("\xB5\xE7.dxf")));
     QFile file;
     EXPECT_TRUE(base::openForReading(file, path));
 }
