@@ -2,6 +2,7 @@
 
 #include "app/console/console_front_end.h"
 #include "app/console/documents.h"
+#include "app/console/output_paths.h"
 
 #include <algorithm>
 
@@ -34,6 +35,22 @@ static const AcEdVerbOption *oneOutput(const AcEdVerb &verb, const AcEdVerbCall 
     return found == verb.options.end() ? nullptr : &*found;
 }
 
+/// Files that are written when all drawings have been seen: what stands in the way is told before any is
+/// opened.
+static bool mayWriteShared(const AcEdVerb &verb, const AcEdVerbCall &call)
+{
+    const Overwrite overwrite = call.has(QStringLiteral("-f")) ? Overwrite::yes : Overwrite::no;
+    for (const AcEdVerbOption &option : verb.options) {
+        if (option.value != QLatin1String("OUT") || !call.has(option.name))
+            continue;
+        if (const auto planned = planSharedOutput(call.options.at(option.name), overwrite); !planned) {
+            printMessageLine(planned.error());
+            return false;
+        }
+    }
+    return true;
+}
+
 int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerbCall &call)
 {
     const AcEdVerbOption *const output = oneOutput(verb, call);
@@ -43,9 +60,13 @@ int runModuleVerb(const AcEdVerb &verb, const QStringList &files, const AcEdVerb
                              .arg(files.size()));
         return kTrouble;
     }
+    if (!mayWriteShared(verb, call))
+        return kTrouble;
     int status = kDone;
     for (const QString &file : files)
         status = std::max(status, runOnFile(verb, file, call, files.size() > 1 && !call.json));
+    if (verb.finish && status != kTrouble)
+        status = std::max(status, std::clamp(verb.finish(call), int(kDone), int(kTrouble)));
     return status;
 }
 

@@ -62,6 +62,11 @@ base::Result<void, QString> planOneOutput(const QStringList &files, const QStrin
     if (files.size() != 1)
         return base::Failure{
             QStringLiteral("%1 drawings cannot go into the one file %2").arg(files.size()).arg(output)};
+    return planSharedOutput(output, overwrite);
+}
+
+base::Result<void, QString> planSharedOutput(const QString &output, Overwrite overwrite)
+{
     if (const auto target = asFile(output); !target)
         return base::Failure{target.error()};
     return checkTarget(output, overwrite);

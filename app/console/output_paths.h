@@ -23,6 +23,9 @@ base::Result<QStringList, QString> planOutputs(const QStringList &files, const Q
 base::Result<void, QString> planOneOutput(const QStringList &files, const QString &output,
                                           Overwrite overwrite);
 
+/// The same for one file of any number of drawings.
+base::Result<void, QString> planSharedOutput(const QString &output, Overwrite overwrite);
+
 /// Looks at one target again, right before it is written, and makes its folder.
 base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite);
 

@@ -14,9 +14,10 @@
 #include <vector>
 
 struct AcEdVerbOption {
-    QString name;  ///< "--pictures"
-    QString value; ///< Placeholder "DIR"; empty for a switch. "FILE" is a file that the verb writes for one
-                   ///< drawing.
+    QString name; ///< "--pictures"
+    QString
+        value; ///< Placeholder "DIR"; empty for a switch. "FILE" is a file that the verb writes for one
+               ///< drawing, "OUT" one that it writes for all of them, which replaces another only with "-f".
     QString help;
 };
 
@@ -32,6 +33,9 @@ struct AcEdVerb {
     std::vector<AcEdVerbOption> options;
     /// Prints to standard output; the result is the exit status (0 done, 1 findings, 2 trouble).
     std::function<int(const AcEdVerbCall &)> run;
+    /// Called once when `run` has seen every drawing without trouble, with no drawing open: for results of
+    /// all of them. May be empty.
+    std::function<int(const AcEdVerbCall &)> finish = {};
 };
 
 /// Part of a drawing that something of a module names.

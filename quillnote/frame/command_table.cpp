@@ -20,6 +20,7 @@
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
 #include "quillnote/frame/small_commands.h"
+#include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_sheet.h"
 #include "quillnote/reports/text_report.h"
 #include "quillnote/reports/web_report.h"
@@ -109,6 +110,8 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_HelpOnline", "QN3_HelpOnline", kModal, kAsNamed, QN3_HelpOnline},
     {"ptbq0", "ptbqMenu0", kModal, kNotRecorded, ptbq0},
     {"ptbq", "ptbqMenu", kModal, kNotRecorded, ptbq},
+    // Commands of later versions stand behind the others.
+    {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
 };
 // clang-format on
 

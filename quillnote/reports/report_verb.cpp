@@ -2,12 +2,20 @@
 
 #include "quillnote/authoring/mark_set.h"
 #include "quillnote/reports/report_file.h"
-#include "quillnote/reports/reported_mark.h"
+#include "quillnote/reports/review_page.h"
+#include "quillnote/reports/review_table.h"
 #include "quillnote/reports/text_report.h"
 
 #include "host/acap/docman.h"
+#include "host/aced/edfrontend.h"
 
 #include <QJsonObject>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+// The text report ----------------------------------------------------------------------------------------
 
 /// What the text report says of each mark.
 static void printAsJson(const CollectedMarks &marks)
@@ -26,26 +34,105 @@ static void printAsJson(const CollectedMarks &marks)
     }
 }
 
-/// Standard output gets the report unless a file does.
-static int report(const AcEdVerbCall &call)
+static int printText(const AcEdVerbCall &call, const CollectedMarks &marks)
 {
-    const CollectedMarks marks = collectAllMarks(*acdbCurDwg());
-    const auto output = call.options.find(QStringLiteral("--output"));
-    const bool intoFile = output != call.options.end();
     if (call.json)
         printAsJson(marks);
-    if (marks.ids.empty() || (call.json && !intoFile))
+    else if (!marks.ids.empty())
+        acedPrintResult(textReport(*acdbCurDwg()));
+    return 0;
+}
+
+// Files of all drawings ----------------------------------------------------------------------------------
+
+namespace
+{
+
+struct SharedReport {
+    const char *option;
+    const char *help;
+    ReviewPictures pictures;
+    base::Result<void, QString> (*write)(const std::vector<Review> &reviews, const QString &path);
+};
+
+constexpr std::array kSharedReports{
+    SharedReport{"--page",
+                 "Write one web page of all drawings, with pictures, for people without the program.",
+                 ReviewPictures::all, writeReviewPage},
+    SharedReport{"--csv", "Write the marks of all drawings as a table of text.", ReviewPictures::none,
+                 writeReviewCsv},
+    SharedReport{"--xlsx", "Write the marks of all drawings as a workbook, with pictures.",
+                 ReviewPictures::targets, writeReviewWorkbook},
+};
+
+} // namespace
+
+static QString nameOf(const SharedReport &report)
+{
+    return QString::fromLatin1(report.option);
+}
+
+/// The most that a wanted report needs; none when no such report is wanted.
+static std::optional<ReviewPictures> wantedPictures(const AcEdVerbCall &call)
+{
+    std::optional<ReviewPictures> wanted;
+    for (const SharedReport &report : kSharedReports) {
+        if (call.has(nameOf(report)))
+            wanted = std::max(wanted.value_or(ReviewPictures::none), report.pictures);
+    }
+    return wanted;
+}
+
+static int writeShared(const AcEdVerbCall &call, const std::vector<Review> &reviews)
+{
+    const bool hasMarks = std::ranges::any_of(reviews, [](const Review &each) { return !each.rows.empty(); });
+    if (!hasMarks)
+        return 0; // Each drawing has said so.
+    for (const SharedReport &report : kSharedReports) {
+        if (!call.has(nameOf(report)))
+            continue;
+        const QString path = call.options.at(nameOf(report));
+        if (const auto written = report.write(reviews, path); !written) {
+            acutPrintf(u'\n' + written.error());
+            return 2;
+        }
+        if (call.json)
+            acedPrintResult(QJsonObject{{QStringLiteral("written"), path}});
+    }
+    return 0;
+}
+
+// The verb -----------------------------------------------------------------------------------------------
+
+/// Standard output gets the text report unless a file gets one.
+static int report(const AcEdVerbCall &call, std::vector<Review> &reviews)
+{
+    const CollectedMarks marks = collectAllMarks(*acdbCurDwg());
+    const auto pictures = wantedPictures(call);
+    const auto output = call.options.find(QStringLiteral("--output"));
+    if (call.json || (!pictures && output == call.options.end()))
+        printText(call, marks);
+    if (pictures) {
+        reviews.push_back(takeReview(*curDoc(), *pictures));
+        tellHiddenMarks(reviews.back());
+    }
+    if (marks.ids.empty() || output == call.options.end())
         return 0;
-    const QString text = textReport(*acdbCurDwg());
-    if (!intoFile)
-        acedPrintResult(text);
-    return !intoFile || writeReportFile(output->second, text) ? 0 : 2;
+    return writeReportFile(output->second, textReport(*acdbCurDwg())) ? 0 : 2;
 }
 
 AcEdVerb reportVerb()
 {
-    return {QStringLiteral("report"),
-            QStringLiteral("Print the text report, or write it to a file as the report command does"),
-            {{QStringLiteral("--output"), QStringLiteral("FILE"), QStringLiteral("Write to this file.")}},
-            report};
+    AcEdVerb verb;
+    verb.name = QStringLiteral("report");
+    verb.help = QStringLiteral("Print the text report, or write reports to files");
+    verb.options = {{QStringLiteral("--output"), QStringLiteral("FILE"),
+                     QStringLiteral("Write the text report of one drawing, as the report command does.")}};
+    for (const SharedReport &each : kSharedReports)
+        verb.options.push_back({nameOf(each), QStringLiteral("OUT"), QString::fromLatin1(each.help)});
+    verb.options.push_back({QStringLiteral("-f"), {}, QStringLiteral("Let OUT overwrite.")});
+    const auto reviews = std::make_shared<std::vector<Review>>();
+    verb.run = [reviews](const AcEdVerbCall &call) { return report(call, *reviews); };
+    verb.finish = [reviews](const AcEdVerbCall &call) { return writeShared(call, *reviews); };
+    return verb;
 }

@@ -7,6 +7,14 @@
 
 #include <QRegularExpression>
 
+double markOrder(std::uint16_t markNumber, std::uint16_t subNumber)
+{
+    double share = 100.0;
+    while (subNumber >= share)
+        share *= 10.0;
+    return markNumber + subNumber / share;
+}
+
 std::optional<ReportedMark> readReportedMark(AcDbObjectId id)
 {
     const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
@@ -15,6 +23,7 @@ std::optional<ReportedMark> readReportedMark(AcDbObjectId id)
     ReportedMark read;
     read.id = id;
     read.number = markNumberText(mark->markNumber, mark->subNumber);
+    read.order = markOrder(mark->markNumber, mark->subNumber);
     read.isHidden = mark->displayMode == -1;
     read.status = mark->feedbackType;
     read.opinion = mark->suggestionContent;

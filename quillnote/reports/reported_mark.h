@@ -10,7 +10,8 @@
 
 struct ReportedMark {
     AcDbObjectId id;
-    QString number; ///< "7", "5.2"
+    QString number;     ///< "7", "5.2"
+    double order = 0.0; ///< Sorts by number: 5.2 as 5.02, before 5.10 and 5.12.
     bool isHidden = false;
     std::int16_t status = 0; ///< mark_values.h
     QString opinion;
@@ -20,6 +21,9 @@ struct ReportedMark {
     QString reviewDate;   ///< "2024-05-06 07:08:09"
     QString revisionDate; ///< The same; empty without feedback.
 };
+
+/// Value of `order`.
+double markOrder(std::uint16_t markNumber, std::uint16_t subNumber);
 
 /// None when the mark cannot be opened.
 std::optional<ReportedMark> readReportedMark(AcDbObjectId id);

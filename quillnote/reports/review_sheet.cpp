@@ -2,13 +2,16 @@
 
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/frame/settings/install_folder.h"
+#include "quillnote/frame/settings/settings.h"
 #include "quillnote/reports/report_file.h"
 #include "quillnote/reports/report_html.h"
 #include "quillnote/reports/report_path.h"
 #include "quillnote/reports/report_start.h"
 #include "quillnote/reports/reported_mark.h"
+#include "quillnote/reports/template_report.h"
 
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edshell.h"
 
 #include <QFileInfo>
@@ -116,8 +119,25 @@ static void writeSheet()
         openSheet(path, QStringLiteral("\n图纸校审单已输出为<%1>, 马上会自动打开。"));
 }
 
+static bool wantsTemplate()
+{
+    const QString path = settings::text(u"TempleteHTML").trimmed();
+    if (path.isEmpty() || !QFileInfo(path).isFile())
+        return false;
+    if (settings::number(u"useTemplet") >= 1)
+        return true;
+    acedInitGet(0, QStringLiteral("Yes No"));
+    QString answer;
+    const int result = acedGetKword(QStringLiteral("是否按模板输出(Y/N)[Y]? "), answer);
+    return result == RTNONE || (result == RTNORM && answer == QLatin1String("Yes"));
+}
+
 void QN3_outputHtmlWithNoPng()
 {
-    if (savedDrawingPath())
+    if (!savedDrawingPath())
+        return;
+    if (wantsTemplate())
+        writeTemplateReport();
+    else
         writeSheet();
 }

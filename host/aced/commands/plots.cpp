@@ -367,7 +367,8 @@ static QRect rasterArea(const AcEdSelectionSet &entities, const QRect &raster)
 
 static void exportPng(const QString &path)
 {
-    acutPrintf(Host::tr("\n选择对象或 <全部对象和视口>: "));
+    if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
+        acutPrintf(Host::tr("\n选择对象或 <全部对象和视口>: "));
     const AcEdSelectionSet selected = askSelection();
     AcGiPaintReport report;
     QImage image = acedViewImage(*curDoc(), acedScreenOptions(*curDoc()), &report);
