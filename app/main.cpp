@@ -7,6 +7,7 @@
 #include "host/acgi/gidraw.h"
 #include "host/acrx/rxmodule.h"
 #include "host/acui/acuiinstall.h"
+#include "host/base/terminal_text.h"
 #include "host/os/shell.h"
 
 #include <QApplication>
@@ -22,7 +23,7 @@ static void passMessage(QtMsgType type, const QMessageLogContext &context, const
 {
     if (!text.startsWith(QLatin1String("This plugin does not support")) &&
         !text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR")))
-        qtHandler()(type, context, text);
+        qtHandler()(type, context, base::terminalText(text));
 }
 
 static bool hasDisplay()

@@ -9,16 +9,15 @@
 #include "app/console/plot_verb.h"
 #include "app/console/run_verb.h"
 #include "app/console/settings_verb.h"
-#include "host/base/file_bytes.h"
+#include "host/base/path_name.h"
+#include "host/base/terminal_text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <functional>
-#include <iostream>
 #include <memory>
+#include <sstream>
 
 namespace console
 {
@@ -28,7 +27,7 @@ namespace
 
 QString text(const std::string &bytes)
 {
-    return QString::fromStdString(bytes);
+    return base::decodePath(bytes); // Most of them are names of files, which may be any bytes.
 }
 
 QStringList texts(const std::vector<std::string> &list)
@@ -44,7 +43,7 @@ struct CommandLine {
     CLI::App app{"Review marks in CAD drawings: the window, scripts of commands, and verbs."};
     std::function<int()> chosen;
 
-    std::vector<std::string> files;
+    std::vector<std::string> files, wanted;
     std::string script, output, key, name, value, file;
     double autosave = -1.0;
     bool json = false, overwrite = false, echo = false, noModule = false;
@@ -220,9 +219,15 @@ void addSettings(CommandLine &line)
                                       [&line] { return exportSettingsTo(text(line.file), line.overwrite); });
     exportTo->add_option("FILE", line.file, "File, or - for standard output")->required();
     exportTo->add_flag("-f", line.overwrite, "Overwrite FILE");
-    CLI::App *importFrom = line.addVerb(*settings, "import", "Store the settings of a text file",
-                                        [&line] { return importSettingsFrom(text(line.file)); });
+    CLI::App *importFrom = line.addVerb(*settings, "import", "Store the settings of a text file", [&line] {
+        return importSettingsFrom(text(line.file), texts(line.wanted));
+    });
     importFrom->add_option("FILE", line.file, "File, or - for standard input")->required();
+    importFrom
+        ->add_option("--with", line.wanted,
+                     "Take values of this name although they make the program load or run "
+                     "something")
+        ->type_name("NAME");
 }
 
 // Verbs of modules -------------------------------------------------------------------------------
@@ -277,7 +282,7 @@ void addModuleVerb(CommandLine &line, const AcEdVerb &verb)
 
 int refuseWindow(const std::vector<std::string> &files)
 {
-    if (!files.empty() && !QFileInfo::exists(text(files.front()))) {
+    if (!files.empty() && !base::pathExists(text(files.front()))) {
         printMessageLine(
             QStringLiteral("%1 is neither a verb nor a file; see quillnote --help").arg(text(files.front())));
         return kTrouble;
@@ -346,6 +351,16 @@ QStringList filesOf(const std::vector<std::string> &arguments)
     return files;
 }
 
+/// Results that did not arrive are trouble, whatever was done.
+static int withOutput(int status)
+{
+    const QString trouble = acedResultTrouble();
+    if (trouble.isEmpty())
+        return status;
+    printMessageLine(trouble);
+    return kTrouble;
+}
+
 int runCommandLine(const std::vector<std::string> &arguments)
 {
     CommandLine line;
@@ -354,9 +369,14 @@ int runCommandLine(const std::vector<std::string> &arguments)
         // The parser takes the last argument first.
         line.app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError &error) {
-        return line.app.exit(error, std::cout, std::cerr) == 0 ? kDone : kTrouble;
+        std::ostringstream results, complaints;
+        const int status = line.app.exit(error, results, complaints);
+        if (!results.str().empty())
+            acedPrintResult(text(results.str()));
+        printMessage(text(complaints.str()));
+        return withOutput(status == 0 ? kDone : kTrouble);
     }
-    return line.chosen();
+    return withOutput(line.chosen());
 }
 
 } // namespace console

@@ -1,6 +1,7 @@
 #include "app/console/console_front_end.h"
 
 #include "host/acui/acuimessage.h"
+#include "host/base/terminal_text.h"
 
 #include <cstdio>
 
@@ -39,7 +40,7 @@ static bool &atLineStart()
 
 void printMessage(const QString &text)
 {
-    QByteArray bytes = text.toUtf8();
+    QByteArray bytes = base::terminalText(text).toUtf8();
     if (atLineStart() && bytes.startsWith('\n'))
         bytes.remove(0, 1);
     if (bytes.isEmpty())

@@ -3,6 +3,8 @@
 
 #include "host/acap/docman.h"
 
+#include <QJsonObject>
+
 namespace console
 {
 
@@ -26,9 +28,16 @@ public:
 
     /// Null when the file could not be opened, or when the drawing was closed since.
     AcApDocument *document() const;
+    /// On standard error: a line when opening had to mend something ("info" lists what), and one for each
+    /// object of a module, such as a mark, that cannot be read.
+    void tellDamage() const;
 
 private:
     AcApDocument *m_document = nullptr;
 };
+
+/// The same with --json: the number of "repairs" and the list "unreadable" ("QUILLNOTE3 2F"); nothing for a
+/// sound drawing.
+void addDamage(QJsonObject &object, const AcApDocument &document);
 
 } // namespace console

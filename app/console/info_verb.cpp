@@ -237,7 +237,13 @@ int printInfo(const QStringList &files, bool json)
             status = kTrouble;
             continue;
         }
-        const QJsonObject info = drawingInfo(*drawing.document());
+        drawing.tellDamage();
+        QJsonObject info = drawingInfo(*drawing.document());
+        if (json) {
+            const QJsonValue repairs = info.value(u"repairs");
+            addDamage(info, *drawing.document());
+            info.insert(QStringLiteral("repairs"), repairs); // All of them, not their number.
+        }
         if (json)
             acedPrintResult(info);
         else

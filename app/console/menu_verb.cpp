@@ -94,6 +94,7 @@ int printMenus(const QString &file, bool json)
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
+    drawing.tellDamage();
     if (json)
         acedPrintResult(menusJson());
     else

@@ -23,6 +23,12 @@ static int runOnFile(const AcEdVerb &verb, const QString &file, const QString &t
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
+    drawing.tellDamage();
+    if (QJsonObject damage{{QStringLiteral("file"), drawing.document()->fileName()}}; call.json) {
+        addDamage(damage, *drawing.document());
+        if (damage.size() > 1)
+            acedPrintResult(damage);
+    }
     endMessageLine();
     if (titled)
         acedPrintResult(file + QStringLiteral(":\n"));

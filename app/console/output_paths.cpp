@@ -1,5 +1,9 @@
 #include "app/console/output_paths.h"
 
+#include "app/console/console_front_end.h"
+
+#include "host/base/path_name.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -8,17 +12,17 @@ namespace console
 
 static base::Result<void, QString> checkTarget(const QString &target, Overwrite overwrite)
 {
-    const QFileInfo file(target);
-    if (file.exists() && !file.isFile())
+    const bool exists = base::pathExists(target);
+    if (exists && !base::isPlainFile(target))
         return base::Failure{QStringLiteral("%1 is no plain file").arg(target)};
-    if (file.exists() && overwrite == Overwrite::no)
+    if (exists && overwrite == Overwrite::no)
         return base::Failure{QStringLiteral("%1 exists; -f overwrites it").arg(target)};
     return {};
 }
 
 static base::Result<QStringList, QString> intoFolder(const QStringList &files, const QString &folder)
 {
-    if (QFileInfo::exists(folder) && !QFileInfo(folder).isDir())
+    if (base::pathExists(folder) && !base::isFolder(folder))
         return base::Failure{QStringLiteral("%1 is no folder").arg(folder)};
     QStringList targets;
     for (const QString &file : files) {
@@ -32,9 +36,9 @@ static base::Result<QStringList, QString> intoFolder(const QStringList &files, c
 
 static base::Result<QStringList, QString> asFile(const QString &target)
 {
-    const QFileInfo folder(QFileInfo(target).path());
-    if (!folder.isDir())
-        return base::Failure{QStringLiteral("there is no folder %1").arg(folder.filePath())};
+    const QString folder = QFileInfo(target).path();
+    if (!base::isFolder(folder))
+        return base::Failure{QStringLiteral("there is no folder %1").arg(folder)};
     return QStringList{target};
 }
 
@@ -43,7 +47,7 @@ base::Result<QStringList, QString> planOutputs(const QStringList &files, const Q
 {
     if (output.isEmpty())
         return QStringList(files.size(), QString());
-    const bool isFolder = files.size() > 1 || output.endsWith(u'/') || QFileInfo(output).isDir();
+    const bool isFolder = files.size() > 1 || output.endsWith(u'/') || base::isFolder(output);
     auto targets = isFolder ? intoFolder(files, output) : asFile(output);
     if (!targets)
         return targets;
@@ -72,7 +76,8 @@ base::Result<void, QString> planSharedOutput(const QString &output, Overwrite ov
 
 base::Result<void, QString> prepareOutput(const QString &target, Overwrite overwrite)
 {
-    if (!QDir().mkpath(QFileInfo(target).path()))
+    const QString folder = QFileInfo(target).path();
+    if (!base::isFolder(folder) && !QDir().mkpath(folder))
         return base::Failure{QStringLiteral("the folder of %1 cannot be made").arg(target)};
     return checkTarget(target, overwrite);
 }
@@ -83,8 +88,13 @@ base::Result<void, QString> saveCopy(AcApDocument *document, const QString &targ
         return base::Failure{QStringLiteral("the drawing was closed, %1 is not written").arg(target)};
     if (auto prepared = prepareOutput(target, overwrite); !prepared)
         return prepared;
-    if (const auto saved = acDocManager()->saveDocument(document, target, true); !saved)
+    const auto whatIsThere =
+        overwrite == Overwrite::yes ? AcApOverwriteChanged::no : AcApOverwriteChanged::nothing;
+    const auto saved = acDocManager()->saveDocument(document, target, true, whatIsThere);
+    if (!saved)
         return base::Failure{saved.error()};
+    if (!saved->note.isEmpty())
+        printMessageLine(saved->note);
     return {};
 }
 

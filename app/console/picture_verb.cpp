@@ -202,6 +202,7 @@ static void printDone(const PictureOptions &options, const Request &request, con
                        {QStringLiteral("width"), request.size.width()},
                        {QStringLiteral("height"), request.size.height()}};
     addToJson(object, report);
+    addDamage(object, *curDoc());
     acedPrintResult(object);
 }
 
@@ -235,6 +236,7 @@ int writePicture(const PictureOptions &options)
     const OpenDrawing drawing(options.files.front());
     if (!drawing.document())
         return kTrouble;
+    drawing.tellDamage();
     if (const auto drawn = drawPicture(*drawing.document(), options); !drawn) {
         printMessageLine(QStringLiteral("%1: %2").arg(options.files.front(), drawn.error()));
         return kTrouble;

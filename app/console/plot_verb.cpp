@@ -103,6 +103,7 @@ static void printDone(const PlotOptions &options, const std::vector<AcEdPlot> &p
                        {QStringLiteral("plot"), options.output},
                        {QStringLiteral("pages"), list}};
     addToJson(object, report);
+    addDamage(object, *curDoc());
     acedPrintResult(object);
 }
 
@@ -116,6 +117,7 @@ int writePlot(const PlotOptions &options)
     const OpenDrawing drawing(options.files.front());
     if (!drawing.document())
         return kTrouble;
+    drawing.tellDamage();
     auto pages = pagesOf(*drawing.document(), options);
     if (pages && options.all)
         pages = plottable(*drawing.document(), options.files.front(), *pages);

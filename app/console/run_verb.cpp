@@ -21,15 +21,52 @@ static base::Result<Script, QString> readScript(const QString &path)
             return base::Failure{QStringLiteral("standard input cannot be read")};
         return Script::parse(input.readAll(), QStringLiteral("standard input"));
     }
-    const auto bytes = base::readFileBytes(path);
+    const auto bytes = base::readFileBytes(path, base::Pipes::read);
     if (!bytes)
         return base::Failure{bytes.error().text()};
     const std::string_view view = bytes->view();
     return Script::parse(QByteArrayView(view.data(), qsizetype(view.size())), path);
 }
 
+/// Recovery copies of a run. A copy that cannot be written is told once; the run goes on, and ends in
+/// trouble.
+class Autosave
+{
+public:
+    explicit Autosave(double seconds)
+        : m_recovery(*acDocManager(), AcApRecovery::userFolder(),
+                     std::chrono::milliseconds(std::llround(seconds * 1000)))
+    {
+    }
+    void tick()
+    {
+        m_recovery.tick();
+        look();
+    }
+    /// Waits for the copies that were begun; false when one could not be written.
+    bool finish()
+    {
+        m_recovery.finish();
+        look();
+        return m_trouble.isEmpty();
+    }
+
+private:
+    void look()
+    {
+        const QString trouble = m_recovery.trouble();
+        if (trouble.isEmpty() || !m_trouble.isEmpty())
+            return;
+        m_trouble = trouble;
+        printMessageLine(QStringLiteral("no recovery copy: %1").arg(trouble));
+    }
+
+    AcApRecovery m_recovery; // Hears of it when the drawing is closed.
+    QString m_trouble;
+};
+
 /// Feeds the script's lines to the command prompt until its end, QUIT, or the first line that fails.
-static void feedEditor(ScriptFrontEnd &face, AcApRecovery *recovery)
+static void feedEditor(ScriptFrontEnd &face, Autosave *autosave)
 {
     AcEdPrompt prompt;
     while (!face.hasFailed() && !acedEditor()->isQuitting()) {
@@ -40,16 +77,16 @@ static void feedEditor(ScriptFrontEnd &face, AcApRecovery *recovery)
             continue;
         acedEditor()->execute(answer->typed);
         acedEditor()->runQueue();
-        if (recovery)
-            recovery->tick();
+        if (autosave)
+            autosave->tick();
     }
 }
 
-static bool playScript(const Script &script, const RunOptions &options, AcApRecovery *recovery)
+static bool playScript(const Script &script, const RunOptions &options, Autosave *autosave)
 {
     ScriptFrontEnd face(script, options.echo);
     AcEdFrontEnd *const before = acedSetFrontEnd(&face);
-    feedEditor(face, recovery);
+    feedEditor(face, autosave);
     acedSetFrontEnd(before);
     return !face.hasFailed();
 }
@@ -57,24 +94,26 @@ static bool playScript(const Script &script, const RunOptions &options, AcApReco
 static int runOnFile(const Script &script, const QString &file, const QString &target,
                      const RunOptions &options)
 {
-    std::optional<AcApRecovery> recovery; // Hears of it when the drawing is closed.
+    std::optional<Autosave> autosave;
     if (options.autosave >= 0)
-        recovery.emplace(*acDocManager(), AcApRecovery::userFolder(),
-                         std::chrono::milliseconds(std::llround(options.autosave * 1000)));
+        autosave.emplace(options.autosave);
     const OpenDrawing drawing(file);
     if (!drawing.document())
         return kTrouble;
-    if (!playScript(script, options, recovery ? &*recovery : nullptr)) {
+    drawing.tellDamage();
+    const bool played = playScript(script, options, autosave ? &*autosave : nullptr);
+    int status = !autosave || autosave->finish() ? kDone : kTrouble;
+    if (!played) {
         printMessageLine(QStringLiteral("%1: the script did not reach its end").arg(file));
         return kTrouble;
     }
     if (target.isEmpty())
-        return kDone;
+        return status;
     if (const auto saved = saveCopy(drawing.document(), target, options.overwrite); !saved) {
         printMessageLine(saved.error());
         return kTrouble;
     }
-    return kDone;
+    return status;
 }
 
 int runScript(const RunOptions &options)

@@ -5,11 +5,11 @@
 #include "host/aced/edverbs.h"
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
+#include "host/base/path_name.h"
 #include "host/base/result.h"
 #include "host/os/settings_store.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <cstdio>
 #include <limits>
@@ -134,7 +134,7 @@ int exportSettingsTo(const QString &file, bool overwrite)
         acedPrintResult(QString::fromUtf8(text));
         return kDone;
     }
-    if (QFileInfo::exists(file) && !overwrite)
+    if (base::pathExists(file) && !overwrite)
         return trouble(QStringLiteral("%1 exists; -f overwrites it").arg(file));
     const auto written = base::writeFileAtomically(file, text);
     return written ? kDone : trouble(written.error().text());
@@ -148,22 +148,27 @@ static base::Result<QByteArray, QString> readInput(const QString &file)
             return base::Failure{QStringLiteral("standard input cannot be read")};
         return input.readAll();
     }
-    const auto bytes = base::readFileBytes(file);
+    const auto bytes = base::readFileBytes(file, base::Pipes::read);
     if (!bytes)
         return base::Failure{bytes.error().text()};
     return QByteArray(bytes->view().data(), qsizetype(bytes->view().size()));
 }
 
-int importSettingsFrom(const QString &file)
+int importSettingsFrom(const QString &file, const QStringList &wanted)
 {
     const auto text = readInput(file);
     if (!text)
         return trouble(text.error());
-    const auto imported = os::importSettings(os::SettingsStore::user(), *text);
+    const auto imported = os::importSettings(os::SettingsStore::user(), *text, wanted);
     if (!imported)
         return trouble(
             QStringLiteral("%1:%2: %3").arg(file).arg(imported.error().line).arg(imported.error().reason));
-    printMessageLine(QStringLiteral("%1 settings imported").arg(*imported));
+    for (const QString &each : imported->leftOut)
+        printMessageLine(
+            QStringLiteral("left out, because it makes the program load or run something: %1 (--with %2 "
+                           "takes it)")
+                .arg(each, each.section(u'\\', -1)));
+    printMessageLine(QStringLiteral("%1 settings imported").arg(imported->count));
     return kDone;
 }
 

@@ -1,7 +1,7 @@
 // "settings": the user's settings from the command line.
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace console
 {
@@ -20,6 +20,8 @@ int removeSetting(const QString &key, const QString &name);
 /// To a file that does not exist yet, unless `overwrite`; "-" is standard output.
 int exportSettingsTo(const QString &file, bool overwrite);
 /// "-" is standard input.
-int importSettingsFrom(const QString &file);
+///
+/// Values that make programs run are left out and told, unless their names are among those `wanted`.
+int importSettingsFrom(const QString &file, const QStringList &wanted);
 
 } // namespace console

@@ -3,6 +3,7 @@
 #include "app/front_end/window_front_end.h"
 #include "app/window/recovery_dialog.h"
 #include "host/acui/acuifile.h"
+#include "host/base/path_name.h"
 
 #include <QApplication>
 #include <QDir>
@@ -126,7 +127,7 @@ bool DocumentGuard::open(const QString &path)
 {
     const auto &documents = acDocManager()->documents();
     const bool isOpen = std::ranges::any_of(documents, [&](const auto &each) {
-        return each->isNamedDrawing() && QFileInfo(each->fileName()) == QFileInfo(path);
+        return each->isNamedDrawing() && each->fileName() == base::fullPath(path);
     });
     if (const auto copy = isOpen ? std::nullopt : AcApRecovery::newerCopy(path)) {
         QMessageBox box(
@@ -140,7 +141,7 @@ bool DocumentGuard::open(const QString &path)
             return pressed == QMessageBox::Yes && openRecovered(*copy);
     }
     AcApOpenAs as = AcApOpenAs::editable;
-    if (const auto holder = acapForeignLock(QFileInfo(path).canonicalFilePath())) {
+    if (const auto holder = acapForeignLock(base::fullPath(path))) {
         QMessageBox box(QMessageBox::Question, {},
                         tr("%1 正由 %2 编辑。").arg(QFileInfo(path).fileName(), holderText(*holder)),
                         QMessageBox::Open | QMessageBox::Ignore | QMessageBox::Cancel, m_window);
@@ -167,6 +168,8 @@ bool DocumentGuard::write(AcApDocument *document, const QString &path, AcApOverw
     const auto saved = acDocManager()->saveDocument(document, path, false, overwrite);
     if (saved) {
         m_front.print(u'\n' + tr("已保存 %1。").arg(QDir::toNativeSeparators(document->fileName())));
+        if (!saved->note.isEmpty())
+            m_front.print(u'\n' + saved->note);
         return true;
     }
     return !acDocManager()->wasStopped() && tell(tr("不能保存图形: %1").arg(saved.error()));
@@ -181,8 +184,7 @@ bool DocumentGuard::saveElsewhere(AcApDocument *document, const QString &reason)
 
 bool DocumentGuard::save(AcApDocument *document, const QString &path)
 {
-    if (!path.isEmpty() &&
-        (!document->isNamedDrawing() || QFileInfo(path) != QFileInfo(document->fileName())))
+    if (!path.isEmpty() && (!document->isNamedDrawing() || base::fullPath(path) != document->fileName()))
         return write(document, path, AcApOverwriteChanged::no);
     if (!document->isNamedDrawing())
         return saveAs(document);
@@ -260,6 +262,16 @@ void DocumentGuard::offerRecovery()
     }
 }
 
+bool DocumentGuard::leaveAtOnce()
+{
+    if (acDocManager()->isBusy())
+        return false;
+    m_recovery.copyNow();
+    m_recovery.finish();
+    acDocManager()->giveBackLocks();
+    return true;
+}
+
 void DocumentGuard::watch(bool on)
 {
     if (on) {
@@ -299,7 +311,7 @@ void DocumentGuard::checkFiles()
     for (const auto &document : acDocManager()->documents()) {
         if (acDocManager()->changedOnDisk(*document) != AcApFileChange::changed)
             continue;
-        const auto stamp = acapFileStamp(document->fileName());
+        const auto stamp = base::fileStamp(document->fileName());
         const auto told = m_told.find(document->fileName());
         if (told != m_told.end() && told->second == stamp)
             continue;

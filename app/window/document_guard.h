@@ -40,6 +40,9 @@ public:
     bool mayClose(const std::vector<AcApDocument *> &documents) override;
     /// The same for all drawings.
     bool mayQuit();
+    /// Without a question: everything unsaved stands in recovery copies, and the locks are given back. False
+    /// while a drawing is being opened or saved.
+    bool leaveAtOnce();
     /// Shows what earlier sessions left; opens it, discards it or keeps it for later.
     void offerRecovery();
     /// Recovery copies are written, and changes on disk are noticed when the window becomes active.
@@ -69,7 +72,7 @@ private:
     QWidget *m_window;
     AcApRecovery m_recovery;
     QTimer m_timer;
-    std::map<QString, std::optional<AcApFileStamp>> m_told; ///< Changes on disk, by path.
+    std::map<QString, std::optional<base::FileStamp>> m_told; ///< Changes on disk, by path.
     QString m_toldTrouble;
     bool m_isAsking = false;
 };

@@ -318,6 +318,14 @@ void MainWindow::close(int place)
     });
 }
 
+bool MainWindow::leaveAtOnce()
+{
+    if (!m_guard.leaveAtOnce())
+        return false;
+    keepSettings();
+    return true;
+}
+
 void MainWindow::quit()
 {
     if (m_guard.mayQuit())

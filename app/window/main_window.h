@@ -34,6 +34,8 @@ public:
     void start(const QStringList &files);
     /// Opens drawings when the editor is free; failures are told in message boxes.
     void openFiles(const QStringList &files);
+    /// Without a question (DocumentGuard::leaveAtOnce).
+    bool leaveAtOnce();
     /// Position and panels, for the next run.
     void keepSettings() const;
 

@@ -1,6 +1,7 @@
 #include "app/window/window_run.h"
 
 #include "app/front_end/window_front_end.h"
+#include "app/window/ended_from_outside.h"
 #include "app/window/first_start.h"
 #include "app/window/main_window.h"
 #include "app/window/readable_palette.h"
@@ -55,6 +56,7 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);
     {
         MainWindow mainWindow(front);
+        const EndedFromOutside ended([&mainWindow] { return mainWindow.leaveAtOnce(); });
         takeFirstSettings(os::SettingsStore::user(),
                           prefersEnglish() ? QStringLiteral("en") : QStringLiteral("zh_CN"));
         loadModules();

@@ -3,6 +3,7 @@
 #include "host/base/file_bytes.h"
 #include "host/base/host_text.h"
 #include "host/formats/dxf/dxfreader.h"
+#include "host/formats/dxf/dxfsource.h"
 #include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
 
@@ -57,16 +58,23 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QStri
     return *std::move(database);
 }
 
-base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
-                                             const base::Progress &progress)
+std::uint64_t acapDigestAsRead(const AcDbDatabase &database)
+{
+    const auto *const source = dynamic_cast<const DxfSource *>(database.source());
+    return source ? base::contentDigest(source->bytes()) : 0;
+}
+
+base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
+                                                          const base::Progress &progress,
+                                                          const base::MayReplace &mayReplace)
 {
     // The name is a promise to whoever opens the file next.
     if (path.endsWith(QLatin1String(".dwg"), Qt::CaseInsensitive))
         return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
-    const auto written = writeDxf(database, path, progress);
+    auto written = writeDxf(database, path, progress, mayReplace);
     if (!written)
         return base::Failure{written.error().text()};
-    return {};
+    return *std::move(written);
 }
 
 std::unique_ptr<AcDbDatabase> acapTemplateDrawing()

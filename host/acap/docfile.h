@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/acdb/dbdatabase.h"
+#include "host/base/atomic_file.h"
 #include "host/base/progress.h"
 #include "host/base/result.h"
 
@@ -10,8 +11,12 @@
 /// The error is a sentence with file, place and reason.
 base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QString &path,
                                                                      const base::Progress &progress = {});
-/// Writes in the drawing's own format and version; a crash, or `progress` saying no, leaves the old file.
-base::Result<void, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
-                                             const base::Progress &progress = {});
+/// Of the bytes that the drawing was read from (base::contentDigest).
+std::uint64_t acapDigestAsRead(const AcDbDatabase &database);
+/// Writes in the drawing's own format and version; a crash, or `progress` or `mayReplace` saying no, leaves
+/// the old file.
+base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
+                                                          const base::Progress &progress,
+                                                          const base::MayReplace &mayReplace);
 /// A drawing made from the built-in template.
 std::unique_ptr<AcDbDatabase> acapTemplateDrawing();

@@ -6,6 +6,7 @@
 #include "host/base/assert.h"
 #include "host/base/atomic_file.h"
 #include "host/base/host_text.h"
+#include "host/base/path_name.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -44,14 +45,6 @@ void AcApDocument::settleFolder()
 
 /// No state of the drawing is the one in its file.
 static constexpr std::uint64_t kNeverSaved = ~std::uint64_t(0);
-
-/// One spelling for one file: absolute, links resolved when the file exists.
-static QString fullPath(const QString &path)
-{
-    const QFileInfo file(path);
-    const QString canonical = file.canonicalFilePath();
-    return canonical.isEmpty() ? file.absoluteFilePath() : canonical;
-}
 
 // Document manager --------------------------------------------------------------------------------
 
@@ -173,7 +166,9 @@ AcApDocManager::load(const QString &name, const QString &content, std::optional<
         return base::Failure{busyReason(content)};
     auto document = std::make_unique<AcApDocument>();
     document->m_fileName = name;
-    document->m_stamp = acapFileStamp(name); // Before reading: what is written meanwhile counts as a change.
+    document->m_stamp =
+        base::fileStamp(name); // Before reading: what is written meanwhile counts as a change.
+    const bool isYoung = document->m_stamp && document->m_stamp->isYoung();
     if (as && m_locksFiles && document->m_stamp)
         lockFile(*document, *as);
     auto database = withProgress(Host::tr("正在打开 %1").arg(QFileInfo(content).fileName()),
@@ -181,6 +176,9 @@ AcApDocManager::load(const QString &name, const QString &content, std::optional<
     if (!database)
         return base::Failure{database.error()};
     document->m_database = std::move(*database);
+    document->m_stampIsYoung = isYoung;
+    if (name == content)
+        document->m_contentDigest = [read = document->database()] { return acapDigestAsRead(*read); };
     return document;
 }
 
@@ -195,7 +193,7 @@ AcApDocument *AcApDocManager::documentOfFile(const QString &file) const
 
 base::Result<AcApDocument *, QString> AcApDocManager::openDocument(const QString &path, AcApOpenAs as)
 {
-    const QString file = fullPath(path);
+    const QString file = base::fullPath(path);
     if (AcApDocument *const opened = documentOfFile(file)) {
         activateDocument(opened);
         return opened;
@@ -220,21 +218,21 @@ base::Result<AcApDocument *, QString> AcApDocManager::rereadDocument(AcApDocumen
 
 /// What a drawing takes for its file when it is opened from a copy; a stamp of no file at all counts every
 /// file as changed.
-static AcApFileStamp stampBehindCopy(const QString &file, const std::optional<AcApFileStamp> &present,
-                                     const QString &copy, std::optional<AcApFileStamp> grewFrom)
+static base::FileStamp stampBehindCopy(const QString &file, const std::optional<base::FileStamp> &present,
+                                       const QString &copy, std::optional<base::FileStamp> grewFrom)
 {
     if (grewFrom && present)
         grewFrom->device = present->device; // Numbers of devices change when the machine starts.
     if (grewFrom)
         return *grewFrom;
     const bool isNewer = QFileInfo(file).lastModified() > QFileInfo(copy).lastModified();
-    return present && !isNewer ? *present : AcApFileStamp();
+    return present && !isNewer ? *present : base::FileStamp();
 }
 
 base::Result<AcApDocument *, QString> AcApDocManager::openCopy(const QString &copy, const QString &original,
-                                                               const std::optional<AcApFileStamp> &grewFrom)
+                                                               const std::optional<base::FileStamp> &grewFrom)
 {
-    const QString file = original.isEmpty() ? QString() : fullPath(original);
+    const QString file = original.isEmpty() ? QString() : base::fullPath(original);
     if (documentOfFile(file))
         return base::Failure{Host::tr("%1: the drawing is open already").arg(file)};
     auto loaded = load(file, copy, AcApOpenAs::editable);
@@ -251,38 +249,68 @@ AcApFileChange AcApDocManager::changedOnDisk(const AcApDocument &document) const
 {
     if (!document.m_stamp)
         return AcApFileChange::none;
-    const auto present = acapFileStamp(document.m_fileName);
+    const auto present = base::fileStamp(document.m_fileName);
     if (!present)
         return AcApFileChange::missing;
     return present == document.m_stamp ? AcApFileChange::none : AcApFileChange::changed;
 }
 
-/// A lock counts against everybody who would write the file, scripts included.
-base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, const QString &target,
-                                                    AcApOverwriteChanged overwrite)
+static QString editedBy(const QString &target, const AcApLockHolder &holder)
 {
+    return Host::
+        tr("%1: %2 has it open for editing or is saving it; try again when he is done, or save under another "
+           "name")
+            .arg(target, holder.text());
+}
+
+/// Size and time can agree although somebody wrote the file: when it was written just before it was read, or
+/// when he set the time back. Then the content decides.
+static bool isAsKnown(const QString &path, const base::FileStamp &known, bool isYoung,
+                      const std::function<std::uint64_t()> &digest)
+{
+    const auto present = base::fileStamp(path);
+    if (!present || *present != known)
+        return false;
+    const bool isTrusted = !isYoung && present->changed == known.changed;
+    return isTrusted || !digest || base::fileDigest(path) == digest();
+}
+
+/// A lock counts against everybody who would write the file, and everybody takes it to write, scripts
+/// included.
+base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, const QString &target,
+                                                    AcApOverwriteChanged overwrite, AcApFileLock &whileSaving)
+{
+    const bool isOwn = target == document.m_fileName;
     if (const AcApDocument *const other = documentOfFile(target); other && other != &document)
         return base::Failure{Host::tr("%1: the file is open as another document").arg(target)};
     if (const auto holder = acapForeignLock(target))
-        return base::Failure{Host::tr("%1: %2 has it open for editing").arg(target, holder->text())};
-    if (target != document.m_fileName)
+        return base::Failure{editedBy(target, *holder)};
+    if (isOwn && overwrite == AcApOverwriteChanged::no && changedOnDisk(document) == AcApFileChange::changed)
+        return base::Failure{base::FileError{base::FileError::Code::changed, 0, target}.text()};
+    if (isOwn && document.m_fileLock.isHeld())
         return {};
-    if (overwrite == AcApOverwriteChanged::no && changedOnDisk(document) == AcApFileChange::changed)
-        return base::Failure{
-            Host::tr("%1: somebody changed the file since it was opened, it is not overwritten").arg(target)};
-    if (document.isReadOnly())
-        lockFile(document, AcApOpenAs::editable); // He has left in the meantime.
+    if (isOwn && m_locksFiles)
+        lockFile(document, AcApOpenAs::editable); // Whoever had it has left in the meantime.
+    AcApFileLock &lock = isOwn && m_locksFiles ? document.m_fileLock : whileSaving;
+    if (&lock == &whileSaving ? lock.acquire(target) == AcApFileLock::refused : document.isReadOnly())
+        return base::Failure{editedBy(target, lock.holder())};
     return {};
+}
+
+void AcApDocManager::rememberFile(AcApDocument &document, const base::WrittenFile &written)
+{
+    document.m_stamp = written.stamp;
+    document.m_stampIsYoung = true;
+    document.m_contentDigest = [digest = written.digest] { return digest; };
 }
 
 /// After the file was written under the document's name, or under one that becomes its name.
 void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, std::uint64_t state)
 {
-    const QString name = fullPath(target);
+    const QString name = base::fullPath(target);
     const bool isRenamed = std::exchange(document.m_fileName, name) != name;
     document.settleFolder();
     document.m_savedState = state;
-    document.m_stamp = acapFileStamp(name);
     if (isRenamed) {
         document.m_fileLock.release();
         document.m_barredBy.reset();
@@ -292,29 +320,66 @@ void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, 
     notify([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
 }
 
-base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document, const QString &path,
-                                                         bool copyOnly, AcApOverwriteChanged overwrite)
+/// What the target must still be when it is replaced: what the document read or wrote, or what it is now.
+static base::MayReplace whatIsMeant(const AcApDocument &document, const QString &target,
+                                    AcApOverwriteChanged overwrite, const base::MayReplace &isOwnFile)
 {
-    const QString target = path.isEmpty() ? document->m_fileName : fullPath(path);
+    if (overwrite == AcApOverwriteChanged::nothing)
+        return [](const QString &) { return false; };
+    if (overwrite == AcApOverwriteChanged::no && target == document.fileName() && document.fileStamp())
+        return isOwnFile;
+    const auto present = base::fileStamp(target);
+    return [present](const QString &path) {
+        const auto now = base::fileStamp(path);
+        return now && present && now == present && now->changed == present->changed;
+    };
+}
+
+static QString noteOf(const QString &target, const base::WrittenFile &written)
+{
+    if (written.notKept.isEmpty())
+        return {};
+    return Host::tr("%1 is saved, but could not keep %2")
+        .arg(target, written.notKept.join(QStringLiteral(", ")));
+}
+
+base::Result<AcApSaved, QString> AcApDocManager::saveDocument(AcApDocument *document, const QString &path,
+                                                              bool copyOnly, AcApOverwriteChanged overwrite)
+{
+    const QString target = path.isEmpty() ? document->m_fileName : base::fullPath(path);
     if (target.isEmpty())
         return base::Failure{Host::tr("%1: the drawing has no file name yet").arg(document->docTitle())};
     if (m_isBusy)
         return base::Failure{busyReason(target)};
-    if (const auto checked = maySave(*document, target, overwrite); !checked)
+    AcApFileLock whileSaving;
+    if (const auto checked = maySave(*document, target, overwrite, whileSaving); !checked)
         return base::Failure{checked.error()};
+    const base::MayReplace mayReplace =
+        whatIsMeant(*document, target, overwrite, [document](const QString &file) {
+            return isAsKnown(file, *document->m_stamp, document->m_stampIsYoung, document->m_contentDigest);
+        });
     const std::uint64_t state = document->m_database->editState();
     const auto written =
         withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {
-            return acapWriteDrawing(*document->m_database, target, p);
+            return acapWriteDrawing(*document->m_database, target, p, mayReplace);
         });
     if (!written)
         return base::Failure{written.error()};
     base::removeLeftTemporaryFiles(QFileInfo(target).path());
-    if (!copyOnly)
+    const bool isOwn = base::fullPath(target) == document->m_fileName;
+    if (!copyOnly || isOwn)
+        rememberFile(*document, *written);
+    if (!copyOnly) {
+        whileSaving.release(); // The document may take the lock for as long as it is open.
         settleSaved(*document, target, state);
-    else if (fullPath(target) == document->m_fileName)
-        document->m_stamp = acapFileStamp(target);
-    return true;
+    }
+    return AcApSaved{noteOf(target, *written)};
+}
+
+void AcApDocManager::giveBackLocks()
+{
+    for (const auto &document : m_documents)
+        document->m_fileLock.release();
 }
 
 // Current and closed ------------------------------------------------------------------------------

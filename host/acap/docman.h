@@ -2,8 +2,8 @@
 #pragma once
 
 #include "host/acap/filelock.h"
-#include "host/acap/filestamp.h"
 #include "host/acdb/dbdatabase.h"
+#include "host/base/file_stamp.h"
 #include "host/base/progress.h"
 #include "host/base/result.h"
 
@@ -14,6 +14,11 @@
 #include <memory>
 #include <optional>
 #include <vector>
+
+namespace base
+{
+struct WrittenFile;
+}
 
 namespace AcAp
 {
@@ -87,7 +92,7 @@ public:
     bool isModified() const;
 
     /// Of the file as it was read or last written; none for a drawing without one.
-    const std::optional<AcApFileStamp> &fileStamp() const { return m_stamp; }
+    const std::optional<base::FileStamp> &fileStamp() const { return m_stamp; }
 
     AcAp::DocLockMode lockMode() const { return m_lockMode; }
 
@@ -125,8 +130,11 @@ private:
     int m_number = 1;
     void settleFolder();
 
-    std::uint64_t m_savedState = 0;       ///< AcDbDatabase::editState().
-    std::optional<AcApFileStamp> m_stamp; ///< Of the file as it was read or written.
+    std::uint64_t m_savedState = 0;         ///< AcDbDatabase::editState().
+    std::optional<base::FileStamp> m_stamp; ///< Of the file as it was read or written.
+    bool m_stampIsYoung = false;            ///< The file may have been written again at the same time.
+    std::function<std::uint64_t()>
+        m_contentDigest; ///< Of the file's content then; null when it is not known.
     AcApFileLock m_fileLock;
     std::optional<AcApLockHolder> m_barredBy;
     std::optional<AcApFileLock::Result> m_lockResult;
@@ -161,8 +169,18 @@ enum class AcApOpenAs {
     readOnly, ///< Without a lock of our own.
     takeOver, ///< The other's lock is taken from him; he cannot save any more.
 };
-/// What saving does about a file that somebody wrote since it was read.
-enum class AcApOverwriteChanged { no, yes };
+/// What saving does about a file that somebody wrote since it was read. A file that is written during the
+/// saving is not overwritten whatever was said.
+enum class AcApOverwriteChanged {
+    no,
+    yes,
+    nothing, ///< There must be no such file at all.
+};
+
+/// A drawing that was saved.
+struct AcApSaved {
+    QString note; ///< What of the file could not be kept, as a sentence; mostly empty.
+};
 
 /// All open documents. Opening tells the modules that a drawing was loaded (AcRx::kLoadDwgMsg).
 class AcApDocManager
@@ -189,7 +207,7 @@ public:
     /// where that is not known, when it is newer than the copy.
     base::Result<AcApDocument *, QString>
     openCopy(const QString &copy, const QString &original,
-             const std::optional<AcApFileStamp> &grewFrom = std::nullopt);
+             const std::optional<base::FileStamp> &grewFrom = std::nullopt);
     /// Opens the file of an open drawing anew, whose changes are lost. When the file cannot be read the
     /// drawing stays as it is.
     base::Result<AcApDocument *, QString> rereadDocument(AcApDocument *document);
@@ -198,15 +216,18 @@ public:
     /// A document over a database made elsewhere (tests).
     AcApDocument *addDocument(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
     /// Saves under the document's name or under `path`, which becomes its name unless `copyOnly`. Refuses a
-    /// file that somebody else has open for editing, and the document's own when somebody wrote it since; the
-    /// error says who and what.
-    base::Result<bool, QString> saveDocument(AcApDocument *document, const QString &path,
-                                             bool copyOnly = false,
-                                             AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
+    /// file that somebody else has open for editing or is saving, and the document's own when somebody wrote
+    /// it since; the error says who and what. While it writes it holds the file's lock, whoever wished for
+    /// locks.
+    base::Result<AcApSaved, QString> saveDocument(AcApDocument *document, const QString &path,
+                                                  bool copyOnly = false,
+                                                  AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
     AcApFileChange changedOnDisk(const AcApDocument &document) const;
-    /// From now on drawings that are opened for editing get a lock file; the window wants that, scripts do
-    /// not.
+    /// From now on drawings that are opened for editing keep a lock file as long as they are open; the window
+    /// wants that, scripts do not.
     void setLocksFiles(bool locks) { m_locksFiles = locks; }
+    /// Gives up all lock files: for a program that is about to be ended from outside.
+    void giveBackLocks();
 
     /// Hears how far opening and saving are, at most 30 times a second, and with an empty text at the end.
     /// False stops the work.
@@ -239,7 +260,8 @@ private:
     AcApDocument *documentOfFile(const QString &file) const;
     void lockFile(AcApDocument &document, AcApOpenAs as);
     base::Result<void, QString> maySave(AcApDocument &document, const QString &target,
-                                        AcApOverwriteChanged overwrite);
+                                        AcApOverwriteChanged overwrite, AcApFileLock &whileSaving);
+    void rememberFile(AcApDocument &document, const base::WrittenFile &written);
     void settleSaved(AcApDocument &document, const QString &target, std::uint64_t state);
     void showLockMode(AcApDocument *document);
     template <class Notify>

@@ -1,8 +1,8 @@
 #include "host/acap/filelock.h"
 
 #include "host/base/host_text.h"
+#include "host/base/path_name.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -37,7 +37,7 @@ QString acapLockFileName(const QString &drawing)
 static QString userName()
 {
     const passwd *const entry = ::getpwuid(::geteuid());
-    return entry ? QFile::decodeName(entry->pw_name) : QString::number(::geteuid());
+    return entry ? base::decodePath(entry->pw_name) : QString::number(::geteuid());
 }
 
 static QByteArray lineOf(const AcApLockHolder &holder)
@@ -102,7 +102,7 @@ static bool isStale(int file, const AcApLockHolder &holder)
 
 std::optional<AcApLockHolder> acapForeignLock(const QString &drawing)
 {
-    const QByteArray name = QFile::encodeName(acapLockFileName(drawing));
+    const QByteArray name = base::encodePath(acapLockFileName(drawing));
     const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return std::nullopt;
@@ -114,11 +114,14 @@ std::optional<AcApLockHolder> acapForeignLock(const QString &drawing)
 
 /// Two programs that find the same stale lock must not both get it: the file is held (flock) from the look at
 /// its line to the new line, and must still be the one beside the drawing.
-static AcApFileLock::Result takeOver(const QByteArray &name, bool force, AcApLockHolder &holder)
+static std::optional<AcApFileLock::Result> takeOver(const QByteArray &name, bool force,
+                                                    AcApLockHolder &holder)
 {
     const int file = ::open(name.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
     if (file < 0) {
         const int reader = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (reader < 0 && errno == ENOENT)
+            return std::nullopt;
         if (reader < 0)
             return AcApFileLock::impossible;
         holder = holderOf(readLine(reader));
@@ -131,10 +134,29 @@ static AcApFileLock::Result takeOver(const QByteArray &name, bool force, AcApLoc
     struct stat named;
     const bool isSame = ::fstat(file, &held) == 0 && ::stat(name.constData(), &named) == 0 &&
                         held.st_ino == named.st_ino && held.st_dev == named.st_dev;
-    AcApFileLock::Result result = AcApFileLock::refused;
+    std::optional<AcApFileLock::Result> result;
+    if (isSame)
+        result = AcApFileLock::refused;
     if (isSame && (force || isStale(file, holder)))
         result = writeLine(file, ourselves()) ? AcApFileLock::takenOver : AcApFileLock::impossible;
     ::close(file);
+    return result;
+}
+
+/// None when there is a lock file, but it went while it was looked at.
+static std::optional<AcApFileLock::Result> tryToTake(const QByteArray &name, bool force,
+                                                     AcApLockHolder &holder)
+{
+    const int file = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    AcApFileLock::Result result = AcApFileLock::impossible;
+    if (file >= 0) {
+        result = writeLine(file, ourselves()) ? AcApFileLock::taken : AcApFileLock::impossible;
+        ::close(file);
+        if (result == AcApFileLock::impossible)
+            ::unlink(name.constData());
+    } else if (errno == EEXIST) {
+        return takeOver(name, force, holder);
+    }
     return result;
 }
 
@@ -142,20 +164,26 @@ AcApFileLock::Result AcApFileLock::acquire(const QString &drawing, bool force)
 {
     release();
     const QString path = acapLockFileName(drawing);
-    const QByteArray name = QFile::encodeName(path);
-    const int file = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    Result result = impossible;
-    if (file >= 0) {
-        result = writeLine(file, ourselves()) ? taken : impossible;
-        ::close(file);
-        if (result == impossible)
-            ::unlink(name.constData());
-    } else if (errno == EEXIST) {
-        result = takeOver(name, force, m_holder);
-    }
+    const QByteArray name = base::encodePath(path);
+    std::optional<Result> result;
+    constexpr int kAttempts = 100; // Others come and go.
+    for (int attempt = 0; attempt < kAttempts && !result; ++attempt)
+        result = tryToTake(name, force, m_holder);
     if (result == taken || result == takenOver)
         m_file = path;
-    return result;
+    return result.value_or(refused);
+}
+
+bool AcApFileLock::isHeld() const
+{
+    if (m_file.isEmpty())
+        return false;
+    const int file = ::open(base::encodePath(m_file).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
+        return false;
+    const bool isOurs = holderOf(readLine(file)).process == acapThisProcess();
+    ::close(file);
+    return isOurs;
 }
 
 void AcApFileLock::release()
@@ -163,7 +191,7 @@ void AcApFileLock::release()
     if (m_file.isEmpty())
         return;
     // Somebody may have taken it over in the meantime.
-    const QByteArray name = QFile::encodeName(std::exchange(m_file, {}));
+    const QByteArray name = base::encodePath(std::exchange(m_file, {}));
     const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0)
         return;

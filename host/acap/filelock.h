@@ -43,6 +43,8 @@ public:
 
     /// Gives up what it held before. With `force` a living holder's lock is taken over too.
     Result acquire(const QString &drawing, bool force = false);
+    /// False also when somebody took it over meanwhile.
+    bool isHeld() const;
     void release();
 
     /// Who refused the lock, or whose lock was taken over.

@@ -3,6 +3,7 @@
 #include "host/acdb/dbobject.h"
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
+#include "host/base/path_name.h"
 #include "host/formats/dxf/dxfwriter.h"
 
 #include <QDir>
@@ -46,7 +47,7 @@ static QString recordOf(const QString &copy)
     return copy + QStringLiteral(".record");
 }
 
-static QString stampText(const AcApFileStamp &stamp)
+static QString stampText(const base::FileStamp &stamp)
 {
     return QStringLiteral("file %1 %2 %3 %4 %5\n")
         .arg(stamp.device)
@@ -56,24 +57,24 @@ static QString stampText(const AcApFileStamp &stamp)
         .arg(stamp.nanoseconds);
 }
 
-static std::optional<AcApFileStamp> readStamp(const QString &value)
+static std::optional<base::FileStamp> readStamp(const QString &value)
 {
     const QStringList numbers = value.split(u' ');
     if (numbers.size() != 5)
         return std::nullopt;
-    return AcApFileStamp{numbers[0].toULongLong(), numbers[1].toULongLong(), numbers[2].toULongLong(),
-                         numbers[3].toLongLong(), numbers[4].toLongLong()};
+    return base::FileStamp{numbers[0].toULongLong(), numbers[1].toULongLong(), numbers[2].toULongLong(),
+                           numbers[3].toLongLong(), numbers[4].toLongLong()};
 }
 
 /// "original", "title", "time" and "file", a line each, name and value parted by a blank.
 static QByteArray recordText(const AcApRecoverable &copy)
 {
     const QString file = copy.grewFrom ? stampText(*copy.grewFrom) : QString();
-    const QString text =
-        QStringLiteral("%1\noriginal %2\ntitle %3\ntime %4\npid %5\n")
-            .arg(QString::fromLatin1(kMark), QString::fromLatin1(QUrl::toPercentEncoding(copy.original, "/")),
-                 copy.title, copy.time.toUTC().toString(Qt::ISODateWithMs))
-            .arg(acapThisProcess().pid);
+    const QString text = QStringLiteral("%1\noriginal %2\ntitle %3\ntime %4\npid %5\n")
+                             .arg(QString::fromLatin1(kMark),
+                                  QString::fromLatin1(base::encodePath(copy.original).toPercentEncoding("/")),
+                                  copy.title, copy.time.toUTC().toString(Qt::ISODateWithMs))
+                             .arg(acapThisProcess().pid);
     return (text + file).toUtf8();
 }
 
@@ -93,7 +94,7 @@ static AcApRecoverable readRecord(const QString &copy)
     for (const QString &line : lines) {
         const QString value = line.section(u' ', 1);
         if (line.startsWith(QLatin1String("original ")))
-            found.original = QUrl::fromPercentEncoding(value.toLatin1());
+            found.original = base::decodePath(QByteArray::fromPercentEncoding(value.toLatin1()));
         else if (line.startsWith(QLatin1String("title ")))
             found.title = value;
         else if (line.startsWith(QLatin1String("time ")))
@@ -118,8 +119,8 @@ QList<AcApRecoverable> AcApRecovery::recoverable(const QString &folder)
 
 std::optional<AcApRecoverable> AcApRecovery::newerCopy(const QString &drawing, const QString &folder)
 {
-    const QFileInfo file(drawing);
-    const QString path = file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();
+    const QString path = base::fullPath(drawing);
+    const QFileInfo file(path);
     for (const AcApRecoverable &copy : recoverable(folder)) {
         if (copy.original == path && (!file.exists() || copy.time > file.lastModified()))
             return copy;
@@ -180,10 +181,20 @@ void AcApRecovery::tick(Clock::time_point now)
     if (m_manager.isBusy())
         return;
     for (const auto &document : m_manager.documents())
-        look(*document, m_watched[document.get()], now);
+        look(*document, m_watched[document.get()], now, m_interval);
 }
 
-void AcApRecovery::look(AcApDocument &document, Watched &watched, Clock::time_point now)
+void AcApRecovery::copyNow()
+{
+    if (m_manager.isBusy())
+        return;
+    finish();
+    for (const auto &document : m_manager.documents())
+        look(*document, m_watched[document.get()], Clock::now(), std::chrono::milliseconds(0));
+}
+
+void AcApRecovery::look(AcApDocument &document, Watched &watched, Clock::time_point now,
+                        std::chrono::milliseconds interval)
 {
     const bool isWriting = watched.writing.valid() &&
                            watched.writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
@@ -200,7 +211,7 @@ void AcApRecovery::look(AcApDocument &document, Watched &watched, Clock::time_po
     }
     if (!std::exchange(watched.isBehind, true))
         watched.changedAt = now;
-    if (now - watched.changedAt >= m_interval && !isBeingWritten(*document.database()))
+    if (now - watched.changedAt >= interval && !isBeingWritten(*document.database()))
         copy(document, watched);
 }
 
@@ -224,8 +235,11 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
     watched.stop = false;
     watched.writing = std::async(
         std::launch::async, [image = std::move(*taken), record, &stop = watched.stop]() -> QString {
-            if (const auto done = image.write(record.copy, [&stop](double) { return !stop; }); !done)
-                return done.error().text();
+            bool wasStopped = false;
+            const auto done =
+                image.write(record.copy, [&](double) { return !(wasStopped = wasStopped || stop); });
+            if (!done)
+                return wasStopped ? QString() : done.error().text();
             const auto recorded = base::writeFileAtomically(recordOf(record.copy), recordText(record));
             return recorded ? QString() : recorded.error().text();
         });
@@ -262,8 +276,7 @@ void AcApRecovery::drop(AcApDocument *document)
     if (watched == m_watched.end())
         return;
     watched->second.stop = true;
-    if (watched->second.writing.valid())
-        watched->second.writing.wait();
+    settle(watched->second); // A copy that failed is trouble, also when it is no longer needed.
     if (!watched->second.copy.isEmpty())
         discard({watched->second.copy, {}, {}, {}, {}});
     m_watched.erase(watched);

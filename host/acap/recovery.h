@@ -17,11 +17,11 @@ class DxfImage;
 
 /// A copy that a program left behind.
 struct AcApRecoverable {
-    QString copy;                          ///< The drawing file with the unsaved changes.
-    QString original;                      ///< Empty when the drawing had never been saved.
-    QString title;                         ///< "plan.dxf"; the copy's own name when its record is lost.
-    QDateTime time;                        ///< Of the state that the copy holds.
-    std::optional<AcApFileStamp> grewFrom; ///< The drawing's file as it was read or last written.
+    QString copy;                            ///< The drawing file with the unsaved changes.
+    QString original;                        ///< Empty when the drawing had never been saved.
+    QString title;                           ///< "plan.dxf"; the copy's own name when its record is lost.
+    QDateTime time;                          ///< Of the state that the copy holds.
+    std::optional<base::FileStamp> grewFrom; ///< The drawing's file as it was read or last written.
 };
 
 class AcApRecovery : public AcApDocManagerReactor
@@ -44,6 +44,8 @@ public:
     /// Called every now and then, between commands or while one waits. A drawing in which an object is open
     /// for writing has to wait for the next time.
     void tick(Clock::time_point now = Clock::now());
+    /// Begins a copy of every change that no copy holds, however young it is.
+    void copyNow();
     /// Waits until everything that was begun is written.
     void finish();
     /// The last trouble with writing; empty when there is none. Copies go on being tried.
@@ -72,7 +74,8 @@ private:
         std::future<QString> writing; ///< The trouble, if any.
     };
 
-    void look(AcApDocument &document, Watched &watched, Clock::time_point now);
+    void look(AcApDocument &document, Watched &watched, Clock::time_point now,
+              std::chrono::milliseconds interval);
     void copy(AcApDocument &document, Watched &watched);
     QString freshCopyPath();
     void settle(Watched &watched);

@@ -2,6 +2,7 @@
 #include "host/aced/edfrontend.h"
 
 #include "host/acap/docman.h"
+#include "host/base/terminal_text.h"
 
 #include <cstdio>
 #include <utility>
@@ -15,7 +16,10 @@ public:
     std::optional<AcEdAnswer> answer(const AcEdPrompt &) override { return std::nullopt; }
     std::optional<QString> dialogLine(const QString &) override { return std::nullopt; }
     bool isScripted() const override { return true; }
-    void print(const QString &text) override { std::fputs(text.toUtf8().constData(), stderr); }
+    void print(const QString &text) override
+    {
+        std::fputs(base::terminalText(text).toUtf8().constData(), stderr);
+    }
 };
 
 AcEdFrontEnd *none()

@@ -1,9 +1,14 @@
 // The console verbs of the process.
 #include "host/aced/edverbs.h"
 
+#include "host/base/file_error.h"
+#include "host/base/host_text.h"
+#include "host/base/terminal_text.h"
+
 #include <QJsonDocument>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 static std::vector<AcEdVerb> &verbs()
@@ -53,11 +58,29 @@ const std::vector<AcEdAreaOption> &acedAreaOptions()
     return areaOptions();
 }
 
+/// The first failure: what comes afterwards may find room again, and yet something is missing.
+static int &outputError()
+{
+    static int systemError = 0;
+    return systemError;
+}
+
 void acedPrintResult(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
-    std::fflush(stdout);
+    const QByteArray bytes = base::terminalText(text).toUtf8();
+    errno = 0;
+    const bool written =
+        std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout) == std::size_t(bytes.size()) &&
+        std::fflush(stdout) == 0;
+    if (!written && outputError() == 0)
+        outputError() = errno != 0 ? errno : EIO;
+}
+
+QString acedResultTrouble()
+{
+    if (outputError() == 0)
+        return {};
+    return base::FileError::fromErrno(Host::tr("standard output"), outputError()).text();
 }
 
 void acedPrintResult(const QJsonObject &object)

@@ -63,7 +63,9 @@ const std::vector<AcEdAreaOption> &acedAreaOptions();
 void acedRegisterVerb(AcEdVerb verb);
 void acedRemoveVerb(const QString &name);
 const std::vector<AcEdVerb> &acedVerbs();
-/// Where verbs print their results.
+/// Where verbs print their results; a terminal's own signs are written out (base::terminalText).
 void acedPrintResult(const QString &text);
 /// With --json: a verb prints its results as objects, one a line.
 void acedPrintResult(const QJsonObject &object);
+/// Why results did not reach standard output, as a sentence; empty when all of them did.
+QString acedResultTrouble();

@@ -1,8 +1,10 @@
 #include "host/base/atomic_file.h"
 
+#include "host/base/file_rights.h"
+#include "host/base/path_name.h"
+
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -22,7 +24,6 @@ namespace base
 static constexpr qsizetype kGatherLimit = 256 * 1024;
 static constexpr int kMaximumLinks = 40; // As many as the kernel follows.
 static constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-static constexpr mode_t kPermissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 
 static QByteArray folderOf(const QByteArray &path)
 {
@@ -49,7 +50,8 @@ static Result<QByteArray, int> resolveLinks(QByteArray path)
 
 /// The system lets a privileged user write everywhere, so the permission bits are looked at as well: a
 /// file that was marked read-only is meant to stay as it is.
-static std::optional<FileError> refusal(const QString &path, const QByteArray &target, mode_t &mode)
+static std::optional<FileError> refusal(const QString &path, const QByteArray &target,
+                                        std::optional<struct stat> &replaced)
 {
     struct stat folder;
     if (::stat(folderOf(target).constData(), &folder) != 0)
@@ -65,7 +67,7 @@ static std::optional<FileError> refusal(const QString &path, const QByteArray &t
     if (exists && ::faccessat(AT_FDCWD, target.constData(), W_OK, AT_EACCESS) != 0)
         return FileError::fromErrno(path, errno);
     if (exists)
-        mode = file.st_mode & kPermissionBits;
+        replaced = file;
     return std::nullopt;
 }
 
@@ -98,33 +100,34 @@ static int createBeside(const QByteArray &target, mode_t mode, QByteArray &tempo
 
 Result<AtomicFileWriter, FileError> AtomicFileWriter::open(const QString &path)
 {
-    const auto target = resolveLinks(QFile::encodeName(path));
+    const auto target = resolveLinks(encodePath(path));
     if (!target)
         return Failure{FileError::fromErrno(path, target.error())};
 
-    constexpr mode_t kUnknownMode = ~mode_t(0);
-    mode_t mode = kUnknownMode;
-    if (auto error = refusal(path, *target, mode))
+    std::optional<struct stat> replaced;
+    if (auto error = refusal(path, *target, replaced))
         return Failure{std::move(*error)};
 
     AtomicFileWriter writer;
     writer.m_path = path;
     writer.m_target = *target;
     // A replaced file's bits count already when the new one is created: nobody else may look in meanwhile.
-    writer.m_file = createBeside(*target, mode == kUnknownMode ? 0666 : mode, writer.m_temporary);
+    const mode_t mode = replaced ? replaced->st_mode & (S_IRWXU | S_IRWXG | S_IRWXO) : 0666;
+    writer.m_file = createBeside(*target, mode, writer.m_temporary);
     if (writer.m_file < 0) {
         writer.m_temporary.clear();
         return Failure{FileError::fromErrno(path, errno)};
     }
-    if (mode != kUnknownMode && ::fchmod(writer.m_file, mode) != 0)
-        return Failure{FileError::fromErrno(path, errno)};
+    if (replaced)
+        writer.m_notKept = copyFileRights(writer.m_file, *target, *replaced);
     return writer;
 }
 
 AtomicFileWriter::AtomicFileWriter(AtomicFileWriter &&other) noexcept
     : m_file(std::exchange(other.m_file, -1)), m_path(std::move(other.m_path)),
       m_target(std::move(other.m_target)), m_temporary(std::exchange(other.m_temporary, {})),
-      m_pending(std::move(other.m_pending)), m_error(std::move(other.m_error))
+      m_pending(std::move(other.m_pending)), m_notKept(std::move(other.m_notKept)),
+      m_error(std::move(other.m_error))
 {
 }
 
@@ -137,6 +140,7 @@ AtomicFileWriter &AtomicFileWriter::operator=(AtomicFileWriter &&other) noexcept
         m_target = std::move(other.m_target);
         m_temporary = std::exchange(other.m_temporary, {});
         m_pending = std::move(other.m_pending);
+        m_notKept = std::move(other.m_notKept);
         m_error = std::move(other.m_error);
     }
     return *this;
@@ -213,30 +217,84 @@ Result<QString, FileError> AtomicFileWriter::finishWriting()
         return Failure{*m_error};
     // The disk works while the caller reads; commit() waits for the rest.
     ::sync_file_range(m_file, 0, 0, SYNC_FILE_RANGE_WRITE);
-    return QFile::decodeName(m_temporary);
+    return decodePath(m_temporary);
 }
 
-Result<void, FileError> AtomicFileWriter::commit()
+/// Kernels and file systems that do not know a flag of renameat2.
+static bool isUnknownFlag(int systemError)
+{
+    return systemError == EINVAL || systemError == ENOSYS || systemError == EOPNOTSUPP;
+}
+
+/// Between the look at the target and the renaming somebody may still write it. Where the system can exchange
+/// two files at once, what was taken out is looked at again, and put back when it is not what was seen.
+std::optional<FileError> AtomicFileWriter::replaceTarget(const MayReplace &mayReplace)
+{
+    const auto failed = [this](int error) { return FileError::fromErrno(m_path, error); };
+    const auto rename = [this](unsigned flags) {
+        return ::renameat2(AT_FDCWD, m_temporary.constData(), AT_FDCWD, m_target.constData(), flags) == 0
+                   ? 0
+                   : errno;
+    };
+    const FileError changed{FileError::Code::changed, 0, m_path};
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const int placed = mayReplace ? rename(RENAME_NOREPLACE) : rename(0);
+        if (placed == 0) {
+            m_temporary.clear();
+            return std::nullopt;
+        }
+        if (!mayReplace || (placed != EEXIST && !isUnknownFlag(placed)))
+            return failed(placed);
+        const auto seen = fileStamp(decodePath(m_target));
+        if (seen && !mayReplace(decodePath(m_target)))
+            return changed;
+        const int exchanged = seen ? rename(RENAME_EXCHANGE) : ENOENT;
+        if (exchanged == 0) {
+            if (fileStamp(decodePath(m_temporary)) == seen)
+                return std::nullopt; // The old file goes with the temporary name.
+            const int putBack = rename(RENAME_EXCHANGE);
+            return putBack == 0 ? changed : failed(putBack);
+        }
+        if (isUnknownFlag(exchanged) || (!seen && isUnknownFlag(placed)))
+            return AtomicFileWriter::replaceTarget({});
+        if (exchanged != ENOENT)
+            return failed(exchanged);
+    }
+    return changed; // It comes and goes.
+}
+
+Result<WrittenFile, FileError> AtomicFileWriter::commit(const MayReplace &mayReplace)
 {
     QUILL_ASSERT(m_file >= 0 || m_error);
     if (!m_error)
         flush({});
     if (!m_error && ::fsync(m_file) != 0)
         fail(errno);
-    // Network file systems report a failed write as late as this.
-    if (m_file >= 0 && ::close(std::exchange(m_file, -1)) != 0)
-        fail(errno);
-    if (!m_error && ::rename(m_temporary.constData(), m_target.constData()) != 0)
-        fail(errno);
+    WrittenFile written;
+    if (!m_error && mayReplace)
+        written.digest = fileDigest(decodePath(m_temporary)).value_or(0);
+    const auto stamp = fileStamp(decodePath(m_temporary));
+    // The file stays locked until it has its name: until then somebody who clears up must not take it for a
+    // left one.
+    if (!m_error)
+        m_error = replaceTarget(mayReplace);
     if (!m_error) {
-        m_temporary.clear();
         if (const int systemError = flushFolder(folderOf(m_target)))
             fail(systemError);
     }
+    // Network file systems report a failed write as late as this.
+    if (m_file >= 0 && ::close(std::exchange(m_file, -1)) != 0)
+        fail(errno);
     discard();
     if (m_error)
         return Failure{*m_error};
-    return {};
+    // Such systems also give the file its time only now. Whoever has rewritten it already shows by the
+    // digest.
+    written.stamp = fileStamp(decodePath(m_target)).value_or(FileStamp());
+    if (stamp && (written.stamp.inode != stamp->inode || written.stamp.size != stamp->size))
+        written.stamp = *stamp;
+    written.notKept = m_notKept;
+    return written;
 }
 
 Result<void, FileError> writeFileAtomically(const QString &path, QByteArrayView content)
@@ -245,7 +303,9 @@ Result<void, FileError> writeFileAtomically(const QString &path, QByteArrayView 
     if (!writer)
         return Failure{writer.error()};
     writer->write(content);
-    return writer->commit();
+    if (const auto written = writer->commit(); !written)
+        return Failure{written.error()};
+    return {};
 }
 
 /// The caller holds the file open. Files of others are left to them: their locks may not reach us.
@@ -266,7 +326,7 @@ int removeLeftTemporaryFiles(const QString &folder)
     const QStringList names =
         QDir(folder).entryList({QStringLiteral(".quill-*.tmp")}, QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
-        const QByteArray path = QFile::encodeName(folder + QLatin1Char('/') + name);
+        const QByteArray path = encodePath(folder + QLatin1Char('/') + name);
         const int file = ::open(path.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         if (file < 0)
             continue;

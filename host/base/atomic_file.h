@@ -2,15 +2,27 @@
 #pragma once
 
 #include "host/base/file_error.h"
+#include "host/base/file_stamp.h"
 #include "host/base/result.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace base
 {
+
+/// Looks at the file that is about to be replaced; false when it is not the one that was meant.
+using MayReplace = std::function<bool(const QString &path)>;
+
+struct WrittenFile {
+    FileStamp stamp;
+    std::uint64_t digest = 0; ///< contentDigest(); only for whoever gave a MayReplace.
+    QStringList notKept;      ///< What the new file could not take over of the old one, in words for people.
+};
 
 /// Collects the new content in a temporary file beside the target (".quill-3f2a91c0.tmp"). commit() puts it
 /// in the target's place; without commit() the destructor removes it and the target stays untouched. The file
@@ -20,7 +32,8 @@ class AtomicFileWriter
 public:
     /// Refuses a target that is read-only, lies in a read-only or missing folder, or is no plain file.
     /// A symbolic link is followed: the file that it names is replaced, the link stays. The new file
-    /// has the permission bits of the one it replaces.
+    /// has owner, group, permissions and extended attributes of the one it replaces, where the system lets
+    /// it.
     static Result<AtomicFileWriter, FileError> open(const QString &path);
 
     AtomicFileWriter(AtomicFileWriter &&other) noexcept;
@@ -41,19 +54,24 @@ public:
     /// Flushes the file to the disk, renames it over the target, flushes the folder. Reports the first
     /// failure since open(); the target then has its old content (or, when only flushing the folder
     /// failed, already the new one). Called once; nothing may be written after it.
-    Result<void, FileError> commit();
+    ///
+    /// With `mayReplace` a target that exists is replaced only when it says yes, and what went was what it
+    /// saw; otherwise the error is `changed`.
+    Result<WrittenFile, FileError> commit(const MayReplace &mayReplace = {});
 
 private:
     AtomicFileWriter() = default;
     void flush(QByteArrayView more);
     void fail(int systemError);
     void discard();
+    std::optional<FileError> replaceTarget(const MayReplace &mayReplace);
 
     int m_file = -1;        ///< Closed by commit().
     QString m_path;         ///< As the caller spelled it.
     QByteArray m_target;    ///< Path with links resolved, as the system spells it.
     QByteArray m_temporary; ///< Empty when there is nothing to remove.
     QByteArray m_pending;
+    QStringList m_notKept;
     std::optional<FileError> m_error;
 };
 

@@ -1,6 +1,6 @@
 #include "host/base/file_bytes.h"
 
-#include <QFile>
+#include "host/base/path_name.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace base
@@ -113,16 +114,28 @@ void FileBytes::release()
         ::munmap(m_data, m_mapped);
 }
 
-Result<FileBytes, FileError> readFileBytes(const QString &path)
+/// The device that is always empty does no harm.
+static bool isReadable(const struct stat &status, Pipes pipes)
 {
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const bool isEmptyDevice = S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3);
+    const bool isPipe = S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
+    return S_ISREG(status.st_mode) || (pipes == Pipes::read && (isPipe || isEmptyDevice));
+}
+
+Result<FileBytes, FileError> readFileBytes(const QString &path, Pipes pipes)
+{
+    // Opening a pipe to look at it must not wait for a writer.
+    const int waiting = pipes == Pipes::read ? 0 : O_NONBLOCK;
+    const int file = ::open(encodePath(path).constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting);
     if (file < 0)
         return Failure{FileError::fromErrno(path, errno)};
     struct stat status;
     int systemError = ::fstat(file, &status) == 0 ? 0 : errno;
     FileReader reader;
-    if (systemError == 0 && S_ISDIR(status.st_mode))
-        systemError = EISDIR;
+    if (systemError == 0 && !isReadable(status, pipes)) {
+        ::close(file);
+        return Failure{FileError{FileError::Code::notAFile, 0, path}};
+    }
     if (systemError == 0)
         systemError = reader.readAll(file, static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)));
     ::close(file);

@@ -41,7 +41,11 @@ private:
     std::size_t m_mapped = 0; ///< Length of the memory mapping.
 };
 
-/// Reads plain files and pipes; refuses folders.
-Result<FileBytes, FileError> readFileBytes(const QString &path);
+enum class Pipes {
+    refuse, ///< They have no end that could be counted on.
+    read,   ///< Waits for whoever writes into it.
+};
+/// Refuses folders and devices.
+Result<FileBytes, FileError> readFileBytes(const QString &path, Pipes pipes = Pipes::refuse);
 
 } // namespace base

@@ -48,6 +48,10 @@ static QString reason(const FileError &error)
         return Host::tr("not a plain file");
     case FileError::Code::noSpace:
         return Host::tr("no space left");
+    case FileError::Code::changed:
+        return Host::tr(
+            "somebody else has written the file meanwhile, it is not overwritten; open it again, or "
+            "save under another name");
     case FileError::Code::other:
         break;
     }

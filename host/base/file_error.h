@@ -13,6 +13,7 @@ struct FileError {
         readOnly,     ///< The file or its folder is marked read-only.
         notAFile,     ///< A folder, a device or the like.
         noSpace,      ///< Disk full or quota used up.
+        changed,      ///< It is no longer the file that was to be replaced.
         other,
     };
 

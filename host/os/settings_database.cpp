@@ -1,5 +1,8 @@
 #include "host/os/settings_database.h"
 
+#include "host/base/path_name.h"
+#include "host/base/terminal_text.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -31,7 +34,7 @@ static constexpr int kBusyMilliseconds = 5000;      // Longer than any write of 
 static SettingsStore::MessageHandler &messageHandler()
 {
     static SettingsStore::MessageHandler handler = [](const QString &message) {
-        std::fprintf(stderr, "%s\n", qPrintable(message));
+        std::fprintf(stderr, "%s\n", base::terminalText(message).toUtf8().constData());
     };
     return handler;
 }
@@ -114,7 +117,7 @@ static bool isDamage(int result)
 static ino_t inodeOf(const QString &file)
 {
     struct stat status;
-    return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_ino : 0;
+    return ::stat(base::encodePath(file).constData(), &status) == 0 ? status.st_ino : 0;
 }
 
 void SettingsDatabase::report(const QString &what) const
@@ -158,7 +161,7 @@ void SettingsDatabase::settle(int result)
 int SettingsDatabase::tryOpen()
 {
     QDir().mkpath(QFileInfo(m_file).absolutePath());
-    const QByteArray path = QFile::encodeName(m_file);
+    const QByteArray path = base::encodePath(m_file);
     int result =
         sqlite3_open_v2(path.constData(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
     if (result != SQLITE_OK)

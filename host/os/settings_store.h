@@ -98,8 +98,16 @@ struct SettingsImportError {
     int line = 0; ///< 1 is the first; 0 when the text is sound but the store refused it.
     QString reason;
 };
-/// Adds the values of the text to the store and gives their number. Nothing is stored when a line is wrong.
-base::Result<int, SettingsImportError> importSettings(SettingsStore &store, QByteArrayView text);
+struct ImportedSettings {
+    int count = 0;
+    QStringList leftOut; ///< Key and name of each value that was not taken.
+};
+/// True for a value that makes a program load or run something: records of modules, the install folder.
+bool makesProgramsRun(const SettingsStore::Entry &entry);
+/// Adds the values of the text to the store. Nothing is stored when a line is wrong. A text may come from
+/// anybody: a value that makes programs run is left out, unless its name is among those `wanted`.
+base::Result<ImportedSettings, SettingsImportError> importSettings(SettingsStore &store, QByteArrayView text,
+                                                                   const QStringList &wanted = {});
 
 enum class Hive { currentUser };
 

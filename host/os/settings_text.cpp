@@ -1,6 +1,8 @@
 // Settings as text: one line a key, one line a value.
 #include "host/os/settings_store.h"
 
+#include "host/base/terminal_text.h"
+
 #include <QStringDecoder>
 
 #include <limits>
@@ -13,12 +15,13 @@ static const QString kHeader = QStringLiteral("quillnote settings 1");
 static QString quoted(QStringView text)
 {
     QString result(u'"');
-    for (const QChar c : text) {
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QChar c = text[at];
         if (c == u'"' || c == u'\\')
             (result += u'\\') += c;
         else if (c == u'\n')
             result += QStringLiteral("\\n");
-        else if (c.unicode() < 0x20 || c.isSurrogate())
+        else if (c.unicode() < 0x20 || c.isSurrogate() || base::isUnsafeOnTerminal(text, at))
             result += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             result += c;
@@ -111,7 +114,30 @@ static std::optional<SettingsStore::Entry> parseEntry(const QString &key, QStrin
     return SettingsStore::Entry{key, *name, std::move(*value)};
 }
 
-base::Result<int, SettingsImportError> importSettings(SettingsStore &store, QByteArrayView text)
+bool makesProgramsRun(const SettingsStore::Entry &entry)
+{
+    // Records of modules name libraries that the program loads; what lies in the install folder is loaded as
+    // well.
+    const bool isRecord =
+        entry.key.startsWith(QLatin1String("Software\\QuillnoteHost\\Applications"), Qt::CaseInsensitive);
+    return isRecord || entry.name.compare(u"Location", Qt::CaseInsensitive) == 0;
+}
+
+/// Leaves out what would make programs run, unless its name is among those wanted.
+static QStringList takeOut(std::vector<SettingsStore::Entry> &entries, const QStringList &wanted)
+{
+    QStringList leftOut;
+    std::erase_if(entries, [&](const SettingsStore::Entry &entry) {
+        const bool goes = makesProgramsRun(entry) && !wanted.contains(entry.name, Qt::CaseInsensitive);
+        if (goes)
+            leftOut.append(entry.key + u'\\' + entry.name);
+        return goes;
+    });
+    return leftOut;
+}
+
+base::Result<ImportedSettings, SettingsImportError> importSettings(SettingsStore &store, QByteArrayView text,
+                                                                   const QStringList &wanted)
 {
     const auto wrong = [](int line, const QString &reason) {
         return base::Failure{SettingsImportError{line, reason}};
@@ -139,9 +165,12 @@ base::Result<int, SettingsImportError> importSettings(SettingsStore &store, QByt
             return wrong(number, QStringLiteral("neither a key, a number nor a text"));
         entries.push_back(std::move(*entry));
     }
+    ImportedSettings imported;
+    imported.leftOut = takeOut(entries, wanted);
     if (!store.setEntries(entries))
         return wrong(0, QStringLiteral("the settings could not be stored"));
-    return static_cast<int>(entries.size());
+    imported.count = static_cast<int>(entries.size());
+    return imported;
 }
 
 } // namespace os

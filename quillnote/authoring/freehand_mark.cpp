@@ -34,6 +34,10 @@ void QN3_EasyDraw()
         return;
     }
     InkSketch sketch;
+    if (sketch.path().isEmpty()) {
+        acutPrintf(QStringLiteral("\n临时文件夹不可写，无法手绘。"));
+        return;
+    }
     sketch.ask(acedDrawingWindow());
     if (curDoc() != document)
         return;

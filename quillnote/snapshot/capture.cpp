@@ -31,12 +31,8 @@ std::optional<QRect> targetPixels(const AcGePoint3d &corner1, const AcGePoint3d 
 
 static std::optional<QString> saved(const QImage &picture)
 {
-    const QImage image = picture.convertToFormat(QImage::Format_RGB32);
-    const QString path = newTemporaryPicture();
-    if (!path.isEmpty() && image.save(path, "PNG"))
-        return path;
-    removeTemporaryPicture(path);
-    return {};
+    const QString path = keepTemporaryPicture(picture.convertToFormat(QImage::Format_RGB32));
+    return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
 // Only the target is painted: what it costs goes with what the target holds, not with the drawing.
@@ -53,23 +49,31 @@ std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGe
                                acedScreenOptions(document).background, ShownMarks::all));
 }
 
-QString captureFullView()
+static void exportView(const QString &path)
 {
-    QString path = newTemporaryPicture();
-    if (path.isEmpty())
-        return path;
     acedSetIntVar(QStringLiteral("CMDECHO"), 0);
     // An empty selection exports everything in the view.
     acedCommandS({QStringLiteral("_PNGOUT"), path, QString()});
     acedSetIntVar(QStringLiteral("CMDECHO"), 1);
-    return path;
+}
+
+QString captureFullView()
+{
+    const QString path = newTemporaryPicture();
+    if (!path.isEmpty())
+        exportView(path);
+    if (!temporaryPicture(path).isEmpty())
+        return path;
+    removeTemporaryPicture(path); // The folder takes no files.
+    return saved(acedViewImage(*curDoc(), acedScreenOptions(*curDoc())).convertToFormat(QImage::Format_RGB32))
+        .value_or(QString());
 }
 
 std::optional<QString> cropTargetImage(const AcGePoint3d &corner1, const AcGePoint3d &corner2,
                                        const QString &fullViewPath)
 {
     const std::optional<QRect> pixels = targetPixels(corner1, corner2);
-    const QImage fullView(fullViewPath);
+    const QImage fullView = QImage::fromData(temporaryPicture(fullViewPath));
     if (!pixels || pixels->isEmpty() || std::int64_t(pixels->width()) * pixels->height() > kMostPixels ||
         fullView.isNull())
         return {};
@@ -90,6 +94,8 @@ void recordFullSnapshot(AcDbObjectId id)
     if (!canChange(id))
         return;
     QByteArray picture = takeTemporaryPicture(captureFullView());
+    if (picture.isEmpty())
+        acutPrintf(QStringLiteral("\n没有生成全屏快照。"));
     if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)
         mark->fullImage = std::move(picture);
 }

@@ -17,11 +17,11 @@ std::optional<QRect> targetPixels(const AcGePoint3d &corner1, const AcGePoint3d 
 
 /// The target area at the scale of the view, made anew (target_picture.h) so that a later picture of the same
 /// size can be laid over it; what lies beyond the view is there too. None when the area has no pixels, more
-/// of them than a picture can hold, or the picture cannot be written.
+/// of them than a picture can hold, or there is no memory for it.
 std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
 
-/// The whole view, exported by the host. The name is empty when there is no place for the file; whether the
-/// picture came about is told by the file.
+/// The whole view, exported by the host; painted here where the temporary folder takes no file. The name is
+/// empty when no picture came about.
 QString captureFullView();
 
 /// The target area out of a picture of the whole view. None when the picture cannot be read or written.
@@ -29,5 +29,5 @@ std::optional<QString> cropTargetImage(const AcGePoint3d &corner1, const AcGePoi
                                        const QString &fullViewPath);
 
 /// Stores a picture of the whole view in a mark. A mark that cannot be opened for write is told about on the
-/// command line and left alone; an export that failed leaves it without such a picture.
+/// command line and left alone; so is a picture that did not come about.
 void recordFullSnapshot(AcDbObjectId mark);

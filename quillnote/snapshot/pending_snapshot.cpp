@@ -5,6 +5,7 @@
 #include "quillnote/snapshot/temporary_picture.h"
 
 #include "host/acap/docman.h"
+#include "host/aced/edfrontend.h"
 
 void PendingSnapshot::reset()
 {
@@ -41,6 +42,8 @@ void storeSnapshot(const AcDbDatabase &database, QuillnoteObj3 &mark)
         mark.snapNote = pending.fingerprint.note;
         mark.snapChecksum = pending.fingerprint.checksum;
         mark.snapImage = takeTemporaryPicture(pending.picturePath);
+        if (mark.snapImage.isEmpty())
+            acutPrintf(QStringLiteral("\n没有生成靶区图片，标签不带图片。"));
     }
     pending.reset();
 }

@@ -3,6 +3,7 @@
 
 import math
 import shutil
+import signal
 import time
 import unittest
 from pathlib import Path
@@ -133,6 +134,23 @@ class WindowTest(unittest.TestCase):
             window.keys("Escape")
             time.sleep(0.5)
             self.assertTrue(window.is_running())
+            self.assertEqual(screen.read(self.drawing), screen.read(SAMPLE))
+
+    def test_ended_from_outside_it_keeps_changes_and_gives_back_the_lock(self):
+        data = Path("ended").absolute()
+        lock = self.drawing.with_name(f".{self.drawing.name}.quill-lock")
+        for kind in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+            shutil.rmtree(data, ignore_errors=True)
+            with screen.Screen() as desk:
+                desk.environment["XDG_DATA_HOME"] = str(data)
+                window = desk.start(self.drawing)
+                window.command("CIRCLE", "6000,3000", "543.21", "LINE", "0,0")  # One command done, one begun.
+                self.assertTrue(lock.exists())
+                window.process.send_signal(kind)
+                self.assertEqual(window.wait_closed(), -kind)
+            (copy,) = data.glob("*/recovery/*.dxf")
+            self.assertIn(b"543.21", screen.read(copy))
+            self.assertFalse(lock.exists())
             self.assertEqual(screen.read(self.drawing), screen.read(SAMPLE))
 
 

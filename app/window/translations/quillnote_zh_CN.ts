@@ -20,16 +20,16 @@
         <translation>%1: 图形已经打开</translation>
     </message>
     <message>
+        <source>%1: %2 has it open for editing or is saving it; try again when he is done, or save under another name</source>
+        <translation>%1: 正由 %2 编辑或保存；请在其完成后再试，或另存为其他名称</translation>
+    </message>
+    <message>
         <source>%1: the file is open as another document</source>
         <translation>%1: 该文件已作为另一张图形打开</translation>
     </message>
     <message>
-        <source>%1: %2 has it open for editing</source>
-        <translation>%1: 正由 %2 编辑</translation>
-    </message>
-    <message>
-        <source>%1: somebody changed the file since it was opened, it is not overwritten</source>
-        <translation>%1: 打开之后文件已被他人修改，没有覆盖</translation>
+        <source>%1 is saved, but could not keep %2</source>
+        <translation>%1 已保存，但未能保留%2</translation>
     </message>
     <message>
         <source>%1: the drawing has no file name yet</source>
@@ -128,6 +128,10 @@
         <translation>没有名为“%1”的视图</translation>
     </message>
     <message>
+        <source>standard output</source>
+        <translation>标准输出</translation>
+    </message>
+    <message>
         <source>SHAPE: no shape file for %1</source>
         <translation>SHAPE: 没有 %1 的形文件</translation>
     </message>
@@ -192,8 +196,36 @@
         <translation>没有剩余空间</translation>
     </message>
     <message>
+        <source>somebody else has written the file meanwhile, it is not overwritten; open it again, or save under another name</source>
+        <translation>文件已被他人改写，没有覆盖；请重新打开，或另存为其他名称</translation>
+    </message>
+    <message>
         <source>cannot be used</source>
         <translation>不能使用</translation>
+    </message>
+    <message>
+        <source>the access list</source>
+        <translation>访问控制列表</translation>
+    </message>
+    <message>
+        <source>extended attributes</source>
+        <translation>扩展属性</translation>
+    </message>
+    <message>
+        <source>the owner</source>
+        <translation>所有者</translation>
+    </message>
+    <message>
+        <source>the group</source>
+        <translation>所属组</translation>
+    </message>
+    <message>
+        <source>the permissions</source>
+        <translation>权限</translation>
+    </message>
+    <message>
+        <source>the tie to its other names (hard links), which keep the old content</source>
+        <translation>与其他名称的联系(硬链接)，这些名称仍为旧内容</translation>
     </message>
     <message>
         <source>the owner %1 is no layout; its entities were put into %2 space</source>

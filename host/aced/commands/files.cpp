@@ -5,7 +5,9 @@
 #include "host/aced/edsysvar.h"
 #include "host/acrx/rxmodule.h"
 #include "host/base/host_text.h"
+#include "host/base/path_name.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -49,12 +51,16 @@ static void save(AcApDocument *document, const QString &path, bool copyOnly)
             acedRefuse(Host::tr("没有保存图形。"));
     } else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved) {
         tellTrouble(Host::tr("不能保存图形: %1").arg(saved.error()));
+    } else if (!saved->note.isEmpty()) {
+        acutPrintf(u'\n' + saved->note);
     }
 }
 
-/// With the ending of the present name when the user typed none.
+/// With the ending of the present name when the user typed none; a folder gets a file of the present name.
 static QString withEnding(const AcApDocument &document, const QString &path)
 {
+    if (path.endsWith(u'/') || base::isFolder(path))
+        return QDir(path).filePath(document.docTitle());
     if (!QFileInfo(path).suffix().isEmpty())
         return path;
     return path + u'.' + QFileInfo(document.docTitle()).suffix();
@@ -63,11 +69,10 @@ static QString withEnding(const AcApDocument &document, const QString &path)
 /// Asks unless the file is new, the document's own, or EXPERT says not to.
 static bool mayOverwrite(const AcApDocument &document, const QString &path)
 {
-    const QFileInfo file(path);
-    if (!file.exists() || file == QFileInfo(document.fileName()) || acedIntVar(QStringLiteral("EXPERT")) >= 2)
+    const QString file = base::fullPath(path);
+    if (!base::pathExists(path) || file == document.fileName() || acedIntVar(QStringLiteral("EXPERT")) >= 2)
         return true;
-    return askYes(Host::tr("\n已有名为 %1 的文件。替换它吗?").arg(file.absoluteFilePath()), false)
-        .value_or(false);
+    return askYes(Host::tr("\n已有名为 %1 的文件。替换它吗?").arg(file), false).value_or(false);
 }
 
 static void saveUnderAskedName(bool copyOnly)

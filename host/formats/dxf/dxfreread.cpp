@@ -2,6 +2,7 @@
 
 #include "host/base/file_error.h"
 #include "host/base/host_text.h"
+#include "host/base/path_name.h"
 #include "host/formats/dxf/dxftables.h"
 
 #include <QFile>
@@ -162,8 +163,8 @@ base::Result<void, QString> RereadCheck::verdict() const
 base::Result<void, QString> RereadCheck::read(const QString &path, const base::Progress &progress)
 {
     constexpr std::size_t kBuffer = 1 << 20; // Small enough to stay in the processor's cache.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    QFile file;
+    if (!base::openForReading(file, path))
         return base::Failure{file.errorString()};
     const double size = double(std::max<qint64>(file.size(), 1));
     file.seek(qint64(m_source.contentBegin()));

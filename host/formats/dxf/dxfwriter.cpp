@@ -1,7 +1,6 @@
 #include "host/formats/dxf/dxfwriter.h"
 
 #include "host/acdb/dwgcarrier.h"
-#include "host/base/atomic_file.h"
 #include "host/base/host_text.h"
 #include "host/formats/dxf/dxfreread.h"
 
@@ -118,8 +117,9 @@ base::Result<QByteArray, DxfError> writeDxf(AcDbDatabase &database)
     return saved;
 }
 
-base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &path,
-                                      const base::Progress &progress)
+base::Result<base::WrittenFile, DxfError> writeDxf(AcDbDatabase &database, const QString &path,
+                                                   const base::Progress &progress,
+                                                   const base::MayReplace &mayReplace)
 {
     constexpr double kWriting = 0.6; // Of the whole; the rest is reading again.
     const DxfSource *const source = sourceOf(database);
@@ -157,7 +157,8 @@ base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &pat
                                       Host::tr("what was written cannot be read again (%1); the file "
                                                "stays as it was")
                                           .arg(reread.error())}};
-    if (const auto done = file->commit(); !done)
+    auto done = file->commit(mayReplace);
+    if (!done)
         return base::Failure{failed(done.error())};
-    return {};
+    return *std::move(done);
 }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "host/acdb/dbdatabase.h"
+#include "host/base/atomic_file.h"
 #include "host/base/progress.h"
 #include "host/base/result.h"
 #include "host/formats/dxf/dxferror.h"
@@ -38,7 +39,8 @@ private:
 };
 
 /// Writes a temporary file beside the target, reads it again, and renames it when every object of the drawing
-/// is in it (dxfreread.h). A failure, or `progress` saying no, leaves the target as it was.
-base::Result<void, DxfError> writeDxf(AcDbDatabase &database, const QString &path,
-                                      const base::Progress &progress = {});
+/// is in it (dxfreread.h). A failure, or `progress` or `mayReplace` saying no, leaves the target as it was.
+base::Result<base::WrittenFile, DxfError> writeDxf(AcDbDatabase &database, const QString &path,
+                                                   const base::Progress &progress = {},
+                                                   const base::MayReplace &mayReplace = {});
 base::Result<QByteArray, DxfError> writeDxf(AcDbDatabase &database);

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QSysInfo>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -198,7 +200,7 @@ TEST_F(FileLock, ChangesOnDiskAreNotOverwritten)
     ASSERT_TRUE(QFile::rename(folder.path("new"), drawing));
     EXPECT_EQ(manager.changedOnDisk(*document), AcApFileChange::changed);
     change(document);
-    EXPECT_TRUE(refusal(document).contains("changed"));
+    EXPECT_TRUE(refusal(document).contains("meanwhile"));
     EXPECT_FALSE(manager.saveDocument(document, drawing, true)) << "a copy over it neither";
     EXPECT_EQ(tests::readFile(drawing), present);
     EXPECT_TRUE(manager.saveDocument(document, {}, false, AcApOverwriteChanged::yes));
@@ -207,6 +209,54 @@ TEST_F(FileLock, ChangesOnDiskAreNotOverwritten)
     QFile::remove(drawing);
     EXPECT_EQ(manager.changedOnDisk(*document), AcApFileChange::missing);
     EXPECT_EQ(refusal(document), QString()) << "nothing is overwritten";
+}
+
+TEST_F(FileLock, TheContentCountsWhereSizeAndTimeSayNothing)
+{
+    manager.setLocksFiles(false);
+    AcApDocument *const document = open();
+    change(document);
+    struct stat status;
+    ASSERT_EQ(::stat(qPrintable(drawing), &status), 0);
+    const QByteArray other = QByteArray(kDrawing).replace("4.0", "5.0");
+    { // In place, and with the time that it had.
+        QFile file(drawing);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        file.write(other);
+    }
+    const timespec times[] = {status.st_atim, status.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, qPrintable(drawing), times, 0), 0);
+    EXPECT_EQ(manager.changedOnDisk(*document), AcApFileChange::none) << "at a glance";
+    EXPECT_TRUE(refusal(document).contains("meanwhile"));
+    EXPECT_EQ(tests::readFile(drawing), other);
+    EXPECT_EQ(folder.fileNames(), QStringList("plan.dxf"));
+}
+
+TEST_F(FileLock, WhatIsWrittenDuringASaveIsNotOverwritten)
+{
+    manager.setLocksFiles(false);
+    AcApDocument *const document = open();
+    change(document);
+    const QString target = folder.path("copy.dxf");
+    for (const QString &path : {QString(), target}) {
+        const QString file = path.isEmpty() ? drawing : path;
+        bool isLocked = false;
+        manager.setProgress([&](const QString &, double) {
+            isLocked = isLocked || QFile::exists(acapLockFileName(file));
+            QFile::remove(file);
+            tests::writeFile(file, "theirs");
+            return true;
+        });
+        const auto saved = manager.saveDocument(document, path, !path.isEmpty());
+        manager.setProgress({});
+        ASSERT_FALSE(saved) << qPrintable(file);
+        EXPECT_TRUE(saved.error().contains("meanwhile")) << qPrintable(saved.error());
+        EXPECT_EQ(tests::readFile(file), "theirs");
+        EXPECT_TRUE(isLocked) << "who saves is seen by others";
+        EXPECT_FALSE(QFile::exists(acapLockFileName(file)));
+    }
+    EXPECT_FALSE(manager.saveDocument(document, target, true, AcApOverwriteChanged::nothing));
+    EXPECT_TRUE(manager.saveDocument(document, target, true)) << "it is there before, and wanted";
 }
 
 TEST_F(FileLock, StoppingOpensAndSavesNothing)

@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using base::AtomicFileWriter;
@@ -180,4 +181,97 @@ TEST_F(AtomicFile, WhatKilledWritersLeftIsRemovedAndNothingElse)
     EXPECT_EQ(tests::readFile(target), "new");
     EXPECT_EQ(folder.fileNames(),
               (QStringList{QStringLiteral(".quill-notes.txt"), QStringLiteral("图.dxf")}));
+}
+
+TEST_F(AtomicFile, ReplacesOnlyWhatWasMeant)
+{
+    const auto writeIf = [this](const base::MayReplace &mayReplace) {
+        auto writer = *AtomicFileWriter::open(target);
+        writer.write("new");
+        return writer.commit(mayReplace);
+    };
+    const auto never = [](const QString &) { return false; };
+    ASSERT_TRUE(writeIf(never)) << "there is nothing to replace";
+    tests::writeFile(target, "theirs");
+    EXPECT_EQ(writeIf(never).error().code, FileError::Code::changed);
+    EXPECT_EQ(tests::readFile(target), "theirs");
+
+    const auto written = writeIf([this](const QString &path) { return path == target; });
+    ASSERT_TRUE(written);
+    EXPECT_EQ(tests::readFile(target), "new");
+    EXPECT_EQ(written->stamp, base::fileStamp(target));
+    EXPECT_EQ(written->digest, base::contentDigest("new"));
+    EXPECT_EQ(written->digest, base::fileDigest(target));
+    EXPECT_EQ(folder.fileNames().size(), 1);
+}
+
+TEST_F(AtomicFile, AFileThatComesBetweenTheLookAndTheRenamingIsPutBack)
+{
+    tests::writeFile(target, "old");
+    auto writer = *AtomicFileWriter::open(target);
+    writer.write("new");
+    const auto result = writer.commit([this](const QString &) {
+        const QString other = folder.write(QStringLiteral("other"), "theirs");
+        return ::rename(native(other).constData(), native(target).constData()) == 0;
+    });
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, FileError::Code::changed);
+    EXPECT_EQ(tests::readFile(target), "theirs");
+    EXPECT_EQ(folder.fileNames().size(), 1);
+}
+
+TEST_F(AtomicFile, KeepsOwnerGroupAndAttributesOrSaysSo)
+{
+    tests::writeFile(target, "old");
+    const QByteArray name = native(target);
+    const bool hasAttributes = ::setxattr(name.constData(), "user.note", "kept", 4, 0) == 0;
+    const bool isRoot = ::geteuid() == 0;
+    if (isRoot) {
+        ASSERT_EQ(::chown(name.constData(), 12345, 23456), 0);
+    }
+    ::chmod(name.constData(), 0660);
+    const auto save = [this] {
+        auto writer = *AtomicFileWriter::open(target);
+        writer.write("new");
+        return writer.commit()->notKept;
+    };
+    EXPECT_EQ(save(), QStringList());
+    struct stat status;
+    ASSERT_EQ(::stat(name.constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0660u);
+    if (isRoot) {
+        EXPECT_EQ(std::pair(status.st_uid, status.st_gid), std::pair(uid_t(12345), gid_t(23456)));
+    }
+    char value[8] = {};
+    if (hasAttributes) {
+        EXPECT_EQ(::getxattr(name.constData(), "user.note", value, sizeof value), 4);
+    }
+    ASSERT_EQ(::link(name.constData(), native(folder.path(QStringLiteral("backup"))).constData()), 0);
+    EXPECT_EQ(save().size(), 1) << "a backup keeps the old content";
+}
+
+/// Root could keep everything: a child that is somebody else saves.
+TEST_F(AtomicFile, AnotherUserIsToldAndNobodyGetsMore)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can try it";
+    tests::writeFile(target, "old");
+    ::chmod(native(folder.path()).constData(), 0777);
+    ::chmod(native(target).constData(), 0662);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The folders above may be closed to him.
+        const bool isOther =
+            ::chdir(native(folder.path()).constData()) == 0 && ::setgid(23456) == 0 && ::setuid(12345) == 0;
+        auto writer = AtomicFileWriter::open(QStringLiteral("图.dxf"));
+        if (!writer)
+            ::_exit(2);
+        const auto written = writer->commit();
+        ::_exit(isOther && written && written->notKept.size() == 2 ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "owner and group are told";
+    EXPECT_EQ(modeOf(target), 0622u) << "the other group may what everybody might";
 }

@@ -50,7 +50,7 @@ TEST(FileBytes, ReadsWhatHasNoSizeBeforehand)
                 0, ::write(pipe, content.data() + at, static_cast<std::size_t>(content.size() - at)));
         ::close(pipe);
     });
-    const auto file = readFileBytes(QFile::decodeName(path));
+    const auto file = readFileBytes(QFile::decodeName(path), base::Pipes::read);
     writer.join();
     ASSERT_TRUE(file);
     EXPECT_EQ(file->view(), std::string_view(content.data(), static_cast<std::size_t>(content.size())));
@@ -78,4 +78,10 @@ TEST(FileBytes, SaysWhyItCannotRead)
     const auto directory = readFileBytes(folder.path());
     ASSERT_FALSE(directory);
     EXPECT_EQ(directory.error().code, FileError::Code::notAFile);
+    // Neither waits for a writer nor reads for ever.
+    const QString pipe = folder.path(QStringLiteral("pipe"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &path : {pipe, QStringLiteral("/dev/zero")})
+        EXPECT_EQ(readFileBytes(path).error().code, FileError::Code::notAFile) << qPrintable(path);
+    EXPECT_EQ(readFileBytes("/dev/zero", base::Pipes::read).error().code, FileError::Code::notAFile);
 }

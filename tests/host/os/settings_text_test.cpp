@@ -40,7 +40,7 @@ TEST_F(SettingsText, WritesAndReadsTheGoldenForm)
     SettingsStore other(folder.path(QStringLiteral("other.sqlite")));
     const auto count = importSettings(other, kGolden);
     ASSERT_TRUE(count) << qPrintable(count.error().reason);
-    EXPECT_EQ(*count, 3);
+    EXPECT_EQ(count->count, 3);
     EXPECT_EQ(other.entries(), store.entries());
     EXPECT_EQ(exportSettings(other, u"software\\quillnote3\\TEMPLETE"), "quillnote settings 1\n\n"
                                                                         "[Software\\Quillnote3\\Templete]\n"
@@ -76,4 +76,22 @@ TEST_F(SettingsText, OneWrongLineStoresNothing)
     }
     EXPECT_FALSE(importSettings(store, "quillnote settings 1\n[\xFF]\n"));
     EXPECT_FALSE(importSettings(store, ""));
+}
+
+TEST_F(SettingsText, NothingThatMakesProgramsRunComesInUnasked)
+{
+    const QByteArray text = "quillnote settings 1\n"
+                            "[software\\QUILLNOTEHOST\\Applications\\Evil]\n"
+                            "\"Loader\" = text \"/tmp/evil.so\"\n\"LoadReasons\" = number 2\n"
+                            "[Software\\QuillnoteHost\\Applications]\n\"Names\" = text \"Evil\"\n"
+                            "[Software\\Quillnote3]\n\"LOCATION\" = text \"/tmp\"\n\"style\" = number 1\n";
+    const auto imported = importSettings(store, text);
+    ASSERT_TRUE(imported);
+    EXPECT_EQ(imported->count, 1);
+    EXPECT_EQ(imported->leftOut.size(), 4);
+    EXPECT_EQ(store.entries().size(), 1u);
+    const auto asked = importSettings(store, text, {QStringLiteral("location")});
+    ASSERT_TRUE(asked);
+    EXPECT_EQ(asked->leftOut.size(), 3);
+    EXPECT_EQ(store.text(u"Software\\Quillnote3", u"Location"), QStringLiteral("/tmp"));
 }

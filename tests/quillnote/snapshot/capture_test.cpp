@@ -106,8 +106,24 @@ TEST_F(CaptureTest, TargetsThatHaveNoPictureFail)
     EXPECT_FALSE(captureTargetImage({1, 1, 0}, {1, 9, 0}));
     EXPECT_FALSE(captureTargetImage({0, 0, 0}, {1e9, 1e9, 0})) << "more pixels than numbers";
     EXPECT_FALSE(captureTargetImage({0, 0, 0}, {1e5, 1e5, 0})) << "more pixels than memory";
+}
+
+TEST_F(CaptureTest, WithoutATemporaryFolderPicturesStayInMemory)
+{
+    const QImage expected = takenImage(captureTargetImage({0, 0, 0}, {20, 10, 0}));
+    const QString onDisk = captureFullView();
+    const QImage cut = takenImage(cropTargetImage({0, 0, 0}, {20, 10, 0}, onDisk));
+    const QImage view = takenImage(onDisk);
     qputenv("TMPDIR", "/nowhere/at/all");
-    EXPECT_FALSE(captureTargetImage({0, 0, 0}, {1, 1, 0}));
+    const auto path = captureTargetImage({0, 0, 0}, {20, 10, 0});
+    EXPECT_EQ(takenImage(path), expected);
+    EXPECT_TRUE(takenImage(path).isNull()) << "taken once";
+    const QString full = captureFullView();
+    EXPECT_EQ(takenImage(cropTargetImage({0, 0, 0}, {20, 10, 0}, full)), cut);
+    EXPECT_EQ(takenImage(full), view);
+    const AcDbObjectId mark = append();
+    recordFullSnapshot(mark);
+    EXPECT_FALSE(AcDbObjectPointer<QuillnoteObj3>(mark, AcDb::kForRead)->fullImage.isEmpty());
     qputenv("TMPDIR", QFile::encodeName(folder.path()));
 }
 
