@@ -140,7 +140,8 @@ int StatusLine::hiddenCount(const AcApDocument &document)
 /// Grips and highlighting may cover the number of a mark that is chosen.
 static QString nameOfOnly(const std::vector<AcDbObjectId> &pickSet)
 {
-    const AcDbObjectPointer<AcDbEntity> entity(pickSet.size() == 1 ? pickSet.front() : AcDbObjectId(), AcDb::kForRead);
+    const AcDbObjectPointer<AcDbEntity> entity(pickSet.size() == 1 ? pickSet.front() : AcDbObjectId(),
+                                               AcDb::kForRead);
     const QString name = entity ? entity->subHint().section(u'\n', 0, 0) : QString();
     return name.isEmpty() ? name : QStringLiteral(" (%1)").arg(name);
 }
@@ -154,7 +155,8 @@ static QString factsOf(AcApDocument &document, int hidden)
     if (std::abs(degrees) > 1e-9)
         facts += StatusLine::tr("视图扭转 %1°").arg(QString::number(degrees, 'g', 6));
     if (!document.pickSet().empty())
-        facts += StatusLine::tr("已选择 %n 个", nullptr, int(document.pickSet().size())) + nameOfOnly(document.pickSet());
+        facts += StatusLine::tr("已选择 %n 个", nullptr, int(document.pickSet().size())) +
+                 nameOfOnly(document.pickSet());
     if (hidden > 0)
         facts += StatusLine::tr("%n 个标签已隐藏", nullptr, hidden);
     return facts.join(QStringLiteral("   "));
