@@ -12,8 +12,10 @@
 #include "host/base/file_bytes.h"
 
 #include <QApplication>
+#include <QLayout>
 #include <QScreen>
 #include <QScrollBar>
+#include <QShowEvent>
 
 #include <array>
 
@@ -116,7 +118,6 @@ CSetup::CSetup(const SetupValues &start, QWidget *parent)
     watchChanges();
     connectButtons();
     showSample();
-    fitScreen();
 }
 
 CSetup::~CSetup() = default;
@@ -158,10 +159,16 @@ void CSetup::fitScreen()
 {
     for (const int number : {int(kModelHeight), int(kSheetHeight), int(kLayerName)})
         item(number)->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("评图标签专用")));
-    // Sizes are right once fonts and style have reached everything.
-    for (QWidget *widget : findChildren<QWidget *>())
-        widget->ensurePolished();
-    m_form->page->layout()->invalidate();
+    // What stands inside first: a layout remembers what its parts wanted before they had their texts and
+    // fonts.
+    const QList<QWidget *> widgets = findChildren<QWidget *>();
+    for (auto widget = widgets.rbegin(); widget != widgets.rend(); ++widget) {
+        (*widget)->ensurePolished();
+        if (QLayout *const layout = (*widget)->layout()) {
+            layout->invalidate();
+            layout->activate();
+        }
+    }
     const QSize screen =
         QGuiApplication::primaryScreen()->availableSize() - QSize(16, 48); // Frame and title.
     const QSize wanted = m_form->page->sizeHint();
@@ -170,6 +177,13 @@ void CSetup::fitScreen()
     const bool isHigh = wanted.height() + rest.height() > screen.height();
     const QSize whole = wanted + rest + QSize(isHigh ? bar : 0, 0);
     resize(whole.boundedTo(screen));
+}
+
+void CSetup::showEvent(QShowEvent *event)
+{
+    CAcUiDialog::showEvent(event);
+    if (!event->spontaneous())
+        fitScreen();
 }
 
 // Changes ----------------------------------------------------------------------------------------

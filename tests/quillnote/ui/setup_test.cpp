@@ -74,8 +74,9 @@ TEST_F(SetupTest, ShowsUnknownValuesAsTheFirstOrUsualChoice)
 
 TEST_F(SetupTest, PasswordsMustAgree)
 {
-    EXPECT_EQ(setUp({"set 1031 a", "set 1062 b", "set 1003 x", "ok", "ok"}).count(QStringLiteral("两次密码不同！")),
-              1);
+    EXPECT_EQ(
+        setUp({"set 1031 a", "set 1062 b", "set 1003 x", "ok", "ok"}).count(QStringLiteral("两次密码不同！")),
+        1);
     EXPECT_EQ(settings::text(u"chPwMD5"), QString());
 }
 
