@@ -1,9 +1,10 @@
-// Claim: ten thousand marks of a drawing are compared with it in a time that goes with the entities under their targets,
-// whatever the drawing holds around them: within 5 s on two cores in a drawing of a million entities, the index included.
-// The bound is reading the groups of the same entities, each once.
+// Claim: ten thousand marks of a drawing are compared with it in a time that goes with the entities under
+// their targets, whatever the drawing holds around them: within 5 s on two cores in a drawing of a million
+// entities, the index included. The bound is reading the groups of the same entities, each once.
 //
 // usage: QT_QPA_PLATFORM=offscreen bench_compare DRAWING.dxf MARKED.dxf
-// (bench/make_drawing.py makes a drawing; MARKED.dxf is written, with the marks, and opened again for the measurement)
+// (bench/make_drawing.py makes a drawing; MARKED.dxf is written, with the marks, and opened again for the
+// measurement)
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
@@ -43,7 +44,8 @@ static void addMarks(AcDbDatabase &database)
     std::vector<std::unique_ptr<QuillnoteObj3>> marks;
     for (int i = 0; i < kMarks; ++i) {
         auto mark = std::make_unique<QuillnoteObj3>();
-        mark->targetCorner1 = all.minPoint() + AcGeVector3d(size.x * share(numbers), size.y * share(numbers), 0);
+        mark->targetCorner1 =
+            all.minPoint() + AcGeVector3d(size.x * share(numbers), size.y * share(numbers), 0);
         mark->targetCorner2 = mark->targetCorner1 + AcGeVector3d(size.x, size.y, 0) * 0.003;
         TargetFingerprint print = fingerprints.take(space, targetWindow(*mark));
         mark->snapEntityIds = std::move(print.ids);
@@ -61,7 +63,8 @@ static void addMarks(AcDbDatabase &database)
 static int measure(AcDbDatabase &database)
 {
     const std::vector<AcDbObjectId> marks = collectMarks(database).ids;
-    const double indexed = bench::seconds([&] { acgiSpatialIndex(database).extents(database.modelSpaceId()); });
+    const double indexed =
+        bench::seconds([&] { acgiSpatialIndex(database).extents(database.modelSpaceId()); });
     TargetComparison found;
     const double compared = bench::seconds([&] { found = compareTargets(database, marks); });
     std::unordered_set<AcDbObjectId> entities;
@@ -77,10 +80,10 @@ static int measure(AcDbDatabase &database)
             groups += database.fileGroups(*id.stub()).size();
     });
     std::printf("index %.2f s\n", indexed);
-    std::printf("%zu targets compared %.2f s: %zu entities, %zu times under a target; %zu changed\n", found.compared,
-                compared, entities.size(), visits, found.changed.size());
-    std::printf("reading their %zu groups %.2f s, ratio %.1f; in all %.2f s\n", groups, reading, compared / reading,
-                indexed + compared);
+    std::printf("%zu targets compared %.2f s: %zu entities, %zu times under a target; %zu changed\n",
+                found.compared, compared, entities.size(), visits, found.changed.size());
+    std::printf("reading their %zu groups %.2f s, ratio %.1f; in all %.2f s\n", groups, reading,
+                compared / reading, indexed + compared);
     return found.changed.empty() && found.compared == marks.size() ? 0 : 1;
 }
 

@@ -263,12 +263,12 @@ class CompareTest(unittest.TestCase):
         program.call("refresh", "edited.dxf", "-o", "fresh.dxf", "-f")
         self.assertEqual(results("fresh.dxf"), (0, []))
         for mark in program.marks("fresh.dxf"):
-            self.assertTrue(mark["snapImage"] and mark["fullImage"], mark)
+            self.assertTrue(mark["snapImage"]["size"] and mark["fullImage"]["size"], mark)
         commands = "QN3_delSnapBitmap\n@ok\nyes\nQN3_cmpSnap\n@ok\n"
         said = program.play(commands, "edited.dxf", "small.dxf").stderr
         self.assertIn("本图中总共有2个评图标签，以下序号的靶区范围内已修改：\n  1", said)
         for mark in program.marks("small.dxf"):
-            self.assertFalse(mark.get("snapImage") or mark.get("fullImage"), mark)
+            self.assertEqual((mark["snapImage"]["size"], mark["fullImage"]["size"]), (0, 0))
         self.assertEqual([mark["feedbackType"] for mark in program.marks("small.dxf")], [3, 0])
 
 

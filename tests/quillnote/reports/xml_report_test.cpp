@@ -19,7 +19,7 @@ static QStringList textsOf(const QByteArray &document, const QString &name)
     QXmlStreamReader reader(document);
     QStringList texts;
     while (!reader.atEnd()) {
-        if (reader.readNextStartElement() && reader.name() == name)
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == name)
             texts.append(reader.readElementText());
     }
     return reader.hasError() ? QStringList() : texts;
@@ -74,10 +74,10 @@ TEST_F(ReportsTest, XmlOfEveryKindOfMarkCanBeRead)
     report.add({}, reported(drawing.database()));
     const QByteArray document = report.document();
     const QStringList opinions = textsOf(document, QStringLiteral("suggestionContent"));
-    EXPECT_EQ(opinions.size(), 8) << "all but the hidden one";
+    ASSERT_EQ(opinions.size(), 8) << "all but the hidden one";
     EXPECT_TRUE(opinions.contains(QStringLiteral("<script>alert(1)</script> \"引号\" & 'x'")));
-    EXPECT_TRUE(opinions.last().endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[")) ||
-                opinions.at(6).endsWith(QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[")));
+    const QString end = QStringLiteral("&#x1;&#xZZ &amp; ]]> <!-- <![CDATA[");
+    EXPECT_TRUE(std::ranges::any_of(opinions, [&](const QString &text) { return text.endsWith(end); }));
     EXPECT_TRUE(textsOf(document, QStringLiteral("idNumber")).contains(QStringLiteral("5.2")));
 }
 
