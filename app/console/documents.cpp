@@ -67,7 +67,7 @@ void OpenDrawing::tellDamage() const
         return;
     const QString &file = document()->fileName();
     if (const qsizetype count = document()->database()->repairs().size(); count > 0)
-        printMessageLine(QStringLiteral("%1: damaged; %2 repairs while opening, quillnote info lists them")
+        printMessageLine(QStringLiteral("%1: damaged; repairs while opening: %2 (quillnote info lists them)")
                              .arg(file)
                              .arg(count));
     constexpr qsizetype kMostLines = 100;

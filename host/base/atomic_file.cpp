@@ -226,6 +226,28 @@ static bool isUnknownFlag(int systemError)
     return systemError == EINVAL || systemError == ENOSYS || systemError == EOPNOTSUPP;
 }
 
+/// Keeps whoever clears up (removeLeftTemporaryFiles) from a file that has, for a moment, a temporary name.
+class KeptFile
+{
+public:
+    explicit KeptFile(const QByteArray &path)
+        : m_file(::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
+    {
+        if (m_file >= 0)
+            ::flock(m_file, LOCK_SH | LOCK_NB);
+    }
+    ~KeptFile()
+    {
+        if (m_file >= 0)
+            ::close(m_file);
+    }
+    KeptFile(const KeptFile &) = delete;
+    KeptFile &operator=(const KeptFile &) = delete;
+
+private:
+    int m_file;
+};
+
 /// Between the look at the target and the renaming somebody may still write it. Where the system can exchange
 /// two files at once, what was taken out is looked at again, and put back when it is not what was seen.
 std::optional<FileError> AtomicFileWriter::replaceTarget(const MayReplace &mayReplace)
@@ -248,10 +270,13 @@ std::optional<FileError> AtomicFileWriter::replaceTarget(const MayReplace &mayRe
         const auto seen = fileStamp(decodePath(m_target));
         if (seen && !mayReplace(decodePath(m_target)))
             return changed;
+        const KeptFile old(m_target);
         const int exchanged = seen ? rename(RENAME_EXCHANGE) : ENOENT;
         if (exchanged == 0) {
-            if (fileStamp(decodePath(m_temporary)) == seen)
-                return std::nullopt; // The old file goes with the temporary name.
+            if (fileStamp(decodePath(m_temporary)) == seen) {
+                ::unlink(std::exchange(m_temporary, {}).constData());
+                return std::nullopt;
+            }
             const int putBack = rename(RENAME_EXCHANGE);
             return putBack == 0 ? changed : failed(putBack);
         }

@@ -220,6 +220,25 @@ TEST_F(AtomicFile, AFileThatComesBetweenTheLookAndTheRenamingIsPutBack)
     EXPECT_EQ(folder.fileNames().size(), 1);
 }
 
+TEST_F(AtomicFile, WhoClearsUpDisturbsNoReplacing)
+{
+    tests::writeFile(target, "old");
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    while (child == 0)
+        base::removeLeftTemporaryFiles(folder.path());
+    int failed = 0;
+    for (int save = 0; save < 300; ++save) {
+        auto writer = *AtomicFileWriter::open(target);
+        writer.write(QByteArray::number(save));
+        failed += !writer.commit([](const QString &) { return true; });
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(failed, 0);
+    EXPECT_EQ(tests::readFile(target), "299");
+}
+
 TEST_F(AtomicFile, KeepsOwnerGroupAndAttributesOrSaysSo)
 {
     tests::writeFile(target, "old");
