@@ -34,6 +34,7 @@ public:
     std::optional<QRect> drawingWindow() const override;
     void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
     void focusDrawing() override;
+    void lookAgain() override;
     bool progress(const QString &what, double share) override;
     AcEdDrawingKeeper *drawingKeeper() override { return m_drawingKeeper; }
 

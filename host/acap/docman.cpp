@@ -284,6 +284,11 @@ void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, 
     notify([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
 }
 
+void AcApDocManager::gatherInput(AcApDocument *document)
+{
+    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, false); });
+}
+
 base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document, const QString &path,
                                                          bool copyOnly, AcApOverwriteChanged overwrite)
 {
@@ -294,6 +299,7 @@ base::Result<bool, QString> AcApDocManager::saveDocument(AcApDocument *document,
         return base::Failure{busyReason(target)};
     if (const auto checked = maySave(*document, target, overwrite); !checked)
         return base::Failure{checked.error()};
+    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, true); });
     const std::uint64_t changeCount = document->m_database->changeCount();
     const auto written =
         withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {
