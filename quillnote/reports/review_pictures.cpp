@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <unordered_map>
 
 PicturesWithoutMarks::PicturesWithoutMarks(AcDbDatabase &database) : m_database(database)
 {
@@ -63,20 +64,30 @@ static QImage decoded(const QByteArray &bytes)
     return reader.read();
 }
 
-/// Drawings show their background along the edges more than any line.
-static QColor backgroundOf(const QImage &image)
+/// The colour that fills most of the picture.
+static QColor commonColor(const QImage &image)
 {
-    std::map<QRgb, int> counts;
-    for (int x = 0; x < image.width(); ++x) {
-        ++counts[image.pixel(x, 0)];
-        ++counts[image.pixel(x, image.height() - 1)];
-    }
+    std::unordered_map<QRgb, int> counts;
+    QRgb most = qRgb(0, 0, 0);
     for (int y = 0; y < image.height(); ++y) {
-        ++counts[image.pixel(0, y)];
-        ++counts[image.pixel(image.width() - 1, y)];
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y) | 0xFF000000U;
+            if (++counts[pixel] > counts[most])
+                most = pixel;
+        }
     }
-    const auto most = std::ranges::max_element(counts, {}, [](const auto &each) { return each.second; });
-    return QColor::fromRgb(most->first);
+    return QColor::fromRgb(most);
+}
+
+/// The share of pixels that two pictures of one size have in common.
+static double likeness(const QImage &a, const QImage &b)
+{
+    qsizetype same = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x)
+            same += (a.pixel(x, y) | 0xFF000000U) == (b.pixel(x, y) | 0xFF000000U);
+    }
+    return double(same) / double(std::max<qsizetype>(1, qsizetype(a.width()) * a.height()));
 }
 
 static QImage painted(AcApDocument &document, AcDbObjectId space, AcGiViewport view, const QColor &background)
@@ -133,17 +144,39 @@ static double twistOf(const QuillnoteObj3 &mark)
     return -std::atan2(mark.xDirection.y, mark.xDirection.x);
 }
 
+/// No picture tells its background: a column fills a target as well. What makes now most like then was it.
+static QImage paintedLike(AcApDocument &document, AcDbObjectId space, const AcGiViewport &view,
+                          const QImage &then)
+{
+    constexpr double kGoodEnough = 0.8;
+    QImage best;
+    double bestLikeness = -1.0;
+    std::vector<QRgb> tried;
+    for (const QColor &background :
+         {commonColor(then), acedScreenOptions(document).background, QColor(Qt::black), QColor(Qt::white)}) {
+        if (bestLikeness >= kGoodEnough || std::ranges::find(tried, background.rgb()) != tried.end())
+            continue;
+        tried.push_back(background.rgb());
+        const QImage now = painted(document, space, view, background);
+        if (const double like = likeness(then, now); like > bestLikeness) {
+            best = now;
+            bestLikeness = like;
+        }
+    }
+    return best;
+}
+
 static void takeNow(AcApDocument &document, const QuillnoteObj3 &mark, const QImage &then, ReviewRow &row)
 {
     const double twist = twistOf(mark);
     AcDbExtents box = targetInView(mark, twist);
     if (then.isNull())
         box = targetZoomWindow(box.minPoint(), box.maxPoint());
-    const QSize size = then.isNull() ? kTargetWithoutSnapshot : then.size();
-    const AcGiViewport view = viewOf(box, twist, size);
+    const AcGiViewport view = viewOf(box, twist, then.isNull() ? kTargetWithoutSnapshot : then.size());
     if (!box.isValid() || !(view.height > 0) || !std::isfinite(view.height))
         return;
-    row.now = asPng(painted(document, mark.blockId(), view, then.isNull() ? Qt::white : backgroundOf(then)));
+    row.now = asPng(then.isNull() ? painted(document, mark.blockId(), view, Qt::white)
+                                  : paintedLike(document, mark.blockId(), view, then));
 }
 
 void takeTargetPictures(AcApDocument &document, ReviewRow &row)

@@ -78,6 +78,27 @@ TEST_F(ReviewTest, PicturesOfThenAndNowLieOverEachOther)
     EXPECT_FALSE(markDrawingState().leftOut);
 }
 
+// The colour that fills most of a picture may be that of a column.
+TEST_F(ReviewTest, BackgroundsAreToldFromWhatFillsThePicture)
+{
+    tests::MemoryDrawing memory;
+    memory.entity("SOLID", {{62, 3},
+                            {10, AcGePoint3d(-50, -50, 0)},
+                            {11, AcGePoint3d(14, -50, 0)},
+                            {12, AcGePoint3d(-50, 50, 0)},
+                            {13, AcGePoint3d(14, 50, 0)}});
+    const tests::OpenDrawing drawing(memory.open(), folder.path(QStringLiteral("a.dxf")));
+    drawing.document().view().centre = {10, 5, 0};
+    drawing.document().view().height = 40;
+    mark(drawing.database(), QStringLiteral("x"));
+    const Review taken = review(drawing, ReviewPictures::targets);
+    const QImage then = QImage::fromData(taken.rows[0].then.png, "PNG");
+    const QImage now = QImage::fromData(taken.rows[0].now.png, "PNG");
+    for (const int x : {10, then.width() - 10})
+        EXPECT_EQ(now.pixel(x, 100), then.pixel(x, 100));
+    EXPECT_NE(now.pixel(10, 100), now.pixel(then.width() - 10, 100));
+}
+
 TEST_F(ReviewTest, NothingOfADrawingBecomesMarkup)
 {
     Review hostile;
