@@ -245,6 +245,15 @@ void WindowFrontEnd::focusDrawing()
     m_drawing->setFocus(Qt::OtherFocusReason);
 }
 
+/// Enter at the command prompt lets the editor run its queue and ask again; a running command asks on.
+void WindowFrontEnd::lookAgain()
+{
+    if (isIdle())
+        give(AcEdAnswer());
+    else if (m_prompt && !m_given)
+        Q_EMIT promptChanged();
+}
+
 bool WindowFrontEnd::progress(const QString &what, double share)
 {
     m_stopped = false;

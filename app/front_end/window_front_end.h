@@ -35,6 +35,7 @@ public:
     void showChosen(const std::vector<AcDbObjectId> &entities) override { Q_EMIT chosenShown(entities); }
     void showPlace(const std::vector<AcGePoint3d> &outline) override { Q_EMIT placeShown(outline); }
     void focusDrawing() override;
+    void lookAgain() override;
     bool progress(const QString &what, double share) override;
     AcEdDrawingKeeper *drawingKeeper() override { return m_drawingKeeper; }
 

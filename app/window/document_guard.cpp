@@ -217,6 +217,7 @@ bool DocumentGuard::saveAs(AcApDocument *document)
 
 bool DocumentGuard::mayClose(AcApDocument *document)
 {
+    acDocManager()->gatherInput(document);
     if (!document->isModified())
         return true;
     Q_EMIT asksAbout(document);
@@ -323,6 +324,7 @@ void DocumentGuard::checkFiles()
 
 void DocumentGuard::askAboutFile(AcApDocument *document)
 {
+    acDocManager()->gatherInput(document);
     QString text = tr("%1 已被他人修改。重新读取吗?").arg(document->docTitle());
     if (document->isModified())
         text += u'\n' + tr("重新读取会丢失您未保存的修改。");

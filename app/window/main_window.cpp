@@ -11,6 +11,8 @@
 #include "app/window/start_page.h"
 #include "app/window/status_line.h"
 #include "host/aced/edcommands.h"
+#include "host/aced/edselect.h"
+#include "host/acui/acuidock.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -38,6 +40,7 @@ MainWindow::MainWindow(WindowFrontEnd &front) : m_front(front), m_guard(front, t
 {
     setAcceptDrops(true);
     setUnifiedTitleAndToolBarOnMac(true);
+    acuiSetMainFrame(this);
     buildCentre();
     buildCommandLine();
     m_status = new StatusLine(this);

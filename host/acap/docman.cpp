@@ -320,6 +320,11 @@ void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, 
     notify([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
 }
 
+void AcApDocManager::gatherInput(AcApDocument *document)
+{
+    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, false); });
+}
+
 /// What the target must still be when it is replaced: what the document read or wrote, or what it is now.
 static base::MayReplace whatIsMeant(const AcApDocument &document, const QString &target,
                                     AcApOverwriteChanged overwrite, const base::MayReplace &isOwnFile)
@@ -358,6 +363,7 @@ base::Result<AcApSaved, QString> AcApDocManager::saveDocument(AcApDocument *docu
         whatIsMeant(*document, target, overwrite, [document](const QString &file) {
             return isAsKnown(file, *document->m_stamp, document->m_stampIsYoung, document->m_contentDigest);
         });
+    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, true); });
     const std::uint64_t state = document->m_database->editState();
     const auto written =
         withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {

@@ -159,6 +159,9 @@ public:
     virtual void documentActivated(AcApDocument *) {}
     virtual void documentToBeDeactivated(AcApDocument *) {}
     virtual void documentLockModeChanged(AcApDocument *) {}
+    /// Before the drawing is saved, and before it is asked whether it has changes: whoever holds what a user
+    /// has typed for it puts it in. Saving says so.
+    virtual void inputWanted(AcApDocument *, bool /*forSaving*/) {}
     /// Written under its own name.
     virtual void documentSaved(AcApDocument *) {}
 };
@@ -223,6 +226,8 @@ public:
                                                   bool copyOnly = false,
                                                   AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
     AcApFileChange changedOnDisk(const AcApDocument &document) const;
+    /// Has what a user typed in other windows put into the drawing, so that isModified() tells of it.
+    void gatherInput(AcApDocument *document);
     /// From now on drawings that are opened for editing keep a lock file as long as they are open; the window
     /// wants that, scripts do not.
     void setLocksFiles(bool locks) { m_locksFiles = locks; }

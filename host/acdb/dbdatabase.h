@@ -151,6 +151,7 @@ private:
     friend class AcDbLoader;
     friend class AcDbObject;
     friend class AcDbUndo;
+    friend class AcDbUncountedChange;
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
     friend class AcDbAnonymousBlocks;

@@ -280,6 +280,19 @@ bool AcDbUndo::move(std::vector<Group> &from, std::vector<Group> &to)
     return true;
 }
 
+AcDbUncountedChange::AcDbUncountedChange(AcDbDatabase &database)
+    : m_database(database), m_changeCount(database.m_changeCount),
+      m_wasRecording(database.undo().isRecording())
+{
+    m_database.undo().setRecording(false);
+}
+
+AcDbUncountedChange::~AcDbUncountedChange()
+{
+    m_database.undo().setRecording(m_wasRecording);
+    m_database.m_changeCount = m_changeCount;
+}
+
 bool AcDbUndo::undo()
 {
     return move(m_done, m_undone);

@@ -91,6 +91,22 @@ private:
     bool m_recording = true;
 };
 
+/// What is changed while it lives goes into the file with the next save, but makes no step and counts as no
+/// change of the drawing: where a user was, not what he did.
+class AcDbUncountedChange
+{
+public:
+    explicit AcDbUncountedChange(AcDbDatabase &database);
+    ~AcDbUncountedChange();
+    AcDbUncountedChange(const AcDbUncountedChange &) = delete;
+    AcDbUncountedChange &operator=(const AcDbUncountedChange &) = delete;
+
+private:
+    AcDbDatabase &m_database;
+    std::uint64_t m_changeCount;
+    bool m_wasRecording;
+};
+
 /// A group for the life of a scope.
 class AcDbUndoGroup
 {

@@ -118,6 +118,9 @@ public:
     virtual void showPlace(const std::vector<AcGePoint3d> & /*outline*/) {}
     /// Brings the input back to the drawing after another window had it.
     virtual void focusDrawing() {}
+    /// A window beside the drawing changed it, its view or the queue of commands: the queue runs, and what is
+    /// shown follows.
+    virtual void lookAgain() {}
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when
     /// it has ended. False: the user wants it to stop.
     virtual bool progress(const QString & /*what*/, double /*share*/) { return true; }

@@ -5,9 +5,7 @@
 
 #include "host/acdb/dbsymtb.h"
 
-static constexpr qsizetype kMostReviewers = 16;
-
-static bool passesName(const QString &filter, const QString &name)
+bool passesReviewer(const QString &filter, const QString &name)
 {
     if (filter.compare(u"ALL", Qt::CaseInsensitive) == 0 || filter.compare(name, Qt::CaseInsensitive) == 0)
         return true;
@@ -17,32 +15,41 @@ static bool passesName(const QString &filter, const QString &name)
 static void collect(const QuillnoteObj3 &mark, const MarkFilter &filter, CollectedMarks &collected)
 {
     const QString name = mark.suggestionName.trimmed();
-    if (passesName(filter.reviewer, name) && (filter.markNumber == 0 || filter.markNumber == mark.markNumber))
+    if (passesReviewer(filter.reviewer, name) &&
+        (filter.markNumber == 0 || filter.markNumber == mark.markNumber))
         collected.ids.push_back(mark.objectId());
     const QString shown = name.isEmpty() ? QString::fromUtf16(kUnnamedReviewer) : name;
     if (collected.reviewers.size() < kMostReviewers && !collected.reviewers.contains(shown))
         collected.reviewers.append(shown);
 }
 
-// A mark that is being told of as appended is open for notify, which does not keep it from being read.
-CollectedMarks collectMarks(const AcDbDatabase &database, const MarkFilter &filter)
+std::vector<AcDbObjectId> markIds(const AcDbDatabase &database)
 {
-    CollectedMarks collected;
+    std::vector<AcDbObjectId> ids;
     const AcDbKind markKind = acdbKind(kMarkDxfName);
     for (const AcDbObjectId layout : acdbLayoutBlocks(database)) {
         for (const std::uint32_t index : database.blockContents(layout)->entities) {
             AcDbStub *const stub = database.stub(index);
-            if (stub->kind != markKind || stub->has(AcDbStub::kErased))
-                continue;
-            QuillnoteObj3 *mark = nullptr;
-            const Acad::ErrorStatus status = acdbOpenObject(mark, AcDbObjectId(stub), AcDb::kForRead);
-            if (status == Acad::eOk) {
-                collect(*mark, filter, collected);
-                mark->close();
-            } else if (const auto *const open = acrxCast<QuillnoteObj3>(stub->object);
-                       open && status == Acad::eWasOpenForWrite) {
-                collect(*open, filter, collected);
-            }
+            if (stub->kind == markKind && !stub->has(AcDbStub::kErased))
+                ids.emplace_back(stub);
+        }
+    }
+    return ids;
+}
+
+// A mark that is being told of as appended is open for notify, which does not keep it from being read.
+CollectedMarks collectMarks(const AcDbDatabase &database, const MarkFilter &filter)
+{
+    CollectedMarks collected;
+    for (const AcDbObjectId id : markIds(database)) {
+        QuillnoteObj3 *mark = nullptr;
+        const Acad::ErrorStatus status = acdbOpenObject(mark, id, AcDb::kForRead);
+        if (status == Acad::eOk) {
+            collect(*mark, filter, collected);
+            mark->close();
+        } else if (const auto *const open = acrxCast<QuillnoteObj3>(id.stub()->object);
+                   open && status == Acad::eWasOpenForWrite) {
+            collect(*open, filter, collected);
         }
     }
     return collected;

@@ -19,12 +19,17 @@ static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
 }
 
 // The display learns of a change when the mark is closed.
-void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
 {
     int skipped = 0;
     for (const AcDbObjectId id : collectAllMarks(database).ids)
-        skipped += setDisplayMode(id, mode) ? 0 : 1;
+        skipped += setDisplayMode(id, modeOf(id)) ? 0 : 1;
     saySkippedMarks(skipped);
+}
+
+void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+{
+    setDisplayModes(database, [mode](AcDbObjectId) { return mode; });
 }
 
 void QN3_allMarksHide()

@@ -26,6 +26,8 @@
 #include "quillnote/reports/text_report.h"
 #include "quillnote/reports/web_report.h"
 #include "quillnote/reports/xml_report.h"
+#include "quillnote/review/ask_commands.h"
+#include "quillnote/review/view_by_name_command.h"
 #include "quillnote/snapshot/commands/compare_snapshots.h"
 #include "quillnote/snapshot/commands/delete_pictures.h"
 #include "quillnote/snapshot/commands/refresh_snapshots.h"
@@ -82,8 +84,8 @@ static constexpr CommandRow kCommands[] = {
     {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, nullptr},
     {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, nullptr},
     {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, nullptr},
-    {"QN3_QuillnoteAsk", "QN3_QNAsk", kModal, kAsNamed, nullptr},
-    {"QN3_QuillnoteAsk2", "QN3_QNAsk2", kTransparent | kPickSet, kAsNamed, nullptr},
+    {"QN3_QuillnoteAsk", "QN3_QNAsk", kModal, kAsNamed, QN3_QuillnoteAsk},
+    {"QN3_QuillnoteAsk2", "QN3_QNAsk2", kTransparent | kPickSet, kAsNamed, QN3_QuillnoteAsk2},
     {"QN3_addVertext", "QN3_addV", kTransparent | kPickSet, kNotRecorded, QN3_addVertext},
     {"QN3_allMarksShrink", "QN3_Shrink", kModal, kAsNamed, QN3_allMarksShrink},
     {"QN3_Redraw", "QN3_Redraw", kModal, kAsNamed, QN3_Redraw},
@@ -109,7 +111,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
     {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, QN3_compareSnapshot},
-    {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, nullptr},
+    {"QN3_ViewByName", "QN3_ViewByName", kModal, kAsNamed, QN3_ViewByName},
     {"QN3_FullSnapshotView", "QN3_FullSnapView", kModal, {"QN3_FullSnapshotView", "QN3_FullSnapshotView"}, QN3_FullSnapshotView},
     {"QN3_gotoWWW", "QN3_gotoWWW", kModal, kAsNamed, QN3_gotoWWW},
     {"QN3_HelpOnline", "QN3_HelpOnline", kModal, kAsNamed, QN3_HelpOnline},

@@ -14,6 +14,7 @@
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 #include "quillnote/frame/verbs.h"
+#include "quillnote/review/review_palette.h"
 #include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/snapshot/snapshot_viewer.h"
 #include "quillnote/ui/ask_password.h"
@@ -84,6 +85,7 @@ static void unload()
 {
     deleteReactors();
     stopFlagRefresh();
+    closeReviewPalette();
     closeSnapshotViewers();
     pendingSnapshot().reset();
     removeVerbs();

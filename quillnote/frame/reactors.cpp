@@ -3,6 +3,7 @@
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/frame/document_registry.h"
+#include "quillnote/review/review_palette.h"
 
 #include "host/aced/edcommands.h"
 
@@ -58,12 +59,20 @@ private:
     DocumentRegistry &m_registry;
 };
 
-/// Keeps the review palette's list current. The palette asks for it when there is one.
+/// Keeps the review palette in step with the documents.
 class QNNK_DocumentReactor : public AcApDocManagerReactor
 {
 public:
     QNNK_DocumentReactor() { acDocManager()->addReactor(this); }
     ~QNNK_DocumentReactor() override { acDocManager()->removeReactor(this); }
+
+    void documentActivated(AcApDocument *) override { refreshReviewPalette(); }
+    void documentToBeDeactivated(AcApDocument *document) override { storeReviewInput(*document, false); }
+    void documentToBeDestroyed(AcApDocument *document) override { forgetReviewed(*document); }
+    void inputWanted(AcApDocument *document, bool forSaving) override
+    {
+        storeReviewInput(*document, forSaving);
+    }
 };
 
 /// Sees commands begin and end.
@@ -77,7 +86,12 @@ public:
     ~QNK2_CommandReactor() override { acedEditor()->removeReactor(this); }
 
     void commandWillStart(const QString &) override { m_registry.ensureDatabaseReactor(); }
-    void commandEnded(const QString &) override { markDrawingState().commandEnded(); }
+    void commandEnded(const QString &) override
+    {
+        markDrawingState().commandEnded();
+        refreshReviewPalette();
+    }
+    void commandCancelled(const QString &) override { refreshReviewPalette(); }
 
 private:
     DocumentRegistry &m_registry;

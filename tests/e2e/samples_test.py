@@ -50,6 +50,13 @@ class SamplesTest(unittest.TestCase):
         self.assertEqual([(each["position"], each["suggestionContent"]) for each in told],
                          list(enumerate(OPINIONS, 1)))
 
+    def test_the_designer_answers(self):
+        for script, source, target in (("mark-up", SAMPLES / "plan.dxf", "asked.dxf"), ("answer", "asked.dxf", "told.dxf")):
+            program.play((SAMPLES / f"{script}.qns").read_text(encoding="utf-8"), source, target)
+        statuses = [mark["feedbackType"] for mark in program.marks("told.dxf")]
+        self.assertEqual(statuses, [3, 1, 3, 0])
+        self.assertEqual(program.marks("told.dxf")[2]["feedbackContent"], "已补过滤器。")
+
     def test_pages_beside_the_drawing(self):
         shutil.copy(SAMPLES / "plan.dxf", "pages.dxf")
         script = (SAMPLES / "mark-up.qns").read_text(encoding="utf-8")

@@ -1,0 +1,36 @@
+#include "quillnote/review/view_by_name_command.h"
+
+#include "quillnote/authoring/mark_display.h"
+#include "quillnote/authoring/mark_set.h"
+#include "quillnote/ui/view_by_name.h"
+
+#include "host/acap/docman.h"
+
+#include <unordered_set>
+
+static constexpr qsizetype kMostNames = 15;
+
+void showMarksOf(AcDbDatabase &database, const QString &reviewer)
+{
+    const std::vector<AcDbObjectId> his = collectMarks(database, {reviewer}).ids;
+    if (his.empty())
+        return;
+    const std::unordered_set<AcDbObjectId> shown(his.begin(), his.end());
+    setDisplayModes(database, [&](AcDbObjectId id) { return std::int16_t(shown.contains(id) ? 0 : -1); });
+}
+
+void QN3_ViewByName()
+{
+    AcDbDatabase &database = *acdbCurDwg();
+    const CollectedMarks all = collectAllMarks(database);
+    if (all.ids.empty())
+        return;
+    CViewByName dialog(all.reviewers.mid(0, kMostNames));
+    if (dialog.doModal() != QDialog::Accepted)
+        return;
+    const QString chosen = dialog.chosenName();
+    if (chosen.isEmpty())
+        setAllMarksDisplayMode(database, 0);
+    else
+        showMarksOf(database, chosen);
+}
