@@ -202,27 +202,43 @@ private:
             dictionaryId = object->extensionDictionary();
         if (!dictionaryId.isValid())
             return;
-        const AcDbObjectId dictionaryCopy = copyTree(dictionaryId, copy, 0);
+        const AcDbObjectId dictionaryCopy = copyTree(dictionaryId, copy);
         copy.stub()->object->linkExtensionDictionary(dictionaryCopy.handle());
     }
 
-    AcDbObjectId copyTree(AcDbObjectId original, AcDbObjectId owner, int depth)
+    AcDbObjectId copyOne(AcDbObjectId original, AcDbObjectId owner)
     {
-        static constexpr int kDeepest = 16;
         AcDbObjectId copy;
         m_database.addAcDbObject(duplicate(original), owner, &copy);
         remember(original, copy);
-        AcDbObjectPointer<AcDbDictionary> dictionary(original, AcDb::kForRead);
-        if (!dictionary || depth == kDeepest)
-            return copy;
-        for (const AcDbDictionary::Entry &entry : dictionary->entries()) {
-            // The carrier is made anew when the drawing is saved.
-            if (entry.key == kDwgCarrierKey)
-                static_cast<AcDbDictionary *>(copy.stub()->object)->unlink(entry.key);
-            else if (entry.id.isValid() && entry.id.stub()->owner == original.stub()->index)
-                copyTree(entry.id, copy, depth + 1);
-        }
         return copy;
+    }
+
+    /// Every object that the first one owns, however deep, each once.
+    AcDbObjectId copyTree(AcDbObjectId first, AcDbObjectId owner)
+    {
+        std::vector<AcDbObjectId> waiting{first};
+        const AcDbObjectId firstCopy = copyOne(first, owner);
+        while (!waiting.empty()) {
+            const AcDbObjectId original = waiting.back();
+            waiting.pop_back();
+            AcDbObjectPointer<AcDbDictionary> dictionary(original, AcDb::kForRead);
+            if (!dictionary)
+                continue;
+            const AcDbObjectId copy = m_database.getAcDbObjectId(m_copies.at(original.handle()));
+            for (const AcDbDictionary::Entry &entry : dictionary->entries()) {
+                // The carrier is made anew when the drawing is saved.
+                if (entry.key == kDwgCarrierKey) {
+                    static_cast<AcDbDictionary *>(copy.stub()->object)->unlink(entry.key);
+                } else if (entry.id.isValid() && !entry.id.isEntity() &&
+                           entry.id.stub()->owner == original.stub()->index &&
+                           !m_copies.contains(entry.id.handle())) {
+                    copyOne(entry.id, copy);
+                    waiting.push_back(entry.id);
+                }
+            }
+        }
+        return firstCopy;
     }
 
     void redirect(resbuf &group)
@@ -247,6 +263,11 @@ static QString freePictureName(const AcDbSymbolTable &blocks)
     }
 }
 
+/// With the pictures of dimensions, or without: a dimension that stands in a picture shares its own with its
+/// copies, or pictures in pictures would grow without bound.
+static Acad::ErrorStatus cloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
+                                       std::vector<AcDbObjectId> &copies, bool withPictures);
+
 /// A dimension shows an anonymous block of its own; two that share one would move it for each other.
 static void copyPicture(AcDbObjectId dimension)
 {
@@ -266,12 +287,12 @@ static void copyPicture(AcDbObjectId dimension)
         return;
     own.stub()->object->close();
     std::vector<AcDbObjectId> copies;
-    acdbDeepCloneEntities(shown, own, copies);
+    cloneEntities(shown, own, copies, false);
     findGroup(copy->editGroups(), 2)->assign(ownName);
 }
 
-Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
-                                        std::vector<AcDbObjectId> &copies)
+static Acad::ErrorStatus cloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
+                                       std::vector<AcDbObjectId> &copies, bool withPictures)
 {
     AcDbObjectPointer<AcDbBlockTableRecord> block(blockRecord, AcDb::kForWrite);
     if (!block)
@@ -284,9 +305,15 @@ Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entitie
         copier.finish();
         if (copy.isNull())
             continue;
-        if (acdbKindName(copy.stub()->kind) == "DIMENSION")
+        if (withPictures && acdbKindName(copy.stub()->kind) == "DIMENSION")
             copyPicture(copy);
         copies.push_back(copy);
     }
     return Acad::eOk;
+}
+
+Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
+                                        std::vector<AcDbObjectId> &copies)
+{
+    return cloneEntities(entities, blockRecord, copies, true);
 }

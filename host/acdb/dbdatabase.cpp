@@ -9,6 +9,8 @@
 #include "host/base/assert.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 #include <set>
 
 // Never destroyed: databases that live to the end of the process leave it later than a static would.
@@ -76,6 +78,28 @@ AcDbObjectId AcDbDatabase::getAcDbObjectId(AcDbHandle handle) const
     return AcDbObjectId(stub(*place));
 }
 
+// Handles above the limit are a file's own affair: who counts on from them soon has none left.
+std::uint64_t AcDbDatabase::freeHandle(std::uint64_t from) const
+{
+    constexpr std::uint64_t kHighestGiven = std::numeric_limits<std::int64_t>::max();
+    const auto firstFree = [this](std::uint64_t wanted) {
+        auto used = std::ranges::lower_bound(m_byHandle, wanted, {},
+                                             [this](std::uint32_t index) { return stub(index)->handle; });
+        for (; used != m_byHandle.end() && stub(*used)->handle == wanted; ++used)
+            ++wanted;
+        return wanted;
+    };
+    const std::uint64_t above = from == 0 || from > kHighestGiven ? 0 : firstFree(from);
+    return above == 0 || above > kHighestGiven ? firstFree(1) : above;
+}
+
+std::uint64_t AcDbDatabase::takeHandle()
+{
+    const std::uint64_t taken = freeHandle(m_nextHandle);
+    m_nextHandle = taken + 1;
+    return taken;
+}
+
 void AcDbDatabase::indexHandle(AcDbStub *added)
 {
     const auto place = std::ranges::lower_bound(m_byHandle, added->handle, {},
@@ -132,11 +156,13 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     object->m_groups.assign(groups.begin(), own);
     object->m_groups.insert(object->m_groups.end(), extended, groups.end());
 
+    stub.set(AcDbStub::kBeingMade);
     Acad::ErrorStatus status = readCarried(*object);
     if (status != Acad::eMakeMeProxy) {
         AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this), ResbufList(own, extended));
         status = object->dxfInFields(&filer);
     }
+    stub.set(AcDbStub::kBeingMade, false);
     object->m_writing = false;
     return status == Acad::eOk ? std::move(object) : asKept(true);
 }
@@ -192,6 +218,8 @@ Acad::ErrorStatus AcDbDatabase::openObject(AcDbObject *&object, AcDbObjectId id,
     }
     if (stub.has(AcDbStub::kErased) && !openErased)
         return Acad::eWasErased;
+    if (stub.has(AcDbStub::kBeingMade))
+        return Acad::eWasOpenForWrite;
     AcDbObject *const opened = resident(stub);
     if (opened->m_writing)
         return Acad::eWasOpenForWrite;
@@ -254,8 +282,8 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObject *object, AcDbObjectId o
     if (object->m_stub)
         return Acad::eAlreadyInDb;
     AcDbStub *const added = newStub();
-    added->kind = acdbKind(object->dxfName());
-    added->handle = m_nextHandle++;
+    added->kind = kindNamed(object->dxfName());
+    added->handle = takeHandle();
     added->owner = owner.isNull() ? 0 : owner.stub()->index;
     added->set(AcDbStub::kEntity, object->isKindOf(AcDbEntity::desc()));
     added->object = object;
@@ -288,10 +316,45 @@ void AcDbDatabase::noteChange(AcDbStub &stub)
         stub.set(AcDbStub::kInChangeList);
         m_changed.push_back(stub.index);
     }
-    if (!stub.has(AcDbStub::kEntity)) {
-        for (Table &table : m_tables)
-            table.named = false;
+    if (!stub.has(AcDbStub::kEntity))
+        noteRecordName(stub);
+}
+
+static std::optional<SymbolTable> tableOfKind(AcDbKind kind)
+{
+    static const std::pair<AcDbKind, SymbolTable> kKinds[] = {
+        {acdbKind("VPORT"), SymbolTable::viewport},    {acdbKind("LTYPE"), SymbolTable::linetype},
+        {acdbKind("LAYER"), SymbolTable::layer},       {acdbKind("STYLE"), SymbolTable::textStyle},
+        {acdbKind("VIEW"), SymbolTable::view},         {acdbKind("UCS"), SymbolTable::ucs},
+        {acdbKind("APPID"), SymbolTable::appId},       {acdbKind("DIMSTYLE"), SymbolTable::dimStyle},
+        {acdbKind("BLOCK_RECORD"), SymbolTable::block}};
+    const auto found = std::ranges::find(kKinds, kind, &std::pair<AcDbKind, SymbolTable>::first);
+    return found == std::end(kKinds) ? std::optional<SymbolTable>() : found->second;
+}
+
+// Only a record that has another name now makes the names of its table be read again.
+void AcDbDatabase::noteRecordName(const AcDbStub &stub)
+{
+    const auto kind = tableOfKind(stub.kind);
+    Table *const names = kind ? &table(*kind) : nullptr;
+    const bool isComing = stub.index + 1 == m_stubCount &&
+                          (!names || names->records.empty() || names->records.back() != stub.index);
+    if (!names || !names->named || isComing)
+        return;
+    const auto known = names->byName.find(recordName(stub));
+    names->named = known != names->byName.end() && known->second == stub.index;
+}
+
+/// Folded; null for a record that states none.
+QString AcDbDatabase::recordName(const AcDbStub &stub) const
+{
+    if (stub.object) {
+        const resbuf *const name = findGroup(stub.object->m_groups, 2);
+        return name ? name->text().toCaseFolded() : QString();
     }
+    const ResbufList groups = fileGroups(stub);
+    const resbuf *const name = findGroup(groups, 2);
+    return name ? name->text().toCaseFolded() : QString();
 }
 
 // A reactor that upgraded the object to write has it closed for it.
@@ -446,8 +509,10 @@ const std::vector<std::uint32_t> &AcDbDatabase::tableRecords(SymbolTable kind) c
 
 void AcDbDatabase::registerRecord(SymbolTable kind, AcDbStub *record)
 {
-    table(kind).records.push_back(record->index);
-    table(kind).named = false;
+    Table &names = table(kind);
+    names.records.push_back(record->index);
+    if (names.named)
+        names.byName.try_emplace(recordName(*record), record->index);
     if (kind == SymbolTable::block)
         m_blocks.try_emplace(record->index);
 }
@@ -455,18 +520,19 @@ void AcDbDatabase::registerRecord(SymbolTable kind, AcDbStub *record)
 AcDbObjectId AcDbDatabase::tableRecord(SymbolTable kind, const QString &name) const
 {
     Table &names = table(kind);
-    if (!names.named) {
+    const QString folded = name.toCaseFolded();
+    auto found = names.byName.find(folded);
+    // An erased record may hide another one of its name.
+    if (!names.named || (found != names.byName.end() && stub(found->second)->has(AcDbStub::kErased))) {
         names.byName.clear();
         for (const std::uint32_t index : names.records) {
-            if (stub(index)->has(AcDbStub::kErased))
-                continue;
-            const ResbufList groups = fileGroups(*stub(index));
-            if (const resbuf *const own = findGroup(groups, 2))
-                names.byName.try_emplace(own->text().toCaseFolded(), index);
+            const QString own = stub(index)->has(AcDbStub::kErased) ? QString() : recordName(*stub(index));
+            if (!own.isEmpty())
+                names.byName.try_emplace(own, index);
         }
         names.named = true;
+        found = names.byName.find(folded);
     }
-    const auto found = names.byName.find(name.toCaseFolded());
     return found == names.byName.end() ? AcDbObjectId() : AcDbObjectId(stub(found->second));
 }
 

@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 class AcDbDatabaseReactor;
@@ -50,6 +51,23 @@ struct BlockContents {
     std::vector<std::uint32_t> entities;
 };
 
+/// The kinds that one drawing names. Their numbers go with it, so that no drawing takes those of the next
+/// ones.
+class AcDbDrawingKinds
+{
+public:
+    AcDbDrawingKinds() = default;
+    ~AcDbDrawingKinds();
+    AcDbDrawingKinds(const AcDbDrawingKinds &) = delete;
+    AcDbDrawingKinds &operator=(const AcDbDrawingKinds &) = delete;
+    /// A name that has no number yet gets one; 0 when there is none left: such kinds keep their bytes, but
+    /// are told apart by nobody.
+    AcDbKind take(const QByteArray &dxfName);
+
+private:
+    std::unordered_set<AcDbKind> m_taken;
+};
+
 class AcDbDatabase
 {
 public:
@@ -70,6 +88,9 @@ public:
     std::uint32_t stubCount() const { return m_stubCount; }
     AcDbStub *stub(std::uint32_t index) const { return &m_chunks[index / kChunk][index % kChunk]; }
 
+    /// The number of a kind that this drawing names.
+    AcDbKind kindNamed(const QByteArray &dxfName) { return m_kinds.take(dxfName); }
+
     /// Opens an object. eWasErased unless `openErased`; eWasOpenForWrite while a writer has it;
     /// eWasOpenForRead when a writer is asked for while readers have it; eWasOpenForNotify while
     /// reactors are told of it (they upgrade); what mayChange() says for writing. The object belongs to the
@@ -87,7 +108,9 @@ public:
     const QString &folder() const { return m_folder; }
     void setFolder(const QString &folder) { m_folder = folder; }
     /// The handle that the next new object gets ($HANDSEED).
-    AcDbHandle handseed() const { return {m_nextHandle}; }
+    AcDbHandle handseed() const { return {freeHandle(m_nextHandle)}; }
+    /// The first handle from `from` on that no object has; from 1 on when nothing is left above.
+    std::uint64_t freeHandle(std::uint64_t from) const;
 
     // Structure ----------------------------------------------------------------------------------
     /// The table's own object; a null id when the file has none (R12).
@@ -172,6 +195,7 @@ private:
     };
 
     AcDbStub *newStub();
+    std::uint64_t takeHandle();
     Acad::ErrorStatus readCarried(AcDbObject &object) const;
     std::unique_ptr<AcDbObject> materialise(AcDbStub &stub, ResbufList groups) const;
     AcDbObject *resident(AcDbStub &stub);
@@ -179,6 +203,8 @@ private:
     void replaceObject(AcDbStub &stub, std::unique_ptr<AcDbObject> object);
     void countChange();
     void noteChange(AcDbStub &stub);
+    void noteRecordName(const AcDbStub &stub);
+    QString recordName(const AcDbStub &stub) const;
     void finishWriting(AcDbStub &stub);
     void setErased(AcDbStub &stub, bool erased);
     void notifyWhileOpen(AcDbStub &stub,
@@ -190,11 +216,12 @@ private:
     void classRemoved(const AcRxClass *doomed);
     Table &table(SymbolTable kind) const { return m_tables[std::size_t(kind)]; }
 
+    AcDbDrawingKinds m_kinds;
     std::unique_ptr<DrawingSource> m_source;
     std::vector<std::unique_ptr<AcDbStub[]>> m_chunks;
     std::uint32_t m_stubCount = 0;
     std::vector<std::uint32_t> m_byHandle; ///< Stub indexes in ascending order of handle.
-    std::uint64_t m_nextHandle = 1;
+    std::uint64_t m_nextHandle = 1;        ///< Where the search for a free one begins.
     mutable std::array<Table, kSymbolTableCount> m_tables;
     std::unordered_map<std::uint32_t, BlockContents> m_blocks; ///< By index of the block record's stub.
     AcDbObjectId m_namedObjects;
@@ -218,8 +245,11 @@ private:
     QStringList m_repairs;
 };
 
-/// Numbers DXF object names for the process; the same name gives the same number.
+/// Numbers a DXF object name that the program itself knows, for the life of the process; the same name gives
+/// the same number everywhere.
 AcDbKind acdbKind(const QByteArray &dxfName);
+/// The number of a name that has one by now, else 0.
+AcDbKind acdbKnownKind(const QByteArray &dxfName);
 const QByteArray &acdbKindName(AcDbKind kind);
 /// The registered class for a kind; AcDbEntity or AcDbObject for kinds without one.
 AcRxClass *acdbKindClass(AcDbKind kind, bool isEntity);

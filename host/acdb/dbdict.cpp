@@ -47,12 +47,23 @@ static ResbufList::iterator entryOf(ResbufList &list, const QString &key)
     return list.end();
 }
 
+bool acdbIsOwned(AcDbObjectId object, AcDbObjectId owner, const AcRxClass *asClass)
+{
+    if (!object.isValid() || owner.isNull() || !object.objectClass()->isDerivedFrom(asClass))
+        return false;
+    const std::uint32_t stated = object.stub()->owner;
+    return stated == owner.stub()->index ||
+           (stated == 0 && object != owner && object != object.database()->namedObjectsDictionaryId());
+}
+
 Acad::ErrorStatus AcDbDictionary::setAt(const QString &key, AcDbObject *object, AcDbObjectId &id)
 {
     assertWriteEnabled();
-    if (const auto entry = entryOf(editGroups(), key); entry != editGroups().end()) {
-        AcDbObjectPointer<AcDbObject> old(database()->getAcDbObjectId((entry + 1)->handle()),
-                                          AcDb::kForWrite);
+    const auto entry = entryOf(editGroups(), key);
+    const AcDbObjectId known =
+        entry == editGroups().end() ? AcDbObjectId() : database()->getAcDbObjectId((entry + 1)->handle());
+    if (acdbIsOwned(known, objectId(), object->isA())) {
+        AcDbObjectPointer<AcDbObject> old(known, AcDb::kForWrite);
         const Acad::ErrorStatus refused = old ? old->erase() : Acad::eOk;
         if (refused != Acad::eOk)
             return refused;
@@ -93,9 +104,10 @@ Acad::ErrorStatus AcDbDictionary::remove(const QString &key)
     const auto entry = entryOf(list, key);
     if (entry == list.end())
         return Acad::eKeyNotFound;
-    AcDbObjectPointer<AcDbObject> old(database()->getAcDbObjectId((entry + 1)->handle()), AcDb::kForWrite);
-    if (old) {
-        const Acad::ErrorStatus refused = old->erase();
+    const AcDbObjectId known = database()->getAcDbObjectId((entry + 1)->handle());
+    if (acdbIsOwned(known, objectId(), AcDbObject::desc())) {
+        AcDbObjectPointer<AcDbObject> old(known, AcDb::kForWrite);
+        const Acad::ErrorStatus refused = old ? old->erase() : Acad::eOk;
         if (refused != Acad::eOk)
             return refused;
     }

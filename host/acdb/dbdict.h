@@ -17,14 +17,15 @@ public:
     std::vector<Entry> entries() const;
     /// Null when missing or erased. Keys ignore letter case.
     AcDbObjectId getAt(const QString &key) const;
-    /// Adds the object to the drawing, or replaces (erases) the object of that key. Leaves the new object
-    /// open for write. Needs write access.
+    /// Adds the object to the drawing under that key and leaves it open for write. What stood there is erased
+    /// when the dictionary owns it and it is of the same class; anything else only loses the key. Needs write
+    /// access.
     Acad::ErrorStatus setAt(const QString &key, AcDbObject *object, AcDbObjectId &id);
     /// Sets the key's entry to an object of the drawing. Needs write access.
     void link(const QString &key, AcDbObjectId id);
     /// Takes the key's entry out; the object stays. Needs write access.
     void unlink(const QString &key);
-    /// Erases the object of the key; eKeyNotFound.
+    /// Takes the key's entry out and erases the object when the dictionary owns it; eKeyNotFound.
     Acad::ErrorStatus remove(const QString &key);
 };
 
@@ -37,6 +38,10 @@ public:
     ResbufList rbChain() const;
     Acad::ErrorStatus setFromRbChain(const ResbufList &chain);
 };
+
+/// True for an object of that class that belongs to `owner`: what may be changed or erased on its behalf. Old
+/// files state no owners; what has none belongs to whoever names it, except the named-object dictionary.
+bool acdbIsOwned(AcDbObjectId object, AcDbObjectId owner, const AcRxClass *asClass);
 
 /// The named-object dictionary, made when the drawing has none.
 AcDbObjectId acdbEnsureNamedObjects(AcDbDatabase &database);

@@ -203,7 +203,17 @@ static void transformParts(AcDbObjectId entity, const AcGeMatrix3d &matrix, cons
     }
 }
 
-/// A dimension shows the entities of an anonymous block, which stand in world coordinates.
+static Acad::ErrorStatus transformWithParts(AcDbEntity &entity, const AcGeMatrix3d &matrix)
+{
+    const AcGeVector3d normal = planeNormal(entity);
+    const Acad::ErrorStatus refused = entity.subTransformBy(matrix);
+    if (refused == Acad::eOk)
+        transformParts(entity.objectId(), matrix, normal);
+    return refused;
+}
+
+/// A dimension shows the entities of an anonymous block, which stand in world coordinates. A dimension among
+/// them shares its picture with its copies, so that one stays.
 static void transformPicture(const AcDbEntity &dimension, const AcGeMatrix3d &matrix)
 {
     const resbuf *const name = findGroup(dimension.groups(), 2);
@@ -216,17 +226,15 @@ static void transformPicture(const AcDbEntity &dimension, const AcGeMatrix3d &ma
     for (const AcDbObjectId id : picture->entities()) {
         AcDbObjectPointer<AcDbEntity> drawn(id, AcDb::kForWrite);
         if (drawn)
-            drawn->transformBy(matrix);
+            transformWithParts(*drawn, matrix);
     }
 }
 
 Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d &matrix)
 {
     assertWriteEnabled();
-    const AcGeVector3d normal = planeNormal(*this);
-    if (const Acad::ErrorStatus refused = subTransformBy(matrix); refused != Acad::eOk)
+    if (const Acad::ErrorStatus refused = transformWithParts(*this, matrix); refused != Acad::eOk)
         return refused;
-    transformParts(objectId(), matrix, normal);
     // The picture of a copy is the original's.
     if (database() && dxfName() == "DIMENSION" && !AcDbTransient::isCopy(*this))
         transformPicture(*this, matrix);

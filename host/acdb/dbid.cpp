@@ -9,12 +9,36 @@
 #include <QHash>
 
 #include <limits>
+#include <utility>
 
 struct Kinds {
+    static constexpr std::uint32_t kOurs = std::numeric_limits<std::uint32_t>::max();
+
     std::vector<QByteArray> names{QByteArray()};
+    std::vector<std::uint32_t> users{kOurs}; ///< By kind: how many drawings name it; the program itself.
     QHash<QByteArray, AcDbKind> numbers;
+    std::vector<AcDbKind> unused;     ///< Numbers whose last drawing has gone.
     std::vector<AcRxClass *> classes; ///< By kind; null: not looked up in this generation.
     unsigned generation = 0;          ///< Of the class dictionary.
+
+    /// 0 when the name is new and all numbers but `reserve` are in use.
+    AcDbKind numberOf(const QByteArray &name, std::size_t reserve)
+    {
+        if (const auto known = numbers.constFind(name); known != numbers.constEnd())
+            return *known;
+        if (unused.empty() && names.size() + reserve >= std::numeric_limits<AcDbKind>::max())
+            return 0;
+        if (unused.empty()) {
+            unused.push_back(AcDbKind(names.size()));
+            names.emplace_back();
+            users.push_back(0);
+        }
+        const AcDbKind number = unused.back();
+        unused.pop_back();
+        names[number] = name;
+        numbers.insert(name, number);
+        return number;
+    }
 };
 
 static Kinds &kinds()
@@ -25,17 +49,39 @@ static Kinds &kinds()
 
 AcDbKind acdbKind(const QByteArray &dxfName)
 {
-    Kinds &all = kinds();
-    if (const auto known = all.numbers.constFind(dxfName); known != all.numbers.constEnd())
-        return *known;
-    // A file can name more kinds than there are numbers only on purpose; the rest share the nameless kind
-    // and keep their bytes like every unknown object.
-    if (all.names.size() >= std::numeric_limits<AcDbKind>::max())
-        return 0;
-    const auto number = AcDbKind(all.names.size());
-    all.names.push_back(dxfName);
-    all.numbers.insert(dxfName, number);
+    const AcDbKind number = kinds().numberOf(dxfName, 0);
+    kinds().users[number] = Kinds::kOurs;
     return number;
+}
+
+AcDbKind acdbKnownKind(const QByteArray &dxfName)
+{
+    return kinds().numbers.value(dxfName, 0);
+}
+
+AcDbKind AcDbDrawingKinds::take(const QByteArray &dxfName)
+{
+    // The program finds numbers left when it asks after a drawing took all the others.
+    constexpr std::size_t kForTheProgram = 4096;
+    if (acdbKnownKind(dxfName) == 0 && acrxClassDictionary().atDxfName(dxfName))
+        return acdbKind(dxfName);
+    const AcDbKind number = kinds().numberOf(dxfName, kForTheProgram);
+    if (kinds().users[number] != Kinds::kOurs && m_taken.insert(number).second)
+        ++kinds().users[number];
+    return number;
+}
+
+AcDbDrawingKinds::~AcDbDrawingKinds()
+{
+    Kinds &all = kinds();
+    for (const AcDbKind number : m_taken) {
+        if (all.users[number] == Kinds::kOurs || --all.users[number] > 0)
+            continue;
+        all.numbers.remove(std::exchange(all.names[number], {}));
+        all.unused.push_back(number);
+        if (number < all.classes.size())
+            all.classes[number] = nullptr;
+    }
 }
 
 const QByteArray &acdbKindName(AcDbKind kind)

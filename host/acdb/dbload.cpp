@@ -102,8 +102,8 @@ void AcDbLoader::finish()
         std::ranges::stable_sort(db.m_byHandle, {}, byHandle);
     const std::uint64_t highest = db.m_byHandle.empty() ? 0 : db.stub(db.m_byHandle.back())->handle;
     const ResbufList *const seed = db.headerVariable("$HANDSEED");
-    db.m_nextHandle =
-        std::max<std::uint64_t>(highest + 1, seed && !seed->empty() ? seed->front().handle().value : 1);
+    db.m_nextHandle = std::max(highest == UINT64_MAX ? highest : highest + 1,
+                               seed && !seed->empty() ? seed->front().handle().value : 1);
     settleDuplicates();
     giveMissingHandles();
     resolveOwners();
@@ -121,20 +121,37 @@ void AcDbLoader::settleDuplicates()
     }
     db.m_byHandle = std::move(unique);
     std::ranges::sort(doubles);
+    constexpr std::size_t kMostTold = 100;
+    std::size_t told = 0;
     for (const std::uint32_t index : doubles) {
         AcDbStub &stub = *db.stub(index);
-        const std::uint64_t given = std::exchange(stub.handle, db.m_nextHandle++);
-        db.m_byHandle.push_back(index);
-        addRepair(Host::tr("%1: handle %2 is used twice; the second one is known as %3")
-                      .arg(QString::fromLatin1(acdbKindName(stub.kind)), QString::number(given, 16).toUpper(),
-                           QString::number(stub.handle, 16).toUpper()));
+        const std::uint64_t given = std::exchange(stub.handle, db.takeHandle());
+        if (++told <= kMostTold)
+            addRepair(Host::tr("%1: handle %2 is used twice; the second one is known as %3")
+                          .arg(QString::fromLatin1(acdbKindName(stub.kind)),
+                               QString::number(given, 16).toUpper(),
+                               QString::number(stub.handle, 16).toUpper()));
     }
+    if (told > kMostTold)
+        addRepair(Host::tr("%1 more handles are used twice.").arg(told - kMostTold));
+    addByHandle(doubles);
+}
+
+/// Indexes of objects that got their handles just now; those of one call ascend, unless they were counted
+/// from the beginning again.
+void AcDbLoader::addByHandle(std::vector<std::uint32_t> &given)
+{
+    const auto byHandle = [this](std::uint32_t index) { return m_database.stub(index)->handle; };
+    std::ranges::sort(given, {}, byHandle);
+    std::vector<std::uint32_t> all;
+    all.reserve(m_database.m_byHandle.size() + given.size());
+    std::ranges::merge(m_database.m_byHandle, given, std::back_inserter(all), {}, byHandle, byHandle);
+    m_database.m_byHandle = std::move(all);
 }
 
 void AcDbLoader::giveMissingHandles()
 {
     AcDbDatabase &db = m_database;
-    std::vector<std::uint32_t> all;
     auto used = db.m_byHandle.begin();
     std::uint64_t next = 1;
     std::vector<std::uint32_t> given;
@@ -151,9 +168,7 @@ void AcDbLoader::giveMissingHandles()
     }
     if (given.empty())
         return;
-    const auto byHandle = [&db](std::uint32_t index) { return db.stub(index)->handle; };
-    std::ranges::merge(db.m_byHandle, given, std::back_inserter(all), {}, byHandle, byHandle);
-    db.m_byHandle = std::move(all);
+    addByHandle(given);
     db.m_nextHandle = std::max(db.m_nextHandle, next);
 }
 

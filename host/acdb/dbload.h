@@ -12,6 +12,7 @@ public:
     /// The database must be new. It takes the source.
     AcDbLoader(AcDbDatabase &database, std::unique_ptr<DrawingSource> source);
 
+    AcDbDatabase &database() { return m_database; }
     /// Room for about this many objects.
     void reserve(std::size_t objects);
     /// An object at a place of the source; handle 0 when the file gives none.
@@ -42,6 +43,7 @@ public:
 
 private:
     void giveMissingHandles();
+    void addByHandle(std::vector<std::uint32_t> &given);
     void settleDuplicates();
     void resolveOwners();
 

@@ -26,7 +26,10 @@ AcRxClass *AcDbObject::isA() const
 {
     if (m_isProxy)
         return AcDbObject::desc();
-    return acdbKindClass(m_stub ? m_stub->kind : acdbKind(dxfName()), false);
+    if (m_stub)
+        return acdbKindClass(m_stub->kind, false);
+    AcRxClass *const known = acrxClassDictionary().atDxfName(dxfName());
+    return known ? known : AcDbObject::desc();
 }
 
 AcDbObjectId AcDbObject::ownerId() const
@@ -134,7 +137,7 @@ void AcDbObject::setGroup(int code, resbuf::Value value, QStringView subclass)
 
 QByteArray AcDbObject::dxfName() const
 {
-    if (m_stub)
+    if (m_stub && m_stub->kind != 0)
         return acdbKindName(m_stub->kind);
     return m_groups.empty() ? QByteArray() : m_groups.front().text().toLatin1();
 }
@@ -184,7 +187,8 @@ AcDbObjectId AcDbObject::extensionDictionary() const
     const std::size_t brace = dictionaryBrace(m_groups);
     if (!m_stub || brace + 1 >= m_groups.size())
         return {};
-    return database()->getAcDbObjectId(m_groups[brace + 1].handle());
+    const AcDbObjectId named = database()->getAcDbObjectId(m_groups[brace + 1].handle());
+    return acdbIsOwned(named, objectId(), AcDbDictionary::desc()) ? named : AcDbObjectId();
 }
 
 AcDbObjectId AcDbObject::createExtensionDictionary()

@@ -61,6 +61,7 @@ public:
     /// Replaces the extended data of the application that the first group names.
     Acad::ErrorStatus setXData(const ResbufList &data);
 
+    /// The dictionary that belongs to the object. Null when what is named there is none or another's.
     AcDbObjectId extensionDictionary() const;
     /// Makes an empty one when there is none; needs write access.
     AcDbObjectId createExtensionDictionary();
@@ -112,6 +113,9 @@ Acad::ErrorStatus acdbOpenObject(T *&object, AcDbObjectId id, AcDb::OpenMode mod
     object = nullptr;
     if (id.isNull())
         return Acad::eNullObjectId;
+    // What would be closed again at once is not made: making may lead to others, and so on without end.
+    if (!id.stub()->object && !id.isErased() && !id.objectClass()->isDerivedFrom(T::desc()))
+        return Acad::eNotThatKindOfClass;
     AcDbObject *opened = nullptr;
     const Acad::ErrorStatus status = id.database()->openObject(opened, id, mode, openErased);
     if (status != Acad::eOk)

@@ -71,7 +71,7 @@ Acad::ErrorStatus AcDbSymbolTable::addLike(const QString &model, const QString &
 
 Acad::ErrorStatus AcDbSymbolTable::addRecord(ResbufList groups, AcDbObjectId &added)
 {
-    const AcDbKind kind = acdbKind(groups.front().text().toLatin1());
+    const AcDbKind kind = m_database.kindNamed(groups.front().text().toLatin1());
     auto *const record = static_cast<AcDbObject *>(acdbKindClass(kind, false)->create());
     record->editGroups() = std::move(groups);
     const Acad::ErrorStatus status =

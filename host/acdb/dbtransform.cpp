@@ -302,13 +302,17 @@ Acad::ErrorStatus acdbTransformGroups(ResbufList &groups, const AcGeMatrix3d &ma
     if (!isSimilarity(matrix))
         return Acad::eInvalidInput;
 
-    EntityTransform transform(groups, matrix, dxfName == "VERTEX" ? ownerNormal : ownNormal(groups));
+    ResbufList moved = groups;
+    EntityTransform transform(moved, matrix, dxfName == "VERTEX" ? ownerNormal : ownNormal(groups));
     transform.applyRules(kind->rules);
     if (kind->finish)
         kind->finish(transform);
     if (kind->hasNormal)
         transform.setNormal(transform.newNormal());
     transform.applyExtendedData();
+    if (transform.overflows())
+        return Acad::eInvalidInput;
+    groups = std::move(moved);
     return Acad::eOk;
 }
 

@@ -16,8 +16,8 @@
 /// `ownerNormal` is the extrusion direction of the POLYLINE that owns a VERTEX, before the transform.
 /// The picture block of a DIMENSION is not touched; it belongs to the caller.
 ///
-/// eNotApplicable for kinds it does not know, eInvalidInput for matrices that are no similarity;
-/// then nothing is changed.
+/// eNotApplicable for kinds it does not know, eInvalidInput for matrices that are no similarity and where a
+/// number would become too large; then nothing is changed.
 Acad::ErrorStatus acdbTransformGroups(ResbufList &groups, const AcGeMatrix3d &matrix,
                                       const AcGeVector3d &ownerNormal = AcGeVector3d::kZAxis);
 

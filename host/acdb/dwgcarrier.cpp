@@ -128,6 +128,8 @@ private:
         AcDbObjectId known;
         if (AcDbObjectPointer<AcDbDictionary> reader(dictionary, AcDb::kForRead); reader)
             known = reader->getAt(kDwgCarrierKey.toString());
+        if (!isCarrier(known, dictionary, *stub.object))
+            known = AcDbObjectId(); // Somebody's; only our key goes to a record of our own.
         const bool isOurs = !known.isNull() && known == m_database.m_carriers[stub.index].record;
         if (!known.isNull() && !isOurs) {
             if (unpacked(chainOf(known)) == stream)
@@ -138,6 +140,15 @@ private:
         AcDbObjectPointer<AcDbXrecord> writer(record, AcDb::kForWrite);
         if (writer)
             writer->setFromRbChain(packed(stub.object->isA()->name(), stream));
+    }
+
+    /// What an earlier save left: an xrecord of this dictionary that begins as packed() does.
+    static bool isCarrier(AcDbObjectId record, AcDbObjectId dictionary, const AcDbObject &object)
+    {
+        if (!acdbIsOwned(record, dictionary, AcDbXrecord::desc()))
+            return false;
+        const ResbufList chain = chainOf(record);
+        return !chain.empty() && chain.front().restype == 1 && chain.front().text() == object.isA()->name();
     }
 
     static ResbufList chainOf(AcDbObjectId record)

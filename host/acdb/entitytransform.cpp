@@ -70,12 +70,18 @@ std::int64_t EntityTransform::integer(int code, std::int64_t fallback)
 
 void EntityTransform::setReal(resbuf &group, double value)
 {
-    if (!sameNumber(group.real(), value))
+    if (!std::isfinite(value))
+        m_overflows = true;
+    else if (!sameNumber(group.real(), value))
         group.assign(value);
 }
 
 void EntityTransform::setPoint(resbuf &group, const AcGePoint3d &value)
 {
+    if (!std::isfinite(value.x) || !std::isfinite(value.y) || !std::isfinite(value.z)) {
+        m_overflows = true;
+        return;
+    }
     if (same(group.point(), value))
         return;
     const bool isPlane = std::holds_alternative<AcGePoint2d>(group.resval);

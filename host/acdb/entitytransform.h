@@ -51,6 +51,9 @@ public:
     AcGeVector3d newNormal() const { return turned(m_normal); }
     const AcGeMatrix3d &inPlane() const { return m_inPlane; }
 
+    /// A number became too large to be one; the groups are good for nothing then.
+    bool overflows() const { return m_overflows; }
+
     ResbufList &groups() { return m_groups; }
     std::size_t end() const { return m_end; }
     /// Own group with that code, before embedded objects and extended data.
@@ -74,6 +77,7 @@ private:
     AcGeVector3d m_normal;
     double m_scale;
     bool m_mirrored;
+    bool m_overflows = false;
     std::size_t m_end = 0;
 };
 

@@ -244,14 +244,16 @@ AcGiDisplayList AcGiDisplayCache::blockList(AcDbObjectId record)
         if (const AcGiDisplayList *const known = list(index, m_slot))
             return *known;
     }
+    if (!m_nesting.enter(record.stub()))
+        return {};
     m_changes();
-    // What stands here meanwhile ends the repetition of a block that contains itself.
     m_lists[index].flags = AcGiDisplayList::kBuilt;
     m_notes.erase(index);
     const std::uint32_t viewports = m_tables.viewportCount();
     AcGiListBuilder builder(m_tables, *this, &m_slots[m_slot].view);
     builder.begin(index);
     acgiDrawBlock(record, builder);
+    m_nesting.leave();
     return keep(index, builder, viewports);
 }
 

@@ -122,6 +122,7 @@ private:
     AcDbDatabase &m_database;
     std::function<void()> m_ended;
     std::function<void()> m_changes;
+    AcDbNesting m_nesting;                                  ///< Of the block whose list is being made.
     std::unordered_map<std::uint32_t, Progress> m_progress; ///< By the index of the space.
     bool m_everythingChanged = false;
     std::optional<AcGiViewport>

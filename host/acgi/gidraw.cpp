@@ -109,7 +109,7 @@ static bool drawCustom(const AcDbEntity &entity, AcGiGeometry &sink)
 static bool drawByKind(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const AcDbStub *const stub = entity.objectId().stub();
-    const acgi::DrawFunction draw = drawFunction(stub ? stub->kind : acdbKind(entity.dxfName()));
+    const acgi::DrawFunction draw = drawFunction(stub ? stub->kind : acdbKnownKind(entity.dxfName()));
     if (draw) {
         draw(entity, sink);
         return true;

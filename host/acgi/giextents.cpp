@@ -271,15 +271,15 @@ private:
 
 const AcGiBlockReach &AcGiBlockExtents::of(AcDbObjectId blockRecord)
 {
-    // The empty reach that stands here meanwhile ends the repetition of a block that contains itself.
-    const auto [place, isNew] = m_blocks.try_emplace(blockRecord);
-    AcGiBlockReach &block = place->second; // Stays where it is while others are added.
-    if (isNew) {
-        PartsSink sink(*this, m_layers);
-        acgiDrawBlock(blockRecord, sink);
-        block = sink.take();
-    }
-    return block;
+    static const AcGiBlockReach kNothing;
+    if (const auto known = m_blocks.find(blockRecord); known != m_blocks.end())
+        return known->second;
+    if (!m_nesting.enter(blockRecord.stub()))
+        return kNothing;
+    PartsSink sink(*this, m_layers);
+    acgiDrawBlock(blockRecord, sink);
+    m_nesting.leave();
+    return m_blocks.try_emplace(blockRecord, sink.take()).first->second;
 }
 
 AcGiReach acgiReach(const AcDbEntity &entity, AcGiBlockExtents &blocks)

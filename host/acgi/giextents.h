@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/acdb/dbentity.h"
+#include "host/acdb/dbnesting.h"
 #include "host/acgi/gigeometry.h"
 
 #include <unordered_map>
@@ -41,6 +42,7 @@ public:
 
 private:
     std::unordered_map<AcDbObjectId, AcGiBlockReach> m_blocks;
+    AcDbNesting m_nesting;                ///< Of the block whose reach is being computed.
     std::unordered_set<QString> m_layers; ///< So that parts of one layer share its name.
 };
 

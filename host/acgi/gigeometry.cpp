@@ -187,9 +187,5 @@ void AcGiGeometry::circularArc(const AcGePoint3d &centre, double radius, const A
 
 bool AcGiGeometry::enterBlock(AcDbObjectId record)
 {
-    constexpr std::size_t kDeepest = 64;
-    if (m_blocks.size() >= kDeepest || std::ranges::find(m_blocks, record) != m_blocks.end())
-        return false;
-    m_blocks.push_back(record);
-    return true;
+    return m_nesting.enter(record.stub());
 }

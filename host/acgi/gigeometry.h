@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/acdb/dbid.h"
+#include "host/acdb/dbnesting.h"
 #include "host/acge/gematrix.h"
 #include "host/acgi/gitraits.h"
 
@@ -172,15 +173,15 @@ public:
 
     /// Blocks that are being drawn. False when the block is one of them already, or too deep.
     bool enterBlock(AcDbObjectId record);
-    void leaveBlock() { m_blocks.pop_back(); }
-    bool insideBlock() const { return !m_blocks.empty(); }
+    void leaveBlock() { m_nesting.leave(); }
+    bool insideBlock() const { return m_nesting.isInside(); }
 
 private:
     std::vector<AcGeMatrix3d> m_stack;
     AcGeMatrix3d m_toWorld;
     bool m_isWorld = true;
     AcGiSubEntityTraits m_traits;
-    std::vector<AcDbObjectId> m_blocks;
+    AcDbNesting m_nesting;
 };
 
 /// A model transform for the life of a scope.

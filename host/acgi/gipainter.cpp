@@ -208,18 +208,15 @@ void AcGiListPainter::reference(AcGiListReader &reader, bool)
     const AcGeVector3d columnStep = isArray ? reader.vector() : AcGeVector3d();
     const AcGeVector3d rowStep = isArray ? reader.vector() : AcGeVector3d();
 
-    constexpr std::size_t kDeepest = 64;
     const AcGiDisplayList *const block = m_scene.block(record, m_frame.slot);
-    if (!block || block->size == 0 || m_pen->isFrozen || m_active.size() >= kDeepest ||
-        std::ranges::find(m_active, record) != m_active.end())
+    if (!block || block->size == 0 || m_pen->isFrozen || !m_nesting.enter(record))
         return;
     const AcGiPen shower = *m_pen;
     const Frame outer = m_frame;
     m_frame.shower = &shower;
     m_penNumber = ~0u;
-    m_active.push_back(record);
     instances(*block, placement, columns, rows, outer.toPixel * columnStep, outer.toPixel * rowStep);
-    m_active.pop_back();
+    m_nesting.leave();
     m_frame = outer;
     m_penNumber = ~0u;
 }

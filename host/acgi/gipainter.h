@@ -1,6 +1,7 @@
 // AcGiListPainter: walks display lists and hands what they draw to a canvas, in pixels.
 #pragma once
 
+#include "host/acdb/dbnesting.h"
 #include "host/acgi/gicanvas.h"
 #include "host/acgi/gidisplaylist.h"
 #include "host/acgi/giimages.h"
@@ -99,7 +100,7 @@ private:
     const AcGiPen *m_pen = nullptr;
     AcGiPen m_scratch;
     std::uint32_t m_penNumber = ~0u;
-    std::vector<const AcDbStub *> m_active; ///< Blocks that are being painted.
+    AcDbNesting m_nesting; ///< Of the block that is being painted.
     bool m_insideViewport = false;
     double m_margin = 0.0; ///< How far drawing reaches out of boxes, pixels.
     std::vector<QPointF> m_points;

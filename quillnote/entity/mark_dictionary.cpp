@@ -51,7 +51,7 @@ static Acad::ErrorStatus ensureDictionary(AcDbDatabase &database, AcDbObjectId &
     if (!root)
         return root.openStatus();
     id = root->getAt(kDictionary);
-    if (!id.isNull())
+    if (acdbIsOwned(id, root->objectId(), AcDbDictionary::desc()))
         return Acad::eOk;
     if (const Acad::ErrorStatus status = root->upgradeOpen(); status != Acad::eOk)
         return status;
@@ -66,7 +66,11 @@ static Acad::ErrorStatus writeRecord(AcDbDatabase &database, const QString &name
     AcDbObjectPointer<AcDbDictionary> ours(dictionary, AcDb::kForWrite);
     if (!ours)
         return ours.openStatus();
-    AcDbObjectId record;
+    AcDbObjectId record = ours->getAt(name);
+    if (acdbIsOwned(record, dictionary, AcDbXrecord::desc())) {
+        AcDbObjectPointer<AcDbXrecord> known(record, AcDb::kForWrite);
+        return known ? known->setFromRbChain(chain) : known.openStatus();
+    }
     return addTo(*ours, name, std::make_unique<AcDbXrecord>(), record, chain);
 }
 

@@ -187,6 +187,11 @@ static void standUpright(QuillnoteObj3 &mark)
 Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
 {
     assertWriteEnabled();
+    for (const AcGePoint3d &point : {targetCorner1, targetCorner2, textBoxCorner1, textBoxCorner2}) {
+        const AcGePoint3d moved = matrix * point;
+        if (!std::isfinite(moved.x) || !std::isfinite(moved.y) || !std::isfinite(moved.z))
+            return Acad::eInvalidInput;
+    }
     normal.transformBy(matrix);
     xDirection.transformBy(matrix);
     const bool isScaled = std::abs(xDirection.length() - 1.0) > kGeTolerance;

@@ -1,7 +1,6 @@
 #include "quillnote/frame/database_reactor.h"
 
 #include "quillnote/authoring/append_state.h"
-#include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/exchange/synchronisation.h"
 
@@ -25,12 +24,11 @@ void QNK_DbReactor::goodbye(const AcDbDatabase *)
 }
 
 // The copy counts itself, so the first copy of mark 12 becomes 12.2.
-static void giveOwnIdentity(const AcDbDatabase &database, QuillnoteObj3 &mark)
+static void giveOwnIdentity(const AcDbDatabase &database, QuillnoteObj3 &mark, MarkCounts &counts)
 {
     if (mark.upgradeOpen() != Acad::eOk)
         return;
-    const MarkFilter sameNumber{QStringLiteral("ALL"), mark.markNumber};
-    mark.subNumber = static_cast<std::uint16_t>(collectMarks(database, sameNumber).ids.size());
+    mark.subNumber = static_cast<std::uint16_t>(counts.ofNumber(database, mark));
     mark.GUID = os::newGuidText();
 }
 
@@ -41,7 +39,8 @@ void QNK_DbReactor::objectAppended(const AcDbDatabase *database, const AcDbObjec
     if (!mark)
         return;
     if (!appendState().importing)
-        giveOwnIdentity(*database, *mark);
+        giveOwnIdentity(*database, *mark, m_counts);
+    m_counts.note(*mark);
     synchroniseMark(*mark);
 }
 
@@ -52,14 +51,18 @@ void QNK_DbReactor::objectUnAppended(const AcDbDatabase *database, const AcDbObj
 
 void QNK_DbReactor::objectReAppended(const AcDbDatabase *, const AcDbObject *object)
 {
-    if (const auto *const mark = acrxCast<QuillnoteObj3>(object))
+    if (const auto *const mark = acrxCast<QuillnoteObj3>(object)) {
+        m_counts.note(*mark);
         synchroniseMark(*mark);
+    }
 }
 
 // What an import changes makes way for a newer state; what it erases was erased elsewhere, or makes way too.
 void QNK_DbReactor::objectModified(const AcDbDatabase *, const AcDbObject *object)
 {
     const auto *const mark = acrxCast<QuillnoteObj3>(object);
+    if (mark)
+        m_counts.note(*mark);
     if (mark && !appendState().importing)
         synchroniseMark(*mark);
 }
@@ -67,6 +70,8 @@ void QNK_DbReactor::objectModified(const AcDbDatabase *, const AcDbObject *objec
 void QNK_DbReactor::objectErased(const AcDbDatabase *, const AcDbObject *object, bool erased)
 {
     const auto *const mark = acrxCast<QuillnoteObj3>(object);
+    if (mark)
+        m_counts.note(*mark, !erased);
     if (!mark || appendState().importing)
         return;
     if (erased)

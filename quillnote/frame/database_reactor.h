@@ -2,6 +2,8 @@
 // changes of marks to the synchronisation.
 #pragma once
 
+#include "quillnote/authoring/mark_counts.h"
+
 #include "host/acdb/dbreactor.h"
 
 class QNK_DbReactor : public AcDbDatabaseReactor
@@ -20,4 +22,5 @@ public:
 
 private:
     AcDbDatabase *m_database;
+    MarkCounts m_counts;
 };

@@ -244,6 +244,10 @@
         <translation>块 %1 没有自己的块记录，已补上</translation>
     </message>
     <message>
+        <source>%1, byte %2</source>
+        <translation>%1，第 %2 字节</translation>
+    </message>
+    <message>
         <source>%1, line %2</source>
         <translation>%1 第 %2 行</translation>
     </message>
@@ -346,6 +350,10 @@
     <message>
         <source>Line %1: %2.</source>
         <translation>第 %1 行: %2。</translation>
+    </message>
+    <message>
+        <source>%1 more handles are used twice.</source>
+        <translation>另有 %1 个句柄重复使用。</translation>
     </message>
     <message>
         <source>%1 more repairs are not listed.</source>

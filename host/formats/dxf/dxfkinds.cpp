@@ -40,8 +40,10 @@ Kind KindCache::resolve(Entry &entry, std::string_view name)
 {
     const std::string_view plain = trimmed(name);
     Kind kind{0, roleOf(plain)};
-    if (kind.role != Role::garbage)
-        kind.number = acdbKind(QByteArray(plain.data(), qsizetype(plain.size())));
+    if (kind.role != Role::garbage) {
+        const QByteArray known(plain.data(), qsizetype(plain.size()));
+        kind.number = m_drawing ? m_drawing->kindNamed(known) : acdbKnownKind(known);
+    }
     if (name.size() <= sizeof entry.name) {
         entry.length = name.size();
         std::memcpy(entry.name, name.data(), name.size());

@@ -36,6 +36,8 @@ struct Kind {
 class KindCache
 {
 public:
+    /// New names become kinds of `drawing`; without one they have no number.
+    explicit KindCache(AcDbDatabase *drawing = nullptr) : m_drawing(drawing) {}
     /// `name` as the value of a group 0, blanks around it allowed.
     Kind find(std::string_view name)
     {
@@ -56,6 +58,7 @@ private:
     };
     Kind resolve(Entry &entry, std::string_view name);
 
+    AcDbDatabase *m_drawing;
     std::array<Entry, 256> m_entries{};
 };
 

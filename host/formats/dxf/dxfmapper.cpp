@@ -17,7 +17,7 @@ template <class Scanner>
 Mapper<Scanner>::Mapper(AcDbLoader &loader, DxfSource &source, RepairLog &log, Scanner scanner,
                         const base::Progress &progress)
     : m_loader(loader), m_source(source), m_log(log), m_scanner(scanner), m_begin(source.bytes().data()),
-      m_blocks(loader, source, log), m_progress(progress)
+      m_blocks(loader, source, log), m_kinds(&loader.database()), m_progress(progress)
 {
 }
 
@@ -240,16 +240,14 @@ void Mapper<Scanner>::readSections()
     }
 }
 
-/// The sections that stand in comments behind the last one.
+/// The sections that stand in comments.
 template <class Scanner>
 void Mapper<Scanner>::readKept()
 {
     if constexpr (std::is_same_v<Scanner, TextScanner>) {
-        const Layout &layout = m_source.layout();
         if (!m_source.keepsInComments())
             return;
-        const Place part{layout.sections.back().end, layout.hasEof ? layout.eof : m_source.bytes().size()};
-        m_source.setKept(findKept(m_source.bytes(), part, m_source.lineEnd(), m_source.style().lineEnd));
+        m_source.setKept(findKept(m_source.bytes(), m_source.lineEnd(), m_source.style().lineEnd));
         if (m_source.kept().damage)
             m_log.add(*m_source.kept().damage, Host::tr("the objects kept in comments are damaged, "
                                                         "what could be read of them is used"));

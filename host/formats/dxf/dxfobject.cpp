@@ -60,6 +60,8 @@ void ObjectEncoder::leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) co
             bracket = group.text().startsWith(QLatin1Char('{'));
         const bool isOwner = code == 330 && !marked && !bracket;
         marked = marked || code == 100;
+        if (code == 999 && m_source.holds(group.source) && m_source.withoutKept(group.source).isEmpty())
+            return true; // Kept comments are written anew, elsewhere.
         if (m_source.holds(group.source) || (bracket && !marked))
             return false;
         return (isOwner && !ownerInFile && stub.has(AcDbStub::kEntity)) ||
@@ -91,8 +93,10 @@ QByteArray ObjectEncoder::encode(const AcDbStub &stub, std::optional<std::int64_
         count->assign(*recordCount);
     QByteArray out;
     m_encoder.append(out, groups);
-    if (const std::string_view tail = unreadableTail(stub); !tail.empty())
-        m_encoder.copy(out, tail);
+    if (const std::string_view tail = unreadableTail(stub); !tail.empty()) {
+        const QByteArray kept = m_source.withoutKept(tail);
+        m_encoder.copy(out, {kept.constData(), std::size_t(kept.size())});
+    }
     return out;
 }
 

@@ -49,6 +49,14 @@ void SavePlan::insertIntoSection(const QByteArray &section, const QByteArray &by
         m_newSections[section].append(bytes);
 }
 
+/// For block ends and table heads that the database has no objects for.
+std::uint64_t SavePlan::newHandle()
+{
+    const std::uint64_t given = m_database.freeHandle(m_nextHandle);
+    m_nextHandle = given + 1;
+    return given;
+}
+
 static Place placeOf(const AcDbStub &stub)
 {
     return {stub.begin, stub.begin + stub.size};
@@ -227,7 +235,7 @@ QByteArray SavePlan::newBlock(const AcDbStub &record)
     QByteArray bytes;
     const auto begin = [&](QByteArrayView kind) {
         m_encoder.marker(bytes, kind);
-        m_encoder.handle(bytes, 5, m_nextHandle++);
+        m_encoder.handle(bytes, 5, newHandle());
         if (!r12) {
             m_encoder.handle(bytes, 330, record.handle);
             m_encoder.plainText(bytes, 100, "AcDbEntity");
@@ -313,7 +321,7 @@ void SavePlan::writeNewTables()
             m_encoder.marker(bytes, "TABLE");
             m_encoder.plainText(bytes, 2, tableName(kind));
             if (m_source.version() > DrawingVersion::r12) {
-                m_encoder.handle(bytes, 5, m_nextHandle++);
+                m_encoder.handle(bytes, 5, newHandle());
                 m_encoder.handle(bytes, 330, 0);
                 m_encoder.plainText(bytes, 100, "AcDbSymbolTable");
             }
@@ -340,7 +348,7 @@ void SavePlan::writeClasses()
             ++known->second;
     }
     const auto countOf = [&](const QByteArray &dxfName) {
-        const auto known = instances.find(acdbKind(dxfName));
+        const auto known = instances.find(acdbKnownKind(dxfName));
         return known == instances.end() ? std::optional<std::int64_t>() : known->second;
     };
     for (const ClassRecord &record : m_layout.classes) {
@@ -405,8 +413,9 @@ void SavePlan::writeHandseed()
 {
     const ResbufList *const stored = m_database.headerVariable("$HANDSEED");
     const std::uint64_t value = stored && !stored->empty() ? stored->front().handle().value : 0;
-    if (m_handlesWritten && value < m_nextHandle && m_layout.section("HEADER"))
-        writeVariable("$HANDSEED", {resbuf(5, AcDbHandle{m_nextHandle})});
+    const std::uint64_t next = m_database.freeHandle(m_nextHandle);
+    if (m_handlesWritten && value < next && m_layout.section("HEADER"))
+        writeVariable("$HANDSEED", {resbuf(5, AcDbHandle{next})});
 }
 
 void SavePlan::writeHandle(const AcDbStub &stub)
@@ -545,8 +554,17 @@ QByteArray SavePlan::takeKeptText()
 void SavePlan::writeKept()
 {
     const QByteArray text = takeKeptText();
-    for (const Place comments : m_source.kept().comments)
-        replace(comments, {});
+    // Damage may have put comments into an object's stretch, which leaves them out when it is written.
+    sortByPlace(m_edits);
+    std::vector<Edit> removals;
+    auto rewritten = m_edits.begin();
+    for (const Place comment : m_source.kept().comments) {
+        while (rewritten != m_edits.end() && rewritten->offset + rewritten->removed <= comment.begin)
+            ++rewritten;
+        if (rewritten == m_edits.end() || rewritten->offset >= comment.end)
+            removals.push_back({comment.begin, comment.end - comment.begin, {}});
+    }
+    std::ranges::move(removals, std::back_inserter(m_edits));
     const std::string_view whole(text.constData(), std::size_t(text.size()));
     if (!holdsAnything(m_source, whole))
         return;

@@ -32,6 +32,7 @@ private:
     /// What comes first among insertions at one offset.
     enum Rank { kContents, kInnerEnd, kContainer, kSectionEnd, kNewSection, kKept, kFileEnd };
 
+    std::uint64_t newHandle();
     void findGone();
 
     void insert(std::uint64_t offset, Rank rank, const QByteArray &bytes);
@@ -77,7 +78,7 @@ private:
     std::map<SymbolTable, QByteArray> m_newTables; ///< New records of tables that the file lacks.
     std::map<SymbolTable, bool> m_tablesTouched;
     std::map<QByteArray, QByteArray> m_newSections;
-    std::uint64_t m_nextHandle = 0; ///< For block ends that the database has no objects for.
+    std::uint64_t m_nextHandle = 0; ///< Where newHandle() begins to look.
     bool m_handlesWritten = false;
     std::map<std::pair<std::uint64_t, Rank>, QByteArray> m_insertions;
     std::vector<Edit> m_edits;

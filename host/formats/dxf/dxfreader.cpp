@@ -54,7 +54,8 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
         return base::Failure{DxfError{name, -1, Host::tr("opening was stopped")}};
     if (result == MapResult::noSection)
         return base::Failure{DxfError{name, log.place(source.contentBegin()),
-                                      Host::tr("this is no DXF drawing, it has no section")}};
+                                      Host::tr("this is no DXF drawing, it has no section"),
+                                      source.format() == DrawingFormat::dxfBinary}};
     for (const QString &sentence : log.sentences())
         loader.addRepair(sentence);
     const qsizetype repairsBefore = database->repairs().size();

@@ -1,5 +1,6 @@
 #include "host/formats/dxf/dxfreread.h"
 
+#include "host/base/file_bytes.h"
 #include "host/base/file_error.h"
 #include "host/base/host_text.h"
 #include "host/base/path_name.h"
@@ -13,14 +14,12 @@ namespace dxf
 {
 
 /// New objects that do not stand in the file as themselves: heads are written with their tables, R12 has no
-/// block records, and what it has no section for goes into comments.
+/// block records.
 static bool standsAlone(const DxfSource &source, const AcDbStub &stub)
 {
     static const AcDbKind kTable = acdbKind("TABLE");
     static const AcDbKind kBlockRecord = acdbKind("BLOCK_RECORD");
-    if (stub.kind == kTable || (stub.kind == kBlockRecord && source.version() <= DrawingVersion::r12))
-        return false;
-    return !source.keepsInComments() || stub.has(AcDbStub::kEntity);
+    return stub.kind != kTable && (stub.kind != kBlockRecord || source.version() > DrawingVersion::r12);
 }
 
 RereadCheck::RereadCheck(const AcDbDatabase &database, const DxfSource &source, const SavePlan &plan)
@@ -34,7 +33,7 @@ RereadCheck::RereadCheck(const AcDbDatabase &database, const DxfSource &source, 
             continue;
         const Expected expected{stub.handle, stub.kind, stub.has(AcDbStub::kNoFileHandle),
                                 sameBytes && std::ranges::binary_search(source.layout().renumbered, index)};
-        if (stub.has(AcDbStub::kHasSource) && !source.isKept(stub.begin))
+        if (stub.has(AcDbStub::kHasSource)) // Those of the kept text come last.
             m_fromSource.push_back(expected);
         else if (!stub.has(AcDbStub::kHasSource) && stub.has(AcDbStub::kInChangeList) &&
                  standsAlone(source, stub))
@@ -188,7 +187,27 @@ base::Result<void, QString> RereadCheck::read(const QString &path, const base::P
             return base::Failure{Host::tr("it was stopped")};
     }
     endObject();
+    if (const auto kept = readKept(path); !kept)
+        return kept;
     return verdict();
+}
+
+/// What stands in comments is found as the reader finds it.
+base::Result<void, QString> RereadCheck::readKept(const QString &path)
+{
+    if (!m_source.keepsInComments())
+        return {};
+    const auto file = base::readFileBytes(path);
+    if (!file)
+        return base::Failure{file.error().text()};
+    const KeptText kept = findKept(file->view(), m_source.lineEnd(), m_source.style().lineEnd);
+    const bool mainEnded = std::exchange(m_ended, false);
+    const auto read = feed({kept.text.constData(), std::size_t(kept.text.size())}, true);
+    endObject();
+    m_ended = mainEnded;
+    if (!read)
+        return base::Failure{read.error()};
+    return {};
 }
 
 } // namespace dxf

@@ -42,6 +42,7 @@ private:
     template <class Scanner>
     base::Result<std::size_t, QString> feed(Scanner scanner, std::string_view bytes, bool last);
     base::Result<std::size_t, QString> feed(std::string_view bytes, bool last);
+    base::Result<void, QString> readKept(const QString &path);
     bool take(const Group &group);
     void endObject();
     base::Result<void, QString> verdict() const;

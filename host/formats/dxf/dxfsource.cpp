@@ -40,6 +40,20 @@ std::uint64_t DxfSource::offsetOf(const char *at) const
     return std::uint64_t(at - m_bytes.data());
 }
 
+QByteArray DxfSource::withoutKept(std::string_view part) const
+{
+    QByteArray rest;
+    const std::uint64_t begin = offsetOf(part.data());
+    const std::uint64_t end = begin + part.size();
+    std::uint64_t at = begin;
+    auto comment = std::ranges::lower_bound(m_kept.comments, begin, {}, &dxf::Place::begin);
+    for (; comment != m_kept.comments.end() && comment->begin < end; ++comment) {
+        rest.append(part.data() + (at - begin), qsizetype(comment->begin - at));
+        at = std::min(comment->end, end);
+    }
+    return rest.append(part.data() + (at - begin), qsizetype(end - at));
+}
+
 static DrawingVersion versionOf(std::string_view text)
 {
     constexpr DrawingVersion kVersions[] = {

@@ -67,8 +67,10 @@ public:
     void setVersion(std::string_view version, std::string_view codePage);
     dxf::Layout &editLayout() { return m_layout; }
     void setKept(dxf::KeptText kept) { m_kept = std::move(kept); }
-    /// Forgets what stands in the kept text from here on. Nothing of it moves.
-    void endKeptAt(std::uint64_t offset) { m_kept.text.truncate(qsizetype(offset - keptBegin())); }
+    /// The kept text cannot be read from here on; that part stays in the file as it is.
+    void endKeptAt(std::uint64_t offset) { m_kept.endAt(offset - keptBegin()); }
+    /// A stretch of the file without the comments that hold the kept text.
+    QByteArray withoutKept(std::string_view part) const;
     /// For the reader: learns the style from a stretch of ordinary groups.
     void learnStyle(std::string_view part);
     /// Where the groups begin: behind a byte-order mark or the sentinel.

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+using tests::Groups;
 using tests::MemoryDrawing;
 
 TEST(Clone, CopiesPartsAndExtensionDictionaries)
@@ -83,4 +84,48 @@ TEST(Clone, ADimensionGetsAPictureOfItsOwn)
     EXPECT_EQ(findGroup(copy->groups(), 2)->text(), "*D2");
     EXPECT_EQ(lineStart(QStringLiteral("*D1")), AcGePoint3d());
     EXPECT_EQ(lineStart(QStringLiteral("*D2")), AcGePoint3d(5, 0, 0));
+}
+
+// Structures that lead back to themselves ------------------------------------------------------------
+
+TEST(Clone, ADimensionInItsOwnPictureIsCopiedOnce)
+{
+    MemoryDrawing drawing;
+    const auto picture = drawing.block("*D1");
+    const Groups groups{{100, "AcDbDimension"},
+                        {2, "*D1"},
+                        {10, AcGePoint3d()},
+                        {11, AcGePoint3d()},
+                        {70, 0},
+                        {100, "AcDbAlignedDimension"},
+                        {13, AcGePoint3d()},
+                        {14, AcGePoint3d(1, 0, 0)}};
+    drawing.entity("DIMENSION", groups, picture);
+    const auto handle = drawing.entity("DIMENSION", groups);
+    const auto database = drawing.open();
+    std::vector<AcDbObjectId> copies;
+    ASSERT_EQ(acdbDeepCloneEntities({database->getAcDbObjectId({handle})}, database->modelSpaceId(), copies),
+              Acad::eOk);
+    ASSERT_EQ(copies.size(), 1U);
+    AcDbObjectPointer<AcDbEntity> copy(copies[0], AcDb::kForWrite);
+    EXPECT_EQ(copy->transformBy(AcGeMatrix3d::translation({5, 0, 0})), Acad::eOk);
+    EXPECT_FALSE(database->tableRecord(SymbolTable::block, QStringLiteral("*D3")).isValid());
+}
+
+TEST(Clone, AnExtensionDictionaryThatIsNoneIsNotCopied)
+{
+    MemoryDrawing drawing;
+    const auto point = drawing.entity("POINT", {{10, AcGePoint3d()}});
+    const auto insert = drawing.entity("INSERT", {{102, "{ACAD_XDICTIONARY"},
+                                                  {360, AcDbHandle{point + 1}},
+                                                  {102, "}"},
+                                                  {2, "DOOR"},
+                                                  {10, AcGePoint3d()}});
+    ASSERT_EQ(insert, point + 1);
+    const auto database = drawing.open();
+    const std::uint32_t before = database->stubCount();
+    std::vector<AcDbObjectId> copies;
+    acdbDeepCloneEntities({database->getAcDbObjectId({insert})}, database->modelSpaceId(), copies);
+    EXPECT_EQ(copies.size(), 1U);
+    EXPECT_EQ(database->stubCount(), before + 1);
 }

@@ -261,3 +261,39 @@ TEST(Custom, CarriedFieldsArePackedAndClaimNoMoreThanTheyHold)
         EXPECT_TRUE(acdbCarriedFields(*database, groups).isEmpty()) << code << ' ' << value;
     }
 }
+
+/// Notes whose extension dictionaries name the notes given, by place.
+static std::unique_ptr<AcDbDatabase> notesNaming(const std::vector<int> &named,
+                                                 std::vector<AcDbObjectId> &notes)
+{
+    MemoryDrawing drawing;
+    const auto first = drawing.entity("POINT", {{10, AcGePoint3d()}});
+    for (const int each : named)
+        drawing.entity("TESTNOTE", {{102, "{ACAD_XDICTIONARY"},
+                                    {360, AcDbHandle{first + 1 + std::uint64_t(each)}},
+                                    {102, "}"},
+                                    {100, "AcDbTestNote"},
+                                    {1, "text"}});
+    auto database = drawing.open();
+    for (std::size_t i = 0; i < named.size(); ++i)
+        notes.push_back(database->getAcDbObjectId({first + 1 + i}));
+    return database;
+}
+
+TEST(Custom, ACarrierThatLeadsBackIsNone)
+{
+    NoteClass known;
+    for (const std::vector<int> &named : {std::vector<int>{0}, std::vector<int>{1, 0}}) {
+        std::vector<AcDbObjectId> notes;
+        const auto database = notesNaming(named, notes);
+        for (const AcDbObjectId note : notes) {
+            AcDbObjectPointer<AcDbEntity> opened(note, AcDb::kForWrite);
+            ASSERT_TRUE(opened);
+            EXPECT_TRUE(opened->extensionDictionary().isNull());
+            opened->setColorIndex(3);
+        }
+        const AcDbDwgCarriers saving(*database);
+        for (const AcDbObjectId note : notes)
+            EXPECT_TRUE(note.isValid());
+    }
+}

@@ -271,3 +271,12 @@ TEST(Transform, MultileadersAreReadByTheirBraces)
     EXPECT_NEAR(real(leader, 42), kQuarter, 1e-9);
     EXPECT_NEAR(leader.back().real(), 8.0, 1e-12);
 }
+
+TEST(Transform, ANumberTooLargeChangesNothing)
+{
+    const ResbufList before = entity("LINE", {{10, AcGePoint3d(1e308, 0, 0)}, {11, AcGePoint3d(1, 2, 0)}});
+    ResbufList list = before;
+    EXPECT_EQ(acdbTransformGroups(list, AcGeMatrix3d::translation({1e308, 5, 0})), Acad::eInvalidInput);
+    EXPECT_EQ(list, before);
+    EXPECT_EQ(touchedCodes(list), touchedCodes(before));
+}

@@ -3,9 +3,12 @@
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbload.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gmock/gmock.h>
+
+#include <set>
 
 using testing::ElementsAre;
 using tests::MemoryDrawing;
@@ -150,4 +153,78 @@ TEST(Loading, SettlesHandles)
     EXPECT_THAT(settled, ElementsAre(3U, 2U, 0x50U, 0x51U, 4U, 1U));
     EXPECT_EQ(database.repairs().size(), 1);
     EXPECT_EQ(database.handseed().value, 0x52U);
+}
+
+TEST(Loading, GivesHandlesBelowWhenNoneIsLeftAbove)
+{
+    constexpr std::uint64_t kHighest = ~std::uint64_t(0);
+    MemoryDrawing drawing;
+    drawing.headerVariable("$HANDSEED", {{5, AcDbHandle{kHighest}}});
+    const auto database = drawing.open();
+    std::set<std::uint64_t> handles;
+    for (std::uint32_t index = 1; index < database->stubCount(); ++index)
+        handles.insert(database->stub(index)->handle);
+    for (int i = 0; i < 3; ++i) {
+        AcDbObjectId id;
+        auto *const record = new AcDbXrecord;
+        ASSERT_EQ(database->addAcDbObject(record, {}, &id), Acad::eOk);
+        record->close();
+        EXPECT_NE(id.handle().value, 0U);
+        EXPECT_TRUE(handles.insert(id.handle().value).second);
+        EXPECT_EQ(database->getAcDbObjectId(id.handle()), id);
+    }
+}
+
+TEST(Kinds, OfADrawingGoWithIt)
+{
+    for (int round = 0; round < 2; ++round) {
+        AcDbDatabase hostile;
+        for (int i = 0; i < 70'000; ++i)
+            hostile.kindNamed("NAME" + QByteArray::number(i) + "OF" + QByteArray::number(round));
+        EXPECT_EQ(acdbKindName(hostile.kindNamed("SORTENTSTABLE")), "SORTENTSTABLE");
+        EXPECT_NE(acdbKind("ASKED" + QByteArray::number(round)), 0);
+        EXPECT_EQ(acdbKindName(acdbKind("LINE")), "LINE");
+    }
+    AcDbDatabase later;
+    EXPECT_NE(later.kindNamed("LATER"), 0);
+    EXPECT_EQ(acdbKnownKind("NAME1OF0"), 0);
+}
+
+// What a dictionary does not own only loses its key.
+TEST(Dictionaries, EraseOnlyWhatIsTheirs)
+{
+    MemoryDrawing drawing;
+    const auto line = drawing.entity("LINE", {{10, AcGePoint3d()}, {11, AcGePoint3d(1, 0, 0)}});
+    const auto database = drawing.open();
+    const AcDbObjectId foreign = database->getAcDbObjectId({line});
+    AcDbObjectPointer<AcDbDictionary> root(database->namedObjectsDictionaryId(), AcDb::kForWrite);
+    ASSERT_TRUE(root);
+    root->link(QStringLiteral("XREC1"), foreign);
+    AcDbObjectId record;
+    auto *const added = new AcDbXrecord;
+    ASSERT_EQ(root->setAt(QStringLiteral("XREC1"), added, record), Acad::eOk);
+    added->close();
+    EXPECT_EQ(root->getAt(QStringLiteral("XREC1")), record);
+    EXPECT_TRUE(foreign.isValid());
+    root->link(QStringLiteral("OTHER"), foreign);
+    EXPECT_EQ(root->remove(QStringLiteral("OTHER")), Acad::eOk);
+    EXPECT_TRUE(foreign.isValid());
+}
+
+TEST(Layers, AreFoundByTheNameThatTheyHaveNow)
+{
+    MemoryDrawing drawing;
+    drawing.layer("WALLS");
+    const auto database = drawing.open();
+    const AcDbSymbolTable layers(*database, SymbolTable::layer);
+    const AcDbObjectId walls = layers.getAt(QStringLiteral("walls"));
+    ASSERT_TRUE(walls.isValid());
+    database->undo().beginGroup(QStringLiteral("rename"));
+    AcDbObjectPointer<AcDbLayerTableRecord>(walls, AcDb::kForWrite)->setGroup(2, QStringLiteral("DOORS"));
+    database->undo().endGroup();
+    EXPECT_EQ(layers.getAt(QStringLiteral("doors")), walls);
+    EXPECT_FALSE(layers.has(QStringLiteral("WALLS")));
+    database->undo().undo();
+    EXPECT_EQ(layers.getAt(QStringLiteral("WALLS")), walls);
+    EXPECT_FALSE(layers.has(QStringLiteral("DOORS")));
 }

@@ -325,3 +325,25 @@ TEST(Extents, WhatHasNoneSaysSo)
     EXPECT_EQ(entity->getGeomExtents(box), Acad::eOk);
     expectBox(box, {0, 0, 1, 0});
 }
+
+// Blocks deeper than anybody shows, in a chain and in a ring, end the walk instead of the program.
+TEST(Extents, DeepBlocksEnd)
+{
+    for (const bool isRing : {false, true}) {
+        constexpr int kCount = 30'000;
+        MemoryDrawing drawing;
+        const auto insertOf = [](int block) {
+            return Groups{{2, QStringLiteral("B%1").arg(block)}, {10, AcGePoint3d()}};
+        };
+        for (int i = 0; i < kCount; ++i) {
+            const auto block = drawing.block(("B" + QByteArray::number(i)).constData());
+            drawing.entity("LINE", {{10, AcGePoint3d()}, {11, AcGePoint3d(1, 2, 0)}}, block);
+            if (isRing || i + 1 < kCount)
+                drawing.entity("INSERT", insertOf((i + 1) % kCount), block);
+        }
+        const auto insert = drawing.entity("INSERT", insertOf(0));
+        AcGiBlockExtents blocks;
+        expectBox(boxOf(drawing, insert, &blocks), {0, 0, 1, 2});
+        expectBox(boxOf(drawing, insert), {0, 0, 1, 2});
+    }
+}

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 using tests::blockList;
 using tests::dxfBinary;
 using tests::dxfText;
@@ -161,6 +163,60 @@ TEST(DxfR12, ReadsWhatIsLeftOfDamagedComments)
         const auto again = openDxf(saveDxf(*cut));
         EXPECT_TRUE(blockList(*again, again->modelSpaceId())
                         .startsWith(QStringLiteral("CIRCLE A2 | POLYLINE A3 | ")));
+    }
+}
+
+/// Lines of kept objects in a file.
+static QByteArrayList keptLines(const QByteArray &file)
+{
+    QByteArrayList kept;
+    for (const QByteArray &line : file.split('\n')) {
+        if (line.startsWith('|'))
+            kept.append(line);
+    }
+    std::ranges::sort(kept);
+    return kept;
+}
+
+// Whatever stands around them: a blank line, an open section, damage in the comments themselves.
+TEST(DxfR12, FindsKeptObjectsByThemselves)
+{
+    const QByteArray whole = drawingWithRecord(dxfText(tests::smallR12Drawing(true)));
+    const QByteArray plain = dxfText(tests::smallR12Drawing(true));
+    const QByteArray blank = drawingWithRecord(QByteArray(plain).replace("  0\r\nEOF", "\r\n  0\r\nEOF"));
+    EXPECT_EQ(recordOf(*openDxf(blank)).size(), 4u);
+    const QByteArray open =
+        QByteArray(whole).replace("  0\r\nENDSEC\r\n999\r\nQUILLNOTE", "999\r\nQUILLNOTE");
+    ASSERT_NE(open, whole);
+    for (const QByteArray &file : {blank, open}) {
+        const auto database = openDxf(file);
+        EXPECT_EQ(recordOf(*database).size(), 4u);
+        tests::setGroup(*database, tests::object(*database, 0xA9).isValid() ? 0xA9 : 0xA2, 62,
+                        std::int64_t(3));
+        const auto again = openDxf(saveDxf(*database));
+        EXPECT_EQ(recordOf(*again).size(), 4u);
+        EXPECT_EQ(keptLines(saveDxf(*database)), keptLines(file));
+    }
+}
+
+TEST(DxfR12, LosesNoKeptLineToOneWrongByte)
+{
+    const QByteArray whole = drawingWithRecord(dxfText(tests::smallR12Drawing(true)));
+    const QByteArrayList lines = keptLines(whole);
+    for (qsizetype at = whole.indexOf("999\r\nQUILLNOTE"); at < whole.size(); ++at) {
+        for (const char byte : {'\n', 'x', '9'}) {
+            QByteArray damaged = whole;
+            damaged[at] = byte;
+            const auto database = openDxf(damaged);
+            tests::appendCircle(database->modelSpaceId());
+            const QByteArray saved = saveDxf(*database);
+            // Lines that are no kept ones any more stay as they are.
+            qsizetype lost = 0;
+            for (const QByteArray &line : lines)
+                lost += !saved.contains(line.mid(1).trimmed());
+            EXPECT_LE(lost, 1) << "byte " << at << ", " << int(byte);
+            EXPECT_LE(keptLines(damaged).size(), keptLines(saved).size() + 2) << "byte " << at;
+        }
     }
 }
 
