@@ -60,7 +60,8 @@ void keepTextLegible(QuillnoteObj3 &mark)
     constexpr double kLegibleShare = 1.0 / 80.0; // Of the view's height: ten pixels or so.
     constexpr double kFollowingShare = 1.0 / 12.0;
     const AcApDocument *const document = curDoc();
-    if (!document || !mark.autoTextHeight)
+    // A height that the user has set, for sheets in particular, stays the mark's.
+    if (!document || !mark.autoTextHeight || !startUpSettings().suitsTextHeight || isPaperSpaceCurrent())
         return;
     const double least = document->view().height * kLegibleShare;
     if (mark.targetCorner1.distanceTo(mark.targetCorner4) * kFollowingShare >= least)

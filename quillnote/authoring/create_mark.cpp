@@ -41,12 +41,13 @@ static void placeTarget(QuillnoteObj3 &mark, const NewMark &request)
         keepTextLegible(mark);
 }
 
-// Fitting a box to its lines moves its lower edge; that of a new one stays where the user pointed.
+// Fitting a box to its lines moves its lower edge; that of a new one lies a text height under where the user
+// pointed.
 static void standBoxOnItsPlace(const AcDbDatabase &database, QuillnoteObj3 &mark)
 {
     const MarkLayout layout = layOutMark(mark, markDrawingSettings(), currentMarkView(&database));
     MarkCorners box = layout.writeBack.textBox;
-    const AcGeVector3d down = layout.axes.up * (mark.textBoxCorner1 - box.corner1).dotProduct(layout.axes.up);
+    const AcGeVector3d down = layout.axes.up * ((mark.textBoxCorner1 - box.corner1).dotProduct(layout.axes.up) + mark.textHeight);
     for (AcGePoint3d *corner : {&box.corner1, &box.corner2, &box.corner3, &box.corner4})
         *corner = *corner + down;
     setTextBoxCorners(mark, box);

@@ -339,6 +339,7 @@ TEST_F(AuthoringTest, TextHeightsSuitTheDrawingAndTheView)
     EXPECT_NEAR(heightOf(), 0.24, 0.05);
     startUpSettings().suitsTextHeight = false;
     EXPECT_EQ(heightOf(), 1000) << "what the user has set";
+    startUpSettings().suitsTextHeight = true;
 
     // Text under a target that is small in the view does not follow it into the illegible.
     request.isLeader = false;

@@ -22,7 +22,7 @@ static OutlineRecord target(const AcGePoint3d &corner1, const AcGePoint3d &corne
 TEST(LeaderAttachment, RectanglesOfferTwelvePoints)
 {
     const OutlineRecord mark = target({0, 0, 0}, {30, 60, 0});
-    const auto attached = [&](const AcGePoint3d &from) { return attachLeaders(2, 2, mark, true, from, {}); };
+    const auto attached = [&](const AcGePoint3d &from) { return attachLeaders(2, 2, mark, true, from); };
     expectNear(attached({0, -9, 0}), {6, 0, 0});
     expectNear(attached({11, -9, 0}), {10, 0, 0});
     expectNear(attached({99, -9, 0}), {30, 12, 0});

@@ -63,7 +63,9 @@ TEST_F(Settings, TheTableNamesEachValueOnce)
 TEST_F(Settings, StartUpTakesDefaultsWhenNothingIsStored)
 {
     readStartUpSettings();
-    EXPECT_EQ(startUpSettings(), StartUpSettings());
+    StartUpSettings defaults;
+    defaults.suitsTextHeight = true;
+    EXPECT_EQ(startUpSettings(), defaults);
     EXPECT_FALSE(os::SettingsStore::user().number(settings::kKey, u"textHeight"));
     EXPECT_FALSE(os::SettingsStore::user().number(settings::kKey, u"textHeightPS"));
 }
