@@ -47,7 +47,8 @@ static void standBoxOnItsPlace(const AcDbDatabase &database, QuillnoteObj3 &mark
 {
     const MarkLayout layout = layOutMark(mark, markDrawingSettings(), currentMarkView(&database));
     MarkCorners box = layout.writeBack.textBox;
-    const AcGeVector3d down = layout.axes.up * ((mark.textBoxCorner1 - box.corner1).dotProduct(layout.axes.up) + mark.textHeight);
+    const AcGeVector3d down =
+        layout.axes.up * ((mark.textBoxCorner1 - box.corner1).dotProduct(layout.axes.up) + mark.textHeight);
     for (AcGePoint3d *corner : {&box.corner1, &box.corner2, &box.corner3, &box.corner4})
         *corner = *corner + down;
     setTextBoxCorners(mark, box);

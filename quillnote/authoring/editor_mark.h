@@ -7,11 +7,11 @@
 
 #include <optional>
 
-/// Opens the mark editor, with the picked place shown in the drawing meanwhile, and completes the request (points and
-/// kind) with its texts and the reviewer's name of the settings. The keyword text goes to the phrase bank. A sketch
-/// made in the editor lies in `sketch`, which must live until the mark is made. None when the editor is cancelled or
-/// the drawing is closed meanwhile, or when the drawing has no number left for a mark (then with a printed line, and
-/// without opening the editor).
+/// Opens the mark editor, with the picked place shown in the drawing meanwhile, and completes the request
+/// (points and kind) with its texts and the reviewer's name of the settings. The keyword text goes to the
+/// phrase bank. A sketch made in the editor lies in `sketch`, which must live until the mark is made. None
+/// when the editor is cancelled or the drawing is closed meanwhile, or when the drawing has no number left
+/// for a mark (then with a printed line, and without opening the editor).
 std::optional<NewMark> askOpinion(NewMark request, InkSketch &sketch, const QString &keywordText = {});
 /// A null id, with a printed line, when the drawing refuses the mark.
 AcDbObjectId makeMark(const NewMark &request);

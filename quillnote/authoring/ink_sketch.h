@@ -22,8 +22,8 @@ public:
     void ask(const QRect &screen);
     /// The same over the rectangle of two corners (world) in the current viewport.
     void askOver(const AcGePoint3d &corner1, const AcGePoint3d &corner2);
-    /// Something was sketched: the user did not give up, and there was something to draw with. What this program
-    /// cannot read counts.
+    /// Something was sketched: the user did not give up, and there was something to draw with. What this
+    /// program cannot read counts.
     bool isMade() const;
 
 private:

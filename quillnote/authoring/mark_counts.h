@@ -1,5 +1,5 @@
-// MarkCounts: how many marks of each number the layouts of a drawing hold. Counted once, then kept by what the
-// drawing's reactor hears, so that numbering a copy does not cost more the more marks there are.
+// MarkCounts: how many marks of each number the layouts of a drawing hold. Counted once, then kept by what
+// the drawing's reactor hears, so that numbering a copy does not cost more the more marks there are.
 #pragma once
 
 #include "host/acdb/dbdatabase.h"

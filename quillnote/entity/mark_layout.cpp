@@ -135,11 +135,13 @@ void LayoutPass::fitTextBox(const MarkTextLayout &text, const MarkTextFrame &fra
 {
     const double widest = text.widest;
     const double frameWidth = frame.width;
+    const double least = widest + 0.6 * textHeight;
+    const double roomy = std::max(1.2 * widest, least);
     double width = frameWidth;
-    if (widest > 0.0 && frameWidth > 1.2 * widest)
-        width = 1.2 * widest;
+    if (widest > 0.0 && frameWidth > roomy)
+        width = roomy;
     else if (widest > frameWidth)
-        width = widest + 0.6 * textHeight;
+        width = least;
     MarkCorners &box = m_layout.textBox;
     const bool mirrored = (box.corner2 - box.corner1).dotProduct(m_layout.axes.right) < 0.0;
     const AcGeVector3d shift = m_layout.axes.right * ((width - frameWidth) * (mirrored ? -1.0 : 1.0));

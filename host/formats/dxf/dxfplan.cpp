@@ -512,16 +512,20 @@ static void sortByPlace(std::vector<Edit> &edits)
     });
 }
 
-/// Something besides empty sections.
+/// Something besides empty sections; what cannot be read is something too.
 static bool holdsAnything(const DxfSource &source, std::string_view text)
 {
     bool found = false;
+    const char *end = text.data();
     source.visitGroups(text, [&](const Group &group) {
-        const std::string_view kind = trimmed(group.value);
-        found = group.code == 0 && kind != "SECTION" && kind != "ENDSEC";
+        const std::string_view value = trimmed(group.value);
+        const bool isFrame = group.code == 0 && (value == "SECTION" || value == "ENDSEC");
+        const bool isName = group.code == 2 && standsInComments({value.data(), qsizetype(value.size())});
+        found = !isFrame && !isName;
+        end = group.end;
         return !found;
     });
-    return found;
+    return found || end != text.data() + text.size();
 }
 
 /// What the edits make of the kept text; they are edits of the file no more.

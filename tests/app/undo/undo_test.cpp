@@ -30,7 +30,8 @@ static void PrintTo(const CommandCase &row, std::ostream *out)
 static const char *const kMarks = "QN3_Quillnote\n4500,-300\n6500,1200\n@set 1003 \"one\"\n@ok\n"
                                   "QN3_Quillnote\n300,500\n1200,2900\n@set 1003 \"two\"\n@ok\n"
                                   "QN3_QuillnoteLeader\n2000,2000\n3000,5000\n@set 1003 \"three\"\n@ok\n"
-                                  "QN3_PolygonMark\n7000,1000\n9000,1000\n8000,3000\n\n";
+                                  "QN3_PolygonMark\n7000,1000\n9000,1000\n8000,3000\n\n"
+                                  "QN8_editNumber\n2000,2000\n30\n";
 
 static const CommandCase kCases[] = {
     {"line", "LINE\n0,0\n50,60\n90,10\n\n"},

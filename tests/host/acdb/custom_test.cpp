@@ -272,7 +272,7 @@ static std::unique_ptr<AcDbDatabase> notesNaming(const std::vector<int> &named,
         drawing.entity("TESTNOTE", {{102, "{ACAD_XDICTIONARY"},
                                     {360, AcDbHandle{first + 1 + std::uint64_t(each)}},
                                     {102, "}"},
-                                    {100, "AcDbTestNote"},
+                                    {100, "TestNote"},
                                     {1, "text"}});
     auto database = drawing.open();
     for (std::size_t i = 0; i < named.size(); ++i)
@@ -288,7 +288,7 @@ TEST(Custom, ACarrierThatLeadsBackIsNone)
         const auto database = notesNaming(named, notes);
         for (const AcDbObjectId note : notes) {
             AcDbObjectPointer<AcDbEntity> opened(note, AcDb::kForWrite);
-            ASSERT_TRUE(opened);
+            ASSERT_TRUE(opened) << acadErrorStatusText(opened.openStatus()).toStdString();
             EXPECT_TRUE(opened->extensionDictionary().isNull());
             opened->setColorIndex(3);
         }

@@ -58,7 +58,7 @@ struct MarkLayoutTest : testing::Test {
 TEST_F(MarkLayoutTest, SizesAreCountedInThePixelsThatPeopleSee)
 {
     EXPECT_DOUBLE_EQ(layOut().drawUnit, 1.5);
-    view.viewport.pixelRatio = 2.0;
+    view.viewport.pixelsPerMillimetre *= 2.0;
     EXPECT_DOUBLE_EQ(layOut().drawUnit, 3.0);
 }
 

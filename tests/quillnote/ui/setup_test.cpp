@@ -49,7 +49,7 @@ TEST_F(SetupTest, StoresWhatIsChosen)
     EXPECT_EQ(settings::text(u"chPwMD5"), hashPassword(QStringLiteral("秘密")));
     StartUpSettings read;
     std::swap(read, startUpSettings());
-    readStartUpSettings({});
+    readStartUpSettings();
     read.chineseVersion = startUpSettings().chineseVersion;
     EXPECT_EQ(read, startUpSettings()) << "the running program uses what the next one will read";
 

@@ -191,7 +191,7 @@ TEST(DxfR12, FindsKeptObjectsByThemselves)
     for (const QByteArray &file : {blank, open}) {
         const auto database = openDxf(file);
         EXPECT_EQ(recordOf(*database).size(), 4u);
-        tests::setGroup(*database, tests::object(*database, 0xA9).isValid() ? 0xA9 : 0xA2, 62,
+        tests::setGroup(*database, database->getAcDbObjectId({0xA9}).isValid() ? 0xA9 : 0xA2, 62,
                         std::int64_t(3));
         const auto again = openDxf(saveDxf(*database));
         EXPECT_EQ(recordOf(*again).size(), 4u);

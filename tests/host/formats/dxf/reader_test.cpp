@@ -174,7 +174,7 @@ TEST(DxfReader, RefusesWhatIsNoDrawing)
         {dxfText("0 EOF"), "test.dxf, line 1: this is no DXF drawing, it has no section"},
         {QByteArray(5000, '\xff'), "test.dxf, line 1: this is no DXF drawing, it has no section"},
         {QByteArray("AutoCAD Binary DXF\r\n\x1a\0", 22),
-         "test.dxf, line 22: this is no DXF drawing, it has no section"},
+         "test.dxf, byte 22: this is no DXF drawing, it has no section"},
     };
     for (const auto &[bytes, message] : files) {
         const auto opened = readDxf(base::FileBytes::fromByteArray(bytes), QStringLiteral("test.dxf"));
