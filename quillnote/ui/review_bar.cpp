@@ -2,6 +2,9 @@
 
 #include "quillnote/frame/settings/settings.h"
 
+#include <QApplication>
+#include <QScrollArea>
+
 static constexpr int kLeastWidth = 205;
 static constexpr int kMostWidth = 800;
 static constexpr int kHeight = 800;
@@ -16,7 +19,17 @@ CMyDockControlBar::CMyDockControlBar()
 {
     setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
     setFloatingLimits({300, 600}, {900, 1366});
-    setWidget(m_panel);
+    // A low screen, or a large font, must not make the window higher than the screen.
+    auto *const frame = new QScrollArea(this);
+    frame->setFrameShape(QFrame::NoFrame);
+    frame->setWidgetResizable(true);
+    frame->setMinimumWidth(m_panel->minimumSizeHint().width());
+    frame->setWidget(m_panel);
+    setWidget(frame);
+    connect(qApp, &QApplication::focusChanged, frame, [this, frame](QWidget *, QWidget *now) {
+        if (now && m_panel->isAncestorOf(now))
+            frame->ensureWidgetVisible(now);
+    });
     resize(kLeastWidth, kHeight);
     constexpr int kPause = 300; // Milliseconds.
     m_resized.setSingleShot(true);
