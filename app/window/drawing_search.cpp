@@ -138,8 +138,8 @@ std::vector<FoundText> findTexts(const AcApDocument &document, const QString &wa
         return {};
     const AcDbDatabase &database = *document.database();
     std::vector<AcDbObjectId> spaces = acdbLayoutBlocks(database);
-    std::ranges::stable_partition(spaces,
-                                  [&](AcDbObjectId space) { return space == database.currentSpaceId(); });
+    std::stable_partition(spaces.begin(), spaces.end(),
+                          [&](AcDbObjectId space) { return space == database.currentSpaceId(); });
     Search search(wanted);
     for (const AcDbObjectId space : spaces)
         search.lookThrough(database, space);

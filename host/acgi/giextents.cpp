@@ -48,8 +48,10 @@ private:
     {
         const auto place = [](const AcGePoint3d &p) { return std::pair(p.x, p.y); };
         std::ranges::sort(m_points, {}, place);
-        const auto [first, last] = std::ranges::unique(m_points, {}, place);
-        m_points.erase(first, last);
+        const auto samePlace = [&](const AcGePoint3d &a, const AcGePoint3d &b) {
+            return place(a) == place(b);
+        };
+        m_points.erase(std::unique(m_points.begin(), m_points.end(), samePlace), m_points.end());
         if (m_points.size() < 3)
             return;
         std::vector<AcGePoint3d> corners;

@@ -1,5 +1,7 @@
 #include "host/base/phrase_file.h"
 
+#include <QStringList>
+
 #include <array>
 
 static constexpr QStringView kWeight =

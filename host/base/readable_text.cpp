@@ -1,5 +1,7 @@
 #include "host/base/readable_text.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <array>
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHashFunctions>
 #include <QString>
 
 #include <unordered_map>

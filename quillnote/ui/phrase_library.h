@@ -6,6 +6,8 @@
 
 #include "host/base/result.h"
 
+#include <QStringList>
+
 struct PhraseMenu {
     QString name;
     QString file; ///< The phrase file; empty in an XML library.
