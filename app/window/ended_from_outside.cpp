@@ -64,7 +64,7 @@ EndedFromOutside::~EndedFromOutside()
 
 void EndedFromOutside::hear()
 {
-    char number = 0;
+    unsigned char number = 0;
     if (::read(signalPipe()[0], &number, 1) != 1 || m_signal != 0)
         return;
     m_signal = number;

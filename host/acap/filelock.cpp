@@ -169,9 +169,10 @@ AcApFileLock::Result AcApFileLock::acquire(const QString &drawing, bool force)
     constexpr int kAttempts = 100; // Others come and go.
     for (int attempt = 0; attempt < kAttempts && !result; ++attempt)
         result = tryToTake(name, force, m_holder);
-    if (result == taken || result == takenOver)
+    const Result outcome = result.value_or(refused);
+    if (outcome == taken || outcome == takenOver)
         m_file = path;
-    return result.value_or(refused);
+    return outcome;
 }
 
 bool AcApFileLock::isHeld() const

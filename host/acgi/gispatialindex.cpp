@@ -470,6 +470,7 @@ std::vector<AcDbObjectId> AcGiSpatialIndex::customEntities(AcDbObjectId blockRec
     std::vector<Found> found = space(blockRecord).custom();
     m_layers->dropInvisible(m_database, found);
     std::vector<AcDbObjectId> ids;
+    ids.reserve(found.size());
     for (const Found &each : found)
         ids.emplace_back(m_database.stub(each.entity));
     return ids;

@@ -187,9 +187,14 @@ static QByteArray place(const ReviewPlace &place, const ReportedMark &mark, cons
            "</text></a>\n";
 }
 
+static QByteArray countText(std::size_t count)
+{
+    return QByteArray::number(static_cast<qlonglong>(count));
+}
+
 static QByteArray keyOf(std::size_t drawing, std::size_t row)
 {
-    return QByteArray::number(qulonglong(drawing + 1)) + '-' + QByteArray::number(qulonglong(row + 1));
+    return countText(drawing + 1) + '-' + countText(row + 1);
 }
 
 /// Smaller where there are many, or they hide the drawing.
@@ -217,8 +222,8 @@ static QByteArray overviewFigure(const ReviewOverview &overview, const Review &r
 
 static QByteArray section(const Review &review, std::size_t drawing)
 {
-    QByteArray html = "<section class=\"drawing\" id=\"d" + QByteArray::number(qulonglong(drawing + 1)) +
-                      "\">\n<h2>" + escaped(review.name) + "</h2>\n";
+    QByteArray html = "<section class=\"drawing\" id=\"d" + countText(drawing + 1) + "\">\n<h2>" +
+                      escaped(review.name) + "</h2>\n";
     if (review.rows.empty())
         return html + "<p class=\"none\">本图中无评图标签。</p>\n</section>\n";
     html += "<div class=\"columns\">\n<div class=\"overviews\">\n";

@@ -258,6 +258,7 @@ std::vector<ReviewOverview> takeOverviews(AcApDocument &document, const std::vec
         targets[space].push_back(targetInWorld(*mark));
     }
     std::vector<ReviewOverview> overviews;
+    overviews.reserve(spaces.size());
     for (const AcDbObjectId space : spaces)
         overviews.push_back(takeOverview(document, space, rowsOfSpace[space], targets[space]));
     return overviews;
