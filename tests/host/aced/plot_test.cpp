@@ -1,5 +1,6 @@
 // Plot settings of layouts, and the viewports of sheets: numbers that a plotted or picked place depends on.
 #include "host/aced/edplot.h"
+#include "host/aced/hostcommands.h"
 
 #include "host/acap/docview.h"
 #include "host/aced/edpicture.h"
@@ -178,6 +179,7 @@ TEST(Plot, StoppedPlotsLeaveTheFileAsItWas)
         QStringList told;
         qsizetype patience = 1;
     } front;
+    acedRegisterHostCommands(); // Whatever ran before, the front end hears of progress.
     MemoryDrawing memory;
     memory.entity("LINE", {{10, AcGePoint3d()}, {11, AcGePoint3d(10, 10, 0)}});
     const tests::OpenDrawing drawing(memory.open());
