@@ -226,7 +226,7 @@ TEST(EntGet, GivesMarkersToEntitiesOfOldFilesWhereTheyAreCertain)
 class OneLine : public DrawingSource
 {
 public:
-    DrawingForm format() const override { return DrawingForm::dxfText; }
+    DrawingForm form() const override { return DrawingForm::dxfText; }
     DrawingVersion version() const override { return DrawingVersion::r2000; }
     ResbufList read(const AcDbStub &stub) const override
     {
