@@ -43,7 +43,8 @@ struct Kinds {
 
 static Kinds &kinds()
 {
-    static Kinds all;
+    // Never destroyed: drawings that live until the program ends give their numbers back.
+    static auto &all = *new Kinds;
     return all;
 }
 
