@@ -2,7 +2,7 @@
 // for.
 #include "fuzz/counting_sink.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/query/extents.h"
 #include "host/formats/dxf/dxfreader.h"

@@ -28,9 +28,9 @@ static void match(const QString &pattern, const QString &text)
     QString quoted;
     for (const QChar c : text)
         (quoted += u'`') += c;
-    QUILL_ASSERT(base::wildcardMatch(quoted, text, Qt::CaseSensitive));
+    QUILL_ASSERT(base::Wildcard(quoted, Qt::CaseSensitive).matches(text));
     if (!pattern.contains(u',') && !pattern.startsWith(u'~'))
-        QUILL_ASSERT(base::wildcardMatch(u'~' + pattern, text) != base::wildcardMatch(pattern, text));
+        QUILL_ASSERT(base::Wildcard(u'~' + pattern).matches(text) != base::Wildcard(pattern).matches(text));
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)

@@ -3,6 +3,7 @@
 #include "app/console/console_front_end.h"
 #include "app/console/picture_verb.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/owngroups.h"
 #include "host/aced/edplot.h"
 #include "host/aced/edspace.h"
 #include "host/aced/edverbs.h"
@@ -21,12 +22,7 @@ static std::int64_t tabOrder(AcDbObjectId blockRecord)
     if (!layout)
         return 0;
     // Behind the plot settings, which have a group 71 of another meaning in some files.
-    const ResbufList &groups = layout->groups();
-    const auto marker = std::ranges::find_if(groups, [](const resbuf &group) {
-        return group.restype == 100 && group.text() == QLatin1String("AcDbLayout");
-    });
-    const resbuf *order = findGroup(groups, 71, std::size_t(marker - groups.begin()));
-    return order ? order->integer() : 0;
+    return OwnGroups(*layout, u"AcDbLayout").integer(71);
 }
 
 static std::vector<AcDbObjectId> paperLayouts(const AcDbDatabase &database)

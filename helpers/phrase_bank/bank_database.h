@@ -30,7 +30,6 @@ public:
     /// Nothing was in the file before.
     bool isNew() const { return m_isNew; }
     void run(const char *statements);
-    qint64 lastId() const { return sqlite3_last_insert_rowid(m_handle); }
     int changes() const { return sqlite3_changes(m_handle); }
     sqlite3 *handle() const { return m_handle; }
     [[noreturn]] void fail() const;

@@ -193,7 +193,6 @@ public:
     ~AcApDocManager();
 
     AcApDocument *curDocument() const { return m_current; }
-    AcApDocument *mdiActiveDocument() const { return m_current; }
     const std::vector<std::unique_ptr<AcApDocument>> &documents() const { return m_documents; }
     AcApDocument *document(const AcDbDatabase *database) const;
     /// The documents as they are now, for whoever may change the list.

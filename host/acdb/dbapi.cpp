@@ -97,14 +97,11 @@ ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
 
     ResbufList braces;
     ResbufList content;
-    bool inBraces = false;
+    ApplicationGroups braced;
     bool ownerSeen = false;
     for (std::size_t i = 1; i < end; ++i) {
         const resbuf &group = groups[i];
-        const bool opens =
-            group.restype == 102 && group.text().startsWith(QLatin1Char('{')) && content.empty();
-        if (opens || inBraces) {
-            inBraces = opens || group.restype != 102;
+        if (content.empty() && braced.holds(group)) {
             braces.push_back(dataGroup(database, group));
         } else if (content.empty() && (group.restype == 5 || group.restype == 105)) {
             continue;

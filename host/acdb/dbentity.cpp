@@ -4,6 +4,7 @@
 #include "host/acdb/dbtransform.h"
 #include "host/acdb/dbtransient.h"
 #include "host/acdb/nativegrips.h"
+#include "host/acdb/owngroups.h"
 
 #include <algorithm>
 
@@ -67,9 +68,7 @@ std::span<const resbuf> acdbCommonGroups(const ResbufList &groups)
 
 static const resbuf *commonGroup(const AcDbEntity &entity, int code)
 {
-    const std::span<const resbuf> common = acdbCommonGroups(entity.groups());
-    const auto found = std::ranges::find(common, code, &resbuf::restype);
-    return found == common.end() ? nullptr : &*found;
+    return OwnGroups(acdbCommonGroups(entity.groups())).find(code);
 }
 
 static QString textGroup(const AcDbEntity &entity, int code, const QString &fallback)

@@ -233,12 +233,6 @@ bool AcDbDxfFiler::atSubclassData(QStringView name)
     return true;
 }
 
-void AcDbDxfFiler::pushBackItem()
-{
-    if (m_position > 0)
-        --m_position;
-}
-
 Acad::ErrorStatus AcDbDxfFiler::write(int code, resbuf::Value value)
 {
     if (m_status == Acad::eOk)
@@ -290,9 +284,4 @@ Acad::ErrorStatus AcDbDxfFiler::writePoint3d(int code, const AcGePoint3d &value)
 Acad::ErrorStatus AcDbDxfFiler::writeVector3d(int code, const AcGeVector3d &value)
 {
     return write(code, AcGePoint3d(value.x, value.y, value.z));
-}
-
-Acad::ErrorStatus AcDbDxfFiler::writeObjectId(int code, AcDbObjectId value)
-{
-    return write(code, value.handle());
 }

@@ -139,7 +139,6 @@ public:
     Acad::ErrorStatus readResBuf(resbuf &group);
     /// True, and moves behind it, when the next group is the marker 100 with this name.
     bool atSubclassData(QStringView name);
-    void pushBackItem();
 
     Acad::ErrorStatus writeSubclassMarker(QStringView name);
     Acad::ErrorStatus writeInt16(int code, std::int16_t value);
@@ -150,7 +149,6 @@ public:
     Acad::ErrorStatus writeString(int code, const QString &value);
     Acad::ErrorStatus writePoint3d(int code, const AcGePoint3d &value);
     Acad::ErrorStatus writeVector3d(int code, const AcGeVector3d &value);
-    Acad::ErrorStatus writeObjectId(int code, AcDbObjectId value);
 
     const ResbufList &groups() const { return m_groups; }
 

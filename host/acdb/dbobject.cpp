@@ -233,11 +233,9 @@ void AcDbObject::stampIdentity()
         place->assign(handle());
     const std::size_t marker = std::size_t(
         std::ranges::find_if(m_groups, [](const resbuf &g) { return g.restype == 100; }) - m_groups.begin());
-    bool inBraces = false;
+    ApplicationGroups applications;
     for (std::size_t i = 0; i < marker; ++i) {
-        if (m_groups[i].restype == 102)
-            inBraces = m_groups[i].text().startsWith(QLatin1Char('{'));
-        if (m_groups[i].restype == 330 && !inBraces) {
+        if (!applications.holds(m_groups[i]) && m_groups[i].restype == 330) {
             m_groups[i].assign(ownerId().handle());
             return;
         }

@@ -329,13 +329,6 @@ std::vector<AcDbObjectId> acdbSubEntities(AcDbObjectId entity)
 
 void acdbDropApplicationGroups(ResbufList &groups)
 {
-    bool inBraces = false;
-    std::erase_if(groups, [&inBraces](const resbuf &group) {
-        if (group.restype == 102 && group.text().startsWith(QLatin1Char('{')))
-            return inBraces = true;
-        const bool drop = inBraces;
-        if (group.restype == 102)
-            inBraces = false;
-        return drop;
-    });
+    ApplicationGroups applications;
+    std::erase_if(groups, [&](const resbuf &group) { return applications.holds(group); });
 }

@@ -59,7 +59,6 @@ public:
     static AcRxClass *desc();
     bool isFrozen() const { return flags() & 1; }
     void setIsFrozen(bool on);
-    bool isFrozenInNewViewports() const { return flags() & 2; }
     void setIsFrozenInNewViewports(bool on);
     bool isLocked() const { return flags() & 4; }
     void setIsLocked(bool on);

@@ -1,6 +1,7 @@
 #include "host/acdb/dbtransform.h"
 
 #include "host/acdb/entitytransform.h"
+#include "host/acdb/owngroups.h"
 
 #include <algorithm>
 #include <cmath>
@@ -277,13 +278,7 @@ constexpr Kind kKinds[] = {
 
 AcGeVector3d ownNormal(const ResbufList &groups)
 {
-    for (const resbuf &group : groups) {
-        if (group.restype == 101 || group.restype == 1001)
-            break;
-        if (group.restype == 210 && !group.point().asVector().isZeroLength())
-            return group.point().asVector().normal();
-    }
-    return AcGeVector3d::kZAxis;
+    return OwnGroups(groups).normal().normal();
 }
 
 } // namespace

@@ -35,8 +35,7 @@ EntityTransform::EntityTransform(ResbufList &groups, const AcGeMatrix3d &matrix,
 
 void EntityTransform::markEnd()
 {
-    const auto foreign = [](const resbuf &group) { return group.restype == 101 || group.restype == 1001; };
-    m_end = std::size_t(std::ranges::find_if(m_groups, foreign) - m_groups.begin());
+    m_end = ownGroupsEnd(m_groups);
 }
 
 double EntityTransform::turnedAngle(double degrees) const
@@ -50,10 +49,7 @@ double EntityTransform::turnedAngle(double degrees) const
 
 resbuf *EntityTransform::find(int code)
 {
-    const auto end = m_groups.begin() + std::ptrdiff_t(m_end);
-    const auto found =
-        std::find_if(m_groups.begin(), end, [=](const resbuf &g) { return g.restype == code; });
-    return found == end ? nullptr : &*found;
+    return findGroup(m_groups, code);
 }
 
 double EntityTransform::real(int code, double fallback)
@@ -179,12 +175,10 @@ void EntityTransform::apply(Role role, resbuf &group)
 
 void EntityTransform::applyRules(std::span<const Rule> rules)
 {
-    bool inApplicationGroup = false;
+    ApplicationGroups applications;
     for (std::size_t i = 0; i < m_end; ++i) {
         resbuf &group = m_groups[i];
-        if (group.restype == 102)
-            inApplicationGroup = group.text().startsWith(u'{');
-        if (inApplicationGroup)
+        if (applications.holds(group))
             continue;
         const auto rule = std::ranges::find(rules, group.restype, &Rule::code);
         if (rule != rules.end())

@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/entitytransform.h"
+#include "host/acdb/owngroups.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,16 +17,8 @@ class Shape
 public:
     explicit Shape(const AcDbEntity &entity) : m_entity(entity)
     {
-        bool inApplicationGroup = false;
-        const ResbufList &groups = entity.groups();
-        for (std::size_t i = 0; i < groups.size(); ++i) {
-            if (groups[i].restype == 101 || groups[i].restype == 1001)
-                break;
-            if (groups[i].restype == 102)
-                inApplicationGroup = groups[i].text().startsWith(u'{');
-            else if (!inApplicationGroup)
-                m_own.push_back(i);
-        }
+        for (const resbuf &group : OwnGroups(entity))
+            m_own.push_back(std::size_t(&group - entity.groups().data()));
         const AcGeVector3d filed = point(210).value_or(AcGePoint3d(0.0, 0.0, 1.0)).asVector();
         m_normal = filed.isZeroLength() ? AcGeVector3d::kZAxis : filed.normal();
         m_toWorld = AcGeMatrix3d::planeToWorld(m_normal);

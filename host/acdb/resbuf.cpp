@@ -57,9 +57,11 @@ void resbuf::assign(Value value)
 
 const resbuf *findGroup(const ResbufList &list, int code, std::size_t from)
 {
-    for (std::size_t i = from; i < list.size() && list[i].restype != 1001; ++i) {
-        if (list[i].restype == code)
-            return &list[i];
+    ApplicationGroups applications;
+    const auto part = std::span(list).subspan(std::min(from, list.size()));
+    for (const resbuf &group : part.first(ownGroupsEnd(part))) {
+        if (!applications.holds(group) && group.restype == code)
+            return &group;
     }
     return nullptr;
 }
@@ -76,6 +78,12 @@ std::size_t subclassBegin(const ResbufList &list, QStringView subclass)
             return i + 1;
     }
     return list.size();
+}
+
+std::size_t ownGroupsEnd(std::span<const resbuf> groups)
+{
+    const auto foreign = [](const resbuf &group) { return group.restype == 101 || group.restype == 1001; };
+    return std::size_t(std::ranges::find_if(groups, foreign) - groups.begin());
 }
 
 std::size_t extendedDataBegin(const ResbufList &list)

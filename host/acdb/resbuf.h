@@ -11,7 +11,9 @@
 #include <QByteArray>
 #include <QString>
 
+#include <span>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -49,7 +51,27 @@ struct resbuf {
 
 using ResbufList = std::vector<resbuf>;
 
-/// The first group with `code` at or after `from`, not looking into extended data; null when missing.
+/// Tells the groups that applications keep with an object, "102 {NAME" to "102 }", from its own. To be asked
+/// about each group in order.
+class ApplicationGroups
+{
+public:
+    bool holds(const resbuf &next)
+    {
+        if (next.restype != 102)
+            return m_inside;
+        const bool opens = next.text().startsWith(u'{');
+        return std::exchange(m_inside, opens) || opens;
+    }
+
+private:
+    bool m_inside = false;
+};
+
+/// Where an object's own groups end: at an embedded object (101) or at extended data (1001).
+std::size_t ownGroupsEnd(std::span<const resbuf> groups);
+
+/// The object's own first group with `code` at or after `from`; null when missing.
 const resbuf *findGroup(const ResbufList &list, int code, std::size_t from = 0);
 resbuf *findGroup(ResbufList &list, int code, std::size_t from = 0);
 

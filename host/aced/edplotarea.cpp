@@ -3,6 +3,7 @@
 
 #include "host/acap/docview.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/owngroups.h"
 #include "host/aced/edspace.h"
 #include "host/aced/edview.h"
 #include "host/base/host_text.h"
@@ -94,47 +95,13 @@ base::Result<AcEdPlotRectangle, QString> acedPlotRectangle(const AcApDocument &d
 namespace
 {
 
-/// The plot settings at the front of a LAYOUT object; their group codes come again behind, with other
-/// meanings.
-class PlotSettings
-{
-public:
-    explicit PlotSettings(const ResbufList &groups)
-    {
-        for (const resbuf &group : groups) {
-            if (group.restype == 100 && group.text() == QLatin1String("AcDbLayout"))
-                break;
-            m_groups.push_back(group);
-        }
-    }
-    double real(int code) const
-    {
-        const resbuf *group = findGroup(m_groups, code);
-        const double number = group ? group->real() : 0.0;
-        return std::isfinite(number) ? number : 0.0;
-    }
-    std::int64_t integer(int code, std::int64_t fallback = 0) const
-    {
-        const resbuf *group = findGroup(m_groups, code);
-        return group ? group->integer() : fallback;
-    }
-    QString text(int code) const
-    {
-        const resbuf *group = findGroup(m_groups, code);
-        return group ? group->text() : QString();
-    }
-
-private:
-    ResbufList m_groups;
-};
-
 enum PlotFlag { kCentred = 4, kStandardScale = 16, kLineWeights = 128 };
 
 } // namespace
 
 /// The margins are those of the upright sheet; a quarter turn brings its left edge to the bottom of what is
 /// read.
-static AcEdPlotMargins readMargins(const PlotSettings &settings)
+static AcEdPlotMargins readMargins(const OwnGroups &settings)
 {
     const double left = settings.real(40);
     const double bottom = settings.real(41);
@@ -152,7 +119,7 @@ static AcEdPlotMargins readMargins(const PlotSettings &settings)
     }
 }
 
-static void readPage(AcEdPlot &plot, const PlotSettings &settings)
+static void readPage(AcEdPlot &plot, const OwnGroups &settings)
 {
     const double width = settings.real(44);
     const double height = settings.real(45);
@@ -164,7 +131,7 @@ static void readPage(AcEdPlot &plot, const PlotSettings &settings)
     plot.margins = readMargins(settings);
 }
 
-static void readScale(AcEdPlot &plot, const PlotSettings &settings)
+static void readScale(AcEdPlot &plot, const OwnGroups &settings)
 {
     const bool fits = settings.integer(70) & kStandardScale && settings.integer(75) == 0;
     const double paperUnits = settings.real(142);
@@ -173,7 +140,7 @@ static void readScale(AcEdPlot &plot, const PlotSettings &settings)
         plot.scale = paperUnits / drawingUnits * (settings.integer(72) == 0 ? 25.4 : 1.0);
 }
 
-static void readArea(AcEdPlot &plot, const PlotSettings &settings, bool model)
+static void readArea(AcEdPlot &plot, const OwnGroups &settings, bool model)
 {
     constexpr AcEdPlotArea kAreas[] = {AcEdPlotArea::display, AcEdPlotArea::extents, AcEdPlotArea::limits,
                                        AcEdPlotArea::view,    AcEdPlotArea::window,  AcEdPlotArea::layout};
@@ -201,7 +168,8 @@ AcEdPlot acedLayoutPlot(const AcDbDatabase &database, AcDbObjectId space)
     const AcDbObjectPointer<AcDbObject> layout(block ? block->layoutId() : AcDbObjectId(), AcDb::kForRead);
     if (!layout)
         return plot;
-    const PlotSettings settings(layout->groups());
+    // At the front of a LAYOUT object; their group codes come again behind, with other meanings.
+    const OwnGroups settings(*layout, u"AcDbPlotSettings");
     readPage(plot, settings);
     readScale(plot, settings);
     readArea(plot, settings, space == database.modelSpaceId());

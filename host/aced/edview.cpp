@@ -244,11 +244,6 @@ bool acedPreviousView(AcApDocument &document)
     return view != present;
 }
 
-void acedRestoreSavedView(AcApDocument &document)
-{
-    acapRestoreView(*document.database(), document.database()->currentSpaceId(), document.view());
-}
-
 // Coordinate systems ------------------------------------------------------------------------------
 
 static AcGeMatrix3d toWorld(AcEdSpace from)

@@ -45,5 +45,3 @@ void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const Ac
 void acedRememberView(AcApDocument &document);
 /// Back to the last view that was another one; false when there is none.
 bool acedPreviousView(AcApDocument &document);
-/// The drawing's saved view (active viewport record) into the document's view, as after opening.
-void acedRestoreSavedView(AcApDocument &document);

@@ -30,7 +30,6 @@ public:
     AcRxClass(QString name, AcRxClass *parent, QByteArray dxfName, Factory factory);
 
     const QString &name() const { return m_name; }
-    AcRxClass *myParent() const { return m_parent; }
     const QByteArray &dxfName() const { return m_dxfName; }
     bool isDerivedFrom(const AcRxClass *ancestor) const;
     bool canCreate() const { return bool(m_factory); }

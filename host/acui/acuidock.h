@@ -23,8 +23,6 @@ public:
 
     /// Puts the palette to an edge of the main frame, `width` wide, and shows it in front of others there.
     void dockAt(Qt::DockWidgetArea area, int width);
-    /// Part of the main frame's edge; false for one that floats or stands alone.
-    bool isDocked() const { return acuiMainFrame() && !isFloating(); }
 
 protected:
     /// Sizes that a floating palette keeps to; a docked one follows its window.

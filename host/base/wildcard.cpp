@@ -161,9 +161,4 @@ bool Wildcard::matches(QStringView text) const
     });
 }
 
-bool wildcardMatch(QStringView pattern, QStringView text, Qt::CaseSensitivity caseSensitivity)
-{
-    return Wildcard(pattern, caseSensitivity).matches(text);
-}
-
 } // namespace base

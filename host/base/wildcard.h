@@ -49,8 +49,4 @@ private:
     Qt::CaseSensitivity m_caseSensitivity;
 };
 
-/// One pattern against one text.
-bool wildcardMatch(QStringView pattern, QStringView text,
-                   Qt::CaseSensitivity caseSensitivity = Qt::CaseInsensitive);
-
 } // namespace base

@@ -264,23 +264,3 @@ void drawOutline(const MarkOutline &outline, const AcGiCommonDraw &context)
     }
     pen.setLineWeight(ownWeight);
 }
-
-static OutlineView viewOf(double drawUnit)
-{
-    return {.drawUnit = drawUnit, .settings = markDrawingSettings()};
-}
-
-void drawTargetOutline(const QuillnoteObj3 &mark, const AcGiViewportDraw &context, double drawUnit, int style)
-{
-    MarkOutline outline;
-    targetOutline(outlineRecord(mark), viewOf(drawUnit), style, outline);
-    drawOutline(outline, context);
-}
-
-void drawTextBoxFrame(const QuillnoteObj3 &mark, const AcGiViewportDraw &context, double drawUnit,
-                      int flagStyle)
-{
-    MarkOutline outline;
-    textBoxFrame(outlineRecord(mark), viewOf(drawUnit), flagStyle, outline);
-    drawOutline(outline, context);
-}

@@ -94,9 +94,3 @@ void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, int flagSt
 std::optional<AcGeFitSpline3d> closedSpline(std::span<const AcGePoint3d> vertices);
 
 void drawOutline(const MarkOutline &outline, const AcGiCommonDraw &context);
-
-/// Compute and draw in one go, by the mark as it is.
-void drawTargetOutline(const QuillnoteObj3 &mark, const AcGiViewportDraw &context, double drawUnit,
-                       int style);
-void drawTextBoxFrame(const QuillnoteObj3 &mark, const AcGiViewportDraw &context, double drawUnit,
-                      int flagStyle);

@@ -96,8 +96,6 @@ public:
     // The sizes are filed before the bytes they count.
     std::uint32_t sketchSize() const { return static_cast<std::uint32_t>(sketchData.size()); }
     std::uint32_t snapEntityCount() const { return static_cast<std::uint32_t>(snapEntityIds.size()); }
-    std::uint32_t snapImageSize() const { return static_cast<std::uint32_t>(snapImage.size()); }
-    std::uint32_t fullImageSize() const { return static_cast<std::uint32_t>(fullImage.size()); }
 
     /// Polygon and spline marks carry their vertices, when there are two at least.
     bool hasFiledVertices() const { return vertexCount >= 2 && targetStyle > 50; }

@@ -2,6 +2,8 @@
 
 #include "quillnote/entity/mark_draw.h"
 
+#include "host/acdb/owngroups.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -77,9 +79,7 @@ NativeEntityBuilder::NativeEntityBuilder(const AcDbEntity &like, DrawingVersion 
 {
     constexpr int kCopied[] = {6, 8, 48, 440};
     acgi::Traits pen;
-    for (const resbuf &group : like.groups()) {
-        if (group.restype == 101 || group.restype == 1001)
-            break;
+    for (const resbuf &group : OwnGroups(like)) {
         if (std::ranges::find(kCopied, group.restype) != std::end(kCopied))
             m_common.emplace_back(group.restype, group.resval);
         if (isColorCode(group.restype))

@@ -3,6 +3,7 @@
 #include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
 #include "host/acgi/query/spatial_index.h"
+#include "host/base/format_number.h"
 
 #include <algorithm>
 #include <array>
@@ -12,20 +13,10 @@
 
 static constexpr int kColor = 62;
 
-/// Six significant digits, as "%g" writes them. Exponents have three digits at least, so that sums agree with
-/// those of marks made elsewhere.
 template <class Text>
 static void appendNumber(Text &text, double value)
 {
-    std::array<char, 32> buffer;
-    const char *const end =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, 6).ptr;
-    const char *const sign = std::find(static_cast<const char *>(buffer.data()), end, 'e') + 1;
-    const char *const digits = sign < end ? sign + 1 : end;
-    text += QLatin1String(buffer.data(), digits - buffer.data());
-    for (auto missing = end - digits; digits < end && missing < 3; ++missing)
-        text += QLatin1Char('0');
-    text += QLatin1String(digits, end - digits);
+    text += QLatin1String(base::formatPrintfG(value).view());
 }
 
 template <class Text>

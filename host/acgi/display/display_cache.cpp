@@ -1,7 +1,7 @@
 #include "host/acgi/display/display_cache.h"
 
 #include "host/acdb/dbdict.h"
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_entity.h"
 
 #include <algorithm>

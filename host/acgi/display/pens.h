@@ -87,7 +87,6 @@ public:
     /// How far what is drawn reaches out of the boxes of its lists at most, pixels.
     double margin(double pixelsPerUnit) const;
     bool scalesLinetypesOnSheets() const { return m_tables.scalesLinetypesOnSheets(); }
-    QRgb foreground() const { return m_foreground; }
     QRgb background() const { return m_background; }
 
 private:

@@ -12,7 +12,7 @@ namespace acgi
 static QString blockName(AcDbObjectId record)
 {
     QString name;
-    readObject(record, [&](const AcDbObject &object) { name = EntityGroups(object).text(2).toUpper(); });
+    readObject(record, [&](const AcDbObject &object) { name = OwnGroups(object).text(2).toUpper(); });
     return name;
 }
 

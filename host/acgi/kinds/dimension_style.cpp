@@ -30,7 +30,7 @@ DimensionStyle::DimensionStyle(const AcDbEntity &entity, const QString &styleNam
 {
     if (m_database)
         readObject(m_database->tableRecord(SymbolTable::dimStyle, styleName), [&](const AcDbObject &record) {
-            const EntityGroups groups(record);
+            const OwnGroups groups(record);
             m_style.assign(groups.begin(), groups.end());
         });
 }
@@ -82,7 +82,7 @@ double DimensionStyle::scale() const
 AcGiTextStyle DimensionStyle::textStyle() const
 {
     QString name = QStringLiteral("Standard");
-    readObject(object(340), [&](const AcDbObject &record) { name = EntityGroups(record).text(2); });
+    readObject(object(340), [&](const AcDbObject &record) { name = OwnGroups(record).text(2); });
     AcGiTextStyle style = m_database ? namedTextStyle(*m_database, name) : AcGiTextStyle();
     if (!m_database || !(style.textSize() > 0.0))
         style.setTextSize(textHeight());

@@ -9,7 +9,7 @@ namespace acgi
 // The third and fourth corner of a SOLID are filed crosswise.
 void drawSolid(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGePoint3d third = groups.point(12, groups.point(11));
     Loop corners{groups.point(10), groups.point(11), groups.point(13, third), third};
     const AcGeVector3d normal = groups.normal();
@@ -23,7 +23,7 @@ void drawSolid(const AcDbEntity &entity, AcGiGeometry &sink)
 
 void drawFace(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGePoint3d third = groups.point(12, groups.point(11));
     const AcGePoint3d corners[] = {groups.point(10), groups.point(11), third, groups.point(13, third),
                                    groups.point(10)};
@@ -41,7 +41,7 @@ void drawNothing(const AcDbEntity &, AcGiGeometry &) {}
 // The strokes stand in a file that drawings do not carry along.
 void drawShape(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    sink.noteUndrawn(Host::tr("SHAPE: no shape file for %1").arg(EntityGroups(entity).text(2)));
+    sink.noteUndrawn(Host::tr("SHAPE: no shape file for %1").arg(OwnGroups(entity).text(2)));
 }
 
 } // namespace acgi

@@ -10,7 +10,7 @@
 namespace acgi
 {
 
-AcDbObjectId namedBlock(const AcDbEntity &entity, const EntityGroups &groups)
+AcDbObjectId namedBlock(const AcDbEntity &entity, const OwnGroups &groups)
 {
     return entity.database() ? entity.database()->tableRecord(SymbolTable::block, groups.text(2))
                              : AcDbObjectId();
@@ -73,7 +73,7 @@ static void noteMissing(AcDbObjectId record, const QString &name, AcGiGeometry &
     if (!contents || !contents->blockBegin || !contents->entities.empty())
         return;
     readEntity(AcDbObjectId(contents->blockBegin), [&](const AcDbEntity &begin) {
-        if (EntityGroups(begin).integer(70) & kExternal)
+        if (OwnGroups(begin).integer(70) & kExternal)
             sink.noteUndrawn(Host::tr("INSERT: xref %1 not loaded").arg(name));
     });
 }
@@ -86,7 +86,7 @@ static Loop invertedBoundary(const AcDbObject &filter)
     readObject(dictionaryEntry(filter.extensionDictionary(), QStringLiteral("ACAD_XREC_ROUNDTRIP")),
                [&](const AcDbObject &record) {
                    bool inside = false;
-                   for (const resbuf &group : EntityGroups(record, u"AcDbXrecord")) {
+                   for (const resbuf &group : OwnGroups(record, u"AcDbXrecord")) {
                        if (group.restype == 102)
                            inside = group.text() == QLatin1String("ACAD_INVERTEDCLIP_ROUNDTRIP");
                        else if (inside && group.restype == 10)
@@ -100,7 +100,7 @@ static Loop invertedBoundary(const AcDbObject &filter)
 // the insert's placement at that time brings it into the block.
 static InsertClip readClip(const AcDbObject &filter)
 {
-    const EntityGroups groups(filter, u"AcDbSpatialFilter");
+    const OwnGroups groups(filter, u"AcDbSpatialFilter");
     std::vector<double> entries;
     for (const resbuf &group : groups) {
         if (group.restype == 40)
@@ -140,7 +140,7 @@ InsertClip insertClip(const AcDbEntity &insert)
 
 void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     BlockPlacement reference;
     reference.record = namedBlock(entity, groups);
     const AcGeMatrix3d turned = AcGeMatrix3d::planeToWorld(groups.normal()) *
@@ -167,7 +167,7 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
 }
 
 /// The grid of a table whose picture is missing: rows run down from the insertion point.
-static void drawTableGrid(const EntityGroups &table, const AcGeMatrix3d &placement, AcGiGeometry &sink)
+static void drawTableGrid(const OwnGroups &table, const AcGeMatrix3d &placement, AcGiGeometry &sink)
 {
     std::vector<double> rows{0.0};
     std::vector<double> columns{0.0};
@@ -194,8 +194,8 @@ static void drawTableGrid(const EntityGroups &table, const AcGeMatrix3d &placeme
 // A table keeps what it looks like in an anonymous block.
 void drawTable(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbBlockReference");
-    const EntityGroups table(entity, u"AcDbTable");
+    const OwnGroups groups(entity, u"AcDbBlockReference");
+    const OwnGroups table(entity, u"AcDbTable");
     BlockPlacement reference;
     reference.record = namedBlock(entity, groups);
     const AcGeVector3d along = table.vector(11, AcGeVector3d::kXAxis).normal();

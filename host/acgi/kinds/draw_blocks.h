@@ -1,14 +1,14 @@
 // Blocks as parts of entities: their records, their instances, the clip of an insert.
 #pragma once
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/geometry.h"
 
 namespace acgi
 {
 
 /// The block that group 2 names; null when the drawing has none of that name.
-AcDbObjectId namedBlock(const AcDbEntity &entity, const EntityGroups &groups);
+AcDbObjectId namedBlock(const AcDbEntity &entity, const OwnGroups &groups);
 /// Draws all instances; nothing for a null record.
 void drawReference(const BlockPlacement &reference, AcGiGeometry &sink);
 /// What an insert is clipped by.

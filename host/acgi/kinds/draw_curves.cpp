@@ -10,7 +10,7 @@ namespace acgi
 
 void drawLine(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGePoint3d ends[] = {groups.point(10), groups.point(11)};
     drawExtruded(groups, ends, sink, [&] { sink.polyline(2, ends); });
 }
@@ -21,7 +21,7 @@ static bool isDefinitionPoint(const AcDbEntity &entity)
 {
     bool isOne = false;
     readObject(entity.blockId(), [&](const AcDbObject &record) {
-        isOne = EntityGroups(record).text(2).startsWith(QLatin1String("*D"), Qt::CaseInsensitive);
+        isOne = OwnGroups(record).text(2).startsWith(QLatin1String("*D"), Qt::CaseInsensitive);
     });
     return isOne;
 }
@@ -30,7 +30,7 @@ void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     static const QByteArray kMode = QByteArrayLiteral("$PDMODE");
     static const QByteArray kSize = QByteArrayLiteral("$PDSIZE");
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcDbDatabase *const database = entity.database();
     const AcGePoint3d position = groups.point(10);
     const int mode = database ? int(database->headerInteger(kMode)) : 0;
@@ -40,7 +40,7 @@ void drawPoint(const AcDbEntity &entity, AcGiGeometry &sink)
     });
 }
 
-static void drawArcOfCircle(const EntityGroups &groups, double startAngle, double sweep, AcGiGeometry &sink)
+static void drawArcOfCircle(const OwnGroups &groups, double startAngle, double sweep, AcGiGeometry &sink)
 {
     const double radius = std::abs(groups.real(40));
     Arc arc{groups.point(10), {radius, 0.0, 0.0}, {0.0, radius, 0.0}, startAngle, sweep};
@@ -57,7 +57,7 @@ static void drawArcOfCircle(const EntityGroups &groups, double startAngle, doubl
 
 void drawCircle(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    drawArcOfCircle(EntityGroups(entity), 0.0, 2.0 * kGePi, sink);
+    drawArcOfCircle(OwnGroups(entity), 0.0, 2.0 * kGePi, sink);
 }
 
 // Counter-clockwise from the start to the end; equal angles are a whole circle.
@@ -69,14 +69,14 @@ static double sweepBetween(double start, double end)
 
 void drawArc(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const double start = radians(groups.real(50));
     drawArcOfCircle(groups, start, sweepBetween(start, radians(groups.real(51, 360.0))), sink);
 }
 
 void drawEllipse(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGeVector3d major = groups.vector(11);
     const double start = groups.real(41);
     sink.arc({groups.point(10), major, groups.normal().normal().crossProduct(major) * groups.real(40, 1.0),
@@ -85,7 +85,7 @@ void drawEllipse(const AcDbEntity &entity, AcGiGeometry &sink)
 
 static void drawInfinite(const AcDbEntity &entity, AcGiGeometry &sink, bool bothWays)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGeVector3d direction = groups.vector(11);
     if (!direction.isZeroLength())
         sink.infiniteLine(groups.point(10), direction, bothWays);

@@ -304,7 +304,7 @@ private:
 
     const AcDbEntity &m_entity;
     AcGiGeometry &m_sink;
-    EntityGroups m_groups;
+    OwnGroups m_groups;
     DimensionStyle m_style;
     AcGeMatrix3d m_toPlane;
 };
@@ -314,7 +314,7 @@ private:
 // The block stands in world coordinates. The file may keep none, or an empty one.
 void drawDimension(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(groups.normal());
     BlockPlacement reference;
     reference.record = namedBlock(entity, groups);

@@ -1,6 +1,6 @@
 #include "host/acgi/kinds/draw_entity.h"
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/acgi/proxy/proxy_graphics.h"
 #include "host/acgi/world_draw.h"
@@ -157,7 +157,7 @@ AcGePoint3d blockOrigin(AcDbObjectId blockRecord)
     const BlockContents *const contents = database ? database->blockContents(blockRecord) : nullptr;
     if (contents && contents->blockBegin)
         readEntity(AcDbObjectId(contents->blockBegin),
-                   [&](const AcDbEntity &begin) { origin = EntityGroups(begin).point(10); });
+                   [&](const AcDbEntity &begin) { origin = OwnGroups(begin).point(10); });
     return origin;
 }
 

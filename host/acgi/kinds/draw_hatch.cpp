@@ -21,7 +21,7 @@ static std::optional<AcCmEntityColor> patternBackground(const AcDbEntity &entity
     return std::nullopt;
 }
 
-static void drawPattern(const AcDbEntity &entity, const EntityGroups &groups, const std::vector<Loop> &loops,
+static void drawPattern(const AcDbEntity &entity, const OwnGroups &groups, const std::vector<Loop> &loops,
                         AcGiGeometry &sink)
 {
     if (const auto background = patternBackground(entity)) {
@@ -42,7 +42,7 @@ static void drawPattern(const AcDbEntity &entity, const EntityGroups &groups, co
     sink.noteUndrawn(Host::tr("HATCH: pattern too dense"));
 }
 
-static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool isSolid,
+static void fillArea(const AcDbEntity &entity, const OwnGroups &groups, bool isSolid,
                      const std::vector<Loop> &loops, AcGiGeometry &sink)
 {
     if (!sink.isDisplay())
@@ -58,7 +58,7 @@ static void fillArea(const AcDbEntity &entity, const EntityGroups &groups, bool 
 
 /// Calls `draw` with what bounds the area, in the plane of the entity.
 template <class Draw>
-static void inPlane(const EntityGroups &groups, AcGiGeometry &sink, Draw draw)
+static void inPlane(const OwnGroups &groups, AcGiGeometry &sink, Draw draw)
 {
     HatchLoops read = readHatchLoops(groups);
     const std::vector<Loop> loops = loopsForStyle(std::move(read.bounds), hatchStyle(groups));
@@ -77,7 +77,7 @@ static void inPlane(const EntityGroups &groups, AcGiGeometry &sink, Draw draw)
 
 void drawHatch(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbHatch");
+    const OwnGroups groups(entity, u"AcDbHatch");
     inPlane(groups, sink, [&](const std::vector<Loop> &loops) {
         fillArea(entity, groups, groups.integer(70) != 0, loops, sink);
     });
@@ -86,7 +86,7 @@ void drawHatch(const AcDbEntity &entity, AcGiGeometry &sink)
 // A polygon shows its outline beside what fills it, which has a colour of its own.
 void drawPolygonHatch(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbMPolygon");
+    const OwnGroups groups(entity, u"AcDbMPolygon");
     inPlane(groups, sink, [&](const std::vector<Loop> &loops) {
         {
             PenScope scope(sink);

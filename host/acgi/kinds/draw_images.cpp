@@ -24,7 +24,7 @@ struct Raster {
 } // namespace
 
 // Pixel coordinates run down from the upper left corner; the middle of the first pixel is (0 0).
-static Raster readRaster(const EntityGroups &groups)
+static Raster readRaster(const OwnGroups &groups)
 {
     const AcGeVector3d u = groups.vector(11);
     const AcGeVector3d v = groups.vector(12);
@@ -46,19 +46,19 @@ static Raster readRaster(const EntityGroups &groups)
     return raster;
 }
 
-static QString imagePath(const AcDbEntity &entity, const EntityGroups &groups)
+static QString imagePath(const AcDbEntity &entity, const OwnGroups &groups)
 {
     QString path;
     if (const resbuf *const definition = groups.find(340))
         readObject(objectOf(entity, definition->handle()),
-                   [&](const AcDbObject &object) { path = EntityGroups(object).text(1); });
+                   [&](const AcDbObject &object) { path = OwnGroups(object).text(1); });
     return path;
 }
 
 void drawImage(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     constexpr std::int64_t kShow = 1;
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const Raster raster = readRaster(groups);
     if (groups.integer(70, kShow) & kShow) {
         Image image{imagePath(entity, groups),
@@ -83,7 +83,7 @@ void drawImage(const AcDbEntity &entity, AcGiGeometry &sink)
 
 void drawWipeout(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const Raster raster = readRaster(EntityGroups(entity));
+    const Raster raster = readRaster(OwnGroups(entity));
     std::vector<Loop> loops{raster.frame()};
     if (raster.clipInverted)
         loops.push_back(raster.clip);
@@ -100,7 +100,7 @@ void drawWipeout(const AcDbEntity &entity, AcGiGeometry &sink)
 
 void drawOleFrame(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const AcGePoint3d low = groups.point(10);
     const AcGePoint3d high = groups.point(11);
     drawClosed({low, {high.x, low.y, low.z}, {high.x, high.y, low.z}, {low.x, high.y, low.z}}, sink);
@@ -111,7 +111,7 @@ void drawOleFrame(const AcDbEntity &entity, AcGiGeometry &sink)
 void drawUnderlay(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     constexpr std::int64_t kOn = 2;
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     if (!(groups.integer(280, kOn) & kOn))
         return;
     Loop clip = groups.points(11);

@@ -14,7 +14,7 @@ enum Annotation : std::int64_t { kText = 0, kNoAnnotation = 3 };
 } // namespace
 
 /// With text above its line, the line runs on under the text.
-static void addHookLine(const EntityGroups &groups, const DimensionStyle &style, Loop &path)
+static void addHookLine(const OwnGroups &groups, const DimensionStyle &style, Loop &path)
 {
     const bool above = style.integer(77, 0) != 0;
     const double width = groups.real(41);
@@ -27,7 +27,7 @@ static void addHookLine(const EntityGroups &groups, const DimensionStyle &style,
 
 void drawLeader(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbLeader");
+    const OwnGroups groups(entity, u"AcDbLeader");
     Loop path = groups.points(10);
     if (path.size() < 2) {
         if (!path.empty())

@@ -63,7 +63,7 @@ void drawSubdivisionMesh(const AcDbEntity &entity, AcGiGeometry &sink)
     std::vector<std::int64_t> faces;
     std::vector<std::int64_t> edges;
     std::vector<std::int64_t> *list = nullptr;
-    for (const resbuf &group : EntityGroups(entity, u"AcDbSubDMesh")) {
+    for (const resbuf &group : OwnGroups(entity, u"AcDbSubDMesh")) {
         if (group.restype == 10 && !list)
             vertices.push_back(group.point());
         else if (group.restype >= 93 && group.restype <= 95)

@@ -28,7 +28,7 @@ namespace
 class MTextGroups
 {
 public:
-    explicit MTextGroups(GroupSpan groups, const AcDbDatabase *database) : m_groups(groups)
+    MTextGroups(const OwnGroups &groups, const AcDbDatabase *database) : m_groups(groups)
     {
         for (const resbuf &group : groups)
             read(group);
@@ -48,13 +48,8 @@ private:
     AcGeVector3d direction() const;
     void readMask();
     void readColumns();
-    const resbuf *find(int code) const
-    {
-        const auto found = std::ranges::find(m_groups, code, &resbuf::restype);
-        return found == m_groups.end() ? nullptr : &*found;
-    }
 
-    GroupSpan m_groups;
+    OwnGroups m_groups;
     MText m_text;
     QString m_style;
     AcGeVector3d m_direction; ///< None: not stated.
@@ -158,19 +153,19 @@ AcGeVector3d MTextGroups::direction() const
 void MTextGroups::readMask()
 {
     enum Flag { kFill = 1, kBackground = 2, kFrame = 16 };
-    const resbuf *const flags = find(90);
+    const resbuf *const flags = m_groups.find(90);
     if (!flags)
         return;
     m_text.hasFrame = flags->integer() & kFrame;
-    const resbuf *const factor = find(45);
+    const resbuf *const factor = m_groups.find(45);
     const double enlarged = factor && factor->real() >= 1.0 ? std::min(factor->real(), 100.0) : 1.5;
     if (flags->integer() & kFill)
         m_text.maskFactor = enlarged;
     if (flags->integer() & kBackground)
         return;
-    if (const resbuf *const rgb = find(421))
+    if (const resbuf *const rgb = m_groups.find(421))
         m_text.maskColor = AcCmEntityColor::fromRgb(std::uint32_t(rgb->integer()));
-    else if (const resbuf *const index = find(63))
+    else if (const resbuf *const index = m_groups.find(63))
         m_text.maskColor =
             AcCmEntityColor::fromIndex(int(std::clamp<std::int64_t>(index->integer(), 0, 256)));
 }
@@ -225,7 +220,7 @@ std::optional<MText> embeddedMText(const AcDbEntity &entity)
     const GroupSpan groups = embeddedGroups(entity);
     if (groups.empty())
         return std::nullopt;
-    MText text = MTextGroups(groups, entity.database()).text();
+    MText text = MTextGroups(OwnGroups(groups), entity.database()).text();
     if (text.coded.isEmpty())
         return std::nullopt;
     return text;
@@ -261,8 +256,7 @@ static void readExtendedColumns(const AcDbEntity &entity, MText &text)
 
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbMText");
-    MText text = MTextGroups(GroupSpan(groups.begin(), groups.end()), entity.database()).text();
+    MText text = MTextGroups(OwnGroups(entity, u"AcDbMText"), entity.database()).text();
     readExtendedColumns(entity, text);
     readEmbeddedColumns(embeddedGroups(entity), text);
     drawMText(text, sink);

@@ -141,7 +141,7 @@ private:
         const MultileaderText &from = m_leader.text;
         QString styleName;
         readObject(objectOf(m_entity, from.style),
-                   [&](const AcDbObject &record) { styleName = EntityGroups(record).text(2); });
+                   [&](const AcDbObject &record) { styleName = OwnGroups(record).text(2); });
         MText text;
         text.coded = from.coded;
         text.style = styleOf(styleName);
@@ -208,12 +208,12 @@ private:
         for (const MultileaderAttribute &attribute : m_leader.attributes)
             readEntity(objectOf(m_entity, attribute.definition), [&](const AcDbEntity &definition) {
                 if (definition.dxfName() == "ATTDEF")
-                    drawAttributeText(EntityGroups(definition), attribute.text);
+                    drawAttributeText(OwnGroups(definition), attribute.text);
             });
     }
 
     /// The text of an attribute where the block defines it.
-    void drawAttributeText(const EntityGroups &definition, const QString &words)
+    void drawAttributeText(const OwnGroups &definition, const QString &words)
     {
         constexpr std::int64_t kMiddle = 4;
         const std::int64_t horizontal = definition.integer(72);

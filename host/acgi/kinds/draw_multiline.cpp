@@ -48,12 +48,12 @@ struct MultilineVertex {
 
 } // namespace
 
-static MultilineStyle readStyle(const AcDbEntity &entity, const EntityGroups &multiline)
+static MultilineStyle readStyle(const AcDbEntity &entity, const OwnGroups &multiline)
 {
     MultilineStyle style;
     const resbuf *const handle = multiline.find(340);
     readObject(handle ? objectOf(entity, handle->handle()) : AcDbObjectId(), [&](const AcDbObject &object) {
-        const EntityGroups groups(object, u"AcDbMlineStyle");
+        const OwnGroups groups(object, u"AcDbMlineStyle");
         style.flags = groups.integer(70);
         for (const resbuf &group : groups) {
             AcCmEntityColor &color = style.elements.empty() ? style.fill : style.elements.back().color;
@@ -70,7 +70,7 @@ static MultilineStyle readStyle(const AcDbEntity &entity, const EntityGroups &mu
     return style;
 }
 
-static std::vector<MultilineVertex> readVertices(const EntityGroups &groups)
+static std::vector<MultilineVertex> readVertices(const OwnGroups &groups)
 {
     std::vector<MultilineVertex> vertices;
     for (const resbuf &group : groups) {
@@ -296,7 +296,7 @@ private:
 
     const AcDbEntity &m_entity;
     AcGiGeometry &m_sink;
-    EntityGroups m_groups;
+    OwnGroups m_groups;
     MultilineStyle m_style;
     std::vector<MultilineVertex> m_vertices;
     bool m_closed;

@@ -30,8 +30,8 @@ static void drawWithoutFill(std::span<const Vertex> vertices, bool closed, AcGiG
     }
 }
 
-static void drawInPlane(const AcDbEntity &entity, const EntityGroups &groups,
-                        std::span<const Vertex> vertices, bool closed, AcGiGeometry &sink)
+static void drawInPlane(const AcDbEntity &entity, const OwnGroups &groups, std::span<const Vertex> vertices,
+                        bool closed, AcGiGeometry &sink)
 {
     const AcGeVector3d normal = groups.normal();
     const bool flat = isZAxis(normal);
@@ -58,7 +58,7 @@ static void drawInPlane(const AcDbEntity &entity, const EntityGroups &groups,
 
 void drawLightPolyline(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const double width = groups.real(43);
     const double elevation = groups.real(38);
     std::vector<Vertex> vertices;
@@ -99,7 +99,7 @@ struct PolylineData {
 
 } // namespace
 
-static PolyfaceFace readFace(const EntityGroups &groups)
+static PolyfaceFace readFace(const OwnGroups &groups)
 {
     PolyfaceFace face;
     for (int i = 0; i < 4; ++i)
@@ -108,7 +108,7 @@ static PolyfaceFace readFace(const EntityGroups &groups)
     return face;
 }
 
-static PolylineData readVertices(const AcDbEntity &entity, const EntityGroups &polyline, std::int64_t flags)
+static PolylineData readVertices(const AcDbEntity &entity, const OwnGroups &polyline, std::int64_t flags)
 {
     PolylineData read;
     const bool fitted = flags & kSplineFit || (flags & kMesh && polyline.integer(75) != 0);
@@ -118,7 +118,7 @@ static PolylineData readVertices(const AcDbEntity &entity, const EntityGroups &p
         readEntity(id, [&](const AcDbEntity &part) {
             if (part.dxfName() != "VERTEX")
                 return;
-            const EntityGroups groups(part);
+            const OwnGroups groups(part);
             const std::int64_t own = groups.integer(70);
             if (flags & kPolyface && own & kFaceRecord && !(own & kFaceVertexPosition))
                 read.faces.push_back(readFace(groups));
@@ -130,7 +130,7 @@ static PolylineData readVertices(const AcDbEntity &entity, const EntityGroups &p
     return read;
 }
 
-static MeshGrid gridOf(const EntityGroups &groups, const std::vector<Vertex> &vertices)
+static MeshGrid gridOf(const OwnGroups &groups, const std::vector<Vertex> &vertices)
 {
     const bool smooth = groups.integer(75) != 0;
     const std::int64_t flags = groups.integer(70);
@@ -146,7 +146,7 @@ static MeshGrid gridOf(const EntityGroups &groups, const std::vector<Vertex> &ve
 
 void drawPolyline(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const std::int64_t flags = groups.integer(70);
     PolylineData data = readVertices(entity, groups, flags);
     if (data.vertices.empty())

@@ -1,7 +1,7 @@
 // Drawing of splines and helices: by control points, or through fit points.
 #include "host/acgi/kinds/draw_spline.h"
+#include "host/acdb/owngroups.h"
 #include "host/acge/gecurve.h"
-#include "host/acgi/entity_groups.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/acgi/kinds/nurbs.h"
 
@@ -25,7 +25,7 @@ struct SplineData {
 
 } // namespace
 
-static SplineData readSpline(const EntityGroups &groups)
+static SplineData readSpline(const OwnGroups &groups)
 {
     SplineData read;
     read.curve.degree = int(std::clamp<std::int64_t>(groups.integer(71, 3), 0, 1000));
@@ -123,7 +123,7 @@ static Loop throughFitPoints(SplineData &data)
 
 void drawSpline(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    SplineData data = readSpline(EntityGroups(entity, u"AcDbSpline"));
+    SplineData data = readSpline(OwnGroups(entity, u"AcDbSpline"));
     complete(data.curve, data.closed);
     Loop points = data.curve.samples();
     if (points.empty())

@@ -1,5 +1,5 @@
 // Drawing of one-line text and attributes.
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_mtext.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/acgi/text/text_layout.h"
@@ -98,7 +98,7 @@ static void toPlane(OneLine &text, AcGePoint3d &position, const AcGeVector3d &no
     text.up.transformBy(plane);
 }
 
-static void drawLineOfText(const AcDbEntity &entity, const EntityGroups &groups, const QString &coded,
+static void drawLineOfText(const AcDbEntity &entity, const OwnGroups &groups, const QString &coded,
                            int verticalCode, AcGiGeometry &sink)
 {
     OneLine text;
@@ -156,14 +156,14 @@ static void drawLineOfText(const AcDbEntity &entity, const EntityGroups &groups,
 
 void drawText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     drawLineOfText(entity, groups, groups.text(1), 73, sink);
 }
 
 static constexpr std::int64_t kInvisibleAttribute = 1;
 
 /// The value of an attribute: in one line, or as the multi-line text that comes along.
-static void drawValue(const AcDbEntity &entity, const EntityGroups &groups, AcGiGeometry &sink)
+static void drawValue(const AcDbEntity &entity, const OwnGroups &groups, AcGiGeometry &sink)
 {
     if (const std::optional<MText> text = embeddedMText(entity))
         drawMText(*text, sink);
@@ -173,7 +173,7 @@ static void drawValue(const AcDbEntity &entity, const EntityGroups &groups, AcGi
 
 void drawAttribute(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     if (!(groups.integer(70) & kInvisibleAttribute))
         drawValue(entity, groups, sink);
 }
@@ -182,7 +182,7 @@ void drawAttribute(const AcDbEntity &entity, AcGiGeometry &sink)
 void drawAttributeDefinition(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     constexpr std::int64_t kConstant = 2;
-    const EntityGroups groups(entity);
+    const OwnGroups groups(entity);
     const std::int64_t flags = groups.integer(70);
     if (!sink.insideBlock())
         drawLineOfText(entity, groups, groups.text(2), 74, sink);

@@ -26,7 +26,7 @@ static ToleranceStyle styleOf(const AcDbEntity &entity, const QString &styleName
         return style;
     const AcDbDatabase &database = *entity.database();
     readObject(database.tableRecord(SymbolTable::dimStyle, styleName), [&](const AcDbObject &record) {
-        const EntityGroups groups(record);
+        const OwnGroups groups(record);
         const double scale = groups.real(40) > 0.0 ? groups.real(40) : 1.0;
         if (groups.real(140) > 0.0)
             style.height = groups.real(140) * scale;
@@ -35,7 +35,7 @@ static ToleranceStyle styleOf(const AcDbEntity &entity, const QString &styleName
         QString textStyle;
         if (const resbuf *const handle = groups.find(340))
             readObject(objectOf(entity, handle->handle()),
-                       [&](const AcDbObject &object) { textStyle = EntityGroups(object).text(2); });
+                       [&](const AcDbObject &object) { textStyle = OwnGroups(object).text(2); });
         style.text = namedTextStyle(database, textStyle);
     });
     return style;
@@ -47,7 +47,7 @@ namespace
 class ToleranceDrawer
 {
 public:
-    ToleranceDrawer(const EntityGroups &groups, const ToleranceStyle &style, AcGiGeometry &sink)
+    ToleranceDrawer(const OwnGroups &groups, const ToleranceStyle &style, AcGiGeometry &sink)
         : m_style(style), m_sink(sink)
     {
         m_text.style = style.text;
@@ -102,7 +102,7 @@ private:
 
 void drawTolerance(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbFcf");
+    const OwnGroups groups(entity, u"AcDbFcf");
     const ToleranceStyle style = styleOf(entity, groups.text(3));
     ToleranceDrawer drawer(groups, style, sink);
     QString content = groups.text(1);

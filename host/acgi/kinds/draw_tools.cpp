@@ -37,7 +37,7 @@ AcCmEntityColor colorOfRaw(std::int64_t raw)
     return packed >> 24 == kWindow ? AcCmEntityColor::background() : proxy::colorOf(packed);
 }
 
-std::optional<AcCmEntityColor> statedColor(const EntityGroups &groups, int indexCode, int rgbCode)
+std::optional<AcCmEntityColor> statedColor(const OwnGroups &groups, int indexCode, int rgbCode)
 {
     if (const resbuf *const rgb = groups.find(rgbCode))
         return AcCmEntityColor::fromRgb(std::uint32_t(rgb->integer()));
@@ -62,7 +62,7 @@ std::int64_t frameVariable(const AcDbEntity &entity, const QString &name, std::i
     std::int64_t value = fallback;
     if (entity.database())
         readObject(dictionaryEntry(entity.database()->namedObjectsDictionaryId(), name),
-                   [&](const AcDbObject &object) { value = EntityGroups(object).integer(70, fallback); });
+                   [&](const AcDbObject &object) { value = OwnGroups(object).integer(70, fallback); });
     return value;
 }
 

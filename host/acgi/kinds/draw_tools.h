@@ -3,7 +3,7 @@
 #pragma once
 
 #include "host/acdb/dbentity.h"
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/geometry.h"
 
 namespace acgi
@@ -46,7 +46,7 @@ void drawClosed(Loop loop, AcGiGeometry &sink);
 /// Calls `draw`; with a thickness (39) a second time at the other end, and joins the two at `corners` (world
 /// coordinates).
 template <class Draw>
-void drawExtruded(const EntityGroups &groups, std::span<const AcGePoint3d> corners, AcGiGeometry &sink,
+void drawExtruded(const OwnGroups &groups, std::span<const AcGePoint3d> corners, AcGiGeometry &sink,
                   Draw draw)
 {
     draw();
@@ -67,7 +67,7 @@ void drawExtruded(const EntityGroups &groups, std::span<const AcGePoint3d> corne
 /// A colour as leaders and their styles store it: the top byte says how it is stated.
 AcCmEntityColor colorOfRaw(std::int64_t raw);
 /// Groups 62 and 420; nothing when there are none.
-std::optional<AcCmEntityColor> statedColor(const EntityGroups &groups, int indexCode = 62, int rgbCode = 420);
+std::optional<AcCmEntityColor> statedColor(const OwnGroups &groups, int indexCode = 62, int rgbCode = 420);
 
 /// The entry of a dictionary inside the dictionary `parent`.
 AcDbObjectId dictionaryEntry(AcDbObjectId parent, const QString &dictionary, const QString &key);

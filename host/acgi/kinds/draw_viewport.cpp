@@ -16,7 +16,7 @@ enum ViewportFlag : std::int64_t { kClippedByEntity = 0x10000, kOff = 0x20000 };
 
 /// The first viewport of a layout stands for the sheet itself. Viewports have no numbers in old files and in
 /// layouts that nobody has looked at yet; the order tells then.
-static bool isSheet(const AcDbEntity &entity, const EntityGroups &groups)
+static bool isSheet(const AcDbEntity &entity, const OwnGroups &groups)
 {
     if (const std::int64_t number = groups.integer(69); number != 0)
         return number == 1;
@@ -57,7 +57,7 @@ static bool readOldView(const AcDbEntity &entity, ViewportPicture &picture)
     return true;
 }
 
-static void readView(const AcDbEntity &entity, const EntityGroups &groups, ViewportPicture &picture)
+static void readView(const AcDbEntity &entity, const OwnGroups &groups, ViewportPicture &picture)
 {
     if (!groups.has(45)) {
         readOldView(entity, picture);
@@ -77,7 +77,7 @@ static void readView(const AcDbEntity &entity, const EntityGroups &groups, Viewp
         picture.direction = AcGeVector3d::kZAxis;
 }
 
-static Loop clipOf(const AcDbEntity &entity, const EntityGroups &groups)
+static Loop clipOf(const AcDbEntity &entity, const OwnGroups &groups)
 {
     Loop outline;
     const resbuf *const boundary = groups.find(340);
@@ -94,7 +94,7 @@ static Loop clipOf(const AcDbEntity &entity, const EntityGroups &groups)
 
 void drawViewport(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    const EntityGroups groups(entity, u"AcDbViewport");
+    const OwnGroups groups(entity, u"AcDbViewport");
     if (isSheet(entity, groups))
         return;
     ViewportPicture picture;

@@ -110,7 +110,7 @@ Loop joinEdges(std::vector<Loop> edges)
 class BoundaryReader
 {
 public:
-    explicit BoundaryReader(const EntityGroups &groups)
+    explicit BoundaryReader(const OwnGroups &groups)
     {
         const double elevation = groups.point(10).z;
         for (const resbuf &group : groups) {
@@ -293,13 +293,13 @@ private:
 
 } // namespace
 
-HatchStyle hatchStyle(const EntityGroups &groups)
+HatchStyle hatchStyle(const OwnGroups &groups)
 {
     const std::int64_t style = groups.integer(75);
     return style == 1 ? HatchStyle::outer : style == 2 ? HatchStyle::ignore : HatchStyle::normal;
 }
 
-HatchLoops readHatchLoops(const EntityGroups &groups)
+HatchLoops readHatchLoops(const OwnGroups &groups)
 {
     HatchLoops loops = std::move(BoundaryReader(groups).loops());
     const auto isDamaged = [](const Loop &loop) {

@@ -1,7 +1,7 @@
 // The boundary of a hatch: closed loops in its plane, and which of them count for its island style.
 #pragma once
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/geometry.h"
 
 namespace acgi
@@ -13,7 +13,7 @@ enum class HatchStyle : std::uint8_t {
     ignore  ///< All that the outer loops enclose.
 };
 
-HatchStyle hatchStyle(const EntityGroups &groups);
+HatchStyle hatchStyle(const OwnGroups &groups);
 
 struct HatchLoops {
     std::vector<Loop> bounds;    ///< Of the area, by the even-odd rule.
@@ -22,7 +22,7 @@ struct HatchLoops {
 
 /// Curves as chords, z the elevation. The edges of a path may stand in any order and run either way. Loops
 /// with coordinates that are not finite are left out.
-HatchLoops readHatchLoops(const EntityGroups &groups);
+HatchLoops readHatchLoops(const OwnGroups &groups);
 
 /// What is left of the loops when areas inside areas are not looked at as the style says.
 std::vector<Loop> loopsForStyle(std::vector<Loop> loops, HatchStyle style);

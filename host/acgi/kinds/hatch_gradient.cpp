@@ -19,7 +19,7 @@ static std::uint32_t mixed(std::uint32_t one, std::uint32_t other, double share)
     return color;
 }
 
-std::optional<HatchGradient> readHatchGradient(const EntityGroups &groups)
+std::optional<HatchGradient> readHatchGradient(const OwnGroups &groups)
 {
     if (groups.integer(450) != 1)
         return std::nullopt;

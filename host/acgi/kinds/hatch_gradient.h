@@ -1,7 +1,7 @@
 // Gradients of hatches: an area in bands of one colour each.
 #pragma once
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/geometry.h"
 
 #include <optional>
@@ -20,7 +20,7 @@ struct HatchGradient {
 };
 
 /// Nothing when the hatch has none.
-std::optional<HatchGradient> readHatchGradient(const EntityGroups &groups);
+std::optional<HatchGradient> readHatchGradient(const OwnGroups &groups);
 
 /// Fills the area between the loops (in a plane z = elevation); the pen's colour changes.
 void fillGradient(const HatchGradient &gradient, const std::vector<Loop> &loops, AcGiGeometry &sink);

@@ -7,7 +7,7 @@
 namespace acgi
 {
 
-std::vector<HatchLineFamily> readHatchPattern(const EntityGroups &groups)
+std::vector<HatchLineFamily> readHatchPattern(const OwnGroups &groups)
 {
     std::vector<HatchLineFamily> families;
     bool inPattern = false;

@@ -1,7 +1,7 @@
 // Hatch patterns: families of parallel dashed lines, and cutting them with an area.
 #pragma once
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/geometry.h"
 
 #include <functional>
@@ -18,7 +18,7 @@ struct HatchLineFamily {
 };
 
 /// Scaled and turned as the entity wants them.
-std::vector<HatchLineFamily> readHatchPattern(const EntityGroups &groups);
+std::vector<HatchLineFamily> readHatchPattern(const OwnGroups &groups);
 
 /// A piece of a pattern: `from` equals `to` for a dot.
 using HatchSegment = std::function<void(const AcGePoint3d &from, const AcGePoint3d &to)>;

@@ -7,7 +7,7 @@ Multileader::Multileader(const AcDbEntity &entity)
 {
     static constexpr QStringView kOpening[] = {u"CONTEXT_DATA{", u"LEADER{", u"LEADER_LINE{"};
     int depth = 0;
-    for (const resbuf &group : EntityGroups(entity, u"AcDbMLeader")) {
+    for (const resbuf &group : OwnGroups(entity, u"AcDbMLeader")) {
         if (depth < 3 && group.restype == 300 + 2 * depth && group.text() == kOpening[depth]) {
             ++depth;
             if (depth == 2)

@@ -1,7 +1,7 @@
 #include "host/acgi/linetype/linetype.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 
 #include <algorithm>
 #include <cmath>

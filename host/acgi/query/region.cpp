@@ -1,6 +1,6 @@
 #include "host/acgi/query/region.h"
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/visibility.h"

@@ -1,8 +1,8 @@
 #include "host/acgi/query/spatial_index.h"
 
 #include "host/acdb/dbreactor.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/display/display.h"
-#include "host/acgi/entity_groups.h"
 #include "host/acgi/query/visibility.h"
 
 // One of its headers names an old header of its own library.

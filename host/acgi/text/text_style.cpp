@@ -1,6 +1,6 @@
 #include "host/acgi/text/text_style.h"
 
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/text/text_layout.h"
 
 #include <algorithm>
@@ -88,7 +88,7 @@ AcGiTextStyle acgi::namedTextStyle(const AcDbDatabase &database, const QString &
     const AcDbObjectPointer<AcDbObject> record(id, AcDb::kForRead);
     if (!record)
         return style;
-    for (const resbuf &group : EntityGroups(*record))
+    for (const resbuf &group : OwnGroups(*record))
         readStyleGroup(group, style);
     readTypeface(record->xData(QStringLiteral("ACAD")), style);
     return style;

@@ -52,12 +52,11 @@ void ObjectEncoder::leaveOutUnknown(ResbufList &groups, const AcDbStub &stub) co
 {
     const bool r12Native = m_source.version() <= DrawingVersion::r12 && isR12Kind(stub.kind);
     const bool ownerInFile = stub.owner != 0 && !m_database.stub(stub.owner)->has(AcDbStub::kNoFileForm);
-    bool marked = false;  // Behind the first subclass marker.
-    bool bracket = false; // Inside a "102 {" group, which any version keeps.
+    bool marked = false;            // Behind the first subclass marker.
+    ApplicationGroups applications; // Which any version keeps.
     std::erase_if(groups, [&](const resbuf &group) {
         const int code = group.restype;
-        if (code == 102)
-            bracket = group.text().startsWith(QLatin1Char('{'));
+        const bool bracket = applications.holds(group);
         const bool isOwner = code == 330 && !marked && !bracket;
         marked = marked || code == 100;
         if (code == 999 && m_source.holds(group.source) && m_source.withoutKept(group.source).isEmpty())

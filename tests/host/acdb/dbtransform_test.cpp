@@ -153,7 +153,7 @@ TEST(Transform, AttributesCarryTheirEmbeddedText)
                                              {41, 20.0}});
     acdbTransformGroups(attribute, kTurn);
     EXPECT_EQ(touchedCodes(attribute), (std::vector{10, 50, 10, 11}));
-    const std::size_t embedded = 8; // A rotation was added in front.
+    const std::size_t embedded = 9; // Behind the marker; a rotation was added in front.
     EXPECT_TRUE(findGroup(attribute, 11, embedded)->point().isEqualTo({0, 1, 0}));
 }
 

@@ -53,6 +53,11 @@ TEST_P(KindExtents, AreTheBoxOfTheGeometry)
     MemoryDrawing drawing;
     const std::uint64_t handle = drawing.entity(GetParam().kind, GetParam().groups);
     expectBox(boxOf(drawing, handle), GetParam().box);
+    // What applications keep with an entity is not its own.
+    Groups marked{
+        {102, "{APP"}, {10, AcGePoint3d(-900, 0, 0)}, {11, AcGePoint3d(900, 0, 0)}, {40, 900.0}, {102, "}"}};
+    marked.insert(marked.end(), GetParam().groups.begin(), GetParam().groups.end());
+    expectBox(boxOf(drawing, drawing.entity(GetParam().kind, marked)), GetParam().box);
 }
 
 // clang-format off

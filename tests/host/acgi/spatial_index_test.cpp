@@ -2,7 +2,7 @@
 #include "host/acgi/query/spatial_index.h"
 
 #include "host/acdb/dbundo.h"
-#include "host/acgi/entity_groups.h"
+#include "host/acdb/owngroups.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gtest/gtest.h>

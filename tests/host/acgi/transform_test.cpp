@@ -1,7 +1,7 @@
 // What a transformed entity draws is what the entity drew, transformed: kind by kind, matrix by matrix.
 #include "host/acdb/dbtransform.h"
+#include "host/acdb/owngroups.h"
 #include "host/acge/geextents.h"
-#include "host/acgi/entity_groups.h"
 #include "host/acgi/kinds/draw_entity.h"
 
 #include "tests/support/memory_drawing.h"
@@ -124,7 +124,7 @@ static std::uint64_t addSubject(MemoryDrawing &drawing, const Subject &subject)
 static void transform(AcDbObjectId id, const AcGeMatrix3d &matrix)
 {
     AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-    const AcGeVector3d normal = EntityGroups(*entity).normal();
+    const AcGeVector3d normal = OwnGroups(*entity).normal();
     ASSERT_EQ(acdbTransformGroups(entity->editGroups(), matrix), Acad::eOk);
     for (const AcDbObjectId part : acdbSubEntities(id)) {
         AcDbObjectPointer<AcDbEntity> vertex(part, AcDb::kForWrite);

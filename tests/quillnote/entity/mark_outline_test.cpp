@@ -262,7 +262,7 @@ TEST(MarkDrawingSettings, WhatApplyAllReplaces)
     EXPECT_EQ(bevel.pieces.at(1).color, 30);
 }
 
-TEST(MarkOutline, DrawsAMarkInAView)
+TEST(MarkOutline, CompletesWhatARecordLeavesOut)
 {
     registerMarkClass();
     const auto mark = QuillnoteObj3::forReading();
@@ -270,12 +270,5 @@ TEST(MarkOutline, DrawsAMarkInAView)
     mark->targetStyle = -1;
     mark->vertexCount = 99;
     EXPECT_EQ(outlineRecord(*mark).vertices.size(), 16u);
-    EXPECT_TRUE(outlineRecord(*mark).target.corner4.isEqualTo({10, 0, 0})) << "completed on the way";
-    tests::Recorder recorder;
-    const AcGiViewport viewport;
-    drawTargetOutline(*mark, {recorder, kAcGiStandardDisplay, viewport}, 1.0, 1);
-    drawTextBoxFrame(*mark, {recorder, kAcGiStandardDisplay, viewport}, 1.0, 102);
-    ASSERT_EQ(recorder.lines.size(), 2);
-    EXPECT_TRUE(recorder.lines[0].startsWith(QStringLiteral("polyline (11.25 5)")))
-        << qPrintable(recorder.lines[0]);
+    EXPECT_TRUE(outlineRecord(*mark).target.corner4.isEqualTo({10, 0, 0}));
 }
