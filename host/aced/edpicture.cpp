@@ -25,7 +25,9 @@ QImage acedPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewpor
         return image;
     image.fill(options.fillBackground ? options.background : QColor(Qt::transparent));
     QPainter painter(&image);
-    const AcGiPaintReport painted = acgiDisplay(database).paint(space, view, painter, options);
+    AcGiPaintOptions beside = options;
+    beside.besideScreen = true;
+    const AcGiPaintReport painted = acgiDisplay(database).paint(space, view, painter, beside);
     if (report)
         *report = painted;
     return image;

@@ -89,7 +89,7 @@ AcGiPaintReport AcGiDisplay::Impl::paint(AcDbObjectId space, const AcGiViewport 
     picture.takeSpace(space);
     picture.paint(painter);
     AcGiPaintReport report = picture.report();
-    if (!report.cancelled)
+    if (!report.cancelled && !options.besideScreen)
         m_painted = Shown{space, view};
     return report;
 }

@@ -32,6 +32,10 @@ struct AcGiPaintOptions {
     QColor highlight;
     /// Only this part of the view is painted, pixels; all of it when empty.
     QRect part;
+    /// True for entities that the picture does without.
+    std::function<bool(AcDbObjectId)> leavesOut;
+    /// The picture is none of the screen's: what the screen shows, and its lists, stay as they are.
+    bool besideScreen = false;
     /// Asked now and then; true ends the painting early.
     std::function<bool()> isCancelled;
 };

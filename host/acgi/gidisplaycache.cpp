@@ -3,6 +3,7 @@
 #include "host/acdb/dbdict.h"
 #include "host/acgi/gidraw.h"
 #include "host/acgi/giread.h"
+#include "host/acgi/gispatialindex.h"
 
 #include <algorithm>
 #include <limits>
@@ -320,6 +321,17 @@ const std::vector<std::uint32_t> &AcGiDisplayCache::order(AcDbObjectId space,
     return order.sorted.empty() ? entities : order.sorted;
 }
 
+/// How much of the box lies in it; a box without width or height counts by its other side.
+double AcGiDisplayCache::Plane::share(const AcDbExtents &box) const
+{
+    const auto ofSide = [](double low, double high, double boxLow, double boxHigh) {
+        const double common = std::min(high, boxHigh) - std::max(low, boxLow);
+        return boxHigh > boxLow ? std::max(0.0, common) / (boxHigh - boxLow) : 1.0;
+    };
+    return ofSide(left, right, box.minPoint().x, box.maxPoint().x) *
+           ofSide(bottom, top, box.minPoint().y, box.maxPoint().y);
+}
+
 /// The part of the world's plane that a plan view shows there.
 AcGiDisplayCache::Plane AcGiDisplayCache::visiblePlane(const AcGiViewport &view, const QRectF &part)
 {
@@ -379,9 +391,29 @@ std::optional<std::vector<std::uint32_t>> AcGiDisplayCache::near(const Progress 
     return found;
 }
 
+/// The same where lists are missing; none when the spatial index is not ready to tell, and when much of the
+/// space is there: going through the entities as they stand is quicker then.
+std::optional<std::vector<std::uint32_t>>
+AcGiDisplayCache::indexed(AcDbObjectId space, const std::vector<std::uint32_t> &entities, const Plane &plane)
+{
+    constexpr double kMuch = 0.25;
+    AcGiSpatialIndex &index = acgiSpatialIndex(m_database);
+    const std::optional<AcDbExtents> box = index.roughBox(space);
+    if (!box || !box->isValid() || plane.share(*box) > kMuch)
+        return std::nullopt;
+    std::vector<bool> isNear(m_lists.size());
+    for (const AcDbObjectId id :
+         index.query(space, {{plane.left, plane.bottom, 0.0}, {plane.right, plane.top, 0.0}}))
+        isNear[id.stub()->index] = true;
+    for (const AcDbObjectId id : index.customEntities(space))
+        isNear[id.stub()->index] = true;
+    std::vector<std::uint32_t> found;
+    std::ranges::copy_if(entities, std::back_inserter(found), [&](std::uint32_t each) { return isNear[each]; });
+    return found;
+}
+
 AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part,
-                                      int slot, const std::function<bool()> &isCancelled,
-                                      AcGiPaintReport &report)
+                                      int slot, const AcGiPaintOptions &options, AcGiPaintReport &report)
 {
     AcGiShownSpace shown;
     shown.isPlan = view.isPlan();
@@ -399,14 +431,20 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
     Progress &progress = m_progress[space.stub()->index];
     const std::vector<std::uint32_t> &all = order(space, contents->entities);
     const bool isSorted = &all != &contents->entities;
-    const auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
+    auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
+    const bool isComplete = some || progress.made >= all.size();
+    if (shown.isPlan && !isComplete)
+        some = indexed(space, all, plane);
+    const bool makesAll = isComplete || !some;
     constexpr unsigned kBetweenQuestions = 4096;
     unsigned count = 0;
     for (const std::uint32_t index : some ? *some : all) {
-        if (++count % kBetweenQuestions == 0 && isCancelled && isCancelled()) {
+        if (++count % kBetweenQuestions == 0 && options.isCancelled && options.isCancelled()) {
             report.cancelled = true;
             return shown;
         }
+        if (options.leavesOut && options.leavesOut(AcDbObjectId(m_database.stub(index))))
+            continue;
         // Erased ones have lost their list.
         if (!m_lists[index].has(AcGiDisplayList::kBuilt) && m_database.stub(index)->has(AcDbStub::kErased))
             continue;
@@ -420,9 +458,11 @@ AcGiShownSpace AcGiDisplayCache::show(AcDbObjectId space, const AcGiViewport &vi
                 ++report.undrawn[reason];
         }
     }
-    progress.made = contents->entities.size();
-    progress.dropped.clear();
-    m_slots[slot].missing.clear();
+    if (makesAll && !options.leavesOut) {
+        progress.made = contents->entities.size();
+        progress.dropped.clear();
+        m_slots[slot].missing.clear();
+    }
     return shown;
 }
 

@@ -28,12 +28,12 @@ public:
     AcGiDisplayCache(AcDbDatabase &database, std::function<void()> ended, std::function<void()> changes);
     ~AcGiDisplayCache() override;
 
-    /// Makes the lists of the space that are missing, and gives those that the view has to do with. Views
-    /// that are shown at the same time have different slots; lists that depend on the view are made again
-    /// when the view of their slot changes. `part` is the part of the view that counts, pixels. `isCancelled`
-    /// may end this early.
+    /// Makes the lists of the space that are missing, and gives those that the view has to do with; where the
+    /// spatial index is ready, only these are made. Views that are shown at the same time have different
+    /// slots; lists that depend on the view are made again when the view of their slot changes. `part` is the
+    /// part of the view that counts, pixels.
     AcGiShownSpace show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part, int slot,
-                        const std::function<bool()> &isCancelled, AcGiPaintReport &report);
+                        const AcGiPaintOptions &options, AcGiPaintReport &report);
     /// Makes lists of the space that are missing, until the time is over. True when none is missing.
     bool prepare(AcDbObjectId space, const AcGiViewport &view, int slot, const QDeadlineTimer &until);
     const AcGiDisplayList *list(std::uint32_t index, int slot) const;
@@ -89,6 +89,7 @@ private:
         {
             return box[0] <= right && box[2] >= left && box[1] <= top && box[3] >= bottom;
         }
+        double share(const AcDbExtents &box) const;
     };
     /// The drawing order of a space.
     struct Order {
@@ -116,6 +117,8 @@ private:
     void makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities);
     static std::optional<std::vector<std::uint32_t>>
     near(const Progress &progress, const std::vector<std::uint32_t> &entities, const Plane &plane);
+    std::optional<std::vector<std::uint32_t>>
+    indexed(AcDbObjectId space, const std::vector<std::uint32_t> &entities, const Plane &plane);
     static Plane visiblePlane(const AcGiViewport &view, const QRectF &part);
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 

@@ -121,6 +121,17 @@ public:
         return true;
     }
 
+    std::optional<AcDbExtents> roughBox() const
+    {
+        if (m_isBuilding)
+            return std::nullopt;
+        AcDbExtents box;
+        for (const Tree *const tree : {&m_built, &m_changed}) {
+            if (!tree->empty())
+                box.addExt(plainBox(bg::return_envelope<TreeBox>(tree->bounds())));
+        }
+        return box;
+    }
     void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
 
     std::vector<Found> find(const AcDbExtents &box)
@@ -147,18 +158,11 @@ public:
     AcDbExtents extents()
     {
         update();
-        AcDbExtents all;
-        if (m_superseded.empty()) {
-            if (!m_built.empty())
-                all.addExt(plainBox(bg::return_envelope<TreeBox>(m_built.bounds())));
-        } else {
-            for (const TreeEntry &entry : m_built) {
-                if (!m_superseded.contains(entry.second))
-                    all.addExt(plainBox(entry.first));
-            }
-        }
-        for (const TreeEntry &entry : m_changed)
-            all.addExt(plainBox(entry.first));
+        if (!m_builtExtents)
+            m_builtExtents = builtExtents();
+        AcDbExtents all = *m_builtExtents;
+        if (!m_changed.empty())
+            all.addExt(plainBox(bg::return_envelope<TreeBox>(m_changed.bounds())));
         return all;
     }
 
@@ -196,6 +200,7 @@ private:
         m_changed.clear();
         m_changedBoxes.clear();
         m_superseded.clear();
+        m_builtExtents.reset();
         m_endless.clear();
         m_withoutExtents.clear();
         m_custom.clear();
@@ -206,7 +211,29 @@ private:
         const BlockContents *const contents = m_record.database()->blockContents(m_record);
         m_entities = contents ? contents->entities : std::vector<std::uint32_t>();
         m_entries.reserve(m_entities.size());
+        m_firstLater = m_record.database()->stubCount();
         m_isBuilding = true;
+    }
+
+    AcDbExtents builtExtents() const
+    {
+        AcDbExtents all;
+        if (m_superseded.empty()) {
+            if (!m_built.empty())
+                all.addExt(plainBox(bg::return_envelope<TreeBox>(m_built.bounds())));
+            return all;
+        }
+        for (const TreeEntry &entry : m_built) {
+            if (!m_superseded.contains(entry.second))
+                all.addExt(plainBox(entry.first));
+        }
+        return all;
+    }
+
+    void supersede(std::uint32_t entity)
+    {
+        if (entity < m_firstLater && m_superseded.insert(entity).second)
+            m_builtExtents.reset();
     }
 
     bool placeEntities(const QDeadlineTimer &until)
@@ -253,7 +280,7 @@ private:
             return;
         }
         for (const std::uint32_t index : std::exchange(m_dirty, {})) {
-            m_superseded.insert(index);
+            supersede(index);
             m_endless.erase(index);
             m_withoutExtents.erase(index);
             m_custom.erase(index);
@@ -280,6 +307,8 @@ private:
     Tree m_changed;
     std::unordered_map<std::uint32_t, TreeBox> m_changedBoxes; ///< What stands in m_changed.
     std::unordered_set<std::uint32_t> m_superseded;            ///< Entries of m_built that no longer hold.
+    std::uint32_t m_firstLater = 0;            ///< Entities from this number on came after building began.
+    std::optional<AcDbExtents> m_builtExtents; ///< Of m_built; none until asked for.
     std::unordered_set<std::uint32_t> m_endless;
     std::unordered_set<std::uint32_t> m_withoutExtents;
     std::unordered_map<std::uint32_t, TreeBox> m_custom; ///< Entities that may look different in each view.
@@ -362,6 +391,12 @@ AcGiSpatialIndex::Space &AcGiSpatialIndex::space(AcDbObjectId blockRecord)
 bool AcGiSpatialIndex::prepare(AcDbObjectId blockRecord, int milliseconds)
 {
     return space(blockRecord).build(QDeadlineTimer(milliseconds));
+}
+
+std::optional<AcDbExtents> AcGiSpatialIndex::roughBox(AcDbObjectId blockRecord) const
+{
+    const auto known = m_spaces.find(blockRecord);
+    return known == m_spaces.end() ? std::nullopt : known->second->roughBox();
 }
 
 void AcGiSpatialIndex::noteChange(const AcDbObject &object)

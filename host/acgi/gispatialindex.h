@@ -19,6 +19,8 @@ public:
     /// Works on the index of the space for about so long. True when it is ready; until then every question
     /// about the space first has to finish it.
     bool prepare(AcDbObjectId blockRecord, int milliseconds);
+    /// A box around the space, perhaps larger than its extents; none until its index is ready.
+    std::optional<AcDbExtents> roughBox(AcDbObjectId blockRecord) const;
 
     /// Entities of the space whose box meets `box` in x and y, visible or not. Boxes of turned inserts may be
     /// larger than what they show. Entities with lines without end are always among them; entities without

@@ -1,13 +1,10 @@
 #!/usr/bin/env python3
-"""The XML document from outside: readers that are not ours find every mark in it, and it is complete or not there."""
+"""The XML document from outside: readers that are not ours find every mark in it."""
 
 import json
-import random
 import os
 import shutil
-import signal
 import subprocess
-import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -62,18 +59,6 @@ class XmlReportTest(unittest.TestCase):
         program.call("report", "--xml", "none.xml", PLAN)
         self.assertFalse(Path("none.xml").exists(), "a drawing without marks has no document")
         program.call("report", "--xml", "nowhere/none.xml", "marked.dxf", status=2)
-
-    def test_killed_it_is_complete_or_not_there(self):
-        chance = random.Random(7)
-        command = [program.QUILLNOTE, "report", "--xml", "killed.xml", *["marked.dxf"] * 3]
-        for _ in range(6):
-            Path("killed.xml").unlink(missing_ok=True)
-            process = subprocess.Popen(command, stderr=subprocess.DEVNULL)
-            time.sleep(chance.random() * 0.5)
-            process.send_signal(signal.SIGKILL)
-            process.wait()
-            if Path("killed.xml").exists():
-                self.assertEqual(len(ElementTree.parse("killed.xml").getroot()), 3 * (len(HOSTILE) + 1))
 
 
 if __name__ == "__main__":
