@@ -5,11 +5,13 @@ import json
 import os
 import shutil
 import subprocess
+import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 import program
+import screen
 
 PLAN = Path(os.environ["QUILL_ROOT"]) / "samples" / "plan.dxf"
 HOSTILE = [
@@ -59,6 +61,29 @@ class XmlReportTest(unittest.TestCase):
         program.call("report", "--xml", "none.xml", PLAN)
         self.assertFalse(Path("none.xml").exists(), "a drawing without marks has no document")
         program.call("report", "--xml", "nowhere/none.xml", "marked.dxf", status=2)
+
+    @unittest.skipIf(screen.missing(), "the window needs tools that are not here")
+    def test_in_the_window(self):
+        """Marks chosen with the mouse, the project's name typed into the dialog."""
+        drawing = Path("window.dxf").absolute()
+        program.play("".join(program.mark_script(1500 * at + 500, 1000, 900, 700, "x") for at in range(4)), PLAN, drawing)
+        with screen.Screen() as desk:
+            window = desk.start(drawing)
+            window.show((4000, 2000), 9000)
+            window.command("QN8_ToXml")
+            window.click((5000, 3000))
+            window.click((300, 500))
+            window.keys("Return")
+            time.sleep(1.0)
+            window.type("pump house")
+            window.keys("Return")
+            time.sleep(1.0)
+            window.keys("n")
+            document = drawing.with_name("window_dxf.xml")
+            screen.wait_for("the document", document.exists)
+        records = ElementTree.parse(document).getroot().findall("oneRecord")
+        self.assertEqual([record.findtext("idNumber") for record in records], ["1.0", "2.0", "3.0"])
+        self.assertEqual({record.findtext("projectName") for record in records}, {"pump house"})
 
 
 if __name__ == "__main__":
