@@ -5,7 +5,7 @@
 
 #include "host/aced/edpicture.h"
 #include "host/aced/edsysvar.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/spatial_index.h"
 
 #include <QBuffer>
 #include <QHash>
@@ -65,7 +65,7 @@ QImage decodedPicture(const QByteArray &png)
 QImage spacePicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view, QColor background,
                     ShownMarks marks)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = background;
     options.lineWeights = database.headerInteger("$LWDISPLAY", 0) != 0;
     if (marks == ShownMarks::none)
@@ -74,7 +74,7 @@ QImage spacePicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewpo
     seen.paperSpace = space != database.modelSpaceId();
     // Whoever takes a picture of a target also takes its fingerprint, which needs the index.
     constexpr int kWholeIndex = -1;
-    acgiSpatialIndex(database).prepare(space, kWholeIndex);
+    acgi::spatialIndexOf(database).prepare(space, kWholeIndex);
     return acedPicture(database, space, seen, options);
 }
 

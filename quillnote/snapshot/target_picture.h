@@ -2,7 +2,7 @@
 // laid over the one that its mark keeps: the same part of the drawing, the same size, the same background.
 #pragma once
 
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 #include <QColor>
 #include <QImage>
