@@ -1,7 +1,7 @@
 // Claim: ten thousand marks of a drawing are compared with it in a time that goes with the entities under
 // their targets, whatever the drawing holds around them: within 5 s on two cores in a drawing of a million
-// entities, the index included. The bound is reading the groups of the same entities, each once. The same holds
-// for the pictures that marks keep; they are taken twice, the second time nothing is left but painting.
+// entities, the index included. The bound is reading the groups of the same entities, each once. The same
+// holds for the pictures that marks keep; they are taken twice, the second time nothing is left but painting.
 //
 // usage: QT_QPA_PLATFORM=offscreen bench_compare DRAWING.dxf MARKED.dxf
 // (bench/make_drawing.py makes a drawing; MARKED.dxf is written, with the marks, and opened again for the

@@ -146,8 +146,7 @@ static ReviewOverview takeOverview(AcApDocument &document, AcDbObjectId space,
         return overview;
     AcGiViewport view = viewOf(box, overviewSize(diagonal));
     view.height *= kOverviewMargin;
-    overview.picture =
-        asPng(spacePicture(*document.database(), space, view, Qt::white, ShownMarks::none));
+    overview.picture = asPng(spacePicture(*document.database(), space, view, Qt::white, ShownMarks::none));
     for (std::size_t i = 0; i < rows.size(); ++i)
         overview.places.push_back({rows[i], pixelBox(targets[i], view)});
     return overview;

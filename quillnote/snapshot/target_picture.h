@@ -1,5 +1,5 @@
-// Pictures of targets and of spaces, with marks or without. That of a target as the drawing shows it now can be
-// laid over the one that its mark keeps: the same part of the drawing, the same size, the same background.
+// Pictures of targets and of spaces, with marks or without. That of a target as the drawing shows it now can
+// be laid over the one that its mark keeps: the same part of the drawing, the same size, the same background.
 #pragma once
 
 #include "host/acgi/viewport.h"
@@ -39,8 +39,8 @@ QImage decodedPicture(const QByteArray &png);
 
 enum class ShownMarks { all, none };
 
-/// A space (block record of model space or a layout) as seen in the view; what it costs goes with what is seen
-/// there. No image when it is too large.
+/// A space (block record of model space or a layout) as seen in the view; what it costs goes with what is
+/// seen there. No image when it is too large.
 QImage spacePicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view, QColor background,
                     ShownMarks marks);
 

@@ -381,19 +381,21 @@ DisplayCache::near(const Progress &progress, const std::vector<std::uint32_t> &e
 
 /// The same where lists are missing.
 std::optional<std::vector<std::uint32_t>>
-DisplayCache::nearOfMissing(AcDbObjectId space, const std::vector<std::uint32_t> &entities, const Plane &plane,
-                            const PaintOptions &options) const
+DisplayCache::nearOfMissing(AcDbObjectId space, const std::vector<std::uint32_t> &entities,
+                            const Plane &plane, const PaintOptions &options) const
 {
-    const auto ids = options.near ? options.near(space, AcDbExtents({plane.left, plane.bottom, 0.0},
-                                                                    {plane.right, plane.top, 0.0}))
-                                  : std::nullopt;
+    const auto ids =
+        options.near
+            ? options.near(space, AcDbExtents({plane.left, plane.bottom, 0.0}, {plane.right, plane.top, 0.0}))
+            : std::nullopt;
     if (!ids)
         return std::nullopt;
     std::vector<bool> isNear(m_lists.size());
     for (const AcDbObjectId id : *ids)
         isNear[id.stub()->index] = true;
     std::vector<std::uint32_t> found;
-    std::ranges::copy_if(entities, std::back_inserter(found), [&](std::uint32_t each) { return isNear[each]; });
+    std::ranges::copy_if(entities, std::back_inserter(found),
+                         [&](std::uint32_t each) { return isNear[each]; });
     return found;
 }
 
