@@ -19,8 +19,8 @@ TEMPLATE = Path(program.QUILLNOTE).parents[1] / "share" / "quillnote3" / "templa
 COMMANDS = {
     "plan_dxf.txt": "QN3_txt\n",
     "plan_dxfN.html": "QN3_HtmlN\nNo\n",
-    "plan_dxf_1.html": "QN3_HtmlN\nYes\n\n@ok\n",  # The web report has the name without number.
     "plan_dxf.html": "QN3_Html\n@ok\n",
+    "plan_dxf_1.html": "QN3_HtmlN\nYes\n\n@ok\n",  # The web report has the name without number.
     "plan_dxf.xml": "QN8_ToXml\n\n@ok\n@no\n",
     "plan_dxf-review.html": "QN3_Page\n",
 }
@@ -106,7 +106,7 @@ class ReportsWholeTest(unittest.TestCase):
         options = [word for option in ("--page", "--xml") for word in (option, str(self.folder / OPTIONS[option]))]
         command = [program.QUILLNOTE, "report", "-f", *options, *[str(self.folder / "plan.dxf")] * 4]
         begun = time.monotonic()
-        subprocess.run(command, check=True, stderr=subprocess.DEVNULL)
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.killed(command, longest=1.1 * (time.monotonic() - begun))
 
 
