@@ -203,7 +203,7 @@ void WindowFrontEnd::print(const QString &text)
 {
     if (text.isEmpty())
         return;
-    // Whoever answered ended the line by that.
+    // The answer ended the line.
     const bool startsLine = std::exchange(m_lineEnded, false) && !text.startsWith(u'\n');
     Q_EMIT printed(startsLine ? u'\n' + text : text);
 }

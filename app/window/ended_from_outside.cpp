@@ -42,7 +42,7 @@ EndedFromOutside::EndedFromOutside(std::function<bool()> leave) : m_leave(std::m
     action.sa_flags = SA_RESTART | SA_RESETHAND;
     for (const int signal : kSignals) {
         struct sigaction present = {};
-        // Whoever started the program may want a signal ignored (nohup).
+        // The program may have been started with a signal ignored (nohup).
         if (::sigaction(signal, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
             ::sigaction(signal, &action, nullptr);
     }

@@ -282,7 +282,7 @@ void MainWindow::activate(int place)
     });
 }
 
-/// Whoever is asked whether to save a drawing sees which one it is. A running command keeps its drawing.
+/// The user sees which drawing he is asked to save. A running command keeps its drawing.
 void MainWindow::showAskedAbout(AcApDocument *document)
 {
     if (document == curDoc() || !acedEditor()->activeCommands().isEmpty())

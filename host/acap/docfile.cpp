@@ -24,7 +24,7 @@ base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database
                                                           const base::Progress &progress,
                                                           const base::MayReplace &mayReplace)
 {
-    // The name is a promise to whoever opens the file next.
+    // The ending of the name promises a format to the next program.
     const DrawingFormat *const format = drawingFormatToSave(database, path);
     if (!format)
         return base::Failure{Host::tr("%1: the drawing came from no file that could be written").arg(path)};

@@ -290,7 +290,7 @@ base::Result<void, QString> AcApDocManager::maySave(AcApDocument &document, cons
     if (isOwn && document.m_fileLock.isHeld())
         return {};
     if (isOwn && m_locksFiles)
-        lockFile(document, AcApOpenAs::editable); // Whoever had it has left in the meantime.
+        lockFile(document, AcApOpenAs::editable); // The program that had it has left in the meantime.
     AcApFileLock &lock = isOwn && m_locksFiles ? document.m_fileLock : whileSaving;
     if (&lock == &whileSaving ? lock.acquire(target) == AcApFileLock::refused : document.isReadOnly())
         return base::Failure{editedBy(target, lock.holder())};
@@ -408,7 +408,7 @@ void AcApDocManager::closeDocument(AcApDocument *document)
                      [document](const auto &candidate) { return candidate.get() == document; });
     if (owner == m_documents.end() || m_isBusy)
         return;
-    // Whoever is told while the document goes may still look at it as the current one.
+    // Reactors that are told while the document goes may still look at it as the current one.
     const bool wasCurrent = document == m_current;
     if (wasCurrent) {
         acrxDynamicLinker()->broadcast(AcRx::kUnloadDwgMsg);
@@ -468,7 +468,7 @@ Acad::ErrorStatus AcApDocManager::lockDocument(AcApDocument *document, AcAp::Doc
         return Acad::eNoDocument;
     if (strength(mode) == 0)
         return Acad::eInvalidInput;
-    // An exclusive lock suffers no other beside it, whoever came first.
+    // An exclusive lock suffers no other beside it, in either order.
     const bool held = !document->m_locks.empty();
     if (held && (mode == AcAp::kXWrite || document->m_lockMode == AcAp::kXWrite))
         return Acad::eLockViolation;

@@ -159,8 +159,8 @@ public:
     virtual void documentActivated(AcApDocument *) {}
     virtual void documentToBeDeactivated(AcApDocument *) {}
     virtual void documentLockModeChanged(AcApDocument *) {}
-    /// Before the drawing is saved, and before it is asked whether it has changes: whoever holds what a user
-    /// has typed for it puts it in. Saving says so.
+    /// Before the drawing is saved, and before it is asked whether it has changes: panels store what a user
+    /// has typed for it. Saving says so.
     virtual void inputWanted(AcApDocument *, bool /*forSaving*/) {}
     /// Written under its own name.
     virtual void documentSaved(AcApDocument *) {}
@@ -195,7 +195,7 @@ public:
     AcApDocument *curDocument() const { return m_current; }
     const std::vector<std::unique_ptr<AcApDocument>> &documents() const { return m_documents; }
     AcApDocument *document(const AcDbDatabase *database) const;
-    /// The documents as they are now, for whoever may change the list.
+    /// A copy of the list, for callers that may change it.
     std::vector<AcApDocument *> allDocuments() const;
     /// For pointers that may have lost their document.
     bool isOpen(const AcApDocument *document) const;
@@ -219,8 +219,8 @@ public:
     AcApDocument *addDocument(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
     /// Saves under the document's name or under `path`, which becomes its name unless `copyOnly`. Refuses a
     /// file that somebody else has open for editing or is saving, and the document's own when somebody wrote
-    /// it since; the error says who and what. While it writes it holds the file's lock, whoever wished for
-    /// locks.
+    /// it since; the error says who and what. While it writes it holds the file's lock, also where
+    /// locks are not wanted.
     base::Result<AcApSaved, QString> saveDocument(AcApDocument *document, const QString &path,
                                                   bool copyOnly = false,
                                                   AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
@@ -239,7 +239,7 @@ public:
     const base::ProgressTeller::Listener &progress() const { return m_progress; }
     /// The last opening or saving ended because progress said no.
     bool wasStopped() const { return m_wasStopped; }
-    /// A drawing is being opened or saved; whoever is called from within must leave the documents alone.
+    /// A drawing is being opened or saved; reactors and callbacks must leave the documents alone.
     bool isBusy() const { return m_isBusy; }
 
     /// Closes without saving; while a drawing is being opened or saved it does nothing.

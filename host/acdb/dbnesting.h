@@ -1,4 +1,4 @@
-// AcDbNesting: the blocks that a walk stands in. Whoever goes from a block into the blocks that it shows asks
+// AcDbNesting: the blocks that a walk stands in. A walk that goes from a block into the blocks that it shows asks
 // here first, so that a block that contains itself, or a chain without end, ends the same way everywhere.
 #pragma once
 

@@ -255,7 +255,7 @@ Acad::ErrorStatus AcDbObject::subErase(bool)
     return Acad::eOk;
 }
 
-// What the host knows of an object travels with whoever owns the filer, so the base files nothing itself.
+// What the host knows of an object travels with the owner of the filer, so the base files nothing itself.
 Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler *filer)
 {
     assertWriteEnabled();

@@ -106,7 +106,7 @@ bool AcEdMenus::menuCommand(const QString &command)
     if (match.captured(3).isEmpty())
         std::erase_if(m_bar, atPlace);
     const auto behind = std::ranges::lower_bound(m_bar, place, {}, &BarEntry::place);
-    int next = place + 1; // Whoever stands in the way moves on by one.
+    int next = place + 1; // A menu that stands there moves on by one.
     for (auto entry = m_bar.insert(behind, {place, owner->name, popup}) + 1;
          entry != m_bar.end() && entry->place < next; ++entry)
         entry->place = next++;

@@ -151,7 +151,7 @@ int UserSelection::ask(std::optional<AcEdPicked> &picked)
     });
 }
 
-/// Filters have been applied by whoever found the entities.
+/// Filters were applied where the entities were found.
 void UserSelection::apply(const AcEdSelectionSet &found)
 {
     m_acted = true;

@@ -1,4 +1,4 @@
-// AcGiGeometry: where entities draw to. Whoever wants the geometry of entities (extents, a pick, the
+// AcGiGeometry: where entities draw to. Everything that wants the geometry of entities (extents, a pick, the
 // screen, a file) derives from it; what an entity looks like is written once.
 #pragma once
 
@@ -157,7 +157,7 @@ public:
     /// A sink that knows the block already returns true; otherwise its entities are drawn one by one.
     virtual bool blockReference(const acgi::BlockPlacement & /*reference*/) { return false; }
     /// Around the drawing of each entity, nested ones and attributes too. Sinks that show something take the
-    /// entity's traits up here and go back to those of whoever shows it.
+    /// entity's traits up here and go back to those of the insert that shows it.
     virtual void beginEntity(const AcDbEntity & /*entity*/) {}
     virtual void endEntity() {}
     /// What follows shows only inside the loops (even-odd), or only outside when `inverted`; clips nest.

@@ -64,7 +64,7 @@ struct Traits {
 
 } // namespace acgi
 
-/// The pen in the hand of whoever draws: set it, then draw. Each entity starts with its own traits.
+/// The pen that an entity draws with: set it, then draw. Each entity starts with its own traits.
 class AcGiSubEntityTraits
 {
 public:

@@ -226,7 +226,7 @@ static bool isUnknownFlag(int systemError)
     return systemError == EINVAL || systemError == ENOSYS || systemError == EOPNOTSUPP;
 }
 
-/// Keeps whoever clears up (removeLeftTemporaryFiles) from a file that has, for a moment, a temporary name.
+/// Keeps removeLeftTemporaryFiles() from a file that has, for a moment, a temporary name.
 class KeptFile
 {
 public:
@@ -313,7 +313,7 @@ Result<WrittenFile, FileError> AtomicFileWriter::commit(const MayReplace &mayRep
     discard();
     if (m_error)
         return Failure{*m_error};
-    // Such systems also give the file its time only now. Whoever has rewritten it already shows by the
+    // Such systems also give the file its time only now. A program that has rewritten it already shows by the
     // digest.
     written.stamp = fileStamp(decodePath(m_target)).value_or(FileStamp());
     if (stamp && (written.stamp.inode != stamp->inode || written.stamp.size != stamp->size))

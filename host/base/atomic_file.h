@@ -20,7 +20,7 @@ using MayReplace = std::function<bool(const QString &path)>;
 
 struct WrittenFile {
     FileStamp stamp;
-    std::uint64_t digest = 0; ///< contentDigest(); only for whoever gave a MayReplace.
+    std::uint64_t digest = 0; ///< contentDigest(); only for callers that gave a MayReplace.
     QStringList notKept;      ///< What the new file could not take over of the old one, in words for people.
 };
 
@@ -48,7 +48,7 @@ public:
     bool failed() const { return m_error.has_value(); }
 
     /// Everything written so far stands in the temporary file afterwards and is on its way to the disk. Gives
-    /// the file's path: whoever wants to look at the content before it counts reads it there.
+    /// the file's path: to look at the content before it counts, read it there.
     Result<QString, FileError> finishWriting();
 
     /// Flushes the file to the disk, renames it over the target, flushes the folder. Reports the first

@@ -43,7 +43,7 @@ private:
 
 enum class Pipes {
     refuse, ///< They have no end that could be counted on.
-    read,   ///< Waits for whoever writes into it.
+    read,   ///< Waits for the program that writes into it.
 };
 /// Refuses folders and devices.
 Result<FileBytes, FileError> readFileBytes(const QString &path, Pipes pipes = Pipes::refuse);

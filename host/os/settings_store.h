@@ -73,7 +73,7 @@ public:
     bool setEntries(const std::vector<Entry> &entries);
 
     enum class Type { number, text };
-    /// What the owner of a value says about it, so that whoever stores a typed word by name stores what the
+    /// What the owner of a value says about it, so that a typed word is stored by name as what the
     /// owner reads. A name with "%d" stands for the numbers first to last.
     struct Declaration {
         QString key;

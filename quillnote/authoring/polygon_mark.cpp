@@ -141,7 +141,7 @@ bool mergePolygonIntoLeaderMark(AcDbObjectId polygon, AcDbObjectId leaderMark)
         return false;
     takeOpinion(*kept, *dropped);
     settleMark(*kept, *kept->database());
-    // Whoever typed the opinion a moment ago need not give its password to see it moved.
+    // The opinion was typed a moment ago: no password is asked for to move it.
     dropped->chPwMD5.clear();
     dropped->erase();
     appendState().lastCreatedMark = polygon;

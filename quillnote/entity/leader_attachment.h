@@ -6,7 +6,7 @@
 
 /// Where leader slot 0 of a leader mark belongs, seen from a reference point on its text box. Nothing when
 /// the mark has no target outline or no used leader, or its polygon or spline lies beside the line to the
-/// reference point. Whoever sets the slot marks it used.
+/// reference point. The code that sets the slot marks it used.
 ///
 /// Rectangles offer twelve points of their sides, ellipses the middles of the sides around them; the nearest
 /// one is taken, the first one of equals. Polygons and splines offer the first point of the outline that is

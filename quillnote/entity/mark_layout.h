@@ -31,7 +31,7 @@ MarkView currentMarkView(const AcDbDatabase *database);
 
 /// Who the picture is for.
 enum class MarkPicture {
-    view,  ///< Whoever looks at the drawing in this program.
+    view,  ///< The screen of this program.
     proxy, ///< Programs that do not know marks: simpler outlines, and the number always.
 };
 
@@ -85,6 +85,6 @@ MarkLayout layOutMark(const QuillnoteObj3 &mark, const MarkDrawingSettings &sett
 
 /// Needs write access.
 void applyWriteBack(QuillnoteObj3 &mark, const MarkWriteBack &found);
-/// Lays the mark out as `database` is seen now and applies what that finds. Needs write access; whoever makes
-/// a mark or changes where it stands calls this before closing it.
+/// Lays the mark out as `database` is seen now and applies what that finds. Needs write access. To be
+/// called before a mark that was made or moved is closed.
 void settleMark(QuillnoteObj3 &mark, const AcDbDatabase &database);

@@ -1,7 +1,7 @@
 // QuillnoteObj3: the review mark, a custom entity that lives in the drawing. Everything the program
 // knows of a review stands in these records; there is no other database.
 //
-// Fields are public: whoever has the mark open for read reads them, whoever has it open for write
+// Fields are public: code that has the mark open for read reads them, code that has it open for write
 // changes them. The filed fields stand in the table of mark_fields.h, which files, dumps and compares.
 #pragma once
 

@@ -84,7 +84,7 @@ private:
 };
 
 /// Erases a mark for its newer state. A password that both have need not be given: nothing is changed that
-/// whoever wrote the newer state could not change.
+/// the author of the newer state could not change.
 static bool makeWay(AcDbObjectId id, const QString &passwordHash)
 {
     if (!id.isValid())

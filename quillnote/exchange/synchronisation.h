@@ -1,5 +1,5 @@
 // Synchronisation: while it is on, every change of a mark becomes a file in the synchronisation folder, which
-// whoever shares the folder reads with -QN3_DataFileIn. Moving the files is not the module's business.
+// the other members of the review read with -QN3_DataFileIn. Moving the files is not the module's business.
 #pragma once
 
 #include <QByteArray>

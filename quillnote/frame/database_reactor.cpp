@@ -34,7 +34,7 @@ static void giveOwnIdentity(const AcDbDatabase &database, QuillnoteObj3 &mark, M
 
 void QNK_DbReactor::objectAppended(const AcDbDatabase *database, const AcDbObject *object)
 {
-    // Whoever has an object open for notify may change it.
+    // A reactor that has an object open for notify may change it.
     auto *const mark = acrxCast<QuillnoteObj3>(const_cast<AcDbObject *>(object));
     if (!mark)
         return;

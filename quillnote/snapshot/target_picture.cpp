@@ -72,7 +72,7 @@ QImage spacePicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewpo
         options.leavesOut = isReviewMark;
     AcGiViewport seen = view;
     seen.paperSpace = space != database.modelSpaceId();
-    // Whoever takes a picture of a target also takes its fingerprint, which needs the index.
+    // A picture of a target goes with its fingerprint, which needs the index.
     constexpr int kWholeIndex = -1;
     acgi::spatialIndexOf(database).prepare(space, kWholeIndex);
     return acedPicture(database, space, seen, options);

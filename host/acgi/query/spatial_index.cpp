@@ -432,7 +432,7 @@ void SpatialIndex::noteChange(const AcDbObject &object)
     const AcDbObjectId block(m_database.stub(changed->owner));
     if (const auto known = m_spaces.find(block); known != m_spaces.end())
         known->second->noteChange(changed->index);
-    // Whoever shows that block looks different now; only blocks that were looked into are shown.
+    // Inserts of that block look different now; only blocks that were looked into are shown.
     if (m_blocks.knows(block)) {
         m_blocks.clear();
         m_spaces.clear();

@@ -19,7 +19,7 @@ bool isSwitchedOff(const AcDbEntity &entity);
 class Visibility
 {
 public:
-    /// Inside a block, layer 0 is the layer of whoever shows the block.
+    /// Inside a block, layer 0 is the layer of the insert that shows the block.
     bool isVisible(const AcDbEntity &entity, bool insideBlock = false);
     /// A layer that the drawing does not have is shown.
     bool layerShows(const AcDbDatabase &database, const QString &layer);

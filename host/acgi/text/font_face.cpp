@@ -124,7 +124,7 @@ QRawFont FreeTypeFace::installedFont(double pixelSize) const
 const QRawFont *FreeTypeFace::rawFont() const
 {
     if (!m_rawFont && qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-        constexpr double kPixelSize = 100.0; // Whoever paints scales it.
+        constexpr double kPixelSize = 100.0; // The painter scales it.
         // PDF files embed only faces whose file the window system knows. One that was read from a file
         // directly has no name there and comes out as outlines: right to look at, but not to be searched.
         m_rawFont = installedFont(kPixelSize);
