@@ -472,14 +472,19 @@ std::vector<AcDbObjectId> SpatialIndex::insideWindow(AcDbObjectId blockRecord, c
     return ids;
 }
 
-std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window)
+std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window,
+                                                       const std::function<void(AcDbObjectId)> &whileOpen)
 {
     std::vector<AcDbObjectId> ids;
     for (const Found &found : visibleNear(blockRecord, window)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool crosses = window.contains(found.box);
         if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
-            readEntity(id, [&](const AcDbEntity &e) { crosses = acgi::crosses(e, window, &m_blocks); });
+            readEntity(id, [&](const AcDbEntity &e) {
+                crosses = acgi::crosses(e, window, &m_blocks);
+                if (crosses && whileOpen)
+                    whileOpen(id);
+            });
         if (crosses)
             ids.push_back(id);
     }

@@ -5,6 +5,7 @@
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/region.h"
 
+#include <functional>
 #include <memory>
 
 namespace acgi
@@ -35,7 +36,9 @@ public:
     /// Entities that liesInside() and crosses() say yes to, as far as they are
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const Window &window);
-    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window);
+    /// `whileOpen` hears of those that had to be opened, while they are: looking into them costs less then.
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window,
+                                             const std::function<void(AcDbObjectId)> &whileOpen = {});
     /// At a point also what custom entities show beside their extents in the view on the screen, such as
     /// flags.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);

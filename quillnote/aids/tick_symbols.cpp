@@ -1,21 +1,57 @@
-#include "quillnote/exchange/tick_blocks.h"
+#include "quillnote/aids/tick_symbols.h"
 
+#include "quillnote/frame/settings/install_folder.h"
+
+#include "host/acap/docfile.h"
 #include "host/acdb/dbents.h"
+#include "host/acdb/dbinsert.h"
 #include "host/acdb/dbsymtb.h"
 
+#include <QFileInfo>
+
+#include <algorithm>
 #include <array>
+#include <memory>
 #include <numbers>
 
-static constexpr std::array kTickBlocks = std::to_array<QStringView>(
-    {u"QuillnoteYesRed", u"QuillnoteYesGreen", u"QuillnoteErrRed", u"QuillnoteQRed"});
+static constexpr std::array<QStringView, kTickSymbols> kTickBlocks{u"QuillnoteYesRed", u"QuillnoteYesGreen",
+                                                                   u"QuillnoteErrRed", u"QuillnoteQRed"};
 static constexpr QStringView kInsertClass = u"AcDbBlockReference";
 static constexpr double kDegrees = 180.0 / std::numbers::pi;
+
+QString tickBlock(TickSymbol symbol)
+{
+    return kTickBlocks[std::size_t(symbol)].toString();
+}
 
 bool isTickBlock(const QString &name)
 {
     return std::ranges::any_of(
         kTickBlocks, [&](QStringView tick) { return tick.compare(name, Qt::CaseInsensitive) == 0; });
 }
+
+// Any format that the program reads will do, under the same title.
+QString tickFile(const QString &block)
+{
+    const QString drawing = installedFile(block + QStringLiteral(".dwg"));
+    const QString text = installedFile(block + QStringLiteral(".dxf"));
+    return !QFileInfo(drawing).isFile() && QFileInfo(text).isFile() ? text : drawing;
+}
+
+ResbufList tickFilter()
+{
+    ResbufList filter{{-4, QStringLiteral("<or")}};
+    for (const QStringView block : kTickBlocks) {
+        filter.emplace_back(-4, QStringLiteral("<and"));
+        filter.emplace_back(0, QStringLiteral("INSERT"));
+        filter.emplace_back(2, block.toString());
+        filter.emplace_back(-4, QStringLiteral("and>"));
+    }
+    filter.emplace_back(-4, QStringLiteral("or>"));
+    return filter;
+}
+
+// Of a drawing -----------------------------------------------------------------------------------------------
 
 static double realOf(const ResbufList &groups, int code, double fallback)
 {
@@ -39,9 +75,9 @@ static TickRecord tickOf(const AcDbBlockReference &insert)
     return tick;
 }
 
-std::vector<TickRecord> ticksOf(const AcDbDatabase &database)
+std::vector<AcDbObjectId> findTicks(const AcDbDatabase &database)
 {
-    std::vector<TickRecord> ticks;
+    std::vector<AcDbObjectId> ticks;
     const AcDbKind insertKind = acdbKind("INSERT");
     for (const AcDbObjectId layout : acdbLayoutBlocks(database)) {
         for (const std::uint32_t index : database.blockContents(layout)->entities) {
@@ -50,15 +86,44 @@ std::vector<TickRecord> ticksOf(const AcDbDatabase &database)
                 continue;
             const AcDbObjectPointer<AcDbBlockReference> insert(AcDbObjectId(stub), AcDb::kForRead);
             if (insert && isTickBlock(insert->blockName()))
-                ticks.push_back(tickOf(*insert));
+                ticks.emplace_back(stub);
         }
     }
     return ticks;
 }
 
+std::vector<TickRecord> ticksOf(const AcDbDatabase &database)
+{
+    std::vector<TickRecord> ticks;
+    for (const AcDbObjectId id : findTicks(database)) {
+        if (const AcDbObjectPointer<AcDbBlockReference> insert(id, AcDb::kForRead); insert)
+            ticks.push_back(tickOf(*insert));
+    }
+    return ticks;
+}
+
+void eraseTicks(const std::vector<AcDbObjectId> &ticks)
+{
+    for (const AcDbObjectId id : ticks) {
+        if (const AcDbObjectPointer<AcDbEntity> tick(id, AcDb::kForWrite); tick)
+            tick->erase();
+    }
+}
+
+static bool hasBlock(AcDbDatabase &database, const QString &block)
+{
+    if (database.tableRecord(SymbolTable::block, block).isValid())
+        return true;
+    const QString file = tickFile(block);
+    if (!QFileInfo(file).isFile())
+        return false;
+    const auto symbol = acapReadDrawing(file);
+    return symbol && acdbInsertDrawing(database, QFileInfo(file).completeBaseName(), **symbol).block.isValid();
+}
+
 AcDbObjectId insertTick(AcDbDatabase &database, const TickRecord &tick)
 {
-    if (!database.tableRecord(SymbolTable::block, tick.block).isValid())
+    if (!isTickBlock(tick.block) || !hasBlock(database, tick.block))
         return {};
     const AcGePoint3d inPlane = AcGeMatrix3d::planeToWorld(tick.normal).inverse() * tick.position;
     std::unique_ptr<AcDbEntity> insert =
