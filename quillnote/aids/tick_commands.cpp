@@ -19,6 +19,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <vector>
 
 static constexpr int kDefaultHeight = 100;
 
@@ -165,22 +167,12 @@ void QN3_TickErase()
         eraseTicks(ticks);
 }
 
-static void multiplyScale(AcDbEntity &insert, double factor)
-{
-    constexpr QStringView kClass = u"AcDbBlockReference";
-    for (const int code : {41, 42, 43}) {
-        const ResbufList &groups = insert.groups();
-        const resbuf *const scale = findGroup(groups, code, subclassBegin(groups, kClass));
-        insert.setGroup(code, (scale ? scale->real() : 1.0) * factor, kClass);
-    }
-}
-
 static void resizeAll(double factor)
 {
     AcDbDatabase &database = *acdbCurDwg();
     for (const AcDbObjectId id : findTicks(database)) {
         if (const AcDbObjectPointer<AcDbEntity> tick(id, AcDb::kForWrite); tick)
-            multiplyScale(*tick, factor);
+            multiplyTickScale(*tick, factor);
     }
     markDrawingState().flagScale *= factor;
     acgi::displayOf(database).regenerate();

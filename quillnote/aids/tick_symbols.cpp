@@ -53,17 +53,31 @@ ResbufList tickFilter()
 
 // Of a drawing -----------------------------------------------------------------------------------------------
 
+/// Drawings of R12 have no subclasses.
+static std::size_t ownBegin(const ResbufList &groups)
+{
+    const std::size_t begin = subclassBegin(groups, kInsertClass);
+    return begin == groups.size() ? 0 : begin;
+}
+
 static double realOf(const ResbufList &groups, int code, double fallback)
 {
-    const resbuf *const group = findGroup(groups, code, subclassBegin(groups, kInsertClass));
+    const resbuf *const group = findGroup(groups, code, ownBegin(groups));
     return group ? group->real() : fallback;
+}
+
+void multiplyTickScale(AcDbEntity &tick, double factor)
+{
+    const bool hasSubclass = ownBegin(tick.groups()) > 0;
+    for (const int code : {41, 42, 43})
+        tick.setGroup(code, realOf(tick.groups(), code, 1.0) * factor, hasSubclass ? kInsertClass : QStringView());
 }
 
 // In the file an insert's point counts in the plane of its normal.
 static TickRecord tickOf(const AcDbBlockReference &insert)
 {
     const ResbufList &groups = insert.groups();
-    const std::size_t begin = subclassBegin(groups, kInsertClass);
+    const std::size_t begin = ownBegin(groups);
     TickRecord tick;
     tick.block = insert.blockName();
     if (const resbuf *const normal = findGroup(groups, 210, begin))
@@ -135,6 +149,8 @@ AcDbObjectId insertTick(AcDbDatabase &database, const TickRecord &tick)
                                  {43, tick.scale.z},
                                  {50, tick.rotation * kDegrees},
                                  {210, AcGePoint3d(tick.normal.x, tick.normal.y, tick.normal.z)}});
+    if (database.version() <= DrawingVersion::r12)
+        std::erase_if(insert->editGroups(), [](const resbuf &group) { return group.restype == 100; });
     AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
     AcDbObjectId id;
     if (!space || space->appendAcDbEntity(id, insert.get()) != Acad::eOk)

@@ -10,11 +10,12 @@
 #include <vector>
 
 class AcDbDatabase;
+class AcDbEntity;
 
 /// A symbol as an insert of its block; the scale is in drawing units, a symbol of scale 1 is 1 unit high.
 struct TickRecord {
     QString block;
-    AcGePoint3d position; ///< World.
+    AcGePoint3d position{}; ///< World.
     AcGeVector3d normal{0, 0, 1};
     double rotation = 0; ///< Radians.
     AcGeVector3d scale{1, 1, 1};
@@ -34,6 +35,8 @@ ResbufList tickFilter();
 /// The tick symbols of model space and the layouts.
 std::vector<AcDbObjectId> findTicks(const AcDbDatabase &database);
 std::vector<TickRecord> ticksOf(const AcDbDatabase &database);
+/// Of one that is open for write; it stays where it is.
+void multiplyTickScale(AcDbEntity &tick, double factor);
 /// Those that can be written.
 void eraseTicks(const std::vector<AcDbObjectId> &ticks);
 

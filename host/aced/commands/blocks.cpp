@@ -400,7 +400,10 @@ static void insertReference(AcDbObjectId block, const Placement &placement, doub
         if (const AcDbObjectPointer<AcDbEntity> open(id, AcDb::kForWrite); open)
             open->transformBy(matrix);
     }
-    addPart(acdbNewEntity("SEQEND", {}), insert);
+    auto end = acdbNewEntity("SEQEND", {});
+    if (insert.database()->version() <= DrawingVersion::r12)
+        std::erase_if(end->editGroups(), [](const resbuf &group) { return group.restype == 100; });
+    addPart(std::move(end), insert);
 }
 
 static void insert()
