@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 
 namespace bench
 {
@@ -26,6 +27,15 @@ double seconds(Work work)
     const Stopwatch since;
     work();
     return since.seconds();
+}
+
+/// Of the processor, all threads: what a busy machine says nothing about.
+template <class Work>
+double processorSeconds(Work work)
+{
+    const std::clock_t begin = std::clock();
+    work();
+    return double(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
 /// The fastest of several runs: what the machine can do when nothing disturbs it.

@@ -66,11 +66,14 @@ Acad::ErrorStatus AcDbSymbolTable::addLike(const QString &model, const QString &
     ResbufList groups = modelGroups(m_database, modelId);
     if (resbuf *const known = findGroup(groups, 2))
         known->assign(name);
-    return addRecord(std::move(groups), added);
+    return add(std::move(groups), added);
 }
 
-Acad::ErrorStatus AcDbSymbolTable::addRecord(ResbufList groups, AcDbObjectId &added)
+Acad::ErrorStatus AcDbSymbolTable::add(ResbufList groups, AcDbObjectId &added)
 {
+    const resbuf *const name = findGroup(groups, 2);
+    if (!name || has(name->text()))
+        return name ? Acad::eDuplicateKey : Acad::eInvalidInput;
     const AcDbKind kind = m_database.kindNamed(groups.front().text().toLatin1());
     auto *const record = static_cast<AcDbObject *>(acdbKindClass(kind, false)->create());
     record->editGroups() = std::move(groups);
@@ -94,14 +97,14 @@ AcDbObjectId AcDbSymbolTable::ensureApplicationId(AcDbDatabase &database, const 
     groups.emplace_back(2, name);
     groups.emplace_back(70, std::int64_t(0));
     AcDbObjectId added;
-    if (table.addRecord(std::move(groups), added) == Acad::eOk)
+    if (table.add(std::move(groups), added) == Acad::eOk)
         added.stub()->object->close();
     return added;
 }
 
 static constexpr QStringView kAnonymous = u"*U";
 
-AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(database)
+AcDbNewBlocks::AcDbNewBlocks(AcDbDatabase &database) : m_database(database)
 {
     // Erased ones count too: undo may bring them back.
     for (const std::uint32_t index : database.tableRecords(SymbolTable::block)) {
@@ -119,23 +122,34 @@ AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(da
         layout->assign(AcDbHandle{0});
 }
 
-AcDbObjectId AcDbAnonymousBlocks::add(const AcGePoint3d &origin)
+AcDbObjectId AcDbNewBlocks::addAnonymous(const AcGePoint3d &origin)
+{
+    constexpr std::int64_t kIsAnonymous = 1;
+    const AcDbObjectId record = make(kAnonymous.toString() + QString::number(m_next), kIsAnonymous, origin);
+    if (!record.isNull())
+        ++m_next;
+    return record;
+}
+
+AcDbObjectId AcDbNewBlocks::add(const QString &name, const AcGePoint3d &origin)
+{
+    return make(name, 0, origin);
+}
+
+AcDbObjectId AcDbNewBlocks::make(const QString &text, std::int64_t flags, const AcGePoint3d &origin)
 {
     resbuf *const name = findGroup(m_model, 2);
     if (!name)
         return {};
-    const QString text = kAnonymous.toString() + QString::number(m_next);
     name->assign(text);
     AcDbObjectId record;
     AcDbSymbolTable table(m_database, SymbolTable::block);
-    if (table.addRecord(m_model, record) != Acad::eOk)
+    if (table.add(m_model, record) != Acad::eOk)
         return {};
-    ++m_next;
-    constexpr std::int64_t kIsAnonymous = 1;
     AcDbObjectId begin;
     AcDbEntity *const block = acdbNewEntity("BLOCK", {{100, QStringLiteral("AcDbBlockBegin")},
                                                       {2, text},
-                                                      {70, kIsAnonymous},
+                                                      {70, flags},
                                                       {10, origin},
                                                       {3, text},
                                                       {1, QString()}})

@@ -26,28 +26,31 @@ public:
     /// A new record like the record `model` (an existing name, as "0" for layers) under another name;
     /// open for write. eDuplicateKey when the name exists, eKeyNotFound without the model.
     Acad::ErrorStatus addLike(const QString &model, const QString &name, AcDbObjectId &added);
+    /// A new record of these groups, which are those of this drawing's version; open for write. eDuplicateKey
+    /// when the name exists.
+    Acad::ErrorStatus add(ResbufList groups, AcDbObjectId &added);
     /// A new application id record; the existing one when the name is there.
     static AcDbObjectId ensureApplicationId(AcDbDatabase &database, const QString &name);
 
 private:
-    friend class AcDbAnonymousBlocks;
-
-    Acad::ErrorStatus addRecord(ResbufList groups, AcDbObjectId &added);
-
     AcDbDatabase &m_database;
     SymbolTable m_kind;
 };
 
-/// Makes anonymous blocks "*U1", "*U2" ..., numbered behind those that the drawing has. Looks at the block
-/// table once: one of these for a whole run of new blocks.
-class AcDbAnonymousBlocks
+/// Makes blocks: anonymous ones "*U1", "*U2" ..., numbered behind those that the drawing has, and others. Looks
+/// at the block table once: one of these for a whole run of new blocks.
+class AcDbNewBlocks
 {
 public:
-    explicit AcDbAnonymousBlocks(AcDbDatabase &database);
+    explicit AcDbNewBlocks(AcDbDatabase &database);
     /// An empty block record, open for write; null when the drawing has no block table to speak of.
-    AcDbObjectId add(const AcGePoint3d &origin);
+    AcDbObjectId addAnonymous(const AcGePoint3d &origin);
+    /// The same under a name that no block has; null for one that is there.
+    AcDbObjectId add(const QString &name, const AcGePoint3d &origin);
 
 private:
+    AcDbObjectId make(const QString &name, std::int64_t flags, const AcGePoint3d &origin);
+
     AcDbDatabase &m_database;
     ResbufList m_model;       ///< What this file version expects of a block record.
     std::uint64_t m_next = 1; ///< Files may hold any number; behind the largest of all comes none.

@@ -134,6 +134,8 @@ constexpr AcEdVariable kVariables[] = {
     headerReal("ANGBASE", 0, -kEndless, 50),
     headerInteger("ANGDIR", 0, 0, 1),
     headerInteger("INSUNITS", 0, 0, 24),
+    settingsInteger("INSUNITSDEFSOURCE", 4, 0, 24),
+    settingsInteger("INSUNITSDEFTARGET", 4, 0, 24),
     headerInteger("MEASUREMENT", 1, 0, 1),
 
     // Current properties

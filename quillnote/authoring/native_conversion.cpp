@@ -96,7 +96,7 @@ private:
     bool insert(const QuillnoteObj3 &mark, const QString &blockName);
 
     AcDbDatabase &m_database;
-    AcDbAnonymousBlocks m_blocks;
+    AcDbNewBlocks m_blocks;
     ConversionStyles m_styles;
     MarkDrawingSettings m_settings;
     MarkView m_view;
@@ -121,7 +121,7 @@ bool Converter::convert(const QuillnoteObj3 &mark)
 {
     NativeEntityBuilder builder(mark, m_database.version(), m_styles.styles());
     buildNativeEntities(layOut(mark), builder);
-    const AcDbObjectId record = m_blocks.add(mark.targetCorner1);
+    const AcDbObjectId record = m_blocks.addAnonymous(mark.targetCorner1);
     if (record.isNull())
         return false;
     AcDbObjectPointer<AcDbBlockTableRecord> block(static_cast<AcDbBlockTableRecord *>(record.stub()->object));

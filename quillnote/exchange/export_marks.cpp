@@ -3,7 +3,7 @@
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_fields.h"
 #include "quillnote/exchange/exchange_files.h"
-#include "quillnote/exchange/tick_blocks.h"
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/reports/report_path.h"
 
 #include "host/acap/docman.h"

@@ -8,7 +8,7 @@
 #include "quillnote/entity/password.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/synchronisation.h"
-#include "quillnote/exchange/tick_blocks.h"
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/snapshot/zoom_to_area.h"
 
 #include "host/acap/docman.h"
@@ -158,7 +158,7 @@ ImportedMarks importMarkData(AcDbDatabase &database, MarkData data)
     for (MarkDataRecord &record : data.marks)
         import.take(record, imported);
     for (const TickRecord &tick : data.ticks) {
-        if (isTickBlock(tick.block) && !insertTick(database, tick).isNull())
+        if (!insertTick(database, tick).isNull())
             ++imported.ticks;
         else
             ++imported.missingTicks;

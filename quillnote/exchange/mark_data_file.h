@@ -3,6 +3,7 @@
 // export_marks.h. docs/formats/mark-data-file.md describes the bytes.
 #pragma once
 
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/entity/mark_record.h"
 
 #include <QStringList>
@@ -18,15 +19,6 @@ struct MarkDataRecord {
     std::unique_ptr<QuillnoteObj3> mark;
     AcDbHandle handle; ///< In the drawing that it came from.
     AcDbHandle owner;  ///< The layout's block record there.
-};
-
-/// A tick symbol: an insert of one of the tick blocks.
-struct TickRecord {
-    QString block;
-    AcGePoint3d position;
-    AcGeVector3d normal = AcGeVector3d::kZAxis;
-    double rotation = 0.0; ///< Radians.
-    AcGeVector3d scale{1.0, 1.0, 1.0};
 };
 
 struct MarkData {

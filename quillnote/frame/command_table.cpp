@@ -1,5 +1,6 @@
 #include "quillnote/frame/command_table.h"
 
+#include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
 #include "quillnote/authoring/edit_mark.h"
 #include "quillnote/authoring/flag_refresh.h"
@@ -62,11 +63,11 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_addAleadLine", "addAleadLine", kModal, kNotRecorded, QN3_addAleadLine},
     {"QN3_EasyDraw", "QN3_EASY", kModal, kAsNamed, QN3_EasyDraw},
     {"QN3_QNeditMark", "QN3_Edit", kModal, kAsNamed, QN3_QNeditMark},
-    {"QN3_YesOrErrTick", "QN3_Yes", kModal, kAsNamed, nullptr},
-    {"QN3_TickErase", "QN3_TickErase", kModal, kAsNamed, nullptr},
-    {"QN3_TickBIG", "QN3_TickBIG", kModal, kAsNamed, nullptr},
-    {"QN3_TickSmall", "QN3_TickSmall", kModal, kAsNamed, nullptr},
-    {"QN3_TickHeight", "QN3_TickHeight", kModal, kAsNamed, nullptr},
+    {"QN3_YesOrErrTick", "QN3_Yes", kModal, kAsNamed, QN3_YesOrErrTick},
+    {"QN3_TickErase", "QN3_TickErase", kModal, kAsNamed, QN3_TickErase},
+    {"QN3_TickBIG", "QN3_TickBIG", kModal, kAsNamed, QN3_TickBIG},
+    {"QN3_TickSmall", "QN3_TickSmall", kModal, kAsNamed, QN3_TickSmall},
+    {"QN3_TickHeight", "QN3_TickHeight", kModal, kAsNamed, QN3_TickHeight},
     {"QN3_QuillnoteOutput", "QN3_QuillnoteOutput", kModal, kAsNamed, QN3_outputHtml},
     {"QN3_QuillnoteOutputTxt", "QN3_txt", kModal, kAsNamed, QN3_QuillnoteOutputTxt},
     {"QN3_QuillnoteOutput2", "QN3_QuillnoteOutput2", kModal, kAsNamed, QN3_outputHtmlWithNoPng},

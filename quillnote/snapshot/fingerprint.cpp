@@ -122,10 +122,10 @@ bool isReviewMark(AcDbObjectId entity)
     return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
 }
 
-std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
-                                         const acgi::Window &window)
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const acgi::Window &window,
+                                         const std::function<void(AcDbObjectId)> &whileOpen)
 {
-    std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window);
+    std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window, whileOpen);
     std::erase_if(ids, isReviewMark);
     std::ranges::sort(ids, std::greater(), [](AcDbObjectId id) { return id.stub()->index; });
     return ids;
@@ -146,7 +146,11 @@ std::uint32_t FingerprintTaker::sumOf(AcDbObjectId entity)
 TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const acgi::Window &window)
 {
     TargetFingerprint fingerprint;
-    fingerprint.ids = targetEntities(m_database, space, window);
+    const auto takeSum = [this](AcDbObjectId id) {
+        if (!isReviewMark(id))
+            sumOf(id);
+    };
+    fingerprint.ids = targetEntities(m_database, space, window, takeSum);
     if (fingerprint.ids.empty())
         return fingerprint;
     std::uint32_t sum = 0; // Wraps.

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -35,8 +36,10 @@ acgi::Window targetWindow(const QuillnoteObj3 &mark);
 
 /// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or
 /// not.
+/// `whileOpen` is that of acgi::SpatialIndex::crossingWindow().
 std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
-                                         const acgi::Window &window);
+                                         const acgi::Window &window,
+                                         const std::function<void(AcDbObjectId)> &whileOpen = {});
 
 /// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share
 /// is read once.

@@ -30,7 +30,8 @@ KILLS = 12
 
 
 def marked(folder):
-    marks = "".join(program.mark_script(900 * i, 500, 800, 600, f"第 {i} 处 <b>") for i in range(8))
+    texts = [f"第 {i} 处 <b>" for i in range(7)] + ["长" * 65536]
+    marks = "".join(program.mark_script(900 * i, 500, 800, 600, text) for i, text in enumerate(texts))
     program.play(marks, ROOT / "samples" / "plan.dxf", folder / "plan.dxf")
 
 

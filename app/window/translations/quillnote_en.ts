@@ -4,6 +4,92 @@
 <context>
     <name>Host</name>
     <message>
+        <source>
+输入块名或 [?]: </source>
+        <translation>
+Enter block name or [?]: </translation>
+    </message>
+    <message>
+        <source>
+输入块名或 [?] &lt;%1&gt;: </source>
+        <translation>
+Enter block name or [?] &lt;%1&gt;: </translation>
+    </message>
+    <message>
+        <source>没有找到文件 %1。</source>
+        <translation>The file %1 was not found.</translation>
+    </message>
+    <message>
+        <source>不能插入: %1</source>
+        <translation>Cannot insert: %1</translation>
+    </message>
+    <message>
+        <source>块 %1 会包含它自己。</source>
+        <translation>The block %1 would contain itself.</translation>
+    </message>
+    <message>
+        <source>不能定义块 %1。</source>
+        <translation>The block %1 cannot be defined.</translation>
+    </message>
+    <message>
+        <source>
+%1 个对象属于本图没有的类，未插入。</source>
+        <translation>
+%1 objects are of classes that this drawing lacks and were not inserted.</translation>
+    </message>
+    <message>
+        <source>%1 不是块名。</source>
+        <translation>%1 is no name for a block.</translation>
+    </message>
+    <message>
+        <source>
+块 %1 已存在。重新定义它吗?</source>
+        <translation>
+The block %1 exists. Redefine it?</translation>
+    </message>
+    <message>
+        <source>
+指定比例因子 &lt;1&gt;: </source>
+        <translation>
+Specify scale factor &lt;1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入 X 比例因子或 [XYZ(XYZ)] &lt;1&gt;: </source>
+        <translation>
+Enter X scale factor or [XYZ] &lt;1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入 X 比例因子 &lt;1&gt;: </source>
+        <translation>
+Enter X scale factor &lt;1&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入 Y 比例因子或 &lt;使用 X 比例因子&gt;: </source>
+        <translation>
+Enter Y scale factor or &lt;use X scale factor&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入 Z 比例因子或 &lt;使用 X 比例因子&gt;: </source>
+        <translation>
+Enter Z scale factor or &lt;use X scale factor&gt;: </translation>
+    </message>
+    <message>
+        <source>
+指定插入点: </source>
+        <translation>
+Specify insertion point: </translation>
+    </message>
+    <message>
+        <source>
+指定旋转角度 &lt;0&gt;: </source>
+        <translation>
+Specify rotation angle &lt;0&gt;: </translation>
+    </message>
+    <message>
         <source>正在打开 %1</source>
         <translation>Opening %1</translation>
     </message>

@@ -22,6 +22,7 @@ std::span<const Entry> viewCommands();
 std::span<const Entry> coordinateCommands(); ///< UCS, PLAN.
 std::span<const Entry> layerCommands();
 std::span<const Entry> drawCommands();
+std::span<const Entry> blockCommands(); ///< INSERT.
 std::span<const Entry> inquiryCommands();
 std::span<const Entry> menuCommands();
 std::span<const Entry> plotCommands();

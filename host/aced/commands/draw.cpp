@@ -10,59 +10,11 @@
 namespace hostcommands
 {
 
-static void takeCurrentProperties(AcDbEntity &entity, const AcDbDatabase &database)
-{
-    entity.setLayer(acedTextVar(QStringLiteral("CLAYER"), QStringLiteral("0")));
-    const QString linetype = database.headerText("$CELTYPE", QStringLiteral("BYLAYER"));
-    if (linetype.compare(QLatin1String("BYLAYER"), Qt::CaseInsensitive) != 0)
-        entity.setLinetype(linetype);
-    const int color = int(database.headerInteger("$CECOLOR", 256));
-    if (color != 256)
-        entity.setColorIndex(color);
-    const double scale = database.headerReal("$CELTSCALE", 1.0);
-    if (scale != 1.0)
-        entity.setLinetypeScale(scale);
-}
-
-/// Makes the entity with the current layer, colour and linetype in the current space; null when refused.
-static AcDbObjectId draw(const QByteArray &dxfName, ResbufList ownGroups)
-{
-    AcDbDatabase &database = *acdbCurDwg();
-    auto entity = acdbNewEntity(dxfName, std::move(ownGroups));
-    takeCurrentProperties(*entity, database);
-    if (database.version() <= DrawingVersion::r12)
-        std::erase_if(entity->editGroups(), [](const resbuf &group) { return group.restype == 100; });
-
-    AcDbObjectId added;
-    AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
-    const Acad::ErrorStatus status =
-        space ? space->appendAcDbEntity(added, entity.get()) : space.openStatus();
-    if (status != Acad::eOk) {
-        acedRefuse(Host::tr("不能绘制: %1").arg(reasonText(status)));
-        return {};
-    }
-    AcDbObjectPointer<AcDbEntity>(entity.release()).close();
-    return added;
-}
-
-/// Plane figures carry coordinates of their own plane: that of the current UCS.
-static AcGePoint3d inPlane(const AcGePoint3d &ucsPoint)
-{
-    return AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * toWorld(ucsPoint);
-}
-
-static void appendNormal(ResbufList &groups)
-{
-    const AcGeVector3d normal = ucsNormal();
-    if (!(normal - AcGeVector3d::kZAxis).isZeroLength())
-        groups.emplace_back(210, AcGePoint3d(normal.x, normal.y, normal.z));
-}
-
 // LINE -------------------------------------------------------------------------------------------------
 
 static AcDbObjectId drawLine(const AcGePoint3d &from, const AcGePoint3d &to)
 {
-    return draw("LINE", {{100, QStringLiteral("AcDbLine")}, {10, toWorld(from)}, {11, toWorld(to)}});
+    return drawEntity("LINE", {{100, QStringLiteral("AcDbLine")}, {10, toWorld(from)}, {11, toWorld(to)}});
 }
 
 static void eraseEntity(AcDbObjectId id)
@@ -130,25 +82,16 @@ static void circle()
         return;
     ResbufList groups{{100, QStringLiteral("AcDbCircle")}, {10, inPlane(*centre)}, {40, *radius}};
     appendNormal(groups);
-    draw("CIRCLE", std::move(groups));
+    drawEntity("CIRCLE", std::move(groups));
 }
 
 static void point()
 {
     if (const auto place = askPoint(nullptr, Host::tr("\n指定点: ")))
-        draw("POINT", {{100, QStringLiteral("AcDbPoint")}, {10, toWorld(*place)}});
+        drawEntity("POINT", {{100, QStringLiteral("AcDbPoint")}, {10, toWorld(*place)}});
 }
 
 // TEXT -------------------------------------------------------------------------------------------------
-
-/// Angle of the direction in the figure's own plane, degrees.
-static double rotationInPlane(double angle)
-{
-    const AcGeVector3d direction = toWorld(AcGeVector3d(std::cos(angle), std::sin(angle), 0.0));
-    const AcGeVector3d flat = AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * direction;
-    const double degrees = std::atan2(flat.y, flat.x) * 180.0 / kGePi;
-    return degrees < 0.0 ? degrees + 360.0 : degrees;
-}
 
 static void drawText(const AcGePoint3d &start, double height, double angle, const QString &text)
 {
@@ -159,7 +102,7 @@ static void drawText(const AcGePoint3d &start, double height, double angle, cons
     groups.emplace_back(7, acdbCurDwg()->headerText("$TEXTSTYLE", QStringLiteral("STANDARD")));
     appendNormal(groups);
     groups.emplace_back(100, QStringLiteral("AcDbText"));
-    draw("TEXT", std::move(groups));
+    drawEntity("TEXT", std::move(groups));
 }
 
 static void text()

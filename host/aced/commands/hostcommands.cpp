@@ -14,12 +14,13 @@ using namespace hostcommands;
 static const QString kGroup = QStringLiteral("HOST");
 
 /// Short names as people type them.
-static constexpr std::array<std::pair<const char *, const char *>, 25> kAliases{{
+static constexpr std::array<std::pair<const char *, const char *>, 26> kAliases{{
     {"L", "LINE"},    {"C", "CIRCLE"}, {"PO", "POINT"},     {"DT", "TEXT"},    {"E", "ERASE"},
     {"M", "MOVE"},    {"CO", "COPY"},  {"CP", "COPY"},      {"RO", "ROTATE"},  {"SC", "SCALE"},
     {"MI", "MIRROR"}, {"Z", "ZOOM"},   {"P", "PAN"},        {"RE", "REGEN"},   {"LA", "LAYER"},
     {"DV", "DVIEW"},  {"LI", "LIST"},  {"LS", "LIST"},      {"DI", "DIST"},    {"MS", "MSPACE"},
     {"PS", "PSPACE"}, {"V", "VIEW"},   {"REA", "REGENALL"}, {"TO", "TOOLBAR"}, {"AP", "APPLOAD"},
+    {"I", "INSERT"},
 }};
 
 /// An alias is the same command under another local name, in a group of its own: what reactors hear is the
@@ -47,7 +48,7 @@ void acedRegisterHostCommands()
     acDocManager()->setProgress(
         [](const QString &what, double share) { return acedFrontEnd().progress(what, share); });
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(),   viewCommands(),
-                            coordinateCommands(), layerCommands(), drawCommands(),   inquiryCommands(),
+                            coordinateCommands(), layerCommands(), drawCommands(),   blockCommands(), inquiryCommands(),
                             menuCommands(),       plotCommands(),  layoutCommands(), gripCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {

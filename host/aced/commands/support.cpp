@@ -5,10 +5,12 @@
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edprompt.h"
+#include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 #include "host/base/host_text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace hostcommands
@@ -122,6 +124,62 @@ AcGeVector3d toWorld(const AcGeVector3d &vector)
 AcGeVector3d ucsNormal()
 {
     return toWorld(AcGeVector3d::kZAxis).normal();
+}
+
+// Drawing ----------------------------------------------------------------------------------------------
+
+static void takeCurrentProperties(AcDbEntity &entity, const AcDbDatabase &database)
+{
+    entity.setLayer(acedTextVar(QStringLiteral("CLAYER"), QStringLiteral("0")));
+    const QString linetype = database.headerText("$CELTYPE", QStringLiteral("BYLAYER"));
+    if (linetype.compare(QLatin1String("BYLAYER"), Qt::CaseInsensitive) != 0)
+        entity.setLinetype(linetype);
+    const int color = int(database.headerInteger("$CECOLOR", 256));
+    if (color != 256)
+        entity.setColorIndex(color);
+    const double scale = database.headerReal("$CELTSCALE", 1.0);
+    if (scale != 1.0)
+        entity.setLinetypeScale(scale);
+}
+
+AcDbObjectId drawEntity(const QByteArray &dxfName, ResbufList ownGroups)
+{
+    AcDbDatabase &database = *acdbCurDwg();
+    auto entity = acdbNewEntity(dxfName, std::move(ownGroups));
+    takeCurrentProperties(*entity, database);
+    if (database.version() <= DrawingVersion::r12)
+        std::erase_if(entity->editGroups(), [](const resbuf &group) { return group.restype == 100; });
+
+    AcDbObjectId added;
+    AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
+    const Acad::ErrorStatus status =
+        space ? space->appendAcDbEntity(added, entity.get()) : space.openStatus();
+    if (status != Acad::eOk) {
+        acedRefuse(Host::tr("不能绘制: %1").arg(reasonText(status)));
+        return {};
+    }
+    AcDbObjectPointer<AcDbEntity>(entity.release()).close();
+    return added;
+}
+
+AcGePoint3d inPlane(const AcGePoint3d &ucsPoint)
+{
+    return AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * toWorld(ucsPoint);
+}
+
+void appendNormal(ResbufList &groups)
+{
+    const AcGeVector3d normal = ucsNormal();
+    if (!(normal - AcGeVector3d::kZAxis).isZeroLength())
+        groups.emplace_back(210, AcGePoint3d(normal.x, normal.y, normal.z));
+}
+
+double rotationInPlane(double angle)
+{
+    const AcGeVector3d direction = toWorld(AcGeVector3d(std::cos(angle), std::sin(angle), 0.0));
+    const AcGeVector3d flat = AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * direction;
+    const double degrees = std::atan2(flat.y, flat.x) * 180.0 / kGePi;
+    return degrees < 0.0 ? degrees + 360.0 : degrees;
 }
 
 void fitIntoView(AcApDocument &document, AcDbExtents box)

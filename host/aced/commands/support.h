@@ -18,6 +18,7 @@ struct DocumentMemory {
     bool groupOpen = false;             ///< UNDO Begin without its End.
     std::vector<AcApUcs> earlierUcs;
     std::vector<AcDbObjectId> lastErased; ///< For OOPS.
+    QString lastInserted;                 ///< Name of a block.
 
     static DocumentMemory &of(AcApDocument *document);
 };
@@ -40,6 +41,17 @@ AcGePoint3d toWorld(const AcGePoint3d &point);
 AcGeVector3d toWorld(const AcGeVector3d &vector);
 /// The current UCS's Z axis in world coordinates.
 AcGeVector3d ucsNormal();
+
+// Drawing ----------------------------------------------------------------------------------------------
+
+/// Makes the entity with the current layer, colour and linetype in the current space; null when refused.
+AcDbObjectId drawEntity(const QByteArray &dxfName, ResbufList ownGroups);
+/// Plane figures carry coordinates of their own plane: that of the current UCS.
+AcGePoint3d inPlane(const AcGePoint3d &ucsPoint);
+/// The angle from the UCS's X axis in that plane, degrees.
+double rotationInPlane(double angle);
+/// The direction of that plane, unless it is the usual one.
+void appendNormal(ResbufList &groups);
 
 /// Zooms so that the whole box (world) is inside the view, whatever its twist.
 void fitIntoView(AcApDocument &document, AcDbExtents box);

@@ -39,8 +39,8 @@ struct PaintOptions {
     QRect part;
     /// True for entities that the picture does without.
     std::function<bool(AcDbObjectId)> leavesOut;
-    /// Asked where lists are missing: the entities of a space that may be seen in a box of the world's plane.
-    /// Only their lists are made. None: it is not known, or all may as well be looked at.
+    /// Asked for the entities of a space that may be seen in a box of the world's plane; only their lists are
+    /// made. None: it is not known, or all may as well be looked at.
     std::function<std::optional<std::vector<AcDbObjectId>>(AcDbObjectId space, const AcDbExtents &box)> near;
     /// The picture is none of the screen's: what the screen shows, and its lists, stay as they are.
     bool besideScreen = false;

@@ -379,10 +379,11 @@ DisplayCache::near(const Progress &progress, const std::vector<std::uint32_t> &e
     return found;
 }
 
-/// The same where lists are missing.
-std::optional<std::vector<std::uint32_t>>
-DisplayCache::nearOfMissing(AcDbObjectId space, const std::vector<std::uint32_t> &entities,
-                            const Plane &plane, const PaintOptions &options) const
+/// The same by what the picture itself asks.
+std::optional<std::vector<std::uint32_t>> DisplayCache::asked(AcDbObjectId space,
+                                                              const std::vector<std::uint32_t> &entities,
+                                                              const Plane &plane,
+                                                              const PaintOptions &options) const
 {
     const auto ids =
         options.near
@@ -418,11 +419,10 @@ ShownSpace DisplayCache::show(AcDbObjectId space, const AcGiViewport &view, cons
     Progress &progress = m_progress[space.stub()->index];
     const std::vector<std::uint32_t> &all = order(space, contents->entities);
     const bool isSorted = &all != &contents->entities;
-    auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
-    const bool isComplete = some || progress.made >= all.size();
-    if (shown.isPlan && !isComplete)
-        some = nearOfMissing(space, all, plane, options);
-    const bool makesAll = (isComplete || !some) && !options.leavesOut;
+    auto some = shown.isPlan ? asked(space, all, plane, options) : std::nullopt;
+    const bool makesAll = !some && !options.leavesOut;
+    if (!some && shown.isPlan && !isSorted)
+        some = near(progress, all, plane);
     constexpr unsigned kBetweenQuestions = 4096;
     unsigned count = 0;
     for (const std::uint32_t index : some ? *some : all) {

@@ -118,10 +118,9 @@ private:
     void makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities);
     static std::optional<std::vector<std::uint32_t>>
     near(const Progress &progress, const std::vector<std::uint32_t> &entities, const Plane &plane);
-    std::optional<std::vector<std::uint32_t>> nearOfMissing(AcDbObjectId space,
-                                                            const std::vector<std::uint32_t> &entities,
-                                                            const Plane &plane,
-                                                            const PaintOptions &options) const;
+    std::optional<std::vector<std::uint32_t>> asked(AcDbObjectId space,
+                                                    const std::vector<std::uint32_t> &entities,
+                                                    const Plane &plane, const PaintOptions &options) const;
     static Plane visiblePlane(const AcGiViewport &view, const QRectF &part);
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 

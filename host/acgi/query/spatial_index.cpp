@@ -416,8 +416,16 @@ std::optional<std::vector<AcDbObjectId>> SpatialIndex::near(AcDbObjectId blockRe
     if (!all || !all->isValid() || coverage(box, *all) > kMuch)
         return std::nullopt;
     std::vector<AcDbObjectId> ids = query(blockRecord, box);
-    const std::vector<AcDbObjectId> custom = customEntities(blockRecord);
-    ids.insert(ids.end(), custom.begin(), custom.end());
+    // Flags are some letters high; a picture of less than that is of no use.
+    constexpr double kReach = 3.0;
+    const AcGeVector3d size = box.maxPoint() - box.minPoint();
+    const double reach = kReach * std::max(size.x, size.y);
+    const Window around = Window::fromCorners(box.minPoint() - AcGeVector3d(reach, reach, 0),
+                                              box.maxPoint() + AcGeVector3d(reach, reach, 0));
+    for (const Found &custom : known->second->custom()) {
+        if (around.mayMeet(custom.box))
+            ids.emplace_back(m_database.stub(custom.entity));
+    }
     return ids;
 }
 
@@ -472,14 +480,19 @@ std::vector<AcDbObjectId> SpatialIndex::insideWindow(AcDbObjectId blockRecord, c
     return ids;
 }
 
-std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window)
+std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window,
+                                                       const std::function<void(AcDbObjectId)> &whileOpen)
 {
     std::vector<AcDbObjectId> ids;
     for (const Found &found : visibleNear(blockRecord, window)) {
         const AcDbObjectId id(m_database.stub(found.entity));
         bool crosses = window.contains(found.box);
         if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
-            readEntity(id, [&](const AcDbEntity &e) { crosses = acgi::crosses(e, window, &m_blocks); });
+            readEntity(id, [&](const AcDbEntity &e) {
+                crosses = acgi::crosses(e, window, &m_blocks);
+                if (crosses && whileOpen)
+                    whileOpen(id);
+            });
         if (crosses)
             ids.push_back(id);
     }

@@ -5,6 +5,7 @@
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/region.h"
 
+#include <functional>
 #include <memory>
 
 namespace acgi
@@ -22,9 +23,9 @@ public:
     /// Works on the index of the space for about so long. True when it is ready; until then every question
     /// about the space first has to finish it.
     bool prepare(AcDbObjectId blockRecord, int milliseconds);
-    /// For pictures: what may be seen in the box, in no order, visible or not, with everything custom. None
-    /// until the index is ready, and when much of the space is there: going through it as it stands is
-    /// quicker then.
+    /// For pictures: what may be seen in the box, in no order, visible or not, and custom entities around it, which
+    /// may show more than their extents. None until the index is ready, and when much of the space is there:
+    /// going through it as it stands is quicker then.
     std::optional<std::vector<AcDbObjectId>> near(AcDbObjectId blockRecord, const AcDbExtents &box);
 
     /// Entities of the space whose box meets `box` in x and y, visible or not. Boxes of turned inserts may be
@@ -35,7 +36,9 @@ public:
     /// Entities that liesInside() and crosses() say yes to, as far as they are
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const Window &window);
-    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window);
+    /// `whileOpen` hears of those that had to be opened, while they are: looking into them costs less then.
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window,
+                                             const std::function<void(AcDbObjectId)> &whileOpen = {});
     /// At a point also what custom entities show beside their extents in the view on the screen, such as
     /// flags.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);

@@ -253,9 +253,9 @@ TEST(AnonymousBlocks, AreNumberedBehindThoseThereAre)
     AcDbObjectId first;
     {
         const AcDbUndoGroup step(*database, QStringLiteral("BLOCKS"));
-        AcDbAnonymousBlocks blocks(*database);
+        AcDbNewBlocks blocks(*database);
         for (const char *const name : {"*U2147483648", "*U2147483649"}) {
-            const AcDbObjectId id = blocks.add({1, 2, 3});
+            const AcDbObjectId id = blocks.addAnonymous({1, 2, 3});
             AcDbObjectPointer<AcDbBlockTableRecord> block(
                 static_cast<AcDbBlockTableRecord *>(id.stub()->object));
             EXPECT_EQ(block->getName(), name);

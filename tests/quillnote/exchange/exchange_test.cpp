@@ -4,7 +4,7 @@
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
 #include "quillnote/exchange/synchronisation.h"
-#include "quillnote/exchange/tick_blocks.h"
+#include "quillnote/aids/tick_symbols.h"
 
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_fields.h"
