@@ -1,6 +1,9 @@
 // DWG as one of the drawing formats.
 #include "host/base/host_text.h"
 #include "host/formats/drawingformat.h"
+#include "host/formats/dwg/dwgcontainer.h"
+#include "host/formats/dwg/dwgreader.h"
+#include "host/formats/dwg/dwgsource.h"
 
 namespace
 {
@@ -41,13 +44,19 @@ public:
             bytes.size() >= 6 && bytes.starts_with("AC") && bytes[2] >= '0' && bytes[2] <= '9';
         return isMarked ? Recognised::surely : Recognised::no;
     }
-    bool holds(const AcDbDatabase &) const override { return false; }
+    bool holds(const AcDbDatabase &database) const override
+    {
+        return dynamic_cast<const DwgSource *>(database.source()) != nullptr;
+    }
 
     base::Result<std::unique_ptr<AcDbDatabase>, QString> read(base::FileBytes bytes, const QString &name,
-                                                              const base::Progress &) const override
+                                                              const base::Progress &progress) const override
     {
-        return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
-                                 .arg(name, versionName(bytes.view()))};
+        if (dwg::versionOf(bytes.view()) == DrawingVersion::unknown) {
+            return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
+                                     .arg(name, versionName(bytes.view()))};
+        }
+        return readDwg(std::move(bytes), name, progress);
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }
