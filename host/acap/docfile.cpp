@@ -31,6 +31,12 @@ base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database
     return format->write(database, path, progress, mayReplace);
 }
 
+QStringList acapLossesOfWriting(const AcDbDatabase &database, const QString &path)
+{
+    const DrawingFormat *const format = drawingFormatToSave(database, path);
+    return format ? format->losses(database) : QStringList();
+}
+
 std::unique_ptr<AcDbDatabase> acapTemplateDrawing()
 {
     for (const DrawingFormat *const format : drawingFormats()) {

@@ -2255,8 +2255,8 @@ Please open: %1</translation>
         <translation>Open Drawing</translation>
     </message>
     <message>
-        <source>图形 (*.dxf *.DXF);;所有文件 (*)</source>
-        <translation>Drawings (*.dxf *.DXF);;All files (*)</translation>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF);;All files (*)</translation>
     </message>
     <message>
         <source>文件 %1 已不存在，已从最近的文件中移除。</source>
@@ -2442,6 +2442,10 @@ Please open: %1</translation>
     <message>
         <source>图形 (*.dxf *.DXF)</source>
         <translation>Drawings (*.dxf *.DXF)</translation>
+    </message>
+    <message>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF)</translation>
     </message>
     <message>
         <source>所有文件 (*)</source>

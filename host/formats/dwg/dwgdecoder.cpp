@@ -169,6 +169,10 @@ static bool isAbsent(const Group &group, const resbuf::Value &value)
     const QString *const usual = std::get_if<QString>(&group.absent);
     if (text && usual)
         return text->compare(*usual, Qt::CaseInsensitive) == 0;
+    const double *const real = std::get_if<double>(&value);
+    const double *const usualReal = std::get_if<double>(&group.absent);
+    if (real && usualReal)
+        return std::abs(*real - *usualReal) <= 1e-12;
     return value == group.absent;
 }
 
@@ -262,7 +266,7 @@ static void appendEntityHead(const ObjectReader &reader, const Common &common, c
         out.emplace_back(6, QStringLiteral("Continuous"));
     else if (common.linetypeFlags == 3 && !name(common.linetype).isEmpty())
         out.emplace_back(6, name(common.linetype));
-    if (common.materialFlags == 3)
+    if (common.materialFlags == 3 && common.material != 0)
         out.emplace_back(347, AcDbHandle{common.material});
     std::optional<std::uint32_t> rgb;
     int color = common.color;
@@ -288,7 +292,7 @@ static void appendEntityHead(const ObjectReader &reader, const Common &common, c
         integer(370, entityLineweight(common.lineweight));
     if (common.shadowFlags != 0)
         integer(284, common.shadowFlags);
-    if (common.plotStyleFlags == 3)
+    if (common.plotStyleFlags == 3 && common.plotStyle != 0)
         out.emplace_back(390, AcDbHandle{common.plotStyle});
     appendGraphics(reader, common, out);
 }
@@ -310,7 +314,7 @@ static QString extendedText(const ObjectReader &reader, Bits &data)
     const std::uint16_t page = data.rawShort(); // The other byte first.
     const auto codec = base::TextCodec::fromDwgNumber(std::uint16_t(page << 8 | page >> 8));
     const QByteArray bytes = data.bytes(length);
-    return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())},
+    return decodeText({bytes.constData(), std::size_t(bytes.size())},
                                    codec.known() ? codec : reader.facts().codec);
 }
 
@@ -398,7 +402,8 @@ static void appendProxy(ObjectReader &reader, bool isEntity, int classVersion, R
     std::int64_t version = classVersion;
     std::int64_t maintenance = 0;
     bool isDxf = false;
-    if (reader.type() == kProxyEntity || reader.type() == kProxyObject) {
+    const bool isProxy = reader.type() == kProxyEntity || reader.type() == kProxyObject;
+    if (isProxy && reader.facts().since(DrawingVersion::r2000)) {
         classId = reader.data.bitLong();
         version = reader.data.bitLong();
         if (reader.facts().since(DrawingVersion::r2018))
@@ -412,7 +417,8 @@ static void appendProxy(ObjectReader &reader, bool isEntity, int classVersion, R
     } else if (reader.facts().since(DrawingVersion::r2000)) {
         out.emplace_back(95, version);
     }
-    out.emplace_back(70, std::int64_t(isDxf));
+    if (reader.facts().since(DrawingVersion::r2000))
+        out.emplace_back(70, std::int64_t(isDxf));
     const bool isWide = reader.facts().since(DrawingVersion::r2010);
     if (isWide) {
         Bits texts = reader.data;
@@ -437,18 +443,16 @@ static void appendProxy(ObjectReader &reader, bool isEntity, int classVersion, R
 /// The head of a symbol table. Its count leaves out what every drawing has.
 static void appendTable(ObjectReader &reader, const QString &name, ResbufList &out)
 {
-    std::size_t counted = std::size_t(std::max(reader.data.bitLong(), 0));
-    if (name == u"BLOCK_RECORD" || name == u"LTYPE")
-        counted += 2;
+    const std::size_t counted = std::size_t(std::max(reader.data.bitLong(), 0));
     out.emplace_back(70, std::int64_t(counted));
-    if (name != u"DIMSTYLE")
+    if (name != u"DIMSTYLE" || !reader.facts().since(DrawingVersion::r2000))
         return;
     out.emplace_back(100, QStringLiteral("AcDbDimStyleTable"));
-    const std::size_t further =
-        reader.facts().since(DrawingVersion::r2000) ? reader.data.rawChar() : std::size_t(0);
+    const std::size_t further = reader.data.rawChar();
     for (std::size_t i = 0; i < counted && reader.good(); ++i)
         reader.reference();
-    out.emplace_back(71, std::int64_t(further));
+    if (further != 0)
+        out.emplace_back(71, std::int64_t(further));
     for (std::size_t i = 0; i < further && reader.good(); ++i)
         out.emplace_back(340, AcDbHandle{reader.reference().handle});
 }
@@ -495,10 +499,11 @@ void appendBlockBegin(const FileFacts &facts, std::string_view header, Decoder &
         return;
     reader.readCommon(false);
     const BlockHeader block = readBlockHeader(reader);
-    d.text(2, block.head.name);
+    const QString name = d.recordName(reader.handle());
+    d.text(2, name);
     d.integer(70, block.flags());
     d.add(10, block.base);
-    d.text(3, block.head.name);
+    d.text(3, name);
     d.text(1, block.path);
     if (!block.description.isEmpty())
         d.text(4, block.description);

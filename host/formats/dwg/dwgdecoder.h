@@ -12,11 +12,17 @@
 namespace dwg
 {
 
+/// What the vertices of a polyline in a plane show of the whole.
+struct PlanePolyline {
+    double elevation = 0.0;
+    double startWidth = 0.0, endWidth = 0.0;
+};
+
 /// What of other objects an object's groups show; made once at opening and not changed afterwards.
 struct Neighbours {
     std::unordered_map<std::uint64_t, QString> recordNames; ///< Of symbol table records, by handle.
     std::unordered_map<std::uint64_t, QString> bookColors;  ///< "book$colour" of colour objects, by handle.
-    std::unordered_map<std::uint64_t, double> elevations;   ///< Not 0, of polylines in a plane.
+    std::unordered_map<std::uint64_t, PlanePolyline> polylines; ///< Those that are not all 0.
     std::unordered_map<std::uint64_t, std::uint64_t> sheetBlocks; ///< Blocks of sheets, with their layout.
     std::unordered_map<std::uint64_t, int> viewportNumbers;       ///< Of the viewports of a sheet, from 1.
 };

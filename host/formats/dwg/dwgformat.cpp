@@ -59,19 +59,30 @@ public:
         return readDwg(std::move(bytes), name, progress);
     }
 
+    QString whyNotWritten() const override
+    {
+        return Host::tr("DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name "
+                        "that ends in .dxf)");
+    }
+
     QStringList losses(const AcDbDatabase &) const override { return {}; }
 
-    base::Result<base::WrittenFile, QString> write(AcDbDatabase &, const QString &path,
+    base::Result<base::WrittenFile, QString> write(AcDbDatabase &database, const QString &path,
                                                    const base::Progress &,
                                                    const base::MayReplace &) const override
     {
-        // The name is a promise to whoever opens the file next.
-        return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
+        if (!holds(database))
+            return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
+        return base::Failure{path + QStringLiteral(": ") + whyNotWritten()};
     }
 
-    base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &) const override
+    /// Changes are kept in the format that can be written.
+    base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const override
     {
-        return base::Failure{Host::tr("DWG drawings cannot be written")};
+        const DrawingFormat *const written = drawingFormatOfName(QStringLiteral("copy.dxf"));
+        if (!written)
+            return base::Failure{Host::tr("DWG drawings cannot be written")};
+        return written->image(database);
     }
 };
 

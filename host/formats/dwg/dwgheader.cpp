@@ -147,7 +147,7 @@ QString HeaderReader::text()
     QByteArray bytes = m_in.data.bytes(std::uint16_t(m_in.data.bitShort()));
     while (bytes.endsWith('\0'))
         bytes.chop(1);
-    return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
+    return decodeText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
 }
 
 void HeaderReader::color(const Row &row)

@@ -65,7 +65,7 @@ static QString classText(const FileFacts &facts, SectionStreams &in)
     QByteArray bytes = in.data.bytes(std::uint16_t(in.data.bitShort()));
     while (bytes.endsWith('\0'))
         bytes.chop(1);
-    return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())}, facts.codec);
+    return decodeText({bytes.constData(), std::size_t(bytes.size())}, facts.codec);
 }
 
 std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container)

@@ -185,6 +185,21 @@ void ObjectReader::readCommonHandles(Common &common, bool isEntity, std::int32_t
         style = style ? next() : 0;
 }
 
+/// Resolves "\U+00B0" and "\M+1..."; control characters stand in DWG as they are, and so do carets.
+static QString withoutEscapes(QString text)
+{
+    if (!text.contains(u"\\U+") && !text.contains(u"\\M+"))
+        return text;
+    static const base::TextCodec kUtf8("UTF-8");
+    const QByteArray bytes = text.replace(u'^', QStringLiteral("^ ")).toUtf8();
+    return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())}, kUtf8);
+}
+
+QString decodeText(std::string_view bytes, const base::TextCodec &codec)
+{
+    return withoutEscapes(codec.decode(bytes));
+}
+
 /// Strings end with a NUL in files up to AC1018; what the code page lacks stands in escapes.
 QString ObjectReader::text()
 {
@@ -193,7 +208,7 @@ QString ObjectReader::text()
         QByteArray bytes = data.bytes(length);
         if (bytes.endsWith('\0'))
             bytes.chop(1);
-        return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
+        return decodeText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
     }
     if (m_textsBegin == m_textsEnd)
         return {};
@@ -207,7 +222,7 @@ QString ObjectReader::text()
         unit = QChar(texts.rawShort());
     while (text.endsWith(QChar(0)))
         text.chop(1);
-    return text;
+    return withoutEscapes(std::move(text));
 }
 
 ObjectReader::Color ObjectReader::color()

@@ -50,6 +50,9 @@ struct FileFacts {
     bool hasTextStream() const { return version >= DrawingVersion::r2007; }
 };
 
+/// A text in a code page, with what that lacks in escapes.
+QString decodeText(std::string_view bytes, const base::TextCodec &codec);
+
 /// What all objects have in front of their own data, and what of the handle stream belongs to it.
 struct Common {
     // Places in the object's data; raw.

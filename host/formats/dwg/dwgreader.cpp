@@ -8,6 +8,7 @@
 #include "host/formats/dwg/dwgspecials.h"
 
 #include <algorithm>
+#include <map>
 #include <unordered_set>
 
 namespace dwg
@@ -162,9 +163,14 @@ void Loading::noteName(const Found &found)
     if (found.type == kPolyline2d) {
         Decoder decoder(reader, Common(), neighbours);
         readFields(*kindOfType(kPolyline2d), decoder);
+        const auto real = [&decoder](int group) {
+            const resbuf *const read = decoder.find(group);
+            return read ? read->real() : 0.0;
+        };
         const resbuf *const place = decoder.find(10);
-        if (place && place->point().z != 0.0)
-            neighbours.elevations[found.handle] = place->point().z;
+        const PlanePolyline whole{place ? place->point().z : 0.0, real(40), real(41)};
+        if (whole.elevation != 0.0 || whole.startWidth != 0.0 || whole.endWidth != 0.0)
+            neighbours.polylines[found.handle] = whole;
         return;
     }
     if (const DwgClass *const known = m_source.classOf(found.type); known && known->dxfName == "DBCOLOR") {
@@ -179,21 +185,24 @@ void Loading::noteName(const Found &found)
         neighbours.recordNames[found.handle] = readRecordHead(reader).name;
 }
 
-/// Blocks without a name of their own share one in the file ("*D", "*Paper_Space"); readers number them.
+/// Blocks without a name of their own share one in the file ("*D", "*Paper_Space"); readers number them, by
+/// their places in the table as others do.
 void Loading::nameAnonymousBlocks()
 {
     auto &names = m_source.editNeighbours().recordNames;
     const auto control = std::ranges::find(m_objects, int(kBlockControl), &Found::type);
     if (control == m_objects.end())
         return;
-    std::map<QString, int> counts;
     std::unordered_set<QString> taken;
     for (const auto &[handle, name] : names)
         taken.insert(name.toUpper());
     const auto isSpace = [](const QString &name) {
         return name.compare(u"*Paper_Space", Qt::CaseInsensitive) == 0;
     };
+    int sheets = 0;
+    int place = -1;
     for (const std::uint64_t handle : entriesOf(*control)) {
+        ++place;
         const auto known = names.find(handle);
         if (known == names.end() || !known->second.startsWith(u'*'))
             continue;
@@ -202,11 +211,10 @@ void Loading::nameAnonymousBlocks()
         const bool isOtherSheet = isSpace(name) && handle != m_header.paperSpace;
         if (!isAnonymous && !isOtherSheet)
             continue;
-        int &count = counts.try_emplace(name.toUpper(), isAnonymous ? 1 : 0).first->second;
-        QString numbered;
-        do {
-            numbered = name + QString::number(count++);
-        } while (taken.contains(numbered.toUpper()));
+        int number = isAnonymous ? place : sheets++;
+        QString numbered = name + QString::number(number);
+        while (taken.contains(numbered.toUpper()))
+            numbered = name + QString::number(++number);
         taken.insert(numbered.toUpper());
         name = numbered;
     }
@@ -253,8 +261,7 @@ std::vector<std::uint64_t> Loading::entriesOf(const Found &control) const
         const HandleRef entry = reader.reference();
         if (reader.handles.failed())
             break;
-        if (entry.handle != 0 && entry.kind != Reference::none)
-            entries.push_back(entry.handle);
+        entries.push_back(entry.handle); // 0 for a record that is gone.
     }
     return entries;
 }
@@ -373,11 +380,11 @@ void Loading::addEntity(AcDbStub *block, Found &entity)
     addParts(entity);
 }
 
-/// The first viewport of a sheet is the sheet itself; the others count on.
+/// The viewports of the current sheet have numbers; the first one is the sheet itself.
 void Loading::numberViewports(std::uint64_t block, const std::vector<std::uint64_t> &entities)
 {
     constexpr int kViewport = 0x22;
-    if (!m_source.editNeighbours().sheetBlocks.contains(block))
+    if (block != m_header.paperSpace)
         return;
     int number = 0;
     for (const std::uint64_t handle : entities) {
@@ -474,12 +481,10 @@ void Loading::tellWhatStaysRaw()
         if (!hasForm)
             ++counts[kindName(found)];
     }
-    if (counts.empty())
-        return;
     QStringList kinds;
     for (const auto &[kind, count] : counts)
         kinds.append(QStringLiteral("%1 %2").arg(count).arg(QString::fromUtf8(kind)));
-    warn(Host::tr("kept as they are, not understood: %1").arg(kinds.join(QStringLiteral(", "))));
+    m_source.setNotUnderstood(kinds.join(QStringLiteral(", ")));
 }
 
 bool Loading::run()

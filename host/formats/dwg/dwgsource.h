@@ -27,6 +27,7 @@ public:
     DrawingForm form() const override { return DrawingForm::dwg; }
     DrawingVersion version() const override { return m_facts.version; }
     std::string_view bytes() const override { return m_bytes.view(); }
+    QString notUnderstood() const override { return m_notUnderstood; }
     ResbufList read(const AcDbStub &stub) const override;
 
     const dwg::FileFacts &facts() const { return m_facts; }
@@ -43,6 +44,7 @@ public:
     dwg::Container &container() { return m_container; }
     dwg::Neighbours &editNeighbours() { return m_neighbours; }
     std::vector<DwgClass> &editClasses() { return m_classes; }
+    void setNotUnderstood(const QString &kinds) { m_notUnderstood = kinds; }
 
 private:
     base::FileBytes m_bytes;
@@ -50,6 +52,7 @@ private:
     dwg::FileFacts m_facts;
     std::vector<DwgClass> m_classes;
     dwg::Neighbours m_neighbours;
+    QString m_notUnderstood;
 };
 
 /// "LAYER": the name of the table whose head has that type.

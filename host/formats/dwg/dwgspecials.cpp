@@ -271,13 +271,19 @@ void vertex2d(Decoder &d)
 {
     d.integer(70, d.in.data.rawChar());
     AcGePoint3d place = d.in.data.point3();
-    if (const auto known = d.neighbours.elevations.find(d.common.owner.handle);
-        known != d.neighbours.elevations.end())
-        place.z = known->second;
+    PlanePolyline whole;
+    if (const auto known = d.neighbours.polylines.find(d.common.owner.handle);
+        known != d.neighbours.polylines.end())
+        whole = known->second;
+    place.z = whole.elevation;
     const double start = d.in.data.bitDouble();
+    const double end = start < 0.0 ? -start : d.in.data.bitDouble(); // One for both is stored once, negated.
     d.add(10, place);
-    d.real(40, std::abs(start)); // One width for both ends is stored once, negated.
-    d.real(41, start < 0.0 ? -start : d.in.data.bitDouble());
+    // DXF says only what differs from the whole.
+    if (std::abs(start) != whole.startWidth || end != whole.endWidth) {
+        d.real(40, std::abs(start));
+        d.real(41, end);
+    }
     d.real(42, d.in.data.bitDouble());
     if (d.in.facts().since(r2010))
         d.integer(91, d.in.data.bitLong());
@@ -381,7 +387,7 @@ void lwPolyline(Decoder &d)
             d.real(40 + kSubclass, ends[i].x);
             d.real(41 + kSubclass, ends[i].y);
         }
-        if (bulges != 0)
+        if (bulge[i] != 0.0)
             d.real(42 + kSubclass, bulge[i]);
         if (i < ids)
             d.integer(91 + kSubclass, id[i]);
@@ -527,7 +533,9 @@ void mline(Decoder &d)
             }
         }
     }
-    d.handle(340, d.in.reference().handle);
+    const std::uint64_t style = d.in.reference().handle;
+    d.text(2, d.recordName(style));
+    d.handle(340, style);
 }
 
 // Curves -----------------------------------------------------------------------------------------
@@ -863,6 +871,14 @@ void oleFrame(Decoder &d)
     const int mode = d.in.facts().since(r2000) ? data.bitShort() : 0;
     const std::size_t size = std::size_t(std::max(data.bitLong(), 0));
     const QByteArray bytes = data.bytes(size);
+    // The frame's corners begin behind a mark of two bytes.
+    Bits corners(std::string_view(bytes.constData(), std::size_t(bytes.size())));
+    corners.skip(16);
+    d.text(3, QStringLiteral("OLE"));
+    d.add(10, corners.rawPoint3());
+    corners.rawPoint3();
+    d.add(11, corners.rawPoint3());
+    d.integer(71, 2); // Embedded.
     d.integer(72, mode);
     d.integer(90, std::int64_t(size));
     constexpr qsizetype kChunk = 127;

@@ -285,8 +285,8 @@ void multileaderStyle(Decoder &d)
     d.integer(294, data.bit());
     d.integer(177, data.bitShort());
     d.real(142, data.bitDouble());
-    d.integer(295, data.bit());
     d.integer(296, data.bit());
+    d.integer(295, data.bit());
     d.real(143, data.bitDouble());
     if (d.in.facts().since(r2010)) {
         for (const int group : {271, 273, 272})

@@ -120,7 +120,7 @@ void layer(Decoder &d)
     const bool isOld = !d.in.facts().since(DrawingVersion::r2000);
     if (isOld) {
         isFrozen = d.in.data.bit();
-        isOff = !d.in.data.bit();
+        isOff = d.in.data.bit();
         isFrozenInNew = d.in.data.bit();
         isLocked = d.in.data.bit();
     } else {
@@ -175,7 +175,7 @@ QString textOfDash(const Decoder &d, const QByteArray &area, int place)
     if (!isWide) {
         const QByteArray bytes(area.constData() + begin,
                                qsizetype(qstrnlen(area.constData() + begin, std::size_t(area.size() - begin))));
-        return base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())}, d.in.facts().codec);
+        return decodeText({bytes.constData(), std::size_t(bytes.size())}, d.in.facts().codec);
     }
     QString text;
     for (qsizetype i = begin; i + 1 < area.size(); i += 2) {
@@ -360,7 +360,7 @@ void view(Decoder &d)
 void blockRecord(Decoder &d)
 {
     const BlockHeader block = readBlockHeader(d.in);
-    d.text(2, block.head.name);
+    d.text(2, d.recordName(d.in.handle())); // Numbered, where the file has none of its own.
     if (d.in.facts().since(DrawingVersion::r2000))
         d.handle(340, block.layout);
     constexpr qsizetype kChunk = 127;
@@ -382,7 +382,7 @@ void dictionary(Decoder &d)
     int cloning = 0;
     bool isHardOwner = false;
     if (d.in.version() == DrawingVersion::r14)
-        data.rawChar();
+        isHardOwner = data.rawChar() != 0;
     if (d.in.facts().since(DrawingVersion::r2000)) {
         cloning = data.bitShort();
         isHardOwner = data.rawChar() != 0;
@@ -391,10 +391,9 @@ void dictionary(Decoder &d)
         d.in.handles.fail();
         return;
     }
-    if (d.in.facts().since(DrawingVersion::r2000)) {
-        d.integer(280, isHardOwner);
+    d.integer(280, isHardOwner);
+    if (d.in.facts().since(DrawingVersion::r2000))
         d.integer(281, cloning);
-    }
     std::vector<QString> names(items);
     for (QString &name : names)
         name = d.in.text();
@@ -431,7 +430,7 @@ bool xrecordGroup(Decoder &d, Bits &data)
             const std::size_t length = data.rawShort();
             const auto codec = base::TextCodec::fromDwgNumber(data.rawChar());
             const QByteArray bytes = data.bytes(length);
-            d.text(code, base::decodeDrawingText({bytes.constData(), std::size_t(bytes.size())},
+            d.text(code, decodeText({bytes.constData(), std::size_t(bytes.size())},
                                                  codec.known() ? codec : d.in.facts().codec));
         }
         break;
