@@ -4,6 +4,12 @@
 <context>
     <name>Host</name>
     <message>
+        <source>
+另存为 %1 会有以上损失。继续吗?</source>
+        <translation>
+Saving as %1 loses the above. Go on?</translation>
+    </message>
+    <message>
         <source>正在打开 %1</source>
         <translation>Opening %1</translation>
     </message>
@@ -1640,6 +1646,10 @@ Please open: %1</translation>
 </context>
 <context>
     <name>window::DocumentGuard</name>
+    <message>
+        <source>另存为 %1 会有损失。继续吗?</source>
+        <translation>Saving as %1 loses something. Go on?</translation>
+    </message>
     <message>
         <source>他人</source>
         <translation>somebody else</translation>

@@ -189,8 +189,11 @@ static void putInOrder(const Kind &kind, ResbufList &read, ResbufList &out)
             out.emplace_back(100, group.marker);
             continue;
         }
+        const auto isMeant = [&](int code) {
+            return group.code != 0 ? code == group.code : std::ranges::find(kind.groups, code, &Group::code) == kind.groups.end();
+        };
         for (std::size_t i = 0; i < read.size(); ++i) {
-            if (used[i] || (group.code != 0 && read[i].restype != group.code))
+            if (used[i] || !isMeant(read[i].restype))
                 continue;
             used[i] = true;
             if (!isAbsent(group, read[i].resval))

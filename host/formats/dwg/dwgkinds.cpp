@@ -18,6 +18,7 @@ struct Row {
     const char *dxfName;
     const char *fields;
     const char *groups;
+    DrawingVersion until = DrawingVersion::unknown;
 };
 
 #define PLOT_SETTINGS_FIELDS                                                                                 \
@@ -83,6 +84,10 @@ constexpr Row kRows[] = {
      "79 146 170 61 332 348 333 361 292 282 141 142 63 421 431"},
     {0x23, "ELLIPSE", "3BD:10 3BD:11 3BD:210 BD:40 BD:41 BD:42", "AcDbEllipse 10 11 210 40 41 42"},
     {0x24, "SPLINE", "*spline", "AcDbSpline 210 70 71 72 73 74 42 43 44 12=0 13=0 40 *"},
+    // Later versions keep the geometry elsewhere in the file.
+    {0x25, "REGION", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2013},
+    {0x26, "3DSOLID", "*acis", "AcDbModelerGeometry 70 * AcDb3dSolid 350", DrawingVersion::r2013},
+    {0x27, "BODY", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2013},
     {0x28, "RAY", "3BD:10 3BD:11", "AcDbRay 10 11"},
     {0x29, "XLINE", "3BD:10 3BD:11", "AcDbXline 10 11"},
     {0x2C, "MTEXT", "3BD:10 3BD:210 3BD:11 BD:41 BD:46@2007 BD:40 BS:71 BS:72 BD:- BD:- *mtext",
@@ -175,7 +180,7 @@ constexpr struct {
     int type;
     const char *dxfName;
 } kNames[] = {
-    {0x21, "SHAPE"}, {0x25, "REGION"}, {0x26, "3DSOLID"}, {0x27, "BODY"}, {0x2B, "OLEFRAME"},
+    {0x21, "SHAPE"}, {0x2B, "OLEFRAME"},
     {0x30, "TABLE"}, {0x32, "TABLE"}, {0x34, "TABLE"}, {0x38, "TABLE"}, {0x3C, "TABLE"}, {0x3E, "TABLE"},
     {0x40, "TABLE"}, {0x42, "TABLE"}, {0x44, "TABLE"},
     {0x4B, "DUMMY"}, {0x4C, "LONG_TRANSACTION"}, {0x51, "VBA_PROJECT"},
@@ -277,7 +282,7 @@ struct Tables {
     {
         kinds.reserve(std::size(kRows));
         for (const Row &row : kRows) {
-            Kind kind{row.type, row.dxfName, {}, {}};
+            Kind kind{row.type, row.dxfName, row.until, {}, {}};
             for (const QByteArray &word : QByteArray(row.fields).simplified().split(' ')) {
                 if (!word.isEmpty())
                     kind.fields.push_back(parseField(word));

@@ -10,7 +10,7 @@
 //
 // `groups` says what DXF writes: words are subclass markers, numbers are groups, each with all that was read for
 // it. "=0" behind it leaves out what has that value ("=z" the direction z, "=x" x, "=Standard" a text). "*"
-// stands for all groups that have not had their turn.
+// stands for all groups that the row does not name.
 #pragma once
 
 #include "host/formats/dwg/dwgdecoder.h"
@@ -40,7 +40,7 @@ struct Group {
 struct Kind {
     int type;             ///< Of those with a number of their own; 0 for classes.
     const char *dxfName;
-
+    DrawingVersion until; ///< The row describes files before this version; unknown: all.
     std::vector<Field> fields;
     std::vector<Group> groups;
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <unordered_set>
 
 namespace dwg
@@ -74,6 +75,7 @@ private:
     Header m_header;
     std::vector<Found> m_objects; ///< In ascending order of handles.
     std::uint64_t m_modelSpace = 0, m_paperSpace = 0;
+    std::unordered_map<int, AcDbKind> m_kinds; ///< By type.
     int m_badChecksums = 0;
     int m_damaged = 0;
 };
@@ -139,9 +141,11 @@ QByteArray Loading::kindName(const Found &found) const
 
 AcDbStub *Loading::add(Found &found, std::uint16_t flags)
 {
-    const AcDbKind kind = m_loader.database().kindNamed(kindName(found));
+    const auto [known, isNew] = m_kinds.try_emplace(found.type);
+    if (isNew)
+        known->second = m_loader.database().kindNamed(kindName(found));
     found.isSettled = true;
-    found.stub = m_loader.addObject(kind, found.handle, found.begin, found.size,
+    found.stub = m_loader.addObject(known->second, found.handle, found.begin, found.size,
                                     std::uint16_t(flags | (found.isEntity ? AcDbStub::kEntity : 0)));
     return found.stub;
 }
@@ -208,6 +212,8 @@ void Loading::nameAnonymousBlocks()
             continue;
         QString &name = known->second;
         const bool isAnonymous = name.size() == 2;
+        if (isSpace(name) && m_header.paperSpace == 0)
+            m_header.paperSpace = handle; // The variables, which say it, are damaged.
         const bool isOtherSheet = isSpace(name) && handle != m_header.paperSpace;
         if (!isAnonymous && !isOtherSheet)
             continue;
@@ -455,7 +461,9 @@ void Loading::addOthers()
         AcDbStub *const stub = add(found);
         if (found.owner != 0)
             m_loader.setOwnerHandle(stub, found.owner);
-        if (found.handle == m_header.namedObjects)
+        const bool isRoot = m_header.namedObjects != 0 ? found.handle == m_header.namedObjects
+                                                       : found.type == kDictionary && found.owner == 0;
+        if (isRoot)
             m_loader.setNamedObjects(stub);
     }
 }

@@ -28,16 +28,22 @@ std::string_view DwgSource::record(const AcDbStub &stub) const
 
 const DwgClass *DwgSource::classOf(int type) const
 {
+    if (type < dwg::kFirstClass)
+        return nullptr;
+    const std::size_t place = std::size_t(type - dwg::kFirstClass);
+    if (place < m_classes.size() && m_classes[place].number == type)
+        return &m_classes[place];
     const auto found = std::ranges::find(m_classes, type, &DwgClass::number);
     return found == m_classes.end() ? nullptr : &*found;
 }
 
 const dwg::Kind *DwgSource::kindOf(int type) const
 {
-    if (type < dwg::kFirstClass)
-        return dwg::kindOfType(type);
     const DwgClass *const known = classOf(type);
-    return known ? dwg::kindOfClass(known->dxfName) : nullptr;
+    const dwg::Kind *const kind = type < dwg::kFirstClass ? dwg::kindOfType(type)
+                                  : known                 ? dwg::kindOfClass(known->dxfName)
+                                                          : nullptr;
+    return kind && (kind->until == DrawingVersion::unknown || m_facts.version < kind->until) ? kind : nullptr;
 }
 
 QString dwgTableName(int controlType)

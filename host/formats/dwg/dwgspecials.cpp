@@ -887,6 +887,40 @@ void oleFrame(Decoder &d)
     d.text(1 + kSubclass, QStringLiteral("OLE"));
 }
 
+/// The geometry of solids and regions, a text that is veiled in DWG and DXF alike.
+void acis(Decoder &d)
+{
+    Bits &data = d.in.data;
+    const bool isEmpty = data.bit();
+    if (!isEmpty) {
+        data.bit();
+        const int version = data.bitShort();
+        if (version != 1) {
+            data.fail();
+            return;
+        }
+        d.integer(70, version);
+    }
+    QByteArray veiled;
+    for (std::int64_t size = isEmpty ? 0 : data.bitLong(); size > 0 && !data.failed(); size = data.bitLong())
+        veiled += data.bytes(std::size_t(size));
+    constexpr qsizetype kPiece = 255;
+    QList<QByteArray> lines = veiled.split('\n');
+    if (!lines.isEmpty() && lines.back().isEmpty())
+        lines.removeLast();
+    for (QByteArray &line : lines) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+        d.text(1 + 2 * kSubclass, QString::fromLatin1(line.left(kPiece)));
+        for (qsizetype i = kPiece; i < line.size(); i += kPiece)
+            d.text(3 + 2 * kSubclass, QString::fromLatin1(line.mid(i, kPiece)));
+    }
+    // What follows are lines to show of it, which DXF does not have.
+    constexpr int kSolid = 0x26;
+    if (d.in.facts().since(r2007) && d.in.type() == kSolid)
+        d.handle(350, d.in.reference().handle);
+}
+
 void owner(Decoder &d)
 {
     d.handle(330 + kSubclass, d.common.owner.handle);
@@ -930,6 +964,7 @@ Special findSpecial(std::string_view name)
         {"viewport", viewport},
         {"oleFrame", oleFrame},
         {"owner", owner},
+        {"acis", acis},
     };
     const auto *const known =
         std::ranges::find_if(kSpecials, [name](const auto &row) { return row.name == name; });

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <map>
+#include <memory>
+#include <unordered_set>
 
 namespace dxf
 {
@@ -13,14 +15,14 @@ namespace
 {
 
 /// An empty text file of the drawing's version and code page: new groups are written as it has them.
-DxfSource emptyFile(const AcDbDatabase &database)
+std::unique_ptr<DxfSource> emptyFile(const AcDbDatabase &database)
 {
-    DxfSource file(base::FileBytes::fromByteArray("  0\r\nEOF\r\n"));
-    file.learnStyle(file.bytes());
+    auto file = std::make_unique<DxfSource>(base::FileBytes::fromByteArray("  0\r\nEOF\r\n"));
+    file->learnStyle(file->bytes());
     const QByteArray version = "AC" + QByteArray::number(int(database.version()));
     const QByteArray codePage = database.headerText("$DWGCODEPAGE").toLatin1();
-    file.setVersion({version.constData(), std::size_t(version.size())},
-                    {codePage.constData(), std::size_t(codePage.size())});
+    file->setVersion({version.constData(), std::size_t(version.size())},
+                     {codePage.constData(), std::size_t(codePage.size())});
     return file;
 }
 
@@ -28,7 +30,7 @@ class Exporter
 {
 public:
     explicit Exporter(const AcDbDatabase &database)
-        : m_database(database), m_file(emptyFile(database)), m_encoder(m_file),
+        : m_database(database), m_file(emptyFile(database)), m_encoder(*m_file),
           m_written(database.stubCount())
     {
     }
@@ -50,18 +52,20 @@ private:
     void entity(std::uint32_t index);
     void objects();
     bool object(const AcDbStub &stub);
+    bool isOfTheLost(const AcDbStub &stub) const;
     bool isSpace(const AcDbStub &record) const
     {
         return &record == m_database.modelSpaceId().stub() || &record == m_database.paperSpaceId().stub();
     }
 
     const AcDbDatabase &m_database;
-    const DxfSource m_file;
+    const std::unique_ptr<DxfSource> m_file;
     const Encoder m_encoder;
     QByteArray m_out;
     std::vector<bool> m_written; ///< By index of the stub.
     std::uint32_t m_objects = 0;
     std::map<QByteArray, int> m_lost;
+    std::unordered_set<std::uint32_t> m_lostStubs;
     std::map<QByteArray, int> m_proxies;
 };
 
@@ -90,12 +94,26 @@ void Exporter::classes()
         m_encoder.text(m_out, 2, each.className);
         m_encoder.text(m_out, 3, each.application);
         m_encoder.integer(m_out, 90, each.proxyFlags);
-        if (m_file.version() >= DrawingVersion::r2004)
+        if (m_file->version() >= DrawingVersion::r2004)
             m_encoder.integer(m_out, 91, 0);
         m_encoder.integer(m_out, 280, each.wasProxy);
         m_encoder.integer(m_out, 281, each.isEntity);
     }
     endSection();
+}
+
+/// What a lost object owns goes with it.
+bool Exporter::isOfTheLost(const AcDbStub &stub) const
+{
+    if (m_lostStubs.empty())
+        return false;
+    std::uint32_t owner = stub.owner;
+    for (std::uint32_t steps = 0; owner != 0 && steps < m_database.stubCount(); ++steps) {
+        if (m_lostStubs.contains(owner))
+            return true;
+        owner = m_database.stub(owner)->owner;
+    }
+    return false;
 }
 
 /// False when DXF has no form for it.
@@ -104,6 +122,8 @@ bool Exporter::object(const AcDbStub &stub)
     if (m_written[stub.index] || stub.has(AcDbStub::kErased))
         return true;
     m_written[stub.index] = true;
+    if (isOfTheLost(stub))
+        return false;
     ResbufList groups = m_database.fileGroups(stub);
     for (std::size_t i = 0; i < groups.size(); ++i) {
         if (groups[i].restype != 100 || !groups[i].text().startsWith(u"AcDbProxy"))
@@ -113,6 +133,7 @@ bool Exporter::object(const AcDbStub &stub)
         const QByteArray kind = acdbKindName(stub.kind);
         if (!classId || classId->integer() < kFirstClass) {
             ++m_lost[kind];
+            m_lostStubs.insert(stub.index);
             return false;
         }
         const char *const name = stub.has(AcDbStub::kEntity) ? "ACAD_PROXY_ENTITY" : "ACAD_PROXY_OBJECT";
