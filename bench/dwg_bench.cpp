@@ -1,5 +1,5 @@
-// Claim: opening a DWG drawing takes no longer than opening the same drawing as DXF, whose file is several times
-// as large; what decoding every object takes is told beside it.
+// Claim: opening a DWG drawing takes no longer than opening the same drawing as DXF, whose file is several
+// times as large; what decoding every object takes is told beside it.
 //
 // usage: bench_open_dwg FILE.dwg...   (the DXF file is written from the drawing itself)
 #include "bench/stopwatch.h"
@@ -19,7 +19,8 @@ static bool measure(const QString &path)
     const auto open = [&path] {
         auto bytes = base::readFileBytes(path);
         return bytes ? readDwg(*std::move(bytes), path)
-                     : base::Result<std::unique_ptr<AcDbDatabase>, QString>(base::Failure{bytes.error().text()});
+                     : base::Result<std::unique_ptr<AcDbDatabase>, QString>(
+                           base::Failure{bytes.error().text()});
     };
     const auto opened = open();
     if (!opened) {
@@ -38,9 +39,11 @@ static bool measure(const QString &path)
         for (std::uint32_t index = 1; index < database.stubCount(); ++index)
             static_cast<void>(database.fileGroups(*database.stub(index)));
     });
-    std::printf("%-28s %8u objects, %6.2f MB: opening %7.1f ms; as DXF %6.2f MB: %7.1f ms (%.2f x); decoding all %7.1f ms\n",
-                qPrintable(QFileInfo(path).fileName()), database.stubCount() - 1, double(QFileInfo(path).size()) / 1e6,
-                dwgOpening * 1e3, double(dxf.size()) / 1e6, dxfOpening * 1e3, dwgOpening / dxfOpening, decoding * 1e3);
+    std::printf("%-28s %8u objects, %6.2f MB: opening %7.1f ms; as DXF %6.2f MB: %7.1f ms (%.2f x); decoding "
+                "all %7.1f ms\n",
+                qPrintable(QFileInfo(path).fileName()), database.stubCount() - 1,
+                double(QFileInfo(path).size()) / 1e6, dwgOpening * 1e3, double(dxf.size()) / 1e6,
+                dxfOpening * 1e3, dwgOpening / dxfOpening, decoding * 1e3);
     return true;
 }
 

@@ -64,7 +64,7 @@ class RealDwgTest(unittest.TestCase):
         self.assertEqual(info["repairs"], [])
         picture = Path("picture.png").absolute()
         picture.unlink(missing_ok=True)
-        program.call("picture", path, "-o", picture)
+        program.call("picture", path, picture)
         self.assertGreater(picture.stat().st_size, 1000)
         refused = program.call("run", "-", path, "-o", "saved.dwg", "-f", text="ZOOM\nE\n", status=2)
         self.assertIn("SAVEAS", refused.stderr)

@@ -91,7 +91,8 @@ static bool mayConvert(const AcApDocument &document, const QString &path, bool c
     const QStringList losses = acDocManager()->lossesOfSaving(document, path);
     for (const QString &loss : losses)
         acutPrintf(u'\n' + loss);
-    return losses.isEmpty() || askYes(Host::tr("\n另存为 %1 会有以上损失。继续吗?").arg(path), false).value_or(false);
+    return losses.isEmpty() ||
+           askYes(Host::tr("\n另存为 %1 会有以上损失。继续吗?").arg(path), false).value_or(false);
 }
 
 static void saveUnderAskedName(bool copyOnly)

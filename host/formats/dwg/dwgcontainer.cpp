@@ -39,9 +39,9 @@ base::Result<Container, QString> openContainer(std::string_view file)
     constexpr std::uint32_t kEncrypted = 0x3;
     if (!isPlain && (numberAt<std::uint32_t>(file, 0x18) & kEncrypted))
         return base::Failure{Host::tr("the drawing is encrypted; save it without a password first")};
-    const auto opened = isPlain                                         ? openPlain(file, container)
+    const auto opened = isPlain                                      ? openPlain(file, container)
                         : container.version == DrawingVersion::r2007 ? openPaged21(file, container)
-                                                                         : openPaged(file, container);
+                                                                     : openPaged(file, container);
     if (!opened)
         return base::Failure{opened.error()};
     container.objects = isPlain ? file : container.section("AcDb:AcDbObjects");
@@ -58,8 +58,8 @@ base::Result<void, QString> openPlain(std::string_view file, Container &containe
 {
     constexpr std::size_t kFirstRecord = 0x19;
     constexpr std::size_t kRecord = 9;
-    static constexpr const char *kNames[] = {"AcDb:Header", "AcDb:Classes", "AcDb:Handles", "AcDb:ObjFreeSpace",
-                                             "AcDb:Template", "AcDb:AuxHeader"};
+    static constexpr const char *kNames[] = {"AcDb:Header",       "AcDb:Classes",  "AcDb:Handles",
+                                             "AcDb:ObjFreeSpace", "AcDb:Template", "AcDb:AuxHeader"};
     const std::uint32_t records = numberAt<std::uint32_t>(file, 0x15);
     if (records < 3 || records > 64)
         return base::Failure{Host::tr("the file says nowhere where its sections are")};
@@ -77,8 +77,7 @@ base::Result<void, QString> openPlain(std::string_view file, Container &containe
         const std::string_view part =
             partOf(file, numberAt<std::uint32_t>(file, at + 1), numberAt<std::uint32_t>(file, at + 5));
         if (number < std::size(kNames) && !part.empty())
-            container.sections[kNames[number]] =
-                QByteArray::fromRawData(part.data(), qsizetype(part.size()));
+            container.sections[kNames[number]] = QByteArray::fromRawData(part.data(), qsizetype(part.size()));
     }
     return {};
 }

@@ -1,9 +1,9 @@
 // The container of a DWG file: its named sections, unpacked, whatever version packed them.
 //
-// AC1012 to AC1015 hold sections as they are and objects anywhere in the file; AC1018 and later pack them into
-// pages, with a map of pages and a map of sections; AC1021 does so in a way of its own, behind Reed-Solomon
-// codes. Every checksum is looked at. What does not match is told in `warnings` and used as far as it goes;
-// without its maps a file is refused.
+// AC1012 to AC1015 hold sections as they are and objects anywhere in the file; AC1018 and later pack them
+// into pages, with a map of pages and a map of sections; AC1021 does so in a way of its own, behind
+// Reed-Solomon codes. Every checksum is looked at. What does not match is told in `warnings` and used as far
+// as it goes; without its maps a file is refused.
 #pragma once
 
 #include "host/acdb/dbsource.h"
@@ -17,8 +17,8 @@ namespace dwg
 
 struct Container {
     DrawingVersion version = DrawingVersion::unknown;
-    int maintenance = 0;       ///< Of the version.
-    std::uint16_t codePage = 0; ///< DWG's number.
+    int maintenance = 0;                       ///< Of the version.
+    std::uint16_t codePage = 0;                ///< DWG's number.
     std::map<QByteArray, QByteArray> sections; ///< "AcDb:Header" ...; views into the file up to AC1015.
     std::string_view objects; ///< What the object map's offsets count in: the file or "AcDb:AcDbObjects".
     QStringList warnings;
@@ -26,9 +26,9 @@ struct Container {
     std::string_view section(const QByteArray &name) const
     {
         const auto found = sections.find(name);
-        return found == sections.end() ? std::string_view()
-                                       : std::string_view(found->second.constData(),
-                                                          std::size_t(found->second.size()));
+        return found == sections.end()
+                   ? std::string_view()
+                   : std::string_view(found->second.constData(), std::size_t(found->second.size()));
     }
 };
 

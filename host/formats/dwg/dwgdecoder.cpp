@@ -57,7 +57,8 @@ static std::uint32_t paletteColor(int index)
 {
     static constexpr std::array<std::uint32_t, 10> kFirst{0x000000, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF,
                                                           0x0000FF, 0xFF00FF, 0xFFFFFF, 0x414141, 0x808080};
-    static constexpr std::array<std::uint32_t, 6> kGreys{0x333333, 0x505050, 0x696969, 0x828282, 0xBEBEBE, 0xFFFFFF};
+    static constexpr std::array<std::uint32_t, 6> kGreys{0x333333, 0x505050, 0x696969,
+                                                         0x828282, 0xBEBEBE, 0xFFFFFF};
     if (index < 10)
         return kFirst[std::size_t(index)];
     if (index >= 250)
@@ -190,7 +191,8 @@ static void putInOrder(const Kind &kind, ResbufList &read, ResbufList &out)
             continue;
         }
         const auto isMeant = [&](int code) {
-            return group.code != 0 ? code == group.code : std::ranges::find(kind.groups, code, &Group::code) == kind.groups.end();
+            return group.code != 0 ? code == group.code
+                                   : std::ranges::find(kind.groups, code, &Group::code) == kind.groups.end();
         };
         for (std::size_t i = 0; i < read.size(); ++i) {
             if (used[i] || !isMeant(read[i].restype))
@@ -230,7 +232,7 @@ static void appendLinks(const Common &common, std::uint64_t owner, ResbufList &o
 
 static int entityLineweight(int index)
 {
-    static constexpr std::array<int, 24> kWeights{0,  5,  9,  13, 15, 18, 20,  25,  30,  35,  40,  50,
+    static constexpr std::array<int, 24> kWeights{0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
                                                   53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
     if (index >= 0 && index < int(kWeights.size()))
         return kWeights[std::size_t(index)];
@@ -318,10 +320,11 @@ static QString extendedText(const ObjectReader &reader, Bits &data)
     const auto codec = base::TextCodec::fromDwgNumber(std::uint16_t(page << 8 | page >> 8));
     const QByteArray bytes = data.bytes(length);
     return decodeText({bytes.constData(), std::size_t(bytes.size())},
-                                   codec.known() ? codec : reader.facts().codec);
+                      codec.known() ? codec : reader.facts().codec);
 }
 
-static bool extendedItem(const ObjectReader &reader, const Neighbours &neighbours, Bits &data, ResbufList &out)
+static bool extendedItem(const ObjectReader &reader, const Neighbours &neighbours, Bits &data,
+                         ResbufList &out)
 {
     const int code = 1000 + data.rawChar();
     if (data.failed())

@@ -1,7 +1,8 @@
 // Decoding an object into its DXF groups.
 //
-// What is known of a kind stands in one row (dwgkinds.h): the fields as DWG stores them, and the order in which
-// DXF writes the groups. Fields that no simple code describes are read by functions that take a Decoder.
+// What is known of a kind stands in one row (dwgkinds.h): the fields as DWG stores them, and the order in
+// which DXF writes the groups. Fields that no simple code describes are read by functions that take a
+// Decoder.
 #pragma once
 
 #include "host/acdb/resbuf.h"
@@ -22,7 +23,7 @@ struct PlanePolyline {
 struct Neighbours {
     std::unordered_map<std::uint64_t, QString> recordNames; ///< Of symbol table records, by handle.
     std::unordered_map<std::uint64_t, QString> bookColors;  ///< "book$colour" of colour objects, by handle.
-    std::unordered_map<std::uint64_t, PlanePolyline> polylines; ///< Those that are not all 0.
+    std::unordered_map<std::uint64_t, PlanePolyline> polylines;   ///< Those that are not all 0.
     std::unordered_map<std::uint64_t, std::uint64_t> sheetBlocks; ///< Blocks of sheets, with their layout.
     std::unordered_map<std::uint64_t, int> viewportNumbers;       ///< Of the viewports of a sheet, from 1.
 };
@@ -69,8 +70,8 @@ public:
     const Neighbours &neighbours;
     ResbufList out;
     OwnedParts parts;
-    std::size_t partCount = 0;      ///< Since AC1018.
-    bool hasParts = true;           ///< An INSERT says so.
+    std::size_t partCount = 0;     ///< Since AC1018.
+    bool hasParts = true;          ///< An INSERT says so.
     std::uint64_t owningBlock = 0; ///< For BLOCK: what holds its data.
 };
 
@@ -84,12 +85,12 @@ void readFields(const Kind &kind, Decoder &decoder);
 /// An object to be decoded, and what the file knows of it.
 struct ObjectPlace {
     std::string_view record;
-    QByteArray kindName;         ///< "LINE"
-    const Kind *kind = nullptr;  ///< Null for kinds without a table: their bits are shown as they are.
+    QByteArray kindName;        ///< "LINE"
+    const Kind *kind = nullptr; ///< Null for kinds without a table: their bits are shown as they are.
     bool isEntity = false;
-    std::uint64_t owner = 0;     ///< Its handle, where the object itself does not store it.
-    int classVersion = 0;        ///< For kinds without a table: version and maintenance of the class.
-    QString tableName;           ///< For the head of a symbol table.
+    std::uint64_t owner = 0;       ///< Its handle, where the object itself does not store it.
+    int classVersion = 0;          ///< For kinds without a table: version and maintenance of the class.
+    QString tableName;             ///< For the head of a symbol table.
     std::string_view blockOfBegin; ///< For BLOCK: the record of the block's header.
 };
 

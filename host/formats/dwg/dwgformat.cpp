@@ -61,8 +61,9 @@ public:
 
     QString whyNotWritten() const override
     {
-        return Host::tr("DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name "
-                        "that ends in .dxf)");
+        return Host::tr(
+            "DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name "
+            "that ends in .dxf)");
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }

@@ -27,11 +27,11 @@ struct Row {
 #define PLOT_SETTINGS_GROUPS                                                                                 \
     "AcDbPlotSettings 1 2 4 6 40 41 42 43 44 45 46 47 48 49 140 141 142 143 70 72 73 74 7 75 76 77 78 147 "  \
     "148 149 "
-#define DIMENSION_GROUPS "AcDbDimension 280 2 10 11 12=0 70 71 72=1 41=1 42 73 74 75 1= 51=0 53=0 54=0 210=z 3 "
+#define DIMENSION_GROUPS                                                                                     \
+    "AcDbDimension 280 2 10 11 12=0 70 71 72=1 41=1 42 73 74 75 1= 51=0 53=0 54=0 210=z 3 "
 #define TEXT_GROUPS "AcDbText 39=0 10 40 1 50=0 41=1 51=0 7=Standard 71=0 72=0 11 210=z "
 #define OWNED " *partCount *parts"
-#define RASTER_IMAGE_FIELDS                                                                                  \
-    "BL:90 3BD:10 3BD:11 3BD:12 2RD:13 BS:70 B:280 RC:281 RC:282 RC:283 *imageClip"
+#define RASTER_IMAGE_FIELDS "BL:90 3BD:10 3BD:11 3BD:12 2RD:13 BS:70 B:280 RC:281 RC:282 RC:283 *imageClip"
 #define RASTER_IMAGE_GROUPS " 90 10 11 12 13 340 70 280 281 282 283 290 360 71 10091 14"
 
 // clang-format off
@@ -180,11 +180,22 @@ constexpr struct {
     int type;
     const char *dxfName;
 } kNames[] = {
-    {0x21, "SHAPE"}, {0x2B, "OLEFRAME"},
-    {0x30, "TABLE"}, {0x32, "TABLE"}, {0x34, "TABLE"}, {0x38, "TABLE"}, {0x3C, "TABLE"}, {0x3E, "TABLE"},
-    {0x40, "TABLE"}, {0x42, "TABLE"}, {0x44, "TABLE"},
-    {0x4B, "DUMMY"}, {0x4C, "LONG_TRANSACTION"}, {0x51, "VBA_PROJECT"},
-    {kProxyEntity, "ACAD_PROXY_ENTITY"}, {kProxyObject, "ACAD_PROXY_OBJECT"},
+    {0x21, "SHAPE"},
+    {0x2B, "OLEFRAME"},
+    {0x30, "TABLE"},
+    {0x32, "TABLE"},
+    {0x34, "TABLE"},
+    {0x38, "TABLE"},
+    {0x3C, "TABLE"},
+    {0x3E, "TABLE"},
+    {0x40, "TABLE"},
+    {0x42, "TABLE"},
+    {0x44, "TABLE"},
+    {0x4B, "DUMMY"},
+    {0x4C, "LONG_TRANSACTION"},
+    {0x51, "VBA_PROJECT"},
+    {kProxyEntity, "ACAD_PROXY_ENTITY"},
+    {kProxyObject, "ACAD_PROXY_OBJECT"},
 };
 
 int versionOf(std::string_view year)
@@ -202,11 +213,11 @@ Field::Code codeOf(std::string_view name)
 {
     using Code = Field::Code;
     static const std::unordered_map<std::string_view, Code> kCodes{
-        {"B", Code::b},       {"BS", Code::bs},     {"BL", Code::bl},     {"RC", Code::rc},
-        {"RS", Code::rs},     {"RL", Code::rl},     {"BLL", Code::bll},   {"BD", Code::bd},
-        {"RD", Code::rd},     {"BT", Code::bt},     {"A", Code::angle},   {"T", Code::text},
-        {"2BD", Code::p2bd},  {"3BD", Code::p3bd},  {"2RD", Code::p2rd},  {"3RD", Code::p3rd},
-        {"BE", Code::be},     {"CMC", Code::color}, {"CMV", Code::colorValue}, {"H", Code::handle},
+        {"B", Code::b},      {"BS", Code::bs},     {"BL", Code::bl},          {"RC", Code::rc},
+        {"RS", Code::rs},    {"RL", Code::rl},     {"BLL", Code::bll},        {"BD", Code::bd},
+        {"RD", Code::rd},    {"BT", Code::bt},     {"A", Code::angle},        {"T", Code::text},
+        {"2BD", Code::p2bd}, {"3BD", Code::p3bd},  {"2RD", Code::p2rd},       {"3RD", Code::p3rd},
+        {"BE", Code::be},    {"CMC", Code::color}, {"CMV", Code::colorValue}, {"H", Code::handle},
         {"N", Code::name}};
     const auto found = kCodes.find(name);
     QUILL_ASSERT(found != kCodes.end());

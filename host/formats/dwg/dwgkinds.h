@@ -1,6 +1,7 @@
 // The table of kinds: for each, its fields as DWG stores them and its groups as DXF orders them.
 //
-// `fields` is a list of "CODE:group" in the order of the file. The codes are those of the published description:
+// `fields` is a list of "CODE:group" in the order of the file. The codes are those of the published
+// description:
 //   B BS BL RC RS RL BLL     integers          BD RD BT       reals
 //   A                        an angle (BD)     T              a text
 //   2BD 3BD 2RD 3RD BE       points            CMC CMV        a colour; a colour as its 32 bits
@@ -8,9 +9,9 @@
 // "-" for the group reads and forgets. "@2004" behind it: since that version; "@<2004": before. "*name" is a
 // function of dwgspecials.h.
 //
-// `groups` says what DXF writes: words are subclass markers, numbers are groups, each with all that was read for
-// it. "=0" behind it leaves out what has that value ("=z" the direction z, "=x" x, "=Standard" a text). "*"
-// stands for all groups that the row does not name.
+// `groups` says what DXF writes: words are subclass markers, numbers are groups, each with all that was read
+// for it. "=0" behind it leaves out what has that value ("=z" the direction z, "=x" x, "=Standard" a text).
+// "*" stands for all groups that the row does not name.
 #pragma once
 
 #include "host/formats/dwg/dwgdecoder.h"
@@ -20,8 +21,28 @@ namespace dwg
 
 struct Field {
     enum class Code : std::uint8_t {
-        b, bs, bl, rc, rs, rl, bll, bd, rd, bt, angle, text, p2bd, p3bd, p2rd, p3rd, be, color, colorValue,
-        handle, name, special
+        b,
+        bs,
+        bl,
+        rc,
+        rs,
+        rl,
+        bll,
+        bd,
+        rd,
+        bt,
+        angle,
+        text,
+        p2bd,
+        p3bd,
+        p2rd,
+        p3rd,
+        be,
+        color,
+        colorValue,
+        handle,
+        name,
+        special
     };
     Code code = Code::special;
     int group = 0; ///< 0: dropped.
@@ -31,14 +52,14 @@ struct Field {
 };
 
 struct Group {
-    QString marker;       ///< A subclass marker, when not empty.
-    int code = 0;         ///< 0 with an empty marker: all that are left.
+    QString marker; ///< A subclass marker, when not empty.
+    int code = 0;   ///< 0 with an empty marker: all that are left.
     bool hasDefault = false;
     resbuf::Value absent; ///< Left out when it has this value.
 };
 
 struct Kind {
-    int type;             ///< Of those with a number of their own; 0 for classes.
+    int type; ///< Of those with a number of their own; 0 for classes.
     const char *dxfName;
     DrawingVersion until; ///< The row describes files before this version; unknown: all.
     std::vector<Field> fields;

@@ -40,7 +40,8 @@ std::vector<MapEntry> readObjectMap(Container &container)
         map.remove_prefix(size + 2);
     }
     if (badChunks != 0)
-        container.warnings.append(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
+        container.warnings.append(
+            Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
     if (!ended)
         container.warnings.append(Host::tr("the object map has no end"));
     if (!std::ranges::is_sorted(entries, {}, &MapEntry::handle))

@@ -10,8 +10,7 @@ ObjectReader::ObjectReader(const FileFacts &facts, std::string_view record) : m_
 {
     Bits head(record);
     const std::size_t bytes = head.modularShort();
-    const std::size_t handleBits =
-        facts.since(DrawingVersion::r2010) ? std::size_t(head.modularChar()) : 0;
+    const std::size_t handleBits = facts.since(DrawingVersion::r2010) ? std::size_t(head.modularChar()) : 0;
     if (head.failed() || bytes == 0 || bytes > head.bitsLeft() / 8)
         return;
     const std::size_t begin = head.position() / 8;
@@ -82,8 +81,7 @@ Common ObjectReader::readCommon(bool isEntity)
             return common;
     }
     if (isEntity && data.bit()) {
-        const std::uint64_t size =
-            m_facts.since(DrawingVersion::r2010) ? data.bitLongLong() : data.rawLong();
+        const std::uint64_t size = m_facts.since(DrawingVersion::r2010) ? data.bitLongLong() : data.rawLong();
         common.graphicsBegin = data.position();
         common.graphicsSize = std::size_t(std::min<std::uint64_t>(size, SIZE_MAX / 8));
         data.skip(common.graphicsSize * 8);

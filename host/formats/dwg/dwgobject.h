@@ -108,7 +108,7 @@ public:
     /// Reads what all have; leaves the streams where the object's own parts begin.
     Common readCommon(bool isEntity);
 
-    QString text();                                 ///< TV or TU
+    QString text(); ///< TV or TU
     HandleRef reference() { return handles.handle(m_handle); }
     struct Color {
         int index = 256;

@@ -1,7 +1,7 @@
 // The container of AC1021: pages behind Reed-Solomon codes.
 //
-// A code word is 255 bytes: so many of data, the rest parity. The words of a page are interleaved, or data and
-// parity stand one behind the other.
+// A code word is 255 bytes: so many of data, the rest parity. The words of a page are interleaved, or data
+// and parity stand one behind the other.
 #include "host/base/host_text.h"
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgcontainer.h"
@@ -78,7 +78,8 @@ bool PagedFile21::readHeader()
     if (!plain.clean)
         warn(Host::tr("the file's header was damaged; its code words mended what they could"));
     const std::int32_t packed = numberAt<std::int32_t>(viewOf(plain.bytes), 0x18);
-    const std::string_view data = partOf(viewOf(plain.bytes), 0x20, std::uint64_t(std::abs(std::int64_t(packed))));
+    const std::string_view data =
+        partOf(viewOf(plain.bytes), 0x20, std::uint64_t(std::abs(std::int64_t(packed))));
     if (data.empty())
         return false;
     if (headerCrc64(data) != numberAt<std::uint64_t>(viewOf(plain.bytes), 0x10))
@@ -198,9 +199,8 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
         warn(Host::tr("page %1 is missing").arg(what));
         return;
     }
-    Corrected plain = interleaved
-                          ? decodeReedSolomon(stored, std::size_t(words), kDataPages)
-                          : Corrected{QByteArray(stored.data(), qsizetype(stored.size())), true};
+    Corrected plain = interleaved ? decodeReedSolomon(stored, std::size_t(words), kDataPages)
+                                  : Corrected{QByteArray(stored.data(), qsizetype(stored.size())), true};
     plain.bytes.truncate(qsizetype(page.packed));
     if (pageCrc64(viewOf(plain.bytes)) != page.crc)
         warn(Host::tr("the checksum of page %1 is wrong").arg(what));

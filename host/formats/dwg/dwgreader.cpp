@@ -447,7 +447,8 @@ void Loading::addStrayEntities()
             m_loader.setOwner(add(found, owner->isEntity ? AcDbStub::kSubEntity : 0), owner->stub);
     }
     if (strays != 0)
-        warn(Host::tr("%1 entities are not listed by the block that owns them; they were added to it").arg(strays));
+        warn(Host::tr("%1 entities are not listed by the block that owns them; they were added to it")
+                 .arg(strays));
 }
 
 // The rest ---------------------------------------------------------------------------------------

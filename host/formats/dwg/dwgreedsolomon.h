@@ -11,7 +11,7 @@ namespace dwg
 inline constexpr std::size_t kCodeWord = 255;
 
 struct ReedSolomonCode {
-    std::size_t data;       ///< Bytes of data in a word; half of the others can be mended.
+    std::size_t data; ///< Bytes of data in a word; half of the others can be mended.
     unsigned fieldPolynomial;
 };
 inline constexpr ReedSolomonCode kSystemPages{239, 0x169};

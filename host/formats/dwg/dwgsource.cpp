@@ -6,8 +6,9 @@
 #include <algorithm>
 
 DwgSource::DwgSource(base::FileBytes bytes, dwg::Container container)
-    : m_bytes(std::move(bytes)), m_container(std::move(container)),
-      m_facts{m_container.version, base::TextCodec::fromDwgNumber(m_container.codePage)}
+    : m_bytes(std::move(bytes)),
+      m_container(std::move(container)), m_facts{m_container.version,
+                                                 base::TextCodec::fromDwgNumber(m_container.codePage)}
 {
 }
 

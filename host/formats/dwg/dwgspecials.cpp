@@ -93,8 +93,7 @@ void text(Decoder &d)
         alignment.x = d.in.data.bitDoubleWithDefault(insertion.x);
         alignment.y = d.in.data.bitDoubleWithDefault(insertion.y);
     }
-    const AcGePoint3d normal =
-        isOld ? d.in.data.point3() : d.in.data.extrusion(d.in.version());
+    const AcGePoint3d normal = isOld ? d.in.data.point3() : d.in.data.extrusion(d.in.version());
     d.real(39, isOld ? d.in.data.bitDouble() : d.in.data.thickness(d.in.version()));
     d.angle(51, has(0x04) ? number() : 0.0);
     d.angle(50, has(0x08) ? number() : 0.0);
@@ -248,7 +247,8 @@ void hasParts(Decoder &d)
 void partCount(Decoder &d)
 {
     if (d.in.facts().since(r2004))
-        d.partCount = d.hasParts ? std::size_t(std::max(d.in.data.bitLong(), 0)) : std::size_t(d.in.data.bitLong() * 0);
+        d.partCount =
+            d.hasParts ? std::size_t(std::max(d.in.data.bitLong(), 0)) : std::size_t(d.in.data.bitLong() * 0);
 }
 
 void parts(Decoder &d)
@@ -429,8 +429,7 @@ void dimension(Decoder &d)
 
 void kindOfDimension(Decoder &d)
 {
-    const auto flags =
-        std::ranges::find_if(d.out, [](const resbuf &group) { return group.restype == 70; });
+    const auto flags = std::ranges::find_if(d.out, [](const resbuf &group) { return group.restype == 70; });
     if (flags == d.out.end())
         return;
     static constexpr std::array kKinds{6, 0, 1, 5, 2, 4, 3};
@@ -701,7 +700,9 @@ ResbufList hatchGradient(Decoder &d)
     const int isSingle = data.bitLong();
     const double tint = data.bitDouble();
     const std::size_t colors = d.count(data.bitLong(), 12);
-    const auto add = [&groups](int code, resbuf::Value value) { groups.emplace_back(code, std::move(value)); };
+    const auto add = [&groups](int code, resbuf::Value value) {
+        groups.emplace_back(code, std::move(value));
+    };
     add(450, std::int64_t(isGradient));
     add(451, std::int64_t(reserved));
     add(460, angle);

@@ -15,7 +15,9 @@ std::int64_t colorBits(Decoder &d)
 {
     const int index = d.in.data.bitShort();
     if (!d.in.facts().since(DrawingVersion::r2004)) {
-        const std::uint32_t bits = index == 256 ? 0xC0000000 : index == 0 ? 0xC1000000 : 0xC3000000 | unsigned(index);
+        const std::uint32_t bits = index == 256 ? 0xC0000000
+                                   : index == 0 ? 0xC1000000
+                                                : 0xC3000000 | unsigned(index);
         return std::int32_t(bits);
     }
     const std::int32_t value = d.in.data.bitLong();

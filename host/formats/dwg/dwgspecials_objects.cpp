@@ -103,7 +103,7 @@ void addFlags(Decoder &d, std::int64_t flags)
         group->assign(group->integer() | flags);
 }
 
-constexpr std::array<int, 24> kLineweights{0,  5,  9,  13, 15, 18, 20, 25,  30,  35,  40,  50,
+constexpr std::array<int, 24> kLineweights{0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
                                            53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
 
 int lineweightOf(int index)
@@ -173,8 +173,9 @@ QString textOfDash(const Decoder &d, const QByteArray &area, int place)
     if (place < 0 || begin >= area.size())
         return {};
     if (!isWide) {
-        const QByteArray bytes(area.constData() + begin,
-                               qsizetype(qstrnlen(area.constData() + begin, std::size_t(area.size() - begin))));
+        const QByteArray bytes(
+            area.constData() + begin,
+            qsizetype(qstrnlen(area.constData() + begin, std::size_t(area.size() - begin))));
         return decodeText({bytes.constData(), std::size_t(bytes.size())}, d.in.facts().codec);
     }
     QString text;
@@ -431,7 +432,7 @@ bool xrecordGroup(Decoder &d, Bits &data)
             const auto codec = base::TextCodec::fromDwgNumber(data.rawChar());
             const QByteArray bytes = data.bytes(length);
             d.text(code, decodeText({bytes.constData(), std::size_t(bytes.size())},
-                                                 codec.known() ? codec : d.in.facts().codec));
+                                    codec.known() ? codec : d.in.facts().codec));
         }
         break;
     case GroupKind::point:
@@ -523,7 +524,9 @@ void mlineStyle(Decoder &d)
         }
         // By layer and by block have numbers above all others.
         const int index = data.bitShort();
-        d.text(6 + kSubclass, index == 32767 ? QStringLiteral("BYLAYER") : index == 32766 ? QStringLiteral("BYBLOCK") : QString());
+        d.text(6 + kSubclass, index == 32767   ? QStringLiteral("BYLAYER")
+                              : index == 32766 ? QStringLiteral("BYBLOCK")
+                                               : QString());
     }
 }
 

@@ -252,8 +252,8 @@ Exported Exporter::run()
     if (!m_lost.empty())
         result.losses.append(Host::tr("left out, because DXF has no form for them: %1").arg(listOf(m_lost)));
     if (!m_proxies.empty())
-        result.losses.append(
-            Host::tr("written as proxies, which other programs show but cannot edit: %1").arg(listOf(m_proxies)));
+        result.losses.append(Host::tr("written as proxies, which other programs show but cannot edit: %1")
+                                 .arg(listOf(m_proxies)));
     return result;
 }
 

@@ -9,11 +9,12 @@ namespace dxf
 struct Exported {
     QByteArray bytes;
     std::uint32_t objects = 0; ///< How many were written.
-    QStringList losses; ///< What DXF cannot hold of the drawing, a sentence each.
+    QStringList losses;        ///< What DXF cannot hold of the drawing, a sentence each.
 };
 
-/// Objects whose groups are only bits (100 AcDbProxyEntity, AcDbProxyObject) are written as the proxies that DXF
-/// has for them, when the drawing has a record of their class; the others are left out and told in `losses`.
+/// Objects whose groups are only bits (100 AcDbProxyEntity, AcDbProxyObject) are written as the proxies that
+/// DXF has for them, when the drawing has a record of their class; the others are left out and told in
+/// `losses`.
 Exported exportDrawing(const AcDbDatabase &database);
 
 } // namespace dxf

@@ -38,8 +38,8 @@ private:
     std::unique_ptr<dxf::Image> m_image;
 };
 
-/// A drawing of another format as a whole DXF file. Writes a temporary file beside the target, reads it again,
-/// and renames it when every object that was written is in it.
+/// A drawing of another format as a whole DXF file. Writes a temporary file beside the target, reads it
+/// again, and renames it when every object that was written is in it.
 base::Result<base::WrittenFile, DxfError> convertToDxf(AcDbDatabase &database, const QString &path,
                                                        const base::Progress &progress,
                                                        const base::MayReplace &mayReplace);

@@ -480,9 +480,26 @@ QByteArray DwgFile::bytes() const
 
 QByteArray smallDwg(DrawingVersion version)
 {
-    enum : std::uint64_t { blocks = 1, layers = 2, styles = 3, linetypes = 5, apps = 9, root = 0xC, layer0 = 0x10,
-                           hidden = 0x11, standard = 0x12, continuous = 0x14, app = 0x15, model = 0x1F, begin = 0x20,
-                           end = 0x21, line = 0x30, text = 0x31, circle = 0x32, custom = 0x33 };
+    enum : std::uint64_t {
+        blocks = 1,
+        layers = 2,
+        styles = 3,
+        linetypes = 5,
+        apps = 9,
+        root = 0xC,
+        layer0 = 0x10,
+        hidden = 0x11,
+        standard = 0x12,
+        continuous = 0x14,
+        app = 0x15,
+        model = 0x1F,
+        begin = 0x20,
+        end = 0x21,
+        line = 0x30,
+        text = 0x31,
+        circle = 0x32,
+        custom = 0x33
+    };
     DwgFile file(version);
     file.addClass("TESTWALL", true);
     const auto control = [&file](std::uint64_t handle, int type, std::vector<std::uint64_t> records) {

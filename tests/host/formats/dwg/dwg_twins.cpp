@@ -1,7 +1,8 @@
-// dwg_twins DWG DXF: reads the same drawing from both files and compares every object, group by group, by handle.
-// Prints what differs, by kind and group, with one example each, then
+// dwg_twins DWG DXF: reads the same drawing from both files and compares every object, group by group, by
+// handle. Prints what differs, by kind and group, with one example each, then
 //   "N objects, N alike, N differ, N not understood, N only in DWG, N only in DXF".
-// The order of groups counts only among those of one number. real_dwg_test.py says which differences are known.
+// The order of groups counts only among those of one number. real_dwg_test.py says which differences are
+// known.
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dxf/dxfreader.h"
 
@@ -25,7 +26,10 @@ QString shown(const resbuf::Value &value)
         {
             return QStringLiteral("(%1 %2 %3)").arg(p.x).arg(p.y).arg(p.z);
         }
-        QString operator()(AcDbHandle handle) const { return u'#' + QString::number(handle.value, 16).toUpper(); }
+        QString operator()(AcDbHandle handle) const
+        {
+            return u'#' + QString::number(handle.value, 16).toUpper();
+        }
         QString operator()(AcDbObjectId) const { return QStringLiteral("id"); }
         QString operator()(const QByteArray &bytes) const { return QString::fromLatin1(bytes.toHex()); }
     };
@@ -100,7 +104,8 @@ public:
                 continue;
             }
             if (values.size() != other->second.size()) {
-                note(code, QStringLiteral("%1 in DWG, %2 in DXF").arg(values.size()).arg(other->second.size()));
+                note(code,
+                     QStringLiteral("%1 in DWG, %2 in DXF").arg(values.size()).arg(other->second.size()));
                 continue;
             }
             for (std::size_t i = 0; i < values.size(); ++i) {

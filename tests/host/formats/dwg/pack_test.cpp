@@ -23,11 +23,26 @@ TEST(DwgDecompress, UnpacksEveryOpcode18AndRefusesEveryCut)
 {
     const std::string_view kEnd = "\x11\0\0"sv;
     const Packed rows[] = {
-        {"literals alone", "\x02" "abcde"sv, "abcde"},
-        {"short copy, then one literal", "\x01" "abcd\x4d\x00!"sv, "abcdabc!"},
-        {"copy into itself", "\x01" "abcd\x80\x00"sv, "abcdddddddd"},
-        {"0x21-0x3F with a literal", "\x01" "abcd\x22\x0d\x00!"sv, "abcdabcd!"},
-        {"0x20 long", "\x01" "abcd\x20\x02\x0d\x00!"sv, "abcdabcdabcdabcdabcdabcdabcdabcdabcdabc!"},
+        {"literals alone",
+         "\x02"
+         "abcde"sv,
+         "abcde"},
+        {"short copy, then one literal",
+         "\x01"
+         "abcd\x4d\x00!"sv,
+         "abcdabc!"},
+        {"copy into itself",
+         "\x01"
+         "abcd\x80\x00"sv,
+         "abcdddddddd"},
+        {"0x21-0x3F with a literal",
+         "\x01"
+         "abcd\x22\x0d\x00!"sv,
+         "abcdabcd!"},
+        {"0x20 long",
+         "\x01"
+         "abcd\x20\x02\x0d\x00!"sv,
+         "abcdabcdabcdabcdabcdabcdabcdabcdabcdabc!"},
     };
     for (const Packed &row : rows) {
         SCOPED_TRACE(row.what);
@@ -44,10 +59,24 @@ TEST(DwgDecompress, UnpacksEveryOpcode18AndRefusesEveryCut)
 TEST(DwgDecompress, UnpacksLiteralsOf21InTheirOwnOrder)
 {
     // Three literals stand the other way round; eight by halves of four.
-    EXPECT_EQ(dwg::decompress21("\x20\0\0\x03" "cba"sv, 3).bytes, "abc");
-    EXPECT_TRUE(dwg::decompress21("\x00" "abcdefgh"sv, 8).whole);
-    EXPECT_EQ(dwg::decompress21("\x00" "abcdefgh"sv, 8).bytes, "abcdefgh");
-    EXPECT_FALSE(dwg::decompress21("\x00" "abcdefgh"sv, 9).whole);
+    EXPECT_EQ(dwg::decompress21("\x20\0\0\x03"
+                                "cba"sv,
+                                3)
+                  .bytes,
+              "abc");
+    EXPECT_TRUE(dwg::decompress21("\x00"
+                                  "abcdefgh"sv,
+                                  8)
+                    .whole);
+    EXPECT_EQ(dwg::decompress21("\x00"
+                                "abcdefgh"sv,
+                                8)
+                  .bytes,
+              "abcdefgh");
+    EXPECT_FALSE(dwg::decompress21("\x00"
+                                   "abcdefgh"sv,
+                                   9)
+                     .whole);
 }
 
 /// A code word made the slow way: parity is what is left of the data after division.
@@ -60,7 +89,9 @@ std::string codeWord(const dwg::ReedSolomonCode &code, const std::string &data)
         logarithm[value] = i;
         value = value << 1 & 0x100 ? (value << 1 ^ code.fieldPolynomial) & 0xFF : value << 1;
     }
-    const auto times = [&](int a, int b) { return a && b ? power[std::size_t(logarithm[std::size_t(a)] + logarithm[std::size_t(b)])] : 0; };
+    const auto times = [&](int a, int b) {
+        return a && b ? power[std::size_t(logarithm[std::size_t(a)] + logarithm[std::size_t(b)])] : 0;
+    };
     const int parity = int(dwg::kCodeWord - code.data);
     std::vector<int> generator{1};
     for (int root = 1; root <= parity; ++root) {
@@ -115,7 +146,8 @@ TEST(DwgReedSolomon, MendsHalfAsManyBytesAsThereIsParity)
 TEST(DwgBits, HandlesCountFromTheObject)
 {
     tests::BitWriter out;
-    for (const auto &[code, handle] : {std::pair{5, 0x1234}, std::pair{6, 0}, std::pair{8, 0}, std::pair{0xA, 3}, std::pair{0xC, 3}})
+    for (const auto &[code, handle] :
+         {std::pair{5, 0x1234}, std::pair{6, 0}, std::pair{8, 0}, std::pair{0xA, 3}, std::pair{0xC, 3}})
         out.h(code, std::uint64_t(handle));
     const QByteArray bytes = out.bytes();
     dwg::Bits in(std::string_view(bytes.constData(), std::size_t(bytes.size())));

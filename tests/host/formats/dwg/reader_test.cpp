@@ -52,15 +52,19 @@ TEST(DwgReader, DecodesIntoTheGroupsOfDxf)
         EXPECT_EQ(findGroup(line, 8)->text(), u"H\u00e4user");
         EXPECT_EQ(findGroup(line, 62)->integer(), 1);
         EXPECT_EQ(findGroup(line, 330)->handle().value, 0x1FU);
-        EXPECT_EQ(from(line, "AcDbLine"), (ResbufList{{10, AcGePoint3d(1, 2, 0)}, {11, AcGePoint3d(5, 6.5, 0)}}));
+        EXPECT_EQ(from(line, "AcDbLine"),
+                  (ResbufList{{10, AcGePoint3d(1, 2, 0)}, {11, AcGePoint3d(5, 6.5, 0)}}));
 
         const ResbufList text = from(groupsOf(database, 0x31), "AcDbText");
         EXPECT_EQ(findGroup(text, 1)->text(), u"90\u00b0 ^J") << "carets are carets in DWG";
         EXPECT_EQ(findGroup(text, 7), nullptr);
 
         const ResbufList circle = from(groupsOf(database, 0x32), "AcDbCircle");
-        EXPECT_EQ(circle, (ResbufList{{39, 0.5}, {10, AcGePoint3d(7, 8, 9)}, {40, 2.0},
-                                      {1001, QStringLiteral("TESTAPP")}, {1070, std::int64_t(7)}}));
+        EXPECT_EQ(circle, (ResbufList{{39, 0.5},
+                                      {10, AcGePoint3d(7, 8, 9)},
+                                      {40, 2.0},
+                                      {1001, QStringLiteral("TESTAPP")},
+                                      {1070, std::int64_t(7)}}));
 
         const ResbufList layer = groupsOf(database, 0x11);
         EXPECT_EQ(findGroup(layer, 62)->integer(), -3) << "off";
@@ -96,7 +100,8 @@ TEST(DwgReader, IsWrittenAsDxfThatHoldsTheSame)
         ASSERT_TRUE(opened);
         const dxf::Exported exported = dxf::exportDrawing(**opened);
         EXPECT_THAT(exported.losses.join(u'\n').toStdString(), testing::HasSubstr("1 TESTWALL"));
-        const auto again = readDxf(base::FileBytes::fromByteArray(exported.bytes), QStringLiteral("test.dxf"));
+        const auto again =
+            readDxf(base::FileBytes::fromByteArray(exported.bytes), QStringLiteral("test.dxf"));
         ASSERT_TRUE(again) << qPrintable(again.error().text());
         EXPECT_EQ((*again)->repairs(), QStringList());
         EXPECT_EQ((*again)->stubCount() - 1, exported.objects);
@@ -159,7 +164,8 @@ TEST(DwgReader, TellsOfWrongChecksums)
     bytes.replace("TESTAPP", "TEST!PP");
     const auto opened = open(bytes);
     ASSERT_TRUE(opened);
-    EXPECT_THAT((*opened)->repairs(), testing::Contains("1 objects have a wrong checksum; they are read as they are"));
+    EXPECT_THAT((*opened)->repairs(),
+                testing::Contains("1 objects have a wrong checksum; they are read as they are"));
 }
 
 /// Every row is parsed; a mistake in it is a fault of the programmer and ends the program.
