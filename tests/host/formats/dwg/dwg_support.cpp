@@ -272,10 +272,12 @@ QByteArray DwgFile::objectMap(const std::map<std::uint64_t, std::size_t> &places
     return map;
 }
 
-static QByteArray framed(const char *begin, const char *end, const QByteArray &data)
+static QByteArray framed(DrawingVersion version, const char *begin, const char *end, const QByteArray &data)
 {
     BitWriter size;
     size.rl(std::uint32_t(data.size()));
+    if (version == DrawingVersion::r2018)
+        size.rl(0);
     const QByteArray summed = size.bytes() + data;
     return QByteArray::fromHex(begin) + summed + crcOf(summed) + QByteArray::fromHex(end);
 }
@@ -322,7 +324,8 @@ QByteArray DwgFile::classes() const
     } else {
         whole.append(data);
     }
-    return framed("8DA1C4B8C4A9F8C5C0DCF45FE7CFB68A", "725E3B473B56073A3F230BA018304975", whole.bytes());
+    return framed(m_version, "8DA1C4B8C4A9F8C5C0DCF45FE7CFB68A", "725E3B473B56073A3F230BA018304975",
+                  whole.bytes());
 }
 
 /// Empty: what the variables are is tested on real files.
@@ -332,7 +335,8 @@ QByteArray DwgFile::header() const
     if (m_version >= DrawingVersion::r2007)
         data.rl(33);
     data.rl(0);
-    return framed("CF7B1F23FDDE38A95F7C68B84E6D335F", "3084E0DC0221C756A0839747B192CCA0", data.bytes());
+    return framed(m_version, "CF7B1F23FDDE38A95F7C68B84E6D335F", "3084E0DC0221C756A0839747B192CCA0",
+                  data.bytes());
 }
 
 static void putNumber(QByteArray &bytes, qsizetype at, std::uint64_t value, int size)
