@@ -4,6 +4,10 @@
 <context>
     <name>Host</name>
     <message>
+        <source>%1: in spite of its name this is a %2 file; save the drawing under another name</source>
+        <translation>%1: 虽然名字如此，这是一个 %2 文件；请把图形另存为别的名字</translation>
+    </message>
+    <message>
         <source>%1 entities are not listed by the block that owns them; they were added to it</source>
         <translation>%1 个对象没有列在所属的块中，已补入该块</translation>
     </message>
