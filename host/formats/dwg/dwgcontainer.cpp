@@ -21,6 +21,12 @@ DrawingVersion versionOf(std::string_view file)
     return DrawingVersion::unknown;
 }
 
+void Container::warn(const QString &sentence)
+{
+    if (warnings.size() < kMostWarnings)
+        warnings.append(sentence);
+}
+
 std::size_t unpackedLimit(std::string_view file)
 {
     return 32 * file.size() + (std::size_t(16) << 20);
@@ -70,7 +76,7 @@ base::Result<void, QString> openPlain(std::string_view file, Container &containe
     const std::string_view covered = partOf(file, 0, end);
     const bool isOldSum = records <= 6 && (crc16(covered, 0) ^ kMixed[records - 3]) == told;
     if (crc16(covered) != told && !isOldSum)
-        container.warnings.append(Host::tr("the checksum of the file's header is wrong"));
+        container.warn(Host::tr("the checksum of the file's header is wrong"));
     for (std::uint32_t i = 0; i < records; ++i) {
         const std::size_t at = kFirstRecord + i * kRecord;
         const std::uint8_t number = std::uint8_t(partOf(file, at, 1).empty() ? 0xFF : file[at]);

@@ -15,13 +15,17 @@
 namespace dwg
 {
 
+inline constexpr qsizetype kMostWarnings = 100;
+
 struct Container {
     DrawingVersion version = DrawingVersion::unknown;
     int maintenance = 0;                       ///< Of the version.
     std::uint16_t codePage = 0;                ///< DWG's number.
     std::map<QByteArray, QByteArray> sections; ///< "AcDb:Header" ...; views into the file up to AC1015.
     std::string_view objects; ///< What the object map's offsets count in: the file or "AcDb:AcDbObjects".
-    QStringList warnings;
+    QStringList warnings;     ///< At most kMostWarnings.
+
+    void warn(const QString &sentence);
 
     std::string_view section(const QByteArray &name) const
     {

@@ -280,7 +280,7 @@ std::string_view framedSection(Container &container, const QByteArray &name, std
     const std::string_view section = container.section(name);
     const QString called = QString::fromLatin1(name);
     if (section.substr(0, std::min(kSentinel, section.size())) != sentinel)
-        container.warnings.append(Host::tr("the section %1 does not begin as it should").arg(called));
+        container.warn(Host::tr("the section %1 does not begin as it should").arg(called));
     const std::size_t size = numberAt<std::uint32_t>(section, kSentinel);
     // Files may be larger than a number of 32 bits: the other half.
     const bool isWide =
@@ -290,12 +290,12 @@ std::string_view framedSection(Container &container, const QByteArray &name, std
     const std::size_t head = kSentinel + (isWide ? 8 : 4);
     std::string_view data = partOf(section, head, size);
     if (data.empty()) {
-        container.warnings.append(Host::tr("the section %1 is cut off").arg(called));
+        container.warn(Host::tr("the section %1 is cut off").arg(called));
         return section.size() > head ? section.substr(head) : std::string_view();
     }
     const std::string_view summed = section.substr(kSentinel, head - kSentinel + size);
     if (crc16(summed) != numberAt<std::uint16_t>(section, head + size))
-        container.warnings.append(Host::tr("the checksum of the section %1 is wrong").arg(called));
+        container.warn(Host::tr("the checksum of the section %1 is wrong").arg(called));
     return data;
 }
 
@@ -354,8 +354,8 @@ Header readHeader(const FileFacts &facts, Container &container)
         if (!reader.good()) {
             header.variables.resize(before);
             std::erase_if(header.names, [before](const auto &name) { return name.first >= before; });
-            container.warnings.append(Host::tr("the drawing's variables behind %1 could not be read")
-                                          .arg(QString::fromLatin1(header.variables.back().name)));
+            container.warn(Host::tr("the drawing's variables behind %1 could not be read")
+                               .arg(QString::fromLatin1(header.variables.back().name)));
             break;
         }
     }

@@ -40,10 +40,9 @@ std::vector<MapEntry> readObjectMap(Container &container)
         map.remove_prefix(size + 2);
     }
     if (badChunks != 0)
-        container.warnings.append(
-            Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
+        container.warn(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
     if (!ended)
-        container.warnings.append(Host::tr("the object map has no end"));
+        container.warn(Host::tr("the object map has no end"));
     if (!std::ranges::is_sorted(entries, {}, &MapEntry::handle))
         std::ranges::stable_sort(entries, {}, &MapEntry::handle);
     return entries;
@@ -109,8 +108,7 @@ std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container)
             break;
     }
     if (in.data.failed() || in.texts.failed())
-        container.warnings.append(
-            Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
+        container.warn(Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
     return classes;
 }
 

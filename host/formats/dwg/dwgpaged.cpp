@@ -40,13 +40,14 @@ private:
     bool readSection(std::string_view description, std::string_view pages);
     void readPage(const QByteArray &name, std::string_view description, std::string_view entry,
                   QByteArray &section);
-    void warn(const QString &sentence) { m_container.warnings.append(sentence); }
+    void warn(const QString &sentence) { m_container.warn(sentence); }
 
     std::string_view m_file;
     Container &m_container;
     QByteArray m_header;
     std::unordered_map<std::int64_t, Page> m_pages;
     std::size_t m_unpacked = 0;
+    std::size_t m_work = 0; ///< Bytes that pages gave.
 };
 
 /// The header is masked by a sequence of numbers.
@@ -167,10 +168,11 @@ bool PagedFile::readSection(std::string_view description, std::string_view pages
         return false;
     m_unpacked += std::size_t(size);
     QByteArray section(qsizetype(size), '\0'); // Pages of nothing but zeros are not in the file.
-    for (; !pages.empty(); pages.remove_prefix(kPageEntry))
+    // A page that is named again and again would cost more than the file is worth.
+    for (; !pages.empty() && m_work <= unpackedLimit(m_file); pages.remove_prefix(kPageEntry))
         readPage(sectionName, description, pages.substr(0, kPageEntry), section);
     m_container.sections[sectionName] = std::move(section);
-    return true;
+    return m_work <= unpackedLimit(m_file);
 }
 
 void PagedFile::readPage(const QByteArray &name, std::string_view description, std::string_view entry,
@@ -215,6 +217,7 @@ void PagedFile::readPage(const QByteArray &name, std::string_view description, s
     } else {
         bytes = QByteArray::fromRawData(stored.data(), qsizetype(stored.size()));
     }
+    m_work += std::size_t(bytes.size());
     const std::size_t count = std::min(room, std::size_t(bytes.size()));
     std::memcpy(section.data() + start, bytes.constData(), count);
 }

@@ -58,13 +58,14 @@ private:
     bool readSection(const QByteArray &name, std::uint64_t size, std::uint64_t encoding,
                      std::string_view pages);
     void readPage(const QByteArray &name, std::uint64_t encoding, const PageEntry &page, QByteArray &section);
-    void warn(const QString &sentence) { m_container.warnings.append(sentence); }
+    void warn(const QString &sentence) { m_container.warn(sentence); }
 
     std::string_view m_file;
     Container &m_container;
     QByteArray m_header;
     std::unordered_map<std::uint64_t, std::uint64_t> m_pages; ///< Places by number.
     std::size_t m_unpacked = 0;
+    std::size_t m_work = 0; ///< Bytes that pages gave.
 };
 
 bool PagedFile21::readHeader()
@@ -170,13 +171,14 @@ bool PagedFile21::readSection(const QByteArray &name, std::uint64_t size, std::u
         return false;
     m_unpacked += std::size_t(size);
     QByteArray section(qsizetype(size), '\0'); // Pages of nothing but zeros are not in the file.
-    for (; !pages.empty(); pages.remove_prefix(kPageEntry)) {
+    // A page that is named again and again would cost more than the file is worth.
+    for (; !pages.empty() && m_work <= unpackedLimit(m_file); pages.remove_prefix(kPageEntry)) {
         PageEntry page{};
         std::memcpy(&page, pages.data(), sizeof page);
         readPage(name, encoding, page, section);
     }
     m_container.sections[name] = std::move(section);
-    return true;
+    return m_work <= unpackedLimit(m_file);
 }
 
 void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const PageEntry &page,
@@ -212,6 +214,7 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
             warn(Host::tr("page %1 is damaged behind byte %2").arg(what).arg(unpacked.bytes.size()));
         plain.bytes = std::move(unpacked.bytes);
     }
+    m_work += std::size_t(plain.bytes.size());
     const std::size_t room = std::size_t(section.size()) - std::size_t(page.start);
     std::memcpy(section.data() + page.start, plain.bytes.constData(),
                 std::min(room, std::size_t(plain.bytes.size())));

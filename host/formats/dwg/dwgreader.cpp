@@ -43,7 +43,7 @@ public:
     bool run();
 
 private:
-    void warn(const QString &sentence) { m_source.container().warnings.append(sentence); }
+    void warn(const QString &sentence) { m_source.container().warn(sentence); }
     ObjectReader readerOf(const Found &found) const { return {m_facts, m_source.recordAt(found.begin)}; }
     Found *find(std::uint64_t handle);
     bool findObjects();
@@ -205,6 +205,7 @@ void Loading::nameAnonymousBlocks()
     };
     int sheets = 0;
     int place = -1;
+    int next = 0; // Numbers only grow: however many names are taken, each is looked at once.
     for (const std::uint64_t handle : entriesOf(*control)) {
         ++place;
         const auto known = names.find(handle);
@@ -217,11 +218,13 @@ void Loading::nameAnonymousBlocks()
         const bool isOtherSheet = isSpace(name) && handle != m_header.paperSpace;
         if (!isAnonymous && !isOtherSheet)
             continue;
-        int number = isAnonymous ? place : sheets++;
+        int number = isAnonymous ? std::max(place, next) : sheets++;
         QString numbered = name + QString::number(number);
         while (taken.contains(numbered.toUpper()))
             numbered = name + QString::number(++number);
         taken.insert(numbered.toUpper());
+        if (isAnonymous)
+            next = number + 1;
         name = numbered;
     }
 }
@@ -347,8 +350,8 @@ std::vector<std::uint64_t> Loading::chain(std::uint64_t first, std::uint64_t las
     std::uint64_t at = first;
     while (at != 0 && handles.size() <= m_objects.size()) {
         const Found *const entity = find(at);
-        if (!entity || !entity->isEntity)
-            break;
+        if (!entity || !entity->isEntity || entity->isSettled)
+            break; // Chains that run into each other would be walked over and over.
         handles.push_back(at);
         if (at == last)
             break;
