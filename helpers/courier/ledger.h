@@ -1,0 +1,80 @@
+// Ledger: what the courier must not forget, in an SQLite file: who it is, what it saw, what still goes out, and
+// what still goes to the program. All of it survives a courier that is killed at any moment.
+#pragma once
+
+#include "helpers/courier/message.h"
+
+#include "helpers/database/database.h"
+
+#include <vector>
+
+namespace courier
+{
+
+/// The message that counts for a mark: the last one in the order.
+struct Latest {
+    Stamp stamp;
+    QByteArray bytes;
+};
+
+struct Waiting {
+    qint64 number = 0;
+    QByteArray bytes;
+};
+
+/// Of a file that is laid down for the program.
+struct Arriving {
+    qint64 number = 0;
+    QByteArray mark;
+    bool isCopy = false;
+    QByteArray bytes;
+};
+
+/// Drawings are given by drawingName(). Throws sql::Trouble.
+class Ledger
+{
+public:
+    explicit Ledger(const QString &path);
+
+    sql::Database &database() { return m_database; }
+    /// Made at the first start, kept for good.
+    QString sender() const { return m_sender; }
+    QString remembered(const QString &what) const;
+    void remember(const QString &what, const QString &value);
+
+    bool isSeen(const QString &drawing, const Stamp &stamp) const;
+    void noteSeen(const QString &drawing, const Stamp &stamp);
+    qint64 highestCounter(const QString &drawing) const;
+
+    std::optional<Latest> latest(const QString &drawing, const QByteArray &mark) const;
+    void setLatest(const QString &drawing, const SharedChange &change, const Latest &latest);
+    /// Whether this message is the one that counts for its mark.
+    bool isLatest(const QString &drawing, const Stamp &stamp) const;
+    /// The mark said this at some time.
+    bool hasSaid(const QString &drawing, const QByteArray &mark, const QByteArray &digest) const;
+    /// Marks before erased ones; those with changes that wait are left out.
+    std::vector<QByteArray> wholeState(const QString &drawing) const;
+
+    /// A file of the program; the same again is nothing new.
+    void addWaiting(const QString &drawing, const SharedChange &change, const QByteArray &bytes);
+    std::vector<Waiting> waiting(const QString &drawing) const;
+    bool isWaiting(const QString &drawing, const QByteArray &mark) const;
+    void removeWaiting(qint64 number);
+    QStringList drawingsWaiting() const;
+    qint64 waitingCount() const;
+    /// The serial of the last file of the program.
+    quint64 lastSerial(const QString &drawing) const;
+
+    void addArriving(const QString &drawing, const QByteArray &mark, bool isCopy, const QByteArray &bytes);
+    std::vector<Arriving> arriving(const QString &drawing) const;
+    void removeArriving(const QString &drawing, qint64 upTo);
+    /// All but copies.
+    void removeArrivingStates(const QString &drawing);
+    qint64 arrivingCount() const;
+
+private:
+    sql::Database m_database;
+    QString m_sender;
+};
+
+} // namespace courier

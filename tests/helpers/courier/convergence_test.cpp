@@ -1,0 +1,251 @@
+// Everybody ends with the same marks, whatever people do and whatever happens to what they send: none is lost,
+// none is doubled, and no words are lost that nobody saw and replaced.
+#include "tests/helpers/courier/people.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+#include <set>
+
+using tests::Reviewer;
+
+namespace
+{
+
+int number(const char *variable, int fallback)
+{
+    const int given = qEnvironmentVariableIntValue(variable);
+    return given > 0 ? given : fallback;
+}
+
+/// Words are "w17": each is typed once.
+std::set<QString> wordsOf(const QStringList &marks)
+{
+    static const QRegularExpression word(QStringLiteral("\\bw\\d+\\b"));
+    std::set<QString> words;
+    for (const QString &mark : marks) {
+        for (auto each = word.globalMatch(mark); each.hasNext();)
+            words.insert(each.next().captured());
+    }
+    return words;
+}
+
+struct Counts {
+    std::map<QString, int> done;
+    int marks = 0, copies = 0, files = 0;
+};
+
+/// One seed: people who work at random, and what they do to the words.
+class Session
+{
+public:
+    Session(const QString &folder, unsigned seed, int people, Counts &counts)
+        : m_folder(folder), m_random(seed), m_counts(counts)
+    {
+        QDir().mkpath(folder + QStringLiteral("/share"));
+        for (int i = 0; i < people; ++i) {
+            const QString name = QStringLiteral("p%1").arg(i);
+            m_people.push_back(std::make_unique<Reviewer>(folder + u'/' + name, folder + QStringLiteral("/share"),
+                                                          name, m_random));
+        }
+    }
+
+    /// The first one switches on, saves, and hands out copies.
+    void begin(const QByteArray &drawing)
+    {
+        tests::writeFile(m_folder + QStringLiteral("/p0/plan.dxf"), drawing);
+        m_people[0]->open();
+        for (int i = 0; i < 3; ++i)
+            create(*m_people[0]);
+        m_people[0]->switchOn();
+        m_people[0]->save();
+        for (std::size_t i = 1; i < m_people.size(); ++i) {
+            QFile::copy(m_folder + QStringLiteral("/p0/plan.dxf"),
+                        m_folder + QStringLiteral("/p%1/plan.dxf").arg(i));
+            m_people[i]->open();
+            m_people[i]->switchOn();
+        }
+    }
+
+    void work(int steps)
+    {
+        for (int i = 0; i < steps; ++i)
+            step(*m_people[m_random() % m_people.size()]);
+    }
+
+    /// Everything is delivered.
+    void settle()
+    {
+        for (const auto &person : m_people)
+            person->connection().isAway = person->connection().isBad = false;
+        bool moved = true;
+        for (int round = 0; moved; ++round) {
+            ASSERT_LT(round, 1000) << "changes go round and round";
+            moved = false;
+            for (const auto &person : m_people) {
+                moved |= person->carry();
+                moved |= person->take();
+            }
+        }
+    }
+
+    void compare()
+    {
+        m_people[0]->sit();
+        const QStringList first = tests::marksOf(m_people[0]->database());
+        for (const auto &person : m_people) {
+            person->sit();
+            const QStringList marks = tests::marksOf(person->database());
+            EXPECT_EQ(marks.join(u'\n'), first.join(u'\n')) << qPrintable(person->name());
+            std::set<QString> guids;
+            for (const QString &mark : marks)
+                EXPECT_TRUE(guids.insert(mark.section(u' ', 0, 0)).second) << "doubled: " << qPrintable(mark);
+        }
+        const std::set<QString> words = wordsOf(first);
+        for (const QString &word : m_typed)
+            EXPECT_TRUE(words.contains(word) || m_replaced.contains(word)) << "lost: " << qPrintable(word);
+        m_counts.marks += int(first.size());
+        m_counts.copies += int(std::ranges::count_if(
+            first, [](const QString &mark) { return !mark.endsWith(QStringLiteral(" 0")); }));
+        QDir share(m_folder + QStringLiteral("/share"));
+        m_counts.files += int(share.entryList(QDir::Files).size());
+    }
+
+    ~Session()
+    {
+        for (const auto &person : m_people)
+            person->kill();
+    }
+
+private:
+    QString newWord()
+    {
+        const QString word = QStringLiteral("w%1").arg(++m_words);
+        m_typed.insert(word);
+        return word;
+    }
+
+    void create(Reviewer &person)
+    {
+        NewMark request;
+        request.corner1 = {double(m_random() % 1000), double(m_random() % 1000), 0};
+        request.corner2 = request.corner1 + AcGeVector3d(20, 10, 0);
+        request.reviewerName = person.name();
+        request.opinionText = newWord();
+        const AcDbUndoGroup group(person.database(), QStringLiteral("create"));
+        createMark(person.database(), request);
+    }
+
+    template <class Change>
+    void changeSome(Reviewer &person, Change change)
+    {
+        const auto marks = collectMarks(person.database()).ids;
+        if (marks.empty())
+            return;
+        const AcDbUndoGroup group(person.database(), QStringLiteral("change"));
+        const AcDbObjectPointer<QuillnoteObj3> mark(marks[m_random() % marks.size()], AcDb::kForWrite);
+        change(*mark);
+    }
+
+    /// What somebody does who sees what he does it to: words that go were meant to go.
+    template <class Deed>
+    void asPerson(Reviewer &person, Deed deed)
+    {
+        const std::set<QString> before = wordsOf(tests::marksOf(person.database()));
+        deed();
+        const std::set<QString> after = wordsOf(tests::marksOf(person.database()));
+        std::ranges::set_difference(before, after, std::inserter(m_replaced, m_replaced.end()));
+    }
+
+    void doSomething(Reviewer &person, const QString &deed)
+    {
+        if (deed == u"create")
+            create(person);
+        else if (deed == u"edit")
+            changeSome(person, [&](QuillnoteObj3 &mark) { mark.suggestionContent = newWord(); });
+        else if (deed == u"answer")
+            changeSome(person, [&](QuillnoteObj3 &mark) { mark.feedbackContent = newWord(); });
+        else if (deed == u"drag")
+            changeSome(person, [&](QuillnoteObj3 &mark) {
+                mark.transformBy(AcGeMatrix3d::translation({double(m_random() % 50), 1, 0}));
+            });
+        else if (deed == u"erase")
+            changeSome(person, [](QuillnoteObj3 &mark) { mark.erase(); });
+        else if (deed == u"undo")
+            AuthoringTest::run(QStringLiteral("U"));
+        else if (deed == u"save")
+            person.save();
+    }
+
+    void reopen(Reviewer &person)
+    {
+        person.kill();
+        person.open();
+        person.switchOn();
+    }
+
+    void step(Reviewer &person)
+    {
+        static const QStringList deeds{
+            QStringLiteral("create"), QStringLiteral("create"), QStringLiteral("edit"),
+            QStringLiteral("edit"),   QStringLiteral("answer"), QStringLiteral("answer"),
+            QStringLiteral("drag"),   QStringLiteral("erase"),  QStringLiteral("undo"),
+            QStringLiteral("save"),   QStringLiteral("away"),   QStringLiteral("kill")};
+        person.sit();
+        const unsigned what = m_random() % 40;
+        if (what >= unsigned(deeds.size())) {
+            what % 2 == 0 ? person.carry() : person.take();
+            return;
+        }
+        const QString deed = deeds[what];
+        ++m_counts.done[deed];
+        if (deed == u"away")
+            person.connection().isAway = !person.connection().isAway;
+        else if (deed == u"kill")
+            reopen(person);
+        else
+            asPerson(person, [&] { doSomething(person, deed); });
+    }
+
+    QString m_folder;
+    std::mt19937 m_random;
+    Counts &m_counts;
+    std::vector<std::unique_ptr<Reviewer>> m_people;
+    std::set<QString> m_typed, m_replaced;
+    int m_words = 0;
+};
+
+} // namespace
+
+struct Convergence : AuthoringTest {};
+
+TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
+{
+    const tests::TempDir folder;
+    const QString drawingPath = folder.path(QStringLiteral("empty.dxf"));
+    acDocManager()->newDocument();
+    ASSERT_TRUE(acDocManager()->saveDocument(curDoc(), drawingPath).ok());
+    const QByteArray drawingBytes = tests::readFile(drawingPath);
+    acDocManager()->closeDocument(curDoc());
+    Counts counts;
+    const int first = number("QUILLNOTE_FIRST_SEED", 1);
+    const int seeds = number("QUILLNOTE_SEEDS", 25);
+    for (int seed = first; seed < first + seeds; ++seed) {
+        const QString home = folder.path(QString::number(seed));
+        const int people = 2 + seed % (number("QUILLNOTE_PEOPLE", 5) - 1);
+        {
+            Session session(home, unsigned(seed), people, counts);
+            session.begin(drawingBytes);
+            session.work(number("QUILLNOTE_STEPS", 60));
+            session.settle();
+            session.compare();
+        }
+        QDir(home).removeRecursively();
+        ASSERT_FALSE(HasFailure()) << "seed " << seed << ", " << people << " people";
+    }
+    std::string table = "seeds " + std::to_string(seeds) + ", marks at the end " + std::to_string(counts.marks) +
+                        ", of them copies " + std::to_string(counts.copies);
+    for (const auto &[deed, times] : counts.done)
+        table += ", " + deed.toStdString() + " " + std::to_string(times);
+    std::printf("%s\n", table.c_str());
+}
