@@ -79,9 +79,8 @@ static QLabel *label(QWidget *parent, const QString &name)
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent), m_place(label(this, tr("光标坐标"))),
       m_facts(label(this, tr("布局、视图扭转与选择"))), m_busy(label(this, tr("正在绘制图形"))),
-      m_service(label(this, tr("与其他人同步"))),
-      m_work(label(this, tr("正在进行的工作"))), m_progress(new QProgressBar(this)),
-      m_stop(new QToolButton(this)), m_background(new QToolButton(this))
+      m_service(label(this, tr("与其他人同步"))), m_work(label(this, tr("正在进行的工作"))),
+      m_progress(new QProgressBar(this)), m_stop(new QToolButton(this)), m_background(new QToolButton(this))
 {
     const int wide = fontMetrics().averageCharWidth();
     m_place->setMinimumWidth(wide * 34);
@@ -96,7 +95,8 @@ StatusLine::StatusLine(QWidget *parent)
     m_background->setAccessibleName(tr("黑白背景"));
     m_background->setToolTip(tr("在黑色背景与白色背景之间切换"));
     m_background->setStatusTip(m_background->toolTip());
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop, m_service, m_facts})
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop, m_service, m_facts})
         addPermanentWidget(widget);
     addPermanentWidget(m_background);
     addWidget(m_place);

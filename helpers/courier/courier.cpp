@@ -7,7 +7,9 @@
 namespace courier
 {
 
-static constexpr qsizetype kMostBytesAtOnce = 32 * 1024 * 1024; ///< Of what the program is handed in one file.
+static const QString kHanded = QStringLiteral("handed ");
+static constexpr qsizetype kMostBytesAtOnce =
+    32 * 1024 * 1024; ///< Of what the program is handed in one file.
 
 Courier::Courier(ProgramFiles files, Ledger &ledger, Carrier &carrier)
     : m_files(std::move(files)), m_ledger(ledger), m_carrier(carrier)
@@ -92,12 +94,12 @@ bool Courier::receive(const QString &drawing)
     }
 }
 
-/// Whether anybody has to hear of it. A program that does not know what the mark was before, because its drawing
-/// was never saved after an exchange, must not take back what others did: it gets what counts, and its own
-/// words beside it unless they were said before.
+/// Whether anybody has to hear of it. A program that does not know what the mark was before, because its
+/// drawing was never saved after an exchange, must not take back what others did: it gets what counts, and
+/// its own words beside it unless they were said before.
 bool Courier::isNews(const QString &drawing, const SharedChange &change, const QByteArray &bytes)
 {
-    const std::optional<Latest> latest = m_ledger.latest(drawing, change.mark);
+    const std::optional<Message> latest = m_ledger.latest(drawing, change.mark);
     if (!latest)
         return true;
     const SharedChange counts = *readMarkDataHeader(latest->bytes)->shared;
@@ -147,22 +149,38 @@ void Courier::apply(const QString &drawing, const Message &message)
 {
     const SharedChange change = *readMarkDataHeader(message.bytes)->shared;
     m_ledger.noteSeen(drawing, message.stamp);
-    const std::optional<Latest> before = m_ledger.latest(drawing, change.mark);
-    if (before && !(before->stamp < message.stamp))
-        return; // Overtaken before it came.
-    m_ledger.setLatest(drawing, change, {message.stamp, message.bytes});
+    const std::optional<Message> before = m_ledger.latest(drawing, change.mark);
     const bool isOwn = message.stamp.sender == m_ledger.sender();
-    if (isOwn || m_ledger.isWaiting(drawing, change.mark))
-        return; // The program has it, or something newer, which overtakes this.
-    m_ledger.addArriving(drawing, change.mark, false, message.bytes);
-    if (!before || before->stamp.sender != m_ledger.sender())
+    const bool counts = !before || before->stamp < message.stamp;
+    if (counts)
+        m_ledger.setLatest(drawing, change, {message.stamp, message.bytes});
+    // The program has what it sent, and what waits overtakes everything.
+    if (counts == isOwn || m_ledger.isWaiting(drawing, change.mark))
         return;
-    const SharedChange mine = *readMarkDataHeader(before->bytes)->shared;
-    if (change.before != mine.after && change.after != mine.after && mine.after != erasedDigest())
-        m_ledger.addArriving(drawing, change.mark, true, before->bytes);
+    if (counts)
+        overtake(drawing, before, message.bytes);
+    else // An own message that took long to be published.
+        overtake(drawing, message, before->bytes);
+}
+
+/// Hands on what counts now. An own change that it did not know of goes along, to stand beside it.
+void Courier::overtake(const QString &drawing, const std::optional<Message> &loser, const QByteArray &winner)
+{
+    const SharedChange won = *readMarkDataHeader(winner)->shared;
+    m_ledger.addArriving(drawing, won.mark, false, winner);
+    if (!loser || loser->stamp.sender != m_ledger.sender())
+        return;
+    const SharedChange mine = *readMarkDataHeader(loser->bytes)->shared;
+    if (won.before != mine.after && won.after != mine.after && mine.after != erasedDigest())
+        m_ledger.addArriving(drawing, won.mark, true, loser->bytes);
 }
 
 // To the program -------------------------------------------------------------------------------------
+
+void Courier::forgetTaken(const QString &drawing)
+{
+    m_ledger.removeArriving(drawing, m_ledger.remembered(kHanded + drawing).toLongLong());
+}
 
 /// A program that just opened the drawing may have any state of it: it gets the whole one.
 void Courier::begin(const QString &drawing)
@@ -171,8 +189,11 @@ void Courier::begin(const QString &drawing)
     if (std::ranges::includes(m_begun, names))
         return;
     m_begun.insert(names.begin(), names.end());
-    m_files.takeBack(drawing);
     sql::Transaction all(m_ledger.database());
+    if (m_files.laidDown(drawing) == 0)
+        forgetTaken(drawing);
+    m_files.takeBack(drawing);
+    m_ledger.remember(kHanded + drawing, {}); // What was taken back is handed again.
     m_ledger.removeArrivingStates(drawing);
     for (const QByteArray &bytes : m_ledger.wholeState(drawing))
         m_ledger.addArriving(drawing, readMarkDataHeader(bytes)->shared->mark, false, bytes);
@@ -204,17 +225,20 @@ bool Courier::hand(const QString &drawing)
     if (m_files.laidDown(drawing) > 0)
         return false;
     bool moved = false;
-    const qint64 handed = m_ledger.remembered(QStringLiteral("handed ") + drawing).toLongLong();
-    m_ledger.removeArriving(drawing, handed);
+    forgetTaken(drawing);
     if (const std::vector<Arriving> arriving = m_ledger.arriving(drawing); !arriving.empty()) {
         const std::vector<QByteArray> files = firstFile(arriving);
         const qint64 number = arriving[files.size() - 1].number;
         MarkDataHeader header = *readMarkDataHeader(files.front());
-        header.shared = SharedChange{QByteArray::fromHex(drawing.toLatin1()), {}, {}, {},
-                                     m_ledger.lastSerial(drawing), arriving.front().isCopy};
+        header.shared = SharedChange{QByteArray::fromHex(drawing.toLatin1()),
+                                     {},
+                                     {},
+                                     {},
+                                     m_ledger.lastSerial(drawing),
+                                     arriving.front().isCopy};
         // A copy that is laid down twice is one mark; a state that is, is taken once by its number.
         if (m_files.layDown(drawing, number, joinMarkData(header, files))) {
-            m_ledger.remember(QStringLiteral("handed ") + drawing, QString::number(number));
+            m_ledger.remember(kHanded + drawing, QString::number(number));
             moved = true;
         }
     }

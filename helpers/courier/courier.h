@@ -1,8 +1,9 @@
 // Courier: takes the program's files to the other people who have the drawing, and theirs to the program, so
 // that every copy ends with the same marks.
 //
-// Who wins: of two changes of one mark that did not know of each other the later one in the order of the carrier
-// counts, whole. Whose change was overtaken so gets it back as a mark of its own, when its words differ.
+// Who wins: of two changes of one mark that did not know of each other the later one in the order of the
+// carrier counts, whole. Whose change was overtaken so gets it back as a mark of its own, when its words
+// differ.
 #pragma once
 
 #include "helpers/courier/carrier.h"
@@ -48,8 +49,10 @@ private:
     bool send(const QString &drawing);
     bool isNews(const QString &drawing, const SharedChange &change, const QByteArray &bytes);
     void apply(const QString &drawing, const Message &message);
+    void overtake(const QString &drawing, const std::optional<Message> &loser, const QByteArray &winner);
     void begin(const QString &drawing);
     bool hand(const QString &drawing);
+    void forgetTaken(const QString &drawing);
     void fail(const QString &trouble);
 
     ProgramFiles m_files;

@@ -103,8 +103,7 @@ static qint64 counterOf(const QString &name)
 /// In the order of their counters.
 static QStringList messagesIn(const QString &folder)
 {
-    QStringList names =
-        QDir(folder).entryList({u'*' + kEnding}, QDir::Files | QDir::NoSymLinks, QDir::Name);
+    QStringList names = QDir(folder).entryList({u'*' + kEnding}, QDir::Files | QDir::NoSymLinks, QDir::Name);
     names.removeIf([](const QString &name) { return counterOf(name) <= 0; });
     return names;
 }
@@ -137,7 +136,8 @@ base::Result<std::vector<Message>, QString> FolderCarrier::receive(const QString
             if (header && drawingName(*header->shared) == drawing)
                 messages.push_back({stamp, *bytes});
             else if (bytes)
-                m_notWhole.insert(key); // Until it looks different: slow drives show files before they are whole.
+                m_notWhole.insert(
+                    key); // Until it looks different: slow drives show files before they are whole.
             if (messages.size() >= kFilesATime)
                 return messages;
         }
@@ -169,7 +169,8 @@ base::Result<Stamp, QString> FolderCarrier::publish(const QString &drawing, cons
         counter = std::max(counter, used + 1);
     if (counter > kHighestCounter)
         return base::Failure{QStringLiteral("the folder %1 holds a message behind all others").arg(m_root)};
-    if (const auto written = base::writeFileAtomically(*folder + u'/' + fileName(counter, id), bytes); !written)
+    if (const auto written = base::writeFileAtomically(*folder + u'/' + fileName(counter, id), bytes);
+        !written)
         return base::Failure{written.error().text()};
     state.own[id] = counter;
     return Stamp{counter, m_sender};

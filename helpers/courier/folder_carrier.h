@@ -1,8 +1,8 @@
 // A shared folder as carrier: a network drive that everybody can write to. Inside, a folder for each drawing;
 // in it a folder for each person, in which nobody else writes. docs/formats/courier-folder.md describes it.
 //
-// Nothing is asked of the drive but that a file that was renamed into place is whole: not that names differ in
-// letter case, that clocks agree, that changes are notified, or that it is always there.
+// Nothing is asked of the drive but that a file that was renamed into place is whole: not that names differ
+// in letter case, that clocks agree, that changes are notified, or that it is always there.
 #pragma once
 
 #include "helpers/courier/carrier.h"

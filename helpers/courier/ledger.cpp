@@ -67,17 +67,17 @@ qint64 Ledger::highestCounter(const QString &drawing) const
 
 // Marks ----------------------------------------------------------------------------------------------
 
-std::optional<Latest> Ledger::latest(const QString &drawing, const QByteArray &mark) const
+std::optional<Message> Ledger::latest(const QString &drawing, const QByteArray &mark) const
 {
     Query query(m_database,
                 QStringLiteral("SELECT counter, sender, bytes FROM latest WHERE drawing = ? AND mark = ?"),
                 {drawing, mark});
     if (!query.next())
         return {};
-    return Latest{{query.number(0), query.text(1)}, query.bytes(2)};
+    return Message{{query.number(0), query.text(1)}, query.bytes(2)};
 }
 
-void Ledger::setLatest(const QString &drawing, const SharedChange &change, const Latest &latest)
+void Ledger::setLatest(const QString &drawing, const SharedChange &change, const Message &latest)
 {
     execute(m_database, QStringLiteral("INSERT OR REPLACE INTO latest VALUES (?, ?, ?, ?, ?, ?)"),
             {drawing, change.mark, latest.stamp.counter, latest.stamp.sender,
@@ -105,13 +105,20 @@ bool Ledger::hasSaid(const QString &drawing, const QByteArray &mark, const QByte
 std::vector<QByteArray> Ledger::wholeState(const QString &drawing) const
 {
     std::vector<QByteArray> state;
-    Query query(m_database,
-                QStringLiteral("SELECT bytes FROM latest WHERE drawing = ?1 AND NOT EXISTS (SELECT 1 FROM waiting"
-                               " WHERE waiting.drawing = ?1 AND waiting.mark = latest.mark)"
-                               " ORDER BY erased, counter"),
-                {drawing});
+    Query query(
+        m_database,
+        QStringLiteral("SELECT bytes FROM latest WHERE drawing = ?1 AND NOT EXISTS (SELECT 1 FROM waiting"
+                       " WHERE waiting.drawing = ?1 AND waiting.mark = latest.mark)"
+                       " ORDER BY erased, counter"),
+        {drawing});
     while (query.next())
         state.push_back(query.bytes(0));
+    Query own(m_database,
+              QStringLiteral("SELECT bytes FROM waiting WHERE number IN"
+                             " (SELECT max(number) FROM waiting WHERE drawing = ? GROUP BY mark)"),
+              {drawing});
+    while (own.next())
+        state.push_back(own.bytes(0));
     return state;
 }
 
@@ -133,9 +140,10 @@ void Ledger::addWaiting(const QString &drawing, const SharedChange &change, cons
 std::vector<Waiting> Ledger::waiting(const QString &drawing) const
 {
     std::vector<Waiting> found;
-    Query query(m_database,
-                QStringLiteral("SELECT number, bytes FROM waiting WHERE drawing = ? ORDER BY number LIMIT 1000"),
-                {drawing});
+    Query query(
+        m_database,
+        QStringLiteral("SELECT number, bytes FROM waiting WHERE drawing = ? ORDER BY number LIMIT 1000"),
+        {drawing});
     while (query.next())
         found.push_back({query.number(0), query.bytes(1)});
     return found;
@@ -178,7 +186,8 @@ quint64 Ledger::lastSerial(const QString &drawing) const
 
 void Ledger::addArriving(const QString &drawing, const QByteArray &mark, bool isCopy, const QByteArray &bytes)
 {
-    execute(m_database, QStringLiteral("INSERT INTO arriving (drawing, mark, copy, bytes) VALUES (?, ?, ?, ?)"),
+    execute(m_database,
+            QStringLiteral("INSERT INTO arriving (drawing, mark, copy, bytes) VALUES (?, ?, ?, ?)"),
             {drawing, mark, int(isCopy), bytes});
 }
 

@@ -1,5 +1,5 @@
-// Ledger: what the courier must not forget, in an SQLite file: who it is, what it saw, what still goes out, and
-// what still goes to the program. All of it survives a courier that is killed at any moment.
+// Ledger: what the courier must not forget, in an SQLite file: who it is, what it saw, what still goes out,
+// and what still goes to the program. All of it survives a courier that is killed at any moment.
 #pragma once
 
 #include "helpers/courier/message.h"
@@ -10,12 +10,6 @@
 
 namespace courier
 {
-
-/// The message that counts for a mark: the last one in the order.
-struct Latest {
-    Stamp stamp;
-    QByteArray bytes;
-};
 
 struct Waiting {
     qint64 number = 0;
@@ -46,13 +40,14 @@ public:
     void noteSeen(const QString &drawing, const Stamp &stamp);
     qint64 highestCounter(const QString &drawing) const;
 
-    std::optional<Latest> latest(const QString &drawing, const QByteArray &mark) const;
-    void setLatest(const QString &drawing, const SharedChange &change, const Latest &latest);
+    /// The message that counts for a mark: the last one in the order.
+    std::optional<Message> latest(const QString &drawing, const QByteArray &mark) const;
+    void setLatest(const QString &drawing, const SharedChange &change, const Message &latest);
     /// Whether this message is the one that counts for its mark.
     bool isLatest(const QString &drawing, const Stamp &stamp) const;
     /// The mark said this at some time.
     bool hasSaid(const QString &drawing, const QByteArray &mark, const QByteArray &digest) const;
-    /// Marks before erased ones; those with changes that wait are left out.
+    /// A message of each mark; of one with changes that wait the last of these. Erased marks come later.
     std::vector<QByteArray> wholeState(const QString &drawing) const;
 
     /// A file of the program; the same again is nothing new.

@@ -93,7 +93,8 @@ QJsonObject asJson(const Status &status, const QString &place)
 QString personName()
 {
     const QString name = setting("name");
-    const QString user = name.isEmpty() ? qEnvironmentVariable("USER", QStringLiteral("?")) : name.simplified();
+    const QString user =
+        name.isEmpty() ? qEnvironmentVariable("USER", QStringLiteral("?")) : name.simplified();
     return user + u'@' + QSysInfo::machineHostName();
 }
 
@@ -186,8 +187,9 @@ int run(const Options &options)
 {
     const QString place = options.meetingPlace();
     if (place.isEmpty()) {
-        say(stderr, QStringLiteral("where people meet is not set: give PLACE, or store the setting %1 courierPlace")
-                        .arg(kSettings));
+        say(stderr,
+            QStringLiteral("where people meet is not set: give PLACE, or store the setting %1 courierPlace")
+                .arg(kSettings));
         return kTrouble;
     }
     if (!QDir().mkpath(options.syncFolder() + QStringLiteral("courier"))) {
@@ -216,7 +218,8 @@ void printStatus(const QJsonObject &status)
 {
     const bool connected = status[QStringLiteral("connected")].toBool();
     const QString place = status[QStringLiteral("place")].toString();
-    say(stdout, (connected ? QStringLiteral("connected: %1") : QStringLiteral("not connected: %1")).arg(place));
+    say(stdout,
+        (connected ? QStringLiteral("connected: %1") : QStringLiteral("not connected: %1")).arg(place));
     if (const QString trouble = status[QStringLiteral("trouble")].toString(); !trouble.isEmpty())
         say(stdout, trouble);
     say(stdout, QStringLiteral("%1 changes wait to go out, %2 wait for the program")
@@ -225,10 +228,10 @@ void printStatus(const QJsonObject &status)
     if (const QString last = status[QStringLiteral("lastArrived")].toString(); !last.isEmpty())
         say(stdout, QStringLiteral("last change from others: %1").arg(last));
     for (const QJsonValue &person : status[QStringLiteral("people")].toArray())
-        say(stdout, QStringLiteral("%1: %2").arg(person[QStringLiteral("name")].toString(),
-                                                 person[QStringLiteral("here")].toBool()
-                                                     ? QStringLiteral("here")
-                                                     : QStringLiteral("away")));
+        say(stdout,
+            QStringLiteral("%1: %2").arg(person[QStringLiteral("name")].toString(),
+                                         person[QStringLiteral("here")].toBool() ? QStringLiteral("here")
+                                                                                 : QStringLiteral("away")));
 }
 
 int tellStatus(const Options &options)
@@ -268,9 +271,12 @@ int main(int argc, char **argv)
     CLI::App *const runVerb = app.add_subcommand("run", "Carry marks until interrupted");
     CLI::App *const statusVerb = app.add_subcommand("status", "Tell who is here and what waits");
     for (CLI::App *verb : {runVerb, statusVerb})
-        verb->add_option("FOLDER", options.folder, "Synchronisation folder; that of your settings without it");
-    runVerb->add_option("PLACE", options.place, "Shared folder where people meet; that of your settings without it");
-    runVerb->add_flag("--while-used", options.whileUsed, "End when no program has a drawing open that takes part");
+        verb->add_option("FOLDER", options.folder,
+                         "Synchronisation folder; that of your settings without it");
+    runVerb->add_option("PLACE", options.place,
+                        "Shared folder where people meet; that of your settings without it");
+    runVerb->add_flag("--while-used", options.whileUsed,
+                      "End when no program has a drawing open that takes part");
     statusVerb->add_flag("--json", options.json, "Print JSON");
     runVerb->callback([&] { chosen = [&] { return run(options); }; });
     statusVerb->callback([&] { chosen = [&] { return tellStatus(options); }; });

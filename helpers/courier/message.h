@@ -33,7 +33,8 @@ struct Message {
     QByteArray bytes;
 };
 
-/// The header of bytes that may travel: one change of one mark of a drawing, not too large, of right checksum.
+/// The header of bytes that may travel: one change of one mark of a drawing, not too large, of right
+/// checksum.
 std::optional<MarkDataHeader> readMessage(QByteArrayView bytes);
 /// The drawing as folders and subjects are called: 32 hexadecimal digits.
 QString drawingName(const SharedChange &change);

@@ -43,8 +43,8 @@ struct AcEdVerb {
     /// all of them. May be empty.
     std::function<int(const AcEdVerbCall &)> finish = {};
     AcEdVerbSaving saving = AcEdVerbSaving::never;
-    /// Placeholder "DATA": the verb takes one drawing, and behind it files that are none, at least one. Empty:
-    /// it takes drawings, one after the other.
+    /// Placeholder "DATA": the verb takes one drawing, and behind it files that are none, at least one.
+    /// Empty: it takes drawings, one after the other.
     QString more = {};
 };
 

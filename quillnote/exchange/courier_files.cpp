@@ -44,7 +44,8 @@ QString announceOpenDrawing(const QByteArray &identity)
                              .arg(folder, QString::fromLatin1(identity.toHex()))
                              .arg(QCoreApplication::applicationPid())
                              .arg(++count);
-    const QString title = acDocManager()->curDocument() ? acDocManager()->curDocument()->docTitle() : QString();
+    const QString title =
+        acDocManager()->curDocument() ? acDocManager()->curDocument()->docTitle() : QString();
     return base::writeFileAtomically(file, title.toUtf8()) ? file : QString();
 }
 
@@ -56,7 +57,8 @@ void withdrawOpenDrawing(const QString &file)
 
 QString takeArrived(SharedDrawing &drawing)
 {
-    const QDir folder(courierFolder() + QStringLiteral("in/") + QString::fromLatin1(drawing.identity.toHex()));
+    const QDir folder(courierFolder() + QStringLiteral("in/") +
+                      QString::fromLatin1(drawing.identity.toHex()));
     for (const QString &name : folder.entryList({QStringLiteral("*.quillNote")}, QDir::Files, QDir::Name)) {
         const std::int64_t number = name.section(u'.', 0, 0).toLongLong();
         if (number > drawing.lastTaken) {
@@ -85,10 +87,12 @@ static QString lineOf(const QJsonObject &status)
     int here = 0;
     for (const QJsonValue &person : status[QStringLiteral("people")].toArray())
         here += person[QStringLiteral("here")].toBool();
-    QString line = here == 0 ? QStringLiteral("同步：没有其他人在线") : QStringLiteral("同步：其他 %1 人在线").arg(here);
+    QString line =
+        here == 0 ? QStringLiteral("同步：没有其他人在线") : QStringLiteral("同步：其他 %1 人在线").arg(here);
     if (const qint64 waiting = status[QStringLiteral("waiting")].toInteger(); waiting > 0)
         line += QStringLiteral("，%1 条待发").arg(waiting);
-    const QDateTime last = QDateTime::fromString(status[QStringLiteral("lastArrived")].toString(), Qt::ISODate);
+    const QDateTime last =
+        QDateTime::fromString(status[QStringLiteral("lastArrived")].toString(), Qt::ISODate);
     if (last.isValid())
         line += QStringLiteral("，%1 收到").arg(last.toString(QStringLiteral("HH:mm")));
     return line;
@@ -152,8 +156,9 @@ void startCourier()
     if (acedFrontEnd().isScripted())
         return;
     if (settings::text(kPlaceSetting).isEmpty()) {
-        acutPrintf(QStringLiteral("\n未指定共享位置，标签的变更只写入文件夹 %1。用命令 QN8_SynningPlace 指定。")
-                       .arg(synchronisationFolder()));
+        acutPrintf(
+            QStringLiteral("\n未指定共享位置，标签的变更只写入文件夹 %1。用命令 QN8_SynningPlace 指定。")
+                .arg(synchronisationFolder()));
         return;
     }
     startProgramOfCourier();

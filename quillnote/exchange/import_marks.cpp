@@ -149,9 +149,9 @@ static bool saysOtherWords(const QuillnoteObj3 &mark, AcDbObjectId winner)
            won->sketchData != mark.sketchData;
 }
 
-/// A change of this user came too late: another's took its place. Its words stay as a mark of their own, which
-/// gets the next number of the mark that it was. Words that the winner says as well are not kept; neither
-/// is what is kept already.
+/// A change of this user came too late: another's took its place. Its words stay as a mark of their own,
+/// which gets the next number of the mark that it was. Words that the winner says as well are not kept;
+/// neither is what is kept already.
 static void becomeCopies(const AcDbDatabase &database, const QByteArray &drawing,
                          std::vector<MarkDataRecord> &records)
 {

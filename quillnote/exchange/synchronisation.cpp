@@ -58,8 +58,8 @@ QByteArray digestOf(const QuillnoteObj3 &mark)
 static QByteArray newIdentity(const AcDbDatabase &database)
 {
     const QString fingerprint = drawingFingerprint(database).toUpper();
-    const bool saysNothing = std::ranges::all_of(
-        fingerprint, [](QChar sign) { return QStringView(u"{}-0").contains(sign); });
+    const bool saysNothing =
+        std::ranges::all_of(fingerprint, [](QChar sign) { return QStringView(u"{}-0").contains(sign); });
     return identityOf(saysNothing ? os::newGuidText() : fingerprint);
 }
 

@@ -2,8 +2,8 @@
 // whoever has a copy of the drawing reads with -QN3_DataFileIn. Moving the files is the courier's business
 // (helpers/courier); what it does with them is told in docs/guides/review-together.md.
 //
-// A drawing knows its copies by an identity, which it keeps together with what it last exchanged of each mark.
-// So what was changed while synchronisation was off is found, and goes out, when it is switched on.
+// A drawing knows its copies by an identity, which it keeps together with what it last exchanged of each
+// mark. So what was changed while synchronisation was off is found, and goes out, when it is switched on.
 #pragma once
 
 #include "quillnote/exchange/header/data_header.h"

@@ -1,9 +1,10 @@
-// Everybody ends with the same marks, whatever people do and whatever happens to what they send: none is lost,
-// none is doubled, and no words are lost that nobody saw and replaced.
+// Everybody ends with the same marks, whatever people do and whatever happens to what they send: none is
+// lost, none is doubled, and no words are lost that nobody saw and replaced.
 #include "tests/helpers/courier/people.h"
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <set>
 
@@ -45,8 +46,8 @@ public:
         QDir().mkpath(folder + QStringLiteral("/share"));
         for (int i = 0; i < people; ++i) {
             const QString name = QStringLiteral("p%1").arg(i);
-            m_people.push_back(std::make_unique<Reviewer>(folder + u'/' + name, folder + QStringLiteral("/share"),
-                                                          name, m_random));
+            m_people.push_back(std::make_unique<Reviewer>(folder + u'/' + name,
+                                                          folder + QStringLiteral("/share"), name, m_random));
         }
     }
 
@@ -193,13 +194,36 @@ private:
             QStringLiteral("save"),   QStringLiteral("away"),   QStringLiteral("kill")};
         person.sit();
         const unsigned what = m_random() % 40;
-        if (what >= unsigned(deeds.size())) {
-            what % 2 == 0 ? person.carry() : person.take();
+        const QString deed = what < unsigned(deeds.size()) ? deeds[what]
+                             : what % 2 == 0               ? QStringLiteral("carry")
+                                                           : QStringLiteral("take");
+        const std::set<QString> before = wordsOf(tests::marksOf(person.database()));
+        perform(person, deed);
+        trace(person, deed, before);
+    }
+
+    /// QUILLNOTE_TRACE=1 tells what happened to the words.
+    static void trace(const Reviewer &person, const QString &deed, const std::set<QString> &before)
+    {
+        if (!qEnvironmentVariableIsSet("QUILLNOTE_TRACE"))
             return;
-        }
-        const QString deed = deeds[what];
+        QString line = person.name() + u' ' + deed;
+        const std::set<QString> after = wordsOf(tests::marksOf(person.database()));
+        for (const QString &word : before)
+            line += after.contains(word) ? QString() : QStringLiteral(" -") + word;
+        for (const QString &word : after)
+            line += before.contains(word) ? QString() : QStringLiteral(" +") + word;
+        std::fprintf(stderr, "%s\n", qPrintable(line));
+    }
+
+    void perform(Reviewer &person, const QString &deed)
+    {
         ++m_counts.done[deed];
-        if (deed == u"away")
+        if (deed == u"carry")
+            person.carry();
+        else if (deed == u"take")
+            person.take();
+        else if (deed == u"away")
             person.connection().isAway = !person.connection().isAway;
         else if (deed == u"kill")
             reopen(person);
@@ -217,12 +241,16 @@ private:
 
 } // namespace
 
-struct Convergence : AuthoringTest {};
+struct Convergence : AuthoringTest {
+};
 
 TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
 {
-    const tests::TempDir folder;
-    const QString drawingPath = folder.path(QStringLiteral("empty.dxf"));
+    // Files are flushed to the disk all the time; in memory that takes none.
+    const QTemporaryDir folder(QDir(QStringLiteral("/dev/shm")).exists()
+                                   ? QStringLiteral("/dev/shm/quillnote-XXXXXX")
+                                   : QStringLiteral("quillnote-XXXXXX"));
+    const QString drawingPath = folder.filePath(QStringLiteral("empty.dxf"));
     acDocManager()->newDocument();
     ASSERT_TRUE(acDocManager()->saveDocument(curDoc(), drawingPath).ok());
     const QByteArray drawingBytes = tests::readFile(drawingPath);
@@ -231,7 +259,7 @@ TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
     const int first = number("QUILLNOTE_FIRST_SEED", 1);
     const int seeds = number("QUILLNOTE_SEEDS", 25);
     for (int seed = first; seed < first + seeds; ++seed) {
-        const QString home = folder.path(QString::number(seed));
+        const QString home = folder.filePath(QString::number(seed));
         const int people = 2 + seed % (number("QUILLNOTE_PEOPLE", 5) - 1);
         {
             Session session(home, unsigned(seed), people, counts);
@@ -243,8 +271,8 @@ TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
         QDir(home).removeRecursively();
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", " << people << " people";
     }
-    std::string table = "seeds " + std::to_string(seeds) + ", marks at the end " + std::to_string(counts.marks) +
-                        ", of them copies " + std::to_string(counts.copies);
+    std::string table = "seeds " + std::to_string(seeds) + ", marks at the end " +
+                        std::to_string(counts.marks) + ", of them copies " + std::to_string(counts.copies);
     for (const auto &[deed, times] : counts.done)
         table += ", " + deed.toStdString() + " " + std::to_string(times);
     std::printf("%s\n", table.c_str());

@@ -16,8 +16,12 @@ QByteArray message(const char *mark, const QByteArray &records = "record")
 {
     MarkDataHeader header;
     header.markCount = 1;
-    header.shared = SharedChange{QByteArray(16, 'd'), identityOf(QString::fromLatin1(mark)), unknownDigest(),
-                                 QByteArray(12, 'a'), 7, false};
+    header.shared = SharedChange{QByteArray(16, 'd'),
+                                 identityOf(QString::fromLatin1(mark)),
+                                 unknownDigest(),
+                                 QByteArray(12, 'a'),
+                                 7,
+                                 false};
     return withMarkDataHeader(header, records);
 }
 
@@ -85,8 +89,10 @@ TEST_F(FolderCarrierTest, TakesNothingThatIsNoMessageAndTakesItWhenItIsWhole)
     const QString path = sender + files(a).front();
     const QByteArray whole = tests::readFile(path);
     tests::writeFile(path, whole.chopped(3));
-    QFile::link(QStringLiteral("/etc/passwd"), sender + QStringLiteral("000000000002-") + id(2) + QStringLiteral(".quillnote"));
-    tests::writeFile(sender + QStringLiteral("000000000003-") + id(3) + QStringLiteral(".quillnote"), "0\nEOF\n");
+    QFile::link(QStringLiteral("/etc/passwd"),
+                sender + QStringLiteral("000000000002-") + id(2) + QStringLiteral(".quillnote"));
+    tests::writeFile(sender + QStringLiteral("000000000003-") + id(3) + QStringLiteral(".quillnote"),
+                     "0\nEOF\n");
     tests::writeFile(sender + QStringLiteral("4-x.quillnote"), whole);
     tests::writeFile(share + u'/' + kDrawing + QStringLiteral("/../") + QStringLiteral("cccccccc"), whole);
     QFile large(sender + QStringLiteral("000000000005-") + id(5) + QStringLiteral(".quillnote"));

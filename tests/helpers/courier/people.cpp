@@ -64,11 +64,12 @@ void Reviewer::startCourier()
     m_ledger = std::make_unique<courier::Ledger>(m_home + QStringLiteral("/sync/courier/ledger.sqlite"));
     m_ledger->database().run("PRAGMA synchronous = OFF"); // No test pulls the plug.
     courier::Ledger *const ledger = m_ledger.get();
-    const courier::Knowledge knowledge{
-        [ledger](const QString &drawing, const courier::Stamp &stamp) { return ledger->isSeen(drawing, stamp); },
-        [ledger](const QString &drawing, const courier::Stamp &stamp) {
-            return !ledger->isLatest(drawing, stamp);
-        }};
+    const courier::Knowledge knowledge{[ledger](const QString &drawing, const courier::Stamp &stamp) {
+                                           return ledger->isSeen(drawing, stamp);
+                                       },
+                                       [ledger](const QString &drawing, const courier::Stamp &stamp) {
+                                           return !ledger->isLatest(drawing, stamp);
+                                       }};
     m_connection = std::make_unique<BadConnection>(
         std::make_unique<courier::FolderCarrier>(m_place, ledger->sender(), m_name, QString(), knowledge),
         m_random);

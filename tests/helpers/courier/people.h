@@ -16,10 +16,11 @@ namespace tests
 {
 
 /// A courier ends here as if it had been killed.
-struct Killed {};
+struct Killed {
+};
 
-/// What a connection does to a carrier: it is away, keeps messages back, repeats and reorders them, and ends the
-/// courier between two steps.
+/// What a connection does to a carrier: it is away, keeps messages back, repeats and reorders them, and ends
+/// the courier between two steps.
 class BadConnection : public courier::Carrier
 {
 public:
