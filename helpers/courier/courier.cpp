@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <limits>
 
 namespace courier
 {
@@ -194,9 +195,15 @@ void Courier::begin(const QString &drawing)
         forgetTaken(drawing);
     m_files.takeBack(drawing);
     m_ledger.remember(kHanded + drawing, {}); // What was taken back is handed again.
-    m_ledger.removeArrivingStates(drawing);
+    const std::vector<Arriving> before = m_ledger.arriving(drawing);
+    m_ledger.removeArriving(drawing, std::numeric_limits<qint64>::max());
     for (const QByteArray &bytes : m_ledger.wholeState(drawing))
         m_ledger.addArriving(drawing, readMarkDataHeader(bytes)->shared->mark, false, bytes);
+    // Copies stand beside what took their place, so they come behind it.
+    for (const Arriving &each : before) {
+        if (each.isCopy)
+            m_ledger.addArriving(drawing, each.mark, true, each.bytes);
+    }
     all.commit();
 }
 
@@ -210,7 +217,7 @@ static std::vector<QByteArray> firstFile(const std::vector<Arriving> &arriving)
     for (const Arriving &each : arriving) {
         bytes += each.bytes.size();
         const bool fits = each.isCopy == arriving.front().isCopy && marks.insert(each.mark).second &&
-                          readMarkDataHeader(each.bytes)->kind == kind &&
+                          readMarkDataHeader(each.bytes)->kind == kind && files.size() < kMostDataRecords &&
                           (files.empty() || bytes <= kMostBytesAtOnce);
         if (!fits)
             break;

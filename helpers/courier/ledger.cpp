@@ -47,22 +47,33 @@ void Ledger::remember(const QString &what, const QString &value)
 
 bool Ledger::isSeen(const QString &drawing, const Stamp &stamp) const
 {
-    Query query(m_database,
-                QStringLiteral("SELECT 1 FROM seen WHERE drawing = ? AND sender = ? AND counter = ?"),
-                {drawing, stamp.sender, stamp.counter});
-    return query.next();
+    return seen(drawing).contains(stamp);
+}
+
+const std::set<Stamp> &Ledger::seen(const QString &drawing) const
+{
+    const auto [found, isNew] = m_seen.try_emplace(drawing);
+    if (isNew) {
+        Query query(m_database, QStringLiteral("SELECT counter, sender FROM seen WHERE drawing = ?"),
+                    {drawing});
+        while (query.next())
+            found->second.insert({query.number(0), query.text(1)});
+    }
+    return found->second;
 }
 
 void Ledger::noteSeen(const QString &drawing, const Stamp &stamp)
 {
     execute(m_database, QStringLiteral("INSERT OR IGNORE INTO seen VALUES (?, ?, ?)"),
             {drawing, stamp.sender, stamp.counter});
+    seen(drawing);
+    m_seen[drawing].insert(stamp);
 }
 
 qint64 Ledger::highestCounter(const QString &drawing) const
 {
-    Query query(m_database, QStringLiteral("SELECT max(counter) FROM seen WHERE drawing = ?"), {drawing});
-    return query.next() ? query.number(0) : 0;
+    const std::set<Stamp> &stamps = seen(drawing);
+    return stamps.empty() ? 0 : stamps.rbegin()->counter;
 }
 
 // Marks ----------------------------------------------------------------------------------------------
@@ -196,7 +207,7 @@ std::vector<Arriving> Ledger::arriving(const QString &drawing) const
     std::vector<Arriving> found;
     Query query(m_database,
                 QStringLiteral("SELECT number, mark, copy, bytes FROM arriving WHERE drawing = ?"
-                               " ORDER BY number LIMIT 2000"),
+                               " ORDER BY number"),
                 {drawing});
     while (query.next())
         found.push_back({query.number(0), query.bytes(1), query.number(2) != 0, query.bytes(3)});
@@ -207,11 +218,6 @@ void Ledger::removeArriving(const QString &drawing, qint64 upTo)
 {
     execute(m_database, QStringLiteral("DELETE FROM arriving WHERE drawing = ? AND number <= ?"),
             {drawing, upTo});
-}
-
-void Ledger::removeArrivingStates(const QString &drawing)
-{
-    execute(m_database, QStringLiteral("DELETE FROM arriving WHERE drawing = ? AND copy = 0"), {drawing});
 }
 
 qint64 Ledger::arrivingCount() const

@@ -6,6 +6,8 @@
 
 #include "helpers/database/database.h"
 
+#include <map>
+#include <set>
 #include <vector>
 
 namespace courier
@@ -38,6 +40,8 @@ public:
 
     bool isSeen(const QString &drawing, const Stamp &stamp) const;
     void noteSeen(const QString &drawing, const Stamp &stamp);
+    /// After a transaction that was rolled back.
+    void reread() { m_seen.clear(); }
     qint64 highestCounter(const QString &drawing) const;
 
     /// The message that counts for a mark: the last one in the order.
@@ -63,13 +67,14 @@ public:
     void addArriving(const QString &drawing, const QByteArray &mark, bool isCopy, const QByteArray &bytes);
     std::vector<Arriving> arriving(const QString &drawing) const;
     void removeArriving(const QString &drawing, qint64 upTo);
-    /// All but copies.
-    void removeArrivingStates(const QString &drawing);
     qint64 arrivingCount() const;
 
 private:
+    const std::set<Stamp> &seen(const QString &drawing) const;
+
     sql::Database m_database;
     QString m_sender;
+    mutable std::map<QString, std::set<Stamp>> m_seen; ///< By drawing; folders are full of what was seen.
 };
 
 } // namespace courier

@@ -1,6 +1,7 @@
 // quillnote-courier: runs beside the program while people review one drawing together, and tells how it goes.
 #include "helpers/courier/courier.h"
 #include "helpers/courier/folder_carrier.h"
+#include "helpers/courier/nats_carrier.h"
 
 #include "host/base/atomic_file.h"
 #include "host/base/path_name.h"
@@ -104,7 +105,8 @@ class Runner
 public:
     Runner(const Options &options, const QString &place)
         : m_options(options), m_place(place),
-          m_ledger(options.syncFolder() + QStringLiteral("courier/ledger.sqlite")), m_carrier(makeCarrier()),
+          m_ledger(options.syncFolder() + QStringLiteral("courier/ledger-%1.sqlite").arg(shortName(place))),
+          m_carrier(makeCarrier()),
           m_courier(ProgramFiles(options.syncFolder()), m_ledger, *m_carrier)
     {
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { round(); });
@@ -127,6 +129,12 @@ private:
             [this](const QString &drawing, const Stamp &stamp) {
                 return !m_ledger.isLatest(drawing, stamp);
             }};
+        if (NatsCarrier::isPlace(m_place)) {
+            auto opened = NatsCarrier::open(m_place, m_ledger.sender(), personName(), knowledge);
+            if (!opened)
+                throw sql::Trouble(opened.error());
+            return *std::move(opened);
+        }
         auto carrier = std::make_unique<FolderCarrier>(m_place, m_ledger.sender(), personName(),
                                                        m_ledger.remembered(markKey()), knowledge);
         m_folder = carrier.get();
@@ -134,18 +142,36 @@ private:
     }
     QString markKey() const { return QStringLiteral("mark of ") + m_place; }
 
+    /// Counters of one place mean nothing at another.
+    static QString shortName(const QString &place)
+    {
+        return QString::fromLatin1(identityOf(place).toHex().left(8));
+    }
+
+    /// The program's user has chosen another place: what is sent from now on is for a courier that knows it.
+    bool isForElsewhere() const
+    {
+        QFile file(m_options.syncFolder() + QStringLiteral("courier/place"));
+        return m_options.whileUsed && file.open(QIODevice::ReadOnly) && QString::fromUtf8(file.readAll()) != m_place;
+    }
+
     void round()
     {
+        if (isForElsewhere()) {
+            QCoreApplication::quit();
+            return;
+        }
         try {
             m_courier.run();
             if (!m_sinceHouse.isValid() || m_sinceHouse.elapsed() >= kHouseMilliseconds) {
                 m_courier.keepHouse();
                 m_sinceHouse.start();
             }
-            if (m_folder->mark() != m_ledger.remembered(markKey()))
+            if (m_folder && m_folder->mark() != m_ledger.remembered(markKey()))
                 m_ledger.remember(markKey(), m_folder->mark());
             tellStatus(m_courier.status());
         } catch (const sql::Trouble &trouble) {
+            m_ledger.reread();
             Status status;
             status.trouble = QString::fromUtf8(trouble.what());
             tellStatus(status);
@@ -198,7 +224,8 @@ int run(const Options &options)
     }
     QLockFile lock(options.syncFolder() + QStringLiteral("courier/lock"));
     lock.setStaleLockTime(0);
-    if (!lock.tryLock()) {
+    // One that serves another place ends in a moment.
+    if (!lock.tryLock(options.whileUsed ? 2000 : 0)) {
         say(stderr, QStringLiteral("a courier runs for %1 already").arg(options.syncFolder()));
         return options.whileUsed ? kDone : kTrouble;
     }
@@ -273,8 +300,9 @@ int main(int argc, char **argv)
     for (CLI::App *verb : {runVerb, statusVerb})
         verb->add_option("FOLDER", options.folder,
                          "Synchronisation folder; that of your settings without it");
-    runVerb->add_option("PLACE", options.place,
-                        "Shared folder where people meet; that of your settings without it");
+    runVerb->add_option(
+        "PLACE", options.place,
+        "Where people meet: a shared folder, or nats://HOST/PROJECT; that of your settings without it");
     runVerb->add_flag("--while-used", options.whileUsed,
                       "End when no program has a drawing open that takes part");
     statusVerb->add_flag("--json", options.json, "Print JSON");

@@ -161,6 +161,10 @@ void startCourier()
                 .arg(synchronisationFolder()));
         return;
     }
+    QDir().mkpath(courierFolder());
+    const QByteArray place = settings::text(kPlaceSetting).toUtf8();
+    if (!base::writeFileAtomically(courierFolder() + QStringLiteral("place"), place))
+        acutPrintf(QStringLiteral("\n不能写入文件夹 %1。").arg(courierFolder()));
     startProgramOfCourier();
     arrivalWatch() = std::make_unique<ArrivalWatch>();
 }
@@ -177,7 +181,10 @@ void QN8_SynningPlace()
     if (acedGetString(true, QStringLiteral("\n共享文件夹或服务器 <%1>：").arg(now), place) != RTNORM ||
         place.trimmed().isEmpty())
         return;
+    // What was exchanged at one place is news at another.
+    const bool wasOn = synchronisation().on;
+    QN8_SynningOff();
     settings::setText(kPlaceSetting, place.trimmed());
-    if (synchronisation().on)
-        startCourier();
+    if (wasOn)
+        QN8_SynningOn();
 }

@@ -6,6 +6,7 @@
 #include "quillnote/exchange/courier_files.h"
 #include "quillnote/exchange/exchange_files.h"
 #include "quillnote/exchange/export_marks.h"
+#include "quillnote/frame/settings/settings.h"
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
@@ -63,6 +64,12 @@ static QByteArray newIdentity(const AcDbDatabase &database)
     return identityOf(saysNothing ? os::newGuidText() : fingerprint);
 }
 
+/// What was exchanged at one place is news at another.
+static QString placeName()
+{
+    return QString::fromLatin1(identityOf(settings::text(u"courierPlace")).toHex().left(8));
+}
+
 static SharedDrawing readShared(const AcDbDatabase &database)
 {
     const QStringList texts = readExchangeRecord(database);
@@ -70,7 +77,9 @@ static SharedDrawing readShared(const AcDbDatabase &database)
     shared.identity = QByteArray::fromHex(texts.value(0).toLatin1());
     if (shared.identity.size() != kIdentitySize)
         shared.identity = newIdentity(database);
-    for (qsizetype i = 1; i + 1 < texts.size(); i += 2) {
+    if (texts.value(1) != placeName())
+        return shared;
+    for (qsizetype i = 2; i + 1 < texts.size(); i += 2) {
         const QByteArray digest = QByteArray::fromHex(texts[i + 1].toLatin1());
         if (digest.size() == kDigestSize)
             shared.known[texts[i]].digest = digest;
@@ -87,7 +96,7 @@ void keepExchanged(AcDbDatabase &database)
     for (const auto &[guid, mark] : shared->known)
         guids.append(guid);
     guids.sort(); // Saving twice gives the same file.
-    QStringList texts{QString::fromLatin1(shared->identity.toHex())};
+    QStringList texts{QString::fromLatin1(shared->identity.toHex()), placeName()};
     for (const QString &guid : guids)
         texts << guid << QString::fromLatin1(shared->known.at(guid).digest.toHex());
     if (texts != readExchangeRecord(database))
@@ -212,9 +221,9 @@ void QN8_SynningOn()
 {
     synchronisationFolder(FolderTest::write);
     synchronisation().on = true;
+    startCourier();
     if (acdbCurDwg())
         shareDrawing(*acdbCurDwg());
-    startCourier();
 }
 
 void QN8_SynningOff()

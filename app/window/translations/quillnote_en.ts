@@ -2383,6 +2383,10 @@ Please open: %1</translation>
         <translation>Layout, view twist and selection</translation>
     </message>
     <message>
+        <source>与其他人同步</source>
+        <translation>Sharing with other people</translation>
+    </message>
+    <message>
         <source>正在绘制图形</source>
         <translation>The drawing is being painted</translation>
     </message>

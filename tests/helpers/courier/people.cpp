@@ -6,6 +6,8 @@
 
 #include <QDir>
 
+#include <utility>
+
 namespace tests
 {
 
@@ -50,8 +52,17 @@ base::Result<std::vector<courier::Person>, QString> BadConnection::keepHouse(con
     return m_carrier->keepHouse(drawing);
 }
 
-Reviewer::Reviewer(QString home, QString place, QString name, std::mt19937 &random)
-    : m_home(std::move(home)), m_place(std::move(place)), m_name(std::move(name)), m_random(random)
+OpenCarrier openFolder(const QString &share)
+{
+    return [share](const courier::Ledger &ledger, const QString &name, courier::Knowledge knowledge) {
+        return std::make_unique<courier::FolderCarrier>(share, ledger.sender(), name, QString(),
+                                                        std::move(knowledge));
+    };
+}
+
+Reviewer::Reviewer(QString home, OpenCarrier openCarrier, QString name, std::mt19937 &random)
+    : m_home(std::move(home)), m_name(std::move(name)), m_openCarrier(std::move(openCarrier)),
+      m_random(random)
 {
     QDir().mkpath(m_home + QStringLiteral("/sync/courier"));
     startCourier();
@@ -70,9 +81,7 @@ void Reviewer::startCourier()
                                        [ledger](const QString &drawing, const courier::Stamp &stamp) {
                                            return !ledger->isLatest(drawing, stamp);
                                        }};
-    m_connection = std::make_unique<BadConnection>(
-        std::make_unique<courier::FolderCarrier>(m_place, ledger->sender(), m_name, QString(), knowledge),
-        m_random);
+    m_connection = std::make_unique<BadConnection>(m_openCarrier(*ledger, m_name, knowledge), m_random);
     m_courier = std::make_unique<courier::Courier>(courier::ProgramFiles(m_home + QStringLiteral("/sync")),
                                                    *ledger, *m_connection);
 }
@@ -107,9 +116,8 @@ void Reviewer::save()
 void Reviewer::kill()
 {
     sit();
-    acDocManager()->closeDocument(m_document);
-    m_document = nullptr;
-    synchronisation().reset();
+    synchronisation().reset(); // First: closing makes a drawing current that is somebody else's.
+    acDocManager()->closeDocument(std::exchange(m_document, nullptr));
 }
 
 void Reviewer::switchOn()

@@ -10,6 +10,8 @@
 #include "tests/quillnote/authoring/authoring_fixture.h"
 #include "tests/support/files.h"
 
+#include <functional>
+#include <memory>
 #include <random>
 
 namespace tests
@@ -45,11 +47,15 @@ private:
     std::vector<courier::Message> m_delivered; ///< To be repeated.
 };
 
+using OpenCarrier = std::function<std::unique_ptr<courier::Carrier>(const courier::Ledger &,
+                                                                    const QString &name, courier::Knowledge)>;
+OpenCarrier openFolder(const QString &share);
+
 class Reviewer
 {
 public:
     /// `home` is his; the drawing lies in it as "plan.dxf".
-    Reviewer(QString home, QString place, QString name, std::mt19937 &random);
+    Reviewer(QString home, OpenCarrier openCarrier, QString name, std::mt19937 &random);
 
     /// Everything that follows happens in his program.
     void sit();
@@ -70,7 +76,8 @@ public:
 private:
     void startCourier();
 
-    QString m_home, m_place, m_name;
+    QString m_home, m_name;
+    OpenCarrier m_openCarrier;
     std::mt19937 &m_random;
     AcApDocument *m_document = nullptr;
     SynchronisationState m_state;
