@@ -21,6 +21,8 @@ STOREYS = {
     "app": {"host", "app"},
     "helpers": {"host", "helpers"},
 }
+# What of another storey stands on the host alone and is open to it.
+SHARED = {"helpers": "quillnote/exchange/header"}
 WITHOUT_GUI = ("host/base", "host/os", "host/acrx", "host/acge", "host/acdb", "host/formats")
 WITH_WIDGETS = ("host/acui", "quillnote/ui", "helpers", "app")
 # A folder that may use widgets only in files whose name holds the word.
@@ -110,6 +112,10 @@ class Checker:
         # The build file may link the widgets for the sake of those files.
         return word is not None and (word in where or where.endswith("CMakeLists.txt"))
 
+    @staticmethod
+    def may_know(storey, folder):
+        return folder.split("/")[0] in STOREYS[storey] or folder == SHARED.get(storey)
+
     def check_target(self, target):
         where = f"{target.folder}/CMakeLists.txt"
         storey = target.folder.split("/")[0]
@@ -119,7 +125,7 @@ class Checker:
             self.fault(target.folder, f"{where}: the folders stand on each other: {circle}")
         for name in target.depends:
             below = self.targets.get(name)
-            if below and below.folder.split("/")[0] not in STOREYS[storey]:
+            if below and not self.may_know(storey, below.folder):
                 self.fault(target.folder, f"{where}: {storey}/ may not depend on {below.folder}")
             if name.startswith("Qt6::"):
                 self.check_qt(target.folder, name.removeprefix("Qt6::"), where)
@@ -131,7 +137,7 @@ class Checker:
             return
         if parts[0] not in STOREYS or len(parts) < 2:
             self.fault(folder, f'{where}: "{included}" is not written from the repository root')
-        elif parts[0] not in STOREYS[storey]:
+        elif not self.may_know(storey, Path(included).parent.as_posix()):
             self.fault(folder, f"{where}: {storey}/ may not include {included}")
         elif target and not inside(Path(included).parent.as_posix(), folder):
             self.check_reach(folder, target, where, included)

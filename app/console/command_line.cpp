@@ -43,7 +43,7 @@ struct CommandLine {
     CLI::App app{"Review marks in CAD drawings: the window, scripts of commands, and verbs."};
     std::function<int()> chosen;
 
-    std::vector<std::string> files, wanted;
+    std::vector<std::string> files, more, wanted;
     std::string script, output, key, name, value, file;
     double autosave = -1.0;
     bool json = false, overwrite = false, echo = false, noModule = false;
@@ -248,6 +248,7 @@ AcEdVerbCall moduleCall(const CommandLine &line, const CLI::App &parsed, const A
 {
     AcEdVerbCall call;
     call.json = line.json;
+    call.more = texts(line.more);
     for (const AcEdVerbOption &option : optionsOf(verb)) {
         if (parsed.count(option.name.toStdString()) == 0)
             continue;
@@ -257,13 +258,39 @@ AcEdVerbCall moduleCall(const CommandLine &line, const CLI::App &parsed, const A
     return call;
 }
 
+/// Where a verb's last word goes: verbs of two words share their first.
+CLI::App &parentOf(CommandLine &line, const AcEdVerb &verb)
+{
+    const std::string first = verb.name.section(u' ', 0, -2).toStdString();
+    if (first.empty())
+        return line.app;
+    const auto known =
+        line.app.get_subcommands([&first](const CLI::App *each) { return each->get_name() == first; });
+    CLI::App *parent = known.empty() ? nullptr : known.front();
+    if (!parent) {
+        parent = line.app.add_subcommand(first, "Several verbs, see --help of each:");
+        parent->require_subcommand(1);
+        parent->fallthrough();
+    }
+    parent->description(parent->get_description() + ' ' + verb.name.section(u' ', -1).toStdString());
+    return *parent;
+}
+
 void addModuleVerb(CommandLine &line, const AcEdVerb &verb)
 {
     auto parsed = std::make_shared<CLI::App *>(nullptr);
-    *parsed = line.addVerb(line.app, verb.name.toStdString(), verb.help.toStdString(), [&line, parsed, verb] {
-        return runModuleVerb(verb, texts(line.files), moduleCall(line, **parsed, verb));
-    });
-    line.addFiles(**parsed);
+    *parsed = line.addVerb(parentOf(line, verb), verb.name.section(u' ', -1).toStdString(),
+                           verb.help.toStdString(), [&line, parsed, verb] {
+                               const QStringList files =
+                                   verb.more.isEmpty() ? texts(line.files) : QStringList{text(line.drawing)};
+                               return runModuleVerb(verb, files, moduleCall(line, **parsed, verb));
+                           });
+    if (verb.more.isEmpty()) {
+        line.addFiles(**parsed);
+    } else {
+        (*parsed)->add_option("FILE", line.drawing, "Drawing (DXF)")->required();
+        (*parsed)->add_option(verb.more.toStdString(), line.more, "Files that go with it")->required();
+    }
     line.addJson(**parsed);
     for (const AcEdVerbOption &option : optionsOf(verb)) {
         const std::string name = option.name.toStdString();

@@ -37,6 +37,7 @@ public:
     void focusDrawing() override;
     void lookAgain() override;
     bool progress(const QString &what, double share) override;
+    void showService(const QString &text) override { Q_EMIT serviceShown(text); }
     AcEdDrawingKeeper *drawingKeeper() override { return m_drawingKeeper; }
 
     /// What is being asked; null while a command works, and what whenIdle() was given.
@@ -73,6 +74,8 @@ Q_SIGNALS:
     void chosenShown(const std::vector<AcDbObjectId> &entities);
     /// As AcEdFrontEnd::showPlace().
     void placeShown(const std::vector<AcGePoint3d> &outline);
+    /// As AcEdFrontEnd::showService().
+    void serviceShown(const QString &text);
     /// As AcEdFrontEnd::progress(). A slot that wants the work to stop calls stopWork().
     void progressed(const QString &what, double share);
 

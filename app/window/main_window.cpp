@@ -95,6 +95,7 @@ void MainWindow::connectParts()
             refresh();
     });
     connect(&m_front, &WindowFrontEnd::progressed, m_status, &StatusLine::showProgress);
+    connect(&m_front, &WindowFrontEnd::serviceShown, m_status, &StatusLine::showService);
     connect(m_status, &StatusLine::stopWanted, &m_front, &WindowFrontEnd::stopWork);
     connect(m_status, &StatusLine::backgroundWanted, this, &MainWindow::toggleBackground);
     connect(m_view, &DrawingView::cursorMoved, m_status, &StatusLine::showPlace);

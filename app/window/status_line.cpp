@@ -79,8 +79,8 @@ static QLabel *label(QWidget *parent, const QString &name)
 StatusLine::StatusLine(QWidget *parent)
     : QStatusBar(parent), m_place(label(this, tr("光标坐标"))),
       m_facts(label(this, tr("布局、视图扭转与选择"))), m_busy(label(this, tr("正在绘制图形"))),
-      m_work(label(this, tr("正在进行的工作"))), m_progress(new QProgressBar(this)),
-      m_stop(new QToolButton(this)), m_background(new QToolButton(this))
+      m_service(label(this, tr("与其他人同步"))), m_work(label(this, tr("正在进行的工作"))),
+      m_progress(new QProgressBar(this)), m_stop(new QToolButton(this)), m_background(new QToolButton(this))
 {
     const int wide = fontMetrics().averageCharWidth();
     m_place->setMinimumWidth(wide * 34);
@@ -95,11 +95,12 @@ StatusLine::StatusLine(QWidget *parent)
     m_background->setAccessibleName(tr("黑白背景"));
     m_background->setToolTip(tr("在黑色背景与白色背景之间切换"));
     m_background->setStatusTip(m_background->toolTip());
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop, m_facts})
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop, m_service, m_facts})
         addPermanentWidget(widget);
     addPermanentWidget(m_background);
     addWidget(m_place);
-    for (QWidget *widget : std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop})
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_busy, m_work, m_progress, m_stop, m_service})
         widget->hide();
     connect(m_stop, &QToolButton::clicked, this, &StatusLine::stopWanted);
     connect(m_background, &QToolButton::clicked, this, &StatusLine::backgroundWanted);
@@ -177,6 +178,12 @@ void StatusLine::showPlace(const AcGePoint3d &world)
 void StatusLine::showBusy(bool busy)
 {
     m_busy->setVisible(busy);
+}
+
+void StatusLine::showService(const QString &text)
+{
+    m_service->setText(text);
+    m_service->setVisible(!text.isEmpty());
 }
 
 void StatusLine::showProgress(const QString &what, double share)

@@ -25,6 +25,8 @@ public:
     void refresh();
     void showPlace(const AcGePoint3d &world);
     void showBusy(bool busy);
+    /// As AcEdFrontEnd::showService().
+    void showService(const QString &text);
     /// As AcEdFrontEnd::progress(). Meanwhile nothing in the program takes keys or clicks but the button that
     /// stops the work.
     void showProgress(const QString &what, double share);
@@ -49,6 +51,7 @@ private:
     QLabel *m_place = nullptr;
     QLabel *m_facts = nullptr;
     QLabel *m_busy = nullptr;
+    QLabel *m_service = nullptr;
     QLabel *m_work = nullptr;
     QProgressBar *m_progress = nullptr;
     QToolButton *m_stop = nullptr;

@@ -11,6 +11,22 @@
 namespace bank
 {
 
+// Trigrams find any piece of a text of three characters or more, whatever its language.
+static constexpr char kTables[] = R"(
+CREATE TABLE bank (id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, own INTEGER NOT NULL DEFAULT 0);
+CREATE TABLE phrase (
+  id INTEGER PRIMARY KEY, bank INTEGER NOT NULL REFERENCES bank(id) ON DELETE CASCADE,
+  category TEXT NOT NULL, text TEXT NOT NULL, weight INTEGER NOT NULL DEFAULT 0,
+  chosen INTEGER NOT NULL DEFAULT 0, UNIQUE (bank, text));
+CREATE VIRTUAL TABLE phrase_text USING fts5(text, content='phrase', content_rowid='id', tokenize='trigram');
+CREATE TRIGGER phrase_added AFTER INSERT ON phrase BEGIN
+  INSERT INTO phrase_text(rowid, text) VALUES (new.id, new.text); END;
+CREATE TRIGGER phrase_removed AFTER DELETE ON phrase BEGIN
+  INSERT INTO phrase_text(phrase_text, rowid, text) VALUES ('delete', old.id, old.text); END;
+CREATE TABLE keyword (word TEXT PRIMARY KEY, synonyms TEXT NOT NULL) WITHOUT ROWID;
+CREATE TABLE choice (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;
+)";
+
 /// Stands in the file, in whatever language the window is.
 static const QString kOwnBank = QStringLiteral("\u81EA\u5B9A\u4E49");
 
@@ -20,7 +36,7 @@ QString Bank::userFile()
            QStringLiteral("/quillnote/phrase-bank.sqlite");
 }
 
-Bank::Bank(const QString &path) : m_database(path)
+Bank::Bank(const QString &path) : m_database(path, {kTables})
 {
     execute(m_database, QStringLiteral("INSERT OR IGNORE INTO bank (name, own) VALUES (?, 1)"), {kOwnBank});
 }

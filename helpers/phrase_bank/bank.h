@@ -1,7 +1,7 @@
 // The phrase bank: banks of phrases, the user's own one among them, keywords with synonyms, and the search.
 #pragma once
 
-#include "helpers/phrase_bank/bank_database.h"
+#include "helpers/database/database.h"
 
 #include <QStringList>
 
@@ -10,6 +10,8 @@
 
 namespace bank
 {
+
+using sql::Database, sql::Transaction, sql::Query, sql::execute, sql::Trouble;
 
 struct BankInfo {
     qint64 id = 0;

@@ -1,7 +1,7 @@
 // Work that may fail, behind a button: Qt's event loop lets no exception through.
 #pragma once
 
-#include "helpers/phrase_bank/bank_database.h"
+#include "helpers/database/database.h"
 
 #include "host/aced/edmessage.h"
 
@@ -14,7 +14,7 @@ void telling(Work work)
 {
     try {
         work();
-    } catch (const Trouble &trouble) {
+    } catch (const sql::Trouble &trouble) {
         acedAlert(QString::fromUtf8(trouble.what()));
     }
 }

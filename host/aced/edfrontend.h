@@ -124,6 +124,8 @@ public:
     /// Long work tells how far it has come, 0 to 1, and below 0 when it does not know; `what` is empty when
     /// it has ended. False: the user wants it to stop.
     virtual bool progress(const QString & /*what*/, double /*share*/) { return true; }
+    /// What something that works beside the commands has to say, in one line; empty takes it away.
+    virtual void showService(const QString & /*text*/) {}
     /// Null: commands ask for themselves.
     virtual AcEdDrawingKeeper *drawingKeeper() { return nullptr; }
 };

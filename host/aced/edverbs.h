@@ -25,6 +25,7 @@ struct AcEdVerbCall {
     bool json = false;                  ///< Every verb knows it.
     std::map<QString, QString> options; ///< Given options, "-o" and "-f" of AcEdVerbSaving among them;
                                         ///< switches have an empty value.
+    QStringList more;                   ///< The files of AcEdVerb::more.
     bool has(const QString &name) const { return options.count(name) > 0; }
 };
 
@@ -33,7 +34,7 @@ struct AcEdVerbCall {
 enum class AcEdVerbSaving { never, optional, required };
 
 struct AcEdVerb {
-    QString name;
+    QString name; ///< "report", or two words for one of several that belong together ("data export").
     QString help;
     std::vector<AcEdVerbOption> options;
     /// Prints to standard output; the result is the exit status (0 done, 1 findings, 2 trouble).
@@ -42,6 +43,9 @@ struct AcEdVerb {
     /// all of them. May be empty.
     std::function<int(const AcEdVerbCall &)> finish = {};
     AcEdVerbSaving saving = AcEdVerbSaving::never;
+    /// Placeholder "DATA": the verb takes one drawing, and behind it files that are none, at least one.
+    /// Empty: it takes drawings, one after the other.
+    QString more = {};
 };
 
 /// Part of a drawing that something of a module names.

@@ -92,12 +92,13 @@ static void putOnLayer(AcDbDatabase &database, QuillnoteObj3 &mark)
         mark.setLayer(layer);
 }
 
-AcDbObjectId appendMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
+AcDbObjectId appendMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark, AcDbObjectId space)
 {
     const ImportingScope ours;
-    AcDbObjectPointer<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);
+    AcDbObjectPointer<AcDbBlockTableRecord> block(space.isNull() ? database.currentSpaceId() : space,
+                                                  AcDb::kForWrite);
     AcDbObjectId id;
-    if (!space || space->appendAcDbEntity(id, mark.get()) != Acad::eOk)
+    if (!block || block->appendAcDbEntity(id, mark.get()) != Acad::eOk)
         return {};
     mark.release()->close();
     return id;

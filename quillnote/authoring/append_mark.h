@@ -24,8 +24,9 @@ double suitingTextHeight(double viewHeight, const AcDbExtents &drawing);
 /// a height of its own instead.
 void keepTextLegible(QuillnoteObj3 &mark);
 
-/// Appends a settled mark to the current space. A null id when the drawing refuses it.
-AcDbObjectId appendMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark);
+/// Appends a settled mark to a block record, the current space when it is null. A null id when the drawing
+/// refuses it.
+AcDbObjectId appendMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark, AcDbObjectId space = {});
 
 /// Puts the mark on the mark layer when the settings ask for one, else on layer "0", settles and appends it.
 /// It is the last created mark from then on.

@@ -5,11 +5,19 @@
 static const QString kDictionary = QStringLiteral("QN_DICT");
 static const QString kNumberRecord = QStringLiteral("XREC1");
 static const QString kPositionRecord = QStringLiteral("XREC2");
+static const QString kExchangeRecord = QStringLiteral("XREC3");
 
-/// Both records begin with their title and a ruler.
+/// All records begin with their title and a ruler.
+static ResbufList chainWith(const QString &title)
+{
+    return {{1, title}, {1, QString(28, u'*')}};
+}
+
 static ResbufList chainWith(const QString &title, std::int16_t value)
 {
-    return {{1, title}, {1, QString(28, u'*')}, {70, std::int64_t(value)}};
+    ResbufList chain = chainWith(title);
+    chain.emplace_back(70, std::int64_t(value));
+    return chain;
 }
 
 /// Empty when the drawing has no such record.
@@ -106,4 +114,21 @@ Acad::ErrorStatus writeReviewPosition(AcDbDatabase &database, const ReviewPositi
     if (position.mark.isValid())
         chain.emplace_back(330, position.mark.handle());
     return writeRecord(database, kPositionRecord, chain);
+}
+
+QStringList readExchangeRecord(const AcDbDatabase &database)
+{
+    const ResbufList chain = readRecord(database, kExchangeRecord);
+    QStringList texts;
+    for (std::size_t place = 2; const resbuf *text = groupAt(chain, place, 1); ++place)
+        texts.append(text->text());
+    return texts;
+}
+
+Acad::ErrorStatus writeExchangeRecord(AcDbDatabase &database, const QStringList &texts)
+{
+    ResbufList chain = chainWith(QStringLiteral("QuillnoteObj3 标志位3"));
+    for (const QString &text : texts)
+        chain.emplace_back(1, text);
+    return writeRecord(database, kExchangeRecord, chain);
 }

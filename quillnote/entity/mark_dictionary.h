@@ -1,8 +1,10 @@
-// What the program keeps in each drawing besides the marks: the last mark number and the place of the
-// review palette, in xrecords of the dictionary "QN_DICT".
+// What the program keeps in each drawing besides the marks: the last mark number, the place of the review
+// palette and what was exchanged with copies of it, in xrecords of the dictionary "QN_DICT".
 #pragma once
 
 #include "host/acdb/dbdatabase.h"
+
+#include <QStringList>
 
 /// The number given to the last mark made in the drawing; 0 when there is none.
 std::uint16_t readLastMarkNumber(const AcDbDatabase &database);
@@ -18,3 +20,7 @@ struct ReviewPosition {
 ReviewPosition readReviewPosition(const AcDbDatabase &database);
 /// An id that is null or erased is left out.
 Acad::ErrorStatus writeReviewPosition(AcDbDatabase &database, const ReviewPosition &position);
+
+/// Texts in their order; none when nothing was ever exchanged (quillnote/exchange/synchronisation.h).
+QStringList readExchangeRecord(const AcDbDatabase &database);
+Acad::ErrorStatus writeExchangeRecord(AcDbDatabase &database, const QStringList &texts);

@@ -53,8 +53,7 @@ QString writeSynchronisationFile(const QByteArray &bytes, const QString &prefix)
     return {};
 }
 
-/// Refuses what no reader would take.
-static bool fitsIntoFile(const MarkData &data)
+bool fitsIntoFile(const MarkData &data)
 {
     if (data.marks.size() <= kMostDataRecords && data.ticks.size() <= kMostDataRecords)
         return true;

@@ -18,5 +18,8 @@ MarkData marksOf(const AcDbDatabase &database);
 /// written, which is said.
 QString writeSynchronisationFile(const QByteArray &bytes, const QString &prefix);
 
+/// False, and said, for more marks or ticks than a reader would take.
+bool fitsIntoFile(const MarkData &data);
+
 /// Command: writes the data file beside the drawing.
 void QN3_DataFileOut();

@@ -5,6 +5,7 @@
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_layout.h"
+#include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/synchronisation.h"
@@ -22,6 +23,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QTimer>
+#include <QUuid>
 
 #include <set>
 #include <unordered_map>
@@ -83,6 +85,33 @@ private:
     std::unordered_map<QString, std::vector<AcDbObjectId>> m_byGuid;
 };
 
+/// What data files do not carry stays with the mark as long as its target stays where it is.
+static void keepSnapshot(AcDbObjectId replaced, QuillnoteObj3 &mark)
+{
+    const AcDbObjectPointer<QuillnoteObj3> opened(replaced, AcDb::kForRead, true);
+    if (!opened)
+        return;
+    const QuillnoteObj3 &old = *opened;
+    if (old.targetCorner1 != mark.targetCorner1 || old.targetCorner2 != mark.targetCorner2)
+        return;
+    mark.snapEntityIds = old.snapEntityIds;
+    mark.snapNote = old.snapNote;
+    mark.snapChecksum = old.snapChecksum;
+    mark.snapImage = old.snapImage;
+    mark.fullImage = old.fullImage;
+    mark.editVersion = old.editVersion;
+    mark.autoTextHeight = old.autoTextHeight;
+}
+
+/// Where a mark stands in the copy of the drawing that it comes from, as far as this one has the same place;
+/// null is the current space.
+static AcDbObjectId spaceOf(const AcDbDatabase &database, const MarkDataRecord &record)
+{
+    const std::vector<AcDbObjectId> layouts = acdbLayoutBlocks(database);
+    const auto found = std::ranges::find(layouts, record.owner, &AcDbObjectId::handle);
+    return found == layouts.end() ? AcDbObjectId() : *found;
+}
+
 /// Erases a mark for its newer state. A password that both have need not be given: nothing is changed that
 /// the author of the newer state could not change.
 static bool makeWay(AcDbObjectId id, const QString &passwordHash)
@@ -97,30 +126,96 @@ static bool makeWay(AcDbObjectId id, const QString &passwordHash)
     return old->erase() == Acad::eOk;
 }
 
+/// The same for what people share: whoever changed or erased the mark was asked for the password where he is.
+static bool makeWayForShared(AcDbObjectId id)
+{
+    if (!id.isValid())
+        return true;
+    AcDbObjectPointer<QuillnoteObj3> old(id, AcDb::kForWrite);
+    if (!old)
+        return false;
+    old->erasable = true;
+    old->chPwMD5.clear();
+    return old->erase() == Acad::eOk;
+}
+
+// Copies of changes that were overtaken ------------------------------------------------------------------
+
+static bool saysOtherWords(const QuillnoteObj3 &mark, AcDbObjectId winner)
+{
+    const AcDbObjectPointer<QuillnoteObj3> won(winner, AcDb::kForRead);
+    return !won || won->suggestionContent != mark.suggestionContent ||
+           won->feedbackContent != mark.feedbackContent || won->feedbackType != mark.feedbackType ||
+           won->sketchData != mark.sketchData;
+}
+
+/// A change of this user came too late: another's took its place. Its words stay as a mark of their own,
+/// which gets the next number of the mark that it was. Words that the winner says as well are not kept;
+/// neither is what is kept already.
+static void becomeCopies(const AcDbDatabase &database, const QByteArray &drawing,
+                         std::vector<MarkDataRecord> &records)
+{
+    const KnownMarks known(database);
+    const CollectedMarks marks = collectMarks(database);
+    std::erase_if(records, [&](MarkDataRecord &record) {
+        QuillnoteObj3 &mark = *record.mark;
+        const std::vector<AcDbObjectId> winners = known.of(mark.GUID);
+        if (!winners.empty() && !saysOtherWords(mark, winners.front()))
+            return true;
+        mark.GUID =
+            QUuid::createUuidV5(QUuid::fromRfc4122(drawing), digestOf(mark).toHex()).toString().toUpper();
+        const auto sameNumber = std::ranges::count_if(marks.ids, [&](AcDbObjectId id) {
+            const AcDbObjectPointer<QuillnoteObj3> other(id, AcDb::kForRead);
+            return other && other->markNumber == mark.markNumber;
+        });
+        mark.subNumber = std::uint16_t(sameNumber + 1);
+        if (known.of(mark.GUID).empty())
+            acutPrintf(QStringLiteral("\n他人同时修改了评图标签 %1，您的内容另存为 %2。")
+                           .arg(mark.markNumber)
+                           .arg(markNumberText(mark.markNumber, mark.subNumber)));
+        return !known.of(mark.GUID).empty();
+    });
+}
+
 class MarkImport
 {
 public:
-    explicit MarkImport(AcDbDatabase &database) : m_database(database), m_known(database) {}
+    MarkImport(AcDbDatabase &database, const std::optional<SharedChange> &shared)
+        : m_database(database), m_shared(shared), m_known(database)
+    {
+    }
 
     void take(MarkDataRecord &record, ImportedMarks &imported)
     {
         QuillnoteObj3 &mark = *record.mark;
+        if (m_shared && isOutdated(m_database, mark.GUID, *m_shared))
+            return;
         const QString layer = record.layer.trimmed();
         if (!layer.isEmpty() && prepareOnce(layer, record.layerColor))
             mark.setLayer(layer);
-        for (const AcDbObjectId old : m_known.of(mark.GUID)) {
-            if (!makeWay(old, mark.chPwMD5)) {
+        const std::vector<AcDbObjectId> others = m_known.of(mark.GUID);
+        const QByteArray digest = sharedDrawing(m_database) ? digestOf(mark) : QByteArray();
+        if (m_shared && others.size() == 1 && saysTheSame(others.front(), digest)) {
+            noteReceived(m_database, mark.GUID, digest);
+            return;
+        }
+        for (const AcDbObjectId old : others) {
+            if (m_shared ? !makeWayForShared(old) : !makeWay(old, mark.chPwMD5)) {
                 ++imported.kept;
                 return;
             }
         }
+        if (others.size() == 1)
+            keepSnapshot(others.front(), mark);
         // A mark that was settled where it comes from looks the same here, whatever the view.
         if (!mark.cornersValid)
             settleMark(mark, m_database);
         const QString guid = mark.GUID;
         const std::uint16_t number = mark.markNumber;
-        noteReceived(mark);
-        const AcDbObjectId id = appendMark(m_database, std::move(record.mark));
+        if (!m_shared || !m_shared->asCopies) // Copies are news to everybody.
+            noteReceived(m_database, guid, digest);
+        const AcDbObjectId id = appendMark(m_database, std::move(record.mark),
+                                           m_shared ? spaceOf(m_database, record) : AcDbObjectId());
         if (id.isNull()) {
             ++imported.refused;
             return;
@@ -144,7 +239,14 @@ private:
                      : m_database.tableRecord(SymbolTable::layer, layer).isValid();
     }
 
+    static bool saysTheSame(AcDbObjectId id, const QByteArray &digest)
+    {
+        const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+        return mark && !digest.isEmpty() && digestOf(*mark) == digest;
+    }
+
     AcDbDatabase &m_database;
+    const std::optional<SharedChange> &m_shared;
     KnownMarks m_known;
     std::set<std::pair<QString, int>> m_prepared;
     std::uint16_t m_highest = 0;
@@ -154,7 +256,9 @@ ImportedMarks importMarkData(AcDbDatabase &database, MarkData data)
 {
     const ImportingScope importing;
     ImportedMarks imported;
-    MarkImport import(database);
+    if (data.shared && data.shared->asCopies)
+        becomeCopies(database, data.shared->drawing, data.marks);
+    MarkImport import(database, data.shared);
     for (MarkDataRecord &record : data.marks)
         import.take(record, imported);
     for (const TickRecord &tick : data.ticks) {
@@ -203,30 +307,45 @@ static void showLast(const ImportedMarks &imported)
         zoomToArea(box, {}, ZoomWhen::ifOutside);
 }
 
-/// Asks about what speaks against the file.
-static bool mayImport(const QString &path, const MarkDataHeader &header, const AcDbDatabase &database)
+/// What speaks against a file, and what a person is asked about it.
+static bool passes(bool good, WhenInDoubt doubt, const QString &trouble, const QString &question)
+{
+    if (good || doubt == WhenInDoubt::import)
+        return true;
+    if (doubt == WhenInDoubt::ask)
+        return acedAsk(trouble + question, AcEdButtons::yesNo) == AcEdButton::yes;
+    acutPrintf(trouble);
+    return false;
+}
+
+/// A file that was cut off behind zeros has the right sum all the same.
+static bool mayImport(const QString &path, const MarkDataHeader &header, const MarkDataContents &contents,
+                      const AcDbDatabase &database, WhenInDoubt doubt)
 {
     const bool sameDrawing =
         header.fingerprint.compare(drawingFingerprint(database), Qt::CaseInsensitive) == 0;
-    if (!sameDrawing &&
-        acedAsk(QStringLiteral("\n指纹错误。\n文件<%1>不是本图的Quillnote数据文件。\n\n强制导入到本图吗？")
-                    .arg(path),
-                AcEdButtons::yesNo) != AcEdButton::yes)
-        return false;
-    return header.checksumHolds || acedAsk(QStringLiteral("\n校验和错误错误。\n强制导入到本图吗？"),
-                                           AcEdButtons::yesNo) == AcEdButton::yes;
+    return passes(sameDrawing, doubt,
+                  QStringLiteral("\n指纹错误。\n文件<%1>不是本图的Quillnote数据文件。").arg(path),
+                  QStringLiteral("\n\n强制导入到本图吗？")) &&
+           passes(header.checksumHolds && contents.missing == 0, doubt, QStringLiteral("\n校验和错误错误。"),
+                  QStringLiteral("\n强制导入到本图吗？"));
 }
 
-static void importMarks(const QString &path, QByteArrayView bytes, const MarkDataHeader &header, bool force)
+static ImportedFile importMarks(const QString &path, QByteArrayView bytes, const MarkDataHeader &header,
+                                WhenInDoubt doubt)
 {
     AcDbDatabase &database = *acdbCurDwg();
-    if (!force && !mayImport(path, header, database))
-        return;
     MarkDataContents contents = readMarkData(bytes, header);
+    if (!mayImport(path, header, contents, database, doubt))
+        return ImportedFile::refused;
     const ImportedMarks imported = importMarkData(database, std::move(contents.data));
     tellLeftOut(path, contents);
     tellImported(imported);
     showLast(imported);
+    const bool isWhole = contents.missing == 0 && contents.left == 0 && !contents.tooManyMarks &&
+                         !contents.tooManyTicks && imported.kept == 0 && imported.refused == 0 &&
+                         imported.missingTicks == 0;
+    return isWhole ? ImportedFile::whole : ImportedFile::partly;
 }
 
 /// The box around what is about to be erased: the target, or text box and leader ends.
@@ -258,8 +377,13 @@ static void blink(const std::vector<AcDbObjectId> &marks, int times)
     }
 }
 
-static void eraseMarks(AcDbDatabase &database, const QStringList &guids)
+static void eraseMarks(AcDbDatabase &database, QStringList guids, const std::optional<SharedChange> &shared)
 {
+    if (shared) {
+        guids.removeIf([&](const QString &guid) { return isOutdated(database, guid, *shared); });
+        for (const QString &guid : guids)
+            noteReceived(database, guid, erasedDigest());
+    }
     const KnownMarks known(database);
     std::vector<AcDbObjectId> doomed;
     AcDbExtents box;
@@ -278,12 +402,14 @@ static void eraseMarks(AcDbDatabase &database, const QStringList &guids)
     blink(doomed, kBlinks);
     const ImportingScope importing;
     for (const AcDbObjectId id : doomed) {
-        if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)
+        if (shared)
+            makeWayForShared(id);
+        else if (AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite); mark)
             mark->erase();
     }
 }
 
-static void importErased(QByteArrayView bytes, const MarkDataHeader &header)
+static ImportedFile importErased(QByteArrayView bytes, const MarkDataHeader &header)
 {
     const std::optional<QStringList> guids = readErasedMarks(bytes, header);
     if (!header.checksumHolds || !guids)
@@ -292,28 +418,29 @@ static void importErased(QByteArrayView bytes, const MarkDataHeader &header)
         acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目大于一万。报告错误"));
     else if (header.markCount == 0)
         acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目数为0。报告错误"));
-    else
-        eraseMarks(*acdbCurDwg(), *guids);
+    else {
+        eraseMarks(*acdbCurDwg(), *guids, header.shared);
+        return ImportedFile::whole;
+    }
+    return ImportedFile::refused;
 }
 
-bool importMarkDataFile(const QString &path, bool force)
+ImportedFile importMarkDataFile(const QString &path, WhenInDoubt doubt)
 {
     const auto file = base::readFileBytes(path);
     if (!file) {
         acutPrintf(QStringLiteral("\n读取Quillnote数据文件<%1>错误1。").arg(path));
-        return false;
+        return ImportedFile::unreadable;
     }
     const QByteArrayView bytes(file->data(), qsizetype(file->size()));
     const std::optional<MarkDataHeader> header = readMarkDataHeader(bytes);
     if (!header) {
         acutPrintf(QStringLiteral("\n读取<%1>错误2，不是Quillnote数据文件。").arg(path));
-        return false;
+        return ImportedFile::unreadable;
     }
     if (header->kind == MarkDataKind::erased)
-        importErased(bytes, *header);
-    else
-        importMarks(path, bytes, *header, force);
-    return true;
+        return importErased(bytes, *header);
+    return importMarks(path, bytes, *header, doubt);
 }
 
 void QN3_DataFileIn()
@@ -321,7 +448,7 @@ void QN3_DataFileIn()
     QString path;
     if (acedGetFileD(QStringLiteral("Quillnote"), {}, QStringLiteral("Quillnote3;Quillnote"), kAcUiOpenFile,
                      path) == RTNORM)
-        importMarkDataFile(path, false);
+        importMarkDataFile(path, WhenInDoubt::ask);
 }
 
 void QN3_DataFileInQuiet()
@@ -329,6 +456,6 @@ void QN3_DataFileInQuiet()
     QString path;
     if (acedGetString(true, QStringLiteral("请输入评图标签独立文件："), path) != RTNORM || path.isEmpty())
         return;
-    if (importMarkDataFile(path, true))
+    if (importMarkDataFile(path, WhenInDoubt::import) != ImportedFile::unreadable)
         QFile::remove(path);
 }

@@ -19,9 +19,18 @@ struct ImportedMarks {
 /// marks.
 ImportedMarks importMarkData(AcDbDatabase &database, MarkData data);
 
-/// Reads a file of any kind into the current drawing and tells what happened. Without `force` a file of
-/// another drawing or with a wrong checksum is asked about first. False when the bytes are no mark data file.
-bool importMarkDataFile(const QString &path, bool force);
+/// What becomes of a file of another drawing, or with a wrong checksum.
+enum class WhenInDoubt { ask, import, refuse };
+
+enum class ImportedFile {
+    unreadable, ///< There is no such file, or it is no mark data file.
+    refused,    ///< Because of a doubt. Nothing was changed.
+    partly,     ///< Something that the file holds or should hold did not get into the drawing.
+    whole,
+};
+
+/// Reads a file of any kind into the current drawing and tells what happened.
+ImportedFile importMarkDataFile(const QString &path, WhenInDoubt doubt);
 
 /// Command: asks for the file in a dialog.
 void QN3_DataFileIn();

@@ -6,36 +6,13 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 using Mark = QuillnoteObj3;
 using base::ByteReader;
 using base::ByteWriter;
 
-// Header ---------------------------------------------------------------------------------------------
-
-static constexpr std::size_t kMagicSize = 32;
-static constexpr std::size_t kFingerprintSize = 48;
-static constexpr std::size_t kMarkCountAt = 144;
-static constexpr std::size_t kChecksumAt = 146;
-static constexpr std::size_t kTickCountAt = 150;
-static constexpr std::size_t kHeaderSize = 160;
 static constexpr qsizetype kLongestText = 32767; ///< Their bytes are counted in 16 bits.
-
-struct Magic {
-    MarkDataKind kind;
-    const char *text;
-};
-static constexpr std::array kMagics = std::to_array<Magic>({
-    {MarkDataKind::marks3, "Corvantelsoft Quillnote DATA V3"},
-    {MarkDataKind::marks4, "Corvantelsoft Quillnote DATA V4"},
-    {MarkDataKind::marks7, "Corvantelsoft Quillnote DATA V7"},
-    {MarkDataKind::erased, "Corvantelsoft Quillnote DATA D7"},
-});
-
-static QByteArrayView magicOf(MarkDataKind kind)
-{
-    return std::ranges::find(kMagics, kind, &Magic::kind)->text;
-}
 
 /// The first version of marks whose data records hold a field: 3, 4 or 7.
 static int recordVersion(MarkDataKind kind)
@@ -48,63 +25,6 @@ static int recordVersion(MarkDataKind kind)
     default:
         return 7;
     }
-}
-
-static std::uint32_t sumOfRecords(QByteArrayView file)
-{
-    std::uint32_t sum = 0;
-    for (const char byte : file.sliced(qsizetype(kHeaderSize)))
-        sum += static_cast<unsigned char>(byte);
-    return sum;
-}
-
-static void putPadded(ByteWriter &out, QByteArrayView text, std::size_t size)
-{
-    const QByteArrayView fitting = text.first(std::min<qsizetype>(text.size(), qsizetype(size)));
-    out.bytes(fitting);
-    out.zeros(size - std::size_t(fitting.size()));
-}
-
-static ByteWriter beginFile(MarkDataKind kind, const QString &fingerprint)
-{
-    ByteWriter out;
-    putPadded(out, magicOf(kind), kMagicSize);
-    putPadded(out, fingerprint.toLatin1(), kFingerprintSize);
-    out.zeros(kHeaderSize - out.size());
-    return out;
-}
-
-static QByteArray endFile(ByteWriter &out, std::size_t marks, std::size_t ticks)
-{
-    QUILL_ASSERT(marks <= kMostDataRecords && ticks <= kMostDataRecords);
-    out.patch<std::uint16_t>(kMarkCountAt, std::uint16_t(marks));
-    out.patch<std::uint32_t>(kChecksumAt, sumOfRecords(out.data()));
-    out.patch<std::uint16_t>(kTickCountAt, std::uint16_t(ticks));
-    return out.take();
-}
-
-std::optional<MarkDataHeader> readMarkDataHeader(QByteArrayView file)
-{
-    if (file.size() < qsizetype(kHeaderSize) || file[kMagicSize - 1] != '\0')
-        return {};
-    const QByteArrayView magic = file.first(kMagicSize - 1);
-    const auto known = std::ranges::find_if(kMagics, [&](const Magic &candidate) {
-        return magic.compare(candidate.text, Qt::CaseInsensitive) == 0;
-    });
-    if (known == kMagics.end())
-        return {};
-    MarkDataHeader header;
-    header.kind = known->kind;
-    QByteArrayView fingerprint = file.sliced(kMagicSize, kFingerprintSize);
-    if (const qsizetype end = fingerprint.indexOf('\0'); end >= 0)
-        fingerprint = fingerprint.first(end);
-    header.fingerprint = QString::fromLatin1(fingerprint);
-    ByteReader counts(file);
-    counts.seek(kMarkCountAt);
-    counts.get(header.markCount);
-    header.checksumHolds = counts.get<std::uint32_t>() == sumOfRecords(file);
-    counts.get(header.tickCount);
-    return header;
 }
 
 // Items ----------------------------------------------------------------------------------------------
@@ -171,9 +91,14 @@ requires requires(T t)
 }
 static void get(ByteReader &in, T &value)
 {
-    get(in, value.x);
-    get(in, value.y);
-    get(in, value.z);
+    std::array<double, 3> parts{}; // A mark has sixty points: they are read whole.
+    if (const auto taken = in.bytes(sizeof parts); !taken.empty())
+        std::memcpy(parts.data(), taken.data(), sizeof parts);
+    value.x = parts[0];
+    value.y = parts[1];
+    value.z = parts[2];
+    if (!std::isfinite(parts[0]) || !std::isfinite(parts[1]) || !std::isfinite(parts[2]))
+        in.fail();
 }
 static void get(ByteReader &in, QByteArray &bytes)
 {
@@ -348,20 +273,29 @@ static void getRecord(ByteReader &in, TickRecord &tick, int /*version*/)
 
 QByteArray encodeMarkData(const MarkData &data)
 {
-    ByteWriter out = beginFile(MarkDataKind::marks7, data.fingerprint);
+    MarkDataHeader header;
+    header.fingerprint = data.fingerprint;
+    header.markCount = std::uint16_t(data.marks.size());
+    header.tickCount = std::uint16_t(data.ticks.size());
+    header.shared = data.shared;
+    ByteWriter out;
     for (const MarkDataRecord &record : data.marks)
         putRecord(out, record);
     for (const TickRecord &tick : data.ticks)
         putRecord(out, tick);
-    return endFile(out, data.marks.size(), data.ticks.size());
+    return withMarkDataHeader(std::move(header), out.take());
 }
 
-QByteArray encodeErasedMarks(const QStringList &guids)
+QByteArray encodeErasedMarks(const QStringList &guids, const std::optional<SharedChange> &shared)
 {
-    ByteWriter out = beginFile(MarkDataKind::erased, {});
+    MarkDataHeader header;
+    header.kind = MarkDataKind::erased;
+    header.markCount = std::uint16_t(guids.size());
+    header.shared = shared;
+    ByteWriter out;
     for (const QString &guid : guids)
         put(out, guid);
-    return endFile(out, std::size_t(guids.size()), 0);
+    return withMarkDataHeader(std::move(header), out.take());
 }
 
 /// Reads until a record is not whole. Nothing is set aside for a count before its records are there.
@@ -382,13 +316,14 @@ MarkDataContents readMarkData(QByteArrayView file, const MarkDataHeader &header)
 {
     MarkDataContents contents;
     contents.data.fingerprint = header.fingerprint;
+    contents.data.shared = header.shared;
     contents.tooManyMarks = header.markCount > kMostDataRecords;
     contents.tooManyTicks = header.tickCount > kMostDataRecords;
     const int version = recordVersion(header.kind);
     const std::size_t marks = contents.tooManyMarks ? 0 : header.markCount;
     const std::size_t ticks = contents.tooManyTicks || version < 7 ? 0 : header.tickCount;
     ByteReader in(file);
-    in.seek(kHeaderSize);
+    in.seek(kMarkDataHeaderSize);
     contents.missing = readRecords(in, contents.data.marks, marks, version);
     contents.missing += readRecords(in, contents.data.ticks, ticks, version);
     contents.left = in.failed() ? 0 : in.left();
@@ -398,7 +333,7 @@ MarkDataContents readMarkData(QByteArrayView file, const MarkDataHeader &header)
 std::optional<QStringList> readErasedMarks(QByteArrayView file, const MarkDataHeader &header)
 {
     ByteReader in(file);
-    in.seek(kHeaderSize);
+    in.seek(kMarkDataHeaderSize);
     QStringList guids;
     for (std::uint16_t i = 0; i < header.markCount && !in.failed(); ++i) {
         QString guid;

@@ -5,6 +5,7 @@
 
 #include "quillnote/aids/tick_symbols.h"
 #include "quillnote/entity/mark_record.h"
+#include "quillnote/exchange/header/data_header.h"
 
 #include <QStringList>
 
@@ -25,29 +26,14 @@ struct MarkData {
     QString fingerprint; ///< Of the drawing that the marks came from; "0" for one without.
     std::vector<MarkDataRecord> marks;
     std::vector<TickRecord> ticks;
+    std::optional<SharedChange> shared;
 };
-
-/// A file counts to 65535, but readers take no more than this.
-inline constexpr std::size_t kMostDataRecords = 9999;
 
 /// A file of version 7. Texts beyond 32767 characters are cut: that is what a file can count.
 /// Not more than kMostDataRecords marks and as many ticks.
 QByteArray encodeMarkData(const MarkData &data);
 /// A file that names erased marks by their GUIDs.
-QByteArray encodeErasedMarks(const QStringList &guids);
-
-enum class MarkDataKind { marks3, marks4, marks7, erased };
-
-struct MarkDataHeader {
-    MarkDataKind kind = MarkDataKind::marks7;
-    QString fingerprint;
-    std::uint16_t markCount = 0; ///< As the file says, whatever it says.
-    std::uint16_t tickCount = 0;
-    bool checksumHolds = false;
-};
-
-/// None for bytes that are no mark data file.
-std::optional<MarkDataHeader> readMarkDataHeader(QByteArrayView file);
+QByteArray encodeErasedMarks(const QStringList &guids, const std::optional<SharedChange> &shared = {});
 
 /// What could be read: whole records only. Records end where the file is cut off or a number makes no sense.
 struct MarkDataContents {

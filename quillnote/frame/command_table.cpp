@@ -16,6 +16,7 @@
 #include "quillnote/authoring/renumber.h"
 #include "quillnote/authoring/setup.h"
 #include "quillnote/authoring/show_text.h"
+#include "quillnote/exchange/courier_files.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
 #include "quillnote/exchange/synchronisation.h"
@@ -120,6 +121,7 @@ static constexpr CommandRow kCommands[] = {
     {"ptbq", "ptbqMenu", kModal, kNotRecorded, ptbq},
     // Commands of later versions stand behind the others.
     {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
+    {"QN8_SynningPlace", "SynningPlace", kModal, kNotRecorded, QN8_SynningPlace},
 };
 // clang-format on
 

@@ -7,6 +7,7 @@
 #include "quillnote/entity/mark_grips.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/entity/password.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/command_table.h"
 #include "quillnote/frame/lisp_functions.h"
 #include "quillnote/frame/menu_loading.h"
@@ -83,6 +84,7 @@ static void initialise(void *packet)
 
 static void unload()
 {
+    QN8_SynningOff();
     deleteReactors();
     stopFlagRefresh();
     closeReviewPalette();

@@ -2,6 +2,7 @@
 
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
+#include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
 #include "quillnote/review/review_palette.h"
 
@@ -29,6 +30,7 @@ public:
     void documentToBeDestroyed(AcApDocument *document) override
     {
         m_registry.detach(document);
+        leaveDrawing(*document->database());
         // The ids are gone with the drawing. Another drawing that is current keeps its own.
         std::erase_if(markDrawingState().drawnMarks,
                       [document](AcDbObjectId id) { return id.database() == document->database(); });
@@ -47,7 +49,11 @@ public:
             keepDrawnMarks();
         markDrawingState().drawnMarks.clear();
     }
-    void documentActivated(AcApDocument *) override { m_registry.ensureDatabaseReactor(); }
+    void documentActivated(AcApDocument *document) override
+    {
+        m_registry.ensureDatabaseReactor();
+        shareDrawing(*document->database());
+    }
 
 private:
     void keepDrawnMarks()
@@ -72,6 +78,8 @@ public:
     void inputWanted(AcApDocument *document, bool forSaving) override
     {
         storeReviewInput(*document, forSaving);
+        if (forSaving)
+            keepExchanged(*document->database());
     }
 };
 

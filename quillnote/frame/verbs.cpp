@@ -1,5 +1,6 @@
 #include "quillnote/frame/verbs.h"
 
+#include "quillnote/exchange/data_verbs.h"
 #include "quillnote/reports/mark_area.h"
 #include "quillnote/reports/marks_verb.h"
 #include "quillnote/reports/report_verb.h"
@@ -7,7 +8,7 @@
 
 static std::vector<AcEdVerb> moduleVerbs()
 {
-    return {marksVerb(), reportVerb(), compareVerb(), refreshVerb()};
+    return {marksVerb(), reportVerb(), compareVerb(), refreshVerb(), dataExportVerb(), dataImportVerb()};
 }
 
 void registerVerbs()

@@ -1410,16 +1410,16 @@ Please open: %1</translation>
         <translation>There is no text.</translation>
     </message>
     <message>
-        <source>知识库文件 %1 不能打开：%2</source>
-        <translation>The phrase bank %1 cannot be opened: %2</translation>
+        <source>数据库文件 %1 不能打开：%2</source>
+        <translation>The database %1 cannot be opened: %2</translation>
     </message>
     <message>
-        <source>知识库文件是更新版本的程序写的。</source>
-        <translation>The phrase bank was written by a newer version of the program.</translation>
+        <source>数据库文件是更新版本的程序写的。</source>
+        <translation>The database was written by a newer version of the program.</translation>
     </message>
     <message>
-        <source>知识库不能读写：%1</source>
-        <translation>The phrase bank cannot be read or written: %1</translation>
+        <source>数据库不能读写：%1</source>
+        <translation>The database cannot be read or written: %1</translation>
     </message>
     <message>
         <source>&lt; %1 &gt;文件不是ANSI编码，请用记事本打开并以ANSI格式保存。</source>
@@ -2477,6 +2477,10 @@ Please open: %1</translation>
     <message>
         <source>布局、视图扭转与选择</source>
         <translation>Layout, view twist and selection</translation>
+    </message>
+    <message>
+        <source>与其他人同步</source>
+        <translation>Sharing with other people</translation>
     </message>
     <message>
         <source>正在绘制图形</source>

@@ -48,6 +48,7 @@ static constexpr std::array kTable = std::to_array<Value>({
     {kKey, u"LOADTOOLBAR", N, u"0", u"1 once the toolbar was shown"},
     {kKey, u"Location", T, u"", u"install folder"},
     {kKey, u"synFileUploadPath", T, u"", u"shared folder of the synchronisation"},
+    {kKey, u"courierPlace", T, u"", u"where people who review together meet: a shared folder, or nats://host/project"},
     {kKey, u"NoticeString", T, u"", u"notice shown at start-up"},
     {kKey, u"NoticeStringN", N, u"0", u"how often the notice was shown; it ends at 10"},
 

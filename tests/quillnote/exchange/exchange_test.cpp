@@ -8,6 +8,7 @@
 
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_fields.h"
+#include "quillnote/entity/mark_values.h"
 
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
@@ -17,6 +18,8 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+
+#include <set>
 
 struct ExchangeTest : AuthoringTest {
     ExchangeTest() { settings::setText(u"synFileUploadPath", folder.path(QStringLiteral("sync"))); }
@@ -189,7 +192,7 @@ static int deliver(const QString &folder)
     std::ranges::stable_sort(arrived, {}, [](const QFileInfo &file) { return file.lastModified(); });
     for (const QFileInfo &file : arrived) {
         ++files;
-        EXPECT_TRUE(importMarkDataFile(file.filePath(), true));
+        EXPECT_EQ(importMarkDataFile(file.filePath(), WhenInDoubt::import), ImportedFile::whole);
         QFile::remove(file.filePath());
     }
     return files;
@@ -207,17 +210,17 @@ TEST_F(ExchangeTest, EveryChangeOfAMarkReachesTheOtherCopyAndNothingComesBack)
         std::swap(drawing, theirs);
         EXPECT_EQ(deliver(sync), files) << what;
         EXPECT_EQ(markLines(), here) << what;
-        EXPECT_TRUE(QDir(sync).isEmpty()) << what;
+        EXPECT_TRUE(QDir(sync).isEmpty(QDir::Files)) << what;
         std::swap(drawing, theirs);
         acDocManager()->activateDocument(&drawing->document());
     };
     run(QStringLiteral("QN8_SynningOff"));
     make();
-    EXPECT_TRUE(QDir(sync).isEmpty());
+    EXPECT_TRUE(QDir(sync).isEmpty(QDir::Files));
     run(QStringLiteral("QN8_SynningOn"));
-    EXPECT_TRUE(QDir(sync).isEmpty());
-    AcDbObjectPointer<QuillnoteObj3>(collectMarks(database()).ids.front(), AcDb::kForWrite)->feedbackType = 1;
     send("a mark that they never had", 1);
+    AcDbObjectPointer<QuillnoteObj3>(collectMarks(database()).ids.front(), AcDb::kForWrite)->feedbackType = 1;
+    send("a status", 1);
     const AcDbObjectId id = make();
     send("a new mark", 1);
     AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForWrite)->feedbackContent = QStringLiteral("已改");
@@ -240,7 +243,7 @@ TEST_F(ExchangeTest, EveryChangeOfAMarkReachesTheOtherCopyAndNothingComesBack)
     send("and back again", 1);
     run(QStringLiteral("QN8_SynningOff"));
     make();
-    EXPECT_TRUE(QDir(sync).isEmpty());
+    EXPECT_TRUE(QDir(sync).isEmpty(QDir::Files));
 }
 
 TEST_F(ExchangeTest, SaysWhenThereIsNothingToWriteOrNowhere)
@@ -268,4 +271,60 @@ TEST_F(ExchangeTest, FileNamesAreNotInUseAndFoldersAreMade)
     script.printed.clear();
     EXPECT_EQ(synchronisationFolder(FolderTest::write), QString());
     EXPECT_EQ(settings::text(u"synFileUploadPath"), QString());
+}
+
+TEST_F(ExchangeTest, AHundredCopiesAreMarksOfTheirOwnAndGoWithOneUndo)
+{
+    const QString sync = folder.path(QStringLiteral("sync"));
+    openDrawing("{F1}");
+    const AcDbObjectId id = make();
+    run(QStringLiteral("QN8_SynningOn"));
+    closeStep();
+    QStringList answers{QStringLiteral("handle %1").arg(id.handle().value, 0, 16), {}, QStringLiteral("0,0")};
+    for (int i = 1; i <= 100; ++i)
+        answers << QStringLiteral("%1,0").arg(50 * i);
+    run(QStringLiteral("COPY"), answers << QString());
+    std::set<QString> guids, numbers;
+    for (const AcDbObjectId each : collectMarks(database()).ids) {
+        const AcDbObjectPointer<QuillnoteObj3> mark(each, AcDb::kForRead);
+        guids.insert(mark->GUID);
+        numbers.insert(markNumberText(mark->markNumber, mark->subNumber));
+    }
+    EXPECT_EQ(guids.size(), 101U);
+    EXPECT_EQ(numbers.size(), 101U);
+    EXPECT_TRUE(numbers.contains(QStringLiteral("1.101")));
+    run(QStringLiteral("U"));
+    EXPECT_EQ(collectMarks(database()).ids.size(), 1U);
+    const auto erased = QDir(sync).entryList({QStringLiteral("QnSysnning_Del*")}, QDir::Files);
+    EXPECT_EQ(erased.size(), 100);
+}
+
+TEST_F(ExchangeTest, SwitchingOnSendsWhatChangedSinceTheDrawingWasSaved)
+{
+    const QString sync = folder.path(QStringLiteral("sync"));
+    const QString path = folder.path(QStringLiteral("plan.dxf"));
+    drawing.reset();
+    AcApDocument *const fresh = acDocManager()->newDocument();
+    for (int i = 0; i < 3; ++i)
+        createMark(*fresh->database(), {{}, {20, 10, 0}});
+    run(QStringLiteral("QN8_SynningOn"));
+    EXPECT_EQ(QDir(sync).entryList(QDir::Files).size(), 3);
+    ASSERT_TRUE(acDocManager()->saveDocument(fresh, path).ok());
+    acDocManager()->closeDocument(fresh);
+    run(QStringLiteral("QN8_SynningOff"));
+    for (const QString &name : QDir(sync).entryList(QDir::Files))
+        QFile::remove(QDir(sync).filePath(name));
+
+    const auto opened = acDocManager()->openDocument(path);
+    ASSERT_TRUE(opened.ok());
+    run(QStringLiteral("QN8_SynningOn"));
+    EXPECT_TRUE(QDir(sync).isEmpty(QDir::Files)) << "the drawing is as it was";
+    run(QStringLiteral("QN8_SynningOff"));
+    const auto marks = collectMarks(*acdbCurDwg()).ids;
+    AcDbObjectPointer<QuillnoteObj3>(marks[0], AcDb::kForWrite)->feedbackContent = QStringLiteral("已改");
+    AcDbObjectPointer<QuillnoteObj3>(marks[1], AcDb::kForWrite)->erase();
+    run(QStringLiteral("QN8_SynningOn"));
+    EXPECT_EQ(QDir(sync).entryList(QDir::Files).size(), 2);
+    EXPECT_EQ(QDir(sync).entryList({QStringLiteral("QnSysnning_Del*")}, QDir::Files).size(), 1);
+    acDocManager()->closeDocument(*opened);
 }

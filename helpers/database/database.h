@@ -1,4 +1,4 @@
-// The bank's SQLite file. Everything that fails throws Trouble, which the library's entries hand on.
+// An SQLite file. Everything that fails throws Trouble, which whoever stands above catches once.
 #pragma once
 
 #include <QString>
@@ -8,7 +8,7 @@
 
 #include <sqlite3.h>
 
-namespace bank
+namespace sql
 {
 
 /// Says in the user's language what could not be done.
@@ -18,11 +18,17 @@ public:
     explicit Trouble(const QString &what) : std::runtime_error(what.toStdString()) {}
 };
 
+/// What a new file gets. A file of a higher version is refused.
+struct Schema {
+    const char *statements; ///< Without those that make it all or nothing.
+    int version = 1;        ///< Above 0; a schema that changes gets the next one.
+};
+
 class Database
 {
 public:
-    /// Opens or creates the file and its folder. ":memory:" is a bank that nobody keeps.
-    explicit Database(const QString &path);
+    /// Opens or creates the file and its folder. ":memory:" is a file that nobody keeps.
+    Database(const QString &path, const Schema &schema);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -35,7 +41,7 @@ public:
     [[noreturn]] void fail() const;
 
 private:
-    void createTables();
+    void createTables(const Schema &schema);
 
     sqlite3 *m_handle = nullptr;
     bool m_isNew = false;
@@ -68,6 +74,7 @@ public:
     /// False behind the last row.
     bool next();
     QString text(int column) const;
+    QByteArray bytes(int column) const;
     qint64 number(int column) const { return sqlite3_column_int64(m_statement, column); }
 
 private:
@@ -77,4 +84,4 @@ private:
 /// For statements without rows.
 void execute(const Database &database, const QString &sql, const QVariantList &values = {});
 
-} // namespace bank
+} // namespace sql

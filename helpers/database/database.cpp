@@ -1,36 +1,16 @@
-#include "helpers/phrase_bank/bank_database.h"
+#include "helpers/database/database.h"
 
 #include "host/base/host_text.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-namespace bank
+namespace sql
 {
 
-static constexpr int kVersion = 1;
 static constexpr int kBusyMilliseconds = 5000;
 
-// Trigrams find any piece of a text of three characters or more, whatever its language.
-static constexpr char kTables[] = R"(
-BEGIN IMMEDIATE;
-CREATE TABLE bank (id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, own INTEGER NOT NULL DEFAULT 0);
-CREATE TABLE phrase (
-  id INTEGER PRIMARY KEY, bank INTEGER NOT NULL REFERENCES bank(id) ON DELETE CASCADE,
-  category TEXT NOT NULL, text TEXT NOT NULL, weight INTEGER NOT NULL DEFAULT 0,
-  chosen INTEGER NOT NULL DEFAULT 0, UNIQUE (bank, text));
-CREATE VIRTUAL TABLE phrase_text USING fts5(text, content='phrase', content_rowid='id', tokenize='trigram');
-CREATE TRIGGER phrase_added AFTER INSERT ON phrase BEGIN
-  INSERT INTO phrase_text(rowid, text) VALUES (new.id, new.text); END;
-CREATE TRIGGER phrase_removed AFTER DELETE ON phrase BEGIN
-  INSERT INTO phrase_text(phrase_text, rowid, text) VALUES ('delete', old.id, old.text); END;
-CREATE TABLE keyword (word TEXT PRIMARY KEY, synonyms TEXT NOT NULL) WITHOUT ROWID;
-CREATE TABLE choice (name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;
-PRAGMA user_version = 1;
-COMMIT;
-)";
-
-Database::Database(const QString &path)
+Database::Database(const QString &path, const Schema &schema)
 {
     if (path != u":memory:")
         QDir().mkpath(QFileInfo(path).absolutePath());
@@ -38,12 +18,12 @@ Database::Database(const QString &path)
                         nullptr) != SQLITE_OK) {
         const QString reason = QString::fromUtf8(sqlite3_errmsg(m_handle));
         sqlite3_close(m_handle);
-        throw Trouble(Host::tr("知识库文件 %1 不能打开：%2").arg(path, reason));
+        throw Trouble(Host::tr("数据库文件 %1 不能打开：%2").arg(path, reason));
     }
     try {
         sqlite3_busy_timeout(m_handle, kBusyMilliseconds);
         run("PRAGMA foreign_keys = ON");
-        createTables();
+        createTables(schema);
     } catch (...) {
         sqlite3_close(m_handle);
         throw;
@@ -61,27 +41,29 @@ static qint64 versionOf(const Database &database)
     return query.next() ? query.number(0) : 0;
 }
 
-void Database::createTables()
+void Database::createTables(const Schema &schema)
 {
     const qint64 version = versionOf(*this);
-    if (version > kVersion)
-        throw Trouble(Host::tr("知识库文件是更新版本的程序写的。"));
-    if (version == kVersion)
+    if (version > schema.version)
+        throw Trouble(Host::tr("数据库文件是更新版本的程序写的。"));
+    if (version == schema.version)
         return;
     try {
-        run(kTables);
+        Transaction all(*this);
+        run(schema.statements);
+        run(QStringLiteral("PRAGMA user_version = %1").arg(schema.version).toUtf8().constData());
+        all.commit();
         m_isNew = true;
     } catch (const Trouble &) {
         // Another program may have made them at the same moment.
-        sqlite3_exec(m_handle, "ROLLBACK", nullptr, nullptr, nullptr);
-        if (versionOf(*this) != kVersion)
+        if (versionOf(*this) != schema.version)
             throw;
     }
 }
 
 void Database::fail() const
 {
-    throw Trouble(Host::tr("知识库不能读写：%1").arg(QString::fromUtf8(sqlite3_errmsg(m_handle))));
+    throw Trouble(Host::tr("数据库不能读写：%1").arg(QString::fromUtf8(sqlite3_errmsg(m_handle))));
 }
 
 void Database::run(const char *statements)
@@ -112,6 +94,10 @@ Query::Query(const Database &database, const QString &sql, const QVariantList &v
         if (values[i].typeId() == QMetaType::QString) {
             const QByteArray text = values[i].toString().toUtf8();
             sqlite3_bind_text(m_statement, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+        } else if (values[i].typeId() == QMetaType::QByteArray) {
+            const QByteArray bytes = values[i].toByteArray();
+            sqlite3_bind_blob64(m_statement, i + 1, bytes.constData(), sqlite3_uint64(bytes.size()),
+                                SQLITE_TRANSIENT);
         } else {
             sqlite3_bind_int64(m_statement, i + 1, values[i].toLongLong());
         }
@@ -137,6 +123,12 @@ QString Query::text(int column) const
                              sqlite3_column_bytes(m_statement, column));
 }
 
+QByteArray Query::bytes(int column) const
+{
+    return {static_cast<const char *>(sqlite3_column_blob(m_statement, column)),
+            sqlite3_column_bytes(m_statement, column)};
+}
+
 void execute(const Database &database, const QString &sql, const QVariantList &values)
 {
     Query query(database, sql, values);
@@ -144,4 +136,4 @@ void execute(const Database &database, const QString &sql, const QVariantList &v
     }
 }
 
-} // namespace bank
+} // namespace sql
