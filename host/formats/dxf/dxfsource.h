@@ -23,6 +23,7 @@ public:
     }
     DrawingVersion version() const override { return m_version; }
     ResbufList read(const AcDbStub &stub) const override;
+    ResbufList readSome(const AcDbStub &stub, std::span<const int> codes) const override;
 
     /// The whole file.
     std::string_view bytes() const { return m_bytes.view(); }
