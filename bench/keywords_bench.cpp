@@ -5,7 +5,7 @@
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "quillnote/authoring/keyword_text.h"
 
 #include <QCoreApplication>

@@ -3,14 +3,15 @@
 
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
+#include "host/acgi/query/spatial_index.h"
 #include "host/base/atomic_file.h"
 #include "host/base/host_text.h"
 
 #include <QBuffer>
 
-AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
+acgi::PaintOptions acedScreenOptions(const AcApDocument &document)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = QColor::fromRgb(QRgb(acedIntVar(QStringLiteral("BACKGROUNDCOLOR"), 0)));
     options.pixelsPerMillimetre *= document.view().pixelRatio;
     options.lineWeights = document.database()->headerInteger("$LWDISPLAY", 0) != 0;
@@ -18,20 +19,25 @@ AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
 }
 
 QImage acedPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view,
-                   const AcGiPaintOptions &options, AcGiPaintReport *report)
+                   const acgi::PaintOptions &options, acgi::PaintReport *report)
 {
     QImage image(int(view.pixelWidth), int(view.pixelHeight), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;
     image.fill(options.fillBackground ? options.background : QColor(Qt::transparent));
     QPainter painter(&image);
-    const AcGiPaintReport painted = acgiDisplay(database).paint(space, view, painter, options);
+    acgi::PaintOptions beside = options;
+    beside.besideScreen = true;
+    beside.near = [&database](AcDbObjectId shown, const AcDbExtents &box) {
+        return acgi::spatialIndexOf(database).near(shown, box);
+    };
+    const acgi::PaintReport painted = acgi::displayOf(database).paint(space, view, painter, beside);
     if (report)
         *report = painted;
     return image;
 }
 
-QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options, AcGiPaintReport *report)
+QImage acedViewImage(AcApDocument &document, const acgi::PaintOptions &options, acgi::PaintReport *report)
 {
     return acedPicture(*document.database(), acedShownSpace(document), acedViewport(document), options,
                        report);
