@@ -1,7 +1,6 @@
 // Claim: with ten thousand marks every action of the open review palette costs at most 50 ms of its own work:
-// a step, a filter, a jump, a search, an answer, opening it again. Going to the mark and painting it are not
-// counted: the view is another claim. The first opening in a drawing reads every mark once and is told by
-// itself: it is far beyond 50 ms.
+// opening it in a drawing that was just read, a step, a filter, a jump, a search, an answer. Going to the
+// mark and painting it are not counted: the view is another claim.
 //
 // usage: QT_QPA_PLATFORM=offscreen bench_palette 2>/dev/null
 #include "bench/stopwatch.h"
@@ -73,8 +72,7 @@ int main(int argc, char **argv)
     createDocumentRegistry();
     createReactors();
     acDocManager()->addDocument(drawingWithMarks(), QStringLiteral("bench.dxf"));
-    const double first = bench::seconds([] { openReviewPalette(); });
-    std::printf("%-24s %.4f s, reads every mark\n", "first opening", first);
+    time("first opening", [] { openReviewPalette(); });
     time("open again", [] { openReviewPalette(); });
     time("step", [] { act("click 1006"); });
     time("step again", [] { act("click 1006"); });
@@ -87,6 +85,7 @@ int main(int argc, char **argv)
     time("step after an answer", [] { act("click 1006"); });
     closeReviewPalette();
     deleteReactors();
+    acDocManager()->closeDocument(curDoc());
     std::printf("%s\n", s_isWithin ? "within 50 ms each" : "MORE than 50 ms");
     return s_isWithin ? 0 : 1;
 }

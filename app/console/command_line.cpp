@@ -49,7 +49,7 @@ struct CommandLine {
     bool json = false, overwrite = false, echo = false, noModule = false;
     std::string drawing, layout, paper, size, window, background;
     bool all = false, monochrome = false, lineWeights = false;
-    bool asNumber = false, asText = false;
+    bool asNumber = false, asText = false, isForeign = false;
     std::map<QString, std::string> values; ///< Options of a module's verb, by name.
     std::map<QString, bool> switches;
 
@@ -203,7 +203,7 @@ void addSettings(CommandLine &line)
                                  [&line] { return getSetting(text(line.key), text(line.name), line.json); });
     line.addJson(*get);
     CLI::App *set = line.addVerb(*settings, "set", "Store one setting", [&line] {
-        return setSetting(text(line.key), text(line.name), text(line.value), typeOf(line));
+        return setSetting(text(line.key), text(line.name), text(line.value), typeOf(line), line.isForeign);
     });
     CLI::App *remove = line.addVerb(*settings, "remove", "Remove one setting",
                                     [&line] { return removeSetting(text(line.key), text(line.name)); });
@@ -214,6 +214,7 @@ void addSettings(CommandLine &line)
     set->add_option("VALUE", line.value, "A number or a text; -- before a negative number")->required();
     auto *asNumber = set->add_flag("--number", line.asNumber, "VALUE is a number");
     set->add_flag("--text", line.asText, "VALUE is a text")->excludes(asNumber);
+    set->add_flag("--force", line.isForeign, "Store it also when nothing is known to read it");
 
     CLI::App *exportTo = line.addVerb(*settings, "export", "Write all settings to a text file",
                                       [&line] { return exportSettingsTo(text(line.file), line.overwrite); });

@@ -109,10 +109,14 @@ static base::Result<Value, QString> valueOf(const QString &value, SettingType ty
     return Value(value);
 }
 
-int setSetting(const QString &key, const QString &name, const QString &value, SettingType type)
+int setSetting(const QString &key, const QString &name, const QString &value, SettingType type, bool foreign)
 {
     os::SettingsStore &store = os::SettingsStore::user();
-    const auto typed = valueOf(value, type, store.declaredType(key, name));
+    const auto declared = store.declaredType(key, name);
+    if (!declared && !foreign)
+        return trouble(QStringLiteral("nothing reads a setting %1 under %2; --force stores it all the same")
+                           .arg(name, key));
+    const auto typed = valueOf(value, type, declared);
     if (!typed)
         return trouble(QStringLiteral("%1 under %2: %3").arg(name, key, typed.error()));
     return store.setEntries({{key, name, *typed}})

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace window
@@ -68,6 +69,7 @@ constexpr std::array kDrawn{
     Drawn{"down", "M 3.5 5.5 L 8 10.5 L 12.5 5.5"},
     Drawn{"background",
           "M 1.5 2.5 L 14.5 2.5 L 14.5 13.5 L 1.5 13.5 Z F M 8 2.5 L 14.5 2.5 L 14.5 13.5 L 8 13.5 Z"},
+    Drawn{"flag", "M 4.5 13.5 L 4.5 3 F M 4.5 3 L 12.5 3 L 10.5 5.75 L 12.5 8.5 L 4.5 8.5 Z"},
     Drawn{"layers",
           "M 8 1.5 L 14.5 5 L 8 8.5 L 1.5 5 Z M 1.5 8 L 8 11.5 L 14.5 8 M 1.5 11 L 8 14.5 L 14.5 11"},
 };
@@ -133,6 +135,30 @@ QIcon iconFromFile(const QString &path)
     if (file.size() > kMost || !file.open(QIODevice::ReadOnly))
         return {};
     return strokeIcon(QString::fromLatin1(file.readAll()));
+}
+
+QIcon programIcon()
+{
+    constexpr double kGrid = 16.0;
+    const QColor red(196, 30, 45);
+    const auto *const flag = std::ranges::find(kDrawn, std::string_view("flag"), &Drawn::name);
+    const std::optional<StrokeDrawing> drawn = readStrokes(QString::fromLatin1(flag->strokes));
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(size / kGrid, size / kGrid);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(red);
+        painter.drawRoundedRect(QRectF(0.5, 0.5, kGrid - 1, kGrid - 1), 3, 3);
+        painter.strokePath(drawn->lines, QPen(Qt::white, 1.4, Qt::SolidLine, Qt::RoundCap));
+        painter.fillPath(drawn->areas, Qt::white);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
 }
 
 } // namespace window

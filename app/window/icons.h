@@ -12,4 +12,7 @@ QIcon icon(const char *name);
 /// Of a file of strokes or an image; a null icon when it cannot be read.
 QIcon iconFromFile(const QString &path);
 
+/// The program's own, for title bars and task lists: a white flag on red, whatever is behind it.
+QIcon programIcon();
+
 } // namespace window

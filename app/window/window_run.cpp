@@ -3,6 +3,7 @@
 #include "app/front_end/window_front_end.h"
 #include "app/window/ended_from_outside.h"
 #include "app/window/first_start.h"
+#include "app/window/icons.h"
 #include "app/window/main_window.h"
 #include "app/window/readable_palette.h"
 #include "app/window/visible_edges.h"
@@ -51,6 +52,7 @@ int run(const QStringList &files, const std::function<void()> &loadModules)
     QTranslator own, qt;
     loadTranslations(own, qt);
     QApplication::setStyle(new VisibleEdges);
+    QApplication::setWindowIcon(programIcon());
     const ReadablePalette readable;
     WindowFrontEnd front;
     AcEdFrontEnd *const before = acedSetFrontEnd(&front);

@@ -16,21 +16,26 @@
 namespace bank
 {
 
+std::optional<std::vector<Entry>> entriesOf(const QString &title, QByteArrayView bytes)
+{
+    const auto text = bytes.size() <= kLargestPhraseFile ? decodePhraseBytes(bytes) : std::nullopt;
+    if (!text)
+        return {};
+    std::vector<Entry> entries;
+    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases)
+        entries.push_back({title, phrase.text, phrase.weight});
+    return entries;
+}
+
 std::vector<Entry> readPhraseFile(const QString &path)
 {
     const auto bytes = base::readFileBytes(path);
     if (!bytes)
         throw Trouble(bytes.error().text());
-    const auto text = qsizetype(bytes->size()) <= kLargestPhraseFile
-                          ? decodePhraseBytes(QByteArrayView(bytes->data(), qsizetype(bytes->size())))
-                          : std::nullopt;
-    if (!text)
+    auto entries = entriesOf(QFileInfo(path).completeBaseName(), {bytes->data(), qsizetype(bytes->size())});
+    if (!entries)
         throw Trouble(Host::tr("< %1 >文件不是ANSI编码，请用记事本打开并以ANSI格式保存。").arg(path));
-    const QString title = QFileInfo(path).completeBaseName();
-    std::vector<Entry> entries;
-    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases)
-        entries.push_back({title, phrase.text, phrase.weight});
-    return entries;
+    return *std::move(entries);
 }
 
 /// Marks that a phrase file takes for something else lose their meaning when a blank stands inside.

@@ -6,6 +6,15 @@
 
 #include <algorithm>
 
+ResbufList DrawingSource::readSome(const AcDbStub &stub, std::span<const int> codes) const
+{
+    ResbufList list = read(stub);
+    std::erase_if(list, [codes](const resbuf &group) {
+        return std::ranges::find(codes, group.restype) == codes.end();
+    });
+    return list;
+}
+
 AcDbLoader::AcDbLoader(AcDbDatabase &database, std::unique_ptr<DrawingSource> source) : m_database(database)
 {
     QUILL_ASSERT(!database.m_source && database.m_stubCount == 1);

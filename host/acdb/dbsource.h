@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <span>
+
 /// Drawing file versions, by the number in their version text (AC1009 is 1009).
 enum class DrawingVersion : int {
     unknown = 0,
@@ -39,4 +41,7 @@ public:
     /// The groups of the object at the stub's place, as the file orders them. Damage inside the
     /// object ends the list there; what was read stays.
     virtual ResbufList read(const AcDbStub &stub) const = 0;
+    /// Only its groups of these codes, none of them a coordinate's. A format that can passes over the others
+    /// without decoding them.
+    virtual ResbufList readSome(const AcDbStub &stub, std::span<const int> codes) const;
 };

@@ -54,9 +54,15 @@ QWidget *acuiFindControl(const QWidget &root, int number)
     return findByName<QWidget>(root, acuiObjectName(number));
 }
 
+// Some menus get their items when they open, which is what a person would do to reach one.
 QAction *acuiFindAction(const QWidget &root, int number)
 {
-    return findByName<QAction>(root, acuiObjectName(number));
+    const QString name = acuiObjectName(number);
+    if (QAction *const item = findByName<QAction>(root, name))
+        return item;
+    for (QMenu *menu : root.findChildren<QMenu *>())
+        Q_EMIT menu->aboutToShow();
+    return findByName<QAction>(root, name);
 }
 
 // Texts ------------------------------------------------------------------------------------------

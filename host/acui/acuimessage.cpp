@@ -53,6 +53,8 @@ AcEdButton askPerson(const QString &text, QMessageBox::StandardButtons offered)
     QMessageBox box(isQuestion ? QMessageBox::Question : QMessageBox::Information,
                     QGuiApplication::applicationDisplayName(), text, offered, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
+    // Enter is hit by habit.
+    box.setDefaultButton(mostCareful(offered).standard);
     const int pressed = box.exec();
     for (const ButtonRow &row : kButtons) {
         if (pressed == row.standard)

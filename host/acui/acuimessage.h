@@ -6,8 +6,9 @@
 class AcUiMessageBox : public AcEdMessageBox
 {
 public:
-    /// In a scripted run the text is printed. An answer that the box has no button for is refused. Without an
-    /// answer the box is left by the button that changes nothing: Cancel, else No, else OK.
+    /// Enter presses the button that changes nothing: Cancel, else No, else OK. In a scripted run the text is
+    /// printed; an answer that the box has no button for is refused, and without an answer the box is left by
+    /// that same button.
     AcEdButton show(const QString &text, AcEdButtons buttons) override;
 };
 

@@ -19,6 +19,11 @@ const std::vector<const MarkField *> &markDxfSequence();
 /// A row by its name; a name that is no field is a programmer's fault.
 const MarkField &markField(QStringView name);
 
+/// Reads a few fields of a mark that nobody has in memory into `mark`, out of the bytes of its drawing and
+/// past its pictures. The rows are DXF ones that have their group code to themselves. False, and `mark` is of
+/// no use, when the mark has to be opened: it is in memory, or no record that this program takes.
+bool peekMarkFields(AcDbObjectId id, std::span<const MarkField *const> rows, QuillnoteObj3 &mark);
+
 /// The same mark in no drawing: its filed fields and the place of its text.
 std::unique_ptr<QuillnoteObj3> copyOfMark(const QuillnoteObj3 &mark);
 

@@ -126,6 +126,36 @@ Acad::ErrorStatus QuillnoteObj3::dxfInFields(AcDbDxfFiler *filer)
     return filer->filerStatus();
 }
 
+// What only a whole reading can settle (a record without its marker, of another version) is left to it.
+bool peekMarkFields(AcDbObjectId id, std::span<const MarkField *const> rows, QuillnoteObj3 &mark)
+{
+    const AcDbStub &stub = *id.stub();
+    if (stub.object || !stub.has(AcDbStub::kHasSource))
+        return false;
+    constexpr int kMarker = 100;
+    const int versionCode = markFields().front().dxf.code;
+    std::vector<int> codes{kMarker, versionCode};
+    for (const MarkField *row : rows)
+        codes.push_back(row->dxf.code);
+    const ResbufList groups = id.database()->source()->readSome(stub, codes);
+    const auto isOwn = [](const resbuf &group) {
+        return group.restype == kMarker && group.text() != u"AcDbEntity";
+    };
+    auto group = std::ranges::find_if(groups, isOwn);
+    if (group == groups.end() || group->text() != kMarkClassName)
+        return false;
+    const std::vector<const MarkField *> takers(rows.begin(), rows.end());
+    bool isTaken = true;
+    for (; group != groups.end(); ++group) {
+        if (group->restype != versionCode)
+            fields::readDxfGroup(*group, 0, mark, takers);
+        else
+            isTaken = isTaken && group->integer() >= kOldestDxfVersion &&
+                      group->integer() <= QuillnoteObj3::kFormatVersion;
+    }
+    return isTaken;
+}
+
 Acad::ErrorStatus QuillnoteObj3::dxfOutFields(AcDbDxfFiler *filer) const
 {
     assertReadEnabled();

@@ -1,8 +1,11 @@
 #include "quillnote/review/mark_index.h"
 
 #include "quillnote/authoring/collect_marks.h"
+#include "quillnote/entity/field_walk.h"
 #include "quillnote/entity/mark_class.h"
-#include "quillnote/entity/mark_record.h"
+#include "quillnote/entity/mark_fields.h"
+
+#include <array>
 
 static bool isMark(const AcDbObject &object)
 {
@@ -22,14 +25,33 @@ MarkSummary summaryOf(const QuillnoteObj3 &mark)
             mark.feedbackContent};
 }
 
-static bool read(AcDbObjectId id, MarkSummary &summary)
+/// Reads summaries. Marks that stand only in the drawing's bytes stay there: with their pictures they would
+/// take far longer and much memory.
+class MarkIndex::Reader
 {
-    const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    if (!mark)
-        return false;
-    summary = summaryOf(*mark);
-    return true;
-}
+public:
+    bool read(AcDbObjectId id, MarkSummary &summary)
+    {
+        for (const MarkField *row : m_rows)
+            fields::copyField(*m_fresh, *m_peeked, *row);
+        if (peekMarkFields(id, m_rows, *m_peeked)) {
+            summary = summaryOf(*m_peeked);
+            summary.id = id;
+            return true;
+        }
+        const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+        if (mark)
+            summary = summaryOf(*mark);
+        return bool(mark);
+    }
+
+private:
+    const std::array<const MarkField *, 6> m_rows{
+        &markField(u"markNumber"),     &markField(u"subNumber"),         &markField(u"feedbackType"),
+        &markField(u"suggestionName"), &markField(u"suggestionContent"), &markField(u"feedbackContent")};
+    const std::unique_ptr<QuillnoteObj3> m_fresh = QuillnoteObj3::forReading();
+    const std::unique_ptr<QuillnoteObj3> m_peeked = QuillnoteObj3::forReading();
+};
 
 void MarkIndex::watch(AcDbDatabase *database)
 {
@@ -87,12 +109,13 @@ void MarkIndex::readList()
 {
     std::vector<MarkSummary> before = std::exchange(m_marks, {});
     const std::unordered_map<AcDbObjectId, std::size_t> places = std::exchange(m_places, {});
+    Reader reader;
     for (const AcDbObjectId id : markIds(*m_database)) {
         const auto known = places.find(id);
         MarkSummary summary;
         if (known != places.end() && !m_changedMarks.contains(id))
             summary = std::move(before[known->second]);
-        else if (!read(id, summary))
+        else if (!reader.read(id, summary))
             continue;
         m_places.emplace(id, m_marks.size());
         m_marks.push_back(std::move(summary));
@@ -102,8 +125,9 @@ void MarkIndex::readList()
 
 void MarkIndex::readChanged()
 {
+    Reader reader;
     for (const AcDbObjectId id : m_changedMarks) {
         if (const auto place = m_places.find(id); place != m_places.end())
-            read(id, m_marks[place->second]);
+            reader.read(id, m_marks[place->second]);
     }
 }

@@ -51,6 +51,7 @@ private:
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override;
     void goodbye(const AcDbDatabase *) override;
 
+    class Reader;
     void noteList(const AcDbObject *object);
     void readList();
     void readChanged();

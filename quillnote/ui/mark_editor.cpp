@@ -214,13 +214,22 @@ void CAddMarkWnd::fillMenu(QMenu &menu, const PhrasePopup &popup)
     }
 }
 
-QMenu *CAddMarkWnd::addMenu(const PhrasePopup &popup)
+QMenu *CAddMarkWnd::addMenu(QString title)
 {
-    QString title = popup.title;
     QMenu *const menu = m_menus->addMenu(title.replace(u'&', QStringLiteral("&&")));
     menu->setToolTipsVisible(true);
-    fillMenu(*menu, popup);
     return menu;
+}
+
+/// Hundreds of items would be made for every mark, and most marks use none of them.
+void CAddMarkWnd::addPhraseMenu(std::size_t place)
+{
+    QMenu *const menu = addMenu(phrasePopupTitle(m_library, place));
+    connect(menu, &QMenu::aboutToShow, this, [this, menu, place] {
+        if (menu->isEmpty())
+            fillMenu(*menu, phrasePopup(m_library, place));
+    });
+    m_phraseMenus.push_back(menu);
 }
 
 void CAddMarkWnd::addSettingsMenu()
@@ -239,7 +248,7 @@ void CAddMarkWnd::addSettingsMenu()
     add(kNextSource, m_library.fromXml ? QStringLiteral("下次使用本地的常用知识")
                                        : QStringLiteral("下次使用来自评图云的常用知识"));
     add(kDownload, QStringLiteral("从评图云选择下载专业与大类知识条目"));
-    addMenu(popup);
+    fillMenu(*addMenu(popup.title), popup);
     menuItem(kNextSource)->setCheckable(true);
 }
 
@@ -252,11 +261,16 @@ void CAddMarkWnd::buildMenus()
     m_menus->clear();
     m_phraseMenus.clear();
     m_library = loadPhraseLibrary();
-    m_recent = recentPhrases();
     addSettingsMenu();
-    m_recentMenu = addMenu(recentPopup(m_recent));
-    for (const PhrasePopup &popup : phrasePopups(m_library))
-        m_phraseMenus.push_back(addMenu(popup));
+    m_recentMenu = addMenu(recentPopup({}).title);
+    connect(m_recentMenu, &QMenu::aboutToShow, this, [this] {
+        if (!m_recentMenu->isEmpty())
+            return;
+        m_recent = recentPhrases();
+        fillMenu(*m_recentMenu, recentPopup(m_recent));
+    });
+    for (std::size_t place = 0; place < phrasePopupCount(m_library); ++place)
+        addPhraseMenu(place);
 }
 
 void CAddMarkWnd::menuChosen(int number)
@@ -291,9 +305,7 @@ void CAddMarkWnd::choosePhrase(int index)
         return;
     const Phrase &phrase = m_library.phrases[std::size_t(index)];
     keepRecentPhrase(phrase.text);
-    m_recent = recentPhrases();
-    m_recentMenu->clear();
-    fillMenu(*m_recentMenu, recentPopup(m_recent));
+    m_recentMenu->clear(); // Filled when it opens.
     m_value.weight = phrase.weight;
     m_value.smallCategory = phrase.category;
     m_value.bigCategory = m_library.bigCategory;

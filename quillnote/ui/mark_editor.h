@@ -65,7 +65,8 @@ protected:
 private:
     // Menus
     void buildMenus();
-    QMenu *addMenu(const PhrasePopup &popup);
+    QMenu *addMenu(QString title);
+    void addPhraseMenu(std::size_t place);
     void fillMenu(QMenu &menu, const PhrasePopup &popup);
     void addSettingsMenu();
     QAction *newItem(QMenu &menu, const PhraseItem &item);

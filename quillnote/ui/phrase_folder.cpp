@@ -48,6 +48,25 @@ void showPhraseFolder()
 
 // Loading ----------------------------------------------------------------------------------------
 
+PhraseFolderMemory &phraseFolderMemory()
+{
+    static PhraseFolderMemory memory;
+    return memory;
+}
+
+/// Empty when one of them cannot be told from what it will be in a moment.
+static std::vector<std::pair<QString, base::FileStamp>> stampsOf(const QString &folder)
+{
+    std::vector<std::pair<QString, base::FileStamp>> stamps;
+    for (const QFileInfo &file : phraseFiles(folder)) {
+        const auto stamp = base::fileStamp(file.absoluteFilePath());
+        if (!stamp || stamp->isYoung())
+            return {};
+        stamps.emplace_back(file.absoluteFilePath(), *stamp);
+    }
+    return stamps;
+}
+
 static PhraseLibrary loadLocalLibrary()
 {
     const QString folder = phraseFolder();
@@ -55,8 +74,16 @@ static PhraseLibrary loadLocalLibrary()
         acedAlert(QStringLiteral("常用知识条目文件夹没有定义！"));
         return {};
     }
+    PhraseFolderMemory &memory = phraseFolderMemory();
+    auto files = stampsOf(folder);
+    if (!files.empty() && memory.folder == folder && memory.files == files)
+        return memory.library;
     PhraseTroubles troubles;
     PhraseLibrary library = loadPhraseFolder(folder, troubles);
+    // Troubles are told at each opening.
+    memory.reset();
+    if (!files.empty() && troubles.messages.isEmpty())
+        memory = {folder, std::move(files), library};
     for (const QString &message : troubles.messages)
         acedAlert(message);
     if (troubles.showsFolder)

@@ -3,7 +3,6 @@
 #include "host/base/file_bytes.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 static constexpr qsizetype kLongestName = 12;
 
@@ -59,12 +58,16 @@ static void addFile(PhraseLibrary &library, const QFileInfo &file, PhraseTrouble
     addPhraseMenu(library, {name, file.absoluteFilePath()}, name, std::move(parsed.phrases));
 }
 
+QFileInfoList phraseFiles(const QString &folder)
+{
+    return QDir(folder).entryInfoList({QStringLiteral("*.txt")}, QDir::Files, QDir::Name);
+}
+
 PhraseLibrary loadPhraseFolder(const QString &folder, PhraseTroubles &troubles)
 {
     PhraseLibrary library;
-    const QDir directory(folder);
-    library.bigCategory = directory.dirName();
-    QFileInfoList files = directory.entryInfoList({QStringLiteral("*.txt")}, QDir::Files, QDir::Name);
+    library.bigCategory = QDir(folder).dirName();
+    QFileInfoList files = phraseFiles(folder);
     if (files.isEmpty())
         troubles.messages.append(
             QStringLiteral("文件夹< %1 >中没有找到常用知识条目文件(*.txt)！").arg(folder));

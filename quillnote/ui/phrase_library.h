@@ -1,11 +1,12 @@
 // The phrase library: phrases to choose from, in menus. It comes from a folder of phrase files or from an XML
-// file; nothing of it is kept between two openings of the editor.
+// file, as that is when the editor opens.
 #pragma once
 
 #include "host/base/phrase_file.h"
 
 #include "host/base/result.h"
 
+#include <QFileInfo>
 #include <QStringList>
 
 struct PhraseMenu {
@@ -35,7 +36,9 @@ struct PhraseTroubles {
     QStringList messages;
     bool showsFolder = false;
 };
-/// All phrase files (*.txt) of a folder, in the order of their names. Whatever cannot be read is told and
+/// The phrase files (*.txt) of a folder, in the order of their names.
+QFileInfoList phraseFiles(const QString &folder);
+/// All phrase files of a folder. Whatever cannot be read is told and
 /// left out.
 PhraseLibrary loadPhraseFolder(const QString &folder, PhraseTroubles &troubles);
 

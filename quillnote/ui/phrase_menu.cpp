@@ -27,24 +27,31 @@ PhrasePopup recentPopup(const QStringList &recent)
     return popup;
 }
 
-std::vector<PhrasePopup> phrasePopups(const PhraseLibrary &library)
+std::size_t phrasePopupCount(const PhraseLibrary &library)
 {
-    std::vector<PhrasePopup> popups;
-    int index = 0;
-    for (std::size_t m = 0; m < library.menus.size() && m < std::size_t(kMostPhraseMenus); ++m) {
-        const PhraseMenu &menu = library.menus[m];
-        PhrasePopup popup{menu.name.isEmpty() ? QStringLiteral("未命名") : menu.name, {}};
-        for (int inMenu = 1; index < std::min(menu.end, kMostPhrases); ++index, ++inMenu) {
-            popup.items.push_back(phraseItem(index, library.phrases[std::size_t(index)].text));
-            if (inMenu % kGroup == 0)
-                popup.items.push_back({});
-        }
-        if (!library.fromXml) {
-            if (!popup.items.empty() && popup.items.back().number)
-                popup.items.push_back({});
-            popup.items.push_back({kFirstPlusItem + int(m), QStringLiteral("+"), {}});
-        }
-        popups.push_back(std::move(popup));
+    return std::min(library.menus.size(), std::size_t(kMostPhraseMenus));
+}
+
+QString phrasePopupTitle(const PhraseLibrary &library, std::size_t menu)
+{
+    const QString &name = library.menus[menu].name;
+    return name.isEmpty() ? QStringLiteral("未命名") : name;
+}
+
+PhrasePopup phrasePopup(const PhraseLibrary &library, std::size_t menu)
+{
+    PhrasePopup popup{phrasePopupTitle(library, menu), {}};
+    const int begin = menu == 0 ? 0 : library.menus[menu - 1].end;
+    const int end = std::min(library.menus[menu].end, kMostPhrases);
+    for (int index = begin; index < end; ++index) {
+        popup.items.push_back(phraseItem(index, library.phrases[std::size_t(index)].text));
+        if ((index - begin + 1) % kGroup == 0)
+            popup.items.push_back({});
     }
-    return popups;
+    if (library.fromXml)
+        return popup;
+    if (!popup.items.empty() && popup.items.back().number)
+        popup.items.push_back({});
+    popup.items.push_back({kFirstPlusItem + int(menu), QStringLiteral("+"), {}});
+    return popup;
 }

@@ -23,7 +23,10 @@ struct PhrasePopup {
 
 /// "【最近】"
 PhrasePopup recentPopup(const QStringList &recent);
-/// One for each menu of the library, ended by "+" where phrases can be added.
-std::vector<PhrasePopup> phrasePopups(const PhraseLibrary &library);
+/// As many as are shown.
+std::size_t phrasePopupCount(const PhraseLibrary &library);
+QString phrasePopupTitle(const PhraseLibrary &library, std::size_t menu);
+/// That of one menu of the library, ended by "+" where phrases can be added.
+PhrasePopup phrasePopup(const PhraseLibrary &library, std::size_t menu);
 /// The item of a phrase that is there.
 PhraseItem phraseItem(int index, const QString &text);

@@ -215,14 +215,16 @@ class SettingsTest(ConsoleTest):
 
     def test_values_are_stored_with_their_type(self):
         for name, value, options in (("n", "42", []), ("m", "-1", []), ("t", "42", ["--text"]), ("u", "图层", [])):
-            self.expect(run("settings", "set", self.KEY, name, *options, "--", value), 0)
+            self.expect(run("settings", "set", self.KEY, name, "--force", *options, "--", value), 0)
         self.assertEqual(run("settings", "get", self.KEY, "u").stdout, "图层\n")
         self.assertEqual(json.loads(run("settings", "get", self.KEY, "t", "--json").stdout), {"key": self.KEY, "name": "t", "value": "42"})
         listed = [json.loads(line) for line in run("settings", "list", self.KEY, "--json").stdout.splitlines()]
         self.assertEqual({each["name"]: each["value"] for each in listed},
                          {"n": 42, "m": 4294967295, "t": "42", "u": "图层"})
         self.expect(run("settings", "get", self.KEY, "missing"), 2, "there is no setting missing")
-        self.expect(run("settings", "set", self.KEY, "n", "4294967296", "--number"), 2, "is no number")
+        self.expect(run("settings", "set", self.KEY, "n", "4294967296", "--number", "--force"), 2, "is no number")
+        self.expect(run("settings", "set", self.KEY, "n", "43"), 2, "nothing reads a setting n", "--force")
+        self.assertEqual(run("settings", "get", self.KEY, "n").stdout, "42\n")
 
     def test_values_of_the_module_get_the_type_that_it_reads(self):
         key = "Software\\Quillnote3"
@@ -242,7 +244,7 @@ class SettingsTest(ConsoleTest):
             self.expect(run("settings", "remove", key, name), 0)
 
     def test_they_travel_in_a_file(self):
-        self.expect(run("settings", "set", self.KEY + "2", "travels", "yes"), 0)
+        self.expect(run("settings", "set", self.KEY + "2", "travels", "yes", "--force"), 0)
         file = self.folder / "settings.txt"
         self.expect(run("settings", "export", file), 0)
         self.expect(run("settings", "export", file), 2, "exists; -f overwrites it")
@@ -262,9 +264,9 @@ class ModuleTest(ConsoleTest):
 
     def record(self, name, path):
         """What a module leaves behind to be loaded at start-up."""
-        run("settings", "set", RECORDS, "Names", name)
-        run("settings", "set", f"{RECORDS}\\{name}", "Loader", path)
-        run("settings", "set", f"{RECORDS}\\{name}", "LoadReasons", "2")
+        run("settings", "set", RECORDS, "Names", name, "--force")
+        run("settings", "set", f"{RECORDS}\\{name}", "Loader", path, "--force")
+        run("settings", "set", f"{RECORDS}\\{name}", "LoadReasons", "2", "--force")
         self.addCleanup(run, "settings", "remove", RECORDS, "Names")
 
     def test_a_module_brings_its_verbs(self):

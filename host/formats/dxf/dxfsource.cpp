@@ -136,6 +136,20 @@ ResbufList DxfSource::read(const AcDbStub &stub) const
     return decode(bytes(stub), stub.kind == kDimensionStyle);
 }
 
+ResbufList DxfSource::readSome(const AcDbStub &stub, std::span<const int> codes) const
+{
+    ResbufList list;
+    visitGroups(bytes(stub), [&](const Group &group) {
+        if (std::ranges::find(codes, group.code) == codes.end())
+            return true;
+        const GroupKind kind = groupKind(group.code);
+        list.emplace_back(group.code, m_binary ? binaryValue(group, kind) : value(group, kind)).source = {
+            group.begin, std::size_t(group.end - group.begin)};
+        return true;
+    });
+    return list;
+}
+
 ResbufList DxfSource::decode(std::string_view part, bool dimensionStyle) const
 {
     constexpr std::size_t kUsualGroupSize = 14;

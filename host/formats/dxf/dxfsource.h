@@ -20,6 +20,7 @@ public:
     DrawingForm form() const override { return m_binary ? DrawingForm::dxfBinary : DrawingForm::dxfText; }
     DrawingVersion version() const override { return m_version; }
     ResbufList read(const AcDbStub &stub) const override;
+    ResbufList readSome(const AcDbStub &stub, std::span<const int> codes) const override;
 
     /// The whole file.
     std::string_view bytes() const override { return m_bytes.view(); }

@@ -7,7 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDir>
+#include <QKeyEvent>
+#include <QTimer>
+#include <QWidget>
 
 using namespace Qt::StringLiterals;
 
@@ -43,6 +47,28 @@ TEST(MessageBox, TakesOnlyTheButtonsItHas)
         ASSERT_EQ(script.asked.size(), 1);
         EXPECT_TRUE(script.asked.first().contains(u"Go on?"_s));
         EXPECT_EQ(acuiIsAlert(script.asked.first()), c.buttons == AcEdButtons::ok);
+    }
+    acuiUninstall();
+}
+
+TEST(MessageBox, EnterPressesWhatChangesLeast)
+{
+    struct Person : ScriptedFrontEnd {
+        Person() : ScriptedFrontEnd({}) {}
+        bool isScripted() const override { return false; }
+    };
+    const std::pair<AcEdButtons, AcEdButton> cases[] = {{AcEdButtons::ok, AcEdButton::ok},
+                                                        {AcEdButtons::okCancel, AcEdButton::cancel},
+                                                        {AcEdButtons::yesNo, AcEdButton::no},
+                                                        {AcEdButtons::yesNoCancel, AcEdButton::cancel}};
+    acuiInstall();
+    const Person person;
+    for (const auto &[buttons, pressed] : cases) {
+        QTimer::singleShot(0, [] {
+            QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+            QApplication::sendEvent(QApplication::activeModalWidget(), &enter);
+        });
+        EXPECT_EQ(acedAsk(u"Drop it?"_s, buttons), pressed);
     }
     acuiUninstall();
 }

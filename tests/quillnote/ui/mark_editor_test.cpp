@@ -3,6 +3,7 @@
 #include "quillnote/authoring/keyword_text.h"
 #include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/ui/mark_editor.h"
+#include "quillnote/ui/phrase_folder.h"
 #include "quillnote/ui/recent_phrases.h"
 
 #include "host/acui/acuiinstall.h"
@@ -75,6 +76,35 @@ TEST_F(MarkEditorTest, PlusKeepsWhatWasTyped)
     QFile::remove(library + QStringLiteral("/b.txt"));
     const QString printed = draw({"set 1003 x", "cancel"});
     EXPECT_FALSE(printed.contains(QStringLiteral("已经丢失")));
+}
+
+// Files that changed a while ago are not read for every mark; whatever becomes of them is seen at the next
+// one.
+TEST_F(MarkEditorTest, PhrasesFollowTheirFiles)
+{
+    const QString file = library + QStringLiteral("/b.txt");
+    const auto age = [&](const QString &path, int hours) {
+        QFile old(path);
+        EXPECT_TRUE(old.open(QIODevice::ReadWrite));
+        EXPECT_TRUE(old.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hours),
+                                    QFileDevice::FileModificationTime));
+    };
+    age(library + QStringLiteral("/a.txt"), 2);
+    age(file, 2);
+    const auto third = [&] {
+        draw({"click 5002", "ok"});
+        return newest().text;
+    };
+    phraseFolderMemory().reset();
+    EXPECT_EQ(third(), QStringLiteral("丙 & 丁"));
+    EXPECT_EQ(phraseFolderMemory().library.phrases.size(), 3U);
+    EXPECT_EQ(third(), QStringLiteral("丙 & 丁"));
+    folder.write(QStringLiteral("审图/b.txt"), "戊 & 丁\n");
+    EXPECT_EQ(third(), QStringLiteral("戊 & 丁")) << "the same length, just now";
+    age(file, 1);
+    EXPECT_EQ(third(), QStringLiteral("戊 & 丁"));
+    folder.write(QStringLiteral("审图/0.txt"), "己\n");
+    EXPECT_EQ(third(), QStringLiteral("乙")) << "a menu before the others";
 }
 
 TEST_F(MarkEditorTest, TheFolderAndTheSourceAreChosenFromTheMenu)

@@ -13,8 +13,9 @@
 static QByteArray menusAsText(const PhraseLibrary &library, const QStringList &recent)
 {
     QString text = QStringLiteral("大类 %1\n").arg(library.bigCategory);
-    std::vector<PhrasePopup> popups = phrasePopups(library);
-    popups.insert(popups.begin(), recentPopup(recent));
+    std::vector<PhrasePopup> popups{recentPopup(recent)};
+    for (std::size_t menu = 0; menu < phrasePopupCount(library); ++menu)
+        popups.push_back(phrasePopup(library, menu));
     for (const PhrasePopup &popup : popups) {
         text += popup.title + u'\n';
         for (const PhraseItem &item : popup.items) {
