@@ -4,7 +4,7 @@
 #include "app/console/modules.h"
 #include "app/window/window_run.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "host/acrx/rxmodule.h"
 #include "host/acui/acuiinstall.h"
 #include "host/base/terminal_text.h"
@@ -52,7 +52,7 @@ int main(int argc, char **argv)
     acedSetFrontEnd(&frontEnd);
     os::setShellEnabled(inWindow);
     acedRegisterHostCommands();
-    acgiInstall();
+    acgi::install();
     acuiInstall();
     const auto loadModules = [&arguments] {
         if (!console::runsWithoutModules(arguments))

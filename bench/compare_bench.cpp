@@ -8,8 +8,8 @@
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/install.h"
+#include "host/acgi/query/spatial_index.h"
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
@@ -36,7 +36,7 @@ static AcApDocument *opened(const QString &path)
 static void addMarks(AcDbDatabase &database)
 {
     const AcDbObjectId space = database.modelSpaceId();
-    const AcDbExtents all = acgiSpatialIndex(database).extents(space);
+    const AcDbExtents all = acgi::spatialIndexOf(database).extents(space);
     const AcGeVector3d size = all.maxPoint() - all.minPoint();
     std::mt19937 numbers(7);
     std::uniform_real_distribution<double> share(0.05, 0.95);
@@ -64,7 +64,7 @@ static int measure(AcDbDatabase &database)
 {
     const std::vector<AcDbObjectId> marks = collectMarks(database).ids;
     const double indexed =
-        bench::seconds([&] { acgiSpatialIndex(database).extents(database.modelSpaceId()); });
+        bench::seconds([&] { acgi::spatialIndexOf(database).extents(database.modelSpaceId()); });
     TargetComparison found;
     const double compared = bench::seconds([&] { found = compareTargets(database, marks); });
     std::unordered_set<AcDbObjectId> entities;
@@ -94,7 +94,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: bench_compare DRAWING.dxf MARKED.dxf\n");
         return 2;
     }
-    acgiInstall();
+    acgi::install();
     registerMarkClass();
     const QString marked = QString::fromLocal8Bit(argv[2]);
     AcApDocument *const drawing = opened(QString::fromLocal8Bit(argv[1]));

@@ -4,8 +4,8 @@
 // usage: bench_fingerprint DRAWING.dxf (bench/make_drawing.py makes one of a million entities)
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/install.h"
+#include "host/acgi/query/spatial_index.h"
 #include "quillnote/snapshot/fingerprint.h"
 
 #include <QCoreApplication>
@@ -51,7 +51,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: bench_fingerprint DRAWING.dxf\n");
         return 2;
     }
-    acgiInstall();
+    acgi::install();
     const auto opened = acDocManager()->openDocument(QString::fromLocal8Bit(argv[1]));
     if (!opened) {
         std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
@@ -60,8 +60,9 @@ int main(int argc, char **argv)
     const AcDbDatabase &database = *opened.value()->database();
     AcDbExtents extents;
     const double start = processorSeconds();
-    const double indexed = bench::seconds(
-        [&] { extents = acgiSpatialIndex(*opened.value()->database()).extents(database.modelSpaceId()); });
+    const double indexed = bench::seconds([&] {
+        extents = acgi::spatialIndexOf(*opened.value()->database()).extents(database.modelSpaceId());
+    });
 
     const double indexedProcessor = processorSeconds() - start;
 

@@ -6,9 +6,9 @@
 #include "bench/stopwatch.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
-#include "host/acgi/gidisplay.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/display/display.h"
+#include "host/acgi/query/install.h"
+#include "host/acgi/world_draw.h"
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
@@ -54,9 +54,9 @@ namespace
 /// Takes everything and keeps only how much there was.
 struct NullSink : AcGiGeometry {
     void polyline(std::uint32_t, const AcGePoint3d *) override { ++primitives; }
-    void arc(const AcGiArc &) override { ++primitives; }
-    void fill(std::span<const AcGiLoop>) override { ++primitives; }
-    void text(const AcGiTextLine &) override { ++primitives; }
+    void arc(const acgi::Arc &) override { ++primitives; }
+    void fill(std::span<const acgi::Loop>) override { ++primitives; }
+    void text(const acgi::TextLine &) override { ++primitives; }
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override { ++primitives; }
     std::size_t primitives = 0;
 };
@@ -95,7 +95,7 @@ static void regenerate(AcDbDatabase &database, const std::vector<AcDbObjectId> &
             AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->subViewportDraw(&context);
     });
     constexpr int kEver = 1'000'000;
-    AcGiDisplay &display = acgiDisplay(database);
+    acgi::Display &display = acgi::displayOf(database);
     const double listed = bench::bestSeconds(3, [&] {
         display.regenerate(true);
         display.prepare(database.modelSpaceId(), view, kEver);
@@ -183,7 +183,7 @@ int main(int argc, char **argv)
     std::printf("file %.4f s, copying the %.1f MB %.4f s, ratio %.1f\n", filing, double(filed.size()) / 1e6,
                 copying, filing / copying);
     changeAll(*second, ids);
-    acgiInstall();
+    acgi::install();
     startUpSettings().viewFlag = true;
     for (const int style : {1, 2, 3, 4, 5, 6, 51, 52, 53, 54})
         weigh(style);

@@ -6,7 +6,7 @@
 // usage: QT_QPA_PLATFORM=offscreen bench_palette 2>/dev/null
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "host/acui/acuiscript.h"
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxftemplate.h"
@@ -68,7 +68,7 @@ static void act(const char *line)
 int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
-    acgiInstall();
+    acgi::install();
     registerMarkClass();
     createDocumentRegistry();
     createReactors();

@@ -7,9 +7,9 @@
 // usage: bench_picture FILE.dxf...   (bench/make_drawing.py makes them); QT_QPA_PLATFORM=offscreen
 #include "bench/stopwatch.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gidisplay.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/display/display.h"
+#include "host/acgi/query/install.h"
+#include "host/acgi/query/spatial_index.h"
 #include "host/formats/dxf/dxfreader.h"
 
 #include <QFileInfo>
@@ -158,7 +158,7 @@ static double paintSeconds(AcDbDatabase &database, const AcGiViewport &view, QPa
 {
     return bench::seconds([&] {
         QPainter painter(&device);
-        acgiDisplay(database).paint(database.modelSpaceId(), view, painter, {});
+        acgi::displayOf(database).paint(database.modelSpaceId(), view, painter, {});
     });
 }
 
@@ -178,10 +178,10 @@ static double stripSeconds(AcDbDatabase &database, AcGiViewport view, QImage &im
         view.centre.x += pixels * view.pixelSize();
         view.centre.y += pixels * view.pixelSize();
         for (const QRect &strip : strips) {
-            AcGiPaintOptions options;
+            acgi::PaintOptions options;
             options.part = strip;
             QPainter painter(&image);
-            acgiDisplay(database).paint(database.modelSpaceId(), view, painter, options);
+            acgi::displayOf(database).paint(database.modelSpaceId(), view, painter, options);
         }
     });
 }
@@ -189,7 +189,7 @@ static double stripSeconds(AcDbDatabase &database, AcGiViewport view, QImage &im
 /// An entity moves: its damage found and painted.
 static double changeSeconds(AcDbDatabase &database, const AcGiViewport &view, QImage &image)
 {
-    AcGiDisplay &display = acgiDisplay(database);
+    acgi::Display &display = acgi::displayOf(database);
     const AcDbObjectId space = database.modelSpaceId();
     const std::vector<std::uint32_t> &entities = database.blockContents(space)->entities;
     paintSeconds(database, view, image);
@@ -199,7 +199,7 @@ static double changeSeconds(AcDbDatabase &database, const AcGiViewport &view, QI
         const AcDbObjectId moved(database.stub(entities[next++]));
         AcDbObjectPointer<AcDbEntity>(moved, AcDb::kForWrite)
             ->transformBy(AcGeMatrix3d::translation({view.pixelSize() * 5.0, 0.0, 0.0}));
-        AcGiPaintOptions options;
+        acgi::PaintOptions options;
         options.part = display.takeDamage(space, view).part;
         QPainter painter(&image);
         display.paint(space, view, painter, options);
@@ -211,10 +211,10 @@ static double stopSeconds(AcDbDatabase &database, const AcGiViewport &view)
 {
     double longest = 0.0;
     for (int round = 0; round < 20; ++round) {
-        acgiDisplay(database).paintInBackground(database.modelSpaceId(), view, {},
-                                                [](const QImage &, const AcGiPaintReport &) {});
+        acgi::displayOf(database).paintInBackground(database.modelSpaceId(), view, {},
+                                                    [](const QImage &, const acgi::PaintReport &) {});
         std::this_thread::sleep_for(std::chrono::milliseconds(round));
-        longest = std::max(longest, bench::seconds([&] { acgiDisplay(database).stopPainting(); }));
+        longest = std::max(longest, bench::seconds([&] { acgi::displayOf(database).stopPainting(); }));
     }
     return longest;
 }
@@ -247,15 +247,15 @@ static bool measure(const QString &path)
     const double strips = stripSeconds(*database, view, image, 20);
     const double change = changeSeconds(*database, view, image);
     const double prepare =
-        bench::seconds([&] { acgiDisplay(*database).prepare(database->modelSpaceId(), view, 1000); });
+        bench::seconds([&] { acgi::displayOf(*database).prepare(database->modelSpaceId(), view, 1000); });
     const double stop = stopSeconds(*database, view);
     view.height /= 10.0;
     paintSeconds(*database, view, image);
     view.centre.x += view.width() / 10.0;
     const double closePan = paintSeconds(*database, view, image);
-    const double lists = double(acgiDisplay(*database).memory()) / 1e6;
+    const double lists = double(acgi::displayOf(*database).memory()) / 1e6;
     const double index =
-        bench::seconds([&] { acgiSpatialIndex(*database).extents(database->modelSpaceId()); });
+        bench::seconds([&] { acgi::spatialIndexOf(*database).extents(database->modelSpaceId()); });
 
     std::printf("%s\n", qPrintable(QFileInfo(path).fileName()));
     std::printf("  first picture %8.3f s = opening %.3f + lists %.3f + painting %.3f; peak memory %.0f MB\n",
@@ -277,7 +277,7 @@ int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
     acdbRegisterClasses();
-    acgiInstall();
+    acgi::install();
     if (argc < 2)
         std::fprintf(stderr, "usage: bench_picture FILE.dxf...\n");
     bool good = argc > 1;

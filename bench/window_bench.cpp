@@ -10,7 +10,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "quillnote/authoring/create_mark.h"
 #include "quillnote/entity/mark_class.h"
 
@@ -327,7 +327,7 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     acedRegisterHostCommands();
-    acgiInstall();
+    acgi::install();
     registerMarkClass();
     if (argc < 2)
         std::fprintf(stderr, "usage: bench_window FILE.dxf...\n");

@@ -1,7 +1,7 @@
 // A sink that counts what it is given, and holds whoever draws to closing every clip that he opens.
 #pragma once
 
-#include "host/acgi/gigeometry.h"
+#include "host/acgi/geometry.h"
 #include "host/base/assert.h"
 
 namespace fuzz
@@ -22,21 +22,21 @@ public:
         lines += count > 0;
         points += count;
     }
-    void arc(const AcGiArc &) override
+    void arc(const acgi::Arc &) override
     {
         ++lines;
         ++points;
     }
-    void text(const AcGiTextLine &line) override { points += std::size_t(line.text.size()); }
+    void text(const acgi::TextLine &line) override { points += std::size_t(line.text.size()); }
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override { ++points; }
-    void fill(std::span<const AcGiLoop> loops) override
+    void fill(std::span<const acgi::Loop> loops) override
     {
         QUILL_ASSERT(!loops.empty());
-        for (const AcGiLoop &loop : loops)
+        for (const acgi::Loop &loop : loops)
             points += loop.size();
     }
-    bool blockReference(const AcGiBlockPlacement &) override { return true; }
-    void pushClip(std::span<const AcGiLoop>, bool) override { ++clips; }
+    bool blockReference(const acgi::BlockPlacement &) override { return true; }
+    void pushClip(std::span<const acgi::Loop>, bool) override { ++clips; }
     void popClip() override { QUILL_ASSERT(--clips >= 0); }
 
 private:

@@ -2,7 +2,7 @@
 // counts. No number in a file makes more than what its bytes pay for.
 #include "fuzz/counting_sink.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/kinds/draw_entity.h"
 #include "host/formats/dxf/dxfreader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         fuzz::CountingSink sink;
         if (entity && entity->dxfName() != "HATCH" && entity->dxfName() != "MPOLYGON")
-            acgiDrawEntity(*entity, sink);
+            acgi::drawEntity(*entity, sink);
         QUILL_ASSERT(sink.clips == 0);
         // A wide arc has up to 140 points for a vertex of a few bytes; a jagged curve keeps its samples.
         QUILL_ASSERT(sink.points <= 400 * (size + 20));

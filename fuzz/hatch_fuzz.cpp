@@ -2,9 +2,9 @@
 // for.
 #include "fuzz/counting_sink.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/giextents.h"
-#include "host/acgi/giread.h"
+#include "host/acgi/entity_groups.h"
+#include "host/acgi/kinds/draw_entity.h"
+#include "host/acgi/query/extents.h"
 #include "host/formats/dxf/dxfreader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -23,10 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             if (entity.dxfName() != "HATCH")
                 return;
             fuzz::CountingSink sink(true);
-            acgiDrawEntity(entity, sink);
+            acgi::drawEntity(entity, sink);
             QUILL_ASSERT(sink.lines <= 200000 && sink.clips == 0);
             AcDbExtents box;
-            acgiExtents(entity, box);
+            acgi::extentsOf(entity, box);
         });
     }
     return 0;

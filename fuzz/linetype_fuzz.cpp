@@ -1,13 +1,13 @@
 // Linetypes: the groups of LTYPE records, as text, laid along lines and round a bent loop.
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gilinetype.h"
+#include "host/acgi/linetype/linetype.h"
 #include "host/base/assert.h"
 #include "host/formats/dxf/dxfreader.h"
 
 namespace
 {
 
-class CountingSink : public AcGiDashSink
+class CountingSink : public acgi::DashSink
 {
 public:
     std::size_t pieces = 0;
@@ -19,18 +19,18 @@ public:
         for (const QPointF &point : points)
             QUILL_ASSERT(kReach.contains(point));
     }
-    void text(const AcGiPatternText &text, QPointF place, double) override
+    void text(const acgi::PatternText &text, QPointF place, double) override
     {
         QUILL_ASSERT(kReach.contains(place));
         ++pieces;
-        acgiPatternShape(text);
+        acgi::patternShape(text);
     }
 
 private:
     const QRectF kReach{-1e-6, -1e-6, 1e4 + 2e-6, 1e4 + 2e-6};
 };
 
-void layEverywhere(const AcGiLinetype &linetype)
+void layEverywhere(const acgi::Linetype &linetype)
 {
     const QRectF everything(0, 0, 1e4, 1e4);
     const std::vector<QPointF> chains[] = {
@@ -39,7 +39,7 @@ void layEverywhere(const AcGiLinetype &linetype)
         for (const double scale : {1.0, 1e-3, 250.0}) {
             for (const QRectF &visible : {everything, QRectF(10, 1, 3, 30)}) {
                 CountingSink sink;
-                acgiLayPattern(linetype, scale, chain, chain.size() > 2, visible, 0.1, sink);
+                acgi::layPattern(linetype, scale, chain, chain.size() > 2, visible, 0.1, sink);
                 // A dash, a dot or a text for each element, and both ends.
                 QUILL_ASSERT(sink.pieces <= 2'100'000);
             }
@@ -58,6 +58,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (!opened)
         return 0;
     for (const AcDbObjectId id : AcDbSymbolTable(**opened, SymbolTable::linetype).records())
-        layEverywhere(acgiReadLinetype(id));
+        layEverywhere(acgi::readLinetype(id));
     return 0;
 }

@@ -1,7 +1,7 @@
 // Codes of multi-line text: whatever stands there is laid out and drawn in finite numbers, in every way that
 // texts can be broken, turned and put into columns.
-#include "host/acgi/gimtext.h"
-#include "host/acgi/gitextlayout.h"
+#include "host/acgi/text/mtext.h"
+#include "host/acgi/text/text_layout.h"
 #include "host/base/assert.h"
 
 #include <cmath>
@@ -17,13 +17,13 @@ public:
         for (std::uint32_t i = 0; i < count; ++i)
             check(points[i]);
     }
-    void arc(const AcGiArc &) override {}
-    void fill(std::span<const AcGiLoop> loops) override
+    void arc(const acgi::Arc &) override {}
+    void fill(std::span<const acgi::Loop> loops) override
     {
-        for (const AcGiLoop &loop : loops)
+        for (const acgi::Loop &loop : loops)
             polyline(std::uint32_t(loop.size()), loop.data());
     }
-    void text(const AcGiTextLine &line) override
+    void text(const acgi::TextLine &line) override
     {
         QUILL_ASSERT(line.font && !line.text.isEmpty() && line.width >= 0.0);
         check(line.position);
@@ -49,19 +49,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         QUILL_ASSERT(rule.from >= 0 && rule.from < rule.to && rule.to <= plain.size());
 
     FiniteSink sink;
-    AcGiMText text;
+    acgi::MText text;
     text.coded = coded;
-    acgiDrawMText(text, sink);
+    acgi::drawMText(text, sink);
     text.wrapWidth = text.columnWidth = 7.0;
     text.columns = 3;
     text.columnHeights = {5.0, 0.5};
     text.attachment = 5;
     text.exactSpacing = true;
     text.maskFactor = 1.5;
-    acgiDrawMText(text, sink);
+    acgi::drawMText(text, sink);
     text.vertical = true;
-    acgiDrawMText(text, sink);
-    const AcGiMTextBox box = acgiMTextBox(text);
+    acgi::drawMText(text, sink);
+    const acgi::MTextBox box = acgi::mtextBox(text);
     QUILL_ASSERT(box.low.x <= box.high.x && box.low.y <= box.high.y);
     return 0;
 }

@@ -11,7 +11,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 #include "host/aced/edwinmsg.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/spatial_index.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -263,7 +263,7 @@ void DrawingView::showEverything(AcApDocument &document)
     constexpr int kPatience = 5; // Milliseconds.
     m_roughZoom.reset();
     AcDbExtents box;
-    const bool isKnown = acgiSpatialIndex(database).prepare(space, kPatience);
+    const bool isKnown = acgi::spatialIndexOf(database).prepare(space, kPatience);
     if (!isKnown)
         box = savedExtents(database, space);
     const bool isRough = box.isValid();
@@ -283,7 +283,7 @@ void DrawingView::correctZoom(AcApDocument &document)
     const AcApView &now = document.view();
     const bool isLeft = document.database() == m_roughZoom->database && left.centre == now.centre &&
                         left.height == now.height;
-    if (isLeft && !acgiSpatialIndex(*document.database()).prepare(acedShownSpace(document), 0))
+    if (isLeft && !acgi::spatialIndexOf(*document.database()).prepare(acedShownSpace(document), 0))
         return;
     m_roughZoom.reset();
     if (isLeft)

@@ -59,7 +59,7 @@ Q_SIGNALS:
     /// More or fewer entities are chosen, by whatever way.
     void pickSetChanged();
     void busyChanged(bool busy);
-    void painted(const AcGiPaintReport &report);
+    void painted(const acgi::PaintReport &report);
     /// Typed while the drawing has the keyboard; meant for the command line.
     void textTyped(const QString &text);
     /// Enter, a blank or the right button at a prompt: the command line is confirmed.

@@ -336,9 +336,9 @@ void Pointing::paintTracked(QPainter &painter, AcApDocument &document) const
     const std::vector<const AcDbEntity *> shown = prompt->tracker->shown();
     if (shown.empty())
         return;
-    AcGiPaintOptions options = acedScreenOptions(document);
+    acgi::PaintOptions options = acedScreenOptions(document);
     options.fillBackground = false;
-    acgiDisplay(*document.database()).paintTransients(shown, pointingView(document), painter, options);
+    acgi::displayOf(*document.database()).paintTransients(shown, pointingView(document), painter, options);
 }
 
 void Pointing::paint(QPainter &painter) const

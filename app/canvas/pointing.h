@@ -8,7 +8,7 @@
 #include "app/canvas/view_grips.h"
 #include "app/front_end/window_front_end.h"
 
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 #include <QPainter>
 

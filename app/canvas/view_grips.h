@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/acap/docman.h"
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 #include <QPainter>
 

@@ -98,12 +98,12 @@ void ViewHighlight::paintSlice()
 
 void ViewHighlight::paintSome(std::size_t count)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.fillBackground = false;
     options.highlight = kChosen;
     QPainter painter(&m_image);
     const std::span some = std::span(m_entities).subspan(m_painted, count);
-    acgiDisplay(*m_database).paintEntities(some, m_imageView, painter, options);
+    acgi::displayOf(*m_database).paintEntities(some, m_imageView, painter, options);
     m_painted += count;
 }
 

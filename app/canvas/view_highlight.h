@@ -1,7 +1,7 @@
 // ViewHighlight: chosen entities in the colour of what is chosen, as a layer over the picture.
 #pragma once
 
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,6 +1,6 @@
 #include "app/canvas/view_picture.h"
 
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/spatial_index.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -84,7 +84,7 @@ ViewPicture::ViewPicture(QObject *parent) : QObject(parent)
 void ViewPicture::clear()
 {
     if (m_subject.database && isPaintingBehind())
-        acgiDisplay(*m_subject.database).stopPainting();
+        acgi::displayOf(*m_subject.database).stopPainting();
     m_behind.reset();
     m_next.stop();
     m_index.stop();
@@ -149,7 +149,7 @@ void ViewPicture::takeDamage()
 {
     if (!m_subject.database || m_image.isNull())
         return;
-    const AcGiDamage damage = acgiDisplay(*m_subject.database).takeDamage(m_subject.space, m_imageView);
+    const acgi::Damage damage = acgi::displayOf(*m_subject.database).takeDamage(m_subject.space, m_imageView);
     if (!damage.everything && damage.part.isEmpty())
         return;
     if (damage.everything)
@@ -205,7 +205,7 @@ void ViewPicture::prepareIndex()
 {
     if (!m_subject.database || !isSharp())
         return;
-    AcGiSpatialIndex &index = acgiSpatialIndex(*m_subject.database);
+    acgi::SpatialIndex &index = acgi::spatialIndexOf(*m_subject.database);
     if (!index.prepare(m_subject.space, kIndexSlice) ||
         !index.prepare(m_subject.database->currentSpaceId(), kIndexSlice))
         m_index.start();
@@ -221,7 +221,7 @@ void ViewPicture::advance()
     // While the user pans on, the picture that is being painted is better than one that never ends.
     if (isPaintingBehind() && wholePixelsBetween(m_behindView, m_subject.view))
         return;
-    AcGiDisplay &display = acgiDisplay(*m_subject.database);
+    acgi::Display &display = acgi::displayOf(*m_subject.database);
     if (!display.prepare(m_subject.space, m_subject.view, kSlice)) {
         setBusy(true);
         m_next.start();
@@ -280,12 +280,12 @@ void ViewPicture::paintMissing()
     clock.start();
     while (!m_missing.isEmpty() && clock.elapsed() < kMostAtOnce) {
         const QRect piece = firstPiece(*m_missing.begin());
-        AcGiPaintOptions options = m_subject.options;
+        acgi::PaintOptions options = m_subject.options;
         options.isCancelled = deadline(2 * kMostAtOnce);
         options.part = piece;
         QPainter painter(&m_image);
-        const AcGiPaintReport report =
-            acgiDisplay(*m_subject.database).paint(m_subject.space, m_imageView, painter, options);
+        const acgi::PaintReport report =
+            acgi::displayOf(*m_subject.database).paint(m_subject.space, m_imageView, painter, options);
         if (report.cancelled) {
             paintBehind();
             return;
@@ -302,13 +302,13 @@ bool ViewPicture::paintAtOnce()
     QImage image(pixels(m_subject.view), QImage::Format_RGB32);
     if (image.isNull())
         return true; // There is no memory for a picture; it would be no different in the background.
-    AcGiPaintOptions options = m_subject.options;
+    acgi::PaintOptions options = m_subject.options;
     options.isCancelled = deadline(kMostAtOnce);
     QElapsedTimer clock;
     clock.start();
     QPainter painter(&image);
-    const AcGiPaintReport report =
-        acgiDisplay(*m_subject.database).paint(m_subject.space, m_subject.view, painter, options);
+    const acgi::PaintReport report =
+        acgi::displayOf(*m_subject.database).paint(m_subject.space, m_subject.view, painter, options);
     painter.end();
     m_seconds = double(clock.elapsed()) / 1000.0;
     if (report.cancelled) {
@@ -326,10 +326,10 @@ void ViewPicture::paintBehind()
     m_behindView = m_subject.view;
     QElapsedTimer clock;
     clock.start();
-    acgiDisplay(*m_subject.database)
+    acgi::displayOf(*m_subject.database)
         .paintInBackground(
             m_subject.space, m_subject.view, m_subject.options,
-            [self = QPointer(this), alive, clock](const QImage &image, const AcGiPaintReport &report) {
+            [self = QPointer(this), alive, clock](const QImage &image, const acgi::PaintReport &report) {
                 if (!self || self->m_behind.lock() != alive)
                     return; // Out of date.
                 self->m_behind.reset();
@@ -339,7 +339,7 @@ void ViewPicture::paintBehind()
 }
 
 /// The view may have moved on meanwhile.
-void ViewPicture::takeLatePicture(const QImage &image, const AcGiPaintReport &report)
+void ViewPicture::takeLatePicture(const QImage &image, const acgi::PaintReport &report)
 {
     takePicture(image, report, m_behindView);
     moveTo(m_subject.view);
@@ -347,7 +347,7 @@ void ViewPicture::takeLatePicture(const QImage &image, const AcGiPaintReport &re
     setBusy(!isSharp());
 }
 
-void ViewPicture::takePicture(const QImage &image, const AcGiPaintReport &report, const AcGiViewport &view)
+void ViewPicture::takePicture(const QImage &image, const acgi::PaintReport &report, const AcGiViewport &view)
 {
     m_image = image;
     m_imageView = view;

@@ -6,7 +6,7 @@
 // and pictures that take long are painted in the background.
 #pragma once
 
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <QObject>
 #include <QRegion>
@@ -21,7 +21,7 @@ struct ViewSubject {
     AcDbDatabase *database = nullptr;
     AcDbObjectId space;
     AcGiViewport view;
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     QString folder; ///< Of the drawing: images are looked for in it.
 
     /// Both look at the same thing in the same way, if perhaps from elsewhere.
@@ -58,7 +58,7 @@ Q_SIGNALS:
     /// Work on the picture began or ended.
     void busyChanged(bool busy);
     /// A whole picture was painted.
-    void painted(const AcGiPaintReport &report);
+    void painted(const acgi::PaintReport &report);
 
 private:
     void moveTo(const AcGiViewport &view);
@@ -67,8 +67,8 @@ private:
     void paintMissing();
     bool paintAtOnce();
     void paintBehind();
-    void takeLatePicture(const QImage &image, const AcGiPaintReport &report);
-    void takePicture(const QImage &image, const AcGiPaintReport &report, const AcGiViewport &view);
+    void takeLatePicture(const QImage &image, const acgi::PaintReport &report);
+    void takePicture(const QImage &image, const acgi::PaintReport &report, const AcGiViewport &view);
     void prepareIndex();
     bool isPaintingBehind() const { return !m_behind.expired(); }
     void setBusy(bool busy);

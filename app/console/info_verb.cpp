@@ -48,12 +48,12 @@ static QString versionName(const AcDbDatabase &database)
 
 static QString formatName(const AcDbDatabase &database)
 {
-    switch (database.source()->format()) {
-    case DrawingFormat::dxfText:
+    switch (database.source()->form()) {
+    case DrawingForm::dxfText:
         return QStringLiteral("DXF text");
-    case DrawingFormat::dxfBinary:
+    case DrawingForm::dxfBinary:
         return QStringLiteral("DXF binary");
-    case DrawingFormat::dwg:
+    case DrawingForm::dwg:
         break;
     }
     return QStringLiteral("DWG");

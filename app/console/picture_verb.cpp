@@ -17,13 +17,13 @@ namespace console
 
 // Reports ----------------------------------------------------------------------------------------
 
-void printUndrawn(const AcGiPaintReport &report)
+void printUndrawn(const acgi::PaintReport &report)
 {
     for (const auto &[kind, count] : report.undrawn)
         printMessageLine(QStringLiteral("not drawn, or only in part: %1 (%2)").arg(kind).arg(count));
 }
 
-void addToJson(QJsonObject &object, const AcGiPaintReport &report)
+void addToJson(QJsonObject &object, const acgi::PaintReport &report)
 {
     QJsonObject undrawn;
     for (const auto &[kind, count] : report.undrawn)
@@ -191,7 +191,7 @@ static AcGiViewport viewOf(const Request &request, bool withMargin)
     return view;
 }
 
-static void printDone(const PictureOptions &options, const Request &request, const AcGiPaintReport &report)
+static void printDone(const PictureOptions &options, const Request &request, const acgi::PaintReport &report)
 {
     printUndrawn(report);
     if (!options.json)
@@ -213,10 +213,10 @@ static base::Result<void, QString> drawPicture(AcApDocument &document, const Pic
         return base::Failure{request.error()};
     AcGiViewport view = viewOf(*request, options.window.isEmpty());
     view.paperSpace = request->space != document.database()->modelSpaceId();
-    AcGiPaintOptions paint;
+    acgi::PaintOptions paint;
     paint.background = request->background;
     paint.lineWeights = options.lineWeights;
-    AcGiPaintReport report;
+    acgi::PaintReport report;
     const QImage image = acedPicture(*document.database(), request->space, view, paint, &report);
     if (report.painted == 0)
         printMessageLine(QStringLiteral("%1: nothing to show").arg(acdbLayoutName(request->space)));

@@ -3,7 +3,7 @@
 
 #include "app/console/documents.h"
 #include "app/console/output_paths.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <map>
 
@@ -27,8 +27,8 @@ struct PictureOptions {
 int writePicture(const PictureOptions &options);
 
 /// Says on standard error what could not be drawn, a line for each kind.
-void printUndrawn(const AcGiPaintReport &report);
+void printUndrawn(const acgi::PaintReport &report);
 /// The same and the count of what was drawn as members of a JSON object.
-void addToJson(QJsonObject &object, const AcGiPaintReport &report);
+void addToJson(QJsonObject &object, const acgi::PaintReport &report);
 
 } // namespace console

@@ -88,7 +88,7 @@ plottable(const AcApDocument &document, const QString &file, std::vector<AcEdPlo
 }
 
 static void printDone(const PlotOptions &options, const std::vector<AcEdPlot> &pages,
-                      const AcGiPaintReport &report)
+                      const acgi::PaintReport &report)
 {
     printUndrawn(report);
     if (!options.json)

@@ -2,8 +2,8 @@
 
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gimtextreader.h"
-#include "host/acgi/gimultileader.h"
+#include "host/acgi/kinds/multileader.h"
+#include "host/acgi/text/mtext_reader.h"
 
 #include <algorithm>
 #include <array>

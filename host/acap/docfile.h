@@ -13,8 +13,8 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QStri
                                                                      const base::Progress &progress = {});
 /// Of the bytes that the drawing was read from (base::contentDigest).
 std::uint64_t acapDigestAsRead(const AcDbDatabase &database);
-/// Writes in the drawing's own format and version; a crash, or `progress` or `mayReplace` saying no, leaves
-/// the old file.
+/// Writes in the format that the name's ending says, else in the drawing's own; a crash, or `progress` or
+/// `mayReplace` saying no, leaves the old file.
 base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
                                                           const base::Progress &progress,
                                                           const base::MayReplace &mayReplace);

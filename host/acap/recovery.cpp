@@ -4,7 +4,7 @@
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
 #include "host/base/path_name.h"
-#include "host/formats/dxf/dxfwriter.h"
+#include "host/formats/drawingformat.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,14 +24,15 @@ QString AcApRecovery::userFolder()
 // Names and records -------------------------------------------------------------------------------
 
 /// The name says whose copy it is, so that one without a record is not lost.
-static QString copyName(int number)
+static QString copyName(int number, const QString &suffix)
 {
     const AcApProcess &process = acapThisProcess();
-    return QStringLiteral("%1+%2+%3+%4.dxf")
+    return QStringLiteral("%1+%2+%3+%4.%5")
         .arg(QString::fromLatin1(QUrl::toPercentEncoding(process.host)))
         .arg(process.pid)
         .arg(process.start)
-        .arg(number);
+        .arg(number)
+        .arg(suffix);
 }
 
 static AcApProcess ownerOf(const QString &copy)
@@ -109,7 +110,10 @@ QList<AcApRecoverable> AcApRecovery::recoverable(const QString &folder)
 {
     QList<AcApRecoverable> found;
     const QDir directory(folder);
-    for (const QString &name : directory.entryList({QStringLiteral("*.dxf")}, QDir::Files)) {
+    QStringList endings;
+    for (const DrawingFormat *const format : drawingFormats())
+        endings.append(QStringLiteral("*.") + format->suffix());
+    for (const QString &name : directory.entryList(endings, QDir::Files)) {
         if (acapIsGone(ownerOf(name)))
             found.append(readRecord(directory.filePath(name)));
     }
@@ -219,15 +223,18 @@ void AcApRecovery::look(AcApDocument &document, Watched &watched, Clock::time_po
 /// drawing goes.
 void AcApRecovery::copy(AcApDocument &document, Watched &watched)
 {
-    auto taken = DxfImage::take(*document.database());
+    const DrawingFormat *const format = drawingFormatOf(*document.database());
+    if (!format)
+        return;
+    auto taken = format->image(*document.database());
     if (!taken) {
-        m_trouble = taken.error().text();
+        m_trouble = taken.error();
         return;
     }
     QDir().mkpath(m_folder);
     QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     if (watched.copy.isEmpty())
-        watched.copy = freshCopyPath();
+        watched.copy = freshCopyPath((*taken)->suffix());
     watched.changeCount = document.database()->changeCount();
     watched.isBehind = false;
     const AcApRecoverable record{watched.copy, document.fileName(), document.docTitle(),
@@ -237,19 +244,19 @@ void AcApRecovery::copy(AcApDocument &document, Watched &watched)
         std::launch::async, [image = std::move(*taken), record, &stop = watched.stop]() -> QString {
             bool wasStopped = false;
             const auto done =
-                image.write(record.copy, [&](double) { return !(wasStopped = wasStopped || stop); });
+                image->write(record.copy, [&](double) { return !(wasStopped = wasStopped || stop); });
             if (!done)
-                return wasStopped ? QString() : done.error().text();
+                return wasStopped ? QString() : done.error();
             const auto recorded = base::writeFileAtomically(recordOf(record.copy), recordText(record));
             return recorded ? QString() : recorded.error().text();
         });
 }
 
-QString AcApRecovery::freshCopyPath()
+QString AcApRecovery::freshCopyPath(const QString &suffix)
 {
     QString path;
     do {
-        path = QDir(m_folder).filePath(copyName(++m_count));
+        path = QDir(m_folder).filePath(copyName(++m_count, suffix));
     } while (QFile::exists(path));
     return path;
 }
@@ -261,7 +268,7 @@ base::Result<AcApDocument *, QString> AcApRecovery::reopen(const AcApRecoverable
     if (!opened)
         return opened;
     Watched &watched = m_watched[*opened];
-    const QString path = freshCopyPath();
+    const QString path = freshCopyPath(QFileInfo(copy.copy).suffix());
     if (!QFile::rename(copy.copy, path))
         return opened; // The next tick makes another.
     QFile::rename(recordOf(copy.copy), recordOf(path));

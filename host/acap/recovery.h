@@ -13,8 +13,6 @@
 #include <chrono>
 #include <future>
 
-class DxfImage;
-
 /// A copy that a program left behind.
 struct AcApRecoverable {
     QString copy;                            ///< The drawing file with the unsaved changes.
@@ -77,7 +75,7 @@ private:
     void look(AcApDocument &document, Watched &watched, Clock::time_point now,
               std::chrono::milliseconds interval);
     void copy(AcApDocument &document, Watched &watched);
-    QString freshCopyPath();
+    QString freshCopyPath(const QString &suffix);
     void settle(Watched &watched);
     void drop(AcApDocument *document);
 

@@ -21,7 +21,7 @@ enum class DrawingVersion : int {
     r2018 = 1032,
 };
 
-enum class DrawingFormat { dxfText, dxfBinary, dwg };
+enum class DrawingForm { dxfText, dxfBinary, dwg };
 
 /// The bytes of an opened drawing, seen object by object. Owns those bytes; every `resbuf::source`
 /// of the drawing points into them.
@@ -30,8 +30,10 @@ class DrawingSource
 public:
     virtual ~DrawingSource() = default;
 
-    virtual DrawingFormat format() const = 0;
+    virtual DrawingForm form() const = 0;
     virtual DrawingVersion version() const = 0;
+    /// The file as it was read; empty for drawings without one.
+    virtual std::string_view bytes() const { return {}; }
     /// The groups of the object at the stub's place, as the file orders them. Damage inside the
     /// object ends the list there; what was read stays.
     virtual ResbufList read(const AcDbStub &stub) const = 0;

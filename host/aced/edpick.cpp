@@ -3,8 +3,8 @@
 
 #include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
-#include "host/acgi/gispatialindex.h"
-#include "host/acgi/givisibility.h"
+#include "host/acgi/query/spatial_index.h"
+#include "host/acgi/query/visibility.h"
 #include "host/base/host_text.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ AcDbObjectId acedPickAt(const AcApDocument &document, const AcGePoint3d &world, 
     AcDbDatabase &database = *document.database();
     const double aperture = acedIntVar(QStringLiteral("PICKBOX"), 3) * document.view().countedPixelSize();
     const std::vector<AcDbObjectId> hits =
-        acgiSpatialIndex(database).atPoint(database.currentSpaceId(), world, aperture);
+        acgi::spatialIndexOf(database).atPoint(database.currentSpaceId(), world, aperture);
     const auto top = std::find_if(hits.rbegin(), hits.rend(), [&](auto id) { return filter.passes(id); });
     return top == hits.rend() ? AcDbObjectId() : *top;
 }
@@ -27,7 +27,7 @@ AcDbObjectId acedLastEntity(const AcApDocument &document)
         return {};
     for (auto index = contents->entities.rbegin(); index != contents->entities.rend(); ++index) {
         const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(database.stub(*index)), AcDb::kForRead);
-        if (entity && acgiIsVisible(*entity))
+        if (entity && acgi::isVisible(*entity))
             return entity->objectId();
     }
     return {};

@@ -8,9 +8,9 @@
 
 #include <QBuffer>
 
-AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
+acgi::PaintOptions acedScreenOptions(const AcApDocument &document)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = QColor::fromRgb(QRgb(acedIntVar(QStringLiteral("BACKGROUNDCOLOR"), 0)));
     options.pixelsPerMillimetre *= document.view().pixelRatio;
     options.lineWeights = document.database()->headerInteger("$LWDISPLAY", 0) != 0;
@@ -18,20 +18,20 @@ AcGiPaintOptions acedScreenOptions(const AcApDocument &document)
 }
 
 QImage acedPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view,
-                   const AcGiPaintOptions &options, AcGiPaintReport *report)
+                   const acgi::PaintOptions &options, acgi::PaintReport *report)
 {
     QImage image(int(view.pixelWidth), int(view.pixelHeight), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;
     image.fill(options.fillBackground ? options.background : QColor(Qt::transparent));
     QPainter painter(&image);
-    const AcGiPaintReport painted = acgiDisplay(database).paint(space, view, painter, options);
+    const acgi::PaintReport painted = acgi::displayOf(database).paint(space, view, painter, options);
     if (report)
         *report = painted;
     return image;
 }
 
-QImage acedViewImage(AcApDocument &document, const AcGiPaintOptions &options, AcGiPaintReport *report)
+QImage acedViewImage(AcApDocument &document, const acgi::PaintOptions &options, acgi::PaintReport *report)
 {
     return acedPicture(*document.database(), acedShownSpace(document), acedViewport(document), options,
                        report);

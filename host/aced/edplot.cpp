@@ -131,17 +131,17 @@ base::Result<void, QString> acedCheckPlot(const AcApDocument &document, const Ac
     return {};
 }
 
-static void addReport(AcGiPaintReport &sum, const AcGiPaintReport &page)
+static void addReport(acgi::PaintReport &sum, const acgi::PaintReport &page)
 {
     sum.painted += page.painted;
     for (const auto &[kind, count] : page.undrawn)
         sum.undrawn[kind] += count;
 }
 
-static AcGiPaintReport paintPage(AcApDocument &document, const AcEdPlot &plot, const Placed &placed,
-                                 QPainter &painter, const std::function<bool()> &isStopped)
+static acgi::PaintReport paintPage(AcApDocument &document, const AcEdPlot &plot, const Placed &placed,
+                                   QPainter &painter, const std::function<bool()> &isStopped)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.isCancelled = isStopped;
     options.background = Qt::white;
     options.fillBackground = false;
@@ -153,8 +153,8 @@ static AcGiPaintReport paintPage(AcApDocument &document, const AcEdPlot &plot, c
     painter.translate(placed.window.left() * kPlotDotsPerMillimetre,
                       (plot.pageHeight - placed.window.bottom()) * kPlotDotsPerMillimetre);
     painter.setClipRect(QRectF(0, 0, placed.view.pixelWidth, placed.view.pixelHeight));
-    const AcGiPaintReport report =
-        acgiDisplay(*document.database()).paint(plot.space, placed.view, painter, options);
+    const acgi::PaintReport report =
+        acgi::displayOf(*document.database()).paint(plot.space, placed.view, painter, options);
     painter.restore();
     return report;
 }
@@ -166,8 +166,8 @@ static void setPage(QPdfWriter &writer, const AcEdPlot &plot)
     writer.setPageMargins({});
 }
 
-static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEdPlot> &pages,
-                                  const std::vector<Placed> &places, QIODevice &device)
+static acgi::PaintReport writePages(AcApDocument &document, const std::vector<AcEdPlot> &pages,
+                                    const std::vector<Placed> &places, QIODevice &device)
 {
     base::ProgressTeller progress(acDocManager()->progress(),
                                   Host::tr("正在打印 %1").arg(document.docTitle()));
@@ -177,7 +177,7 @@ static AcGiPaintReport writePages(AcApDocument &document, const std::vector<AcEd
     writer.setCreator(QStringLiteral("Quillnote"));
     setPage(writer, pages.front());
     QPainter painter(&writer);
-    AcGiPaintReport report;
+    acgi::PaintReport report;
     for (std::size_t i = 0; i < pages.size() && !report.cancelled; ++i) {
         // How much of a page is painted nobody knows.
         const double share = pages.size() > 1 ? double(i) / double(pages.size()) : -1.0;
@@ -199,7 +199,7 @@ namespace
 class PlotLists
 {
 public:
-    explicit PlotLists(AcDbDatabase &database) : m_display(acgiDisplay(database))
+    explicit PlotLists(AcDbDatabase &database) : m_display(acgi::displayOf(database))
     {
         m_display.regenerate(true);
     }
@@ -209,13 +209,13 @@ public:
 
 private:
     AcEdRunningAs m_plotting{QStringLiteral("PLOT")};
-    AcGiDisplay &m_display;
+    acgi::Display &m_display;
 };
 
 } // namespace
 
-base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
-                                                const QString &path)
+base::Result<acgi::PaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
+                                                  const QString &path)
 {
     if (pages.empty())
         return base::Failure{Host::tr("there is nothing to plot")};
@@ -234,7 +234,7 @@ base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const st
 
     QBuffer pdf;
     pdf.open(QIODevice::WriteOnly);
-    const AcGiPaintReport report = writePages(document, pages, places, pdf);
+    const acgi::PaintReport report = writePages(document, pages, places, pdf);
     if (report.cancelled)
         return base::Failure{Host::tr("%1: the plot was stopped").arg(path)};
     file->write(pdf.data());

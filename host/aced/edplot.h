@@ -4,7 +4,7 @@
 
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <optional>
 #include <span>
@@ -70,5 +70,5 @@ base::Result<void, QString> acedCheckPlot(const AcApDocument &document, const Ac
 /// Writes the pages in their order; an existing file is replaced once they are all done. CMDNAMES tells PLOT
 /// meanwhile. The front end hears of the progress and may stop it; then the file stays as it was. The error
 /// says what is wrong with a page, or why the file cannot be written.
-base::Result<AcGiPaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
-                                                const QString &path);
+base::Result<acgi::PaintReport, QString> acedPlot(AcApDocument &document, const std::vector<AcEdPlot> &pages,
+                                                  const QString &path);

@@ -7,8 +7,8 @@
 #include "host/aced/edprompt.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
-#include "host/acgi/gispatialindex.h"
-#include "host/acgi/givisibility.h"
+#include "host/acgi/query/spatial_index.h"
+#include "host/acgi/query/visibility.h"
 #include "host/base/host_text.h"
 
 #include <algorithm>
@@ -49,7 +49,7 @@ static AcEdSelectionSet visibleInSpace(const AcDbDatabase &database, const AcEdF
 {
     AcEdSelectionSet set;
     addPassing(database, database.currentSpaceId(), filter, set);
-    AcGiVisibility visibility;
+    acgi::Visibility visibility;
     std::erase_if(set, [&visibility](AcDbObjectId id) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         return !entity || !visibility.isVisible(*entity);
@@ -63,10 +63,10 @@ static AcEdSelectionSet inWindow(const AcApDocument &document, const AcGePoint3d
                                  const AcGePoint3d &corner2, bool crossing, const AcEdFilter &filter)
 {
     AcDbDatabase &database = *document.database();
-    const AcGiWindow window =
-        AcGiWindow::fromCorners(acedTrans(corner1, AcEdSpace::ucs, AcEdSpace::world),
-                                acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world), -document.view().twist);
-    AcGiSpatialIndex &index = acgiSpatialIndex(database);
+    const acgi::Window window = acgi::Window::fromCorners(
+        acedTrans(corner1, AcEdSpace::ucs, AcEdSpace::world),
+        acedTrans(corner2, AcEdSpace::ucs, AcEdSpace::world), -document.view().twist);
+    acgi::SpatialIndex &index = acgi::spatialIndexOf(database);
     AcEdSelectionSet set = crossing ? index.crossingWindow(database.currentSpaceId(), window)
                                     : index.insideWindow(database.currentSpaceId(), window);
     std::erase_if(set, [&filter](AcDbObjectId id) { return !filter.passes(id); });

@@ -4,8 +4,8 @@
 #include "host/aced/edinput.h"
 #include "host/aced/edpicture.h"
 #include "host/aced/edspace.h"
-#include "host/acgi/gispatialindex.h"
-#include "host/acgi/givisibility.h"
+#include "host/acgi/query/spatial_index.h"
+#include "host/acgi/query/visibility.h"
 
 #include <cmath>
 #include <limits>
@@ -123,20 +123,20 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record)
 }
 
 /// True when a visible entity reaches the side of the box that `strip` is.
-static bool isReached(AcGiSpatialIndex &index, AcDbObjectId space, const AcDbExtents &strip)
+static bool isReached(acgi::SpatialIndex &index, AcDbObjectId space, const AcDbExtents &strip)
 {
-    AcGiVisibility visibility;
+    acgi::Visibility visibility;
     for (const AcDbObjectId id : index.query(space, strip)) {
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
         AcDbExtents box;
-        if (entity && visibility.isVisible(*entity) && acgiExtents(*entity, box) == Acad::eOk &&
+        if (entity && visibility.isVisible(*entity) && acgi::extentsOf(*entity, box) == Acad::eOk &&
             box.meetsInPlane(strip))
             return true;
     }
     return false;
 }
 
-static bool isReachedAllAround(AcGiSpatialIndex &index, AcDbObjectId space, const AcDbExtents &box)
+static bool isReachedAllAround(acgi::SpatialIndex &index, AcDbObjectId space, const AcDbExtents &box)
 {
     const AcGePoint3d low = box.minPoint();
     const AcGePoint3d high = box.maxPoint();
@@ -149,12 +149,12 @@ static bool isReachedAllAround(AcGiSpatialIndex &index, AcDbObjectId space, cons
 static AcDbExtents extentsOneByOne(const AcDbDatabase &database, AcDbObjectId space)
 {
     AcDbExtents all;
-    AcGiVisibility visibility;
-    AcGiBlockExtents blocks;
+    acgi::Visibility visibility;
+    acgi::BlockExtents blocks;
     for (const std::uint32_t index : database.blockContents(space)->entities) {
         const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(database.stub(index)), AcDb::kForRead);
         AcDbExtents box;
-        if (entity && visibility.isVisible(*entity) && acgiExtents(*entity, box, &blocks) == Acad::eOk)
+        if (entity && visibility.isVisible(*entity) && acgi::extentsOf(*entity, box, &blocks) == Acad::eOk)
             all.addExt(box);
     }
     return all;
@@ -168,7 +168,7 @@ AcDbExtents acedCurrentExtents(const AcApDocument &document)
 
 AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
 {
-    AcGiSpatialIndex &index = acgiSpatialIndex(database);
+    acgi::SpatialIndex &index = acgi::spatialIndexOf(database);
     // The index also counts what is hidden; that matters only where nothing else reaches its edge.
     const AcDbExtents indexed = index.extents(space);
     if (!indexed.isValid() || isReachedAllAround(index, space, indexed))
@@ -191,14 +191,14 @@ static void fitView(AcGiViewport &view, const AcDbExtents &box)
 AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view)
 {
     const AcDbExtents plain = acedSpaceExtents(database, space);
-    const std::vector<AcDbObjectId> custom = acgiSpatialIndex(database).customEntities(space);
+    const std::vector<AcDbObjectId> custom = acgi::spatialIndexOf(database).customEntities(space);
     AcDbExtents all = plain;
     constexpr int kTurns = 3;
     for (int turn = 0; turn < kTurns && !custom.empty() && all.isValid(); ++turn) {
         fitView(view, all);
         all = plain;
         for (const AcDbObjectId id : custom)
-            all.addExt(acgiDisplay(database).shownBox(id, view));
+            all.addExt(acgi::displayOf(database).shownBox(id, view));
     }
     return all;
 }

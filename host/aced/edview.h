@@ -4,7 +4,7 @@
 #include "host/acap/docman.h"
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 #include <QPoint>
 

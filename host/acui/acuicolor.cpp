@@ -1,6 +1,6 @@
 #include "host/acui/acuicolor.h"
 
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/index_color.h"
 #include "host/acui/acuidialog.h"
 #include "host/base/host_text.h"
 
@@ -52,7 +52,7 @@ protected:
         QPainter painter(this);
         for (int index = 1; index < kByLayer; ++index) {
             const QRect place = placeOf(index);
-            painter.fillRect(place.adjusted(1, 1, -1, -1), QColor::fromRgb(acgiIndexColor(index)));
+            painter.fillRect(place.adjusted(1, 1, -1, -1), QColor::fromRgb(acgi::indexColor(index)));
             if (index == m_index) {
                 painter.setPen(QPen(palette().color(QPalette::Highlight), 3));
                 painter.drawRect(place.adjusted(1, 1, -2, -2));
@@ -189,8 +189,8 @@ private:
         m_field->setIndex(index);
         QPalette colors = m_sample->palette();
         const bool isColor = index > kByBlock && index < kByLayer;
-        colors.setColor(QPalette::Window,
-                        isColor ? QColor::fromRgb(acgiIndexColor(index)) : palette().color(QPalette::Window));
+        colors.setColor(QPalette::Window, isColor ? QColor::fromRgb(acgi::indexColor(index))
+                                                  : palette().color(QPalette::Window));
         m_sample->setPalette(colors);
     }
 

@@ -6,6 +6,22 @@
 namespace base
 {
 
+void BitReader::seek(std::size_t position)
+{
+    if (position > m_bytes.size() * 8)
+        m_failed = true;
+    else
+        m_position = position;
+}
+
+void BitReader::skip(std::size_t bits)
+{
+    if (bits > bitsLeft())
+        m_failed = true;
+    else
+        m_position += bits;
+}
+
 bool BitReader::bit()
 {
     if (m_failed || bitsLeft() == 0) {

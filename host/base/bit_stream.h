@@ -28,7 +28,14 @@ public:
     double bitDoubleWithDefault(double fallback); ///< DD
 
     bool failed() const { return m_failed; }
+    /// For callers that find a value impossible.
+    void fail() { m_failed = true; }
     std::size_t bitsLeft() const { return m_bytes.size() * 8 - m_position; }
+    /// In bits.
+    std::size_t position() const { return m_position; }
+    /// Fails past the end.
+    void seek(std::size_t position);
+    void skip(std::size_t bits);
 
 private:
     template <class Number>

@@ -3,7 +3,7 @@
 #include "host/acdb/dbapi.h"
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gimtextreader.h"
+#include "host/acgi/text/mtext_reader.h"
 
 namespace
 {

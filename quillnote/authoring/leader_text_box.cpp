@@ -1,6 +1,6 @@
 #include "quillnote/authoring/leader_text_box.h"
 
-#include "host/acgi/gitextstyle.h"
+#include "host/acgi/text/text_style.h"
 
 static constexpr int kLineLength = 40;
 

@@ -43,18 +43,18 @@ public:
     NativeTextStyles styles()
     {
         return {.current = m_current,
-                .withFont = [this](const AcGiFontRequest &font) { return withFont(font); }};
+                .withFont = [this](const acgi::FontRequest &font) { return withFont(font); }};
     }
 
 private:
-    QString withFont(const AcGiFontRequest &font);
+    QString withFont(const acgi::FontRequest &font);
 
     AcDbDatabase &m_database;
     QString m_current;
     QHash<QString, QString> m_byFont;
 };
 
-QString ConversionStyles::withFont(const AcGiFontRequest &font)
+QString ConversionStyles::withFont(const acgi::FontRequest &font)
 {
     const QString file = font.fontFile.isEmpty() ? font.typeface + QStringLiteral(".ttf") : font.fontFile;
     QString &name = m_byFont[file];

@@ -4,12 +4,12 @@
 #include "quillnote/entity/mark_state.h"
 
 #include "host/acap/docman.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 void QN3_Redraw()
 {
     AcDbDatabase &database = *acdbCurDwg();
-    AcGiDisplay &display = acgiDisplay(database);
+    acgi::Display &display = acgi::displayOf(database);
     for (const AcDbObjectId id : collectAllMarks(database).ids)
         display.regenerate(id);
 }
@@ -24,7 +24,7 @@ void refreshDrawnMarks()
         return;
     auto &drawn = markDrawingState().drawnMarks;
     std::erase_if(drawn, [](AcDbObjectId id) { return !id.isValid(); });
-    AcGiDisplay &display = acgiDisplay(*document->database());
+    acgi::Display &display = acgi::displayOf(*document->database());
     for (const AcDbObjectId id : drawn) {
         if (id.database() == document->database())
             display.regenerate(id);

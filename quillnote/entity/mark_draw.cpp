@@ -5,7 +5,7 @@ static constexpr int kPaperColor = 7; ///< Black on white, white on black.
 
 // Text --------------------------------------------------------------------------------------------
 
-static void drawLine(const MarkTextLine &line, const AcGiFont &font, const MarkAxes &axes,
+static void drawLine(const MarkTextLine &line, const acgi::Font &font, const MarkAxes &axes,
                      AcGiGeometry &geometry)
 {
     if (line.text.isEmpty())
@@ -20,7 +20,7 @@ static void drawLine(const MarkTextLine &line, const AcGiFont &font, const MarkA
 
 static void drawText(const MarkTextLayout &text, const MarkAxes &axes, const AcGiCommonDraw &context)
 {
-    const AcGiFont &font = text.style.font();
+    const acgi::Font &font = text.style.font();
     for (const MarkTextLine &line : text.lines)
         drawLine(line, font, axes, context.geometry());
     if (!text.signature)
@@ -57,7 +57,7 @@ static void drawFlag(const MarkFlag &flag, const MarkAxes &axes, bool asOutline,
 void drawMark(const MarkLayout &layout, const AcGiCommonDraw &context)
 {
     AcGiSubEntityTraits &pen = context.subEntityTraits();
-    const AcGiTraits own = pen.traits();
+    const acgi::Traits own = pen.traits();
     if (layout.text)
         drawText(*layout.text, layout.axes, context);
     drawOutline(layout.outline, context);

@@ -3,7 +3,7 @@
 
 #include "quillnote/entity/mark_layout.h"
 
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/world_draw.h"
 
 /// The pen has the mark's own traits: the text takes its colour from them. They are left as they were.
 void drawMark(const MarkLayout &layout, const AcGiCommonDraw &context);

@@ -10,7 +10,7 @@
 #include "quillnote/entity/mark_text_layout.h"
 #include "quillnote/entity/sketch.h"
 
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 class AcDbDatabase;
 class QuillnoteObj3;

@@ -240,7 +240,7 @@ private:
     }
 
     MarkTextLayout &m_layout;
-    const AcGiFont &m_font;
+    const acgi::Font &m_font;
     AcGeVector3d m_down;
     double m_size;
     double m_lineWidth;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/acge/gepoint.h"
-#include "host/acgi/gitextstyle.h"
+#include "host/acgi/text/text_style.h"
 
 #include <QString>
 

@@ -76,7 +76,7 @@ NativeEntityBuilder::NativeEntityBuilder(const AcDbEntity &like, DrawingVersion 
     : m_version(version), m_styles(std::move(styles))
 {
     constexpr int kCopied[] = {6, 8, 48, 440};
-    AcGiTraits pen;
+    acgi::Traits pen;
     for (const resbuf &group : like.groups()) {
         if (group.restype == 101 || group.restype == 1001)
             break;
@@ -97,7 +97,7 @@ NativeEntityBuilder::NativeEntityBuilder(const AcDbEntity &like, DrawingVersion 
 void NativeEntityBuilder::add(const char *kind, ResbufList groups)
 {
     std::unique_ptr<AcDbEntity> entity = acdbNewEntity(kind, std::move(groups));
-    const AcGiTraits &pen = subEntityTraits().traits();
+    const acgi::Traits &pen = subEntityTraits().traits();
     const auto set = [&](int code, resbuf::Value value) {
         entity->setGroup(code, std::move(value), u"AcDbEntity");
     };
@@ -131,20 +131,20 @@ void NativeEntityBuilder::polyline(std::uint32_t count, const AcGePoint3d *point
         return;
     }
     const bool closed = count > 3 && all.front().isEqualTo(all.back());
-    std::vector<AcGiVertex> vertices;
+    std::vector<acgi::Vertex> vertices;
     for (const AcGePoint3d &point : closed ? all.first(count - 1) : all)
         vertices.push_back({.point = point});
     if (vertices.size() > 1)
         pline(vertices, closed);
 }
 
-void NativeEntityBuilder::pline(std::span<const AcGiVertex> vertices, bool closed)
+void NativeEntityBuilder::pline(std::span<const acgi::Vertex> vertices, bool closed)
 {
     ResbufList groups{subclass("AcDbPolyline"), number(90, std::int64_t(vertices.size())),
                       number(70, closed ? 1 : 0)};
     if (vertices.front().point.z != 0.0)
         groups.push_back(realGroup(38, vertices.front().point.z));
-    for (const AcGiVertex &vertex : vertices) {
+    for (const acgi::Vertex &vertex : vertices) {
         groups.emplace_back(10, AcGePoint2d(vertex.point.x, vertex.point.y));
         if (vertex.startWidth > 0.0 || vertex.endWidth > 0.0) {
             groups.push_back(realGroup(40, vertex.startWidth));
@@ -156,7 +156,7 @@ void NativeEntityBuilder::pline(std::span<const AcGiVertex> vertices, bool close
     add("LWPOLYLINE", std::move(groups));
 }
 
-void NativeEntityBuilder::arc(const AcGiArc &arc)
+void NativeEntityBuilder::arc(const acgi::Arc &arc)
 {
     constexpr double kDegrees = 180.0 / kGePi;
     const double base = std::atan2(arc.u.y, arc.u.x);
@@ -181,9 +181,9 @@ void NativeEntityBuilder::arc(const AcGiArc &arc)
 }
 
 // Bands and rectangles are solids. What would take many of them, with seams between, is one hatch.
-void NativeEntityBuilder::fill(std::span<const AcGiLoop> loops)
+void NativeEntityBuilder::fill(std::span<const acgi::Loop> loops)
 {
-    for (const AcGiLoop &loop : loops) {
+    for (const acgi::Loop &loop : loops) {
         const bool isClosed = loop.size() > 1 && loop.front().isEqualTo(loop.back());
         const auto corners = std::span(loop).first(loop.size() - (isClosed ? 1 : 0));
         const bool isBand = corners.size() == 4 || corners.size() == 6;
@@ -222,7 +222,7 @@ void NativeEntityBuilder::hatch(std::span<const AcGePoint3d> area)
     add("HATCH", std::move(groups));
 }
 
-void NativeEntityBuilder::text(const AcGiTextLine &line)
+void NativeEntityBuilder::text(const acgi::TextLine &line)
 {
     const AcGeVector3d normal = line.direction.crossProduct(line.up).normal();
     const AcGeMatrix3d toPlane = AcGeMatrix3d::planeToWorld(normal).inverse();
@@ -247,7 +247,7 @@ void NativeEntityBuilder::text(const AcGiTextLine &line)
 // Multi-line text ---------------------------------------------------------------------------------
 
 /// Inline code for a font: files of shape fonts, faces of others.
-static QString fontCode(const AcGiFontRequest &font)
+static QString fontCode(const acgi::FontRequest &font)
 {
     if (!font.bigFontFile.isEmpty())
         return QStringLiteral("\\F%1,%2;").arg(font.fontFile, font.bigFontFile);
@@ -314,7 +314,7 @@ void NativeEntityBuilder::multilineText(std::span<const MarkTextLine> lines, con
 
 // Waves -------------------------------------------------------------------------------------------
 
-static double bulgeOf(const AcGiArc &arc)
+static double bulgeOf(const acgi::Arc &arc)
 {
     return std::tan(arc.sweep / 4.0) * (arc.u.crossProduct(arc.v).z < 0.0 ? -1.0 : 1.0);
 }
@@ -326,9 +326,9 @@ static void buildThinWaves(std::span<const WaveBump> bumps, NativeEntityBuilder 
     const auto meet = [](const WaveBump &bump, const AcGePoint3d &next) {
         return bump.b.isEqualTo(next, kRounding * bump.a.distanceTo(bump.b));
     };
-    std::vector<AcGiVertex> chain;
+    std::vector<acgi::Vertex> chain;
     for (std::size_t i = 0, first = 0; i < bumps.size(); ++i) {
-        const auto arc = acgiArcThrough(bumps[i].a, waveMiddle(bumps[i]), bumps[i].b);
+        const auto arc = acgi::arcThrough(bumps[i].a, waveMiddle(bumps[i]), bumps[i].b);
         chain.push_back({.point = bumps[i].a, .bulge = arc ? bulgeOf(*arc) : 0.0});
         if (i + 1 < bumps.size() && meet(bumps[i], bumps[i + 1].a))
             continue;
@@ -346,7 +346,7 @@ static void buildThinWaves(std::span<const WaveBump> bumps, NativeEntityBuilder 
 static void buildThickBump(const WaveBump &bump, NativeEntityBuilder &builder)
 {
     const WaveBand band = waveBand(bump);
-    std::array<AcGiVertex, kBumpSamples> vertices;
+    std::array<acgi::Vertex, kBumpSamples> vertices;
     for (std::size_t k = 0; k < kBumpSamples; ++k) {
         vertices[k].point = band.inner[k] + (band.outer[k] - band.inner[k]) * 0.5;
         vertices[k].startWidth = band.inner[k].distanceTo(band.outer[k]);
@@ -355,7 +355,7 @@ static void buildThickBump(const WaveBump &bump, NativeEntityBuilder &builder)
     }
     vertices.back().startWidth = 0.0;
     const auto arc =
-        acgiArcThrough(vertices.front().point, vertices[kBumpSamples / 2].point, vertices.back().point);
+        acgi::arcThrough(vertices.front().point, vertices[kBumpSamples / 2].point, vertices.back().point);
     if (arc)
         vertices.back().bulge = -bulgeOf(*arc);
     builder.pline(vertices, true);
@@ -380,7 +380,7 @@ static void buildText(const MarkTextLayout &text, const MarkAxes &axes, NativeEn
     if (!text.signature)
         return;
     builder.multilineText(std::span(&text.signature->line, 1), text.style, axes);
-    const AcGiTraits own = builder.subEntityTraits().traits();
+    const acgi::Traits own = builder.subEntityTraits().traits();
     builder.subEntityTraits().setColor(kRuleColor);
     const AcGePoint3d rule[] = {text.signature->ruleStart, text.signature->ruleEnd};
     builder.polyline(2, rule);
@@ -389,7 +389,7 @@ static void buildText(const MarkTextLayout &text, const MarkAxes &axes, NativeEn
 
 void buildNativeEntities(const MarkLayout &layout, NativeEntityBuilder &builder)
 {
-    const AcGiTraits own = builder.subEntityTraits().traits();
+    const acgi::Traits own = builder.subEntityTraits().traits();
     MarkLayout rest = layout;
     if (layout.text && !builder.isR12()) {
         buildText(*layout.text, layout.axes, builder);

@@ -6,7 +6,7 @@
 #include "quillnote/entity/mark_layout.h"
 
 #include "host/acdb/dbentity.h"
-#include "host/acgi/gigeometry.h"
+#include "host/acgi/geometry.h"
 
 #include <functional>
 
@@ -16,7 +16,7 @@ using NativeEntities = std::vector<std::unique_ptr<AcDbEntity>>;
 struct NativeTextStyles {
     QString current; ///< Of multi-line text, which says its fonts itself.
     /// A style with just this font, made when there is none.
-    std::function<QString(const AcGiFontRequest &)> withFont;
+    std::function<QString(const acgi::FontRequest &)> withFont;
 };
 
 /// Collects what is drawn as entities that stand in no drawing, in drawing order. They are on the layer of
@@ -30,11 +30,11 @@ public:
     bool isR12() const { return m_version <= DrawingVersion::r12; }
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override;
-    void arc(const AcGiArc &arc) override;
-    void fill(std::span<const AcGiLoop> loops) override;
-    void text(const AcGiTextLine &line) override;
+    void arc(const acgi::Arc &arc) override;
+    void fill(std::span<const acgi::Loop> loops) override;
+    void text(const acgi::TextLine &line) override;
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override {} ///< Marks have none.
-    void pline(std::span<const AcGiVertex> vertices, bool closed) override;
+    void pline(std::span<const acgi::Vertex> vertices, bool closed) override;
 
     /// Lines below each other, in the font of the layout.
     void multilineText(std::span<const MarkTextLine> lines, const AcGiTextStyle &style, const MarkAxes &axes);

@@ -199,7 +199,7 @@ AcDbExtents extents(const Sketch &sketch, const Placement &placement)
 void draw(const Sketch &sketch, const Placement &placement, const AcGiCommonDraw &context)
 {
     AcGiSubEntityTraits &pen = context.subEntityTraits();
-    const AcGiTraits before = pen.traits();
+    const acgi::Traits before = pen.traits();
     for (const Stroke &stroke : sketch.strokes) {
         if (!stroke.isDrawn())
             continue;

@@ -3,7 +3,7 @@
 
 #include "host/acge/geextents.h"
 #include "host/acge/gematrix.h"
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/world_draw.h"
 #include "host/base/result.h"
 
 #include <QByteArrayView>

@@ -37,7 +37,7 @@ WaveBand unitBand()
 }
 
 const WaveBand kUnitBand = unitBand();
-const AcGiArc kUnitArc = *acgiArcThrough({}, kUnitBand.inner[kMiddle], {1.0, 0.0, 0.0});
+const acgi::Arc kUnitArc = *acgi::arcThrough({}, kUnitBand.inner[kMiddle], {1.0, 0.0, 0.0});
 
 /// From the unit bump to a bump.
 class BumpPlace
@@ -87,7 +87,7 @@ void drawThin(std::span<const WaveBump> bumps, const AcGiCommonDraw &context)
 // Straight to fill(), which is what polygon() of a filling pen comes to, so that one loop serves all pieces.
 void drawThick(std::span<const WaveBump> bumps, const AcGiCommonDraw &context)
 {
-    AcGiLoop piece(4);
+    acgi::Loop piece(4);
     for (const WaveBump &bump : bumps) {
         const WaveBand band = waveBand(bump);
         for (std::size_t k = 0; k + 1 < kBumpSamples; ++k) {

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "host/acge/gecurve.h"
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/world_draw.h"
 
 #include <array>
 #include <span>

@@ -19,13 +19,13 @@
 PicturesWithoutMarks::PicturesWithoutMarks(AcDbDatabase &database) : m_database(database)
 {
     markDrawingState().leftOut = true;
-    acgiDisplay(m_database).regenerate();
+    acgi::displayOf(m_database).regenerate();
 }
 
 PicturesWithoutMarks::~PicturesWithoutMarks()
 {
     markDrawingState().leftOut = false;
-    acgiDisplay(m_database).regenerate();
+    acgi::displayOf(m_database).regenerate();
 }
 
 // Pixels -------------------------------------------------------------------------------------------------
@@ -92,7 +92,7 @@ static double likeness(const QImage &a, const QImage &b)
 static QImage painted(AcApDocument &document, AcDbObjectId space, AcGiViewport view, const QColor &background)
 {
     view.paperSpace = space != document.database()->modelSpaceId();
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = background;
     return acedPicture(*document.database(), space, view, options);
 }

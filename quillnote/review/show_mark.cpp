@@ -12,7 +12,7 @@
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
-#include "host/acgi/giextents.h"
+#include "host/acgi/query/extents.h"
 
 static constexpr int kFirstWithPictures = 6;
 
@@ -59,7 +59,7 @@ void zoomToMark(AcApDocument &document, AcDbObjectId id, bool besidePicture)
     AcDbObjectId space;
     {
         const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-        if (!mark || acgiExtents(*mark, extents) != Acad::eOk || !extents.isValid())
+        if (!mark || acgi::extentsOf(*mark, extents) != Acad::eOk || !extents.isValid())
             return;
         space = mark->ownerId();
     }

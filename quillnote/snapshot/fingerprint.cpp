@@ -2,7 +2,7 @@
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/spatial_index.h"
 
 #include <algorithm>
 #include <array>
@@ -131,9 +131,10 @@ bool isReviewMark(AcDbObjectId entity)
     return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
 }
 
-std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const AcGiWindow &window)
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
+                                         const acgi::Window &window)
 {
-    std::vector<AcDbObjectId> ids = acgiSpatialIndex(database).crossingWindow(space, window);
+    std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window);
     std::erase_if(ids, isReviewMark);
     std::ranges::sort(ids, std::greater(), [](AcDbObjectId id) { return id.stub()->index; });
     return ids;
@@ -151,7 +152,7 @@ std::uint32_t FingerprintTaker::sumOf(AcDbObjectId entity)
     return place->second;
 }
 
-TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const AcGiWindow &window)
+TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const acgi::Window &window)
 {
     TargetFingerprint fingerprint;
     fingerprint.ids = targetEntities(m_database, space, window);
@@ -164,14 +165,14 @@ TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const AcGiWindow &w
     return fingerprint;
 }
 
-static AcGiWindow windowOf(const MarkCorners &target)
+static acgi::Window windowOf(const MarkCorners &target)
 {
     const auto flat = [](const AcGePoint3d &corner) { return AcGePoint2d(corner.x, corner.y); };
-    return AcGiWindow(
+    return acgi::Window(
         {flat(target.corner1), flat(target.corner4), flat(target.corner2), flat(target.corner3)});
 }
 
-AcGiWindow targetWindow(const QuillnoteObj3 &mark)
+acgi::Window targetWindow(const QuillnoteObj3 &mark)
 {
     return windowOf(targetCorners(mark));
 }

@@ -5,7 +5,7 @@
 #include "quillnote/entity/mark_outline.h"
 
 #include "host/acdb/resbuf.h"
-#include "host/acgi/giregion.h"
+#include "host/acgi/query/region.h"
 
 #include <QString>
 
@@ -31,12 +31,12 @@ TargetFingerprint computeTargetFingerprint(const MarkCorners &target);
 bool isReviewMark(AcDbObjectId entity);
 
 /// The target of a mark: the window that its fingerprint is of, in the mark's own space.
-AcGiWindow targetWindow(const QuillnoteObj3 &mark);
+acgi::Window targetWindow(const QuillnoteObj3 &mark);
 
 /// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or
 /// not.
 std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
-                                         const AcGiWindow &window);
+                                         const acgi::Window &window);
 
 /// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share
 /// is read once.
@@ -45,7 +45,7 @@ class FingerprintTaker
 public:
     explicit FingerprintTaker(AcDbDatabase &database) : m_database(database) {}
     /// Of targetEntities().
-    TargetFingerprint take(AcDbObjectId space, const AcGiWindow &window);
+    TargetFingerprint take(AcDbObjectId space, const acgi::Window &window);
 
 private:
     std::uint32_t sumOf(AcDbObjectId entity);

@@ -57,7 +57,8 @@ static std::vector<AcDbObjectId> withoutMarks(AcDbDatabase &database, AcDbObject
 {
     const AcGeVector3d half =
         AcGeVector3d(view.width() / 2, view.height / 2, 0).rotateBy(-view.twist, AcGeVector3d::kZAxis);
-    const AcGiWindow window = AcGiWindow::fromCorners(view.centre - half, view.centre + half, -view.twist);
+    const acgi::Window window =
+        acgi::Window::fromCorners(view.centre - half, view.centre + half, -view.twist);
     std::vector<AcDbObjectId> ids = targetEntities(database, space, window);
     std::ranges::reverse(ids); // The newest lies on top.
     return ids;
@@ -66,7 +67,7 @@ static std::vector<AcDbObjectId> withoutMarks(AcDbDatabase &database, AcDbObject
 QImage targetPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view, QColor background,
                      ShownMarks marks)
 {
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = background;
     options.lineWeights = database.headerInteger("$LWDISPLAY", 0) != 0;
     AcGiViewport seen = view;
@@ -78,7 +79,7 @@ QImage targetPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewp
         return image;
     image.fill(background);
     QPainter painter(&image);
-    acgiDisplay(database).paintEntities(withoutMarks(database, space, seen), seen, painter, options);
+    acgi::displayOf(database).paintEntities(withoutMarks(database, space, seen), seen, painter, options);
     return image;
 }
 

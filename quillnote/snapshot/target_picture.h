@@ -2,7 +2,7 @@
 // keeps: the same part of the drawing, the same size, the same background.
 #pragma once
 
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 #include <QColor>
 #include <QImage>

@@ -7,7 +7,7 @@
 
 #include "host/acap/docman.h"
 #include "host/aced/edsysvar.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <QPainter>
 
@@ -108,7 +108,7 @@ void MarkSample::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     AcDbDatabase *const database = acdbCurDwg();
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.background = QColor::fromRgb(QRgb(acedIntVar(QStringLiteral("BACKGROUNDCOLOR"), 0)));
     painter.fillRect(rect(), options.background);
     if (!database)
@@ -123,5 +123,5 @@ void MarkSample::paintEvent(QPaintEvent *)
     const auto flag = flagMark(m_values, m_color1, m_color2);
     const auto leader = leaderMark(m_values, m_color1, m_color2);
     const std::array<const AcDbEntity *, 2> marks{flag.get(), leader.get()};
-    acgiDisplay(*database).paintTransients(marks, view, painter, options);
+    acgi::displayOf(*database).paintTransients(marks, view, painter, options);
 }

@@ -6,7 +6,7 @@
 #include "ui_104.h"
 
 #include "host/aced/edmessage.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/index_color.h"
 #include "host/acui/acuicolor.h"
 #include "host/acui/acuifile.h"
 #include "host/base/file_bytes.h"
@@ -241,7 +241,7 @@ void CSetup::showSample()
     for (const auto &[button, index] :
          {std::pair(m_form->id1005, m_color1), std::pair(m_form->id1006, m_color2)}) {
         QPixmap swatch(32, 16);
-        swatch.fill(QColor::fromRgb(acgiIndexColor(index)));
+        swatch.fill(QColor::fromRgb(acgi::indexColor(index)));
         button->setIcon(swatch);
     }
 }

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "host/acdb/dbdatabase.h"
-#include "host/acgi/giviewport.h"
+#include "host/acgi/viewport.h"
 
 namespace tests
 {

@@ -18,7 +18,7 @@ TEST_P(NativePicture, LooksAsItDid)
     ASSERT_TRUE(drawing.database);
     const AcDbObjectId space = drawing.database->tableRecord(SymbolTable::block, drawing.space);
     ASSERT_FALSE(space.isNull());
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.lineWeights = drawing.lineWeights;
     drawing.database->setFolder(tests::testDataPath(QStringLiteral("pictures/images")));
     const tests::Picture picture = tests::paintPicture(space, drawing.view, options);

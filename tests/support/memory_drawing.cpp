@@ -14,17 +14,17 @@ public:
         : m_version(drawing.m_version), m_format(drawing.m_format), m_objects(drawing.m_objects)
     {
     }
-    DrawingFormat format() const override { return m_format; }
+    DrawingForm form() const override { return m_format; }
     DrawingVersion version() const override { return m_version; }
     ResbufList read(const AcDbStub &stub) const override { return m_objects.at(stub.begin).groups; }
 
 private:
     DrawingVersion m_version;
-    DrawingFormat m_format;
+    DrawingForm m_format;
     std::vector<Object> m_objects;
 };
 
-MemoryDrawing::MemoryDrawing(DrawingVersion version, DrawingFormat format)
+MemoryDrawing::MemoryDrawing(DrawingVersion version, DrawingForm format)
     : m_version(version), m_format(format)
 {
     m_namedObjects = add("DICTIONARY", {{100, "AcDbDictionary"}}, 0, 0);

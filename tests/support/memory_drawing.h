@@ -44,7 +44,7 @@ public:
 
     /// Has model space, paper space, layer 0 and an empty named-object dictionary.
     explicit MemoryDrawing(DrawingVersion version = DrawingVersion::r2000,
-                           DrawingFormat format = DrawingFormat::dxfText);
+                           DrawingForm format = DrawingForm::dxfText);
 
     std::uint64_t layer(const char *name) { return layer(name, LayerState()); }
     std::uint64_t layer(const char *name, LayerState state);
@@ -81,7 +81,7 @@ private:
                       int table = -1);
 
     DrawingVersion m_version;
-    DrawingFormat m_format;
+    DrawingForm m_format;
     std::vector<Object> m_objects; ///< The handle is the position + 1.
     std::map<std::uint64_t, std::pair<std::uint64_t, std::uint64_t>> m_blockEnds;
     std::vector<std::pair<QByteArray, ResbufList>> m_header;

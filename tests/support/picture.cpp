@@ -21,12 +21,12 @@ AcGiViewport planView(double x, double y, int width, int height, double pixelsPe
     return view;
 }
 
-Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, AcGiPaintOptions options)
+Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, acgi::PaintOptions options)
 {
     Picture picture{QImage(int(view.pixelWidth), int(view.pixelHeight), QImage::Format_RGB32), {}};
     options.background = Qt::white;
     QPainter painter(&picture.image);
-    picture.report = acgiDisplay(*space.database()).paint(space, view, painter, options);
+    picture.report = acgi::displayOf(*space.database()).paint(space, view, painter, options);
     return picture;
 }
 

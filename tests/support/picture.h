@@ -4,7 +4,7 @@
 // in the build tree, under tests/out/. References are written only when QUILL_UPDATE_GOLDEN=1 asks for it.
 #pragma once
 
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 #include <gtest/gtest.h>
 
@@ -18,10 +18,10 @@ AcGiViewport planView(double x, double y, int width, int height, double pixelsPe
 
 struct Picture {
     QImage image;
-    AcGiPaintReport report;
+    acgi::PaintReport report;
 };
 /// On white, as on the screen.
-Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, AcGiPaintOptions options = {});
+Picture paintPicture(AcDbObjectId space, const AcGiViewport &view, acgi::PaintOptions options = {});
 
 /// Two pixels differ when a channel differs by more than this; letters are smoothed a little differently
 /// by other versions of the libraries.

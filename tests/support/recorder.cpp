@@ -43,18 +43,18 @@ void Recorder::polyline(std::uint32_t count, const AcGePoint3d *points)
     add(line);
 }
 
-void Recorder::arc(const AcGiArc &local)
+void Recorder::arc(const acgi::Arc &local)
 {
-    const AcGiArc arc = toWorld(local);
+    const acgi::Arc arc = toWorld(local);
     add(QStringLiteral("arc %1 from %2 to %3 through %4")
             .arg(pointText(arc.centre), pointText(arc.at(arc.start)),
                  pointText(arc.at(arc.start + arc.sweep)), pointText(arc.at(arc.start + arc.sweep / 2.0))));
 }
 
-void Recorder::fill(std::span<const AcGiLoop> loops)
+void Recorder::fill(std::span<const acgi::Loop> loops)
 {
     QString line = QStringLiteral("fill");
-    for (const AcGiLoop &loop : loops) {
+    for (const acgi::Loop &loop : loops) {
         line += QLatin1String(" [");
         for (const AcGePoint3d &point : loop)
             line += world(point);
@@ -63,7 +63,7 @@ void Recorder::fill(std::span<const AcGiLoop> loops)
     add(line);
 }
 
-void Recorder::text(const AcGiTextLine &line)
+void Recorder::text(const acgi::TextLine &line)
 {
     const AcGePoint3d start = toWorld(line.position);
     add(QStringLiteral("text \"%1\" at %2 along %3 up %4")

@@ -2,7 +2,7 @@
 // coordinates: "red polyline (0 0) (4 3)". What entities draw is then compared as text.
 #pragma once
 
-#include "host/acgi/gigeometry.h"
+#include "host/acgi/geometry.h"
 
 #include <QStringList>
 
@@ -17,9 +17,9 @@ public:
     bool withPen = false;
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override;
-    void arc(const AcGiArc &arc) override;
-    void fill(std::span<const AcGiLoop> loops) override;
-    void text(const AcGiTextLine &line) override;
+    void arc(const acgi::Arc &arc) override;
+    void fill(std::span<const acgi::Loop> loops) override;
+    void text(const acgi::TextLine &line) override;
     void infiniteLine(const AcGePoint3d &base, const AcGeVector3d &direction, bool bothWays) override;
     void noteUndrawn(const QString &reason) override { lines << QStringLiteral("undrawn ") + reason; }
 

@@ -12,6 +12,14 @@
         <translation>%1: DXF 图形不能保存为 DWG</translation>
     </message>
     <message>
+        <source>%1: the drawing came from no file that could be written</source>
+        <translation>%1: 此图形不是来自可写入的文件</translation>
+    </message>
+    <message>
+        <source>DWG drawings cannot be written</source>
+        <translation>不能写入 DWG 图形</translation>
+    </message>
+    <message>
         <source>%1: another drawing is being opened or saved</source>
         <translation>%1: 正在打开或保存另一张图形</translation>
     </message>

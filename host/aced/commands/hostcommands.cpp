@@ -4,7 +4,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edpicture.h"
-#include "host/acgi/giregion.h"
+#include "host/acgi/query/region.h"
 #include "host/base/assert.h"
 
 #include <array>
@@ -43,7 +43,7 @@ static std::optional<AcGiViewport> screenView(const AcDbDatabase &database)
 
 void acedRegisterHostCommands()
 {
-    acgiSetScreenView(screenView);
+    acgi::setScreenView(screenView);
     acDocManager()->setProgress(
         [](const QString &what, double share) { return acedFrontEnd().progress(what, share); });
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(),   viewCommands(),

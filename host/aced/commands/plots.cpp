@@ -40,7 +40,7 @@ static QString withEnding(const QString &path, const QString &ending)
     return QFileInfo(path).suffix().isEmpty() ? path + ending : path;
 }
 
-static void tellUndrawn(const AcGiPaintReport &report)
+static void tellUndrawn(const acgi::PaintReport &report)
 {
     for (const auto &[kind, count] : report.undrawn)
         acutPrintf(Host::tr("\n未能完整绘制: %1 (%2 个)").arg(kind).arg(count));
@@ -370,7 +370,7 @@ static void exportPng(const QString &path)
     if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
         acutPrintf(Host::tr("\n选择对象或 <全部对象和视口>: "));
     const AcEdSelectionSet selected = askSelection();
-    AcGiPaintReport report;
+    acgi::PaintReport report;
     QImage image = acedViewImage(*curDoc(), acedScreenOptions(*curDoc()), &report);
     if (!selected.empty()) {
         const QRect area = rasterArea(selected, image.rect());

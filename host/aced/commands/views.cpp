@@ -2,7 +2,7 @@
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edview.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 #include "host/base/format_number.h"
 #include "host/base/host_text.h"
 
@@ -204,7 +204,7 @@ static void pan()
 static void regenerate()
 {
     acutPrintf(Host::tr("\n正在重生成图形。"));
-    acgiDisplay(*acdbCurDwg()).regenerate(true);
+    acgi::displayOf(*acdbCurDwg()).regenerate(true);
 }
 
 static void twistView()

@@ -30,7 +30,7 @@ public:
     QByteArray missingLineEnd(std::string_view source) const;
 
 private:
-    bool isBinary() const { return m_source.format() == DrawingFormat::dxfBinary; }
+    bool isBinary() const { return m_source.form() == DrawingForm::dxfBinary; }
     void code(QByteArray &out, int code) const;
     void chunks(QByteArray &out, int code, QByteArrayView bytes) const;
     void line(QByteArray &out, QByteArrayView value) const;

@@ -63,7 +63,7 @@ bool Mapper<Scanner>::recover(Step step)
         const bool found = m_scanner.position() != m_scanner.end();
         const QString text = !found
                                  ? Host::tr("a group code is missing here, nothing behind it could be read")
-                             : m_source.format() == DrawingFormat::dxfBinary
+                             : m_source.form() == DrawingForm::dxfBinary
                                  ? Host::tr("a group code is missing here, reading went on at byte %1")
                                  : Host::tr("a group code is missing here, reading went on at line %1");
         m_log.add(at, found ? text.arg(m_log.place(offset(m_scanner.position()))) : text);

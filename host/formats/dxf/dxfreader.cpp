@@ -31,7 +31,7 @@ static MapResult map(AcDbLoader &loader, DxfSource &source, RepairLog &log, cons
 {
     const std::string_view groups = source.bytes().substr(source.contentBegin());
     source.learnStyle(groups);
-    if (source.format() == DrawingFormat::dxfBinary)
+    if (source.form() == DrawingForm::dxfBinary)
         return mapWith(
             dxf::Mapper(loader, source, log, dxf::BinaryScanner(groups, source.shortCodes()), progress));
     return mapWith(dxf::Mapper(loader, source, log, dxf::TextScanner(groups, source.lineEnd()), progress));
@@ -55,7 +55,7 @@ base::Result<std::unique_ptr<AcDbDatabase>, DxfError> readDxf(base::FileBytes by
     if (result == MapResult::noSection)
         return base::Failure{DxfError{name, log.place(source.contentBegin()),
                                       Host::tr("this is no DXF drawing, it has no section"),
-                                      source.format() == DrawingFormat::dxfBinary}};
+                                      source.form() == DrawingForm::dxfBinary}};
     for (const QString &sentence : log.sentences())
         loader.addRepair(sentence);
     const qsizetype repairsBefore = database->repairs().size();

@@ -9,7 +9,7 @@ namespace dxf
 
 qint64 RepairLog::place(std::uint64_t offset)
 {
-    if (m_source.format() == DrawingFormat::dxfBinary)
+    if (m_source.form() == DrawingForm::dxfBinary)
         return qint64(offset);
     if (m_source.isKept(offset))
         offset = m_source.kept().placeInFile(offset - m_source.keptBegin());
@@ -29,7 +29,7 @@ void RepairLog::add(std::uint64_t offset, const QString &what)
         ++m_more;
         return;
     }
-    const bool isBinary = m_source.format() == DrawingFormat::dxfBinary;
+    const bool isBinary = m_source.form() == DrawingForm::dxfBinary;
     m_sentences.append(
         (isBinary ? Host::tr("Byte %1: %2.") : Host::tr("Line %1: %2.")).arg(place(offset)).arg(what));
 }

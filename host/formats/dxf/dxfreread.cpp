@@ -139,7 +139,7 @@ base::Result<std::size_t, QString> RereadCheck::feed(Scanner scanner, std::strin
 
 base::Result<std::size_t, QString> RereadCheck::feed(std::string_view bytes, bool last)
 {
-    if (m_source.format() == DrawingFormat::dxfBinary)
+    if (m_source.form() == DrawingForm::dxfBinary)
         return feed(BinaryScanner(bytes, m_source.shortCodes()), bytes, last);
     return feed(TextScanner(bytes, m_source.lineEnd()), bytes, last);
 }

@@ -17,15 +17,12 @@ class DxfSource : public DrawingSource
 public:
     explicit DxfSource(base::FileBytes bytes);
 
-    DrawingFormat format() const override
-    {
-        return m_binary ? DrawingFormat::dxfBinary : DrawingFormat::dxfText;
-    }
+    DrawingForm form() const override { return m_binary ? DrawingForm::dxfBinary : DrawingForm::dxfText; }
     DrawingVersion version() const override { return m_version; }
     ResbufList read(const AcDbStub &stub) const override;
 
     /// The whole file.
-    std::string_view bytes() const { return m_bytes.view(); }
+    std::string_view bytes() const override { return m_bytes.view(); }
     std::string_view bytes(dxf::Place place) const
     {
         const bool kept = place.begin >= keptBegin();

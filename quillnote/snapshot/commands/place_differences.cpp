@@ -40,7 +40,7 @@ PlaceComparer::PlaceComparer(AcDbDatabase &oldDrawing, AcDbDatabase &newDrawing)
 {
 }
 
-std::vector<AcDbObjectId> PlaceComparer::Side::at(AcDbObjectId space, const AcGiWindow &window)
+std::vector<AcDbObjectId> PlaceComparer::Side::at(AcDbObjectId space, const acgi::Window &window)
 {
     return space.isNull() ? std::vector<AcDbObjectId>() : targetEntities(database, space, window);
 }
@@ -52,7 +52,7 @@ PlaceDifference PlaceComparer::compare(const ComparedPlace &place)
     const AcDbObjectPointer<QuillnoteObj3> mark(place.mark, AcDb::kForRead);
     if (!mark)
         return {};
-    const AcGiWindow window = targetWindow(*mark);
+    const acgi::Window window = targetWindow(*mark);
     QHash<QByteArray, std::vector<std::uint64_t>> left;
     for (const AcDbObjectId id : m_old.at(place.oldSpace, window))
         left[m_old.content.of(id)].push_back(id.handle().value);

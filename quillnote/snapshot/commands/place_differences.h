@@ -36,7 +36,7 @@ public:
 private:
     struct Side {
         explicit Side(AcDbDatabase &drawing) : database(drawing), content(drawing) {}
-        std::vector<AcDbObjectId> at(AcDbObjectId space, const AcGiWindow &window);
+        std::vector<AcDbObjectId> at(AcDbObjectId space, const acgi::Window &window);
         AcDbDatabase &database;
         DrawingContent content;
     };

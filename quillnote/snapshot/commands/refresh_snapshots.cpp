@@ -17,7 +17,7 @@
 #include "host/aced/edmessage.h"
 #include "host/aced/edspace.h"
 #include "host/aced/edview.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 
 // One mark ----------------------------------------------------------------------------------------
 
@@ -32,7 +32,7 @@ static bool bringOnScreen(AcDbObjectId id)
     const AcDbObjectId space = mark->blockId();
     mark.close();
     zoomToArea(window, space);
-    acgiDisplay(*id.database()).regenerate(id);
+    acgi::displayOf(*id.database()).regenerate(id);
     return true;
 }
 

@@ -6,7 +6,7 @@
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ namespace tests
 static const MemoryDrawing &registered(const MemoryDrawing &content)
 {
     acedRegisterHostCommands();
-    acgiInstall();
+    acgi::install();
     return content;
 }
 

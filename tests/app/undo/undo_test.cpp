@@ -5,7 +5,7 @@
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "host/acrx/rxmodule.h"
 #include "host/acui/acuiinstall.h"
 #include "tests/support/files.h"
@@ -64,7 +64,7 @@ static const CommandCase kCases[] = {
 struct UndoOfCommands : testing::TestWithParam<CommandCase> {
     static void SetUpTestSuite()
     {
-        acgiInstall();
+        acgi::install();
         acuiInstall();
         acedRegisterHostCommands();
         tests::ScriptFrontEnd quiet;

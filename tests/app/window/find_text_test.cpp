@@ -5,7 +5,7 @@
 #include "tests/app/front_end/window_session.h"
 #include "tests/support/script_front_end.h"
 
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ class FindTest : public testing::Test
 protected:
     FindTest()
     {
-        acgiInstall(); // Extents of texts.
+        acgi::install(); // Extents of texts.
         tests::MemoryDrawing content;
         content.block("DOOR");
         content.entity("LINE", {{10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(9, 9, 0)}});

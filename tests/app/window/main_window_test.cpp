@@ -15,7 +15,7 @@
 
 #include "host/aced/edpick.h"
 #include "host/aced/edspace.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@
 
 TEST(MainWindow, FollowsTheDrawings)
 {
-    acgiInstall();
+    acgi::install();
     tests::WindowSession session;
     window::MainWindow mainWindow(session.front);
     mainWindow.resize(1200, 800);
@@ -96,7 +96,7 @@ TEST(MainWindow, FollowsTheDrawings)
 
 TEST(MainWindow, ShowsWhatIsReadOnlyWhatIsChosenAndWhatItAsksAbout)
 {
-    acgiInstall();
+    acgi::install();
     tests::TempDir folder;
     const QString plan = folder.write("plan.dxf", "0\nSECTION\n2\nENTITIES\n0\nPOINT\n8\n0\n10\n1\n20\n2\n0\n"
                                                   "ENDSEC\n0\nEOF\n");
@@ -181,7 +181,7 @@ TEST(StartPage, IsNoHigherThanASmallScreen)
 
 TEST(MainWindow, OpensWhatIsDroppedAndKeepsItsPlace)
 {
-    acgiInstall();
+    acgi::install();
     tests::WindowSession session;
     const tests::TempDir folder;
     const QString path =

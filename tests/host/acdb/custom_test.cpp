@@ -84,7 +84,7 @@ static std::unique_ptr<AcDbDatabase> reopened(AcDbDatabase &saved)
     {
     public:
         std::vector<ResbufList> objects;
-        DrawingFormat format() const override { return DrawingFormat::dxfText; }
+        DrawingForm form() const override { return DrawingForm::dxfText; }
         DrawingVersion version() const override { return DrawingVersion::r2000; }
         ResbufList read(const AcDbStub &stub) const override { return objects[std::size_t(stub.begin)]; }
     };

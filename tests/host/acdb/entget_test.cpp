@@ -226,7 +226,7 @@ TEST(EntGet, GivesMarkersToEntitiesOfOldFilesWhereTheyAreCertain)
 class OneLine : public DrawingSource
 {
 public:
-    DrawingFormat format() const override { return DrawingFormat::dxfText; }
+    DrawingForm form() const override { return DrawingForm::dxfText; }
     DrawingVersion version() const override { return DrawingVersion::r2000; }
     ResbufList read(const AcDbStub &stub) const override
     {

@@ -133,7 +133,7 @@ TEST(Loading, SettlesHandles)
 {
     class Nothing : public DrawingSource
     {
-        DrawingFormat format() const override { return DrawingFormat::dxfText; }
+        DrawingForm form() const override { return DrawingForm::dxfText; }
         DrawingVersion version() const override { return DrawingVersion::r12; }
         ResbufList read(const AcDbStub &) const override { return {{0, QStringLiteral("LINE")}}; }
     };

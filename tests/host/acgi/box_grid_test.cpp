@@ -1,5 +1,5 @@
 // The grid finds every box that meets a part, and not many others.
-#include "host/acgi/giboxgrid.h"
+#include "host/acgi/display/box_grid.h"
 
 #include <gtest/gtest.h>
 
@@ -30,10 +30,10 @@ static std::vector<Box> someBoxes()
 TEST(BoxGrid, FindsWhateverMeetsThePart)
 {
     const std::vector<Box> boxes = someBoxes();
-    std::vector<AcGiBoxGrid::Entry> entries;
+    std::vector<acgi::BoxGrid::Entry> entries;
     for (std::uint32_t i = 0; i < boxes.size(); ++i)
         entries.push_back({i * 3, i % 7 == 0 ? nullptr : boxes[i].data()});
-    const AcGiBoxGrid grid(entries);
+    const acgi::BoxGrid grid(entries);
     for (const Box &part :
          {Box{500, 0, 510, 700}, Box{0, 350, 1000, 351}, Box{-5, -5, 0, 0}, Box{990, 690, 2e9F, 2e9F},
           Box{-3e9F, -3e9F, -500, -500}, Box{4990, 4990, 5001, 5001}, Box{333, 333, 333, 333}}) {
@@ -42,7 +42,7 @@ TEST(BoxGrid, FindsWhateverMeetsThePart)
         ASSERT_TRUE(found);
         EXPECT_TRUE(std::ranges::is_sorted(*found, std::less_equal<>()));
         std::size_t wanted = 0;
-        for (const AcGiBoxGrid::Entry &entry : entries) {
+        for (const acgi::BoxGrid::Entry &entry : entries) {
             const float *const box = entry.box;
             if (box && (box[0] > part[2] || box[2] < part[0] || box[1] > part[3] || box[3] < part[1]))
                 continue;
@@ -57,9 +57,9 @@ TEST(BoxGrid, FindsWhateverMeetsThePart)
 TEST(BoxGrid, TakesBoxesThatLieOnOneAnotherOrNone)
 {
     const Box same{5, 5, 5, 5};
-    const std::vector<AcGiBoxGrid::Entry> entries(5000, {8, same.data()});
+    const std::vector<acgi::BoxGrid::Entry> entries(5000, {8, same.data()});
     for (const auto &few : {std::span(entries), std::span(entries).first(0)}) {
-        const AcGiBoxGrid grid(few);
+        const acgi::BoxGrid grid(few);
         const auto found = grid.find(4, 4, 6, 6);
         EXPECT_TRUE(!found || *found == std::vector<std::uint32_t>(few.empty() ? 0 : 1, 8));
     }

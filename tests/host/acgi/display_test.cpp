@@ -1,5 +1,6 @@
 // Pictures of small drawings, looked at pixel by pixel.
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
+#include "host/acgi/index_color.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "tests/support/memory_drawing.h"
@@ -14,31 +15,31 @@
 using tests::Groups;
 using tests::MemoryDrawing;
 
-static const QRgb kRed = acgiIndexColor(1);
-static const QRgb kGreen = acgiIndexColor(3);
-static const QRgb kBlue = acgiIndexColor(5);
+static const QRgb kRed = acgi::indexColor(1);
+static const QRgb kGreen = acgi::indexColor(3);
+static const QRgb kBlue = acgi::indexColor(5);
 static constexpr QRgb kBlack = 0xFF000000u;
 
 /// A picture of 100 by 100 pixels of the square from the origin to (100 100): a pixel is a drawing unit.
 struct Picture {
     QImage image{100, 100, QImage::Format_RGB32};
-    AcGiPaintReport report;
+    acgi::PaintReport report;
 
     QRgb at(double x, double y) const { return image.pixel(int(x), int(std::floor(100.0 - y))); }
 };
 
-static Picture paint(AcDbDatabase &database, AcDbObjectId space, const AcGiPaintOptions &options = {})
+static Picture paint(AcDbDatabase &database, AcDbObjectId space, const acgi::PaintOptions &options = {})
 {
     Picture picture;
     AcGiViewport view;
     view.centre = {50.0, 50.0, 0.0};
     view.height = view.pixelWidth = view.pixelHeight = 100.0;
     QPainter painter(&picture.image);
-    picture.report = acgiDisplay(database).paint(space, view, painter, options);
+    picture.report = acgi::displayOf(database).paint(space, view, painter, options);
     return picture;
 }
 
-static Picture paint(AcDbDatabase &database, const AcGiPaintOptions &options = {})
+static Picture paint(AcDbDatabase &database, const acgi::PaintOptions &options = {})
 {
     return paint(database, database.modelSpaceId(), options);
 }
@@ -120,7 +121,7 @@ TEST(Display, HidesWhatLayersHideAndFollowsThemWithoutAnewList)
         AcDbObjectPointer<AcDbLayerTableRecord> layer(layerOf(*database, "A"), AcDb::kForWrite);
         set(*layer);
     };
-    const std::size_t memory = acgiDisplay(*database).memory();
+    const std::size_t memory = acgi::displayOf(*database).memory();
     change([](AcDbLayerTableRecord &layer) { layer.setIsOff(true); });
     EXPECT_EQ(paint(*database).at(15, 15), kBlack);
     EXPECT_EQ(paint(*database).at(35, 15), kGreen) << "off hides only what stands on the layer";
@@ -129,10 +130,10 @@ TEST(Display, HidesWhatLayersHideAndFollowsThemWithoutAnewList)
     change([](AcDbLayerTableRecord &layer) { layer.setIsFrozen(false), layer.setColorIndex(5); });
     EXPECT_EQ(paint(*database).at(15, 15), kBlue);
     change([](AcDbLayerTableRecord &layer) { layer.setIsPlottable(false); });
-    AcGiPaintOptions plot;
+    acgi::PaintOptions plot;
     plot.plotting = true;
     EXPECT_EQ(paint(*database, plot).at(15, 15), kBlack);
-    EXPECT_EQ(acgiDisplay(*database).memory(), memory);
+    EXPECT_EQ(acgi::displayOf(*database).memory(), memory);
 }
 
 TEST(Display, ShowsChangesOfEntitiesAndOfBlocks)

@@ -1,5 +1,6 @@
 // Pictures in parts, in the background, and what has to be painted again after changes.
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
+#include "host/acgi/index_color.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
@@ -7,7 +8,7 @@
 #include "tests/support/memory_drawing.h"
 
 #include "host/acdb/dbfiler.h"
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/world_draw.h"
 
 #include <gtest/gtest.h>
 
@@ -137,11 +138,11 @@ protected:
         return groups;
     }
 
-    AcGiDisplay &display() { return acgiDisplay(*m_database); }
+    acgi::Display &display() { return acgi::displayOf(*m_database); }
     AcDbObjectId space() { return m_database->modelSpaceId(); }
     AcDbObjectId id(std::uint64_t handle) { return m_database->getAcDbObjectId({handle}); }
 
-    void paintOnto(QImage &image, const AcGiViewport &view, const AcGiPaintOptions &options = m_options)
+    void paintOnto(QImage &image, const AcGiViewport &view, const acgi::PaintOptions &options = m_options)
     {
         QPainter painter(&image);
         display().paint(space(), view, painter, options);
@@ -171,22 +172,22 @@ protected:
     void expectDamageIsEnough(QImage &image, const char *what, double mostShare = 0.5)
     {
         const AcGiViewport view = viewOf();
-        const AcGiDamage damage = display().takeDamage(space(), view);
+        const acgi::Damage damage = display().takeDamage(space(), view);
         ASSERT_FALSE(damage.everything) << what;
         EXPECT_FALSE(damage.part.isEmpty()) << what;
         EXPECT_LE(damage.part.width() * damage.part.height(), mostShare * image.width() * image.height())
             << what;
-        AcGiPaintOptions options = m_options;
+        acgi::PaintOptions options = m_options;
         options.part = damage.part;
         if (!damage.part.isEmpty())
             paintOnto(image, view, options);
         EXPECT_EQ(image, painted(view)) << what;
-        const AcGiDamage again = display().takeDamage(space(), view);
+        const acgi::Damage again = display().takeDamage(space(), view);
         EXPECT_TRUE(!again.everything && again.part.isEmpty()) << what;
     }
 
-    inline static const AcGiPaintOptions m_options = [] {
-        AcGiPaintOptions options;
+    inline static const acgi::PaintOptions m_options = [] {
+        acgi::PaintOptions options;
         options.lineWeights = true;
         return options;
     }();
@@ -206,7 +207,7 @@ TEST_F(DisplayUpdate, PaintsPartsAsTheWhole)
                                   QRect(201, 133, 77, 61), QRect(0, 0, 640, 480)}) {
             QImage pieces(kSize, QImage::Format_RGB32);
             pieces.fill(Qt::magenta);
-            AcGiPaintOptions options = m_options;
+            acgi::PaintOptions options = m_options;
             options.part = part;
             paintOnto(pieces, view, options);
             EXPECT_EQ(pieces.copy(part), whole.copy(part))
@@ -349,7 +350,7 @@ protected:
     void start(const AcGiViewport &view = viewOf())
     {
         display().paintInBackground(space(), view, m_options,
-                                    [this](const QImage &image, const AcGiPaintReport &) {
+                                    [this](const QImage &image, const acgi::PaintReport &) {
                                         m_image = image;
                                         ++m_delivered;
                                     });
@@ -428,7 +429,7 @@ TEST_F(DisplayUpdate, PaintsEntitiesOverAPictureInOneColour)
     QImage image = painted(viewOf(9000, 9000));
     ASSERT_EQ(image.pixel(320, 240), 0xFF000000u);
     const AcGiViewport view = viewOf(5000, 5000);
-    AcGiPaintOptions options;
+    acgi::PaintOptions options;
     options.highlight = QColor(10, 200, 30);
     const auto colors = [&] {
         std::map<QRgb, int> counts;
@@ -493,10 +494,10 @@ TEST_F(DisplayUpdate, FillsAreasOfVeryManyCornersLikeOthers)
             different += std::abs(qRed(few.pixel(x, y)) - qRed(many.pixel(x, y))) > 40;
     }
     EXPECT_LT(different, 20);
-    EXPECT_EQ(many.pixel(320, 80), acgiIndexColor(1));
+    EXPECT_EQ(many.pixel(320, 80), acgi::indexColor(1));
     EXPECT_EQ(many.pixel(320, 240), 0xFF000000u) << "the hole";
     QImage pieces(kSize, QImage::Format_RGB32);
-    AcGiPaintOptions options = m_options;
+    acgi::PaintOptions options = m_options;
     for (const QRect &part : {QRect(0, 0, 333, 480), QRect(333, 0, 307, 201), QRect(333, 201, 307, 279)}) {
         options.part = part;
         paintOnto(pieces, viewOf(), options);

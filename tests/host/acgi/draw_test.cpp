@@ -1,6 +1,6 @@
 // What entities draw beyond their plain geometry: corners, clips, styles with overrides, views of a sheet,
 // and numbers that no drawing should have.
-#include "host/acgi/gidraw.h"
+#include "host/acgi/kinds/draw_entity.h"
 
 #include "tests/support/memory_drawing.h"
 #include "tests/support/recorder.h"
@@ -18,7 +18,7 @@ namespace
 class Everything : public tests::Recorder
 {
 public:
-    std::vector<AcGiViewportPicture> viewports;
+    std::vector<acgi::ViewportPicture> viewports;
 
     void marker(const AcGePoint3d &point, int mode, double size, double angle) override
     {
@@ -28,7 +28,7 @@ public:
                      .arg(size)
                      .arg(angle, 0, 'f', 3);
     }
-    void image(const AcGiImage &image) override
+    void image(const acgi::Image &image) override
     {
         lines << QStringLiteral("image %1 %2 to %3, %4 corners, fade %5")
                      .arg(image.path, tests::pointText(image.origin),
@@ -36,8 +36,8 @@ public:
                      .arg(image.clip.size())
                      .arg(image.fade);
     }
-    void viewport(const AcGiViewportPicture &picture) override { viewports.push_back(picture); }
-    void pushClip(std::span<const AcGiLoop> loops, bool inverted) override
+    void viewport(const acgi::ViewportPicture &picture) override { viewports.push_back(picture); }
+    void pushClip(std::span<const acgi::Loop> loops, bool inverted) override
     {
         QString line = inverted ? QStringLiteral("outside") : QStringLiteral("inside");
         for (const AcGePoint3d &point : loops.front())
@@ -53,7 +53,7 @@ Everything drawn(const MemoryDrawing &drawing, std::uint64_t handle, bool withPe
     const AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
     Everything sink;
     sink.withPen = withPen;
-    acgiDrawEntity(*entity, sink);
+    acgi::drawEntity(*entity, sink);
     return sink;
 }
 
@@ -379,7 +379,7 @@ TEST(Viewports, ReadTheirViewAlsoFromOldDrawings)
     EXPECT_FALSE(drawn(drawing, drawing.entity("VIEWPORT", noNumber, drawing.paperSpace())).lines.isEmpty());
     const Everything shown = drawn(drawing, modern);
     ASSERT_EQ(shown.viewports.size(), 1U);
-    const AcGiViewportPicture &view = shown.viewports.front();
+    const acgi::ViewportPicture &view = shown.viewports.front();
     EXPECT_EQ(view.viewCentre, AcGePoint2d(7, 8));
     EXPECT_EQ(view.direction, AcGeVector3d(0, -1, 0));
     EXPECT_EQ(view.target, AcGePoint3d(1, 2, 3));

@@ -1,6 +1,6 @@
 // The box of every kind, worked out by hand.
-#include "host/acgi/gidraw.h"
-#include "host/acgi/giextents.h"
+#include "host/acgi/query/extents.h"
+#include "host/acgi/query/install.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -28,12 +28,12 @@ static void expectBox(const AcDbExtents &box, const Box &expected)
 }
 
 static AcDbExtents boxOf(const MemoryDrawing &drawing, std::uint64_t handle,
-                         AcGiBlockExtents *blocks = nullptr)
+                         acgi::BlockExtents *blocks = nullptr)
 {
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
     AcDbExtents box;
-    acgiExtents(*entity, box, blocks);
+    acgi::extentsOf(*entity, box, blocks);
     return box;
 }
 
@@ -273,10 +273,10 @@ TEST(Extents, OfTurnedReferencesAreThoseOfWhatTheyShow)
     const std::uint64_t circle = turned("ROUND", 30.0);
     const std::uint64_t level = turned("NESTED", 0.0);
     const auto database = drawing.open();
-    AcGiBlockExtents blocks;
+    acgi::BlockExtents blocks;
     const auto size = [&](std::uint64_t handle) {
         const AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
-        const AcDbExtents box = acgiReach(*entity, blocks).box;
+        const AcDbExtents box = acgi::reachOf(*entity, blocks).box;
         return box.maxPoint() - box.minPoint();
     };
     const double length = 10 * kRoot2;
@@ -309,7 +309,7 @@ TEST(Extents, BlocksInBlocksDoNotExplode)
 
 TEST(Extents, WhatHasNoneSaysSo)
 {
-    acgiInstall();
+    acgi::install();
     MemoryDrawing drawing;
     const std::uint64_t ray = drawing.entity("RAY", {{10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(1, 0, 0)}});
     const std::uint64_t solid = drawing.entity("3DSOLID", {});
@@ -342,7 +342,7 @@ TEST(Extents, DeepBlocksEnd)
                 drawing.entity("INSERT", insertOf((i + 1) % kCount), block);
         }
         const auto insert = drawing.entity("INSERT", insertOf(0));
-        AcGiBlockExtents blocks;
+        acgi::BlockExtents blocks;
         expectBox(boxOf(drawing, insert, &blocks), {0, 0, 1, 2});
         expectBox(boxOf(drawing, insert), {0, 0, 1, 2});
     }

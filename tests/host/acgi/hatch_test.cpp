@@ -1,7 +1,7 @@
 // Hatches: boundaries of every kind of edge, island styles, patterns cut with them, and what is too much.
-#include "host/acgi/gidraw.h"
-#include "host/acgi/giextents.h"
-#include "host/acgi/giregion.h"
+#include "host/acgi/kinds/draw_entity.h"
+#include "host/acgi/query/extents.h"
+#include "host/acgi/query/region.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -22,10 +22,10 @@ class Recorder : public AcGiGeometry
 {
 public:
     struct Fill {
-        std::vector<AcGiLoop> loops;
-        AcGiTraits traits;
+        std::vector<acgi::Loop> loops;
+        acgi::Traits traits;
     };
-    std::vector<AcGiLoop> lines;
+    std::vector<acgi::Loop> lines;
     std::vector<Fill> fills;
     QStringList undrawn;
     int clips = 0;
@@ -35,20 +35,20 @@ public:
     bool isDisplay() const override { return true; }
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
-        AcGiLoop line;
+        acgi::Loop line;
         for (std::uint32_t i = 0; i < count; ++i)
             line.push_back(toWorld(points[i]));
         lines.push_back(line);
-        dashedLines = dashedLines || subEntityTraits().traits().linetypeBy != AcGiStated::itself;
+        dashedLines = dashedLines || subEntityTraits().traits().linetypeBy != acgi::Stated::itself;
     }
-    void arc(const AcGiArc &) override {}
-    void fill(std::span<const AcGiLoop> loops) override
+    void arc(const acgi::Arc &) override {}
+    void fill(std::span<const acgi::Loop> loops) override
     {
         fills.push_back({{loops.begin(), loops.end()}, subEntityTraits().traits()});
     }
-    void text(const AcGiTextLine &) override {}
+    void text(const acgi::TextLine &) override {}
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override {}
-    void pushClip(std::span<const AcGiLoop>, bool inverted) override { ++clips, outside += inverted; }
+    void pushClip(std::span<const acgi::Loop>, bool inverted) override { ++clips, outside += inverted; }
     void popClip() override { --clips; }
     void noteUndrawn(const QString &reason) override { undrawn += reason; }
 };
@@ -60,7 +60,7 @@ Recorder draw(const Groups &groups, const char *kind = "HATCH")
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
     Recorder recorder;
-    acgiDrawEntity(*entity, recorder);
+    acgi::drawEntity(*entity, recorder);
     return recorder;
 }
 
@@ -112,7 +112,7 @@ Groups pattern(const Groups &families)
 std::string rows(const Recorder &recorder)
 {
     std::string text;
-    for (const AcGiLoop &line : recorder.lines) {
+    for (const acgi::Loop &line : recorder.lines) {
         const auto number = [](double value) {
             return QString::number(std::round(value * 1e6) / 1e6).toStdString();
         };
@@ -123,7 +123,7 @@ std::string rows(const Recorder &recorder)
     return text;
 }
 
-double areaOf(const AcGiLoop &loop)
+double areaOf(const acgi::Loop &loop)
 {
     double twice = 0.0;
     for (std::size_t i = 0; i < loop.size(); ++i) {
@@ -288,7 +288,7 @@ TEST(HatchBoundary, IslandStylesKeepWhatTheyLookAt)
     const auto lows = [&](int style) {
         std::vector<double> corners;
         const Recorder recorder = draw(hatch(3, nested, style, {}));
-        for (const AcGiLoop &loop : recorder.fills.at(0).loops)
+        for (const acgi::Loop &loop : recorder.fills.at(0).loops)
             corners.push_back(loop.front().x);
         return corners;
     };
@@ -336,7 +336,7 @@ TEST(HatchPattern, SlantedLinesCoverTheArea)
     const Recorder recorder = draw(
         hatch(1, square(0, 2), 0, pattern(family(37, {500, -300}, across) + family(127, {0, 0}, along))));
     double length = 0.0;
-    for (const AcGiLoop &line : recorder.lines) {
+    for (const acgi::Loop &line : recorder.lines) {
         length += line.front().distanceTo(line.back());
         for (const AcGePoint3d &end : line)
             EXPECT_LE(std::max(std::abs(end.x - 1), std::abs(end.y - 1)), 1 + 1e-9);
@@ -410,8 +410,8 @@ TEST(Hatch, PatternsCountAsAreasWhenPicked)
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
     AcDbExtents box;
-    ASSERT_EQ(acgiExtents(*entity, box), Acad::eOk);
+    ASSERT_EQ(acgi::extentsOf(*entity, box), Acad::eOk);
     EXPECT_EQ(box.maxPoint().y, 10.0);
-    EXPECT_TRUE(acgiHit(*entity, {5, 9, 0}, 0.1));
-    EXPECT_FALSE(acgiHit(*entity, {5, 5, 0}, 0.1));
+    EXPECT_TRUE(acgi::crosses(*entity, acgi::Window::aroundPoint({5, 9, 0}, 0.1)));
+    EXPECT_FALSE(acgi::crosses(*entity, acgi::Window::aroundPoint({5, 5, 0}, 0.1)));
 }

@@ -1,5 +1,5 @@
 // Raster images: where they are found and what is read of them.
-#include "host/acgi/giimages.h"
+#include "host/acgi/display/images.h"
 
 #include "tests/support/files.h"
 
@@ -16,7 +16,7 @@ TEST(Images, ReadsLargeScans)
     scan.fill(0xFF00FF00u);
     ASSERT_TRUE(scan.save(folder.path(QStringLiteral("scan.png")), "PNG", 89)); // Quickly.
 
-    AcGiImages images;
+    acgi::Images images;
     const QString named = QStringLiteral("C:\\plans\\scan.png");
     images.find(named, folder.path());
     const QImage &pixels = images.load(named).pixels;
@@ -45,14 +45,14 @@ TEST(Images, AreLookedForFromTheFolderOfTheDrawing)
           Row{QStringLiteral(".\\img\\b.png"), folder.path("img/b.png")},
           Row{QStringLiteral("D:\\plans\\a.png"), folder.path("a.png")},
           Row{shell.path("img.png"), shell.path("img.png")}, Row{QStringLiteral("c.png"), QString()}}) {
-        AcGiImages images;
+        acgi::Images images;
         images.find(row.named, folder.path());
         const QString file = images.load(row.named).file;
         EXPECT_EQ(file.isEmpty() ? file : QFileInfo(file).canonicalFilePath(),
                   row.found.isEmpty() ? row.found : QFileInfo(row.found).canonicalFilePath())
             << row.named.toStdString();
     }
-    AcGiImages images;
+    acgi::Images images;
     images.find(QStringLiteral("a.png"), QString());
     EXPECT_TRUE(images.load(QStringLiteral("a.png")).file.isEmpty()) << "the drawing has no folder yet";
     images.find(QStringLiteral("a.png"), folder.path());

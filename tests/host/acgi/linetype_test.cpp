@@ -1,5 +1,5 @@
 // Linetypes read from their records, and where their dashes, dots and texts come to lie.
-#include "host/acgi/gilinetype.h"
+#include "host/acgi/linetype/linetype.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -14,7 +14,7 @@ using tests::MemoryDrawing;
 namespace
 {
 
-class Recorder : public AcGiDashSink
+class Recorder : public acgi::DashSink
 {
 public:
     struct Text {
@@ -25,7 +25,7 @@ public:
     std::vector<Text> texts;
 
     void dash(std::span<const QPointF> points) override { dashes.emplace_back(points.begin(), points.end()); }
-    void text(const AcGiPatternText &, QPointF place, double direction) override
+    void text(const acgi::PatternText &, QPointF place, double direction) override
     {
         texts.push_back({place, direction});
     }
@@ -34,9 +34,9 @@ public:
 constexpr double kPi = 3.14159265358979323846;
 const QRectF kEverything(-1e15, -1e15, 2e15, 2e15);
 
-AcGiLinetype pattern(std::initializer_list<double> lengths)
+acgi::Linetype pattern(std::initializer_list<double> lengths)
 {
-    AcGiLinetype linetype;
+    acgi::Linetype linetype;
     for (const double length : lengths) {
         linetype.elements.push_back({length, std::nullopt});
         linetype.length += std::abs(length);
@@ -44,11 +44,11 @@ AcGiLinetype pattern(std::initializer_list<double> lengths)
     return linetype;
 }
 
-Recorder lay(const AcGiLinetype &linetype, const std::vector<QPointF> &chain, bool closed = false,
+Recorder lay(const acgi::Linetype &linetype, const std::vector<QPointF> &chain, bool closed = false,
              const QRectF &visible = kEverything, double scale = 1.0, double finest = 0.0)
 {
     Recorder recorder;
-    acgiLayPattern(linetype, scale, chain, closed, visible, finest, recorder);
+    acgi::layPattern(linetype, scale, chain, closed, visible, finest, recorder);
     return recorder;
 }
 
@@ -68,7 +68,7 @@ std::string onAxis(const Recorder &recorder)
 
 TEST(LayPattern, BothEndsOfALineGetADash)
 {
-    const AcGiLinetype dashed = pattern({2, -1});
+    const acgi::Linetype dashed = pattern({2, -1});
     EXPECT_EQ(onAxis(lay(dashed, {{0, 0}, {9, 0}})), "0-1 2-4 5-7 8-9");
     // What is left over lengthens the dashes at the ends.
     EXPECT_EQ(onAxis(lay(dashed, {{0, 0}, {10, 0}})), "0-1.5 2.5-4.5 5.5-7.5 8.5-10");
@@ -78,7 +78,7 @@ TEST(LayPattern, BothEndsOfALineGetADash)
     EXPECT_EQ(onAxis(lay(dashed, {{4, 0}, {4, 0}})), "4");
     EXPECT_EQ(onAxis(lay(dashed, {{4, 0}})), "4");
     EXPECT_EQ(onAxis(lay(dashed, {})), "");
-    EXPECT_EQ(onAxis(lay(AcGiLinetype(), {{0, 0}, {9, 0}})), "0-9");
+    EXPECT_EQ(onAxis(lay(acgi::Linetype(), {{0, 0}, {9, 0}})), "0-9");
 }
 
 TEST(LayPattern, DotsAndLeadingGaps)
@@ -114,7 +114,7 @@ TEST(LayPattern, ClosedChainsHaveNoSeam)
 
 TEST(LayPattern, OnlyWhatIsSeenIsMade)
 {
-    const AcGiLinetype dashed = pattern({2, -1});
+    const acgi::Linetype dashed = pattern({2, -1});
     const std::vector<QPointF> line{{0, 0}, {3e9, 0}};
     EXPECT_EQ(onAxis(lay(dashed, line, false, QRectF(1499999999, -1, 6, 2))),
               "1.5e+09-1.5e+09 1.5e+09-1.5e+09 1.5e+09-1.5e+09");
@@ -133,7 +133,7 @@ TEST(LayPattern, OnlyWhatIsSeenIsMade)
 
 TEST(LayPattern, DenseAndSenselessPatternsAreOneDash)
 {
-    const AcGiLinetype dashed = pattern({2, -1});
+    const acgi::Linetype dashed = pattern({2, -1});
     const std::vector<QPointF> line{{0, 0}, {3e9, 0}};
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -177,19 +177,19 @@ TEST(ReadLinetype, TextsAndShapesStandInThePattern)
                                                  {49, -2.0},
                                                  {74, 0}});
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
-    const AcGiLinetype linetype = acgiReadLinetype(database->getAcDbObjectId({record}));
+    const acgi::Linetype linetype = acgi::readLinetype(database->getAcDbObjectId({record}));
     ASSERT_EQ(linetype.elements.size(), 4u);
     EXPECT_EQ(linetype.length, 9.0);
-    const AcGiPatternText &text = linetype.elements[1].text.value();
+    const acgi::PatternText &text = linetype.elements[1].text.value();
     EXPECT_EQ(text.text, "GAS");
     EXPECT_TRUE(text.upright);
     EXPECT_NEAR(text.rotation, kPi / 2, 1e-12);
     EXPECT_EQ(text.xOffset, -0.5);
-    EXPECT_TRUE(acgiPatternShape(text).empty());
-    const AcGiPatternText &box = linetype.elements[2].text.value();
+    EXPECT_TRUE(acgi::patternShape(text).empty());
+    const acgi::PatternText &box = linetype.elements[2].text.value();
     EXPECT_FALSE(box.upright);
-    ASSERT_EQ(acgiPatternShape(box).size(), 1u);
-    EXPECT_EQ(acgiPatternShape(box)[0].size(), 6u);
+    ASSERT_EQ(acgi::patternShape(box).size(), 1u);
+    EXPECT_EQ(acgi::patternShape(box)[0].size(), 6u);
 
     // 4 dash, 2 gap, text, 1 gap, shape, 2 gap; up the Y axis, half a dash at either end.
     const Recorder recorder = lay(linetype, {{0, 0}, {0, 9}});
@@ -217,12 +217,12 @@ TEST(ReadLinetype, OldFormAndSenselessRecords)
     const std::uint64_t layer = drawing.layer("NO LINETYPE");
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     const auto read = [&](std::uint64_t handle) {
-        return acgiReadLinetype(database->getAcDbObjectId({handle}));
+        return acgi::readLinetype(database->getAcDbObjectId({handle}));
     };
     EXPECT_EQ(read(old).elements.size(), 2u);
     EXPECT_EQ(read(old).length, 0.75);
     for (const std::uint64_t handle : senseless)
         EXPECT_TRUE(read(handle).isContinuous());
     EXPECT_TRUE(read(layer).isContinuous());
-    EXPECT_TRUE(acgiReadLinetype(AcDbObjectId()).isContinuous());
+    EXPECT_TRUE(acgi::readLinetype(AcDbObjectId()).isContinuous());
 }

@@ -1,6 +1,6 @@
 // Multi-line text as it is drawn: what its codes show, where it stands and how it breaks.
-#include "host/acgi/gidraw.h"
-#include "host/acgi/gimtext.h"
+#include "host/acgi/kinds/draw_entity.h"
+#include "host/acgi/text/mtext.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -21,13 +21,13 @@ namespace
 class RecordingSink : public AcGiGeometry
 {
 public:
-    struct Text : AcGiTextLine {
+    struct Text : acgi::TextLine {
         AcCmEntityColor color;
     };
     std::vector<Text> texts;
     std::vector<std::pair<AcGePoint3d, AcGePoint3d>> bars;
     std::vector<std::vector<AcGePoint3d>> frames;
-    std::vector<std::pair<AcGiLoop, AcCmEntityColor>> fills;
+    std::vector<std::pair<acgi::Loop, AcCmEntityColor>> fills;
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
@@ -36,9 +36,9 @@ public:
         else
             frames.emplace_back(points, points + count);
     }
-    void arc(const AcGiArc &) override {}
-    void fill(std::span<const AcGiLoop> loops) override { fills.emplace_back(loops.front(), color()); }
-    void text(const AcGiTextLine &line) override { texts.push_back({line, color()}); }
+    void arc(const acgi::Arc &) override {}
+    void fill(std::span<const acgi::Loop> loops) override { fills.emplace_back(loops.front(), color()); }
+    void text(const acgi::TextLine &line) override { texts.push_back({line, color()}); }
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override {}
 
     QStringList words() const
@@ -55,18 +55,18 @@ private:
 
 } // namespace
 
-static RecordingSink drawn(const AcGiMText &text)
+static RecordingSink drawn(const acgi::MText &text)
 {
     RecordingSink sink;
     sink.subEntityTraits().setColor(3);
-    acgiDrawMText(text, sink);
+    acgi::drawMText(text, sink);
     EXPECT_EQ(sink.subEntityTraits().traits().color, AcCmEntityColor::fromIndex(3));
     return sink;
 }
 
 static RecordingSink drawn(const QString &coded, double wrapWidth = 0.0)
 {
-    AcGiMText text;
+    acgi::MText text;
     text.coded = coded;
     text.wrapWidth = wrapWidth;
     return drawn(text);
@@ -74,10 +74,10 @@ static RecordingSink drawn(const QString &coded, double wrapWidth = 0.0)
 
 static double widthOf(QStringView text)
 {
-    return acgiDefaultFont().width(text);
+    return acgi::defaultFont().width(text);
 }
 
-static double endOf(const AcGiTextLine &line)
+static double endOf(const acgi::TextLine &line)
 {
     return line.position.x + line.direction.x * line.width;
 }
@@ -144,7 +144,7 @@ TEST(MText, StacksStandAboveEachOther)
     };
     const RecordingSink fraction = parts("\\S10/2;");
     ASSERT_EQ(fraction.bars.size(), 1u);
-    const AcGiTextLine &upper = fraction.texts[0], &lower = fraction.texts[1];
+    const acgi::TextLine &upper = fraction.texts[0], &lower = fraction.texts[1];
     EXPECT_NEAR(upper.up.y, 0.7, 1e-12);
     EXPECT_NEAR(lower.position.x - upper.position.x, 0.35 * widthOf(u"1"), 1e-9); // Centred.
     EXPECT_GT(fraction.bars[0].first.y, lower.position.y + 0.7);
@@ -200,13 +200,13 @@ TEST(MText, ParagraphsIndentTabAndAlign)
 TEST(MText, LineDistanceFollowsHeightsAndSpacing)
 {
     const auto rises = [](const QString &coded, double factor, bool exact) {
-        AcGiMText text;
+        acgi::MText text;
         text.coded = coded;
         text.height = 3.0;
         text.spacingFactor = factor;
         text.exactSpacing = exact;
         std::vector<double> y;
-        for (const AcGiTextLine &line : drawn(text).texts)
+        for (const acgi::TextLine &line : drawn(text).texts)
             y.push_back(line.position.y);
         return y;
     };
@@ -221,7 +221,7 @@ TEST(MText, LineDistanceFollowsHeightsAndSpacing)
 
 TEST(MText, FillsColumns)
 {
-    AcGiMText text;
+    acgi::MText text;
     text.coded = "a\\Pb\\Pc\\Pd\\Ne\\Pf";
     text.columns = 3;
     text.columnWidth = 10.0;
@@ -237,7 +237,7 @@ TEST(MText, FillsColumns)
 
 TEST(MText, MaskCoversTheWholeWidthFirst)
 {
-    AcGiMText text;
+    acgi::MText text;
     text.coded = "ab";
     text.attachment = 5;
     text.wrapWidth = 10.0;
@@ -249,7 +249,7 @@ TEST(MText, MaskCoversTheWholeWidthFirst)
     EXPECT_TRUE(sink.fills[0].first[0].isEqualTo({-5.5, -1.0, 0}));
     EXPECT_TRUE(sink.fills[0].first[2].isEqualTo({5.5, 1.0, 0}));
     EXPECT_EQ(sink.texts[0].color, AcCmEntityColor::fromIndex(3));
-    const AcGiMTextBox box = acgiMTextBox(text);
+    const acgi::MTextBox box = acgi::mtextBox(text);
     EXPECT_NEAR(box.high.x - box.low.x, widthOf(u"ab"), 1e-12);
     EXPECT_NEAR(box.low.y, -0.5, 1e-12);
 }
@@ -259,7 +259,7 @@ TEST(MText, EndlessNestingAndBreaksStayBounded)
     EXPECT_EQ(drawn(QString(100000, u'{') + "a" + QString(100000, u'}') + "b").texts.size(), 1u);
     EXPECT_EQ(drawn(QString("{\\H2x;").repeated(5000) + "a").texts.size(), 1u);
     EXPECT_EQ(drawn(QString("\\pt1,2,3;a\t").repeated(20000), 5.0).texts.size(), 20000u);
-    AcGiMText text;
+    acgi::MText text;
     text.coded = "a";
     text.height = 0.0;
     EXPECT_TRUE(drawn(text).texts.empty());
@@ -276,7 +276,7 @@ static RecordingSink drawnEntity(const char *kind, const Groups &groups)
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     const AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
     RecordingSink sink;
-    acgiDrawEntity(*entity, sink);
+    acgi::drawEntity(*entity, sink);
     return sink;
 }
 

@@ -1,10 +1,10 @@
 // Proxy graphics: bytes written by hand are drawn, what is drawn comes back from what was written, and broken
 // bytes end the drawing without harm.
-#include "host/acgi/giproxygraphics.h"
+#include "host/acgi/proxy/proxy_graphics.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gifont.h"
-#include "host/acgi/giworlddraw.h"
+#include "host/acgi/text/font.h"
+#include "host/acgi/world_draw.h"
 #include "host/base/byte_stream.h"
 
 #include "tests/support/memory_drawing.h"
@@ -32,7 +32,7 @@ protected:
         tests::Recorder recorder;
         recorder.withPen = true;
         const Figure entity;
-        EXPECT_EQ(acgiDrawProxyGraphics(base::asBytes(graphics), entity, recorder), expectWhole);
+        EXPECT_EQ(acgi::drawProxyGraphics(base::asBytes(graphics), entity, recorder), expectWhole);
         return recorder.lines;
     }
 };
@@ -90,14 +90,14 @@ TEST_F(ProxyGraphics, WhatIsWrittenIsDrawnAgain)
         context.subEntityTraits().setFillType(kAcGiFillNever);
         geometry.polygon(3, corners);
         geometry.circularArc({1, 0, 0}, {0, 1, 0}, {-1, 0, 0});
-        AcGiTextLine line;
+        acgi::TextLine line;
         line.text = QStringLiteral("甲7");
         line.position = {1, 2, 0};
         line.direction = {0, 2, 0};
         line.up = {-4, 0, 0};
         geometry.text(line);
     };
-    EXPECT_EQ(played(acgiMakeProxyGraphics(figure)),
+    EXPECT_EQ(played(acgi::makeProxyGraphics(figure)),
               QStringList({"3 fill [(0 0)(3 0)(3 2)]", "3 polyline (0 0) (3 0) (3 2) (0 0)",
                            "3 arc (0 0) from (1 0) to (-1 0) through (0 1)",
                            "3 text \"甲7\" at (1 2) along (0 2) up (-4 0)"}));
@@ -107,7 +107,7 @@ TEST_F(ProxyGraphics, NothingDrawnIsNothingWritten)
 {
     Figure figure;
     figure.draw = [](AcGiWorldDraw &) {};
-    EXPECT_TRUE(acgiMakeProxyGraphics(figure).isEmpty());
+    EXPECT_TRUE(acgi::makeProxyGraphics(figure).isEmpty());
 }
 
 TEST_F(ProxyGraphics, BrokenBytesEndTheDrawing)

@@ -1,7 +1,7 @@
 // Inside, crossing and under the pick box: true geometry against windows.
-#include "host/acgi/giregion.h"
+#include "host/acgi/query/region.h"
 
-#include "host/acgi/givisibility.h"
+#include "host/acgi/query/visibility.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gtest/gtest.h>
@@ -11,26 +11,26 @@ using tests::MemoryDrawing;
 
 enum Answer { outside, crossing, inside };
 
-static Answer answerFor(const MemoryDrawing &drawing, std::uint64_t handle, const AcGiWindow &window)
+static Answer answerFor(const MemoryDrawing &drawing, std::uint64_t handle, const acgi::Window &window)
 {
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
     AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
-    const bool crosses = acgiCrossesWindow(*entity, window);
-    const bool within = acgiInsideWindow(*entity, window);
+    const bool crosses = acgi::crosses(*entity, window);
+    const bool within = acgi::liesInside(*entity, window);
     EXPECT_TRUE(crosses || !within);
     return within ? inside : crosses ? crossing : outside;
 }
 
-static AcGiWindow window(double left, double bottom, double right, double top)
+static acgi::Window window(double left, double bottom, double right, double top)
 {
-    return AcGiWindow::fromCorners({left, bottom, 0}, {right, top, 0});
+    return acgi::Window::fromCorners({left, bottom, 0}, {right, top, 0});
 }
 
 struct RegionRow {
     const char *name;
     const char *kind;
     Groups groups;
-    AcGiWindow window;
+    acgi::Window window;
     Answer answer;
 };
 
@@ -76,7 +76,7 @@ static const Groups kRing{{100, "AcDbHatch"},
                           {97, 0},
                           {75, 0}};
 /// Turned by 45 degrees: a diamond of half diagonal 4 around (5 5).
-static const AcGiWindow kDiamond = AcGiWindow::fromCorners({1, 5, 0}, {9, 5, 0}, kGePi / 4);
+static const acgi::Window kDiamond = acgi::Window::fromCorners({1, 5, 0}, {9, 5, 0}, kGePi / 4);
 
 INSTANTIATE_TEST_SUITE_P(
     Windows, Region,
@@ -164,10 +164,10 @@ TEST(Visibility, GoesByLayerAndSwitch)
     for (const auto &row : rows)
         handles.push_back(drawing.entity("POINT", row.first));
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
-    AcGiVisibility visibility;
+    acgi::Visibility visibility;
     for (std::size_t i = 0; i < handles.size(); ++i) {
         AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handles[i]}), AcDb::kForRead);
-        EXPECT_EQ(acgiIsVisible(*entity), rows[i].second) << i;
+        EXPECT_EQ(acgi::isVisible(*entity), rows[i].second) << i;
         EXPECT_EQ(visibility.isVisible(*entity), rows[i].second) << i;
     }
 }

@@ -1,8 +1,8 @@
 // The index finds what looking at every entity finds, before and after changes.
-#include "host/acgi/gispatialindex.h"
+#include "host/acgi/query/spatial_index.h"
 
 #include "host/acdb/dbundo.h"
-#include "host/acgi/giread.h"
+#include "host/acgi/entity_groups.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ protected:
         database = drawing.open();
         space = database->modelSpaceId();
     }
-    AcGiSpatialIndex &index() { return acgiSpatialIndex(*database); }
+    acgi::SpatialIndex &index() { return acgi::spatialIndexOf(*database); }
     AcDbObjectId id(std::uint64_t handle) const { return database->getAcDbObjectId({handle}); }
     Handles near(double x, double y) { return handlesOf(index().atPoint(space, {x, y, 0}, 0.5)); }
 
@@ -68,14 +68,14 @@ TEST_F(SpatialIndex, AgreesWithLookingAtEverything)
     for (int i = 0; i < 100; ++i) {
         const AcGePoint3d one(place(random), place(random), 0);
         const AcGePoint3d other = one + AcGeVector3d(size(random) * 4, size(random) * 4, 0);
-        const AcGiWindow window = AcGiWindow::fromCorners(one, other, i % 3 == 0 ? 0.0 : 0.4);
+        const acgi::Window window = acgi::Window::fromCorners(one, other, i % 3 == 0 ? 0.0 : 0.4);
         Handles expectedInside;
         Handles expectedCrossing;
         for (const std::uint32_t entity : database->blockContents(space)->entities) {
             readEntity(AcDbObjectId(database->stub(entity)), [&](const AcDbEntity &e) {
-                if (acgiInsideWindow(e, window))
+                if (acgi::liesInside(e, window))
                     expectedInside.push_back(e.handle().value);
-                if (acgiCrossesWindow(e, window))
+                if (acgi::crosses(e, window))
                     expectedCrossing.push_back(e.handle().value);
             });
         }

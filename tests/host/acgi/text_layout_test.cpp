@@ -1,6 +1,6 @@
 // Codes of one-line text and the lines along it, fonts and text styles.
-#include "host/acgi/gitextlayout.h"
-#include "host/acgi/gitextstyle.h"
+#include "host/acgi/text/text_layout.h"
+#include "host/acgi/text/text_style.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -39,32 +39,32 @@ TEST(TextLayout, LinesRunAlongTheirPartOfTheText)
     EXPECT_EQ(rules[1].to, 5);
 }
 
-static AcGiFontRequest file(const QString &name, const QString &bigFont = {})
+static acgi::FontRequest file(const QString &name, const QString &bigFont = {})
 {
     return {name, bigFont, {}, false, false};
 }
 
-static AcGiFontRequest typeface(const QString &name, bool bold = false, bool italic = false)
+static acgi::FontRequest typeface(const QString &name, bool bold = false, bool italic = false)
 {
     return {{}, {}, name, bold, italic};
 }
 
-static QRectF outlineOf(const AcGiFont &font, const QString &text)
+static QRectF outlineOf(const acgi::Font &font, const QString &text)
 {
-    std::vector<AcGiPlacedGlyph> glyphs;
+    std::vector<acgi::PlacedGlyph> glyphs;
     font.layOut(text, glyphs);
     QRectF all;
-    for (const AcGiPlacedGlyph &glyph : glyphs)
+    for (const acgi::PlacedGlyph &glyph : glyphs)
         all |= glyph.glyph->outline.boundingRect().translated(glyph.x, 0.0);
     return all;
 }
 
 TEST(Fonts, CapitalLettersAreOneHighAndStandOnTheBaseLine)
 {
-    const AcGiFontRequest rows[] = {
+    const acgi::FontRequest rows[] = {
         {}, file("simsun.ttc"), typeface("Times New Roman", true, true), file("monotxt.shx")};
-    for (const AcGiFontRequest &request : rows) {
-        const AcGiFont &font = acgiFont(request);
+    for (const acgi::FontRequest &request : rows) {
+        const acgi::Font &font = acgi::findFont(request);
         EXPECT_TRUE(font.isFound());
         const QRectF capitals = outlineOf(font, "HEH");
         EXPECT_NEAR(capitals.top(), 0.0, 1e-6);
@@ -75,14 +75,14 @@ TEST(Fonts, CapitalLettersAreOneHighAndStandOnTheBaseLine)
 
 TEST(Fonts, MeasureAndLayOutAlike)
 {
-    const AcGiFont &font = acgiDefaultFont();
+    const acgi::Font &font = acgi::defaultFont();
     const QString text =
         QString("Room 5\t") + QChar(0x5BA4) + QChar(0x2205) + QString::fromUcs4(U"\U00020000", 1);
-    std::vector<AcGiPlacedGlyph> glyphs;
+    std::vector<acgi::PlacedGlyph> glyphs;
     font.layOut(text, glyphs);
     ASSERT_EQ(glyphs.size(), 10u); // The surrogate pair is one character.
     EXPECT_DOUBLE_EQ(font.width(text), glyphs.back().x + glyphs.back().glyph->advance);
-    for (const AcGiPlacedGlyph &glyph : glyphs)
+    for (const acgi::PlacedGlyph &glyph : glyphs)
         EXPECT_GT(glyph.glyph->advance, 0.1);
     EXPECT_EQ(glyphs[8].face, nullptr); // The diameter sign is drawn by us,
     EXPECT_FALSE(glyphs[8].glyph->outline.isEmpty());
@@ -91,14 +91,17 @@ TEST(Fonts, MeasureAndLayOutAlike)
 
 TEST(Fonts, AreFoundByTheTable)
 {
-    const auto width = [](const AcGiFontRequest &request) { return acgiFont(request).width(u"Width mi"); };
-    const auto isFound = [](const AcGiFontRequest &request) { return acgiFont(request).isFound(); };
-    const double sans = acgiDefaultFont().width(u"Width mi");
+    const auto width = [](const acgi::FontRequest &request) {
+        return acgi::findFont(request).width(u"Width mi");
+    };
+    const auto isFound = [](const acgi::FontRequest &request) { return acgi::findFont(request).isFound(); };
+    const double sans = acgi::defaultFont().width(u"Width mi");
     EXPECT_EQ(width(file("C:\\Fonts\\TXT.SHX", "gbcbig")), sans);
     EXPECT_EQ(width(typeface("ARIAL")), sans);
     EXPECT_NE(width(file("times.ttf")), sans);
     EXPECT_EQ(width(file("times.ttf")), width(typeface("Times New Roman")));
-    EXPECT_EQ(acgiFont(typeface("Courier New")).width(u"i"), acgiFont(typeface("Courier New")).width(u"m"));
+    EXPECT_EQ(acgi::findFont(typeface("Courier New")).width(u"i"),
+              acgi::findFont(typeface("Courier New")).width(u"m"));
     EXPECT_EQ(width(file("arialbd.ttf")), width(typeface("Arial", true)));
     EXPECT_NE(width(file("arialbd.ttf")), sans);
     EXPECT_TRUE(isFound(file("somebody's own.shx")));
@@ -106,8 +109,9 @@ TEST(Fonts, AreFoundByTheTable)
     EXPECT_FALSE(isFound(typeface("Nobody's Typeface")));
     EXPECT_FALSE(isFound(file("nobody.ttf")));
     // Letters of a tolerance font stand for symbols.
-    EXPECT_EQ(outlineOf(acgiFont(file("gdt")), "n"), outlineOf(acgiDefaultFont(), QString(QChar(0x2205))));
-    EXPECT_EQ(&acgiFont(typeface("Arial")), &acgiFont(typeface("Arial")));
+    EXPECT_EQ(outlineOf(acgi::findFont(file("gdt")), "n"),
+              outlineOf(acgi::defaultFont(), QString(QChar(0x2205))));
+    EXPECT_EQ(&acgi::findFont(typeface("Arial")), &acgi::findFont(typeface("Arial")));
 }
 
 TEST(TextStyle, ComesFromItsRecord)
@@ -126,8 +130,8 @@ TEST(TextStyle, ComesFromItsRecord)
                     {1000, "Courier New"},
                     {1071, 0x2000022}});
     const std::unique_ptr<AcDbDatabase> database = drawing.open();
-    const AcGiTextStyle style = acgiTextStyle(*database, "NOTES");
-    EXPECT_EQ(style.fontRequest(), (AcGiFontRequest{"arial.ttf", "gbcbig", "Courier New", true, false}));
+    const AcGiTextStyle style = acgi::namedTextStyle(*database, "NOTES");
+    EXPECT_EQ(style.fontRequest(), (acgi::FontRequest{"arial.ttf", "gbcbig", "Courier New", true, false}));
     EXPECT_EQ(style.textSize(), 2.5);
     EXPECT_NEAR(style.obliquingAngle(), kGePi / 12, 1e-12);
     EXPECT_TRUE(style.isVertical() && style.isBackward() && style.isUpsideDown());
@@ -136,7 +140,7 @@ TEST(TextStyle, ComesFromItsRecord)
     EXPECT_EQ(size.y, 2.5);
     EXPECT_GT(style.extents("a%%d", true).x, size.x);
 
-    AcGiTextStyle fallback = acgiTextStyle(*database, "missing");
+    AcGiTextStyle fallback = acgi::namedTextStyle(*database, "missing");
     EXPECT_EQ(fallback.fontRequest().fontFile, "txt");
     EXPECT_EQ(fallback.loadStyleRec(), 0);
     fallback.setFont("Nobody's Typeface", false, false);

@@ -1,8 +1,8 @@
 // What a transformed entity draws is what the entity drew, transformed: kind by kind, matrix by matrix.
 #include "host/acdb/dbtransform.h"
 #include "host/acge/geextents.h"
-#include "host/acgi/gidraw.h"
-#include "host/acgi/giread.h"
+#include "host/acgi/entity_groups.h"
+#include "host/acgi/kinds/draw_entity.h"
 
 #include "tests/support/memory_drawing.h"
 
@@ -17,26 +17,26 @@ using tests::MemoryDrawing;
 class Recorder : public AcGiGeometry
 {
 public:
-    std::vector<AcGiLoop> chains;
-    std::vector<AcGiLoop> areas;
-    std::vector<AcGiArc> arcs;
+    std::vector<acgi::Loop> chains;
+    std::vector<acgi::Loop> areas;
+    std::vector<acgi::Arc> arcs;
     std::vector<std::pair<AcGePoint3d, AcGeVector3d>> rays;
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
-        AcGiLoop &chain = chains.emplace_back();
+        acgi::Loop &chain = chains.emplace_back();
         for (std::uint32_t i = 0; i < count; ++i)
             chain.push_back(toWorld(points[i]));
     }
-    void arc(const AcGiArc &arc) override { arcs.push_back(toWorld(arc)); }
-    void fill(std::span<const AcGiLoop> loops) override
+    void arc(const acgi::Arc &arc) override { arcs.push_back(toWorld(arc)); }
+    void fill(std::span<const acgi::Loop> loops) override
     {
-        for (const AcGiLoop &loop : loops) {
+        for (const acgi::Loop &loop : loops) {
             for (AcGePoint3d &point : areas.emplace_back(loop))
                 point = toWorld(point);
         }
     }
-    void text(const AcGiTextLine &line) override
+    void text(const acgi::TextLine &line) override
     {
         const AcGePoint3d frame[] = {line.position, line.position + line.direction * line.width,
                                      line.position + line.up};
@@ -55,7 +55,7 @@ static void expectNear(const AcGePoint3d &a, const AcGePoint3d &b)
 }
 
 /// The same curve, whichever way round and from whichever point of a whole circle.
-static void expectSameArc(const AcGiArc &arc, const AcGiArc &expected)
+static void expectSameArc(const acgi::Arc &arc, const acgi::Arc &expected)
 {
     std::vector<AcGePoint3d> points;
     std::vector<AcGePoint3d> expectedPoints;
@@ -80,7 +80,7 @@ static void expectSameArc(const AcGiArc &arc, const AcGiArc &expected)
 }
 
 /// The same closed line, whose curves may be sampled at other points.
-static void expectSameArea(const AcGiLoop &loop, const AcGiLoop &expected)
+static void expectSameArea(const acgi::Loop &loop, const acgi::Loop &expected)
 {
     constexpr double kSampling = 0.02;
     for (const AcGePoint3d &point : loop) {
@@ -135,7 +135,7 @@ static void transform(AcDbObjectId id, const AcGeMatrix3d &matrix)
 static Recorder record(AcDbObjectId id)
 {
     Recorder drawn;
-    readEntity(id, [&](const AcDbEntity &entity) { EXPECT_TRUE(acgiDrawEntity(entity, drawn)); });
+    readEntity(id, [&](const AcDbEntity &entity) { EXPECT_TRUE(acgi::drawEntity(entity, drawn)); });
     return drawn;
 }
 
@@ -147,7 +147,7 @@ static void compare(const Recorder &before, const Recorder &after, const AcGeMat
     ASSERT_EQ(after.rays.size(), before.rays.size());
     EXPECT_FALSE(before.chains.empty() && before.arcs.empty() && before.areas.empty() && before.rays.empty());
     for (std::size_t i = 0; i < before.areas.size(); ++i) {
-        AcGiLoop expected = before.areas[i];
+        acgi::Loop expected = before.areas[i];
         for (AcGePoint3d &point : expected)
             point.transformBy(matrix);
         expectSameArea(after.areas[i], expected);

@@ -16,7 +16,7 @@
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 #include "tests/support/whole_drawing.h"
@@ -27,7 +27,7 @@ struct AuthoringTest : testing::Test {
     AuthoringTest()
     {
         registerCommands();
-        acgiInstall();
+        acgi::install();
         acedRegisterHostCommands();
         registerMarkClass();
         createDocumentRegistry();

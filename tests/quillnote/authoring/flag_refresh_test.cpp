@@ -5,7 +5,7 @@
 
 #include "host/aced/edview.h"
 #include "host/aced/edwinmsg.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 #include "host/os/clock.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
@@ -29,7 +29,7 @@ struct FlagRefreshTest : AuthoringTest {
         QImage image(64, 40, QImage::Format_RGB32);
         QPainter painter(&image);
         const AcGiViewport view = acedGiViewport(document.view(), false);
-        acgiDisplay(*document.database()).paint(document.database()->modelSpaceId(), view, painter, {});
+        acgi::displayOf(*document.database()).paint(document.database()->modelSpaceId(), view, painter, {});
     }
     /// True when the message had the drawn marks gone through: ids of what is gone are forgotten then.
     static bool refreshes(int message, quintptr window, std::int64_t clock)

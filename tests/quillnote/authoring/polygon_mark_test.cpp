@@ -8,7 +8,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
-#include "host/acgi/gidisplay.h"
+#include "host/acgi/display/display.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
 #include <QPainter>
@@ -69,9 +69,9 @@ private:
         const QImage empty = image;
         QPainter painter(&image);
         const AcGiViewport view{.centre = {50, 50, 0}, .height = 200, .pixelWidth = 200, .pixelHeight = 200};
-        AcGiPaintOptions options;
+        acgi::PaintOptions options;
         options.fillBackground = false;
-        acgiDisplay(*acdbCurDwg()).paintTransients(shown, view, painter, options);
+        acgi::displayOf(*acdbCurDwg()).paintTransients(shown, view, painter, options);
         isPainted = image != empty;
     }
 };

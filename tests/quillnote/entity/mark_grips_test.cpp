@@ -8,7 +8,7 @@
 #include "quillnote/entity/password.h"
 
 #include "host/acdb/dbtransient.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "tests/quillnote/entity/mark_streams.h"
 #include "tests/support/memory_drawing.h"
 
@@ -227,7 +227,7 @@ class MarkGripEntity : public testing::Test
 protected:
     MarkGripEntity()
     {
-        acgiInstall();
+        acgi::install();
         registerMarkClass();
         passwordState().reset();
         setPasswordPrompt([this] {

@@ -124,7 +124,7 @@ TEST(Wave, ThickBumpsAreElevenPiecesAndThinOnesOneArc)
     ASSERT_EQ(recorder.lines.size(), 2);
     EXPECT_TRUE(recorder.lines[1].contains(QStringLiteral("from (1 0) to (2 0)")))
         << qPrintable(recorder.lines[1]);
-    const auto second = acgiArcThrough(bumps[1].a, waveMiddle(bumps[1]), bumps[1].b);
+    const auto second = acgi::arcThrough(bumps[1].a, waveMiddle(bumps[1]), bumps[1].b);
     recorder.arc(*second);
     EXPECT_EQ(recorder.lines[2], recorder.lines[1]);
 }

@@ -12,7 +12,7 @@
 #include "host/aced/edinput.h"
 #include "host/aced/edspace.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "host/os/shell.h"
 #include "tests/support/files.h"
 #include "tests/support/golden.h"
@@ -24,7 +24,7 @@
 struct ReportsTest : testing::Test {
     ReportsTest()
     {
-        acgiInstall();
+        acgi::install();
         acedRegisterHostCommands();
         registerMarkClass();
         settings::setText(u"name", u"王工");

@@ -11,7 +11,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 
@@ -24,7 +24,7 @@
 struct CaptureTest : testing::Test {
     CaptureTest()
     {
-        acgiInstall();
+        acgi::install();
         acedRegisterHostCommands();
         registerMarkClass();
         startUpSettings().reset();

@@ -4,7 +4,7 @@
 #include "quillnote/snapshot/fingerprint.h"
 
 #include "host/acdb/dbsymtb.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 
@@ -54,7 +54,7 @@ static MarkCorners box(const AcGePoint3d &low, const AcGePoint3d &high)
 struct FingerprintTest : testing::Test {
     FingerprintTest()
     {
-        acgiInstall();
+        acgi::install();
         registerMarkClass();
         tests::MemoryDrawing memory;
         memory.layer("FROZEN", {.flags = 1});

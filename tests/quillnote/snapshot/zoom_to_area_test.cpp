@@ -2,7 +2,7 @@
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/snapshot/zoom_to_area.h"
 
-#include "host/acgi/gidraw.h"
+#include "host/acgi/kinds/draw_entity.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 

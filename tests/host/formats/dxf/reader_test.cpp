@@ -37,25 +37,25 @@ TEST(DxfReader, FindsTheObjectsOfEveryForm)
     const struct {
         const char *form;
         QByteArray bytes;
-        DrawingFormat format;
+        DrawingForm format;
     } forms[] = {
-        {"CR LF", dxfText(groups), DrawingFormat::dxfText},
-        {"LF, narrow codes", dxfText(groups, "\n", 0), DrawingFormat::dxfText},
-        {"CR", dxfText(groups, "\r"), DrawingFormat::dxfText},
-        {"byte-order mark", "\xef\xbb\xbf" + dxfText(groups), DrawingFormat::dxfText},
-        {"no last line end", dxfText(groups, "\n").chopped(1), DrawingFormat::dxfText},
+        {"CR LF", dxfText(groups), DrawingForm::dxfText},
+        {"LF, narrow codes", dxfText(groups, "\n", 0), DrawingForm::dxfText},
+        {"CR", dxfText(groups, "\r"), DrawingForm::dxfText},
+        {"byte-order mark", "\xef\xbb\xbf" + dxfText(groups), DrawingForm::dxfText},
+        {"no last line end", dxfText(groups, "\n").chopped(1), DrawingForm::dxfText},
         {"comments",
          dxfText("999 made by hand|" + QByteArray(groups).replace("|0 ENDSEC", "|999 here|0 ENDSEC")),
-         DrawingFormat::dxfText},
-        {"blanks behind EOF", dxfText(groups) + "\r\n \x1a", DrawingFormat::dxfText},
-        {"binary", dxfBinary(groups), DrawingFormat::dxfBinary},
+         DrawingForm::dxfText},
+        {"blanks behind EOF", dxfText(groups) + "\r\n \x1a", DrawingForm::dxfText},
+        {"binary", dxfBinary(groups), DrawingForm::dxfBinary},
     };
     for (const auto &form : forms) {
         SCOPED_TRACE(form.form);
         const auto database = openDxf(form.bytes);
         EXPECT_EQ(objectList(*database), kSmallDrawingObjects);
         EXPECT_THAT(database->repairs(), testing::IsEmpty());
-        EXPECT_EQ(database->source()->format(), form.format);
+        EXPECT_EQ(database->source()->form(), form.format);
         EXPECT_EQ(database->version(), DrawingVersion::r2000);
     }
 }

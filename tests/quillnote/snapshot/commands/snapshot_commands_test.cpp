@@ -14,7 +14,7 @@
 
 #include "host/aced/edspace.h"
 #include "host/aced/hostcommands.h"
-#include "host/acgi/gidraw.h"
+#include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 
@@ -25,7 +25,7 @@ static const QString kOk = QStringLiteral("ok");
 struct SnapshotCommandsTest : testing::Test {
     SnapshotCommandsTest()
     {
-        acgiInstall();
+        acgi::install();
         acedRegisterHostCommands();
         registerMarkClass();
         passwordState().reset();

@@ -1,0 +1,271 @@
+// Drawing of multi-line text entities.
+#include "host/acgi/kinds/draw_mtext.h"
+
+#include "host/acdb/dbtransform.h"
+#include "host/acgi/kinds/draw_tools.h"
+#include "host/acgi/kinds/kinds.h"
+
+#include <algorithm>
+
+namespace acgi
+{
+
+using GroupSpan = std::span<const resbuf>;
+
+/// What follows the mark of an embedded object (101), up to the extended data.
+static GroupSpan embeddedGroups(const AcDbEntity &entity)
+{
+    const ResbufList &groups = entity.groups();
+    const GroupSpan own = GroupSpan(groups).first(extendedDataBegin(groups));
+    const auto mark = std::ranges::find(own, 101, &resbuf::restype);
+    return mark == own.end() ? GroupSpan() : own.subspan(std::size_t(mark - own.begin()) + 1);
+}
+
+namespace
+{
+
+/// Groups as the text of an MTEXT has them, wherever it is stored.
+class MTextGroups
+{
+public:
+    explicit MTextGroups(GroupSpan groups, const AcDbDatabase *database) : m_groups(groups)
+    {
+        for (const resbuf &group : groups)
+            read(group);
+        if (database)
+            m_text.style = namedTextStyle(*database, m_style);
+        m_text.along = direction();
+        if (!(m_text.height > 0.0))
+            m_text.height = m_text.style.textSize();
+        readMask();
+        readColumns();
+    }
+
+    MText &text() { return m_text; }
+
+private:
+    void read(const resbuf &group);
+    AcGeVector3d direction() const;
+    void readMask();
+    void readColumns();
+    const resbuf *find(int code) const
+    {
+        const auto found = std::ranges::find(m_groups, code, &resbuf::restype);
+        return found == m_groups.end() ? nullptr : &*found;
+    }
+
+    GroupSpan m_groups;
+    MText m_text;
+    QString m_style;
+    AcGeVector3d m_direction; ///< None: not stated.
+    std::optional<double> m_rotation;
+    bool m_inColumns = false; ///< Behind group 75, where 50 is a height.
+};
+
+/// How the columns of a text are stored, in its own groups or in an embedded object.
+struct Columns {
+    enum Type { none, fixed, dynamic };
+    std::int64_t type = none;
+    std::int64_t count = 0;
+    bool autoHeight = false;
+    double width = 0.0;
+    double gap = 0.0;
+    double height = 0.0;
+    std::vector<double> heights;
+
+    void applyTo(MText &text) const
+    {
+        if (type != fixed && type != dynamic)
+            return;
+        constexpr std::int64_t kMost = 1000;
+        if (width > 0.0)
+            text.wrapWidth = text.columnWidth = width;
+        text.columnGap = std::max(gap, 0.0);
+        text.columnHeights = heights;
+        if (text.columnHeights.empty() && height > 0.0)
+            text.columnHeights = {height};
+        // As many as the text needs.
+        const bool open = type == dynamic && autoHeight && !text.columnHeights.empty();
+        text.columns = int(open ? kMost : std::clamp<std::int64_t>(count, 1, kMost));
+    }
+};
+
+} // namespace
+
+void MTextGroups::read(const resbuf &group)
+{
+    switch (group.restype) {
+    case 1:
+    case 3:
+        m_text.coded += group.text();
+        break;
+    case 7:
+        m_style = group.text();
+        break;
+    case 10:
+        m_text.position = group.point();
+        break;
+    case 11:
+        m_direction = group.point().asVector().normal();
+        m_rotation.reset();
+        break;
+    case 40:
+        m_text.height = group.real();
+        break;
+    case 41:
+        m_text.wrapWidth = std::max(group.real(), 0.0);
+        break;
+    case 44:
+        m_text.spacingFactor = group.real() > 0.0 ? group.real() : 1.0;
+        break;
+    case 50:
+        if (!m_inColumns) {
+            m_rotation = radians(group.real());
+        }
+        break;
+    case 71:
+        m_text.attachment = int(std::clamp<std::int64_t>(group.integer(), 1, 9));
+        break;
+    case 72: {
+        constexpr std::int64_t kTopToBottom = 3;
+        m_text.vertical = group.integer() == kTopToBottom;
+        break;
+    }
+    case 73:
+        m_text.exactSpacing = group.integer() == 2;
+        break;
+    case 75:
+        m_inColumns = true;
+        break;
+    case 210:
+        if (!group.point().asVector().isZeroLength())
+            m_text.normal = group.point().asVector().normal();
+        break;
+    default:
+        break;
+    }
+}
+
+/// The later of direction and rotation holds.
+AcGeVector3d MTextGroups::direction() const
+{
+    if (!m_rotation)
+        return m_direction.isZeroLength() ? acdbUnstatedTextDirection(m_text.normal) : m_direction;
+    const AcGeVector3d right = AcGeMatrix3d::planeToWorld(m_text.normal) * AcGeVector3d::kXAxis;
+    return right.rotateBy(*m_rotation, m_text.normal);
+}
+
+void MTextGroups::readMask()
+{
+    enum Flag { kFill = 1, kBackground = 2, kFrame = 16 };
+    const resbuf *const flags = find(90);
+    if (!flags)
+        return;
+    m_text.hasFrame = flags->integer() & kFrame;
+    const resbuf *const factor = find(45);
+    const double enlarged = factor && factor->real() >= 1.0 ? std::min(factor->real(), 100.0) : 1.5;
+    if (flags->integer() & kFill)
+        m_text.maskFactor = enlarged;
+    if (flags->integer() & kBackground)
+        return;
+    if (const resbuf *const rgb = find(421))
+        m_text.maskColor = AcCmEntityColor::fromRgb(std::uint32_t(rgb->integer()));
+    else if (const resbuf *const index = find(63))
+        m_text.maskColor =
+            AcCmEntityColor::fromIndex(int(std::clamp<std::int64_t>(index->integer(), 0, 256)));
+}
+
+void MTextGroups::readColumns()
+{
+    Columns columns;
+    for (const resbuf &group : m_groups) {
+        if (group.restype == 75)
+            columns.type = group.integer();
+        else if (group.restype == 76)
+            columns.count = group.integer();
+        else if (group.restype == 79)
+            columns.autoHeight = group.integer() != 0;
+        else if (group.restype == 48)
+            columns.width = group.real();
+        else if (group.restype == 49)
+            columns.gap = group.real();
+        else if (group.restype == 46)
+            columns.height = group.real();
+        else if (group.restype == 50 && columns.type != Columns::none)
+            columns.heights.push_back(group.real());
+    }
+    columns.applyTo(m_text);
+}
+
+/// Newer files keep the columns in an embedded object.
+static void readEmbeddedColumns(GroupSpan groups, MText &text)
+{
+    Columns columns;
+    for (const resbuf &group : groups) {
+        if (group.restype == 71)
+            columns.type = group.integer();
+        else if (group.restype == 72)
+            columns.count = group.integer();
+        else if (group.restype == 73)
+            columns.autoHeight = group.integer() != 0;
+        else if (group.restype == 44)
+            columns.width = group.real();
+        else if (group.restype == 45)
+            columns.gap = group.real();
+        else if (group.restype == 41)
+            columns.height = group.real();
+        else if (group.restype == 46)
+            columns.heights.push_back(group.real());
+    }
+    columns.applyTo(text);
+}
+
+std::optional<MText> embeddedMText(const AcDbEntity &entity)
+{
+    const GroupSpan groups = embeddedGroups(entity);
+    if (groups.empty())
+        return std::nullopt;
+    MText text = MTextGroups(groups, entity.database()).text();
+    if (text.coded.isEmpty())
+        return std::nullopt;
+    return text;
+}
+
+/// Files of 2000 to 2013 keep the columns in extended data, and the texts of the second and later ones in
+/// entities of their own. What stands here is the first column; only its width is not that of the whole.
+static void readExtendedColumns(const AcDbEntity &entity, MText &text)
+{
+    constexpr std::int64_t kType = 75;
+    constexpr std::int64_t kWidth = 48;
+    bool inside = false;
+    std::int64_t key = 0; // Each value stands behind the code that it has in newer files.
+    std::int64_t type = 0;
+    double width = 0.0;
+    for (const resbuf &group : entity.xData(QStringLiteral("ACAD"))) {
+        if (group.restype == 1000) {
+            inside = group.text() == u"ACAD_MTEXT_COLUMN_INFO_BEGIN";
+            key = 0;
+        } else if (inside && key == 0 && group.restype == 1070) {
+            key = group.integer();
+        } else if (inside) {
+            if (key == kType)
+                type = group.integer();
+            else if (key == kWidth && group.restype == 1040)
+                width = group.real();
+            key = 0;
+        }
+    }
+    if ((type == Columns::fixed || type == Columns::dynamic) && width > 0.0)
+        text.wrapWidth = width;
+}
+
+void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    const EntityGroups groups(entity, u"AcDbMText");
+    MText text = MTextGroups(GroupSpan(groups.begin(), groups.end()), entity.database()).text();
+    readExtendedColumns(entity, text);
+    readEmbeddedColumns(embeddedGroups(entity), text);
+    drawMText(text, sink);
+}
+
+} // namespace acgi

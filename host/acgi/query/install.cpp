@@ -1,0 +1,16 @@
+#include "host/acgi/query/install.h"
+
+#include "host/acgi/proxy/proxy_graphics.h"
+#include "host/acgi/query/extents.h"
+
+namespace acgi
+{
+
+void install()
+{
+    acdbSetNativeExtents(
+        [](const AcDbEntity &entity, AcDbExtents &extents) { return extentsOf(entity, extents); });
+    acdbSetProxyGraphics(makeProxyGraphics);
+}
+
+} // namespace acgi

@@ -1,0 +1,69 @@
+// Where the entities of a drawing are: an R-tree of their extents for each space, built on first use and
+// kept up by changes. Questions cost what they touch, not what the drawing holds.
+#pragma once
+
+#include "host/acgi/query/extents.h"
+#include "host/acgi/query/region.h"
+
+#include <memory>
+
+namespace acgi
+{
+
+/// The index of one drawing; see spatialIndexOf(). Results are in drawing order: the newest entity,
+/// which lies on top, comes last. Erased entities are never found.
+class SpatialIndex
+{
+public:
+    ~SpatialIndex();
+    SpatialIndex(const SpatialIndex &) = delete;
+    SpatialIndex &operator=(const SpatialIndex &) = delete;
+
+    /// Works on the index of the space for about so long. True when it is ready; until then every question
+    /// about the space first has to finish it.
+    bool prepare(AcDbObjectId blockRecord, int milliseconds);
+
+    /// Entities of the space whose box meets `box` in x and y, visible or not. Boxes of turned inserts may be
+    /// larger than what they show. Entities with lines without end are always among them; entities without
+    /// extents never are.
+    std::vector<AcDbObjectId> query(AcDbObjectId blockRecord, const AcDbExtents &box);
+
+    /// Entities that liesInside() and crosses() say yes to, as far as they are
+    /// visible: neither switched off nor on a layer that is off or frozen.
+    std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const Window &window);
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window);
+    /// At a point also what custom entities show beside their extents in the view on the screen, such as
+    /// flags.
+    std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
+
+    /// The box around all entities of the space; not valid when none has extents.
+    AcDbExtents extents(AcDbObjectId blockRecord);
+    /// The visible custom entities of the space, which may show more than their extents.
+    std::vector<AcDbObjectId> customEntities(AcDbObjectId blockRecord);
+    /// Entities that no box or window can find: kinds that draw nothing, empty inserts.
+    std::vector<AcDbObjectId> withoutExtents(AcDbObjectId blockRecord);
+
+private:
+    friend SpatialIndex &spatialIndexOf(AcDbDatabase &database);
+    class Space;
+    class Keeper;
+    struct Found;
+    class EntityLayers;
+
+    explicit SpatialIndex(AcDbDatabase &database);
+    Space &space(AcDbObjectId blockRecord);
+    std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
+    void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
+    void noteChange(const AcDbObject &object);
+
+    AcDbDatabase &m_database;
+    BlockExtents m_blocks;
+    std::unique_ptr<EntityLayers> m_layers;
+    std::unordered_map<AcDbObjectId, std::unique_ptr<Space>> m_spaces;
+    std::unique_ptr<Keeper> m_keeper;
+};
+
+/// The index of a drawing, made when first asked for; it ends with the drawing.
+SpatialIndex &spatialIndexOf(AcDbDatabase &database);
+
+} // namespace acgi
