@@ -166,8 +166,7 @@ Pen Pens::pen(const Traits &traits, const Pen *shower) const
     if (traits.lineWeight == -2)
         pen.width = shower ? shower->width : width(-3, traits.alwaysWide);
     else
-        pen.width =
-            width(traits.lineWeight == -1 ? layer.lineWeight : traits.lineWeight, traits.alwaysWide);
+        pen.width = width(traits.lineWeight == -1 ? layer.lineWeight : traits.lineWeight, traits.alwaysWide);
 
     if (traits.linetypeBy == Stated::byBlock)
         pen.linetype = shower ? shower->linetype : nullptr;

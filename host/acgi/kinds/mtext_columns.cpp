@@ -23,8 +23,8 @@ struct ColumnData {
 
 constexpr std::string_view kOthers = "ACAD_MTEXT_COLUMNS_BEGIN";
 
-/// The columns of one drawing, by the text that fills each but the first; kept up by changes. Columns of texts that were
-/// erased stay: what is left of them is as wide as it was.
+/// The columns of one drawing, by the text that fills each but the first; kept up by changes. Columns of
+/// texts that were erased stay: what is left of them is as wide as it was.
 class LinkedColumns : public AcDbDatabaseReactor
 {
 public:
@@ -75,9 +75,9 @@ static ColumnData readColumnData(const AcDbEntity &mtext)
     for (const resbuf &group : mtext.xData(QStringLiteral("ACAD"))) {
         if (group.restype == 1000) {
             const QString text = group.text();
-            part = text == u"ACAD_MTEXT_COLUMN_INFO_BEGIN"   ? Part::info
+            part = text == u"ACAD_MTEXT_COLUMN_INFO_BEGIN" ? Part::info
                    : text == QLatin1String(kOthers.data()) ? Part::others
-                                                             : Part::none;
+                                                           : Part::none;
             key = 0;
         } else if (part == Part::others && group.restype == 1005) {
             data.others.push_back(group.handle());

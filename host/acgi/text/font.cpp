@@ -54,8 +54,8 @@ public:
         // Text may have been measured before there was anything to paint with.
         if (!found.rawFont && found.face)
             found.rawFont = found.face->rawFont();
-        return {found.glyph.get(), x + found.indent, found.rawFont, found.index, found.emSize,
-                found.widthFactor};
+        return {found.glyph.get(), x + found.indent, found.rawFont,
+                found.index,       found.emSize,     found.widthFactor};
     }
 
 private:
@@ -91,8 +91,7 @@ private:
             fitWidth(entry, character);
             return;
         }
-        if (use(entry, m_fallback, m_fallbackEmSize, character) ||
-            take(entry, symbolGlyph(character)))
+        if (use(entry, m_fallback, m_fallbackEmSize, character) || take(entry, symbolGlyph(character)))
             return;
         take(entry, character < 0x20 ? Glyph() : missingGlyph());
     }
@@ -118,8 +117,8 @@ private:
         return take(entry, face->glyph(index, emSize));
     }
 
-    /// Gives the character the width that it has in the font that is stood for: the glyph is stretched as far as
-    /// letters can bear, and stands in the middle.
+    /// Gives the character the width that it has in the font that is stood for: the glyph is stretched as far
+    /// as letters can bear, and stands in the middle.
     void fitWidth(Entry &entry, char32_t character) const
     {
         constexpr double kNarrowest = 0.8;

@@ -27,8 +27,8 @@ static constexpr double kArial = 1409.0 / 1466.0;
 static constexpr double kArialNarrow = 0.82 * kArial;
 static constexpr double kCourier = 1349.0 / 1170.0;
 
-// Shape fonts are here only when they are not plain stroke letters. See docs/decisions/0010-fonts.md for the faces
-// and 0083-letter-widths.md for the widths.
+// Shape fonts are here only when they are not plain stroke letters. See docs/decisions/0010-fonts.md for the
+// faces and 0083-letter-widths.md for the widths.
 static constexpr FontRow kFonts[] = {
     // Shape fonts
     {.name = u"txt", .family = sans, .letters = LetterWidths::even},
@@ -187,14 +187,14 @@ FontChoice chooseFont(const FontRequest &request)
 // Advances of the characters from the blank on, where a capital is 21 high.
 static constexpr std::uint8_t kPlainWidths[] = {
     16, 10, 16, 21, 20, 24, 26, 10, 14, 14, 16, 26, 10, 26, 10, 22, 20, 20, 20, 20, 20, 20, 20, 20,
-    20, 20, 10, 10, 24, 26, 24, 18, 27, 18, 21, 21, 21, 19, 18, 21, 22, 8, 16, 21, 17, 24, 22, 22,
+    20, 20, 10, 10, 24, 26, 24, 18, 27, 18, 21, 21, 21, 19, 18, 21, 22, 8,  16, 21, 17, 24, 22, 22,
     21, 22, 21, 20, 16, 22, 18, 24, 20, 18, 20, 14, 14, 14, 16, 16, 10, 19, 19, 18, 19, 18, 12, 19,
-    19, 8, 10, 17, 8, 30, 19, 19, 19, 19, 13, 17, 12, 19, 16, 22, 17, 16, 17, 14, 8, 14, 24};
+    19, 8,  10, 17, 8,  30, 19, 19, 19, 19, 13, 17, 12, 19, 16, 22, 17, 16, 17, 14, 8,  14, 24};
 static constexpr std::uint8_t kSerifWidths[] = {
-    16, 10, 18, 21, 20, 24, 25, 8, 14, 14, 16, 26, 8, 26, 8, 22, 20, 20, 20, 20, 20, 20, 20, 20,
-    20, 20, 8, 8, 24, 26, 24, 18, 27, 20, 22, 21, 22, 21, 20, 23, 24, 11, 15, 22, 18, 25, 23, 22,
+    16, 10, 18, 21, 20, 24, 25, 8,  14, 14, 16, 26, 8,  26, 8,  22, 20, 20, 20, 20, 20, 20, 20, 20,
+    20, 20, 8,  8,  24, 26, 24, 18, 27, 20, 22, 21, 22, 21, 20, 23, 24, 11, 15, 22, 18, 25, 23, 22,
     22, 22, 22, 20, 19, 24, 20, 24, 20, 21, 20, 14, 14, 14, 22, 20, 12, 20, 21, 19, 21, 19, 13, 19,
-    22, 11, 11, 21, 11, 33, 22, 20, 21, 20, 17, 17, 15, 22, 18, 24, 20, 19, 18, 14, 8, 14, 24};
+    22, 11, 11, 21, 11, 33, 22, 20, 21, 20, 17, 17, 15, 22, 18, 24, 20, 19, 18, 14, 8,  14, 24};
 
 /// In sixths of the height.
 static int evenWidth(char32_t character)
@@ -202,7 +202,10 @@ static int evenWidth(char32_t character)
     constexpr std::u32string_view kHalf = U"il,.:;!|\'";
     constexpr std::u32string_view kTwoThirds = U"I()[]";
     constexpr std::u32string_view kFiveSixths = U"jt";
-    return kHalf.find(character) != kHalf.npos ? 3 : kTwoThirds.find(character) != kTwoThirds.npos ? 4 : kFiveSixths.find(character) != kFiveSixths.npos ? 5 : 6;
+    return kHalf.find(character) != kHalf.npos               ? 3
+           : kTwoThirds.find(character) != kTwoThirds.npos   ? 4
+           : kFiveSixths.find(character) != kFiveSixths.npos ? 5
+                                                             : 6;
 }
 
 std::optional<double> letterWidth(LetterWidths letters, char32_t character)

@@ -147,7 +147,8 @@ public:
         Class()
         {
             auto added = std::make_unique<AcRxClass>(QStringLiteral("TestHideable"), AcDbEntity::desc(),
-                                                     "TESTHIDEABLE", []() -> AcRxObject * { return new Hideable(false); });
+                                                     "TESTHIDEABLE",
+                                                     []() -> AcRxObject * { return new Hideable(false); });
             added->setApplication({.description = QStringLiteral("a test")});
             s_class = acrxClassDictionary().add(std::move(added));
         }

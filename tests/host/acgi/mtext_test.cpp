@@ -325,7 +325,8 @@ TEST(TextEntities, MTextReadsItsGroups)
     EXPECT_EQ(sink.fills[0].second, AcCmEntityColor::fromIndex(4));
 }
 
-// The first text names the others; all of them state the width of the whole. What is made or changed later counts too.
+// The first text names the others; all of them state the width of the whole. What is made or changed later
+// counts too.
 TEST(TextEntities, TextsOfOlderFilesHaveTheWidthOfTheirColumn)
 {
     MemoryDrawing drawing(DrawingVersion::r2000, DrawingForm::dwg);

@@ -89,8 +89,8 @@ TEST(Fonts, MeasureAndLayOutAlike)
     EXPECT_NE(glyphs[9].glyph->outline, glyphs[7].glyph->outline); // and what nobody has is a box.
 }
 
-// Boxes that drawings of other programs state for texts of height 1. Those of stroke letters end where the last
-// stroke does, up to a third of the height before the next letter would begin.
+// Boxes that drawings of other programs state for texts of height 1. Those of stroke letters end where the
+// last stroke does, up to a third of the height before the next letter would begin.
 TEST(Fonts, FillTheBoxesThatDrawingsState)
 {
     struct Row {
