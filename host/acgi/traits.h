@@ -56,6 +56,7 @@ struct Traits {
     AcDbObjectId linetype;      ///< When stated itself; null is continuous.
     double linetypeScale = 1.0; ///< Of the entity; the drawing's ($LTSCALE) comes on top.
     int lineWeight = -1;        ///< Hundredths of a millimetre; -1 by layer, -2 by block, -3 default.
+    bool alwaysWide = false;    ///< As wide as stated even where lines show no weight.
     Stated alphaBy = Stated::byLayer;
     std::uint8_t alpha = 255;               ///< When stated itself: 255 is opaque.
     AcGiFillType fillType = kAcGiFillNever; ///< Whether polygon() is an area or an outline.
@@ -79,6 +80,8 @@ public:
     void setLineType(AcDbObjectId linetype);
     void setLineTypeScale(double scale) { m_traits.linetypeScale = scale; }
     void setLineWeight(int weight) { m_traits.lineWeight = weight; }
+    /// For what was drawn in its width and not set up to have one: screens and plots without weights show it.
+    void setAlwaysWide(bool always) { m_traits.alwaysWide = always; }
     void setFillType(AcGiFillType type) { m_traits.fillType = type; }
     AcGiFillType fillType() const { return m_traits.fillType; }
 

@@ -54,7 +54,7 @@ private:
 static int highestNumber(const AcDbDatabase &database)
 {
     int highest = 0;
-    for (const AcDbObjectId id : collectAllMarks(database).ids) {
+    for (const AcDbObjectId id : collectMarks(database).ids) {
         if (const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead); mark)
             highest = std::max(highest, int(mark->markNumber));
     }

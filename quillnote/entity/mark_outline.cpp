@@ -254,13 +254,17 @@ void drawOutline(const MarkOutline &outline, const AcGiCommonDraw &context)
     if (outline.bumps.empty())
         return;
     AcGiSubEntityTraits &pen = context.subEntityTraits();
-    const int ownWeight = pen.traits().lineWeight;
+    const acgi::Traits own = pen.traits();
     pen.setColor(outline.waveColor);
     if (!outline.thinWaves)
         drawWaves(outline.bumps, false, context);
     if (outline.thinWaves || outline.waveWeight > 0) {
-        pen.setLineWeight(std::max(ownWeight, outline.waveWeight > 0 ? outline.waveWeight : ownWeight));
+        if (outline.waveWeight > 0) {
+            pen.setLineWeight(std::max(own.lineWeight, outline.waveWeight));
+            pen.setAlwaysWide(true);
+        }
         drawWaves(outline.bumps, true, context);
     }
-    pen.setLineWeight(ownWeight);
+    pen.setLineWeight(own.lineWeight);
+    pen.setAlwaysWide(own.alwaysWide);
 }

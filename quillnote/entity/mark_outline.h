@@ -83,7 +83,7 @@ struct OutlineView {
 /// `style` as drawnTargetStyle() gives it; codes without outline and targets too small to show give an empty
 /// one.
 void targetOutline(const OutlineRecord &mark, const OutlineView &view, int style, MarkOutline &outline);
-/// What programs that do not know marks will see: at most 16 bumps, in thick lines around a target of the
+/// What programs that do not know marks will see: at most 14 bumps, in thick lines around a target of the
 /// styles 1 to 49. It depends on no view.
 void proxyOutline(const OutlineRecord &mark, int style, const MarkDrawingSettings &settings,
                   MarkOutline &outline);

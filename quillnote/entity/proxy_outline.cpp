@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-static constexpr std::size_t kMostBumps = 16;
+static constexpr std::size_t kMostBumps = 14;
 static constexpr int kThickWeight = 50; ///< Hundredths of a millimetre.
 
 namespace

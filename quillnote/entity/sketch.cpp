@@ -205,6 +205,7 @@ void draw(const Sketch &sketch, const Placement &placement, const AcGiCommonDraw
             continue;
         pen.setTrueColor(AcCmEntityColor::fromRgb(stroke.rgb));
         pen.setLineWeight(stroke.isFilled() ? before.lineWeight : stroke.lineWeight());
+        pen.setAlwaysWide(!stroke.isFilled());
         pen.setFillType(stroke.isFilled() ? kAcGiFillAlways : kAcGiFillNever);
         drawStroke(stroke, placement, context);
     }

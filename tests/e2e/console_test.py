@@ -3,6 +3,7 @@
 
 import json
 import os
+import re
 import subprocess
 import unittest
 from pathlib import Path
@@ -84,6 +85,11 @@ class ConsoleTest(unittest.TestCase):
 
     def expect(self, result, status, *messages):
         self.assertEqual(result.returncode, status, result.stderr)
+        self.assertTrue(result.stderr.endswith("\n") or not result.stderr, result.stderr)
+        for line in (result.stdout + result.stderr).splitlines():
+            said = re.sub(r"“[^”]*”|\"[^\"]*\"|\S*[./]\S*", "", line)  # What was typed, and names of files.
+            mixed = re.search("[\u4e00-\u9fff]", said) and re.search("[a-z]{2,} [a-z]{2,}", said)
+            self.assertFalse(mixed, f"two languages: {line}")
         for message in messages:
             self.assertIn(message, result.stderr)
 

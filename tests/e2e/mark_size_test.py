@@ -10,6 +10,7 @@ import program
 
 SAMPLE = Path(os.environ["QUILL_ROOT"]) / "samples/plan.dxf"
 MOST_GRAPHICS = 2100  # Bytes; twice as many in the file, beside the fields.
+MOST = 6144  # Of a mark in the file, without pictures.
 
 
 def grid_of_marks(count):
@@ -45,10 +46,12 @@ class MarkSizeTest(unittest.TestCase):
                 with self.subTest(style=style, command=command):
                     self.check(f"{command}{style}", polygon_script(command))
 
-    def check(self, name, script):
+    def check(self, name, script, most=MOST):
         empty = program.write(f"{name}.dxf", drawings.as_text(drawings.drawing("2013"), "utf-8"))
-        drawing = f"{name}-marked.dxf"
+        one, drawing = f"{name}-one.dxf", f"{name}-marked.dxf"
+        program.play(script, empty, one)
         program.play(script + script, empty, drawing)
+        self.assertLess(Path(drawing).stat().st_size - Path(one).stat().st_size, most)
         if program.ezdxf is None:
             return
         document = program.ezdxf.readfile(drawing)
@@ -65,7 +68,8 @@ class MarkSizeTest(unittest.TestCase):
 
     def test_twenty_marks_on_the_sample(self):
         program.set_setting("style", "2")
-        program.play(grid_of_marks(20), SAMPLE, "twenty.dxf")
+        result = program.play(grid_of_marks(20), SAMPLE, "twenty.dxf")
+        self.assertNotIn("本图中无评图标签", result.stdout + result.stderr)  # Nobody asked.
         self.assertEqual(len(program.marks("twenty.dxf")), 20)
         self.assertLess(Path("twenty.dxf").stat().st_size, 300_000)
 

@@ -34,7 +34,7 @@ static void open()
         if (!keeper->open(file->path))
             acedRefuse(Host::tr("没有打开图形。"));
     } else if (const auto opened = acDocManager()->openDocument(file->path); !opened) {
-        tellTrouble(Host::tr("不能打开图形: %1").arg(opened.error()));
+        tellTrouble(withReason(Host::tr("不能打开图形: %1"), opened.error()));
     }
 }
 
@@ -50,7 +50,7 @@ static void save(AcApDocument *document, const QString &path, bool copyOnly)
         if (!keeper->save(document, path))
             acedRefuse(Host::tr("没有保存图形。"));
     } else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved) {
-        tellTrouble(Host::tr("不能保存图形: %1").arg(saved.error()));
+        tellTrouble(withReason(Host::tr("不能保存图形: %1"), saved.error()));
     } else if (!saved->note.isEmpty()) {
         acutPrintf(u'\n' + saved->note);
     }
@@ -162,7 +162,7 @@ static void loadModule()
         return;
     const auto loaded = acrxDynamicLinker()->loadModule(*path);
     if (!loaded) {
-        tellTrouble(Host::tr("不能加载模块: %1").arg(loaded.error()));
+        tellTrouble(withReason(Host::tr("不能加载模块: %1"), loaded.error()));
         return;
     }
     // A module hears of drawings that were open before it came.

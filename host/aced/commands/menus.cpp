@@ -18,7 +18,7 @@ static void loadMenu()
         return;
     const auto loaded = acedMenus().load(*path);
     if (!loaded)
-        acedRefuse(Host::tr("不能加载菜单: %1").arg(loaded.error()));
+        acedRefuse(withReason(Host::tr("不能加载菜单: %1"), loaded.error()));
     else if (acedIntVar(QStringLiteral("CMDECHO")) != 0)
         acutPrintf(Host::tr("\n菜单加载成功。菜单组: %1").arg((*loaded)->name));
 }

@@ -336,7 +336,7 @@ static void plot()
     }
     const auto report = acedPlot(*curDoc(), {answers.plot}, answers.file);
     if (!report) {
-        refuse(Host::tr("不能打印: %1").arg(report.error()));
+        refuse(withReason(Host::tr("不能打印: %1"), report.error()));
         return;
     }
     tellUndrawn(*report);
@@ -381,7 +381,7 @@ static void exportPng(const QString &path)
         image = image.copy(area);
     }
     if (const auto written = acedWritePng(image, withEnding(path, QStringLiteral(".png"))); !written)
-        refuse(Host::tr("不能输出: %1").arg(written.error()));
+        refuse(withReason(Host::tr("不能输出: %1"), written.error()));
     tellUndrawn(report);
 }
 

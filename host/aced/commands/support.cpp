@@ -9,6 +9,8 @@
 #include "host/aced/edview.h"
 #include "host/base/host_text.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -214,6 +216,17 @@ void Refusals::report() const
         acutPrintf(Host::tr("\n%1 个对象不能改动（所在图层已锁定）。").arg(m_locked));
     if (m_others > 0)
         acutPrintf(Host::tr("\n%1 个对象不允许这样改动。").arg(m_others));
+}
+
+QString withReason(QString message, const QString &reason)
+{
+    const auto isChinese = [](QStringView text) {
+        return std::ranges::any_of(text, [](QChar c) { return c.script() == QChar::Script_Han; });
+    };
+    static const QRegularExpression kPlace(QStringLiteral("\\s*%1"));
+    if (isChinese(message) && !isChinese(reason))
+        message.replace(kPlace, QStringLiteral("\n%1"));
+    return message.arg(reason);
 }
 
 QString reasonText(Acad::ErrorStatus status)

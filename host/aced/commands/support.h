@@ -83,6 +83,9 @@ void transformAll(const AcEdSelectionSet &entities, const AcGeMatrix3d &matrix);
 void dropUnchangeable(AcEdSelectionSet &entities);
 /// Why an entity was refused, for messages.
 QString reasonText(Acad::ErrorStatus status);
+/// Fills the last "%1" of a message with a reason. The console says what commands say in Chinese and reasons
+/// in English: there the reason gets a line of its own.
+QString withReason(QString message, const QString &reason);
 
 /// A number for messages: "12.5".
 QString numberText(double number);

@@ -26,7 +26,7 @@ namespace acgi
 struct PaintOptions {
     QColor background = Qt::black;
     bool fillBackground = true;
-    /// Off draws every line one pixel wide.
+    /// Off draws every line one pixel wide, but for those that are always as wide as they state.
     bool lineWeights = false;
     double pixelsPerMillimetre = 4.0; ///< For lineweights.
     bool monochrome = false;          ///< Everything in the colour that stands out from the background.

@@ -20,8 +20,8 @@ std::size_t ListTables::Hash::operator()(const Traits &traits) const
     mix(std::size_t(traits.color.colorMethod()) << 32 | traits.color.rgb());
     mix(std::hash<AcDbObjectId>()(traits.linetype));
     mix(std::bit_cast<std::uint64_t>(traits.linetypeScale));
-    mix(std::size_t(traits.lineWeight + 16) << 24 | std::size_t(traits.linetypeBy) << 16 |
-        std::size_t(traits.alphaBy) << 8 | traits.alpha);
+    mix(std::size_t(traits.alwaysWide) << 40 | std::size_t(traits.lineWeight + 16) << 24 |
+        std::size_t(traits.linetypeBy) << 16 | std::size_t(traits.alphaBy) << 8 | traits.alpha);
     return hash ^ hash >> 29;
 }
 

@@ -198,8 +198,16 @@ void ListPainter::largeArc(QPointF centre, QPointF u, QPointF v, double from, do
 void ListPainter::fill(ListReader &reader, bool shown)
 {
     std::vector<QPolygonF> areas = loops(reader);
-    if (shown)
-        m_canvas.fill(areas);
+    if (!shown)
+        return;
+    if (!m_options.highlight.isValid())
+        return m_canvas.fill(areas);
+    // In one colour an area would hide what stands on it: the number of a flag, the text on a mask.
+    for (QPolygonF &area : areas) {
+        if (!area.isEmpty())
+            area.append(QPointF(area.front()));
+        m_canvas.chain(area);
+    }
 }
 
 void ListPainter::text(ListReader &reader, bool shown)
@@ -244,7 +252,8 @@ void ListPainter::textRun(const Font &font, QStringView text, double tracking, c
     std::span<const PlacedGlyph> rest = glyphs;
     while (!rest.empty()) {
         const auto isOther = [&](const PlacedGlyph &glyph) {
-            return glyph.face != rest.front().face || glyph.emSize != rest.front().emSize;
+            return glyph.face != rest.front().face || glyph.emSize != rest.front().emSize ||
+                   glyph.widthFactor != rest.front().widthFactor;
         };
         const auto length = std::size_t(std::ranges::find_if(rest, isOther) - rest.begin());
         if (rest.front().face)
@@ -260,11 +269,12 @@ void ListPainter::faceRun(std::span<const PlacedGlyph> glyphs, const QTransform 
 {
     const QRawFont &face = *glyphs.front().face;
     const double scale = glyphs.front().emSize / face.pixelSize();
+    const double widthFactor = glyphs.front().widthFactor;
     QVector<quint32> indexes;
     QVector<QPointF> places;
     for (const PlacedGlyph &glyph : glyphs) {
         indexes.push_back(glyph.index);
-        places.push_back({glyph.x / scale, 0.0});
+        places.push_back({glyph.x / (scale * widthFactor), 0.0});
     }
     QGlyphRun run;
     run.setRawFont(face);
@@ -273,7 +283,7 @@ void ListPainter::faceRun(std::span<const PlacedGlyph> glyphs, const QTransform 
     QPainter &painter = m_canvas.painter();
     painter.save();
     painter.setPen(QColor::fromRgba(m_pen->color));
-    painter.setTransform(QTransform(scale, 0, 0, -scale, 0, 0) * placed, true);
+    painter.setTransform(QTransform(scale * widthFactor, 0, 0, -scale, 0, 0) * placed, true);
     painter.drawGlyphRun({}, run);
     painter.restore();
 }

@@ -131,9 +131,9 @@ QRgb Pens::color(const AcCmEntityColor &color) const
                                                             : indexColor(color.colorIndex());
 }
 
-float Pens::width(int hundredths) const
+float Pens::width(int hundredths, bool always) const
 {
-    if (!m_options.lineWeights)
+    if (!m_options.lineWeights && !always)
         return 0.0F;
     const int weight = hundredths < 0 ? m_tables.defaultLineWeight() : hundredths;
     return float(weight / 100.0 * m_options.pixelsPerMillimetre);
@@ -164,9 +164,9 @@ Pen Pens::pen(const Traits &traits, const Pen *shower) const
     }
 
     if (traits.lineWeight == -2)
-        pen.width = shower ? shower->width : width(-3);
+        pen.width = shower ? shower->width : width(-3, traits.alwaysWide);
     else
-        pen.width = width(traits.lineWeight == -1 ? layer.lineWeight : traits.lineWeight);
+        pen.width = width(traits.lineWeight == -1 ? layer.lineWeight : traits.lineWeight, traits.alwaysWide);
 
     if (traits.linetypeBy == Stated::byBlock)
         pen.linetype = shower ? shower->linetype : nullptr;

@@ -91,7 +91,7 @@ public:
 
 private:
     QRgb color(const AcCmEntityColor &color) const;
-    float width(int hundredths) const;
+    float width(int hundredths, bool always) const;
     bool isFrozenHere(AcDbObjectId layer) const;
 
     struct Known {

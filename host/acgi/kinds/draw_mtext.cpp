@@ -4,6 +4,7 @@
 #include "host/acdb/dbtransform.h"
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
+#include "host/acgi/kinds/mtext_columns.h"
 
 #include <algorithm>
 
@@ -226,38 +227,11 @@ std::optional<MText> embeddedMText(const AcDbEntity &entity)
     return text;
 }
 
-/// Files of 2000 to 2013 keep the columns in extended data, and the texts of the second and later ones in
-/// entities of their own. What stands here is the first column; only its width is not that of the whole.
-static void readExtendedColumns(const AcDbEntity &entity, MText &text)
-{
-    constexpr std::int64_t kType = 75;
-    constexpr std::int64_t kWidth = 48;
-    bool inside = false;
-    std::int64_t key = 0; // Each value stands behind the code that it has in newer files.
-    std::int64_t type = 0;
-    double width = 0.0;
-    for (const resbuf &group : entity.xData(QStringLiteral("ACAD"))) {
-        if (group.restype == 1000) {
-            inside = group.text() == u"ACAD_MTEXT_COLUMN_INFO_BEGIN";
-            key = 0;
-        } else if (inside && key == 0 && group.restype == 1070) {
-            key = group.integer();
-        } else if (inside) {
-            if (key == kType)
-                type = group.integer();
-            else if (key == kWidth && group.restype == 1040)
-                width = group.real();
-            key = 0;
-        }
-    }
-    if ((type == Columns::fixed || type == Columns::dynamic) && width > 0.0)
-        text.wrapWidth = width;
-}
-
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     MText text = MTextGroups(OwnGroups(entity, u"AcDbMText"), entity.database()).text();
-    readExtendedColumns(entity, text);
+    if (const std::optional<double> width = columnWidthOf(entity))
+        text.wrapWidth = *width;
     readEmbeddedColumns(embeddedGroups(entity), text);
     drawMText(text, sink);
 }

@@ -5,7 +5,9 @@
 #include "host/acgi/text/font_table.h"
 
 #include <QHash>
+#include <QTransform>
 
+#include <algorithm>
 #include <array>
 #include <unordered_map>
 
@@ -52,7 +54,8 @@ public:
         // Text may have been measured before there was anything to paint with.
         if (!found.rawFont && found.face)
             found.rawFont = found.face->rawFont();
-        return {found.glyph.get(), x, found.rawFont, found.index, found.emSize};
+        return {found.glyph.get(), x + found.indent, found.rawFont,
+                found.index,       found.emSize,     found.widthFactor};
     }
 
 private:
@@ -62,6 +65,8 @@ private:
         const QRawFont *rawFont = nullptr;
         std::uint32_t index = 0;
         double emSize = 1.0;
+        double widthFactor = 1.0;
+        double indent = 0.0; ///< From where the character begins to where its glyph does.
     };
     static constexpr int kPageBits = 8;
     using Page = std::array<Entry, 1 << kPageBits>;
@@ -82,8 +87,11 @@ private:
     {
         if (m_choice.family == FontFamily::symbols && take(entry, toleranceGlyph(character)))
             return;
-        if (use(entry, m_face, m_emSize, character) || use(entry, m_fallback, m_fallbackEmSize, character) ||
-            take(entry, symbolGlyph(character)))
+        if (use(entry, m_face, m_emSize, character)) {
+            fitWidth(entry, character);
+            return;
+        }
+        if (use(entry, m_fallback, m_fallbackEmSize, character) || take(entry, symbolGlyph(character)))
             return;
         take(entry, character < 0x20 ? Glyph() : missingGlyph());
     }
@@ -107,6 +115,23 @@ private:
         entry.index = index;
         entry.emSize = emSize;
         return take(entry, face->glyph(index, emSize));
+    }
+
+    /// Gives the character the width that it has in the font that is stood for: the glyph is stretched as far
+    /// as letters can bear, and stands in the middle.
+    void fitWidth(Entry &entry, char32_t character) const
+    {
+        constexpr double kNarrowest = 0.8;
+        constexpr double kWidest = 1.2;
+        Glyph &glyph = *entry.glyph;
+        const std::optional<double> width = letterWidth(m_choice.letters, character);
+        entry.widthFactor = width && glyph.advance > 0.0
+                                ? std::clamp(*width / glyph.advance, kNarrowest, kWidest)
+                                : m_choice.width;
+        const double stretched = glyph.advance * entry.widthFactor;
+        glyph.advance = width.value_or(stretched);
+        entry.indent = (glyph.advance - stretched) / 2.0;
+        glyph.outline = QTransform::fromScale(entry.widthFactor, 1.0).map(glyph.outline);
     }
 
     static Glyph missingGlyph()

@@ -31,11 +31,12 @@ struct Glyph {
 /// One placed glyph of a line.
 struct PlacedGlyph {
     const Glyph *glyph;
-    double x; ///< From the start of the line, at text height 1.
+    double x; ///< Of its origin, from the start of the line, at text height 1.
     const QRawFont
         *face; ///< Null for symbols that no face has, and without a QGuiApplication: use the outline.
     std::uint32_t index; ///< In the face.
     double emSize;       ///< Of the face at text height 1.
+    double widthFactor;  ///< Of the face's glyph, where the font of the drawing is wider or narrower.
 };
 
 /// Lives as long as the process; found through findFont() and compared by address.

@@ -1,6 +1,7 @@
 #include "host/acgi/text/font_table.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace acgi
 {
@@ -13,31 +14,40 @@ struct FontRow {
     FontFamily family;
     bool bold = false; ///< Whatever is asked for besides.
     bool italic = false;
+    LetterWidths letters = LetterWidths::ofFace;
+    double width = 1.0; ///< Of the letters of the face.
 };
 
 } // namespace
 
 using enum FontFamily;
 
-// Shape fonts are here only when they are not plain stroke letters. See docs/decisions/0010-fonts.md.
+// Faces are as high as their capitals here, and those of the metrically equal fonts have higher ones.
+static constexpr double kArial = 1409.0 / 1466.0;
+static constexpr double kArialNarrow = 0.82 * kArial;
+static constexpr double kCourier = 1349.0 / 1170.0;
+
+// Shape fonts are here only when they are not plain stroke letters. See docs/decisions/0010-fonts.md for the
+// faces and 0083-letter-widths.md for the widths.
 static constexpr FontRow kFonts[] = {
     // Shape fonts
-    {u"monotxt", mono},
-    {u"romant", serif},
-    {u"complex", serif},
-    {u"romanc", serif},
-    {u"italict", serif},
-    {u"italicc", serif},
+    {.name = u"txt", .family = sans, .letters = LetterWidths::even},
+    {.name = u"monotxt", .family = mono, .letters = LetterWidths::one},
+    {.name = u"romant", .family = serif, .letters = LetterWidths::serif},
+    {.name = u"complex", .family = serif, .letters = LetterWidths::serif},
+    {.name = u"romanc", .family = serif, .letters = LetterWidths::serif},
+    {.name = u"italict", .family = serif, .letters = LetterWidths::serif},
+    {.name = u"italicc", .family = serif, .letters = LetterWidths::serif},
     {u"gdt", symbols},
     {u"amgdt", symbols},
     {u"amgdtans", symbols},
     // Latin typefaces and their files
-    {u"arial", sans},
-    {u"arialbd", sans, true},
-    {u"ariali", sans, false, true},
-    {u"arialbi", sans, true, true},
-    {u"arial narrow", sans},
-    {u"arialn", sans},
+    {.name = u"arial", .family = sans, .width = kArial},
+    {.name = u"arialbd", .family = sans, .bold = true, .width = kArial},
+    {.name = u"ariali", .family = sans, .italic = true, .width = kArial},
+    {.name = u"arialbi", .family = sans, .bold = true, .italic = true, .width = kArial},
+    {.name = u"arial narrow", .family = sans, .width = kArialNarrow},
+    {.name = u"arialn", .family = sans, .width = kArialNarrow},
     {u"arial black", sans, true},
     {u"ariblk", sans, true},
     {u"helvetica", sans},
@@ -53,9 +63,6 @@ static constexpr FontRow kFonts[] = {
     {u"isocpeur", sans},
     {u"isocp", sans},
     {u"isocteur", mono},
-    {u"txt", sans},
-    {u"romans", sans},
-    {u"simplex", sans},
     {u"times new roman", serif},
     {u"times", serif},
     {u"timesbd", serif, true},
@@ -65,10 +72,10 @@ static constexpr FontRow kFonts[] = {
     {u"georgia", serif},
     {u"cambria", serif},
     {u"garamond", serif},
-    {u"courier new", mono},
-    {u"courier", mono},
-    {u"cour", mono},
-    {u"courbd", mono, true},
+    {.name = u"courier new", .family = mono, .width = kCourier},
+    {.name = u"courier", .family = mono, .width = kCourier},
+    {.name = u"cour", .family = mono, .width = kCourier},
+    {.name = u"courbd", .family = mono, .bold = true, .width = kCourier},
     {u"consolas", mono},
     {u"consola", mono},
     {u"lucida console", mono},
@@ -163,14 +170,65 @@ FontChoice chooseFont(const FontRequest &request)
         name.chop(4);
     else if (name.endsWith(u".shx", Qt::CaseInsensitive))
         name.chop(4);
-    const FontRow *const row = rowOf(name);
+    const FontRow *const row = rowOf(choice.isStroke && name.isEmpty() ? u"txt" : name);
     if (row) {
         choice.family = row->family;
         choice.bold = choice.bold || row->bold;
         choice.italic = choice.italic || row->italic;
+        choice.letters = row->letters;
+        choice.width = row->width;
+    } else if (choice.isStroke) {
+        choice.letters = LetterWidths::plain;
     }
     choice.isListed = row || choice.isStroke;
     return choice;
+}
+
+// Advances of the characters from the blank on, where a capital is 21 high.
+static constexpr std::uint8_t kPlainWidths[] = {
+    16, 10, 16, 21, 20, 24, 26, 10, 14, 14, 16, 26, 10, 26, 10, 22, 20, 20, 20, 20, 20, 20, 20, 20,
+    20, 20, 10, 10, 24, 26, 24, 18, 27, 18, 21, 21, 21, 19, 18, 21, 22, 8,  16, 21, 17, 24, 22, 22,
+    21, 22, 21, 20, 16, 22, 18, 24, 20, 18, 20, 14, 14, 14, 16, 16, 10, 19, 19, 18, 19, 18, 12, 19,
+    19, 8,  10, 17, 8,  30, 19, 19, 19, 19, 13, 17, 12, 19, 16, 22, 17, 16, 17, 14, 8,  14, 24};
+static constexpr std::uint8_t kSerifWidths[] = {
+    16, 10, 18, 21, 20, 24, 25, 8,  14, 14, 16, 26, 8,  26, 8,  22, 20, 20, 20, 20, 20, 20, 20, 20,
+    20, 20, 8,  8,  24, 26, 24, 18, 27, 20, 22, 21, 22, 21, 20, 23, 24, 11, 15, 22, 18, 25, 23, 22,
+    22, 22, 22, 20, 19, 24, 20, 24, 20, 21, 20, 14, 14, 14, 22, 20, 12, 20, 21, 19, 21, 19, 13, 19,
+    22, 11, 11, 21, 11, 33, 22, 20, 21, 20, 17, 17, 15, 22, 18, 24, 20, 19, 18, 14, 8,  14, 24};
+
+/// In sixths of the height.
+static int evenWidth(char32_t character)
+{
+    constexpr std::u32string_view kHalf = U"il,.:;!|\'";
+    constexpr std::u32string_view kTwoThirds = U"I()[]";
+    constexpr std::u32string_view kFiveSixths = U"jt";
+    return kHalf.find(character) != kHalf.npos               ? 3
+           : kTwoThirds.find(character) != kTwoThirds.npos   ? 4
+           : kFiveSixths.find(character) != kFiveSixths.npos ? 5
+                                                             : 6;
+}
+
+std::optional<double> letterWidth(LetterWidths letters, char32_t character)
+{
+    constexpr double kCapital = 21.0;
+    if (letters == LetterWidths::ofFace)
+        return std::nullopt;
+    if (character > 0x7E && character < 0x10000) { // An accent makes no letter wider.
+        const QString parts = QChar::decomposition(character);
+        character = parts.isEmpty() ? character : parts.front().unicode();
+    }
+    if (character < 0x20 || character > 0x7E)
+        return std::nullopt;
+    switch (letters) {
+    case LetterWidths::plain:
+        return kPlainWidths[character - 0x20] / kCapital;
+    case LetterWidths::serif:
+        return kSerifWidths[character - 0x20] / kCapital;
+    case LetterWidths::even:
+        return evenWidth(character) / 6.0;
+    default:
+        return 1.0;
+    }
 }
 
 const char *fontFileName(FontFamily family, bool bold, bool italic)

@@ -13,6 +13,8 @@
 #include "tests/support/files.h"
 #include "tests/support/script_front_end.h"
 
+#include "host/acdb/dbfiler.h"
+#include "host/acdb/dbsymtb.h"
 #include "host/aced/edpick.h"
 #include "host/aced/edspace.h"
 #include "host/acgi/query/install.h"
@@ -127,6 +129,76 @@ TEST(MainWindow, ShowsWhatIsReadOnlyWhatIsChosenAndWhatItAsksAbout)
             mainWindow.QWidget::close();
             EXPECT_TRUE(seen.contains(changed->docTitle()));
             EXPECT_TRUE(acDocManager()->isOpen(current));
+            session.front.giveText({});
+        },
+    });
+    while (!acDocManager()->documents().empty())
+        acDocManager()->closeDocument(acDocManager()->documents().back().get());
+}
+
+namespace
+{
+
+/// An entity of a module that may be hidden; its class is known while a Hideable::Class lives.
+class Hideable : public AcDbEntity
+{
+public:
+    struct Class {
+        Class()
+        {
+            auto added = std::make_unique<AcRxClass>(QStringLiteral("TestHideable"), AcDbEntity::desc(),
+                                                     "TESTHIDEABLE",
+                                                     []() -> AcRxObject * { return new Hideable(false); });
+            added->setApplication({.description = QStringLiteral("a test")});
+            s_class = acrxClassDictionary().add(std::move(added));
+        }
+        ~Class() { deleteAcRxClass(s_class); }
+        Class(const Class &) = delete;
+        Class &operator=(const Class &) = delete;
+    };
+
+    explicit Hideable(bool hidden) : AcDbEntity("TESTHIDEABLE"), m_hidden(hidden) {}
+    AcRxClass *isA() const override { return s_class; }
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler *filer) override { return filer->readBool(m_hidden); }
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler *filer) const override { return filer->writeBool(m_hidden); }
+    bool subIsHidden() const override { return m_hidden; }
+    Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const override
+    {
+        extents = {{0, 0, 0}, {1, 1, 0}};
+        return Acad::eOk;
+    }
+
+private:
+    bool m_hidden;
+    inline static AcRxClass *s_class = nullptr;
+};
+
+} // namespace
+
+TEST(MainWindow, LeavesWhatIsHiddenAloneAndCountsIt)
+{
+    acgi::install();
+    const Hideable::Class known;
+    tests::WindowSession session;
+    window::MainWindow mainWindow(session.front);
+    mainWindow.show();
+    session.play({
+        [&] { session.front.giveText(QStringLiteral("NEW")); },
+        [&] {
+            std::vector<AcDbObjectId> ids(3);
+            for (std::size_t i = 0; i < ids.size(); ++i) {
+                AcDbObjectPointer<AcDbBlockTableRecord> space(curDoc()->database()->modelSpaceId(),
+                                                              AcDb::kForWrite);
+                auto made = std::make_unique<Hideable>(i != 1);
+                ASSERT_EQ(space->appendAcDbEntity(ids[i], made.get()), Acad::eOk);
+                made.release()->close();
+            }
+            QKeyEvent everything(QEvent::KeyPress, Qt::Key_A, Qt::ControlModifier);
+            QApplication::sendEvent(mainWindow.findChild<window::DrawingView *>(), &everything);
+            EXPECT_EQ(curDoc()->pickSet(), std::vector{ids[1]});
+            const QString facts = mainWindow.findChild<window::StatusLine *>()->factsText();
+            EXPECT_TRUE(facts.contains(QStringLiteral("已选择 1 个"))) << facts.toStdString();
+            EXPECT_TRUE(facts.contains(QStringLiteral("2 个标签已隐藏"))) << facts.toStdString();
             session.front.giveText({});
         },
     });

@@ -325,33 +325,58 @@ TEST(TextEntities, MTextReadsItsGroups)
     EXPECT_EQ(sink.fills[0].second, AcCmEntityColor::fromIndex(4));
 }
 
-TEST(TextEntities, MTextOfOlderFilesHasTheWidthOfItsColumn)
+// The first text names the others; all of them state the width of the whole. What is made or changed later
+// counts too.
+TEST(TextEntities, TextsOfOlderFilesHaveTheWidthOfTheirColumn)
 {
-    Groups groups{{100, "AcDbMText"}, {10, AcGePoint3d(0, 0, 0)}, {40, 1.0}, {41, 99.0}, {1, "aaaa bbbb"}};
-    const auto count = [&] {
-        std::set<double> lines;
-        for (const auto &text : drawnEntity("MTEXT", groups).texts)
-            lines.insert(text.position.y);
-        return lines.size();
+    MemoryDrawing drawing(DrawingVersion::r2000, DrawingForm::dwg);
+    const auto add = [&](const Groups &data) {
+        Groups groups{
+            {100, "AcDbMText"}, {10, AcGePoint3d(0, 0, 0)}, {40, 1.0}, {41, 99.0}, {1, "aaaa bbbb"}};
+        groups.insert(groups.end(), data.begin(), data.end());
+        return drawing.entity("MTEXT", groups);
     };
-    EXPECT_EQ(count(), 1u);
-    for (const Group &group : {Group(1001, "ACAD"),
-                               {1000, "ACAD_MTEXT_COLUMN_INFO_BEGIN"},
-                               {1070, 75},
-                               {1070, 1},
-                               {1070, 79},
-                               {1070, 0},
-                               {1070, 76},
-                               {1070, 2},
-                               {1070, 78},
-                               {1070, 0},
-                               {1070, 48},
-                               {1040, 4.0},
-                               {1070, 49},
-                               {1040, 1.0},
-                               {1000, "ACAD_MTEXT_COLUMN_INFO_END"}})
-        groups.push_back(group);
-    EXPECT_EQ(count(), 2u);
+    const std::uint64_t plain = add({});
+    const std::uint64_t second = add({});
+    const std::uint64_t first = add({{1001, "ACAD"},
+                                     {1000, "ACAD_MTEXT_COLUMN_INFO_BEGIN"},
+                                     {1070, 75},
+                                     {1070, 2},
+                                     {1070, 48},
+                                     {1040, 4.5},
+                                     {1070, 50},
+                                     {1070, 2},
+                                     {1040, 48.0},
+                                     {1040, 75.0},
+                                     {1000, "ACAD_MTEXT_COLUMN_INFO_END"},
+                                     {1000, "ACAD_MTEXT_COLUMNS_BEGIN"},
+                                     {1070, 47},
+                                     {1070, 2},
+                                     {1005, AcDbHandle{second}},
+                                     {1000, "ACAD_MTEXT_COLUMNS_END"}});
+    const std::unique_ptr<AcDbDatabase> database = drawing.open();
+    const auto lines = [&](std::uint64_t handle) {
+        const AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({handle}), AcDb::kForRead);
+        RecordingSink sink;
+        acgi::drawEntity(*entity, sink);
+        std::set<double> heights;
+        for (const auto &text : sink.texts)
+            heights.insert(text.position.y);
+        return heights.size();
+    };
+    EXPECT_EQ(lines(plain), 1u);
+    EXPECT_EQ(lines(second), 2u);
+    EXPECT_EQ(lines(first), 2u);
+    {
+        AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({first}), AcDb::kForWrite);
+        ResbufList data = entity->xData(QStringLiteral("ACAD"));
+        for (resbuf &group : data) {
+            if (group.restype == 1040)
+                group = resbuf(1040, 50.0);
+        }
+        ASSERT_EQ(entity->setXData(data), Acad::eOk);
+    }
+    EXPECT_EQ(lines(second), 1u);
 }
 
 TEST(TextEntities, AnEmptyMTextHasNoBackground)

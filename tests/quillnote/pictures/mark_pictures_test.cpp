@@ -60,18 +60,19 @@ struct MarkPictures : testing::Test {
             tests::matchesPicture(picture.image, QStringLiteral("quillnote/pictures/%1.png").arg(name)));
         return picture.image;
     }
-    void compare(int width, int height, const QString &name) const
+    void compare(int width, int height, const QString &name, const acgi::PaintOptions &options = {}) const
     {
-        compareConverted(matched(tests::planView(0, 0, width, height), name));
+        compareConverted(matched(tests::planView(0, 0, width, height), name), options);
     }
     /// Letters and the edges of waves may fall on other sides of a pixel.
-    void compareConverted(const QImage &marks) const
+    void compareConverted(const QImage &marks, const acgi::PaintOptions &options) const
     {
         AcApView &seen = drawing->document().view();
         seen.height = seen.pixelHeight; // A pixel is a unit, as in the pictures.
         EXPECT_GT(convertMarks(drawing->database()).converted, 0U);
         const AcGiViewport view = tests::planView(0, 0, marks.width(), marks.height());
-        const tests::Picture converted = tests::paintPicture(drawing->database().modelSpaceId(), view);
+        const tests::Picture converted =
+            tests::paintPicture(drawing->database().modelSpaceId(), view, options);
         EXPECT_TRUE(converted.report.undrawn.empty());
         constexpr double kShare = 0.005;
         const double pixels = double(marks.width()) * marks.height();
@@ -254,5 +255,8 @@ TEST_F(MarkPictures, SketchesShowEveryKindOfStroke)
         mark.targetStyle = 0;
         mark.sketchData = QByteArray(reinterpret_cast<const char *>(numbers), sizeof numbers);
     });
-    compare(220, 120, QStringLiteral("sketch"));
+    // Plain entities show their widths only where weights are shown.
+    acgi::PaintOptions options;
+    options.lineWeights = true;
+    compare(220, 120, QStringLiteral("sketch"), options);
 }
