@@ -118,7 +118,9 @@ class ReportPageTest(unittest.TestCase):
             self.assertEqual(told.returncode, 2, told.stderr)
             self.assertIn(name, told.stderr)
         for script in scripts:
-            self.assertIn("创建文件<", run("run", "-", "small.dxf", text=script).stderr)
+            told = run("run", "-", "small.dxf", text=script)
+            self.assertEqual(told.returncode, 2, told.stderr)
+            self.assertIn("创建文件<", told.stderr)
         for name in [*reports.values(), *beside]:
             self.assertEqual(Path(name).read_text(), "kept", name)
         self.assertEqual([path.name for path in Path().glob(".quill-*")], [])

@@ -4,6 +4,7 @@
 #include "host/acdb/dbtransform.h"
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
+#include "host/acgi/text/text_layout.h"
 
 #include <algorithm>
 
@@ -42,6 +43,7 @@ public:
     }
 
     MText &text() { return m_text; }
+    bool isCut() const { return m_isCut; }
 
 private:
     void read(const resbuf &group);
@@ -59,6 +61,7 @@ private:
     QString m_style;
     AcGeVector3d m_direction; ///< None: not stated.
     std::optional<double> m_rotation;
+    bool m_isCut = false;     ///< There may be more of the text than is shown.
     bool m_inColumns = false; ///< Behind group 75, where 50 is a height.
 };
 
@@ -97,7 +100,8 @@ void MTextGroups::read(const resbuf &group)
     switch (group.restype) {
     case 1:
     case 3:
-        m_text.coded += group.text();
+        m_text.coded += QStringView(group.text()).left(kMostShownCharacters - m_text.coded.size());
+        m_isCut = m_isCut || m_text.coded.size() == kMostShownCharacters;
         break;
     case 7:
         m_style = group.text();
@@ -262,7 +266,10 @@ static void readExtendedColumns(const AcDbEntity &entity, MText &text)
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const EntityGroups groups(entity, u"AcDbMText");
-    MText text = MTextGroups(GroupSpan(groups.begin(), groups.end()), entity.database()).text();
+    MTextGroups read(GroupSpan(groups.begin(), groups.end()), entity.database());
+    if (read.isCut())
+        noteCutText(entity, sink);
+    MText &text = read.text();
     readExtendedColumns(entity, text);
     readEmbeddedColumns(embeddedGroups(entity), text);
     drawMText(text, sink);
