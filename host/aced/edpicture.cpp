@@ -3,6 +3,7 @@
 
 #include "host/aced/edspace.h"
 #include "host/aced/edsysvar.h"
+#include "host/acgi/query/spatial_index.h"
 #include "host/base/atomic_file.h"
 #include "host/base/host_text.h"
 
@@ -25,7 +26,12 @@ QImage acedPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewpor
         return image;
     image.fill(options.fillBackground ? options.background : QColor(Qt::transparent));
     QPainter painter(&image);
-    const acgi::PaintReport painted = acgi::displayOf(database).paint(space, view, painter, options);
+    acgi::PaintOptions beside = options;
+    beside.besideScreen = true;
+    beside.near = [&database](AcDbObjectId shown, const AcDbExtents &box) {
+        return acgi::spatialIndexOf(database).near(shown, box);
+    };
+    const acgi::PaintReport painted = acgi::displayOf(database).paint(space, view, painter, beside);
     if (report)
         *report = painted;
     return image;

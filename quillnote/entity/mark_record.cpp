@@ -93,7 +93,7 @@ static bool standsInCurrentDrawing(AcDbObjectId id)
 void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
 {
     const bool isShown = context->regenType() == kAcGiStandardDisplay;
-    if (displayMode != -1 && !markDrawingState().leftOut) {
+    if (displayMode != -1) {
         const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
         drawMark(layout, *context);
         if (isShown) {

@@ -11,8 +11,6 @@ struct MarkDrawingState {
     bool textSuppressed = false;
     /// The setting "TextStyle", read by the first mark that is drawn after a command ended.
     std::optional<bool> trueType;
-    /// Pictures of the drawing without its marks are being made.
-    bool leftOut = false;
     /// Size of number flags; the tick resize commands change it.
     double flagScale = 1.0;
     /// Flags are refreshed while zooming, so those of leader marks may keep their size on the screen too.

@@ -35,7 +35,6 @@ Review takeReview(AcApDocument &document, ReviewPictures pictures)
     review.hidden = std::erase_if(review.rows, [](const ReviewRow &row) { return row.mark.isHidden; });
     if (pictures == ReviewPictures::none)
         return review;
-    const PicturesWithoutMarks withoutMarks(*document.database());
     for (ReviewRow &row : review.rows)
         takeTargetPictures(document, row);
     if (pictures == ReviewPictures::all)

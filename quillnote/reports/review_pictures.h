@@ -5,19 +5,6 @@
 
 class AcDbDatabase;
 
-/// While it lives, pictures of the drawing show no marks.
-class PicturesWithoutMarks
-{
-public:
-    explicit PicturesWithoutMarks(AcDbDatabase &database);
-    ~PicturesWithoutMarks();
-    PicturesWithoutMarks(const PicturesWithoutMarks &) = delete;
-    PicturesWithoutMarks &operator=(const PicturesWithoutMarks &) = delete;
-
-private:
-    AcDbDatabase &m_database;
-};
-
 /// Fills in the row's pictures. The stored picture is left as it is unless it is larger than a page needs; a
 /// mark without one shows its target of now with what is around it.
 void takeTargetPictures(AcApDocument &document, ReviewRow &row);

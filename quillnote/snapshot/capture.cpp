@@ -45,8 +45,8 @@ std::optional<QString> captureTargetImage(const AcGePoint3d &corner1, const AcGe
     const auto view = targetView(TargetPlace(corner1, corner2, -document.view().twist), pixels->size());
     if (!view)
         return {};
-    return saved(targetPicture(*document.database(), document.database()->currentSpaceId(), *view,
-                               acedScreenOptions(document).background, ShownMarks::all));
+    return saved(spacePicture(*document.database(), document.database()->currentSpaceId(), *view,
+                              acedScreenOptions(document).background, ShownMarks::all));
 }
 
 static void exportView(const QString &path)

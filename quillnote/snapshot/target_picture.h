@@ -1,5 +1,5 @@
-// The picture of a target as the drawing shows it now, made so that it can be laid over the one that its mark
-// keeps: the same part of the drawing, the same size, the same background.
+// Pictures of targets and of spaces, with marks or without. That of a target as the drawing shows it now can
+// be laid over the one that its mark keeps: the same part of the drawing, the same size, the same background.
 #pragma once
 
 #include "host/acgi/viewport.h"
@@ -34,11 +34,22 @@ std::optional<AcGiViewport> targetView(const TargetPlace &target, QSize size);
 /// A size that suits the target: its longer side has so many pixels. Empty for a target without area.
 QSize targetPictureSize(const TargetPlace &target, int longerSide);
 
+/// What the picture of a mark shows; null when its bytes are no PNG.
+QImage decodedPicture(const QByteArray &png);
+
 enum class ShownMarks { all, none };
 
-/// A space (block record of model space or a layout) as seen in the view. No image when it is too large.
-QImage targetPicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view, QColor background,
-                     ShownMarks marks);
+/// A space (block record of model space or a layout) as seen in the view; what it costs goes with what is
+/// seen there. No image when it is too large.
+QImage spacePicture(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view, QColor background,
+                    ShownMarks marks);
 
-/// The background that a picture was taken over: its most frequent colour.
-QColor backgroundOf(const QImage &picture);
+struct PictureLikeAnother {
+    QImage image;
+    QColor background;
+};
+
+/// The same for what another picture shows, without marks, over the background of that picture. No picture
+/// tells its background, a column may fill it as well: it is the one that makes both most alike.
+PictureLikeAnother spacePictureLike(AcDbDatabase &database, AcDbObjectId space, const AcGiViewport &view,
+                                    const QImage &other);

@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QScreen>
 
+#include <algorithm>
+
 enum Control : int { kFirstPick = 500, kFirstCaption = 520, kFirstValue = 540, kHelp = 1156 };
 
 static void showHelp()
@@ -36,6 +38,10 @@ CTmpExcel::CTmpExcel(const std::vector<TemplateDialogRow> &rows, const QString &
             setUpRow(i, m_rows[std::size_t(i)]);
     }
     showDrawing();
+    // Typing begins where there is something to type.
+    const auto typed = std::ranges::find(m_rows, false, &TemplateDialogRow::isDrawing);
+    if (typed != m_rows.end())
+        item(kFirstValue + int(typed - m_rows.begin()))->setFocus();
     // All rows at once where the screen has room for them.
     const QSize screen = this->screen()->availableSize();
     resize(QSize(560, m_form->rows->sizeHint().height() + 90).boundedTo(screen - QSize(40, 80)));

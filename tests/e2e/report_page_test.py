@@ -7,7 +7,6 @@ import json
 import os
 import re
 import shutil
-import signal
 import subprocess
 import unittest
 import zipfile
@@ -98,44 +97,6 @@ class ReportPageTest(unittest.TestCase):
         listed = program.call("report", "--json", "--csv", "told.csv", NAMES[0]).stdout.splitlines()
         self.assertEqual(json.loads(listed[-1]), {"written": "told.csv"})
         self.assertEqual(len(listed), len(HOSTILE) + 1)
-
-    def test_a_full_disk_leaves_what_was_there(self):
-        """A limit on the size of files stands for a disk that is full."""
-        scripts = ["QN3_txt\n@ok\n", "QN3_Html\n@ok\n@ok\n", "QN3_HtmlN\n@ok\n", "QN3_Page\n@ok\n"]
-        reports = {"--page": "full.html", "--csv": "full.csv", "--xlsx": "full.xlsx"}
-        beside = ["small_dxf.txt", "small_dxf.html", "small_dxfN.html", "small_dxf-review.html"]
-        shutil.copy(NAMES[0], "small.dxf")
-        for name in [*reports.values(), *beside]:
-            Path(name).write_text("kept")
-
-        def run(*arguments, text=None):
-            command = ["prlimit", "--fsize=64:64", program.QUILLNOTE, *arguments]
-            return subprocess.run(command, input=text, capture_output=True, text=True, encoding="utf-8", timeout=120,
-                                  preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))  # fmt: skip
-
-        for option, name in reports.items():
-            told = run("report", "-f", option, name, NAMES[0])
-            self.assertEqual(told.returncode, 2, told.stderr)
-            self.assertIn(name, told.stderr)
-        for script in scripts:
-            told = run("run", "-", "small.dxf", text=script)
-            self.assertEqual(told.returncode, 2, told.stderr)
-            self.assertIn("创建文件<", told.stderr)
-        for name in [*reports.values(), *beside]:
-            self.assertEqual(Path(name).read_text(), "kept", name)
-        self.assertEqual([path.name for path in Path().glob(".quill-*")], [])
-
-    def test_a_killed_run_leaves_no_half_page(self):
-        Path("whole.html").write_text("kept")
-        process = subprocess.Popen([program.QUILLNOTE, "report", "-f", "--page", "whole.html", *NAMES],
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)  # fmt: skip
-        try:
-            process.wait(0.15)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            process.wait()
-        text = Path("whole.html").read_text(encoding="utf-8")
-        self.assertTrue(text == "kept" or text.endswith("</html>\n"))
 
 
 @unittest.skipUnless(CHROMIUM, "chromium is not installed: nothing is known of the page in a browser")

@@ -92,7 +92,7 @@ PaintReport Display::Impl::paint(AcDbObjectId space, const AcGiViewport &view, Q
     picture.takeSpace(space);
     picture.paint(painter);
     PaintReport report = picture.report();
-    if (!report.cancelled)
+    if (!report.cancelled && !options.besideScreen)
         m_painted = Shown{space, view};
     return report;
 }

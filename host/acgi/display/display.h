@@ -14,7 +14,9 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 class AcDbEntity;
 
@@ -35,6 +37,13 @@ struct PaintOptions {
     QColor highlight;
     /// Only this part of the view is painted, pixels; all of it when empty.
     QRect part;
+    /// True for entities that the picture does without.
+    std::function<bool(AcDbObjectId)> leavesOut;
+    /// Asked where lists are missing: the entities of a space that may be seen in a box of the world's plane.
+    /// Only their lists are made. None: it is not known, or all may as well be looked at.
+    std::function<std::optional<std::vector<AcDbObjectId>>(AcDbObjectId space, const AcDbExtents &box)> near;
+    /// The picture is none of the screen's: what the screen shows, and its lists, stay as they are.
+    bool besideScreen = false;
     /// Asked now and then; true ends the painting early.
     std::function<bool()> isCancelled;
 };

@@ -421,8 +421,28 @@ DisplayCache::near(const Progress &progress, const std::vector<std::uint32_t> &e
     return found;
 }
 
+/// The same where lists are missing.
+std::optional<std::vector<std::uint32_t>>
+DisplayCache::nearOfMissing(AcDbObjectId space, const std::vector<std::uint32_t> &entities,
+                            const Plane &plane, const PaintOptions &options) const
+{
+    const auto ids =
+        options.near
+            ? options.near(space, AcDbExtents({plane.left, plane.bottom, 0.0}, {plane.right, plane.top, 0.0}))
+            : std::nullopt;
+    if (!ids)
+        return std::nullopt;
+    std::vector<bool> isNear(m_lists.size());
+    for (const AcDbObjectId id : *ids)
+        isNear[id.stub()->index] = true;
+    std::vector<std::uint32_t> found;
+    std::ranges::copy_if(entities, std::back_inserter(found),
+                         [&](std::uint32_t each) { return isNear[each]; });
+    return found;
+}
+
 ShownSpace DisplayCache::show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part, int slot,
-                              const std::function<bool()> &isCancelled, PaintReport &report)
+                              const PaintOptions &options, PaintReport &report)
 {
     ShownSpace shown;
     shown.isPlan = view.isPlan();
@@ -440,14 +460,20 @@ ShownSpace DisplayCache::show(AcDbObjectId space, const AcGiViewport &view, cons
     Progress &progress = m_progress[space.stub()->index];
     const std::vector<std::uint32_t> &all = order(space, contents->entities);
     const bool isSorted = &all != &contents->entities;
-    const auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
+    auto some = shown.isPlan && !isSorted ? near(progress, all, plane) : std::nullopt;
+    const bool isComplete = some || progress.made >= all.size();
+    if (shown.isPlan && !isComplete)
+        some = nearOfMissing(space, all, plane, options);
+    const bool makesAll = (isComplete || !some) && !options.leavesOut;
     constexpr unsigned kBetweenQuestions = 4096;
     unsigned count = 0;
     for (const std::uint32_t index : some ? *some : all) {
-        if (++count % kBetweenQuestions == 0 && isCancelled && isCancelled()) {
+        if (++count % kBetweenQuestions == 0 && options.isCancelled && options.isCancelled()) {
             report.cancelled = true;
             return shown;
         }
+        if (options.leavesOut && options.leavesOut(AcDbObjectId(m_database.stub(index))))
+            continue;
         // Erased ones have lost their list.
         if (!m_lists[index].has(DisplayList::kBuilt) && m_database.stub(index)->has(AcDbStub::kErased))
             continue;
@@ -463,9 +489,11 @@ ShownSpace DisplayCache::show(AcDbObjectId space, const AcGiViewport &view, cons
                 ++report.undrawn[reason];
         }
     }
-    progress.made = contents->entities.size();
-    progress.dropped.clear();
-    m_slots[slot].missing.clear();
+    if (makesAll) {
+        progress.made = contents->entities.size();
+        progress.dropped.clear();
+        m_slots[slot].missing.clear();
+    }
     return shown;
 }
 

@@ -33,10 +33,9 @@ public:
 
     /// Makes the lists of the space that are missing, and gives those that the view has to do with. Views
     /// that are shown at the same time have different slots; lists that depend on the view are made again
-    /// when the view of their slot changes. `part` is the part of the view that counts, pixels. `isCancelled`
-    /// may end this early.
+    /// when the view of their slot changes. `part` is the part of the view that counts, pixels.
     ShownSpace show(AcDbObjectId space, const AcGiViewport &view, const QRectF &part, int slot,
-                    const std::function<bool()> &isCancelled, PaintReport &report);
+                    const PaintOptions &options, PaintReport &report);
     /// Makes lists of the space that are missing, until the time is over. True when none is missing.
     bool prepare(AcDbObjectId space, const AcGiViewport &view, int slot, const QDeadlineTimer &until);
     const DisplayList *list(std::uint32_t index, int slot) const;
@@ -128,6 +127,10 @@ private:
     void makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities);
     static std::optional<std::vector<std::uint32_t>>
     near(const Progress &progress, const std::vector<std::uint32_t> &entities, const Plane &plane);
+    std::optional<std::vector<std::uint32_t>> nearOfMissing(AcDbObjectId space,
+                                                            const std::vector<std::uint32_t> &entities,
+                                                            const Plane &plane,
+                                                            const PaintOptions &options) const;
     static Plane visiblePlane(const AcGiViewport &view, const QRectF &part);
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 

@@ -73,8 +73,7 @@ void Picture::showViewports(AcDbObjectId space, double margin)
         ShownViewport &shown = m_viewports[number];
         const AcGiViewport view = viewOf(picture, m_view);
         const QRectF all(-margin, -margin, view.pixelWidth + 2.0 * margin, view.pixelHeight + 2.0 * margin);
-        shown.space =
-            m_sources.cache.show(picture.space, view, all, int(number) + 1, m_options.isCancelled, m_report);
+        shown.space = m_sources.cache.show(picture.space, view, all, int(number) + 1, m_options, m_report);
         shown.pens = std::make_unique<Pens>(m_sources.tables, m_options, picture.frozenLayers);
     }
     // All traits are known only now.
@@ -87,8 +86,9 @@ void Picture::takeSpace(AcDbObjectId space)
     m_pens.add(m_sources.cache.tables().traits());
     const double margin = std::max(kMargin, m_pens.margin(1.0 / m_view.pixelSize()));
     const QRectF part = m_options.part.isEmpty() ? wholeView() : QRectF(m_options.part);
-    m_shown = m_sources.cache.show(space, m_view, part.adjusted(-margin, -margin, margin, margin), 0,
-                                   m_options.isCancelled, m_report);
+    const int slot = m_options.besideScreen ? m_sources.cache.slotFor(m_view) : 0;
+    m_shown = m_sources.cache.show(space, m_view, part.adjusted(-margin, -margin, margin, margin), slot,
+                                   m_options, m_report);
     showViewports(space, margin);
     m_report.painted = m_shown.lists.size();
     m_pens.add(m_sources.cache.tables().traits());

@@ -124,6 +124,18 @@ public:
         return true;
     }
 
+    /// Perhaps larger than the extents; none until the index is ready.
+    std::optional<AcDbExtents> roughBox() const
+    {
+        if (m_isBuilding)
+            return std::nullopt;
+        AcDbExtents box;
+        for (const Tree *const tree : {&m_built, &m_changed}) {
+            if (!tree->empty())
+                box.addExt(plainBox(bg::return_envelope<TreeBox>(tree->bounds())));
+        }
+        return box;
+    }
     void noteChange(std::uint32_t entity) { m_dirty.insert(entity); }
 
     std::vector<Found> find(const AcDbExtents &box)
@@ -150,18 +162,11 @@ public:
     AcDbExtents extents()
     {
         update();
-        AcDbExtents all;
-        if (m_superseded.empty()) {
-            if (!m_built.empty())
-                all.addExt(plainBox(bg::return_envelope<TreeBox>(m_built.bounds())));
-        } else {
-            for (const TreeEntry &entry : m_built) {
-                if (!m_superseded.contains(entry.second))
-                    all.addExt(plainBox(entry.first));
-            }
-        }
-        for (const TreeEntry &entry : m_changed)
-            all.addExt(plainBox(entry.first));
+        if (!m_builtExtents)
+            m_builtExtents = builtExtents();
+        AcDbExtents all = *m_builtExtents;
+        if (!m_changed.empty())
+            all.addExt(plainBox(bg::return_envelope<TreeBox>(m_changed.bounds())));
         return all;
     }
 
@@ -199,6 +204,7 @@ private:
         m_changed.clear();
         m_changedBoxes.clear();
         m_superseded.clear();
+        m_builtExtents.reset();
         m_endless.clear();
         m_withoutExtents.clear();
         m_custom.clear();
@@ -209,7 +215,29 @@ private:
         const BlockContents *const contents = m_record.database()->blockContents(m_record);
         m_entities = contents ? contents->entities : std::vector<std::uint32_t>();
         m_entries.reserve(m_entities.size());
+        m_firstLater = m_record.database()->stubCount();
         m_isBuilding = true;
+    }
+
+    AcDbExtents builtExtents() const
+    {
+        AcDbExtents all;
+        if (m_superseded.empty()) {
+            if (!m_built.empty())
+                all.addExt(plainBox(bg::return_envelope<TreeBox>(m_built.bounds())));
+            return all;
+        }
+        for (const TreeEntry &entry : m_built) {
+            if (!m_superseded.contains(entry.second))
+                all.addExt(plainBox(entry.first));
+        }
+        return all;
+    }
+
+    void supersede(std::uint32_t entity)
+    {
+        if (entity < m_firstLater && m_superseded.insert(entity).second)
+            m_builtExtents.reset();
     }
 
     bool placeEntities(const QDeadlineTimer &until)
@@ -256,7 +284,7 @@ private:
             return;
         }
         for (const std::uint32_t index : std::exchange(m_dirty, {})) {
-            m_superseded.insert(index);
+            supersede(index);
             m_endless.erase(index);
             m_withoutExtents.erase(index);
             m_custom.erase(index);
@@ -283,6 +311,8 @@ private:
     Tree m_changed;
     std::unordered_map<std::uint32_t, TreeBox> m_changedBoxes; ///< What stands in m_changed.
     std::unordered_set<std::uint32_t> m_superseded;            ///< Entries of m_built that no longer hold.
+    std::uint32_t m_firstLater = 0;            ///< Entities from this number on came after building began.
+    std::optional<AcDbExtents> m_builtExtents; ///< Of m_built; none until asked for.
     std::unordered_set<std::uint32_t> m_endless;
     std::unordered_set<std::uint32_t> m_withoutExtents;
     std::unordered_map<std::uint32_t, TreeBox> m_custom; ///< Entities that may look different in each view.
@@ -365,6 +395,30 @@ SpatialIndex::Space &SpatialIndex::space(AcDbObjectId blockRecord)
 bool SpatialIndex::prepare(AcDbObjectId blockRecord, int milliseconds)
 {
     return space(blockRecord).build(QDeadlineTimer(milliseconds));
+}
+
+/// How much of `all` the box covers; without width or height the other side counts.
+static double coverage(const AcDbExtents &box, const AcDbExtents &all)
+{
+    const auto ofSide = [](double low, double high, double allLow, double allHigh) {
+        const double common = std::min(high, allHigh) - std::max(low, allLow);
+        return allHigh > allLow ? std::max(0.0, common) / (allHigh - allLow) : 1.0;
+    };
+    return ofSide(box.minPoint().x, box.maxPoint().x, all.minPoint().x, all.maxPoint().x) *
+           ofSide(box.minPoint().y, box.maxPoint().y, all.minPoint().y, all.maxPoint().y);
+}
+
+std::optional<std::vector<AcDbObjectId>> SpatialIndex::near(AcDbObjectId blockRecord, const AcDbExtents &box)
+{
+    constexpr double kMuch = 0.25;
+    const auto known = m_spaces.find(blockRecord);
+    const auto all = known == m_spaces.end() ? std::nullopt : known->second->roughBox();
+    if (!all || !all->isValid() || coverage(box, *all) > kMuch)
+        return std::nullopt;
+    std::vector<AcDbObjectId> ids = query(blockRecord, box);
+    const std::vector<AcDbObjectId> custom = customEntities(blockRecord);
+    ids.insert(ids.end(), custom.begin(), custom.end());
+    return ids;
 }
 
 void SpatialIndex::noteChange(const AcDbObject &object)

@@ -17,14 +17,15 @@ static constexpr int kGap = 8;
 TwoPictures storedAndNow(AcDbDatabase &database, const QuillnoteObj3 &mark)
 {
     TwoPictures pictures;
-    pictures.then = QImage::fromData(mark.snapImage).convertToFormat(QImage::Format_RGB32);
+    pictures.then = decodedPicture(mark.snapImage).convertToFormat(QImage::Format_RGB32);
     const auto view = targetView(TargetPlace(mark), pictures.then.size());
     if (pictures.then.isNull() || !view)
         return {};
-    pictures.background = backgroundOf(pictures.then);
     const AcDbObjectId space = mark.blockId();
-    pictures.now = targetPicture(database, space, *view, pictures.background, ShownMarks::none);
-    pictures.nowOtherwise = targetPicture(database, space, *view, pictures.background, ShownMarks::all);
+    const PictureLikeAnother now = spacePictureLike(database, space, *view, pictures.then);
+    pictures.now = now.image;
+    pictures.background = now.background;
+    pictures.nowOtherwise = spacePicture(database, space, *view, now.background, ShownMarks::all);
     // Marks made elsewhere keep what stood on a screen, at whole pixels.
     pictures.tolerance = 1;
     return pictures;
@@ -41,7 +42,7 @@ TwoPictures oldAndNew(AcDbDatabase &oldDrawing, AcDbDatabase &newDrawing, const 
     pictures.background = Qt::white;
     const auto take = [&](AcDbDatabase &database, AcDbObjectId space) {
         if (!space.isNull())
-            return targetPicture(database, space, *view, pictures.background, ShownMarks::none);
+            return spacePicture(database, space, *view, pictures.background, ShownMarks::none);
         QImage nothing(int(view->pixelWidth), int(view->pixelHeight), QImage::Format_RGB32);
         nothing.fill(pictures.background);
         return nothing;

@@ -39,7 +39,15 @@ void QN3_delSnapBitmapAll()
     if (marks.ids.empty())
         return;
     qint64 total = 0;
-    for (const AcDbObjectId id : marks.ids)
-        total += releasePictures(id);
+    bool goesOn = true;
+    {
+        base::ProgressTeller teller(acDocManager()->progress(), QStringLiteral("删除快照图像"));
+        for (std::size_t i = 0; i < marks.ids.size() && goesOn; ++i) {
+            total += releasePictures(marks.ids[i]);
+            goesOn = teller.goesOn(double(i + 1) / double(marks.ids.size()));
+        }
+    }
+    if (!goesOn)
+        acutPrintf(QStringLiteral("\n已停止删除，其余评图标签保持原样。"));
     acutPrintf(QStringLiteral("\n本图中所有评图标签中的快照图像都已清除 %1 字节。").arg(total));
 }

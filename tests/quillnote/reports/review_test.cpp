@@ -73,9 +73,6 @@ TEST_F(ReviewTest, PicturesOfThenAndNowLieOverEachOther)
     EXPECT_EQ(image(overview.picture).size(), overview.picture.size);
     ASSERT_EQ(overview.places.size(), 2U);
     EXPECT_NEAR(overview.places[0].box.width(), overview.picture.size.width() * 20 / 104.0, 1.0);
-
-    // The marks are seen again afterwards.
-    EXPECT_FALSE(markDrawingState().leftOut);
 }
 
 // The colour that fills most of a picture may be that of a column.
