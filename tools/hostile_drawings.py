@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Drawings that were made to break something, and whether anything did.
 
-    tools/hostile_drawings.py [--program FILE] [--seed N] [--count N] [--kind rewired|deep|cut|bytes] [--keep FOLDER]
+    tools/hostile_drawings.py [--program FILE] [--seed N] [--first N] [--count N] [--kind rewired|deep|cut|bytes]
+                              [--keep FOLDER]
 
 Each case is a small drawing with marks that is damaged by chance, then worked on by some twenty commands in the
 console, saved and opened again. Every case comes from the seed and its number alone, so what is printed for a
@@ -9,7 +10,9 @@ failure repeats it. Checked: no crash, no hang, and nothing lost in silence: wha
 in the saved file as it did before, or saving was refused.
 
 Kinds: references, handles and owners rewired; structures that are deep or lead back to themselves; files cut
-anywhere; single bytes changed.
+at every byte in turn; single bytes changed. The last two come in four forms, text and binary of R12 and 2000; one
+command draws on most of them and a mark on each tenth. A program works on many cases at a time; where it fails, each
+is tried by itself.
 """
 
 import argparse
@@ -42,6 +45,7 @@ STEPS = [
 DOUBLING = ["COPY\nALL\n\n0,0\n5,5\n\n", "MIRROR\nALL\n\n0,0\n0,10\nN\n"]  # At most twice a case.
 OURS = {b"QUILLNOTE3", b"TABLE", b"CLASS", b"LAYER", b"APPID"}
 OUR_KEYS = {b"QN_DICT", b"XREC1", b"XREC2", b"DWG_FIELDS"}
+RULER = b"*" * 28  # In the records of the drawing's last number and of the palette's place.
 HANDLE = (5, 105)
 
 
@@ -49,13 +53,14 @@ class Failure(Exception):
     pass
 
 
-def run(*arguments, text=None):
-    """Exit status and messages; a signal or too much time is a failure."""
+def run(*arguments, text=None, seconds=None):
+    """Exit status; a signal or too much time is a failure."""
+    seconds = seconds or SECONDS
     try:
         done = subprocess.run([os.environ["QUILLNOTE"], *map(str, arguments)], input=text and text.encode(),
-                              capture_output=True, timeout=SECONDS)  # fmt: skip
+                              capture_output=True, timeout=seconds)  # fmt: skip
     except subprocess.TimeoutExpired:
-        raise Failure(f"{arguments[0]} takes more than {SECONDS} s") from None
+        raise Failure(f"{arguments[0]} takes more than {seconds} s") from None
     if done.returncode not in (0, 1, 2):
         raise Failure(f"{arguments[0]} ended with {done.returncode}: {done.stderr[-300:].decode(errors='replace')}")
     return done.returncode
@@ -99,7 +104,8 @@ def without_our_keys(groups):
 
 
 def is_ours(groups):
-    return groups[0][1] in OURS or any(code == 1 and value.startswith(b"QuillnoteObj3") for code, value in groups)
+    texts = [value for code, value in groups if code == 1]
+    return groups[0][1] in OURS or RULER in texts or any(text.startswith(b"QuillnoteObj3") for text in texts)
 
 
 def check_nothing_lost(before, after):
@@ -114,8 +120,10 @@ def check_nothing_lost(before, after):
 
 
 def check_lines(before, after, changed=16):
-    """For files that need not be readable: nearly every line of the file stands in the other one."""
-    lost = Counter(before.split(b"\n")) - Counter(after.split(b"\n"))
+    """For files that need not be readable: nearly every line of the file stands in the other one. In binary files
+    zeros part the texts and most numbers."""
+    part = b"\0" if before.startswith(drawings.SENTINEL[:8]) else b"\n"
+    lost = Counter(before.split(part)) - Counter(after.split(part))
     if lost.total() > changed:
         raise Failure(f"{lost.total()} lines are lost: {list(lost)[:8]}")
 
@@ -124,16 +132,18 @@ def check_lines(before, after, changed=16):
 
 
 def base_drawings(folder):
-    """Groups and form of small drawings that hold marks already, kept objects of R12 included."""
+    """Small drawings that hold marks already, kept objects of R12 included: those to be rewired, and those to be cut
+    and changed."""
     made = {}
     for version in ("R12", "R13", "2000", "2013"):
-        encoding = drawings.encoding_of(version, "ANSI_936")
-        source, marked = folder / "base.dxf", folder / "marked.dxf"
-        source.write_bytes(drawings.as_text(drawings.drawing(version), encoding))
-        if run("run", "-", source, "-o", marked, "-f", text=MARK + MARK + LEADER) != 0:
-            raise Failure(f"the {version} drawing takes no marks")
-        made[version] = marked.read_bytes()
-    return made
+        for form in (drawings.as_text, drawings.as_binary):
+            source, marked = folder / "base.dxf", folder / "marked.dxf"
+            source.write_bytes(form(drawings.drawing(version), drawings.encoding_of(version, "ANSI_936")))
+            if run("run", "-", source, "-o", marked, "-f", text=MARK + MARK + LEADER) != 0:
+                raise Failure(f"the {version} drawing takes no marks")
+            made[version, form] = marked.read_bytes()
+    texts = [data for (_, form), data in made.items() if form is drawings.as_text]
+    return texts, [data for (version, _), data in made.items() if version in ("R12", "2000")]
 
 
 def groups_of(data):
@@ -202,10 +212,6 @@ def deep(chance, _base):
     return drawings.as_text(drawings.split(text), "ascii")
 
 
-def cut(chance, base):
-    return base[: chance.randrange(len(base))]
-
-
 def one_byte(chance, base):
     at = chance.randrange(len(base))
     if chance.random() < 0.4 and b"QUILLNOTE SECTIONS" in base:
@@ -213,66 +219,120 @@ def one_byte(chance, base):
     return base[:at] + bytes([chance.randrange(256)]) + base[at + 1 :]
 
 
-KINDS = {"rewired": rewired, "deep": deep, "cut": cut, "bytes": one_byte}
+KINDS = ("rewired", "deep", "cut", "bytes")
+
+
+def damaged(kind, number, seed, bases):
+    chance = random.Random(f"{seed} {kind} {number}")
+    texts, forms = bases
+    if kind == "cut":  # Every length of every form, in an order that goes everywhere soon.
+        base = forms[number % len(forms)]
+        return base[: number // len(forms) * 7919 % len(base)]
+    if kind == "bytes":
+        return one_byte(chance, forms[number % len(forms)])
+    return (rewired if kind == "rewired" else deep)(chance, chance.choice(texts))
 
 
 # Cases ----------------------------------------------------------------------------------------------
 
 
+BATCH = {"rewired": 25, "deep": 1, "cut": 250, "bytes": 250}
+
+
 def script_of(chance, kind):
     if kind in ("cut", "bytes"):
-        return MARK
+        return MARK if chance.random() < 0.1 else STEPS[2]
     steps = [chance.choice(STEPS) for _ in range(20)]
     for _ in range(2):
         steps[chance.randrange(20)] = chance.choice(DOUBLING)
     return steps[0] if chance.random() < 0.3 else STEPS[2] + "".join(steps)
 
 
-def play(number, seed, kind, bases, folder):
-    chance = random.Random(f"{seed} {kind} {number}")
-    base = bases[chance.choice(list(bases))]
-    data = KINDS[kind](chance, base)
-    drawing, saved = folder / "hostile.dxf", folder / "saved.dxf"
-    drawing.write_bytes(data)
-    saved.unlink(missing_ok=True)
-    script = script_of(chance, kind)
-    (folder / "hostile.qns").write_text(script)
-    status = run("run", "-", drawing, "-o", saved, "-f", text=script)
-    if status != 0 and script != MARK:
-        (folder / "hostile.qns").write_text(MARK)
-        status = run("run", "-", drawing, "-o", saved, "-f", text=MARK)
-    if chance.random() < 0.3:
-        run(chance.choice(("info", "report", "marks")), drawing)
-    if status != 0:
-        return "refused"
-    if kind in ("cut", "bytes"):
-        check_lines(data, saved.read_bytes())
-    else:
-        check_nothing_lost(data, saved.read_bytes())
-    if run("marks", saved) == 2:
-        raise Failure("what was saved cannot be opened")
-    return "saved"
+class Batch:
+    """Some cases of one kind, their drawings in a folder, and what became of them."""
+
+    def __init__(self, kind, numbers, seed, bases, folder):
+        self.kind, self.folder = kind, folder
+        self.chance = random.Random(f"{seed} {kind} batch {numbers[0] // BATCH[kind]}")
+        self.script = script_of(self.chance, kind)
+        self.failures = {}
+        shutil.rmtree(folder, ignore_errors=True)
+        (folder / "saved").mkdir(parents=True)
+        self.data = {}
+        for number in numbers:
+            self.data[number] = damaged(kind, number, seed, bases)
+            self.drawing(number).write_bytes(self.data[number])
+
+    def drawing(self, number):
+        return self.folder / f"{number:06}.dxf"
+
+    def saved(self, number):
+        return self.folder / "saved" / f"{number:06}.dxf"
+
+    def each(self, numbers, *arguments, text=None, of=None):
+        """Runs the program once for all; when that goes wrong, once for each."""
+        of = of or self.drawing
+        call = lambda some, seconds: run(arguments[0], *arguments[1:2], *map(of, some), *arguments[2:], text=text,  # noqa: E731
+                                         seconds=seconds)  # fmt: skip
+        try:
+            return call(numbers, SECONDS + len(numbers))
+        except Failure as failure:
+            if len(numbers) == 1:
+                self.failures[numbers[0]] = str(failure)
+                return 2
+        for number in numbers:
+            self.each([number], *arguments, text=text, of=of)
+        return 2
+
+    def play(self):
+        numbers = list(self.data)
+        unsaved = numbers
+        for script in dict.fromkeys((self.script, MARK)):
+            if unsaved:
+                self.each(unsaved, "run", "-", "-o", f"{self.folder}/saved/", "-f", text=script)
+            unsaved = [number for number in numbers if not self.saved(number).exists()]
+        if self.chance.random() < 0.3:
+            self.each(numbers, self.chance.choice(("info", "report", "marks")), *())
+        done = [number for number in numbers if self.saved(number).exists()]
+        for number in done:
+            try:
+                check = check_lines if self.kind in ("cut", "bytes") else check_nothing_lost
+                check(self.data[number], self.saved(number).read_bytes())
+            except Failure as failure:
+                self.failures.setdefault(number, str(failure))
+        if done and self.each(done, "marks", of=self.saved) == 2:
+            for number in done:
+                if run("marks", self.saved(number)) == 2:
+                    self.failures.setdefault(number, "what was saved cannot be opened")
+        return Counter({"saved": len(done), "refused": len(numbers) - len(done)})
+
+    def keep(self, number, place):
+        place.mkdir(parents=True, exist_ok=True)
+        shutil.copy(self.drawing(number), place / f"{self.kind}-{number}.dxf")
+        (place / f"{self.kind}-{number}.qns").write_text(self.script)
 
 
-def campaign(seed, count, kinds, keep=None):
-    """Runs `count` cases of each kind; gives the sentences of those that failed."""
+def campaign(seed, count, kinds, keep=None, first=0):
+    """Runs `count` cases of each kind, from a number that begins a batch; gives the sentences of those that failed."""
     failures, results = [], Counter()
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         for place in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"):
             os.environ[place] = name  # Nobody's settings change.
+        os.environ.pop("DISPLAY", None)
         bases = base_drawings(folder)
         for kind in kinds:
-            for number in range(count):
-                try:
-                    results[kind, play(number, seed, kind, bases, folder)] += 1
-                except Failure as failure:
+            start = first // BATCH[kind] * BATCH[kind]
+            for begin in range(start, start + count, BATCH[kind]):
+                numbers = list(range(begin, min(begin + BATCH[kind], start + count)))
+                batch = Batch(kind, numbers, seed, bases, folder / "cases")
+                for result, cases in batch.play().items():
+                    results[kind, result] += cases
+                for number, failure in batch.failures.items():
                     failures.append(f"--seed {seed} --kind {kind}, case {number}: {failure}")
                     print(failures[-1], flush=True)
                     if keep:
-                        keep.mkdir(parents=True, exist_ok=True)
-                        for part in ("hostile.dxf", "hostile.qns"):
-                            shutil.copy(folder / part, keep / f"{kind}-{seed}-{number}{Path(part).suffix}")
+                        batch.keep(number, keep)
     for (kind, result), cases in sorted(results.items()):
         print(f"{kind}: {cases} {result}")
     return failures
@@ -283,13 +343,14 @@ def main():
     parser.add_argument("--program", type=Path, help="the program to try")
     parser.add_argument("--seed", default="1")
     parser.add_argument("--count", type=int, default=100, help="cases of each kind")
+    parser.add_argument("--first", type=int, default=0, help="number of the first case, rounded to a batch")
     parser.add_argument("--kind", choices=KINDS, action="append")
     parser.add_argument("--keep", type=Path, help="where drawings and scripts of failures go")
     options = parser.parse_args()
     if options.program:
         os.environ["QUILLNOTE"] = str(options.program.resolve())
-    failures = campaign(options.seed, options.count, options.kind or list(KINDS), options.keep)
-    print(f"{len(failures)} failures")
+    failures = campaign(options.seed, options.count, options.kind or list(KINDS), options.keep, options.first)
+    print(f"{len(failures)} failures, seed {options.seed}")
     return 1 if failures else 0
 
 

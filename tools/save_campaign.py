@@ -131,19 +131,10 @@ class Folder:
             self.faults += [f"{drawing.name}: nobody drew {name}" for name in set(found) - self.tried[drawing]]
             if len(found) != len(set(found)):
                 self.faults.append(f"{drawing.name}: a mark is there twice")
-            if (saved := self.save_again(drawing)).returncode != 0:
+            if (saved := self.call("run", "-", drawing, text="CIRCLE\n0,0\n5\nQSAVE\n")).returncode != 0:
                 self.faults.append(f"{drawing.name}: takes no save any more: {saved.stderr}")
         left = [name for name in os.listdir(self.path) if name.startswith((".quill-", ".plan"))]
         self.faults += [f"left behind: {name}" for name in left]
-
-    def save_again(self, drawing):
-        """A lock of somebody who was killed before he could write his name into it counts for ten seconds."""
-        end = time.monotonic() + 15
-        while True:
-            saved = self.call("run", "-", drawing, text="CIRCLE\n0,0\n5\nQSAVE\n")
-            if saved.returncode == 0 or time.monotonic() > end:
-                return saved
-            time.sleep(1)
 
 
 def campaign(program, folder, kills, seed, sample, programs=3, tell=None):

@@ -7,6 +7,7 @@
 #include <QJsonArray>
 
 #include <map>
+#include <utility>
 
 namespace console
 {
@@ -81,21 +82,28 @@ static QJsonObject countByKind(const AcDbDatabase &database, bool entities)
     return result;
 }
 
+/// Layers may be very many, so whoever wants them gets one at a time.
+template <class Use>
+static void eachLayer(AcDbDatabase &database, Use use)
+{
+    for (const AcDbObjectId id : AcDbSymbolTable(database, SymbolTable::layer).records()) {
+        if (const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead); layer)
+            use(*layer);
+    }
+}
+
 static QJsonArray layers(AcDbDatabase &database)
 {
     QJsonArray result;
-    for (const AcDbObjectId id : AcDbSymbolTable(database, SymbolTable::layer).records()) {
-        const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
-        if (!layer)
-            continue;
-        result.append(QJsonObject{{QStringLiteral("name"), layer->getName()},
-                                  {QStringLiteral("color"), layer->colorIndex()},
-                                  {QStringLiteral("linetype"), layer->linetype()},
-                                  {QStringLiteral("off"), layer->isOff()},
-                                  {QStringLiteral("frozen"), layer->isFrozen()},
-                                  {QStringLiteral("locked"), layer->isLocked()},
-                                  {QStringLiteral("plottable"), layer->isPlottable()}});
-    }
+    eachLayer(database, [&result](const AcDbLayerTableRecord &layer) {
+        result.append(QJsonObject{{QStringLiteral("name"), layer.getName()},
+                                  {QStringLiteral("color"), layer.colorIndex()},
+                                  {QStringLiteral("linetype"), layer.linetype()},
+                                  {QStringLiteral("off"), layer.isOff()},
+                                  {QStringLiteral("frozen"), layer.isFrozen()},
+                                  {QStringLiteral("locked"), layer.isLocked()},
+                                  {QStringLiteral("plottable"), layer.isPlottable()}});
+    });
     return result;
 }
 
@@ -134,7 +142,9 @@ static QJsonValue extents(const AcApDocument &document)
                        {QStringLiteral("max"), corner(box.maxPoint())}};
 }
 
-QJsonObject drawingInfo(const AcApDocument &document)
+/// Version, format, code page, counts of entities and other objects by kind, layouts, extents of the current
+/// space, classes, and what opening had to mend.
+static QJsonObject drawingInfo(const AcApDocument &document)
 {
     AcDbDatabase &database = *document.database();
     return {
@@ -145,7 +155,6 @@ QJsonObject drawingInfo(const AcApDocument &document)
         {QStringLiteral("codePage"), database.headerText("$DWGCODEPAGE")},
         {QStringLiteral("entities"), countByKind(database, true)},
         {QStringLiteral("objects"), countByKind(database, false)},
-        {QStringLiteral("layers"), layers(database)},
         {QStringLiteral("layouts"), layouts(database)},
         {QStringLiteral("extents"), extents(document)},
         {QStringLiteral("classes"), classes(database)},
@@ -171,16 +180,20 @@ static QString countsText(const QJsonObject &counts)
     return parts.join(QStringLiteral(", "));
 }
 
-static QString layerText(const QJsonObject &layer)
+static QString layersText(AcDbDatabase &database)
 {
-    QString text = layer.value(u"name").toString();
-    QStringList states;
-    for (const char *state : {"off", "frozen", "locked"}) {
-        if (layer.value(QLatin1String(state)).toBool())
-            states.append(QLatin1String(state));
-    }
-    if (!states.isEmpty())
-        text += QStringLiteral(" (%1)").arg(states.join(QStringLiteral(", ")));
+    QString text;
+    eachLayer(database, [&text](const AcDbLayerTableRecord &layer) {
+        QStringList states;
+        for (const auto &[isSo, state] :
+             {std::pair(layer.isOff(), "off"), {layer.isFrozen(), "frozen"}, {layer.isLocked(), "locked"}}) {
+            if (isSo)
+                states.append(QLatin1String(state));
+        }
+        text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + layer.getName();
+        if (!states.isEmpty())
+            text += QStringLiteral(" (%1)").arg(states.join(QStringLiteral(", ")));
+    });
     return text;
 }
 
@@ -206,7 +219,7 @@ static QString extentsText(const QJsonValue &extents)
     return QStringLiteral("(%1) to (%2)").arg(pointText(extents[u"min"]), pointText(extents[u"max"]));
 }
 
-QString drawingInfoText(const QJsonObject &info)
+static QString drawingInfoText(const QJsonObject &info, AcDbDatabase &database)
 {
     QString text = info.value(u"file").toString() + QLatin1Char('\n');
     text += row("version", QStringLiteral("%1 (%2)").arg(info.value(u"version").toString(),
@@ -215,8 +228,7 @@ QString drawingInfoText(const QJsonObject &info)
     text += row("code page", info.value(u"codePage").toString());
     text += row("entities", countsText(info.value(u"entities").toObject()));
     text += row("objects", countsText(info.value(u"objects").toObject()));
-    text += row("layers",
-                listText(info.value(u"layers"), [](const QJsonValue &v) { return layerText(v.toObject()); }));
+    text += row("layers", layersText(database));
     text +=
         row("layouts", listText(info.value(u"layouts"), [](const QJsonValue &v) {
                 return QStringLiteral("%1 (%2)").arg(v[u"name"].toString()).arg(v[u"entities"].toInteger());
@@ -241,8 +253,10 @@ int printInfo(const QStringList &files, bool json)
             continue;
         }
         drawing.tellDamage();
+        AcDbDatabase &database = *drawing.document()->database();
         QJsonObject info = drawingInfo(*drawing.document());
         if (json) {
+            info.insert(QStringLiteral("layers"), layers(database));
             const QJsonValue repairs = info.value(u"repairs");
             addDamage(info, *drawing.document());
             info.insert(QStringLiteral("repairs"), repairs); // All of them, not their number.
@@ -250,7 +264,7 @@ int printInfo(const QStringList &files, bool json)
         if (json)
             acedPrintResult(info);
         else
-            acedPrintResult(drawingInfoText(info));
+            acedPrintResult(drawingInfoText(info, database));
     }
     return status;
 }

@@ -81,12 +81,14 @@ static QByteArray readLine(int file)
 
 static bool writeLine(int file, const AcApLockHolder &holder)
 {
+    // In this order the file is never empty.
     const QByteArray line = lineOf(holder);
-    return ::ftruncate(file, 0) == 0 &&
-           ::pwrite(file, line.constData(), std::size_t(line.size()), 0) == line.size();
+    return ::pwrite(file, line.constData(), std::size_t(line.size()), 0) == line.size() &&
+           ::ftruncate(file, line.size()) == 0;
 }
 
-/// An empty file is one that somebody has just made; after a while it is one that he could not fill.
+/// On file systems where a lock cannot appear with its line in it, an empty file is one that somebody has
+/// just made; after a while it is one that he could not fill.
 static bool isEmptyForLong(int file)
 {
     constexpr qint64 kSeconds = 10;
@@ -143,10 +145,32 @@ static std::optional<AcApFileLock::Result> takeOver(const QByteArray &name, bool
     return result;
 }
 
+/// The file gets its name with the line in it, so that who is killed leaves a whole lock or none. The errno.
+static int placeWhole(const QByteArray &name)
+{
+    const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
+    const int file = ::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0644);
+    if (file < 0)
+        return errno;
+    const QByteArray nameless = "/proc/self/fd/" + QByteArray::number(file);
+    int trouble = EIO;
+    if (writeLine(file, ourselves()))
+        trouble = ::linkat(AT_FDCWD, nameless.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0
+                      ? 0
+                      : errno;
+    ::close(file);
+    return trouble;
+}
+
 /// None when there is a lock file, but it went while it was looked at.
 static std::optional<AcApFileLock::Result> tryToTake(const QByteArray &name, bool force,
                                                      AcApLockHolder &holder)
 {
+    const int trouble = placeWhole(name);
+    if (trouble == 0)
+        return AcApFileLock::taken;
+    if (trouble == EEXIST)
+        return takeOver(name, force, holder);
     const int file = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     AcApFileLock::Result result = AcApFileLock::impossible;
     if (file >= 0) {

@@ -180,9 +180,21 @@ AcDbObject *AcDbDatabase::resident(AcDbStub &stub)
     return stub.object;
 }
 
+static std::optional<SymbolTable> tableOfKind(AcDbKind kind)
+{
+    static const std::pair<AcDbKind, SymbolTable> kKinds[] = {
+        {acdbKind("VPORT"), SymbolTable::viewport},    {acdbKind("LTYPE"), SymbolTable::linetype},
+        {acdbKind("LAYER"), SymbolTable::layer},       {acdbKind("STYLE"), SymbolTable::textStyle},
+        {acdbKind("VIEW"), SymbolTable::view},         {acdbKind("UCS"), SymbolTable::ucs},
+        {acdbKind("APPID"), SymbolTable::appId},       {acdbKind("DIMSTYLE"), SymbolTable::dimStyle},
+        {acdbKind("BLOCK_RECORD"), SymbolTable::block}};
+    const auto found = std::ranges::find(kKinds, kind, &std::pair<AcDbKind, SymbolTable>::first);
+    return found == std::end(kKinds) ? std::optional<SymbolTable>() : found->second;
+}
+
 // Custom objects stay: making them again costs more than keeping them, and a class that refused a record
-// would say so each time. So do records of symbol tables, which are few and asked for by every entity. Other
-// native objects are made in a blink.
+// would say so each time. So do records of symbol tables, which every entity asks for, while they are few.
+// Other native objects are made in a blink.
 void AcDbDatabase::releaseIdle(AcDbStub &stub)
 {
     const AcDbObject *const object = stub.object;
@@ -192,7 +204,9 @@ void AcDbDatabase::releaseIdle(AcDbStub &stub)
         return;
     if (acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application())
         return;
-    if (!stub.has(AcDbStub::kEntity) && object->isKindOf(AcDbSymbolTableRecord::desc()))
+    constexpr std::size_t kFew = 5000;
+    const auto names = tableOfKind(stub.kind);
+    if (!stub.has(AcDbStub::kEntity) && names && table(*names).records.size() <= kFew)
         return;
     delete std::exchange(stub.object, nullptr);
 }
@@ -318,18 +332,6 @@ void AcDbDatabase::noteChange(AcDbStub &stub)
     }
     if (!stub.has(AcDbStub::kEntity))
         noteRecordName(stub);
-}
-
-static std::optional<SymbolTable> tableOfKind(AcDbKind kind)
-{
-    static const std::pair<AcDbKind, SymbolTable> kKinds[] = {
-        {acdbKind("VPORT"), SymbolTable::viewport},    {acdbKind("LTYPE"), SymbolTable::linetype},
-        {acdbKind("LAYER"), SymbolTable::layer},       {acdbKind("STYLE"), SymbolTable::textStyle},
-        {acdbKind("VIEW"), SymbolTable::view},         {acdbKind("UCS"), SymbolTable::ucs},
-        {acdbKind("APPID"), SymbolTable::appId},       {acdbKind("DIMSTYLE"), SymbolTable::dimStyle},
-        {acdbKind("BLOCK_RECORD"), SymbolTable::block}};
-    const auto found = std::ranges::find(kKinds, kind, &std::pair<AcDbKind, SymbolTable>::first);
-    return found == std::end(kKinds) ? std::optional<SymbolTable>() : found->second;
 }
 
 // Only a record that has another name now makes the names of its table be read again.

@@ -3,6 +3,7 @@
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/base/host_text.h"
 
 #include <array>
@@ -70,4 +71,11 @@ AcEdButton acedAsk(const QString &text, AcEdButtons buttons)
 void acedAlert(const QString &text)
 {
     acedAsk(text, AcEdButtons::ok);
+}
+
+void acedFail(const QString &text)
+{
+    acedRefuse(text);
+    if (!acedFrontEnd().isScripted())
+        acedAlert(text);
 }

@@ -17,4 +17,7 @@ void acedSetMessageBox(AcEdMessageBox *box);
 
 /// Shows a message and waits.
 void acedAlert(const QString &text);
+/// The command could not do what it was asked: acedRefuse(), so that a script ends here, and for who sits
+/// before a window a message box as well.
+void acedFail(const QString &text);
 AcEdButton acedAsk(const QString &text, AcEdButtons buttons);

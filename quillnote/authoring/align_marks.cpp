@@ -1,9 +1,11 @@
 #include "quillnote/authoring/align_marks.h"
 
+#include "quillnote/authoring/mark_set.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edselect.h"
 #include "host/aced/edview.h"
 
@@ -55,11 +57,11 @@ static std::optional<MarkCorners> askReference()
     }
     const AcDbObjectPointer<QuillnoteObj3> mark(picked, AcDb::kForRead);
     if (!mark) {
-        acutPrintf(QStringLiteral("\n不是评图标签。"));
+        acedRefuse(QStringLiteral("不是评图标签。"));
         return std::nullopt;
     }
     if (mark->leaderMode == 0) {
-        acutPrintf(QStringLiteral("\n不是引线标记，不能当做参考物。"));
+        acedRefuse(QStringLiteral("不是引线标记，不能当做参考物。"));
         return std::nullopt;
     }
     return textBoxCorners(*mark);
@@ -92,13 +94,11 @@ static void alignMarks(BoxAlignment alignment)
     if (!reference || acedSSGet(QString(), nullptr, nullptr, marks, selected) != RTNORM)
         return;
     const AcGeMatrix3d worldToView = acedViewFrame(curDoc()->view());
+    std::erase_if(selected, [](AcDbObjectId id) { return !isLeaderMark(id); });
     int refused = 0;
-    for (const AcDbObjectId id : selected) {
-        if (isLeaderMark(id) && !align(id, *reference, alignment, worldToView))
-            ++refused;
-    }
-    if (refused > 0)
-        acutPrintf(QStringLiteral("\n有 %1 个评图标签无法修改，其图层可能已锁定。").arg(refused));
+    for (const AcDbObjectId id : selected)
+        refused += align(id, *reference, alignment, worldToView) ? 0 : 1;
+    saySkippedMarks(refused, selected.size());
 }
 
 void qn8_align0()

@@ -10,7 +10,7 @@
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 
@@ -46,12 +46,16 @@ double suitingTextHeight(double viewHeight, const AcDbExtents &drawing)
     return std::round(height / digit) * digit;
 }
 
-/// The height that the user has set, or one for this drawing as it is seen now.
+/// The height that the user has set, or one for this drawing as it is seen now. What marks show beside their
+/// extents does not count: it is no part of the drawing, and looking at every mark there is would slow down
+/// each new one.
 static double modelTextHeight(const StartUpSettings &start)
 {
     const AcApDocument *const document = curDoc();
     return start.suitsTextHeight && document
-               ? suitingTextHeight(document->view().height, acedCurrentExtents(*document))
+               ? suitingTextHeight(
+                     document->view().height,
+                     acedSpaceExtents(*document->database(), document->database()->currentSpaceId()))
                : start.textHeight;
 }
 
@@ -117,5 +121,5 @@ AcDbObjectId appendNewMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3
 void keepMarkNumber(AcDbDatabase &database, std::uint16_t number)
 {
     if (const Acad::ErrorStatus refused = writeLastMarkNumber(database, number); refused != Acad::eOk)
-        acutPrintf(QStringLiteral("\n无法在图中保存评图标签编号：%1").arg(acadErrorStatusText(refused)));
+        acedRefuse(QStringLiteral("无法在图中保存评图标签编号：%1").arg(acadErrorStatusText(refused)));
 }

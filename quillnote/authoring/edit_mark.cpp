@@ -23,6 +23,8 @@ struct EditedMark {
 std::optional<EditedMark> markToEdit(AcDbObjectId id)
 {
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    if (!mark)
+        acedRefuse(QStringLiteral("不是评图标签。"));
     if (!mark || !mayChangeProtected(mark->chPwMD5))
         return {};
     return EditedMark{mark->suggestionContent, mark->targetCorner1, mark->targetCorner2};
@@ -86,7 +88,7 @@ void editMark(AcDbObjectId id)
     if (mark)
         store(*mark, *answer);
     else
-        acutPrintf(QStringLiteral("\n该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+        acedRefuse(QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
 }
 
 void QN3_QNeditMark()

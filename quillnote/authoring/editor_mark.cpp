@@ -7,6 +7,7 @@
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edview.h"
 
 /// The picked line of a leader, or the rectangle, upright in the view.
@@ -53,7 +54,7 @@ AcDbObjectId makeMark(const NewMark &request)
 {
     const AcDbObjectId id = createMark(*acdbCurDwg(), request);
     if (id.isNull())
-        acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
+        acedRefuse(QStringLiteral("无法在本图中创建评图标签。"));
     return id;
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edsysvar.h"
 #include "host/aced/edview.h"
 
@@ -30,12 +31,12 @@ void QN3_EasyDraw()
         return;
     NewMark request;
     if (!visibleCorners(document->view(), request)) {
-        acutPrintf(QStringLiteral("\n当前视口无法手绘。"));
+        acedRefuse(QStringLiteral("当前视口无法手绘。"));
         return;
     }
     InkSketch sketch;
     if (sketch.path().isEmpty()) {
-        acutPrintf(QStringLiteral("\n临时文件夹不可写，无法手绘。"));
+        acedRefuse(QStringLiteral("临时文件夹不可写，无法手绘。"));
         return;
     }
     sketch.ask(acedDrawingWindow());
@@ -50,6 +51,6 @@ void QN3_EasyDraw()
     request.sketchFile = sketch.path();
     request.isFreehand = true;
     if (createMark(*document->database(), request).isNull())
-        acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
+        acedRefuse(QStringLiteral("无法在本图中创建评图标签。"));
     acedFrontEnd().focusDrawing();
 }

@@ -30,7 +30,7 @@ void InkSketch::ask(const QRect &screen)
     const os::HelperLibrary library(installedFile(QStringLiteral("InkRelayDLL_X64.dll")));
     const auto callInkRelay = library.function<CallInkRelay>("callInkRelay");
     if (!callInkRelay) {
-        acedAlert(QStringLiteral("调用InkRelayDLL.dll错误."));
+        acedFail(QStringLiteral("调用InkRelayDLL.dll错误."));
         return;
     }
     callInkRelay(1, reinterpret_cast<const char16_t *>(m_path.utf16()), screen.left(), screen.top(),

@@ -22,9 +22,10 @@ static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
 void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
 {
     int skipped = 0;
-    for (const AcDbObjectId id : collectAllMarks(database).ids)
+    const CollectedMarks marks = collectAllMarks(database);
+    for (const AcDbObjectId id : marks.ids)
         skipped += setDisplayMode(id, modeOf(id)) ? 0 : 1;
-    saySkippedMarks(skipped);
+    saySkippedMarks(skipped, marks.ids.size());
 }
 
 void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)

@@ -5,6 +5,7 @@
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edselect.h"
 
 #include <algorithm>
@@ -65,12 +66,12 @@ static std::optional<AcGePoint3d> leaderBase(AcDbObjectId id)
 static bool addLeaderTo(AcDbObjectId id, const AcGePoint3d &end)
 {
     if (!hasRoomForLeader(*AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead))) {
-        acutPrintf(QStringLiteral("\n最多只能添加16根引线！"));
+        acedRefuse(QStringLiteral("最多只能添加16根引线！"));
         return false;
     }
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
     if (!mark) {
-        acutPrintf(QStringLiteral("\n该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+        acedRefuse(QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
         return false;
     }
     addLeader(*mark, end);

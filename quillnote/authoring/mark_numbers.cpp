@@ -6,7 +6,7 @@
 #include "quillnote/entity/mark_record.h"
 
 #include "host/acdb/dbreactor.h"
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 
 #include <algorithm>
 #include <limits>
@@ -76,6 +76,6 @@ bool hasFreeMarkNumber(AcDbDatabase &database)
 {
     if (nextMarkNumber(database))
         return true;
-    acutPrintf(QStringLiteral("\n本图的评图标签编号已用到65535，请先重新编号。"));
+    acedRefuse(QStringLiteral("本图的评图标签编号已用到65535，请先重新编号。"));
     return false;
 }

@@ -7,5 +7,6 @@
 /// All marks of the drawing; prints a line when there are none.
 CollectedMarks collectAllMarks(const AcDbDatabase &database);
 
-/// Prints how many marks could not be changed (locked layers); nothing for none.
-void saySkippedMarks(int count);
+/// Prints how many of those marks could not be changed (locked layers); nothing for none. When it was all of
+/// them the command is refused.
+void saySkippedMarks(int count, std::size_t of);

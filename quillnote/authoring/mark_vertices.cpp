@@ -111,13 +111,13 @@ static QString placeText(const VertexPlace &place)
 {
     switch (place.kind) {
     case VertexPlace::onEdge:
-        return QStringLiteral("\n已在第%1顶点之后增加了新顶点。").arg(place.edge + 1);
+        return QStringLiteral("已在第%1顶点之后增加了新顶点。").arg(place.edge + 1);
     case VertexPlace::noOutline:
-        return QStringLiteral("\n只能在矩形或多边形靶框上增加顶点。");
+        return QStringLiteral("只能在矩形或多边形靶框上增加顶点。");
     case VertexPlace::offOutline:
-        return QStringLiteral("\n请拾取靶框上，而不是拾取标注文本或文本框。");
+        return QStringLiteral("请拾取靶框上，而不是拾取标注文本或文本框。");
     case VertexPlace::full:
-        return QStringLiteral("\n靶框最多只能有16个顶点！");
+        return QStringLiteral("靶框最多只能有16个顶点！");
     }
     return {};
 }
@@ -127,22 +127,23 @@ static bool isOpenToUser(AcDbObjectId id)
 {
     const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     if (!mark)
-        acutPrintf(QStringLiteral("\n不是评图标签。"));
+        acedRefuse(QStringLiteral("不是评图标签。"));
     return mark && mayChangeProtected(mark->chPwMD5);
 }
 
-/// What to print. A mark that takes no vertex there is not opened for write: nothing would be to be undone.
-static QString addVertex(AcDbObjectId id, const AcGePoint3d &point)
+/// A mark that takes no vertex there is not opened for write: nothing would be to be undone.
+static void addVertex(AcDbObjectId id, const AcGePoint3d &point)
 {
     const VertexPlace place = vertexPlace(*AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead), point);
     if (place.kind != VertexPlace::onEdge)
-        return placeText(place);
+        return acedRefuse(placeText(place));
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
     if (!mark)
-        return QStringLiteral("\n该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus()));
+        return acedRefuse(
+            QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
     insertVertex(*mark, point);
     settleMark(*mark, *mark->database());
-    return placeText(place);
+    acutPrintf(u'\n' + placeText(place));
 }
 
 void QN3_addVertext()
@@ -152,5 +153,5 @@ void QN3_addVertext()
     if (acedEntSel(QStringLiteral("\n请在需要增加顶点的位置选择评图标签： "), picked, pickPoint) != RTNORM)
         acutPrintf(QStringLiteral("\n未选中评图标签。"));
     else if (isOpenToUser(picked))
-        acutPrintf(addVertex(picked, acedTrans(pickPoint, AcEdSpace::ucs, AcEdSpace::world)));
+        addVertex(picked, acedTrans(pickPoint, AcEdSpace::ucs, AcEdSpace::world));
 }

@@ -45,7 +45,7 @@ AcDbObjectId appendPolygonMark(AcDbDatabase &database, std::unique_ptr<Quillnote
     storeSnapshot(database, *mark);
     const AcDbObjectId id = appendNewMark(database, std::move(mark));
     if (id.isNull())
-        acutPrintf(QStringLiteral("\n无法在本图中创建评图标签。"));
+        acedRefuse(QStringLiteral("无法在本图中创建评图标签。"));
     return id;
 }
 

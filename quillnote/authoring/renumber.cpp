@@ -88,7 +88,7 @@ void renumberMarks(AcDbDatabase &database)
     for (const AcDbObjectId id : byReviewer(marks))
         numbering.number(id);
     keepMarkNumber(database, numbering.highest());
-    saySkippedMarks(numbering.skipped());
+    saySkippedMarks(numbering.skipped(), marks.ids.size());
 }
 
 void QN3_reNumber()
@@ -109,7 +109,7 @@ static std::optional<QString> numberToEdit(AcDbObjectId id)
 {
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     if (!mark) {
-        acutPrintf(QStringLiteral("\n不是评图标签。"));
+        acedRefuse(QStringLiteral("不是评图标签。"));
         return {};
     }
     const QString hash = mark->chPwMD5;
@@ -131,7 +131,7 @@ static std::optional<std::uint16_t> askNumber(const QString &oldNumber)
             return {};
         }
         if (number > kHighestNumber)
-            acutPrintf(QStringLiteral("\n编号不能大于 %1。").arg(kHighestNumber));
+            acedRefuse(QStringLiteral("编号不能大于 %1。").arg(kHighestNumber));
     } while (number > kHighestNumber);
     return static_cast<std::uint16_t>(number);
 }
@@ -140,7 +140,7 @@ static void setNumber(AcDbObjectId id, std::uint16_t number)
 {
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
     if (!mark) {
-        acutPrintf(QStringLiteral("\n该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+        acedRefuse(QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
         return;
     }
     mark->markNumber = number;

@@ -2,7 +2,7 @@
 
 #include "quillnote/frame/settings/start_up_settings.h"
 
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/base/text_codec.h"
 
 #include <QCryptographicHash>
@@ -43,7 +43,7 @@ const QString &unlockedHash()
 
 static bool refuse(const QString &chinese, const QString &english)
 {
-    acutPrintf(startUpSettings().chineseVersion ? chinese : english);
+    acedRefuse(startUpSettings().chineseVersion ? chinese : english);
     return false;
 }
 
@@ -57,10 +57,10 @@ bool checkPassword(const QString &hash)
         return false;
     const QString password = typed->trimmed();
     if (password.isEmpty())
-        return refuse(QStringLiteral("\n密码不能为空！"), QStringLiteral("\nPassword null, Error!"));
+        return refuse(QStringLiteral("密码不能为空！"), QStringLiteral("Password null, Error!"));
     state.lastEntered = hashPassword(password);
     if (!sameHash(state.lastEntered, hash))
-        return refuse(QStringLiteral("\n密码错误！"), QStringLiteral("\nPassword Error!"));
+        return refuse(QStringLiteral("密码错误！"), QStringLiteral("Password Error!"));
     state.unlocked = state.lastEntered;
     return true;
 }

@@ -9,6 +9,7 @@
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edmessage.h"
 #include "host/base/atomic_file.h"
 
@@ -57,7 +58,7 @@ bool fitsIntoFile(const MarkData &data)
 {
     if (data.marks.size() <= kMostDataRecords && data.ticks.size() <= kMostDataRecords)
         return true;
-    acutPrintf(QStringLiteral("\n本图有 %1 个评图标签、%2 个对勾标记，一个数据文件最多各存 %3 个。")
+    acedRefuse(QStringLiteral("本图有 %1 个评图标签、%2 个对勾标记，一个数据文件最多各存 %3 个。")
                    .arg(data.marks.size())
                    .arg(data.ticks.size())
                    .arg(kMostDataRecords));
@@ -78,11 +79,13 @@ void QN3_DataFileOut()
 {
     const QString drawing = drawingPath();
     if (drawing.isEmpty()) {
-        acutPrintf(QStringLiteral("\n请先命名并保存本文件后，再执行本命令。"));
+        acedRefuse(QStringLiteral("请先命名并保存本文件后，再执行本命令。"));
         return;
     }
     // Drawings end in ".dwg" or ".dxf".
     const QString target = drawing.chopped(4) + QStringLiteral(".Quillnote");
-    acedAlert(exportTo(target) ? QStringLiteral("评图标签独立信息文件:\n\n%1  \n\n已成功保存。").arg(target)
-                               : QStringLiteral("未保存！"));
+    if (exportTo(target))
+        acedAlert(QStringLiteral("评图标签独立信息文件:\n\n%1  \n\n已成功保存。").arg(target));
+    else
+        acedFail(QStringLiteral("未保存！"));
 }

@@ -413,11 +413,11 @@ static ImportedFile importErased(QByteArrayView bytes, const MarkDataHeader &hea
 {
     const std::optional<QStringList> guids = readErasedMarks(bytes, header);
     if (!header.checksumHolds || !guids)
-        acutPrintf(QStringLiteral("\n同步删除评图标签时遇到数据校验和错误。"));
+        acedRefuse(QStringLiteral("同步删除评图标签时遇到数据校验和错误。"));
     else if (header.markCount > kMostDataRecords)
-        acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目大于一万。报告错误"));
+        acedRefuse(QStringLiteral("同步删除评图标签时读取记录条目大于一万。报告错误"));
     else if (header.markCount == 0)
-        acutPrintf(QStringLiteral("\n同步删除评图标签时读取记录条目数为0。报告错误"));
+        acedRefuse(QStringLiteral("同步删除评图标签时读取记录条目数为0。报告错误"));
     else {
         eraseMarks(*acdbCurDwg(), *guids, header.shared);
         return ImportedFile::whole;
@@ -429,13 +429,13 @@ ImportedFile importMarkDataFile(const QString &path, WhenInDoubt doubt)
 {
     const auto file = base::readFileBytes(path);
     if (!file) {
-        acutPrintf(QStringLiteral("\n读取Quillnote数据文件<%1>错误1。").arg(path));
+        acedRefuse(QStringLiteral("读取Quillnote数据文件<%1>错误1。").arg(path));
         return ImportedFile::unreadable;
     }
     const QByteArrayView bytes(file->data(), qsizetype(file->size()));
     const std::optional<MarkDataHeader> header = readMarkDataHeader(bytes);
     if (!header) {
-        acutPrintf(QStringLiteral("\n读取<%1>错误2，不是Quillnote数据文件。").arg(path));
+        acedRefuse(QStringLiteral("读取<%1>错误2，不是Quillnote数据文件。").arg(path));
         return ImportedFile::unreadable;
     }
     if (header->kind == MarkDataKind::erased)

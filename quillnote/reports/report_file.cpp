@@ -7,7 +7,7 @@
 static void tellFailure(const QString &failure, const QString &path, const base::FileError &error)
 {
     acutPrintf(u'\n' + error.text());
-    acedAlert(failure.arg(path));
+    acedFail(failure.arg(path));
 }
 
 // Texts typed on different systems hold different line ends; the file has one kind.

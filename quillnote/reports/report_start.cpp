@@ -4,14 +4,14 @@
 #include "quillnote/reports/report_path.h"
 
 #include "host/acap/docman.h"
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 
 std::optional<QString> savedDrawingPath()
 {
     QString path = drawingPath();
     if (!path.isEmpty())
         return path;
-    acutPrintf(QStringLiteral("\n本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
+    acedRefuse(QStringLiteral("本图尚未命名存盘，请先存盘。然后重新执行本命令。"));
     return std::nullopt;
 }
 

@@ -276,7 +276,7 @@ void QN3_outputPage()
     const QString path = reviewPagePath(start->drawing);
     if (const auto written = writeReviewPage({review}, path); !written) {
         acutPrintf(u'\n' + written.error());
-        acedAlert(QStringLiteral("创建文件<%1>失败！").arg(path));
+        acedFail(QStringLiteral("创建文件<%1>失败！").arg(path));
         return;
     }
     acutPrintf(QStringLiteral("\n评图网页已输出为<%1>。").arg(path));

@@ -41,7 +41,7 @@ static std::optional<base::FileBytes> readTemplate(const QString &path)
     auto bytes = base::readFileBytes(path);
     if (bytes && !isForeign(bytes->view()))
         return *std::move(bytes);
-    acedAlert(QStringLiteral("< %1 >文件不是ANSI编码，请用记事本打开并以ANSI格式保存。").arg(path));
+    acedFail(QStringLiteral("< %1 >文件不是ANSI编码，请用记事本打开并以ANSI格式保存。").arg(path));
     return std::nullopt;
 }
 
@@ -81,7 +81,7 @@ void writeTemplateReport()
         return;
     const QString templatePath = settings::text(u"TempleteHTML").trimmed();
     if (templatePath.isEmpty())
-        acedAlert(QStringLiteral("未定义评图标签输出模板！"));
+        acedFail(QStringLiteral("未定义评图标签输出模板！"));
     const auto drawing = savedDrawingPath();
     if (!drawing)
         return;

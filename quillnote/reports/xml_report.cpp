@@ -144,7 +144,7 @@ static bool writeDocument(const XmlReport &report, const QString &path)
     const auto written = base::writeFileAtomically(path, report.document());
     if (!written) {
         acutPrintf(u'\n' + written.error().text());
-        acedAlert(QStringLiteral("创建文件<%1>失败！").arg(path));
+        acedFail(QStringLiteral("创建文件<%1>失败！").arg(path));
     }
     return written.ok();
 }
@@ -155,7 +155,7 @@ static void handOver(const QString &path)
     acedOpenWithDesktop(path);
     const QString program = installedFile(QStringLiteral("Yun\\reviewUploadExe.exe"));
     if (!QFileInfo::exists(program)) {
-        acedAlert(QStringLiteral("%1程序文件未找到，请重新安装CAD评图标签软件云模块！").arg(program));
+        acedFail(QStringLiteral("%1程序文件未找到，请重新安装CAD评图标签软件云模块！").arg(program));
         return;
     }
     settings::setText(kHandedOver, path);
@@ -185,5 +185,5 @@ void QN8_ToXml()
     if (project)
         handOver(path);
     else
-        acedAlert(QStringLiteral("生成XML文件错误！"));
+        acedFail(QStringLiteral("生成XML文件错误！"));
 }

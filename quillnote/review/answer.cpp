@@ -3,7 +3,7 @@
 #include "quillnote/entity/mark_record.h"
 
 #include "host/acdb/dbundo.h"
-#include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 
 std::optional<ReviewedMark> readReviewedMark(AcDbObjectId id)
 {
@@ -63,6 +63,6 @@ bool storeAnswer(AcApDocument &document, AcDbObjectId mark, const AnswerChange &
         status = write(mark, change);
     }
     if (status != Acad::eOk)
-        acutPrintf(QStringLiteral("\n回复没有保存：%1").arg(acadErrorStatusText(status)));
+        acedRefuse(QStringLiteral("回复没有保存：%1").arg(acadErrorStatusText(status)));
     return status == Acad::eOk;
 }

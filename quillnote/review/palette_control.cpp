@@ -6,6 +6,7 @@
 
 #include "host/acdb/dbundo.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 
 #include <algorithm>
 #include <limits>

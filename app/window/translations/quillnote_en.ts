@@ -362,10 +362,8 @@ Enter module file name: </translation>
         <translation>The module cannot be loaded: %1</translation>
     </message>
     <message>
-        <source>
-%1 %2 不能这样改动: %3</source>
-        <translation>
-%1 %2 cannot be changed like this: %3</translation>
+        <source>%1 %2 不能这样改动: %3</source>
+        <translation>%1 %2 cannot be changed like this: %3</translation>
     </message>
     <message>
         <source>
@@ -1010,16 +1008,12 @@ Enter file name: </translation>
         <translation>%1 [Yes/No] &lt;%2&gt;: </translation>
     </message>
     <message>
-        <source>
-%1 个对象不能改动（所在图层已锁定）。</source>
-        <translation>
-%1 objects cannot be changed (they are on a locked layer).</translation>
+        <source>%1 个对象不能改动（所在图层已锁定）。</source>
+        <translation>%1 objects cannot be changed (they are on a locked layer).</translation>
     </message>
     <message>
-        <source>
-%1 个对象不允许这样改动。</source>
-        <translation>
-%1 of the objects do not let themselves be changed like this.</translation>
+        <source>%1 个对象不允许这样改动。</source>
+        <translation>%1 of the objects do not let themselves be changed like this.</translation>
     </message>
     <message>
         <source>所在图层已锁定</source>
@@ -1044,10 +1038,8 @@ Enter file name: </translation>
 Stopped; the drawing is as it was.</translation>
     </message>
     <message>
-        <source>
-正在编组，请先结束编组 (UNDO End)。</source>
-        <translation>
-A group is open, end it first (UNDO End).</translation>
+        <source>正在编组，请先结束编组 (UNDO End)。</source>
+        <translation>A group is open, end it first (UNDO End).</translation>
     </message>
     <message>
         <source>

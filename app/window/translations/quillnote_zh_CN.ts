@@ -336,6 +336,14 @@
         <translation>不是图像</translation>
     </message>
     <message>
+        <source>is too large (%1 × %2 pixels)</source>
+        <translation>过大 (%1 × %2 像素)</translation>
+    </message>
+    <message>
+        <source>%1: the first %2 characters only</source>
+        <translation>%1: 只显示前 %2 个字符</translation>
+    </message>
+    <message>
         <source>%1: no such module</source>
         <translation>%1: 没有这个模块</translation>
     </message>

@@ -16,14 +16,6 @@
 namespace hostcommands
 {
 
-/// A script ends here; who sits before a window sees a message box as well as the line.
-static void tellTrouble(const QString &text)
-{
-    acedRefuse(text);
-    if (!acedFrontEnd().isScripted())
-        acedAlert(text);
-}
-
 static void open()
 {
     const QString proposed = curDoc() ? curDoc()->fileName() : QString();
@@ -34,7 +26,7 @@ static void open()
         if (!keeper->open(file->path))
             acedRefuse(Host::tr("没有打开图形。"));
     } else if (const auto opened = acDocManager()->openDocument(file->path); !opened) {
-        tellTrouble(withReason(Host::tr("不能打开图形: %1"), opened.error()));
+        acedFail(withReason(Host::tr("不能打开图形: %1"), opened.error()));
     }
 }
 
@@ -50,7 +42,7 @@ static void save(AcApDocument *document, const QString &path, bool copyOnly)
         if (!keeper->save(document, path))
             acedRefuse(Host::tr("没有保存图形。"));
     } else if (const auto saved = acDocManager()->saveDocument(document, path, copyOnly); !saved) {
-        tellTrouble(withReason(Host::tr("不能保存图形: %1"), saved.error()));
+        acedFail(withReason(Host::tr("不能保存图形: %1"), saved.error()));
     } else if (!saved->note.isEmpty()) {
         acutPrintf(u'\n' + saved->note);
     }
@@ -162,7 +154,7 @@ static void loadModule()
         return;
     const auto loaded = acrxDynamicLinker()->loadModule(*path);
     if (!loaded) {
-        tellTrouble(withReason(Host::tr("不能加载模块: %1"), loaded.error()));
+        acedFail(withReason(Host::tr("不能加载模块: %1"), loaded.error()));
         return;
     }
     // A module hears of drawings that were open before it came.

@@ -75,10 +75,10 @@ static void applyDrag(const Grasp &grasp, const AcGeVector3d &offset)
         AcDbObjectPointer<AcDbEntity> entity(hot.entity, AcDb::kForWrite);
         const Acad::ErrorStatus status =
             entity ? entity->moveGripPointsAt(hot.grips, offset) : entity.openStatus();
-        if (status == Acad::eOnLockedLayer || status == Acad::eNotAllowedForThisProxy)
+        if (status == Acad::eOk || status == Acad::eOnLockedLayer || status == Acad::eNotAllowedForThisProxy)
             refused.note(status);
-        else if (status != Acad::eOk && !(entity && entity->isCustom() && status == Acad::eInvalidInput))
-            acutPrintf(Host::tr("\n%1 %2 不能这样改动: %3")
+        else if (!(entity && entity->isCustom() && status == Acad::eInvalidInput))
+            acedRefuse(Host::tr("%1 %2 不能这样改动: %3")
                            .arg(QString::fromLatin1(acdbKindName(hot.entity.stub()->kind)),
                                 QString::number(hot.entity.handle().value, 16).toUpper(),
                                 reasonText(status)));

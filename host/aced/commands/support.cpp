@@ -208,14 +208,23 @@ void Refusals::note(Acad::ErrorStatus status)
         ++m_locked;
     else if (status != Acad::eOk)
         ++m_others;
+    else
+        ++m_done;
 }
 
 void Refusals::report() const
 {
+    QStringList reasons;
     if (m_locked > 0)
-        acutPrintf(Host::tr("\n%1 个对象不能改动（所在图层已锁定）。").arg(m_locked));
+        reasons += Host::tr("%1 个对象不能改动（所在图层已锁定）。").arg(m_locked);
     if (m_others > 0)
-        acutPrintf(Host::tr("\n%1 个对象不允许这样改动。").arg(m_others));
+        reasons += Host::tr("%1 个对象不允许这样改动。").arg(m_others);
+    if (reasons.isEmpty())
+        return;
+    if (m_done == 0)
+        acedRefuse(reasons.join(u'\n'));
+    else
+        acutPrintf(u'\n' + reasons.join(u'\n'));
 }
 
 QString withReason(QString message, const QString &reason)

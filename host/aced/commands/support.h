@@ -66,12 +66,12 @@ bool inPieces(const AcEdSelectionSet &entities, const std::function<void(const A
 class Refusals
 {
 public:
-    /// Counts what is not eOk.
     void note(Acad::ErrorStatus status);
-    /// Prints a line for each reason.
+    /// A line for each reason; where nothing at all could be changed the command is refused.
     void report() const;
 
 private:
+    std::size_t m_done = 0;
     std::size_t m_locked = 0;
     std::size_t m_others = 0;
 };

@@ -19,7 +19,7 @@ static AcDbUndo &undoLog()
 static bool refuseInGroup()
 {
     if (undoLog().isOpen())
-        acutPrintf(Host::tr("\n正在编组，请先结束编组 (UNDO End)。"));
+        acedRefuse(Host::tr("正在编组，请先结束编组 (UNDO End)。"));
     return undoLog().isOpen();
 }
 

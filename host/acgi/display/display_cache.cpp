@@ -75,6 +75,7 @@ void DisplayCache::drop(std::uint32_t index)
         m_lists[index] = {};
     m_notes.erase(index);
     m_viewports.erase(index);
+    m_reaches.erase(index);
     for (auto &[number, slot] : m_slots)
         slot.lists.erase(index);
 }
@@ -84,6 +85,7 @@ void DisplayCache::dropViewDependent()
     m_changes();
     m_everythingChanged = true;
     m_slots.clear();
+    m_reaches.clear();
 }
 
 void DisplayCache::dropAll()
@@ -94,6 +96,7 @@ void DisplayCache::dropAll()
     m_lists.clear();
     m_store.clear();
     m_slots.clear();
+    m_reaches.clear();
     m_notes.clear();
     m_viewports.clear();
     m_orders.clear();
@@ -228,12 +231,51 @@ const DisplayList &DisplayCache::ensure(std::uint32_t index)
     builder.begin(index);
     m_notes.erase(index);
     m_viewports.erase(index);
+    AcDbExtents filed;
     readEntity(AcDbObjectId(m_database.stub(index)), [&](const AcDbEntity &entity) {
         if (builder.wants(entity))
             drawEntity(entity, builder);
+        if (builder.isViewDependent())
+            entity.getGeomExtents(filed);
     });
     keep(index, builder, viewports);
-    return *list(index, m_slot);
+    const DisplayList &made = *list(index, m_slot);
+    if (made.has(DisplayList::kViewDependent))
+        noteReach(index, made, filed);
+    return made;
+}
+
+// How far what looks different in each view reaches ----------------------------------------------
+
+/// Of a list that was made for a view from as far or farther; null when there is none.
+const DisplayCache::Reach *DisplayCache::reachIn(std::uint32_t index, const AcGiViewport &view) const
+{
+    const auto known = view.isPlan() ? m_reaches.find(index) : m_reaches.end();
+    const bool holds = known != m_reaches.end() && known->second.twist == view.twist &&
+                       known->second.paperSpace == view.paperSpace &&
+                       known->second.pixelSize >= view.countedPixelSize();
+    return holds ? &known->second : nullptr;
+}
+
+/// A custom entity shows things of a size on the screen beside what it is filed with; the nearer one looks,
+/// the less far they reach into the world.
+void DisplayCache::noteReach(std::uint32_t index, const DisplayList &list, const AcDbExtents &filed)
+{
+    constexpr double kMargin = 32.0; // Counted pixels: for what is left out of small ones, such as waves.
+    const AcGiViewport &view = m_slots[m_slot].view;
+    if (!view.isPlan() || !filed.isValid() || list.has(DisplayList::kEndless) || reachIn(index, view))
+        return;
+    AcDbExtents box = filed;
+    if (list.hasBox()) {
+        box.addPoint({list.box[0], list.box[1], 0.0});
+        box.addPoint({list.box[2], list.box[3], 0.0});
+    }
+    const double margin = kMargin * view.countedPixelSize();
+    m_reaches[index] = {{float(box.minPoint().x - margin), float(box.minPoint().y - margin),
+                         float(box.maxPoint().x + margin), float(box.maxPoint().y + margin)},
+                        view.countedPixelSize(),
+                        view.twist,
+                        view.paperSpace};
 }
 
 DisplayList DisplayCache::blockList(AcDbObjectId record)
@@ -434,6 +476,8 @@ ShownSpace DisplayCache::show(AcDbObjectId space, const AcGiViewport &view, cons
             continue;
         // Erased ones have lost their list.
         if (!m_lists[index].has(DisplayList::kBuilt) && m_database.stub(index)->has(AcDbStub::kErased))
+            continue;
+        if (const Reach *const reach = reachIn(index, view); reach && !plane.meets(reach->box))
             continue;
         const DisplayList &list = ensure(index);
         const bool seen = isSeen(list);

@@ -92,6 +92,13 @@ private:
             return box[0] <= right && box[2] >= left && box[1] <= top && box[3] >= bottom;
         }
     };
+    /// The box that an entity stays within where it is seen from as near or nearer.
+    struct Reach {
+        float box[4];
+        double pixelSize; ///< Counted.
+        double twist;
+        bool paperSpace;
+    };
     /// The drawing order of a space.
     struct Order {
         std::uint64_t changeCount = 0;
@@ -115,6 +122,8 @@ private:
     void openSlot(AcDbObjectId space, const AcGiViewport &view, int slot);
     const DisplayList &ensure(std::uint32_t index);
     DisplayList keep(std::uint32_t index, ListBuilder &builder, std::uint32_t viewportsBefore);
+    const Reach *reachIn(std::uint32_t index, const AcGiViewport &view) const;
+    void noteReach(std::uint32_t index, const DisplayList &list, const AcDbExtents &filed);
     void makeGrid(Progress &progress, const std::vector<std::uint32_t> &entities);
     static std::optional<std::vector<std::uint32_t>>
     near(const Progress &progress, const std::vector<std::uint32_t> &entities, const Plane &plane);
@@ -136,7 +145,8 @@ private:
     ListStore m_store;
     std::vector<DisplayList> m_lists; ///< By stub index, of entities and of block records.
     std::map<int, Slot> m_slots;
-    int m_slot = 0; ///< Whose view is being drawn for.
+    std::unordered_map<std::uint32_t, Reach> m_reaches; ///< Of entities that look different in each view.
+    int m_slot = 0;                                     ///< Whose view is being drawn for.
     std::unordered_map<std::uint32_t, std::vector<QString>> m_notes;
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_viewports;
     std::unordered_map<AcDbObjectId, Order> m_orders;

@@ -61,6 +61,8 @@ const Images::Entry &Images::load(const QString &path)
     if (pixels > kMostPixels)
         reader.setScaledSize(size * std::sqrt(double(kMostPixels) / double(pixels)));
     entry.pixels = reader.read();
+    if (entry.pixels.isNull() && pixels > kMostPixels)
+        entry.tooLarge = size;
     return entry;
 }
 

@@ -22,7 +22,8 @@ public:
         QString shownName;             ///< Without its folders.
         std::vector<PlacedGlyph> name; ///< The same laid out, for missing ones.
         double nameWidth = 0.0;
-        QImage pixels; ///< Null until loaded, and when the file is no image.
+        QImage pixels;  ///< Null until loaded, and when the file is no image or too large a one.
+        QSize tooLarge; ///< Pixels of an image that cannot be loaded for its size; invalid for others.
         bool isLoaded = false;
     };
 

@@ -400,11 +400,19 @@ void ListPainter::imageFrame(const Image &image)
     m_canvas.chain(frame);
 }
 
+static QString whyMissing(const Images::Entry &entry)
+{
+    if (entry.file.isEmpty())
+        return Host::tr("not found");
+    if (!entry.tooLarge.isValid())
+        return Host::tr("is no image");
+    return Host::tr("is too large (%1 × %2 pixels)").arg(entry.tooLarge.width()).arg(entry.tooLarge.height());
+}
+
 /// Its frame, with the name of the file in it.
 void ListPainter::missingImage(const Image &image, const Images::Entry &entry)
 {
-    note(QStringLiteral("IMAGE: %1 %2")
-             .arg(entry.shownName, entry.file.isEmpty() ? Host::tr("not found") : Host::tr("is no image")));
+    note(QStringLiteral("IMAGE: %1 %2").arg(entry.shownName, whyMissing(entry)));
     imageFrame(image);
     const QPointF origin = pixel(image.origin);
     const QPointF u = pixel(image.u);

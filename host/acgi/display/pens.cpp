@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace acgi
 {
@@ -36,11 +37,47 @@ static double reachOf(const Linetype &linetype)
     return reach;
 }
 
+DrawingTables::DrawingTables(AcDbDatabase &database) : m_database(database)
+{
+    m_database.addReactor(this);
+}
+
+DrawingTables::~DrawingTables()
+{
+    if (!m_isGone)
+        m_database.removeReactor(this);
+}
+
+// Of a hundred thousand layers few change at a time. Linetypes are few, and layers name them.
+void DrawingTables::noteChange(const AcDbObject &object)
+{
+    if (object.objectId().isNull() || object.objectId().isEntity())
+        return;
+    const QByteArray kind = object.dxfName();
+    if (kind == "LAYER")
+        m_changedLayers.push_back(object.objectId());
+    else if (kind == "LTYPE" || kind == "STYLE")
+        m_isRead = false;
+}
+
 void DrawingTables::refresh()
 {
-    if (isFresh())
-        return;
-    m_changeCount = m_database.changeCount();
+    if (!std::exchange(m_isRead, true))
+        readAll();
+    if (!std::exchange(m_areVariablesRead, true))
+        readVariables();
+    for (const AcDbObjectId layer : m_changedLayers) {
+        m_layers.erase(layer);
+        readLayer(layer);
+    }
+    if (!m_changedLayers.empty())
+        m_layerZero = m_database.tableRecord(SymbolTable::layer, QStringLiteral("0"));
+    m_changedLayers.clear();
+}
+
+void DrawingTables::readAll()
+{
+    m_changedLayers.clear();
     m_layers.clear();
     m_linetypes.clear();
     m_linetypeReach = 0.0;
@@ -58,6 +95,10 @@ void DrawingTables::refresh()
         m_linetypeReach = std::max(m_linetypeReach, reachOf(linetype));
         m_linetypes.emplace(record, std::move(linetype));
     }
+}
+
+void DrawingTables::readVariables()
+{
     const double scale = m_database.headerReal("$LTSCALE", 1.0);
     m_linetypeScale = scale > 0.0 ? scale : 1.0;
     m_scalesOnSheets = m_database.headerInteger("$PSLTSCALE", 1) != 0;
@@ -91,7 +132,7 @@ void DrawingTables::readLayer(AcDbObjectId id)
     if (const resbuf *const weight = findGroup(groups, 370))
         layer.lineWeight = int(std::clamp<std::int64_t>(weight->integer(), -3, 211));
     layer.alpha = layerAlpha(*record);
-    m_layers.emplace(id, layer);
+    m_layers.insert_or_assign(id, layer);
 }
 
 const Layer &DrawingTables::layer(AcDbObjectId record) const

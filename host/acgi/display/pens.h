@@ -2,6 +2,7 @@
 // settings were asked.
 #pragma once
 
+#include "host/acdb/dbreactor.h"
 #include "host/acgi/display/display.h"
 #include "host/acgi/linetype/linetype.h"
 #include "host/acgi/traits.h"
@@ -9,6 +10,7 @@
 #include <deque>
 #include <map>
 #include <unordered_map>
+#include <vector>
 
 namespace acgi
 {
@@ -24,12 +26,16 @@ struct Layer {
     bool isPlottable = true;
 };
 
-/// Layers, linetypes and variables of a drawing, read anew when the drawing has changed.
-class DrawingTables
+/// Layers, linetypes and variables of a drawing; of what has changed it hears.
+class DrawingTables : private AcDbDatabaseReactor
 {
 public:
-    explicit DrawingTables(const AcDbDatabase &database) : m_database(database) {}
-    bool isFresh() const { return m_changeCount == m_database.changeCount(); }
+    explicit DrawingTables(AcDbDatabase &database);
+    ~DrawingTables() override;
+    DrawingTables(const DrawingTables &) = delete;
+    DrawingTables &operator=(const DrawingTables &) = delete;
+    bool isFresh() const { return m_isRead && m_areVariablesRead && m_changedLayers.empty(); }
+    /// Reads what has changed.
     void refresh();
     /// Layer 0 for the null id; a layer with nothing special when the drawing has none.
     const Layer &layer(AcDbObjectId record) const;
@@ -44,10 +50,23 @@ public:
     double linetypeReach() const { return m_linetypeReach; }
 
 private:
+    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
+    void headerSysVarChanged(const AcDbDatabase *, const char *) override { m_areVariablesRead = false; }
+    void goodbye(const AcDbDatabase *) override { m_isGone = true; }
+    void noteChange(const AcDbObject &object);
+    void readAll();
+    void readVariables();
     void readLayer(AcDbObjectId record);
 
-    const AcDbDatabase &m_database;
-    std::uint64_t m_changeCount = ~std::uint64_t(0);
+    AcDbDatabase &m_database;
+    bool m_isRead = false;
+    bool m_areVariablesRead = false;
+    bool m_isGone = false; ///< The drawing ends before its display.
+    std::vector<AcDbObjectId> m_changedLayers;
     AcDbObjectId m_layerZero;
     Layer m_plain;
     std::unordered_map<AcDbObjectId, Layer> m_layers;

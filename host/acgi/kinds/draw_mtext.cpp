@@ -5,6 +5,7 @@
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/acgi/kinds/mtext_columns.h"
+#include "host/acgi/text/text_layout.h"
 
 #include <algorithm>
 
@@ -43,6 +44,7 @@ public:
     }
 
     MText &text() { return m_text; }
+    bool isCut() const { return m_isCut; }
 
 private:
     void read(const resbuf &group);
@@ -55,6 +57,7 @@ private:
     QString m_style;
     AcGeVector3d m_direction; ///< None: not stated.
     std::optional<double> m_rotation;
+    bool m_isCut = false;     ///< There may be more of the text than is shown.
     bool m_inColumns = false; ///< Behind group 75, where 50 is a height.
 };
 
@@ -93,7 +96,8 @@ void MTextGroups::read(const resbuf &group)
     switch (group.restype) {
     case 1:
     case 3:
-        m_text.coded += group.text();
+        m_text.coded += QStringView(group.text()).left(kMostShownCharacters - m_text.coded.size());
+        m_isCut = m_isCut || m_text.coded.size() == kMostShownCharacters;
         break;
     case 7:
         m_style = group.text();
@@ -229,7 +233,10 @@ std::optional<MText> embeddedMText(const AcDbEntity &entity)
 
 void drawMText(const AcDbEntity &entity, AcGiGeometry &sink)
 {
-    MText text = MTextGroups(OwnGroups(entity, u"AcDbMText"), entity.database()).text();
+    MTextGroups read(OwnGroups(entity, u"AcDbMText"), entity.database());
+    if (read.isCut())
+        noteCutText(entity, sink);
+    MText &text = read.text();
     if (const std::optional<double> width = columnWidthOf(entity))
         text.wrapWidth = *width;
     readEmbeddedColumns(embeddedGroups(entity), text);

@@ -1,6 +1,7 @@
 // Drawing of one-line text and attributes.
 #include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_mtext.h"
+#include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/acgi/text/text_layout.h"
 
@@ -98,9 +99,13 @@ static void toPlane(OneLine &text, AcGePoint3d &position, const AcGeVector3d &no
     text.up.transformBy(plane);
 }
 
-static void drawLineOfText(const AcDbEntity &entity, const OwnGroups &groups, const QString &coded,
+static void drawLineOfText(const AcDbEntity &entity, const OwnGroups &groups, QString coded,
                            int verticalCode, AcGiGeometry &sink)
 {
+    if (coded.size() > kMostShownCharacters) {
+        coded.truncate(kMostShownCharacters);
+        noteCutText(entity, sink);
+    }
     OneLine text;
     text.text = plainText(coded, text.rules);
     if (text.text.isEmpty())

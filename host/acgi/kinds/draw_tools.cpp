@@ -3,6 +3,8 @@
 #include "host/acdb/dbdict.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/proxy/proxy_chunks.h"
+#include "host/acgi/text/text_layout.h"
+#include "host/base/host_text.h"
 
 namespace acgi
 {
@@ -11,6 +13,13 @@ bool isFillOn(const AcDbEntity &entity)
 {
     static const QByteArray kVariable = QByteArrayLiteral("$FILLMODE");
     return !entity.database() || entity.database()->headerInteger(kVariable, 1) != 0;
+}
+
+void noteCutText(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    sink.noteUndrawn(Host::tr("%1: the first %2 characters only")
+                         .arg(QLatin1String(entity.dxfName()))
+                         .arg(kMostShownCharacters));
 }
 
 void drawClosed(Loop loop, AcGiGeometry &sink)

@@ -42,6 +42,8 @@ bool isFillOn(const AcDbEntity &entity);
 /// Fills, or draws the outlines when filling is off.
 void drawArea(const AcDbEntity &entity, const Loop &loop, AcGiGeometry &sink);
 void drawClosed(Loop loop, AcGiGeometry &sink);
+/// Of the entity's text more than kMostShownCharacters are there.
+void noteCutText(const AcDbEntity &entity, AcGiGeometry &sink);
 
 /// Calls `draw`; with a thickness (39) a second time at the other end, and joins the two at `corners` (world
 /// coordinates).

@@ -14,6 +14,10 @@ enum class CharacterCode : std::uint8_t { none, character, underline, overline, 
 /// behind it; what it shows is appended. `none` and unmoved when there is no code.
 CharacterCode takeCharacterCode(QStringView text, qsizetype &at, QString &out);
 
+/// So much of a text is shown. Nobody reads more of one, and a letter that is laid out takes many times its
+/// bytes.
+inline constexpr qsizetype kMostShownCharacters = 65'536;
+
 /// A line along a part of a text.
 struct TextRule {
     CharacterCode kind;

@@ -52,7 +52,7 @@ void QN3_compareSnapshot()
     const int skipped = markCorrected(found.changed);
     QN3_Redraw();
     showTarget(marks.ids.back());
-    saySkippedMarks(skipped);
+    saySkippedMarks(skipped, found.changed.size());
     const QString text = resultText(marks.ids.size(), found.changed);
     acedAlert(text);
     acutPrintf(u'\n' + text);

@@ -115,7 +115,7 @@ static int compareWithSnapshots(const AcEdVerbCall &call)
     }
     const bool anyChanged = !found.changed.empty();
     if (call.has(kOutput))
-        saySkippedMarks(markCorrected(found.changed));
+        saySkippedMarks(markCorrected(found.changed), found.changed.size());
     if (!pictures.isComplete())
         return 2;
     return anyChanged ? 1 : 0;

@@ -130,7 +130,7 @@ static bool askForPassword(const QString &hash)
     for (int &retries = passwordState().refreshRetries; !isRight && retries < kMostRetries; ++retries)
         isRight = checkPassword(hash);
     if (!isRight)
-        acutPrintf(QStringLiteral("\n密码校验错误。"));
+        acedRefuse(QStringLiteral("密码校验错误。"));
     return isRight;
 }
 
