@@ -106,8 +106,7 @@ public:
     Runner(const Options &options, const QString &place)
         : m_options(options), m_place(place),
           m_ledger(options.syncFolder() + QStringLiteral("courier/ledger-%1.sqlite").arg(shortName(place))),
-          m_carrier(makeCarrier()),
-          m_courier(ProgramFiles(options.syncFolder()), m_ledger, *m_carrier)
+          m_carrier(makeCarrier()), m_courier(ProgramFiles(options.syncFolder()), m_ledger, *m_carrier)
     {
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { round(); });
         QObject::connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_timer, [this] { round(); });
@@ -152,7 +151,8 @@ private:
     bool isForElsewhere() const
     {
         QFile file(m_options.syncFolder() + QStringLiteral("courier/place"));
-        return m_options.whileUsed && file.open(QIODevice::ReadOnly) && QString::fromUtf8(file.readAll()) != m_place;
+        return m_options.whileUsed && file.open(QIODevice::ReadOnly) &&
+               QString::fromUtf8(file.readAll()) != m_place;
     }
 
     void round()

@@ -40,7 +40,8 @@ public:
 };
 
 /// True for an object of that class that belongs to `owner`: what may be changed or erased on its behalf. Old
-/// files state no owners; what has none belongs to the object that names it, except the named-object dictionary.
+/// files state no owners; what has none belongs to the object that names it, except the named-object
+/// dictionary.
 bool acdbIsOwned(AcDbObjectId object, AcDbObjectId owner, const AcRxClass *asClass);
 
 /// The named-object dictionary, made when the drawing has none.

@@ -34,7 +34,8 @@ struct AcDbStub {
         kSubEntity = 1 << 6,    ///< VERTEX, ATTRIB, SEQEND: owned by the entity before it.
         kRecorded = 1 << 7,     ///< Before-image taken in the current undo group.
         kInChangeList = 1 << 8,
-        kBeingMade = 1 << 9, ///< Its object is being read; a reference that leads back to it finds it not there yet.
+        kBeingMade =
+            1 << 9, ///< Its object is being read; a reference that leads back to it finds it not there yet.
     };
 
     AcDbDatabase *database = nullptr;

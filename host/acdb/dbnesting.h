@@ -1,5 +1,6 @@
-// AcDbNesting: the blocks that a walk stands in. A walk that goes from a block into the blocks that it shows asks
-// here first, so that a block that contains itself, or a chain without end, ends the same way everywhere.
+// AcDbNesting: the blocks that a walk stands in. A walk that goes from a block into the blocks that it shows
+// asks here first, so that a block that contains itself, or a chain without end, ends the same way
+// everywhere.
 #pragma once
 
 #include "host/acdb/dbid.h"

@@ -1,6 +1,6 @@
 // Synchronisation: while it is on, every change of a mark becomes a file in the synchronisation folder, which
-// the others who have a copy of the drawing read with -QN3_DataFileIn. Moving the files is the courier's business
-// (helpers/courier); what it does with them is told in decision 0090.
+// the others who have a copy of the drawing read with -QN3_DataFileIn. Moving the files is the courier's
+// business (helpers/courier); what it does with them is told in decision 0090.
 //
 // A drawing knows its copies by an identity, which it keeps together with what it last exchanged of each
 // mark. So what was changed while synchronisation was off is found, and goes out, when it is switched on.

@@ -7,6 +7,7 @@
 
 #include "host/aced/edcommands.h"
 #include "host/aced/edfrontend.h"
+#include "host/aced/edinput.h"
 #include "host/aced/edmessage.h"
 
 // Storing -----------------------------------------------------------------------------------------
@@ -23,11 +24,11 @@ bool ReviewPalette::commit(bool insideCommand)
     if (change.isEmpty())
         return true;
     if (const QString reason = whyNotAnswered(*m_document, m_shown->summary.id); !reason.isEmpty()) {
-        acutPrintf(u'\n' + reason);
+        acedRefuse(reason);
         return false;
     }
     if (!insideCommand && !acedEditor()->activeCommands().isEmpty()) {
-        acutPrintf(QStringLiteral("\n有命令正在执行，请先完成或取消它，再保存回复。"));
+        acedRefuse(QStringLiteral("有命令正在执行，请先完成或取消它，再保存回复。"));
         return false;
     }
     if (!storeAnswer(*m_document, m_shown->summary.id, change))

@@ -99,8 +99,8 @@ static void toPlane(OneLine &text, AcGePoint3d &position, const AcGeVector3d &no
     text.up.transformBy(plane);
 }
 
-static void drawLineOfText(const AcDbEntity &entity, const OwnGroups &groups, QString coded,
-                           int verticalCode, AcGiGeometry &sink)
+static void drawLineOfText(const AcDbEntity &entity, const OwnGroups &groups, QString coded, int verticalCode,
+                           AcGiGeometry &sink)
 {
     if (coded.size() > kMostShownCharacters) {
         coded.truncate(kMostShownCharacters);
