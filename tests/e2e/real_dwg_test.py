@@ -38,6 +38,7 @@ KNOWN = [
     (r"(LAYOUT|VIEWPORT) (12|40|41|45|143|147|331)", "numbers rounded to single precision by the DXF writer"),
     (r"DIMSTYLE .*", "defaults that R14 writes and later versions leave out"),
     (r"LTYPE 3", "blanks at the end"),
+    (r"(3DSOLID|REGION) 1", "the program and the time that the text of a solid names"),
     (r"VERTEX 7[234]", "zeros that R14 writes"),
     (r"ACAD_PROXY_OBJECT .*", "a proxy whose data are groups"),
     (r"APPID (2|360)", "names cut to 31 characters by R14"),

@@ -202,7 +202,7 @@ int versionOf(std::string_view year)
 {
     static const std::unordered_map<std::string_view, DrawingVersion> kYears{
         {"14", DrawingVersion::r14},     {"2000", DrawingVersion::r2000}, {"2004", DrawingVersion::r2004},
-        {"2007", DrawingVersion::r2004}, {"2010", DrawingVersion::r2010}, {"2013", DrawingVersion::r2004},
+        {"2007", DrawingVersion::r2007}, {"2010", DrawingVersion::r2010}, {"2013", DrawingVersion::r2013},
         {"2018", DrawingVersion::r2018}};
     const auto found = kYears.find(year);
     QUILL_ASSERT(found != kYears.end());
