@@ -22,24 +22,6 @@ void BitReader::skip(std::size_t bits)
         m_position += bits;
 }
 
-bool BitReader::bit()
-{
-    if (m_failed || bitsLeft() == 0) {
-        m_failed = true;
-        return false;
-    }
-    const unsigned byte = std::to_integer<unsigned>(m_bytes[m_position / 8]);
-    const bool value = byte & (0x80u >> (m_position % 8));
-    ++m_position;
-    return value;
-}
-
-std::uint8_t BitReader::twoBits()
-{
-    const int high = bit() ? 2 : 0;
-    return std::uint8_t(high + (bit() ? 1 : 0));
-}
-
 std::uint8_t BitReader::rawChar()
 {
     if (m_failed || bitsLeft() < 8) {
@@ -60,9 +42,20 @@ template <class Number>
 Number BitReader::raw()
 {
     std::array<std::uint8_t, sizeof(Number)> bytes{};
-    for (std::uint8_t &byte : bytes)
-        byte = rawChar();
-    return m_failed ? Number{} : std::bit_cast<Number>(bytes);
+    if (m_failed || bitsLeft() < 8 * bytes.size()) {
+        m_failed = true;
+        return Number{};
+    }
+    const std::byte *const from = m_bytes.data() + m_position / 8;
+    const unsigned shift = m_position % 8;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        unsigned value = std::to_integer<unsigned>(from[i]) << shift;
+        if (shift != 0)
+            value |= std::to_integer<unsigned>(from[i + 1]) >> (8 - shift);
+        bytes[i] = std::uint8_t(value);
+    }
+    m_position += 8 * bytes.size();
+    return std::bit_cast<Number>(bytes);
 }
 
 std::uint16_t BitReader::rawShort()

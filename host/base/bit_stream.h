@@ -16,8 +16,22 @@ class BitReader
 public:
     explicit BitReader(std::span<const std::byte> bytes) : m_bytes(bytes) {}
 
-    bool bit();                                   ///< B
-    std::uint8_t twoBits();                       ///< BB
+    bool bit() ///< B
+    {
+        if (m_failed || bitsLeft() == 0) {
+            m_failed = true;
+            return false;
+        }
+        const unsigned byte = std::to_integer<unsigned>(m_bytes[m_position / 8]);
+        const bool value = byte & (0x80u >> (m_position % 8));
+        ++m_position;
+        return value;
+    }
+    std::uint8_t twoBits() ///< BB
+    {
+        const int high = bit() ? 2 : 0;
+        return std::uint8_t(high + (bit() ? 1 : 0));
+    }
     std::uint8_t rawChar();                       ///< RC
     std::uint16_t rawShort();                     ///< RS
     std::uint32_t rawLong();                      ///< RL

@@ -243,8 +243,7 @@ static void appendGraphics(const ObjectReader &reader, const Common &common, Res
 {
     if (common.graphicsSize == 0)
         return;
-    Bits at = reader.data;
-    at.seek(common.graphicsBegin);
+    Bits at = reader.dataFrom(common.graphicsBegin);
     const QByteArray bytes = at.bytes(common.graphicsSize);
     out.emplace_back(reader.facts().since(DrawingVersion::r2010) ? 160 : 92, std::int64_t(bytes.size()));
     constexpr qsizetype kChunk = 127;
@@ -374,8 +373,7 @@ static bool extendedItem(const ObjectReader &reader, const Neighbours &neighbour
 void appendExtendedData(const ObjectReader &reader, const Common &common, const Neighbours &neighbours,
                         ResbufList &out)
 {
-    Bits at = reader.data;
-    at.seek(common.extendedBegin);
+    Bits at = reader.dataFrom(common.extendedBegin);
     while (const std::size_t size = std::uint16_t(at.bitShort())) {
         const std::uint64_t application = at.handle(0).handle;
         const QByteArray bytes = at.bytes(size);

@@ -12,9 +12,9 @@ namespace
 class Unpacker
 {
 public:
-    Unpacker(std::string_view packed, std::size_t limit) : m_in(packed), m_limit(limit)
+    Unpacker(std::string_view packed, std::size_t limit)
+        : m_in(packed), m_limit(limit), m_out(qsizetype(limit), Qt::Uninitialized)
     {
-        m_out.reserve(qsizetype(limit));
     }
 
     bool good() const { return m_good; }
@@ -36,25 +36,31 @@ public:
     /// The next literals, still in the order of the file.
     std::string_view literals(std::size_t count)
     {
-        if (count > m_in.size() - m_at || count > m_limit - std::size_t(m_out.size())) {
+        if (count > m_in.size() - m_at || count > m_limit - m_size) {
             m_good = false;
             return {};
         }
         m_at += count;
         return m_in.substr(m_at - count, count);
     }
-    void append(std::string_view bytes) { m_out.append(bytes.data(), qsizetype(bytes.size())); }
+    /// No more than literals() gave.
+    void append(std::string_view bytes)
+    {
+        if (bytes.empty())
+            return;
+        std::memcpy(m_out.data() + m_size, bytes.data(), bytes.size());
+        m_size += bytes.size();
+    }
 
     /// Repeats bytes that came `distance` before; the copy may run into itself.
     void copy(std::size_t distance, std::size_t count)
     {
-        const std::size_t size = std::size_t(m_out.size());
-        if (!m_good || distance == 0 || distance > size || count > m_limit - size) {
+        if (!m_good || distance == 0 || distance > m_size || count > m_limit - m_size) {
             m_good = false;
             return;
         }
-        m_out.resize(qsizetype(size + count));
-        char *const to = m_out.data() + size;
+        char *const to = m_out.data() + m_size;
+        m_size += count;
         if (distance >= count) {
             std::memcpy(to, to - distance, count);
             return;
@@ -63,14 +69,19 @@ public:
             to[i] = to[std::ptrdiff_t(i) - std::ptrdiff_t(distance)];
     }
 
-    Decompressed take(bool whole) { return {std::move(m_out), whole && m_good}; }
-    std::size_t size() const { return std::size_t(m_out.size()); }
+    Decompressed take(bool whole)
+    {
+        m_out.truncate(qsizetype(m_size));
+        return {std::move(m_out), whole && m_good};
+    }
+    std::size_t size() const { return m_size; }
 
 private:
     std::string_view m_in;
     std::size_t m_at = 0;
     std::size_t m_limit;
-    QByteArray m_out;
+    QByteArray m_out; ///< Of the limit's size, filled up to m_size.
+    std::size_t m_size = 0;
     bool m_good = true;
 };
 

@@ -84,10 +84,10 @@ constexpr Row kRows[] = {
      "79 146 170 61 332 348 333 361 292 282 141 142 63 421 431"},
     {0x23, "ELLIPSE", "3BD:10 3BD:11 3BD:210 BD:40 BD:41 BD:42", "AcDbEllipse 10 11 210 40 41 42"},
     {0x24, "SPLINE", "*spline", "AcDbSpline 210 70 71 72 73 74 42 43 44 12=0 13=0 40 *"},
-    // Later versions keep the geometry elsewhere in the file.
-    {0x25, "REGION", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2013},
-    {0x26, "3DSOLID", "*acis", "AcDbModelerGeometry 70 * AcDb3dSolid 350", DrawingVersion::r2013},
-    {0x27, "BODY", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2013},
+    // Later versions keep the geometry in binary form, the latest elsewhere in the file.
+    {0x25, "REGION", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2004},
+    {0x26, "3DSOLID", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2004},
+    {0x27, "BODY", "*acis", "AcDbModelerGeometry 70 *", DrawingVersion::r2004},
     {0x28, "RAY", "3BD:10 3BD:11", "AcDbRay 10 11"},
     {0x29, "XLINE", "3BD:10 3BD:11", "AcDbXline 10 11"},
     {0x2C, "MTEXT", "3BD:10 3BD:210 3BD:11 BD:41 BD:46@2007 BD:40 BS:71 BS:72 BD:- BD:- *mtext",

@@ -70,6 +70,13 @@ void ObjectReader::findStreams(std::size_t handlesBegin)
     texts.seek(m_textsBegin);
 }
 
+Bits ObjectReader::dataFrom(std::size_t bit) const
+{
+    Bits from(m_body);
+    from.seek(bit);
+    return from;
+}
+
 Common ObjectReader::readCommon(bool isEntity)
 {
     Common common;

@@ -117,6 +117,9 @@ public:
     };
     Color color(); ///< CMC
 
+    /// The data from a place on, whatever became of `data` in the meantime.
+    Bits dataFrom(std::size_t bit) const;
+
     Bits data;
     Bits texts; ///< Those of AC1021 and later.
     Bits handles;

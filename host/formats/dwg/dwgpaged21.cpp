@@ -201,8 +201,13 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
         warn(Host::tr("page %1 is missing").arg(what));
         return;
     }
-    Corrected plain = interleaved ? decodeReedSolomon(stored, std::size_t(words), kDataPages)
-                                  : Corrected{QByteArray(stored.data(), qsizetype(stored.size())), true};
+    // The checksum is cheap; the words are looked at when it says so.
+    Corrected plain{interleaved ? dataOfWords(stored, std::size_t(words), kDataPages)
+                                : QByteArray(stored.data(), qsizetype(stored.size())),
+                    true};
+    plain.bytes.truncate(qsizetype(page.packed));
+    if (interleaved && pageCrc64(viewOf(plain.bytes)) != page.crc)
+        plain = decodeReedSolomon(stored, std::size_t(words), kDataPages);
     plain.bytes.truncate(qsizetype(page.packed));
     if (pageCrc64(viewOf(plain.bytes)) != page.crc)
         warn(Host::tr("the checksum of page %1 is wrong").arg(what));

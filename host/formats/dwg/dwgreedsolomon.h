@@ -22,6 +22,9 @@ struct Corrected {
     bool clean = false; ///< Every word was as it was written.
 };
 
+/// Takes interleaved words apart without a look at the parity.
+QByteArray dataOfWords(std::string_view stored, std::size_t words, const ReedSolomonCode &code);
+
 /// Takes interleaved words apart and mends them. Words with more damage than the code can mend stay as they
 /// are. `stored` holds words * 255 bytes.
 Corrected decodeReedSolomon(std::string_view stored, std::size_t words, const ReedSolomonCode &code);

@@ -910,16 +910,13 @@ void acis(Decoder &d)
     if (!lines.isEmpty() && lines.back().isEmpty())
         lines.removeLast();
     for (QByteArray &line : lines) {
-        if (line.endsWith('\r'))
+        while (line.endsWith('\r') || line.endsWith(' '))
             line.chop(1);
         d.text(1 + 2 * kSubclass, QString::fromLatin1(line.left(kPiece)));
         for (qsizetype i = kPiece; i < line.size(); i += kPiece)
             d.text(3 + 2 * kSubclass, QString::fromLatin1(line.mid(i, kPiece)));
     }
     // What follows are lines to show of it, which DXF does not have.
-    constexpr int kSolid = 0x26;
-    if (d.in.facts().since(r2007) && d.in.type() == kSolid)
-        d.handle(350, d.in.reference().handle);
 }
 
 void owner(Decoder &d)

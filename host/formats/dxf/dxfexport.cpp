@@ -225,7 +225,8 @@ void Exporter::objects()
         object(*root);
     for (std::uint32_t index = 1; index < m_database.stubCount(); ++index) {
         const AcDbStub &stub = *m_database.stub(index);
-        if (!stub.has(AcDbStub::kEntity) && !stub.has(AcDbStub::kNoFileForm))
+        // Entities that are left stand in no block, but in a dictionary.
+        if (!stub.has(AcDbStub::kSubEntity) && !stub.has(AcDbStub::kNoFileForm))
             object(stub);
     }
     endSection();
