@@ -101,8 +101,8 @@ static int measure(AcDbDatabase &database)
     std::printf("%zu targets compared %.2f s: %zu entities, %zu times under a target; %zu changed\n",
                 found.compared, compared, entities.size(), visits, found.changed.size());
     takePictures(database, std::span(marks).first(kPictured));
-    std::printf("reading their %zu groups %.2f s, ratio %.1f; in all %.2f s of a processor\n", groups, reading,
-                compared / reading, indexed + compared);
+    std::printf("reading their %zu groups %.2f s, ratio %.1f; in all %.2f s of a processor\n", groups,
+                reading, compared / reading, indexed + compared);
     return found.changed.empty() && found.compared == marks.size() ? 0 : 1;
 }
 

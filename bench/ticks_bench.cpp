@@ -1,5 +1,5 @@
-// Claim: ten thousand tick symbols are resized, and erased, within 100 ms each; their undo costs about the same.
-// The bound is writing to each. A tick is placed in a time that does not go with the drawing.
+// Claim: ten thousand tick symbols are resized, and erased, within 100 ms each; their undo costs about the
+// same. The bound is writing to each. A tick is placed in a time that does not go with the drawing.
 //
 // usage: QT_QPA_PLATFORM=offscreen bench_ticks DRAWING.dxf (bench/make_drawing.py makes one)
 #include "bench/stopwatch.h"
@@ -29,10 +29,12 @@ static void timeCommand(const char *what, AcDbDatabase &database, Command comman
 
 static void measure(AcDbDatabase &database)
 {
-    timeCommand("place one, with its block", database, [&] { insertTick(database, {tickBlock(TickSymbol::yesRed)}); });
+    timeCommand("place one, with its block", database,
+                [&] { insertTick(database, {tickBlock(TickSymbol::yesRed)}); });
     const auto placeAll = [&] {
         for (int i = 0; i < kTicks; ++i)
-            insertTick(database, {tickBlock(TickSymbol(i % 4)), {i * 10.0, 5.0, 0.0}, {0, 0, 1}, 0.0, {100, 100, 100}});
+            insertTick(database,
+                       {tickBlock(TickSymbol(i % 4)), {i * 10.0, 5.0, 0.0}, {0, 0, 1}, 0.0, {100, 100, 100}});
     };
     const double placed = bench::processorSeconds(placeAll);
     std::printf("place %d %.3f s\n", kTicks, placed);

@@ -31,11 +31,13 @@ std::optional<SymbolTable> namedTable(const QByteArray &kind, int code)
 {
     switch (code) {
     case kName:
-        return kind == "INSERT" || kind == "DIMENSION" || kind == "ACAD_TABLE" ? std::optional(SymbolTable::block)
-                                                                               : std::nullopt;
+        return kind == "INSERT" || kind == "DIMENSION" || kind == "ACAD_TABLE"
+                   ? std::optional(SymbolTable::block)
+                   : std::nullopt;
     case 3:
-        return kind == "DIMENSION" || kind == "LEADER" || kind == "TOLERANCE" ? std::optional(SymbolTable::dimStyle)
-                                                                              : std::nullopt;
+        return kind == "DIMENSION" || kind == "LEADER" || kind == "TOLERANCE"
+                   ? std::optional(SymbolTable::dimStyle)
+                   : std::nullopt;
     case 6:
         return SymbolTable::linetype;
     case 7:
@@ -57,8 +59,8 @@ QString recordName(const ResbufList &groups)
     return name ? name->text() : QString();
 }
 
-/// Copies what entities use along with them, each once. Blocks wait in a queue: files may nest them as deep as
-/// they like.
+/// Copies what entities use along with them, each once. Blocks wait in a queue: files may nest them as deep
+/// as they like.
 class DrawingCopier
 {
 public:
@@ -120,7 +122,8 @@ private:
             const AcDbStub &stub = *m_target.stub(index);
             if (stub.has(AcDbStub::kErased) || !namedTable(acdbKindName(stub.kind), kName))
                 continue;
-            const AcDbObjectId record = m_target.tableRecord(SymbolTable::block, recordName(m_target.fileGroups(stub)));
+            const AcDbObjectId record =
+                m_target.tableRecord(SymbolTable::block, recordName(m_target.fileGroups(stub)));
             if (record.isValid())
                 shown.push_back(record);
         }
@@ -165,7 +168,8 @@ private:
                 entity->erase();
         }
         if (const AcDbStub *const begin = m_target.blockContents(block)->blockBegin) {
-            const AcDbObjectPointer<AcDbEntity> opened(AcDbObjectId(m_target.stub(begin->index)), AcDb::kForWrite);
+            const AcDbObjectPointer<AcDbEntity> opened(AcDbObjectId(m_target.stub(begin->index)),
+                                                       AcDb::kForWrite);
             if (opened)
                 opened->setGroup(10, base);
         }
@@ -183,7 +187,8 @@ private:
     /// An empty block with a name of its own.
     AcDbObjectId added(const QString &name, const AcGePoint3d &base)
     {
-        const AcDbObjectId block = name.startsWith(u'*') ? m_blocks.addAnonymous(base) : m_blocks.add(name, base);
+        const AcDbObjectId block =
+            name.startsWith(u'*') ? m_blocks.addAnonymous(base) : m_blocks.add(name, base);
         if (!block.isNull())
             block.stub()->object->close();
         return block;
@@ -232,7 +237,8 @@ private:
         const auto isKind = [&kind](const DrawingClass &each) { return each.dxfName == kind; };
         return !acdbKindClass(id.stub()->kind, true)->application() && kind != "ACAD_PROXY_ENTITY" &&
                kind != "VIEWPORT" &&
-               (std::ranges::none_of(m_from.classes(), isKind) || std::ranges::any_of(m_target.classes(), isKind));
+               (std::ranges::none_of(m_from.classes(), isKind) ||
+                std::ranges::any_of(m_target.classes(), isKind));
     }
 
     void copyEntity(AcDbObjectId id, AcDbBlockTableRecord &block)
@@ -277,12 +283,14 @@ private:
         const bool isEntity = stub.has(AcDbStub::kEntity);
         const bool isOld = m_target.version() <= DrawingVersion::r12;
         std::erase_if(groups, [&](const resbuf &group) {
-            return (isEntity && (group.restype == 67 || group.restype == 410)) || (isOld && group.restype == 100);
+            return (isEntity && (group.restype == 67 || group.restype == 410)) ||
+                   (isOld && group.restype == 100);
         });
         const QByteArray &kind = acdbKindName(stub.kind);
         for (resbuf &group : groups) {
             group.source = {};
-            if (std::holds_alternative<AcDbHandle>(group.resval) && group.restype != 5 && group.restype != 105)
+            if (std::holds_alternative<AcDbHandle>(group.resval) && group.restype != 5 &&
+                group.restype != 105)
                 group.assign(handleInTarget(group.handle()));
             else if (const auto table = isEntity || group.restype > 1000 || group.restype == 6
                                             ? namedTable(kind, group.restype)

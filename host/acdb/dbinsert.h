@@ -6,14 +6,14 @@
 #include <QString>
 
 struct AcDbInsertedDrawing {
-    AcDbObjectId block; ///< The block record; null when the drawing can have none, or refuses this one.
+    AcDbObjectId block;       ///< The block record; null when the drawing can have none, or refuses this one.
     bool holdsItself = false; ///< Why: the block would be inside itself.
     /// Entities of `from` that stayed out: of classes that the drawing does not have.
     std::size_t leftOut = 0;
 };
 
-/// Makes the block `name` of `target` out of the model space of `from`, another drawing: base point $INSBASE, units
-/// $INSUNITS, with the layers, linetypes, styles and blocks that its entities use. What the target has under
-/// the same name stays as it is and is used instead; only the block `name` itself is given the new contents.
-/// `from` is not changed and may go afterwards.
+/// Makes the block `name` of `target` out of the model space of `from`, another drawing: base point $INSBASE,
+/// units $INSUNITS, with the layers, linetypes, styles and blocks that its entities use. What the target has
+/// under the same name stays as it is and is used instead; only the block `name` itself is given the new
+/// contents. `from` is not changed and may go afterwards.
 AcDbInsertedDrawing acdbInsertDrawing(AcDbDatabase &target, const QString &name, const AcDbDatabase &from);

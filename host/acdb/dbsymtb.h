@@ -37,8 +37,8 @@ private:
     SymbolTable m_kind;
 };
 
-/// Makes blocks: anonymous ones "*U1", "*U2" ..., numbered behind those that the drawing has, and others. Looks
-/// at the block table once: one of these for a whole run of new blocks.
+/// Makes blocks: anonymous ones "*U1", "*U2" ..., numbered behind those that the drawing has, and others.
+/// Looks at the block table once: one of these for a whole run of new blocks.
 class AcDbNewBlocks
 {
 public:

@@ -35,7 +35,8 @@ static bool isHeld(const char *key)
     return acedFrontEnd().heldKeys().contains(QLatin1String(key));
 }
 
-// Placing ----------------------------------------------------------------------------------------------------
+// Placing
+// ----------------------------------------------------------------------------------------------------
 
 namespace
 {
@@ -157,11 +158,13 @@ void QN3_YesOrErrTick()
     }
 }
 
-// All of them ------------------------------------------------------------------------------------------------
+// All of them
+// ------------------------------------------------------------------------------------------------
 
 void QN3_TickErase()
 {
-    acutPrintf(QStringLiteral("\n删除叉和对勾标记，请选择，程序会自动过滤。若键入 ALL并回车将删除全部叉和对勾标记。"));
+    acutPrintf(QStringLiteral(
+        "\n删除叉和对勾标记，请选择，程序会自动过滤。若键入 ALL并回车将删除全部叉和对勾标记。"));
     AcEdSelectionSet ticks;
     if (acedSSGet(QString(), nullptr, nullptr, tickFilter(), ticks) == RTNORM)
         eraseTicks(ticks);

@@ -51,7 +51,8 @@ ResbufList tickFilter()
     return filter;
 }
 
-// Of a drawing -----------------------------------------------------------------------------------------------
+// Of a drawing
+// -----------------------------------------------------------------------------------------------
 
 /// Drawings of R12 have no subclasses.
 static std::size_t ownBegin(const ResbufList &groups)
@@ -70,7 +71,8 @@ void multiplyTickScale(AcDbEntity &tick, double factor)
 {
     const bool hasSubclass = ownBegin(tick.groups()) > 0;
     for (const int code : {41, 42, 43})
-        tick.setGroup(code, realOf(tick.groups(), code, 1.0) * factor, hasSubclass ? kInsertClass : QStringView());
+        tick.setGroup(code, realOf(tick.groups(), code, 1.0) * factor,
+                      hasSubclass ? kInsertClass : QStringView());
 }
 
 // In the file an insert's point counts in the plane of its normal.
@@ -132,7 +134,8 @@ static bool hasBlock(AcDbDatabase &database, const QString &block)
     if (!QFileInfo(file).isFile())
         return false;
     const auto symbol = acapReadDrawing(file);
-    return symbol && acdbInsertDrawing(database, QFileInfo(file).completeBaseName(), **symbol).block.isValid();
+    return symbol &&
+           acdbInsertDrawing(database, QFileInfo(file).completeBaseName(), **symbol).block.isValid();
 }
 
 AcDbObjectId insertTick(AcDbDatabase &database, const TickRecord &tick)

@@ -1,5 +1,5 @@
-// The four tick symbols: red and green tick, red cross, red question mark. Each is a block whose definition comes
-// from a drawing that is shipped beside the module.
+// The four tick symbols: red and green tick, red cross, red question mark. Each is a block whose definition
+// comes from a drawing that is shipped beside the module.
 #pragma once
 
 #include "host/acdb/resbuf.h"
@@ -40,6 +40,6 @@ void multiplyTickScale(AcDbEntity &tick, double factor);
 /// Those that can be written.
 void eraseTicks(const std::vector<AcDbObjectId> &ticks);
 
-/// An insert for the current space, its block defined from the shipped drawing when the drawing lacks it; a null
-/// id when there is neither.
+/// An insert for the current space, its block defined from the shipped drawing when the drawing lacks it; a
+/// null id when there is neither.
 AcDbObjectId insertTick(AcDbDatabase &database, const TickRecord &tick);

@@ -1,9 +1,9 @@
 #include "quillnote/exchange/export_marks.h"
 
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_fields.h"
 #include "quillnote/exchange/exchange_files.h"
-#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/reports/report_path.h"
 
 #include "host/acap/docman.h"

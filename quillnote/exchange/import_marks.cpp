@@ -1,5 +1,6 @@
 #include "quillnote/exchange/import_marks.h"
 
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/authoring/append_mark.h"
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/collect_marks.h"
@@ -8,7 +9,6 @@
 #include "quillnote/entity/password.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/synchronisation.h"
-#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/snapshot/zoom_to_area.h"
 
 #include "host/acap/docman.h"

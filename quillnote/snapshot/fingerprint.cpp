@@ -131,7 +131,8 @@ bool isReviewMark(AcDbObjectId entity)
     return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
 }
 
-std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space, const acgi::Window &window,
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
+                                         const acgi::Window &window,
                                          const std::function<void(AcDbObjectId)> &whileOpen)
 {
     std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window, whileOpen);

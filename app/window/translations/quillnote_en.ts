@@ -88,6 +88,9 @@ Specify insertion point: </translation>
 指定旋转角度 &lt;0&gt;: </source>
         <translation>
 Specify rotation angle &lt;0&gt;: </translation>
+另存为 %1 会有以上损失。继续吗?</source>
+        <translation>
+Saving as %1 loses the above. Go on?</translation>
     </message>
     <message>
         <source>正在打开 %1</source>
@@ -1727,6 +1730,10 @@ Please open: %1</translation>
 <context>
     <name>window::DocumentGuard</name>
     <message>
+        <source>另存为 %1 会有损失。继续吗?</source>
+        <translation>Saving as %1 loses something. Go on?</translation>
+    </message>
+    <message>
         <source>他人</source>
         <translation>somebody else</translation>
     </message>
@@ -2341,8 +2348,8 @@ Please open: %1</translation>
         <translation>Open Drawing</translation>
     </message>
     <message>
-        <source>图形 (*.dxf *.DXF);;所有文件 (*)</source>
-        <translation>Drawings (*.dxf *.DXF);;All files (*)</translation>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF);;All files (*)</translation>
     </message>
     <message>
         <source>文件 %1 已不存在，已从最近的文件中移除。</source>
@@ -2528,6 +2535,10 @@ Please open: %1</translation>
     <message>
         <source>图形 (*.dxf *.DXF)</source>
         <translation>Drawings (*.dxf *.DXF)</translation>
+    </message>
+    <message>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF)</translation>
     </message>
     <message>
         <source>所有文件 (*)</source>

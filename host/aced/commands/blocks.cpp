@@ -27,7 +27,8 @@ namespace
 /// "*name=path": the star inserts single entities, the path defines the block anew.
 struct Wanted {
     QString block;
-    QString path; ///< Of the drawing to define it from; empty: the block that is there, or a file of its name.
+    QString
+        path; ///< Of the drawing to define it from; empty: the block that is there, or a file of its name.
     bool redefines = false;
     bool explodes = false;
 };
@@ -157,8 +158,8 @@ static std::optional<Wanted> askWanted()
 {
     QString &last = DocumentMemory::of(curDoc()).lastInserted;
     for (;;) {
-        const QString prompt = last.isEmpty() ? Host::tr("\n输入块名或 [?]: ")
-                                              : Host::tr("\n输入块名或 [?] <%1>: ").arg(last);
+        const QString prompt =
+            last.isEmpty() ? Host::tr("\n输入块名或 [?]: ") : Host::tr("\n输入块名或 [?] <%1>: ").arg(last);
         const auto text = askText(prompt);
         if (!text || (text->isEmpty() && last.isEmpty()))
             return std::nullopt;
@@ -187,16 +188,36 @@ struct Placement {
 
 static double metresOf(std::int64_t units)
 {
-    static constexpr std::array kMetres{0.0,     0.0254,  0.3048,      1609.344, 0.001,  0.01, 1.0,
-                                        1000.0,  2.54e-8, 2.54e-5,     0.9144,   1e-10,  1e-9, 1e-6,
-                                        0.1,     10.0,    100.0,       1e9,      1.495978707e11,
-                                        9.4607304725808e15, 3.0856775814913673e16, 0.3048006096012192,
-                                        0.0254000508, 0.9144018288, 1609.3472187};
+    static constexpr std::array kMetres{0.0,
+                                        0.0254,
+                                        0.3048,
+                                        1609.344,
+                                        0.001,
+                                        0.01,
+                                        1.0,
+                                        1000.0,
+                                        2.54e-8,
+                                        2.54e-5,
+                                        0.9144,
+                                        1e-10,
+                                        1e-9,
+                                        1e-6,
+                                        0.1,
+                                        10.0,
+                                        100.0,
+                                        1e9,
+                                        1.495978707e11,
+                                        9.4607304725808e15,
+                                        3.0856775814913673e16,
+                                        0.3048006096012192,
+                                        0.0254000508,
+                                        0.9144018288,
+                                        1609.3472187};
     return units > 0 && std::size_t(units) < kMetres.size() ? kMetres[std::size_t(units)] : 0.0;
 }
 
-/// What a length of the block is in the drawing. Drawings and blocks without units take those that are set for
-/// such; where nothing says anything it is 1.
+/// What a length of the block is in the drawing. Drawings and blocks without units take those that are set
+/// for such; where nothing says anything it is 1.
 static double unitFactor(AcDbObjectId block)
 {
     const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
@@ -287,8 +308,7 @@ static void insertEntities(AcDbObjectId block, const AcGeMatrix3d &matrix)
     std::vector<AcDbObjectId> originals = entitiesOf(block);
     std::erase_if(originals, isDefinition);
     AcEdSelectionSet copies;
-    const Acad::ErrorStatus status =
-        acdbDeepCloneEntities(originals, acdbCurDwg()->currentSpaceId(), copies);
+    const Acad::ErrorStatus status = acdbDeepCloneEntities(originals, acdbCurDwg()->currentSpaceId(), copies);
     if (status != Acad::eOk)
         acedRefuse(Host::tr("不能插入: %1").arg(reasonText(status)));
     transformAll(copies, matrix);
@@ -325,11 +345,13 @@ static std::optional<std::vector<Attribute>> askAttributes(AcDbObjectId block)
         if (flags && (flags->integer() & kConstant))
             continue;
         attribute.value = text(1, 0);
-        const bool isAsked = acedIntVar(QStringLiteral("ATTREQ"), 1) != 0 && !(flags && (flags->integer() & kPreset));
+        const bool isAsked =
+            acedIntVar(QStringLiteral("ATTREQ"), 1) != 0 && !(flags && (flags->integer() & kPreset));
         if (isAsked) {
             const QString asked = text(3, begin).isEmpty() ? text(2, begin) : text(3, begin);
             QString typed;
-            const int result = acedGetString(true, u'\n' + asked + QStringLiteral(" <%1>: ").arg(attribute.value), typed);
+            const int result =
+                acedGetString(true, u'\n' + asked + QStringLiteral(" <%1>: ").arg(attribute.value), typed);
             if (result != RTNORM && result != RTNONE)
                 return std::nullopt;
             if (!typed.isEmpty())
@@ -394,7 +416,8 @@ static void insertReference(AcDbObjectId block, const Placement &placement, doub
         return;
     const AcGeMatrix3d matrix = matrixOf(block, placement, units);
     for (const Attribute &attribute : *attributes) {
-        std::unique_ptr<AcDbObject> made(static_cast<AcDbObject *>(acdbKindClass(acdbKind("ATTRIB"), true)->create()));
+        std::unique_ptr<AcDbObject> made(
+            static_cast<AcDbObject *>(acdbKindClass(acdbKind("ATTRIB"), true)->create()));
         made->editGroups() = attributeGroups(attribute);
         const AcDbObjectId id = addPart(std::move(made), insert);
         if (const AcDbObjectPointer<AcDbEntity> open(id, AcDb::kForWrite); open)

@@ -47,9 +47,10 @@ void acedRegisterHostCommands()
     acgi::setScreenView(screenView);
     acDocManager()->setProgress(
         [](const QString &what, double share) { return acedFrontEnd().progress(what, share); });
-    const std::array tables{fileCommands(),       editCommands(),  undoCommands(),   viewCommands(),
-                            coordinateCommands(), layerCommands(), drawCommands(),   blockCommands(), inquiryCommands(),
-                            menuCommands(),       plotCommands(),  layoutCommands(), gripCommands()};
+    const std::array tables{fileCommands(),       editCommands(),  undoCommands(), viewCommands(),
+                            coordinateCommands(), layerCommands(), drawCommands(), blockCommands(),
+                            inquiryCommands(),    menuCommands(),  plotCommands(), layoutCommands(),
+                            gripCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {
             const QString name = QLatin1String(entry.name);

@@ -23,9 +23,9 @@ public:
     /// Works on the index of the space for about so long. True when it is ready; until then every question
     /// about the space first has to finish it.
     bool prepare(AcDbObjectId blockRecord, int milliseconds);
-    /// For pictures: what may be seen in the box, in no order, visible or not, and custom entities around it, which
-    /// may show more than their extents. None until the index is ready, and when much of the space is there:
-    /// going through it as it stands is quicker then.
+    /// For pictures: what may be seen in the box, in no order, visible or not, and custom entities around it,
+    /// which may show more than their extents. None until the index is ready, and when much of the space is
+    /// there: going through it as it stands is quicker then.
     std::optional<std::vector<AcDbObjectId>> near(AcDbObjectId blockRecord, const AcDbExtents &box);
 
     /// Entities of the space whose box meets `box` in x and y, visible or not. Boxes of turned inserts may be

@@ -1,10 +1,10 @@
 // Marks and ticks from one drawing to another: by command, by force, twice, into locked layers, past
 // passwords.
+#include "quillnote/aids/tick_symbols.h"
 #include "quillnote/exchange/exchange_files.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
 #include "quillnote/exchange/synchronisation.h"
-#include "quillnote/aids/tick_symbols.h"
 
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_fields.h"
