@@ -88,6 +88,9 @@ Specify insertion point: </translation>
 指定旋转角度 &lt;0&gt;: </source>
         <translation>
 Specify rotation angle &lt;0&gt;: </translation>
+    </message>
+    <message>
+        <source>
 另存为 %1 会有以上损失。继续吗?</source>
         <translation>
 Saving as %1 loses the above. Go on?</translation>
