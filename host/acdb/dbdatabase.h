@@ -177,7 +177,7 @@ private:
     friend class AcDbUncountedChange;
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
-    friend class AcDbNewBlocks;
+    friend class AcDbAnonymousBlocks;
     friend class ClassObserver;
     friend class CarrierKeeper;
 
