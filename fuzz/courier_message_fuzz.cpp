@@ -1,5 +1,5 @@
-// Messages of other people: what is taken for one is written and joined as the same; nothing else gets past the
-// courier.
+// Messages of other people: what is taken for one is written and joined as the same; nothing else gets past
+// the courier.
 #include "helpers/courier/message.h"
 
 #include "host/base/assert.h"

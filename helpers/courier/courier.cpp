@@ -56,10 +56,14 @@ bool Courier::collect()
     const std::vector<SentFile> files = m_files.sent();
     if (files.empty())
         return false;
-    sql::Transaction all(m_ledger.database());
-    for (const SentFile &file : files)
-        m_ledger.addWaiting(drawingName(file.change), file.change, file.bytes);
-    all.commit();
+    m_ledger.setDurable(true); // Before the files go.
+    {
+        sql::Transaction all(m_ledger.database());
+        for (const SentFile &file : files)
+            m_ledger.addWaiting(drawingName(file.change), file.change, file.bytes);
+        all.commit();
+    }
+    m_ledger.setDurable(false);
     for (const SentFile &file : files)
         QFile::remove(file.path);
     return true;

@@ -25,11 +25,17 @@ using sql::Query;
 Ledger::Ledger(const QString &path) : m_database(path, {kTables})
 {
     m_database.run("PRAGMA journal_mode = WAL");
+    setDurable(false);
     m_sender = remembered(QStringLiteral("sender"));
     if (m_sender.isEmpty()) {
         m_sender = QUuid::createUuid().toString(QUuid::Id128).left(8);
         remember(QStringLiteral("sender"), m_sender);
     }
+}
+
+void Ledger::setDurable(bool durable)
+{
+    m_database.run(durable ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
 QString Ledger::remembered(const QString &what) const

@@ -33,6 +33,9 @@ public:
     explicit Ledger(const QString &path);
 
     sql::Database &database() { return m_database; }
+    /// Whether transactions are on the disk when they end. What comes and goes by the carrier comes again
+    /// after a loss of power; what the program wrote does not.
+    void setDurable(bool durable);
     /// Made at the first start, kept for good.
     QString sender() const { return m_sender; }
     QString remembered(const QString &what) const;

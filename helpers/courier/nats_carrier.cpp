@@ -67,7 +67,8 @@ base::Result<Place, QString> readPlace(const QString &text)
             QStringLiteral("%1 is no place: nats://HOST/PROJECT, the project in letters, digits, - and _")
                 .arg(text)};
     if (!url.userInfo().isEmpty())
-        return base::Failure{QStringLiteral("passwords do not belong into a place: ?creds=FILE names a file")};
+        return base::Failure{
+            QStringLiteral("passwords do not belong into a place: ?creds=FILE names a file")};
     for (const QString &file : {place.credentials, place.authorities}) {
         if (!file.isEmpty() && !QFile::exists(file))
             return base::Failure{QStringLiteral("the file %1 is not there").arg(file)};
@@ -84,8 +85,9 @@ struct NatsCarrier::Library {
     struct Drawing {
         OwnedSubscription changes;
         OwnedSubscription presence;
-        std::vector<OwnedMessage> unconfirmed; ///< Handed on; the server sends them again until they are confirmed.
-        std::map<QString, qint64> own;         ///< Places of own messages that came back, by id.
+        std::vector<OwnedMessage>
+            unconfirmed;               ///< Handed on; the server sends them again until they are confirmed.
+        std::map<QString, qint64> own; ///< Places of own messages that came back, by id.
         std::map<QString, std::pair<QString, QElapsedTimer>> people;
         QElapsedTimer sinceTold;
     };
@@ -161,7 +163,8 @@ natsStatus NatsCarrier::Library::connect()
     if (login.size() == 2)
         set(natsOptions_SetUserInfo, login[0].constData(), login[1].constData());
     else if (!place.credentials.isEmpty())
-        set(natsOptions_SetUserCredentialsFromFiles, credentials.constData(), static_cast<const char *>(nullptr));
+        set(natsOptions_SetUserCredentialsFromFiles, credentials.constData(),
+            static_cast<const char *>(nullptr));
     natsConnection *connected = nullptr;
     if (status == NATS_OK)
         status = natsConnection_Connect(&connected, options.get());
@@ -237,8 +240,8 @@ natsStatus NatsCarrier::Library::follow(const QString &drawing, Drawing &state)
         options.Config.AckWait = 5 * kSecond;
         options.Config.MaxAckPending = 4 * kMessagesATime;
         natsSubscription *made = nullptr;
-        status = js_PullSubscribe(&made, stream.get(), all.constData(), durable.constData(), nullptr, &options,
-                                  nullptr);
+        status = js_PullSubscribe(&made, stream.get(), all.constData(), durable.constData(), nullptr,
+                                  &options, nullptr);
         state.changes.reset(made);
     }
     if (status == NATS_OK && !state.presence) {
@@ -340,8 +343,8 @@ base::Result<Stamp, QString> NatsCarrier::publish(const QString &drawing, const 
     if (status != NATS_OK)
         return library.failure(status);
     if (!answer->Duplicate && qint64(answer->Sequence) <= above)
-        return base::Failure{
-            QStringLiteral("%1: the stream was begun anew; this ledger is of an older one").arg(library.place.server)};
+        return base::Failure{QStringLiteral("%1: the stream was begun anew; this ledger is of an older one")
+                                 .arg(library.place.server)};
     return Stamp{qint64(answer->Sequence), library.sender};
 }
 
@@ -349,9 +352,9 @@ base::Result<Stamp, QString> NatsCarrier::publish(const QString &drawing, const 
 
 natsStatus NatsCarrier::Library::tell(const QString &drawing, bool isHere)
 {
-    const QByteArray news = QJsonDocument(QJsonObject{{QStringLiteral("name"), name},
-                                                      {QStringLiteral("here"), isHere}})
-                                .toJson(QJsonDocument::Compact);
+    const QByteArray news =
+        QJsonDocument(QJsonObject{{QStringLiteral("name"), name}, {QStringLiteral("here"), isHere}})
+            .toJson(QJsonDocument::Compact);
     return natsConnection_Publish(connection.get(), presence(drawing, sender).constData(), news.constData(),
                                   int(news.size()));
 }

@@ -1,9 +1,9 @@
-// A NATS server with JetStream as carrier, where people outgrow a folder: one stream for a project, whose order is
-// the order of the messages. docs/formats/courier-stream.md describes it.
+// A NATS server with JetStream as carrier, where people outgrow a folder: one stream for a project, whose
+// order is the order of the messages. docs/formats/courier-stream.md describes it.
 //
-// Places are written nats://HOST[:PORT]/PROJECT or tls://...; "?creds=FILE" names a file of credentials, which only
-// its owner may read: a user's token with its seed, or a line with his name and one with his password. "?ca=FILE" names
-// the certificates that the server's is checked against.
+// Places are written nats://HOST[:PORT]/PROJECT or tls://...; "?creds=FILE" names a file of credentials,
+// which only its owner may read: a user's token with its seed, or a line with his name and one with his
+// password. "?ca=FILE" names the certificates that the server's is checked against.
 #pragma once
 
 #include "helpers/courier/carrier.h"

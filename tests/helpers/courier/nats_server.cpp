@@ -17,8 +17,9 @@ namespace tests
 static QString program()
 {
     const QString found = QStandardPaths::findExecutable(QStringLiteral("nats-server"));
-    return found.isEmpty() ? QStandardPaths::findExecutable(QStringLiteral("nats-server"), {QStringLiteral("/usr/sbin")})
-                           : found;
+    return found.isEmpty()
+               ? QStandardPaths::findExecutable(QStringLiteral("nats-server"), {QStringLiteral("/usr/sbin")})
+               : found;
 }
 
 bool NatsServer::isInstalled()
@@ -52,7 +53,8 @@ static bool answers(int port)
 {
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     const sockaddr_in address = loopback(port);
-    const bool connected = ::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+    const bool connected =
+        ::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
     ::close(socket);
     return connected;
 }
@@ -62,9 +64,10 @@ NatsServer::NatsServer(QString folder, Security security)
 {
     if (security == Security::tlsAndLogin)
         makeCertificate();
-    QString settings = QStringLiteral("listen: \"127.0.0.1:%1\"\nmax_payload: 9000000\njetstream { store_dir: \"%2\" }\n")
-                           .arg(m_port)
-                           .arg(m_folder + QStringLiteral("/stream"));
+    QString settings =
+        QStringLiteral("listen: \"127.0.0.1:%1\"\nmax_payload: 9000000\njetstream { store_dir: \"%2\" }\n")
+            .arg(m_port)
+            .arg(m_folder + QStringLiteral("/stream"));
     if (security == Security::tlsAndLogin)
         settings += QStringLiteral("tls { cert_file: \"%1/server.pem\", key_file: \"%1/server.key\" }\n"
                                    "authorization { users: [ { user: ann, password: secret } ] }\n")
@@ -81,9 +84,21 @@ NatsServer::~NatsServer()
 
 void NatsServer::makeCertificate() const
 {
-    const QStringList words{"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=localhost",
-                            "-addext", "subjectAltName=DNS:localhost,IP:127.0.0.1", "-keyout",
-                            m_folder + QStringLiteral("/server.key"), "-out", authority()};
+    const QStringList words{"req",
+                            "-x509",
+                            "-newkey",
+                            "rsa:2048",
+                            "-nodes",
+                            "-days",
+                            "2",
+                            "-subj",
+                            "/CN=localhost",
+                            "-addext",
+                            "subjectAltName=DNS:localhost,IP:127.0.0.1",
+                            "-keyout",
+                            m_folder + QStringLiteral("/server.key"),
+                            "-out",
+                            authority()};
     QProcess maker;
     maker.start(QStringLiteral("openssl"), words);
     QUILL_ASSERT(maker.waitForFinished() && maker.exitCode() == 0);
@@ -91,8 +106,8 @@ void NatsServer::makeCertificate() const
 
 void NatsServer::start()
 {
-    m_process.start(program(), {QStringLiteral("-c"), m_folder + QStringLiteral("/server.conf"), QStringLiteral("-l"),
-                                m_folder + QStringLiteral("/server.log")});
+    m_process.start(program(), {QStringLiteral("-c"), m_folder + QStringLiteral("/server.conf"),
+                                QStringLiteral("-l"), m_folder + QStringLiteral("/server.log")});
     QUILL_ASSERT(m_process.waitForStarted());
     for (int i = 0; i < 200 && !answers(m_port); ++i)
         QThread::msleep(50);
