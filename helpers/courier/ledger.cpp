@@ -166,11 +166,14 @@ std::vector<Waiting> Ledger::waiting(const QString &drawing) const
     return found;
 }
 
-bool Ledger::isWaiting(const QString &drawing, const QByteArray &mark) const
+std::vector<QByteArray> Ledger::waitingOf(const QString &drawing, const QByteArray &mark) const
 {
-    Query query(m_database, QStringLiteral("SELECT 1 FROM waiting WHERE drawing = ? AND mark = ?"),
+    std::vector<QByteArray> found;
+    Query query(m_database, QStringLiteral("SELECT bytes FROM waiting WHERE drawing = ? AND mark = ?"),
                 {drawing, mark});
-    return query.next();
+    while (query.next())
+        found.push_back(query.bytes(0));
+    return found;
 }
 
 void Ledger::removeWaiting(qint64 number)

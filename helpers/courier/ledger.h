@@ -60,7 +60,7 @@ public:
     /// A file of the program; the same again is nothing new.
     void addWaiting(const QString &drawing, const SharedChange &change, const QByteArray &bytes);
     std::vector<Waiting> waiting(const QString &drawing) const;
-    bool isWaiting(const QString &drawing, const QByteArray &mark) const;
+    std::vector<QByteArray> waitingOf(const QString &drawing, const QByteArray &mark) const;
     void removeWaiting(qint64 number);
     QStringList drawingsWaiting() const;
     qint64 waitingCount() const;

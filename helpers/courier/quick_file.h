@@ -1,5 +1,5 @@
-// Writing files that are made again when they are lost: what goes with the power is no loss, but nobody ever reads
-// half of one.
+// Writing files that are made again when they are lost: what goes with the power is no loss, but nobody ever
+// reads half of one.
 #pragma once
 
 #include <QByteArray>
