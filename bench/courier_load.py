@@ -3,7 +3,7 @@
 costs next to nothing. Real couriers run over one folder; this script stands for the programs, which write a file for
 each mark and take what arrives.
 
-usage: courier_load.py [--people 20] [--seconds 60] [--rest 20]
+usage: courier_load.py [--people 20] [--seconds 60] [--rest 20] [--place nats://localhost/bench]
 """
 
 import argparse
@@ -90,12 +90,13 @@ def main():
     parser.add_argument("--people", type=int, default=20)
     parser.add_argument("--seconds", type=float, default=60)
     parser.add_argument("--rest", type=float, default=20)
+    parser.add_argument("--place", help="where they meet; a folder of this run without it")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         share = folder / "share"
         share.mkdir()
-        people = [Person(folder, number, share) for number in range(options.people)]
+        people = [Person(folder, number, options.place or share) for number in range(options.people)]
         try:
             time.sleep(3)
             before = [person.processor() for person in people]

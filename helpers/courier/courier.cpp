@@ -56,10 +56,14 @@ bool Courier::collect()
     const std::vector<SentFile> files = m_files.sent();
     if (files.empty())
         return false;
-    sql::Transaction all(m_ledger.database());
-    for (const SentFile &file : files)
-        m_ledger.addWaiting(drawingName(file.change), file.change, file.bytes);
-    all.commit();
+    m_ledger.setDurable(true); // Before the files go.
+    {
+        sql::Transaction all(m_ledger.database());
+        for (const SentFile &file : files)
+            m_ledger.addWaiting(drawingName(file.change), file.change, file.bytes);
+        all.commit();
+    }
+    m_ledger.setDurable(false);
     for (const SentFile &file : files)
         QFile::remove(file.path);
     return true;
@@ -155,25 +159,29 @@ void Courier::apply(const QString &drawing, const Message &message)
     const bool counts = !before || before->stamp < message.stamp;
     if (counts)
         m_ledger.setLatest(drawing, change, {message.stamp, message.bytes});
-    // The program has what it sent, and what waits overtakes everything.
-    if (counts == isOwn || m_ledger.isWaiting(drawing, change.mark))
+    else if (!isOwn)
         return;
-    if (counts)
-        overtake(drawing, before, message.bytes);
-    else // An own message that took long to be published.
-        overtake(drawing, message, before->bytes);
+    // The program has what it sent, and what waits overtakes everything.
+    const QByteArray winner = counts ? message.bytes : before->bytes;
+    if (counts != isOwn && m_ledger.waitingOf(drawing, change.mark).empty())
+        m_ledger.addArriving(drawing, change.mark, false, winner);
+    // An own message that took long to be published may have been overtaken before it came.
+    const std::optional<Message> loser = counts ? before : message;
+    if (loser && loser->stamp.sender == m_ledger.sender() && isOvertaken(drawing, loser->bytes, winner))
+        m_ledger.addArriving(drawing, change.mark, true, loser->bytes);
 }
 
-/// Hands on what counts now. An own change that it did not know of goes along, to stand beside it.
-void Courier::overtake(const QString &drawing, const std::optional<Message> &loser, const QByteArray &winner)
+/// Whether the words of an own change have to be kept: neither the winner nor what waits here knew of them. A
+/// program that was ended without saving overtakes itself so.
+bool Courier::isOvertaken(const QString &drawing, const QByteArray &loser, const QByteArray &winner) const
 {
+    const SharedChange mine = *readMarkDataHeader(loser)->shared;
     const SharedChange won = *readMarkDataHeader(winner)->shared;
-    m_ledger.addArriving(drawing, won.mark, false, winner);
-    if (!loser || loser->stamp.sender != m_ledger.sender())
-        return;
-    const SharedChange mine = *readMarkDataHeader(loser->bytes)->shared;
-    if (won.before != mine.after && won.after != mine.after && mine.after != erasedDigest())
-        m_ledger.addArriving(drawing, won.mark, true, loser->bytes);
+    if (mine.after == erasedDigest() || won.before == mine.after || won.after == mine.after)
+        return false;
+    return std::ranges::none_of(m_ledger.waitingOf(drawing, mine.mark), [&mine](const QByteArray &bytes) {
+        return readMarkDataHeader(bytes)->shared->before == mine.after;
+    });
 }
 
 // To the program -------------------------------------------------------------------------------------

@@ -49,7 +49,7 @@ private:
     bool send(const QString &drawing);
     bool isNews(const QString &drawing, const SharedChange &change, const QByteArray &bytes);
     void apply(const QString &drawing, const Message &message);
-    void overtake(const QString &drawing, const std::optional<Message> &loser, const QByteArray &winner);
+    bool isOvertaken(const QString &drawing, const QByteArray &loser, const QByteArray &winner) const;
     void begin(const QString &drawing);
     bool hand(const QString &drawing);
     void forgetTaken(const QString &drawing);

@@ -1,5 +1,6 @@
 #include "helpers/courier/folder_carrier.h"
 
+#include "helpers/courier/quick_file.h"
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
 
@@ -211,8 +212,8 @@ base::Result<void, QString> FolderCarrier::tell(const QString &drawing, Drawing 
     person.insert(QStringLiteral("beat"), ++state.beat);
     const QByteArray bytes = QJsonDocument(person).toJson(QJsonDocument::Indented);
     const QString path = folderOf(drawing, m_sender) + u'/' + kPersonFile;
-    if (const auto written = base::writeFileAtomically(path, bytes); !written)
-        return base::Failure{written.error().text()};
+    if (!writeQuickly(path, bytes))
+        return base::Failure{QStringLiteral("the file %1 cannot be written").arg(path)};
     state.told = news;
     state.sinceTold.start();
     return {};

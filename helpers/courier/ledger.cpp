@@ -25,11 +25,17 @@ using sql::Query;
 Ledger::Ledger(const QString &path) : m_database(path, {kTables})
 {
     m_database.run("PRAGMA journal_mode = WAL");
+    setDurable(false);
     m_sender = remembered(QStringLiteral("sender"));
     if (m_sender.isEmpty()) {
         m_sender = QUuid::createUuid().toString(QUuid::Id128).left(8);
         remember(QStringLiteral("sender"), m_sender);
     }
+}
+
+void Ledger::setDurable(bool durable)
+{
+    m_database.run(durable ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
 QString Ledger::remembered(const QString &what) const
@@ -160,11 +166,14 @@ std::vector<Waiting> Ledger::waiting(const QString &drawing) const
     return found;
 }
 
-bool Ledger::isWaiting(const QString &drawing, const QByteArray &mark) const
+std::vector<QByteArray> Ledger::waitingOf(const QString &drawing, const QByteArray &mark) const
 {
-    Query query(m_database, QStringLiteral("SELECT 1 FROM waiting WHERE drawing = ? AND mark = ?"),
+    std::vector<QByteArray> found;
+    Query query(m_database, QStringLiteral("SELECT bytes FROM waiting WHERE drawing = ? AND mark = ?"),
                 {drawing, mark});
-    return query.next();
+    while (query.next())
+        found.push_back(query.bytes(0));
+    return found;
 }
 
 void Ledger::removeWaiting(qint64 number)

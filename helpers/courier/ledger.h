@@ -33,6 +33,9 @@ public:
     explicit Ledger(const QString &path);
 
     sql::Database &database() { return m_database; }
+    /// Whether transactions are on the disk when they end. What comes and goes by the carrier comes again
+    /// after a loss of power; what the program wrote does not.
+    void setDurable(bool durable);
     /// Made at the first start, kept for good.
     QString sender() const { return m_sender; }
     QString remembered(const QString &what) const;
@@ -57,7 +60,7 @@ public:
     /// A file of the program; the same again is nothing new.
     void addWaiting(const QString &drawing, const SharedChange &change, const QByteArray &bytes);
     std::vector<Waiting> waiting(const QString &drawing) const;
-    bool isWaiting(const QString &drawing, const QByteArray &mark) const;
+    std::vector<QByteArray> waitingOf(const QString &drawing, const QByteArray &mark) const;
     void removeWaiting(qint64 number);
     QStringList drawingsWaiting() const;
     qint64 waitingCount() const;

@@ -2,8 +2,8 @@
 #include "helpers/courier/courier.h"
 #include "helpers/courier/folder_carrier.h"
 #include "helpers/courier/nats_carrier.h"
+#include "helpers/courier/quick_file.h"
 
-#include "host/base/atomic_file.h"
 #include "host/base/path_name.h"
 #include "host/base/terminal_text.h"
 #include "host/os/settings_store.h"
@@ -12,13 +12,13 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLockFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <QTimer>
@@ -26,6 +26,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -182,17 +183,11 @@ private:
             QCoreApplication::quit();
     }
 
-    /// Not through a writer that waits for the disk: this is old in a moment.
     void tellStatus(const Status &status)
     {
         if (m_sinceTold.isValid() && m_sinceTold.elapsed() < kStatusMilliseconds && status == m_told)
             return;
-        QSaveFile file(statusFile(m_options));
-        file.setDirectWriteFallback(true);
-        if (!file.open(QIODevice::WriteOnly))
-            return;
-        file.write(QJsonDocument(asJson(status, m_place)).toJson());
-        file.commit();
+        writeQuickly(statusFile(m_options), QJsonDocument(asJson(status, m_place)).toJson());
         m_told = status;
         m_sinceTold.start();
     }

@@ -1,6 +1,6 @@
 #include "helpers/courier/program_files.h"
 
-#include "host/base/atomic_file.h"
+#include "helpers/courier/quick_file.h"
 #include "host/base/file_bytes.h"
 
 #include <QDir>
@@ -86,7 +86,7 @@ qint64 ProgramFiles::laidDown(const QString &drawing) const
 bool ProgramFiles::layDown(const QString &drawing, qint64 number, const QByteArray &bytes) const
 {
     const QString name = QStringLiteral("%1").arg(number, 12, 10, QLatin1Char('0')) + kEnding;
-    return QDir().mkpath(arrivals(drawing)) && base::writeFileAtomically(arrivals(drawing) + name, bytes);
+    return QDir().mkpath(arrivals(drawing)) && writeQuickly(arrivals(drawing) + name, bytes);
 }
 
 void ProgramFiles::takeBack(const QString &drawing) const

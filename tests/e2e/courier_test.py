@@ -17,6 +17,7 @@ import screen
 SAMPLE = Path(os.environ["QUILL_ROOT"]) / "samples" / "plan.dxf"
 COURIER = str(Path(program.QUILLNOTE).with_name("quillnote-courier"))
 MARKS = int(os.environ.get("QUILLNOTE_MARKS", "3"))
+PLACE = os.environ.get("QUILLNOTE_PLACE")  # A server; a folder of this test without it.
 
 
 class Person:
@@ -80,7 +81,7 @@ class CourierTest(unittest.TestCase):
         return time.monotonic() - start
 
     def test_marks_of_two_people_meet(self):
-        ann, bob = Person(self.folder, "ann", self.share), Person(self.folder, "bob", self.share)
+        ann, bob = (Person(self.folder, name, PLACE or self.share) for name in ("ann", "bob"))
         shutil.copy(SAMPLE, ann.drawing)
         with screen.Screen() as here, screen.Screen() as there:
             ann.sit_down(here)

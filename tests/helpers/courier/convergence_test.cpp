@@ -299,7 +299,7 @@ struct Convergence : AuthoringTest {
 TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
 {
     const int first = number("QUILLNOTE_FIRST_SEED", 1);
-    const int seeds = number("QUILLNOTE_SEEDS", 20);
+    const int seeds = number("QUILLNOTE_SEEDS", 12);
     for (int seed = first; seed < first + seeds && !HasFailure(); ++seed) {
         const QString share = folder.filePath(QStringLiteral("share%1").arg(seed));
         QDir().mkpath(share);
@@ -334,7 +334,7 @@ struct ServerTest : Convergence {
 TEST_F(ServerTest, EverybodyEndsWithTheSameMarksThoughTheServerIsKilled)
 {
     tests::NatsServer server(folder.path());
-    const int seeds = number("QUILLNOTE_SERVER_SEEDS", 2);
+    const int seeds = number("QUILLNOTE_SERVER_SEEDS", 1);
     for (int seed = 1; seed <= seeds && !HasFailure(); ++seed) {
         work(
             unsigned(seed), 3, 40, openAt(server.place(QStringLiteral("project%1").arg(seed))),

@@ -68,12 +68,17 @@ Reviewer::Reviewer(QString home, OpenCarrier openCarrier, QString name, std::mt1
     startCourier();
 }
 
+Reviewer::~Reviewer()
+{
+    if (s_sitting == this)
+        s_sitting = nullptr;
+}
+
 void Reviewer::startCourier()
 {
     m_courier.reset();
     m_connection.reset();
     m_ledger = std::make_unique<courier::Ledger>(m_home + QStringLiteral("/sync/courier/ledger.sqlite"));
-    m_ledger->database().run("PRAGMA synchronous = OFF"); // No test pulls the plug.
     courier::Ledger *const ledger = m_ledger.get();
     const courier::Knowledge knowledge{[ledger](const QString &drawing, const courier::Stamp &stamp) {
                                            return ledger->isSeen(drawing, stamp);

@@ -57,6 +57,10 @@ public:
     /// `home` is his; the drawing lies in it as "plan.dxf".
     Reviewer(QString home, OpenCarrier openCarrier, QString name, std::mt19937 &random);
 
+    ~Reviewer();
+    Reviewer(const Reviewer &) = delete;
+    Reviewer &operator=(const Reviewer &) = delete;
+
     /// Everything that follows happens in his program.
     void sit();
     AcDbDatabase &database() const { return *m_document->database(); }

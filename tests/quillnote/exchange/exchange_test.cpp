@@ -305,8 +305,10 @@ TEST_F(ExchangeTest, SwitchingOnSendsWhatChangedSinceTheDrawingWasSaved)
     const QString path = folder.path(QStringLiteral("plan.dxf"));
     drawing.reset();
     AcApDocument *const fresh = acDocManager()->newDocument();
+    NewMark request;
+    request.corner2 = {20, 10, 0};
     for (int i = 0; i < 3; ++i)
-        createMark(*fresh->database(), {{}, {20, 10, 0}});
+        createMark(*fresh->database(), request);
     run(QStringLiteral("QN8_SynningOn"));
     EXPECT_EQ(QDir(sync).entryList(QDir::Files).size(), 3);
     ASSERT_TRUE(acDocManager()->saveDocument(fresh, path).ok());
