@@ -1,5 +1,6 @@
-// Claim: asking what a target says costs no more than the 101 entities looked at, whatever the target and the drawing
-// around it hold. The peer is the same question about those 101 entities alone; the bound is reading their groups.
+// Claim: asking what a target says costs no more than the 101 entities looked at, whatever the target and the
+// drawing around it hold. The peer is the same question about those 101 entities alone; the bound is reading
+// their groups.
 //
 // usage: bench_keywords DRAWING.dxf (bench/make_drawing.py makes one of a million entities)
 #include "bench/stopwatch.h"
@@ -41,7 +42,8 @@ int main(int argc, char **argv)
         // Targets that hold all the rest of the drawing, beside the few that are looked at.
         const auto begin = all.begin() + std::ptrdiff_t(all.size() / kPlaces * std::size_t(place) / 2);
         const std::vector<AcDbObjectId> target(begin, all.end());
-        const std::vector<AcDbObjectId> first(begin, begin + std::ptrdiff_t(std::min(kLookedAt, target.size())));
+        const std::vector<AcDbObjectId> first(begin,
+                                              begin + std::ptrdiff_t(std::min(kLookedAt, target.size())));
         QString text;
         few += bench::bestSeconds(3, [&] { text = keywordText(first); });
         whole += bench::bestSeconds(3, [&] {

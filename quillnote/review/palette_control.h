@@ -1,5 +1,5 @@
-// ReviewPalette: what a review palette knows and does. The panel tells it what a person wants; the index tells it
-// what happened to the marks.
+// ReviewPalette: what a review palette knows and does. The panel tells it what a person wants; the index
+// tells it what happened to the marks.
 #pragma once
 
 #include "quillnote/entity/mark_dictionary.h"

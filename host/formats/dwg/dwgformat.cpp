@@ -46,8 +46,8 @@ public:
     base::Result<std::unique_ptr<AcDbDatabase>, QString> read(base::FileBytes bytes, const QString &name,
                                                               const base::Progress &) const override
     {
-        return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
-                                 .arg(name, versionName(bytes.view()))};
+        return base::Failure{
+            Host::tr("%1: DWG drawings of version %2 cannot be read").arg(name, versionName(bytes.view()))};
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }

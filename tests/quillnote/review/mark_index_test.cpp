@@ -1,5 +1,5 @@
-// What the palette knows of the marks of a drawing that was just opened: read past their pictures, and the same
-// as opening each of them tells.
+// What the palette knows of the marks of a drawing that was just opened: read past their pictures, and the
+// same as opening each of them tells.
 #include "quillnote/review/mark_index.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
@@ -14,8 +14,8 @@ static std::unique_ptr<AcDbDatabase> opened(const QByteArray &bytes)
 
 static auto valuesOf(const MarkSummary &mark)
 {
-    return std::tuple(mark.id, mark.markNumber, mark.subNumber, mark.feedbackType, mark.reviewer, mark.opinion,
-                      mark.feedback);
+    return std::tuple(mark.id, mark.markNumber, mark.subNumber, mark.feedbackType, mark.reviewer,
+                      mark.opinion, mark.feedback);
 }
 
 TEST_F(AuthoringTest, AnOpenedDrawingIsReadPastItsPictures)
@@ -40,15 +40,16 @@ TEST_F(AuthoringTest, AnOpenedDrawingIsReadPastItsPictures)
     const qsizetype damaged = bytes.lastIndexOf("QuillnoteObj3", bytes.indexOf("no marker"));
     bytes.replace(damaged, 13, "QuillnoteObjX");
 
-    const auto drawing = opened(bytes);
+    const auto reopened = opened(bytes);
     MarkIndex index([] {});
-    index.watch(drawing.get());
+    index.watch(reopened.get());
     const std::vector<MarkSummary> read = index.marks();
     ASSERT_EQ(read.size(), 3U);
     for (const MarkSummary &mark : read)
         EXPECT_EQ(mark.id.stub()->object, nullptr) << "only its bytes were looked at";
     for (const MarkSummary &mark : read)
-        EXPECT_EQ(valuesOf(mark), valuesOf(summaryOf(*AcDbObjectPointer<QuillnoteObj3>(mark.id, AcDb::kForRead))));
+        EXPECT_EQ(valuesOf(mark),
+                  valuesOf(summaryOf(*AcDbObjectPointer<QuillnoteObj3>(mark.id, AcDb::kForRead))));
     EXPECT_EQ(read[1].opinion, QStringLiteral("门宽不足"));
 
     AcDbObjectPointer<QuillnoteObj3>(read[0].id, AcDb::kForWrite)->feedbackType = 2;
