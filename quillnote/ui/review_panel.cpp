@@ -258,8 +258,8 @@ static bool isIdleUndo(const QWidget &field, const QKeyEvent &event)
     return line && !(isUndo ? line->isUndoAvailable() : line->isRedoAvailable());
 }
 
-/// The window's own shortcuts stand back while the cursor is in the panel. Taking back an answer that was saved is
-/// the window's.
+/// The window's own shortcuts stand back while the cursor is in the panel. Taking back an answer that was
+/// saved is the window's.
 bool CMarkWnd2::eventFilter(QObject *watched, QEvent *event)
 {
     const auto *const widget = qobject_cast<const QWidget *>(watched);
