@@ -8,12 +8,12 @@
 
 using namespace bank;
 
-/// Blanks are what an export may put in.
+/// Blanks are what an export may put in, characters of value 1 what it leaves out.
 static QString withoutBlanks(const QString &text)
 {
     QString rest;
     for (const QChar c : text) {
-        if (!c.isSpace())
+        if (!c.isSpace() && c != QChar(1))
             rest += c;
     }
     return rest;

@@ -28,19 +28,26 @@ void VisibleEdges::drawPrimitive(PrimitiveElement element, const QStyleOption *o
                                  const QWidget *widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    constexpr int kBlack = 24; // Grey level.
+    constexpr int kBlack = 24; // Grey levels.
+    constexpr int kDark = 64;
     const QColor background = option->palette.color(QPalette::Window);
-    // What has the focus has an edge that says so.
-    if (!hasEdge(element) || option->state & State_HasFocus || qGray(background.rgb()) > kBlack)
+    const int gray = qGray(background.rgb());
+    // On a dark desktop buttons are lighter than what is around them. What has the focus has an edge that
+    // says so.
+    const bool isSeen = gray > kDark || (gray > kBlack && element == PE_PanelButtonCommand);
+    if (!hasEdge(element) || option->state & State_HasFocus || isSeen)
         return;
     painter->save();
-    painter->setPen(subdued(option->palette.color(QPalette::Active, QPalette::WindowText), background));
+    QColor edge = subdued(option->palette.color(QPalette::Active, QPalette::WindowText), background);
+    if (gray > kBlack)
+        edge = subdued(edge, background);
+    painter->setPen(edge);
     painter->setBrush(Qt::NoBrush);
-    const QRect edge = option->rect.adjusted(0, 0, -1, -1);
+    const QRect place = option->rect.adjusted(0, 0, -1, -1);
     if (element == PE_IndicatorRadioButton)
-        painter->drawEllipse(edge);
+        painter->drawEllipse(place);
     else
-        painter->drawRect(edge);
+        painter->drawRect(place);
     painter->restore();
 }
 

@@ -1,5 +1,5 @@
-// Edges of fields, buttons and boxes on black desktops: styles make them from a darker shade of the window's
-// colour, and nothing is darker than black.
+// Edges of fields, buttons and boxes on dark and black desktops: styles make them from a darker shade of the
+// window's colour, and nothing is darker than black.
 #pragma once
 
 #include <QProxyStyle>

@@ -48,7 +48,7 @@ static QString harmless(QString text)
         while (text.contains(mark))
             text.replace(mark, mark.first(1) + u' ' + mark.sliced(1));
     }
-    return text;
+    return text.remove(QChar(1)); // Of these it drops some.
 }
 
 QByteArray asPhraseFile(const std::vector<Entry> &entries)

@@ -35,7 +35,8 @@ std::optional<PhraseText> decodePhraseBytes(QByteArrayView bytes)
             return {};
     }
     const base::TextCodec &codec = base::looksLikeUtf8(view(bytes)) ? utf8() : chinese();
-    return PhraseText{codec.decode(view(bytes)), codec};
+    QString text = codec.decode(view(bytes));
+    return PhraseText{text.replace(QChar(QChar::Null), u' '), codec}; // Nobody can search for it, or type it.
 }
 
 // Reading ----------------------------------------------------------------------------------------

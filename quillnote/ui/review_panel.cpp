@@ -4,6 +4,8 @@
 
 #include <QKeyEvent>
 #include <QKeySequence>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -243,14 +245,31 @@ bool CMarkWnd2::isMine(const QKeyEvent &event) const
     return findKey(event) || event.key() == Qt::Key_Escape || isEnter(event);
 }
 
-/// The window's own shortcuts stand back while the cursor is in the panel.
+/// Fields take the keys of undo and redo also when they have nothing to take back.
+static bool isIdleUndo(const QWidget &field, const QKeyEvent &event)
+{
+    const bool isUndo = event.matches(QKeySequence::Undo);
+    if (!isUndo && !event.matches(QKeySequence::Redo))
+        return false;
+    if (const auto *const text = qobject_cast<const QPlainTextEdit *>(&field))
+        return text->isReadOnly() ||
+               !(isUndo ? text->document()->isUndoAvailable() : text->document()->isRedoAvailable());
+    const auto *const line = qobject_cast<const QLineEdit *>(&field);
+    return line && !(isUndo ? line->isUndoAvailable() : line->isRedoAvailable());
+}
+
+/// The window's own shortcuts stand back while the cursor is in the panel. Taking back an answer that was
+/// saved is the window's.
 bool CMarkWnd2::eventFilter(QObject *watched, QEvent *event)
 {
     const auto *const widget = qobject_cast<const QWidget *>(watched);
-    if (event->type() == QEvent::ShortcutOverride && widget && isAncestorOf(widget) &&
-        isMine(*static_cast<QKeyEvent *>(event))) {
-        event->accept();
-        return true;
+    if (event->type() == QEvent::ShortcutOverride && widget && isAncestorOf(widget)) {
+        const auto &key = *static_cast<const QKeyEvent *>(event);
+        const bool mine = isMine(key);
+        if (mine || isIdleUndo(*widget, key)) {
+            event->setAccepted(mine);
+            return true;
+        }
     }
     return CAcUiDialog::eventFilter(watched, event);
 }

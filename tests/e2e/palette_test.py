@@ -102,6 +102,9 @@ class PaletteTest(unittest.TestCase):
             window.command("QN3_QuillnoteAsk", "")
             time.sleep(1.0)
             desk.picture("palette.png")
+            window.type("taken back")
+            window.keys("Return", "ctrl+z")
+            time.sleep(0.5)
             for place in range(MARKS):
                 text, control = answer(place)
                 if text:

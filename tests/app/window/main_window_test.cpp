@@ -372,7 +372,7 @@ TEST(ReadablePalette, CorrectsOnlyWhatCannotBeRead)
     }
 }
 
-TEST(VisibleEdges, ShowOnBlackOnly)
+TEST(VisibleEdges, ShowOnDarkDesktopsOnly)
 {
     window::VisibleEdges style;
     const auto drawn = [&style](const QColor &background, bool isVisible) {
@@ -394,5 +394,6 @@ TEST(VisibleEdges, ShowOnBlackOnly)
     };
     EXPECT_LT(brightest(drawn(Qt::black, false)), 60) << "no longer needed";
     EXPECT_GE(brightest(drawn(Qt::black, true)), 75);
+    EXPECT_GE(brightest(drawn(QColor(35, 38, 41), true)), 60);
     EXPECT_EQ(drawn(QColor(239, 239, 239), true), drawn(QColor(239, 239, 239), false));
 }

@@ -104,6 +104,10 @@ TEST(PhraseBank, PhraseFilesGoInAndOut)
         EXPECT_EQ(read[0].weight, 7);
         EXPECT_EQ(read[1].category, QStringLiteral("外"));
     }
+    const QString zero = folder.write(QStringLiteral("zero.txt"), QByteArrayLiteral("wide\0door\n"));
+    Bank bank(QStringLiteral(":memory:"));
+    EXPECT_EQ(bank.add(QStringLiteral("z"), readPhraseFile(zero)), 1);
+    EXPECT_EQ(texts(bank.find(QStringLiteral("door"), {}, 0)), QStringList{QStringLiteral("wide door")});
     EXPECT_THROW(readPhraseFile(folder.write(QStringLiteral("utf16.txt"), "\xFF\xFEx")), Trouble);
     EXPECT_THROW(readPhraseFile(folder.path(QStringLiteral("none.txt"))), Trouble);
 }

@@ -40,9 +40,9 @@ TEST_F(AuthoringTest, AnOpenedDrawingIsReadPastItsPictures)
     const qsizetype damaged = bytes.lastIndexOf("QuillnoteObj3", bytes.indexOf("no marker"));
     bytes.replace(damaged, 13, "QuillnoteObjX");
 
-    const auto drawing = opened(bytes);
+    const auto reopened = opened(bytes);
     MarkIndex index([] {});
-    index.watch(drawing.get());
+    index.watch(reopened.get());
     const std::vector<MarkSummary> read = index.marks();
     ASSERT_EQ(read.size(), 3U);
     for (const MarkSummary &mark : read)
