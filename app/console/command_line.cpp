@@ -55,11 +55,11 @@ struct CommandLine {
 
     CLI::App *addVerb(CLI::App &parent, const std::string &verb, const std::string &help,
                       std::function<int()> run);
-    void addFiles(CLI::App &verb) { verb.add_option("FILE", files, "Drawings (DXF)")->required(); }
+    void addFiles(CLI::App &verb) { verb.add_option("FILE", files, "Drawings (DXF, DWG)")->required(); }
     /// Of verbs that make one file of one drawing.
     void addOneToOne(CLI::App &verb, const std::string &kind)
     {
-        verb.add_option("FILE", drawing, "Drawing (DXF)")->required();
+        verb.add_option("FILE", drawing, "Drawing (DXF, DWG)")->required();
         verb.add_option("OUT", output, kind)->required();
         verb.add_option("--layout", layout, "Layout, or Model; otherwise what the drawing was saved in")
             ->type_name("NAME");

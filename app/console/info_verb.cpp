@@ -158,6 +158,7 @@ static QJsonObject drawingInfo(const AcApDocument &document)
         {QStringLiteral("layouts"), layouts(database)},
         {QStringLiteral("extents"), extents(document)},
         {QStringLiteral("classes"), classes(database)},
+        {QStringLiteral("notUnderstood"), database.source()->notUnderstood()},
         {QStringLiteral("repairs"), QJsonArray::fromStringList(database.repairs())},
     };
 }
@@ -235,6 +236,8 @@ static QString drawingInfoText(const QJsonObject &info, AcDbDatabase &database)
     text += row("extents", extentsText(info.value(u"extents")));
     text += row("classes",
                 listText(info.value(u"classes"), [](const QJsonValue &v) { return v[u"name"].toString(); }));
+    if (const QString kept = info.value(u"notUnderstood").toString(); !kept.isEmpty())
+        text += row("kept as is", kept);
     for (const QJsonValue repair : info.value(u"repairs").toArray())
         text += row("repaired", repair.toString());
     return text;

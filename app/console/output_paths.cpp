@@ -90,6 +90,8 @@ base::Result<void, QString> saveCopy(AcApDocument *document, const QString &targ
         return prepared;
     const auto whatIsThere =
         overwrite == Overwrite::yes ? AcApOverwriteChanged::no : AcApOverwriteChanged::nothing;
+    for (const QString &loss : acDocManager()->lossesOfSaving(*document, target))
+        printMessageLine(target + QStringLiteral(": ") + loss);
     const auto saved = acDocManager()->saveDocument(document, target, true, whatIsThere);
     if (!saved)
         return base::Failure{saved.error()};

@@ -80,8 +80,10 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
     QFileDialog dialog(QApplication::activeWindow(), dialogTitle(prompt.message));
     dialog.setAcceptMode(isSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setNameFilters(
-        {isDrawing ? tr("图形 (*.dxf *.DXF)") : QStringLiteral("*.") + ending, tr("所有文件 (*)")});
+    dialog.setNameFilters({!isDrawing ? QStringLiteral("*.") + ending
+                           : isSave   ? tr("图形 (*.dxf *.DXF)")
+                                      : tr("图形 (*.dwg *.DWG *.dxf *.DXF)"),
+                           tr("所有文件 (*)")});
     // With it the dialog asks about the file that will be written, not about a name without its ending.
     dialog.setDefaultSuffix(ending);
     if (!prompt.path.isEmpty()) {

@@ -163,8 +163,23 @@ bool DocumentGuard::open(const QString &path)
 
 // Saving ------------------------------------------------------------------------------------------
 
+/// What the format of a name cannot hold.
+bool DocumentGuard::mayLose(const AcApDocument &document, const QString &path)
+{
+    const QStringList losses = acDocManager()->lossesOfSaving(document, path);
+    if (losses.isEmpty())
+        return true;
+    QMessageBox box(QMessageBox::Warning, {}, tr("另存为 %1 会有损失。继续吗?").arg(path),
+                    QMessageBox::Save | QMessageBox::Cancel, m_window);
+    box.setInformativeText(losses.join(u'\n'));
+    box.setDefaultButton(QMessageBox::Cancel);
+    return ask(box) == QMessageBox::Save;
+}
+
 bool DocumentGuard::write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite)
 {
+    if (!path.isEmpty() && !mayLose(*document, path))
+        return false;
     const auto saved = acDocManager()->saveDocument(document, path, false, overwrite);
     if (saved) {
         m_front.print(u'\n' + tr("已保存 %1。").arg(QDir::toNativeSeparators(document->fileName())));
@@ -188,6 +203,8 @@ bool DocumentGuard::save(AcApDocument *document, const QString &path)
         return write(document, path, AcApOverwriteChanged::no);
     if (!document->isNamedDrawing())
         return saveAs(document);
+    if (const QString reason = acDocManager()->whyNotSaved(*document); !reason.isEmpty())
+        return saveElsewhere(document, reason);
     const QString name = document->docTitle();
     if (const auto holder = acapForeignLock(document->fileName()))
         return saveElsewhere(document,
@@ -208,7 +225,10 @@ bool DocumentGuard::save(AcApDocument *document, const QString &path)
 
 bool DocumentGuard::saveAs(AcApDocument *document)
 {
-    const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
+    QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
+    const QString suffix = acDocManager()->suffixToSave(*document);
+    if (const QFileInfo file(present); file.suffix() != suffix)
+        present = file.dir().filePath(file.completeBaseName() + u'.' + suffix);
     QString path;
     if (acedGetFileD(tr("图形另存为"), present, QStringLiteral("dxf"), kAcUiSaveFile, path) != RTNORM)
         return false;

@@ -62,6 +62,7 @@ private:
     void askAboutFile(AcApDocument *document);
     void reload(AcApDocument *document);
     bool openRecovered(const AcApRecoverable &copy);
+    bool mayLose(const AcApDocument &document, const QString &path);
     bool write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite);
     bool saveElsewhere(AcApDocument *document, const QString &reason);
     void tellRepairs(const AcApDocument &document);

@@ -249,8 +249,8 @@ void MainWindow::openNow(const QString &path)
 
 void MainWindow::askOpen()
 {
-    const QStringList files =
-        QFileDialog::getOpenFileNames(this, tr("打开图形"), m_folder, tr("图形 (*.dxf *.DXF);;所有文件 (*)"));
+    const QStringList files = QFileDialog::getOpenFileNames(
+        this, tr("打开图形"), m_folder, tr("图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)"));
     for (const QString &file : files)
         openNow(file);
 }

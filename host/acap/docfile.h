@@ -18,5 +18,7 @@ std::uint64_t acapDigestAsRead(const AcDbDatabase &database);
 base::Result<base::WrittenFile, QString> acapWriteDrawing(AcDbDatabase &database, const QString &path,
                                                           const base::Progress &progress,
                                                           const base::MayReplace &mayReplace);
+/// What of the drawing the format of that name cannot hold, a sentence each.
+QStringList acapLossesOfWriting(const AcDbDatabase &database, const QString &path);
 /// A drawing made from the built-in template.
 std::unique_ptr<AcDbDatabase> acapTemplateDrawing();

@@ -7,6 +7,7 @@
 #include "host/base/atomic_file.h"
 #include "host/base/host_text.h"
 #include "host/base/path_name.h"
+#include "host/formats/drawingformat.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -380,6 +381,31 @@ base::Result<AcApSaved, QString> AcApDocManager::saveDocument(AcApDocument *docu
         settleSaved(*document, target, state);
     }
     return AcApSaved{noteOf(target, *written)};
+}
+
+QString AcApDocManager::whyNotSaved(const AcApDocument &document) const
+{
+    const QString name = document.isNamedDrawing() ? document.fileName() : document.docTitle();
+    const DrawingFormat *const format = drawingFormatToSave(*document.m_database, name);
+    return format ? format->whyNotWritten() : QString();
+}
+
+QString AcApDocManager::suffixToSave(const AcApDocument &document) const
+{
+    const QString own = QFileInfo(document.docTitle()).suffix();
+    const DrawingFormat *const named = drawingFormatOfName(document.docTitle());
+    if (!named || named->whyNotWritten().isEmpty())
+        return own;
+    for (const DrawingFormat *const format : drawingFormats()) {
+        if (format->whyNotWritten().isEmpty())
+            return format->suffix();
+    }
+    return own;
+}
+
+QStringList AcApDocManager::lossesOfSaving(const AcApDocument &document, const QString &path) const
+{
+    return acapLossesOfWriting(*document.m_database, path);
 }
 
 void AcApDocManager::giveBackLocks()

@@ -225,6 +225,12 @@ public:
     base::Result<AcApSaved, QString> saveDocument(AcApDocument *document, const QString &path,
                                                   bool copyOnly = false,
                                                   AcApOverwriteChanged overwrite = AcApOverwriteChanged::no);
+    /// Why a drawing cannot be saved in the format of its file, and what to do instead; empty when it can.
+    QString whyNotSaved(const AcApDocument &document) const;
+    /// The ending of a name that the drawing can be saved under, without the dot.
+    QString suffixToSave(const AcApDocument &document) const;
+    /// What saving under a name would lose where its ending asks for another format; a sentence each.
+    QStringList lossesOfSaving(const AcApDocument &document, const QString &path) const;
     AcApFileChange changedOnDisk(const AcApDocument &document) const;
     /// Has what a user typed in other windows put into the drawing, so that isModified() tells of it.
     void gatherInput(AcApDocument *document);

@@ -32,6 +32,8 @@ public:
 
     virtual DrawingForm form() const = 0;
     virtual DrawingVersion version() const = 0;
+    /// What the drawing holds that nobody understands, for people: "2 SUN, 3 MATERIAL". It is kept as it is.
+    virtual QString notUnderstood() const { return {}; }
     /// The file as it was read; empty for drawings without one.
     virtual std::string_view bytes() const { return {}; }
     /// The groups of the object at the stub's place, as the file orders them. Damage inside the

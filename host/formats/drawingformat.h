@@ -45,6 +45,8 @@ public:
     /// `name` is what errors call the file. When `progress` says no, reading ends with an error.
     virtual base::Result<std::unique_ptr<AcDbDatabase>, QString>
     read(base::FileBytes bytes, const QString &name, const base::Progress &progress) const = 0;
+    /// Why this format cannot be written, and what to do instead; empty when it can.
+    virtual QString whyNotWritten() const { return {}; }
     /// What of a drawing cannot be written in this format, a sentence each. Empty: all of it can.
     virtual QStringList losses(const AcDbDatabase &database) const = 0;
     /// Drawings of other formats are converted, or refused with the reason. A crash, a failure, or `progress`
@@ -52,7 +54,7 @@ public:
     virtual base::Result<base::WrittenFile, QString> write(AcDbDatabase &database, const QString &path,
                                                            const base::Progress &progress,
                                                            const base::MayReplace &mayReplace) const = 0;
-    /// Of a drawing that this format holds; its own thread takes it.
+    /// The drawing's own thread takes it. Formats that cannot write let another one make it.
     virtual base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const = 0;
     /// The file that a new drawing starts from; empty when the format has none.
     virtual QByteArray blank() const { return {}; }

@@ -4,6 +4,12 @@
 <context>
     <name>Host</name>
     <message>
+        <source>
+另存为 %1 会有以上损失。继续吗?</source>
+        <translation>
+Saving as %1 loses the above. Go on?</translation>
+    </message>
+    <message>
         <source>正在打开 %1</source>
         <translation>Opening %1</translation>
     </message>
@@ -1633,6 +1639,10 @@ Please open: %1</translation>
 <context>
     <name>window::DocumentGuard</name>
     <message>
+        <source>另存为 %1 会有损失。继续吗?</source>
+        <translation>Saving as %1 loses something. Go on?</translation>
+    </message>
+    <message>
         <source>他人</source>
         <translation>somebody else</translation>
     </message>
@@ -2247,8 +2257,8 @@ Please open: %1</translation>
         <translation>Open Drawing</translation>
     </message>
     <message>
-        <source>图形 (*.dxf *.DXF);;所有文件 (*)</source>
-        <translation>Drawings (*.dxf *.DXF);;All files (*)</translation>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF);;All files (*)</translation>
     </message>
     <message>
         <source>文件 %1 已不存在，已从最近的文件中移除。</source>
@@ -2434,6 +2444,10 @@ Please open: %1</translation>
     <message>
         <source>图形 (*.dxf *.DXF)</source>
         <translation>Drawings (*.dxf *.DXF)</translation>
+    </message>
+    <message>
+        <source>图形 (*.dwg *.DWG *.dxf *.DXF)</source>
+        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF)</translation>
     </message>
     <message>
         <source>所有文件 (*)</source>

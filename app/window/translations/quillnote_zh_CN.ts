@@ -4,6 +4,158 @@
 <context>
     <name>Host</name>
     <message>
+        <source>%1: in spite of its name this is a %2 file; save the drawing under another name</source>
+        <translation>%1: 虽然名字如此，这是一个 %2 文件；请把图形另存为别的名字</translation>
+    </message>
+    <message>
+        <source>%1 entities are not listed by the block that owns them; they were added to it</source>
+        <translation>%1 个对象没有列在所属的块中，已补入该块</translation>
+    </message>
+    <message>
+        <source>%1 objects are damaged and were left out</source>
+        <translation>%1 个对象已损坏，未读入</translation>
+    </message>
+    <message>
+        <source>%1 objects have a wrong checksum; they are read as they are</source>
+        <translation>%1 个对象的校验和不对，照原样读入</translation>
+    </message>
+    <message>
+        <source>%1 parts of the object map have a wrong checksum</source>
+        <translation>对象表有 %1 段的校验和不对</translation>
+    </message>
+    <message>
+        <source>DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
+        <translation>DWG 文件目前只能读取，还不能写入；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
+    </message>
+    <message>
+        <source>left out, because DXF has no form for them: %1</source>
+        <translation>DXF 无法表示而略去: %1</translation>
+    </message>
+    <message>
+        <source>objects are missing</source>
+        <translation>缺少对象</translation>
+    </message>
+    <message>
+        <source>page %1 is damaged and was left out</source>
+        <translation>第 %1 页已损坏，未读入</translation>
+    </message>
+    <message>
+        <source>page %1 is damaged behind byte %2</source>
+        <translation>第 %1 页从第 %2 字节起已损坏</translation>
+    </message>
+    <message>
+        <source>page %1 is missing</source>
+        <translation>缺少第 %1 页</translation>
+    </message>
+    <message>
+        <source>page %1 was damaged; its code words mended it</source>
+        <translation>第 %1 页曾有损坏，已由纠错码修复</translation>
+    </message>
+    <message>
+        <source>page map</source>
+        <translation>页表</translation>
+    </message>
+    <message>
+        <source>section map</source>
+        <translation>节表</translation>
+    </message>
+    <message>
+        <source>the checksum of page %1 is wrong</source>
+        <translation>第 %1 页的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the %1 is wrong</source>
+        <translation>%1的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the file's header is wrong</source>
+        <translation>文件头的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the file's header is wrong; its copy at the end is used</source>
+        <translation>文件头的校验和不对，改用文件末尾的副本</translation>
+    </message>
+    <message>
+        <source>the checksum of the page map is wrong</source>
+        <translation>页表的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the section %1 is wrong</source>
+        <translation>节 %1 的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the section map is wrong</source>
+        <translation>节表的校验和不对</translation>
+    </message>
+    <message>
+        <source>the class records behind %1 could not be read</source>
+        <translation>第 %1 条之后的类记录无法读取</translation>
+    </message>
+    <message>
+        <source>the drawing is encrypted; save it without a password first</source>
+        <translation>图形已加密；请先去掉密码再保存</translation>
+    </message>
+    <message>
+        <source>the drawing's variables behind %1 could not be read</source>
+        <translation>%1 之后的图形变量无法读取</translation>
+    </message>
+    <message>
+        <source>the file is too short</source>
+        <translation>文件太短</translation>
+    </message>
+    <message>
+        <source>the file says nowhere where its sections are</source>
+        <translation>文件没有说明各节的位置</translation>
+    </message>
+    <message>
+        <source>the file's header is damaged</source>
+        <translation>文件头已损坏</translation>
+    </message>
+    <message>
+        <source>the file's header was damaged; its code words mended what they could</source>
+        <translation>文件头曾有损坏，已由纠错码尽量修复</translation>
+    </message>
+    <message>
+        <source>the object map has no end</source>
+        <translation>对象表没有结尾</translation>
+    </message>
+    <message>
+        <source>the page map is missing or damaged</source>
+        <translation>页表缺失或已损坏</translation>
+    </message>
+    <message>
+        <source>the section %1 does not begin as it should</source>
+        <translation>节 %1 的开头不对</translation>
+    </message>
+    <message>
+        <source>the section %1 is cut off</source>
+        <translation>节 %1 不完整</translation>
+    </message>
+    <message>
+        <source>the section %1 is missing</source>
+        <translation>缺少节 %1</translation>
+    </message>
+    <message>
+        <source>the section map is missing or damaged</source>
+        <translation>节表缺失或已损坏</translation>
+    </message>
+    <message>
+        <source>the sections are encrypted or would be far larger than the file</source>
+        <translation>各节已加密，或远大于文件本身</translation>
+    </message>
+    <message>
+        <source>the sections would be far larger than the file</source>
+        <translation>各节远大于文件本身</translation>
+    </message>
+    <message>
+        <source>the table %1 is missing</source>
+        <translation>缺少表 %1</translation>
+    </message>
+    <message>
+        <source>written as proxies, which other programs show but cannot edit: %1</source>
+        <translation>写成代理对象，其他程序只能显示，不能编辑: %1</translation>
+    </message>
+    <message>
         <source>%1: DWG drawings of version %2 cannot be read</source>
         <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
     </message>

@@ -48,14 +48,22 @@ static void save(AcApDocument *document, const QString &path, bool copyOnly)
     }
 }
 
+/// The title with the ending that it can be saved under.
+static QString nameToSave(const AcApDocument &document)
+{
+    const QFileInfo present(document.isNamedDrawing() ? document.fileName() : document.docTitle());
+    const QString name = present.completeBaseName() + u'.' + acDocManager()->suffixToSave(document);
+    return document.isNamedDrawing() ? present.dir().filePath(name) : name;
+}
+
 /// With the ending of the present name when the user typed none; a folder gets a file of the present name.
 static QString withEnding(const AcApDocument &document, const QString &path)
 {
     if (path.endsWith(u'/') || base::isFolder(path))
-        return QDir(path).filePath(document.docTitle());
+        return QDir(path).filePath(QFileInfo(nameToSave(document)).fileName());
     if (!QFileInfo(path).suffix().isEmpty())
         return path;
-    return path + u'.' + QFileInfo(document.docTitle()).suffix();
+    return path + u'.' + acDocManager()->suffixToSave(document);
 }
 
 /// Asks unless the file is new, the document's own, or EXPERT says not to.
@@ -67,16 +75,28 @@ static bool mayOverwrite(const AcApDocument &document, const QString &path)
     return askYes(Host::tr("\n已有名为 %1 的文件。替换它吗?").arg(file), false).value_or(false);
 }
 
+/// What another format cannot hold is listed before it is written, and wants a yes.
+static bool mayConvert(const AcApDocument &document, const QString &path, bool copyOnly)
+{
+    if (acedFrontEnd().drawingKeeper() && !copyOnly)
+        return true; // It asks by itself.
+    const QStringList losses = acDocManager()->lossesOfSaving(document, path);
+    for (const QString &loss : losses)
+        acutPrintf(u'\n' + loss);
+    return losses.isEmpty() ||
+           askYes(Host::tr("\n另存为 %1 会有以上损失。继续吗?").arg(path), false).value_or(false);
+}
+
 static void saveUnderAskedName(bool copyOnly)
 {
     AcApDocument *const document = curDoc();
-    const QString present = document->isNamedDrawing() ? document->fileName() : document->docTitle();
+    const QString present = nameToSave(*document);
     const auto file =
         askFile(AcEdPromptKind::fileToSave, Host::tr("\n图形另存为 <%1>: ").arg(present), present);
     if (!file)
         return;
     const QString path = withEnding(*document, file->path.isEmpty() ? present : file->path);
-    if (file->mayReplace || mayOverwrite(*document, path))
+    if ((file->mayReplace || mayOverwrite(*document, path)) && mayConvert(*document, path, copyOnly))
         save(document, path, copyOnly);
 }
 

@@ -1,6 +1,9 @@
 // DWG as one of the drawing formats.
 #include "host/base/host_text.h"
 #include "host/formats/drawingformat.h"
+#include "host/formats/dwg/dwgcontainer.h"
+#include "host/formats/dwg/dwgreader.h"
+#include "host/formats/dwg/dwgsource.h"
 
 namespace
 {
@@ -41,28 +44,46 @@ public:
             bytes.size() >= 6 && bytes.starts_with("AC") && bytes[2] >= '0' && bytes[2] <= '9';
         return isMarked ? Recognised::surely : Recognised::no;
     }
-    bool holds(const AcDbDatabase &) const override { return false; }
+    bool holds(const AcDbDatabase &database) const override
+    {
+        return dynamic_cast<const DwgSource *>(database.source()) != nullptr;
+    }
 
     base::Result<std::unique_ptr<AcDbDatabase>, QString> read(base::FileBytes bytes, const QString &name,
-                                                              const base::Progress &) const override
+                                                              const base::Progress &progress) const override
     {
-        return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
-                                 .arg(name, versionName(bytes.view()))};
+        if (dwg::versionOf(bytes.view()) == DrawingVersion::unknown) {
+            return base::Failure{Host::tr("%1: DWG drawings of version %2 cannot be read")
+                                     .arg(name, versionName(bytes.view()))};
+        }
+        return readDwg(std::move(bytes), name, progress);
+    }
+
+    QString whyNotWritten() const override
+    {
+        return Host::tr(
+            "DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name "
+            "that ends in .dxf)");
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }
 
-    base::Result<base::WrittenFile, QString> write(AcDbDatabase &, const QString &path,
+    base::Result<base::WrittenFile, QString> write(AcDbDatabase &database, const QString &path,
                                                    const base::Progress &,
                                                    const base::MayReplace &) const override
     {
-        // The name is a promise to whoever opens the file next.
-        return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
+        if (!holds(database))
+            return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
+        return base::Failure{path + QStringLiteral(": ") + whyNotWritten()};
     }
 
-    base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &) const override
+    /// Changes are kept in the format that can be written.
+    base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const override
     {
-        return base::Failure{Host::tr("DWG drawings cannot be written")};
+        const DrawingFormat *const written = drawingFormatOfName(QStringLiteral("copy.dxf"));
+        if (!written)
+            return base::Failure{Host::tr("DWG drawings cannot be written")};
+        return written->image(database);
     }
 };
 

@@ -1,5 +1,7 @@
 // DXF as one of the drawing formats.
+#include "host/acdb/dwgcarrier.h"
 #include "host/formats/drawingformat.h"
+#include "host/formats/dxf/dxfexport.h"
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxfsource.h"
 #include "host/formats/dxf/dxftemplate.h"
@@ -25,6 +27,24 @@ private:
     DxfImage m_image;
 };
 
+/// Of a drawing that came from another format.
+class ConvertedToDxf : public DrawingImage
+{
+public:
+    explicit ConvertedToDxf(QByteArray bytes) : m_bytes(std::move(bytes)) {}
+
+    QString suffix() const override { return QStringLiteral("dxf"); }
+    base::Result<void, QString> write(const QString &path, const base::Progress &) const override
+    {
+        if (const auto written = base::writeFileAtomically(path, m_bytes); !written)
+            return base::Failure{written.error().text()};
+        return {};
+    }
+
+private:
+    QByteArray m_bytes;
+};
+
 class DxfFormat : public DrawingFormat
 {
 public:
@@ -48,13 +68,17 @@ public:
         return *std::move(database);
     }
 
-    QStringList losses(const AcDbDatabase &) const override { return {}; }
+    QStringList losses(const AcDbDatabase &database) const override
+    {
+        return holds(database) ? QStringList() : dxf::exportDrawing(database).losses;
+    }
 
     base::Result<base::WrittenFile, QString> write(AcDbDatabase &database, const QString &path,
                                                    const base::Progress &progress,
                                                    const base::MayReplace &mayReplace) const override
     {
-        auto written = writeDxf(database, path, progress, mayReplace);
+        auto written = holds(database) ? writeDxf(database, path, progress, mayReplace)
+                                       : convertToDxf(database, path, progress, mayReplace);
         if (!written)
             return base::Failure{written.error().text()};
         return *std::move(written);
@@ -62,6 +86,11 @@ public:
 
     base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const override
     {
+        if (!holds(database)) {
+            const AcDbDwgCarriers carriers(database);
+            return std::unique_ptr<DrawingImage>(
+                std::make_unique<ConvertedToDxf>(dxf::exportDrawing(database).bytes));
+        }
         auto taken = DxfImage::take(database);
         if (!taken)
             return base::Failure{taken.error().text()};

@@ -2,6 +2,8 @@
 
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/host_text.h"
+#include "host/formats/dxf/dxfexport.h"
+#include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxfreread.h"
 
 static const DxfSource *sourceOf(const AcDbDatabase &database)
@@ -157,6 +159,52 @@ base::Result<base::WrittenFile, DxfError> writeDxf(AcDbDatabase &database, const
                                       Host::tr("what was written cannot be read again (%1); the file "
                                                "stays as it was")
                                           .arg(reread.error())}};
+    auto done = file->commit(mayReplace);
+    if (!done)
+        return base::Failure{failed(done.error())};
+    return *std::move(done);
+}
+
+// Converting -------------------------------------------------------------------------------------
+
+/// What is wrong with a converted file; empty when it holds what it should.
+static QString faultOf(const QString &path, std::uint32_t objects)
+{
+    const auto reread = readDxf(path);
+    if (!reread)
+        return reread.error().text();
+    if (!(*reread)->repairs().isEmpty())
+        return (*reread)->repairs().front();
+    if ((*reread)->stubCount() < objects)
+        return Host::tr("objects are missing");
+    return {};
+}
+
+base::Result<base::WrittenFile, DxfError> convertToDxf(AcDbDatabase &database, const QString &path,
+                                                       const base::Progress &progress,
+                                                       const base::MayReplace &mayReplace)
+{
+    dxf::Exported converted;
+    {
+        const AcDbDwgCarriers carriers(database);
+        converted = dxf::exportDrawing(database);
+    }
+    if (!base::report(progress, 0.5))
+        return base::Failure{stopped(path)};
+    auto file = base::AtomicFileWriter::open(path);
+    if (!file)
+        return base::Failure{failed(file.error())};
+    file->write(converted.bytes);
+    const auto written = file->finishWriting();
+    if (!written)
+        return base::Failure{failed(written.error())};
+    if (const QString fault = faultOf(*written, converted.objects); !fault.isEmpty())
+        return base::Failure{DxfError{path, -1,
+                                      Host::tr("what was written cannot be read again (%1); the file "
+                                               "stays as it was")
+                                          .arg(fault)}};
+    if (!base::report(progress, 1.0))
+        return base::Failure{stopped(path)};
     auto done = file->commit(mayReplace);
     if (!done)
         return base::Failure{failed(done.error())};

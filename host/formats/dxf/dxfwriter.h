@@ -38,6 +38,12 @@ private:
     std::unique_ptr<dxf::Image> m_image;
 };
 
+/// A drawing of another format as a whole DXF file. Writes a temporary file beside the target, reads it
+/// again, and renames it when every object that was written is in it.
+base::Result<base::WrittenFile, DxfError> convertToDxf(AcDbDatabase &database, const QString &path,
+                                                       const base::Progress &progress,
+                                                       const base::MayReplace &mayReplace);
+
 /// Writes a temporary file beside the target, reads it again, and renames it when every object of the drawing
 /// is in it (dxfreread.h). A failure, or `progress` or `mayReplace` saying no, leaves the target as it was.
 base::Result<base::WrittenFile, DxfError> writeDxf(AcDbDatabase &database, const QString &path,

@@ -153,8 +153,8 @@ TEST(DocumentManager, TheFormatIsToldByTheContent)
         const char *reason;
     };
     const Case cases[] = {
-        {"new.dxf", QByteArray("AC1032\0\0", 8), "2018"},
-        {"old.dwg", QByteArray("AC1015\0\0", 8), "2000"},
+        {"new.dxf", QByteArray("AC1032\0\0", 8), "too short"},
+        {"old.dwg", QByteArray("AC1009\0\0", 8), "R12"},
         {"future.dwg", QByteArray("AC1099\0\0", 8), "AC1099"},
         {"text.dxf", "hello\n", "text.dxf"},
         {"empty.dxf", "", "empty.dxf"},

@@ -1,0 +1,56 @@
+// Claim: opening a DWG drawing takes no longer than opening the same drawing as DXF, whose file is several
+// times as large; what decoding every object takes is told beside it.
+//
+// usage: bench_open_dwg FILE.dwg...   (the DXF file is written from the drawing itself)
+#include "bench/stopwatch.h"
+#include "host/base/atomic_file.h"
+#include "host/formats/dwg/dwgreader.h"
+#include "host/formats/dxf/dxfexport.h"
+#include "host/formats/dxf/dxfreader.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+static bool measure(const QString &path)
+{
+    constexpr int kRuns = 9;
+    const auto open = [&path] {
+        auto bytes = base::readFileBytes(path);
+        return bytes ? readDwg(*std::move(bytes), path)
+                     : base::Result<std::unique_ptr<AcDbDatabase>, QString>(
+                           base::Failure{bytes.error().text()});
+    };
+    const auto opened = open();
+    if (!opened) {
+        std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
+        return false;
+    }
+    const AcDbDatabase &database = **opened;
+    const QTemporaryDir folder;
+    const QString twin = folder.filePath(QStringLiteral("twin.dxf"));
+    const QByteArray dxf = dxf::exportDrawing(database).bytes;
+    if (!base::writeFileAtomically(twin, dxf))
+        return false;
+    const double dwgOpening = bench::bestSeconds(kRuns, [&] { static_cast<void>(open()); });
+    const double dxfOpening = bench::bestSeconds(kRuns, [&] { static_cast<void>(readDxf(twin)); });
+    const double decoding = bench::bestSeconds(3, [&] {
+        for (std::uint32_t index = 1; index < database.stubCount(); ++index)
+            static_cast<void>(database.fileGroups(*database.stub(index)));
+    });
+    std::printf("%-28s %8u objects, %6.2f MB: opening %7.1f ms; as DXF %6.2f MB: %7.1f ms (%.2f x); decoding "
+                "all %7.1f ms\n",
+                qPrintable(QFileInfo(path).fileName()), database.stubCount() - 1,
+                double(QFileInfo(path).size()) / 1e6, dwgOpening * 1e3, double(dxf.size()) / 1e6,
+                dxfOpening * 1e3, dwgOpening / dxfOpening, decoding * 1e3);
+    return true;
+}
+
+int main(int argc, char **argv)
+{
+    bool good = argc > 1;
+    for (int i = 1; i < argc; ++i)
+        good = measure(QString::fromLocal8Bit(argv[i])) && good;
+    return good ? 0 : 1;
+}

@@ -1,0 +1,19 @@
+// What a DWG file says of its classes and of the places of its objects.
+#pragma once
+
+#include "host/formats/dwg/dwgsource.h"
+
+namespace dwg
+{
+
+struct MapEntry {
+    std::uint64_t handle;
+    std::uint64_t offset;
+};
+
+/// The object map, in ascending order of handles. What is wrong with it is told in the container's warnings.
+std::vector<MapEntry> readObjectMap(Container &container);
+
+std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container);
+
+} // namespace dwg

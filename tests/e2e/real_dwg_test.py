@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""DWG drawings of other programs: they open, draw and, with a mark, become DXF; with a DXF twin they hold the same.
+
+QUILLNOTE_REAL_DRAWINGS names a folder with DWG files; without it there is nothing to do. One line is printed for each
+file. A twin is a DXF file of the same name, saved from the same drawing, often by a later program: KNOWN lists what
+differs for that reason.
+"""
+
+import os
+import re
+import subprocess
+import unittest
+from collections import Counter
+from pathlib import Path
+
+import program
+
+FOLDER = os.environ.get("QUILLNOTE_REAL_DRAWINGS")
+OPINION = "意见 opinion é"
+TWINS = Path(program.QUILLNOTE).parent.parent / "tests" / "dwg_twins"
+
+# Kind and group, as regular expressions, and why they may differ.
+KNOWN = [
+    (r"SPLINE (10|40|42|43|72|73)", "control points of a spline through points are computed when DXF is written"),
+    (r"(VPORT|VIEW) .*", "the view of the session that wrote the DXF file"),
+    (r"TABLE (70|71|100|360|1\d\d\d)", "how many records were counted; what the later session noted"),
+    (r"\w+ (3|350|360)", "dictionaries that the later session made or left out"),
+    (r"(DICTIONARY|LAYER|LAYOUT|TEXT|DIMENSION|LWPOLYLINE|POLYLINE|ARC|LINE|MTEXT|BLOCK|BLOCK_RECORD|DIMSTYLE) 1\d\d\d",
+     "extended data that the later session added or dropped"),
+    (r"\w+ (92|310)", "graphics for programs without the class, drawn anew when DXF is written"),
+    (r"(ARC_DIMENSION|BLOCK|BLOCK_RECORD|DIMENSION|INSERT) [23]", "numbers of anonymous blocks"),
+    (r"(BLOCK|ENDBLK|VIEWPORT) (1|67|370)", "sheets that are not the current one"),
+    (r"(LINE|LWPOLYLINE) 370", "the usual lineweight, which some writers leave out"),
+    (r"VIEWPORT (68|69)", "the number of a viewport on a sheet that is not shown"),
+    (r"OLE2FRAME .*", "embedded objects are stored anew"),
+    (r"SORTENTSTABLE .*", "entries of erased entities"),
+    (r"(DICTIONARYVAR|XRECORD|MLEADERSTYLE) .*", "values that the later session changed"),
+    (r"(LAYOUT|VIEWPORT) (12|40|41|45|143|147|331)", "numbers rounded to single precision by the DXF writer"),
+    (r"DIMSTYLE .*", "defaults that R14 writes and later versions leave out"),
+    (r"LTYPE 3", "blanks at the end"),
+    (r"VERTEX 7[234]", "zeros that R14 writes"),
+    (r"ACAD_PROXY_OBJECT .*", "a proxy whose data are groups"),
+    (r"APPID (2|360)", "names cut to 31 characters by R14"),
+]
+# Saved down to these versions, newer kinds became something else.
+OLD = ("AC1012", "AC1014")
+
+
+def difference_is_known(line):
+    return any(re.fullmatch(pattern, line.split(":")[0]) for pattern, _ in KNOWN)
+
+
+@unittest.skipUnless(FOLDER, "QUILLNOTE_REAL_DRAWINGS names no folder")
+class RealDwgTest(unittest.TestCase):
+    def test_every_file(self):
+        files = sorted(path for path in Path(FOLDER).rglob("*") if path.suffix.lower() == ".dwg")
+        self.assertTrue(files)
+        for path in files:
+            with self.subTest(path.name):
+                print(f"ok     {path.name}: {self.check(path)}", flush=True)
+
+    def check(self, path):
+        info = program.json.loads(program.call("info", path, "--json").stdout)
+        self.assertEqual(info["repairs"], [])
+        picture = Path("picture.png").absolute()
+        picture.unlink(missing_ok=True)
+        program.call("picture", path, picture)
+        self.assertGreater(picture.stat().st_size, 1000)
+        refused = program.call("run", "-", path, "-o", "saved.dwg", "-f", text="ZOOM\nE\n", status=2)
+        self.assertIn("SAVEAS", refused.stderr)
+        saved = Path("saved.dxf").absolute()
+        box = info["extents"] or {"min": [0, 0, 0], "max": [1, 1, 0]}
+        low, high = box["min"], box["max"]
+        before = len(program.marks(path))
+        script = program.mark_script(low[0], low[1], high[0] - low[0] or 1, high[1] - low[1] or 1, OPINION)
+        program.play(script, path, saved)
+        self.assertEqual([mark["suggestionContent"] for mark in program.marks(saved)[before:]], [OPINION])
+        again = program.json.loads(program.call("info", saved, "--json").stdout)
+        self.assertEqual(again["repairs"], [])
+        self.assertEqual(sum(again["entities"].values()), sum(info["entities"].values()) - self.left_out(info) + 1)
+        twin = path.with_suffix(".dxf")
+        return f"{sum(info['entities'].values())} entities" + (self.compare(path, twin) if twin.exists() else "")
+
+    @staticmethod
+    def left_out(info):
+        solids = ("3DSOLID", "REGION", "BODY") if info["versionNumber"] >= "AC1027" else ()
+        return sum(info["entities"].get(kind, 0) for kind in (*solids, "SHAPE", "OLEFRAME"))
+
+    def compare(self, path, twin):
+        result = subprocess.run([TWINS, path, twin], capture_output=True, text=True, check=True)
+        *lines, summary = result.stdout.splitlines()
+        unknown = [line for line in lines if not line.startswith("only in") and not difference_is_known(line)]
+        if not path.read_bytes().startswith(tuple(version.encode() for version in OLD)):
+            self.assertEqual(unknown, [], "differences that nobody has explained")
+        audited = Counter(program.audit(Path("saved.dxf"))) - Counter(program.audit(twin))
+        return f"; {summary}; the auditor finds {dict(audited) or 'nothing more than in the twin'}"
+
+
+if __name__ == "__main__":
+    unittest.main()
