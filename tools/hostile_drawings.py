@@ -18,6 +18,7 @@ is tried by itself.
 import argparse
 import os
 import random
+import resource
 import shutil
 import subprocess
 import sys
@@ -31,7 +32,7 @@ os.environ.setdefault("QUILLNOTE", str(ROOT / "build/release/bin/quillnote"))
 import drawings  # noqa: E402
 import program  # noqa: E402
 
-SECONDS = 20  # A small drawing takes a fraction of one.
+SECONDS = 20  # Of the processor; a small drawing takes a fraction of one.
 MARK = program.mark_script(100, 50, 200, 100, "opinion")
 LEADER = "QN3_QuillnoteLeader\n100,100\n400,300\n@set 1003 leader\n@ok\n"
 # Commands that add, or move entities; none of them erases anything.
@@ -54,13 +55,14 @@ class Failure(Exception):
 
 
 def run(*arguments, text=None, seconds=None):
-    """Exit status; a signal or too much time is a failure."""
+    """Exit status; a signal, or more processor time than that, is a failure. Waiting may be up to the machine."""
     seconds = seconds or SECONDS
     try:
         done = subprocess.run([os.environ["QUILLNOTE"], *map(str, arguments)], input=text and text.encode(),
-                              capture_output=True, timeout=seconds)  # fmt: skip
+                              capture_output=True, timeout=20 * seconds,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds)))  # fmt: skip
     except subprocess.TimeoutExpired:
-        raise Failure(f"{arguments[0]} takes more than {seconds} s") from None
+        raise Failure(f"{arguments[0]} waits for more than {20 * seconds} s") from None
     if done.returncode not in (0, 1, 2):
         raise Failure(f"{arguments[0]} ended with {done.returncode}: {done.stderr[-300:].decode(errors='replace')}")
     return done.returncode
@@ -312,8 +314,15 @@ class Batch:
         (place / f"{self.kind}-{number}.qns").write_text(self.script)
 
 
+def batches(kind, first, count):
+    start = first // BATCH[kind] * BATCH[kind]
+    for begin in range(start, start + count, BATCH[kind]):
+        yield list(range(begin, min(begin + BATCH[kind], start + count)))
+
+
 def campaign(seed, count, kinds, keep=None, first=0):
-    """Runs `count` cases of each kind, from a number that begins a batch; gives the sentences of those that failed."""
+    """Runs `count` cases of each kind, from a number that begins a batch; gives the sentences of those that failed.
+    Ctrl+C ends it with what was found so far."""
     failures, results = [], Counter()
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -321,10 +330,8 @@ def campaign(seed, count, kinds, keep=None, first=0):
             os.environ[place] = name  # Nobody's settings change.
         os.environ.pop("DISPLAY", None)
         bases = base_drawings(folder)
-        for kind in kinds:
-            start = first // BATCH[kind] * BATCH[kind]
-            for begin in range(start, start + count, BATCH[kind]):
-                numbers = list(range(begin, min(begin + BATCH[kind], start + count)))
+        try:
+            for kind, numbers in ((kind, numbers) for kind in kinds for numbers in batches(kind, first, count)):
                 batch = Batch(kind, numbers, seed, bases, folder / "cases")
                 for result, cases in batch.play().items():
                     results[kind, result] += cases
@@ -333,6 +340,8 @@ def campaign(seed, count, kinds, keep=None, first=0):
                     print(failures[-1], flush=True)
                     if keep:
                         batch.keep(number, keep)
+        except KeyboardInterrupt:
+            print("stopped")
     for (kind, result), cases in sorted(results.items()):
         print(f"{kind}: {cases} {result}")
     return failures

@@ -110,7 +110,11 @@ void ScriptFrontEnd::releaseAnsweredKeys()
 
 void ScriptFrontEnd::refuseAnswer(const QString &reason)
 {
-    fail(reason);
+    // What does not come about once the script has ended, a report for instance, is told all the same.
+    if (m_failed)
+        printMessageLine(reason);
+    else
+        fail(reason);
 }
 
 void ScriptFrontEnd::fail(const QString &reason)

@@ -173,6 +173,7 @@ class ScriptTest(ConsoleTest):
             "(+ 1\n": "s.qns:1: malformed list",
             "LINE\n0,0\nnowhere\n": "s.qns:3: “nowhere”: ",
             "OPEN\nmissing.dxf\nERASE\nall\n\n": "missing.dxf: not found",
+            "MOVE\nall\n\n0,0\n1e308,0\n" * 2: "2 个对象不允许这样改动",
             "REGEN\n@push 1\n": "s.qns:2: @push 1: there is no dialog line",
             "REGEN\n\udcff\n": None,
         }

@@ -9,7 +9,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(os.environ["QUILL_ROOT"]) / "tools"))
 import hostile_drawings  # noqa: E402
 
-COUNTS = {"rewired": 40, "deep": 6, "cut": 25, "bytes": 40}
+COUNTS = {"rewired": 50, "deep": 6, "cut": 500, "bytes": 500}
 
 
 class HostileDrawingsTest(unittest.TestCase):

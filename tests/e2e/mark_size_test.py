@@ -63,6 +63,25 @@ class MarkSizeTest(unittest.TestCase):
             self.assertTrue(any(part.dxftype() == "HATCH" for part in parts), "the flag")
             self.assertTrue(any(part.dxftype() == "TEXT" and part.dxf.text in "12" for part in parts), "its number")
 
+    def test_what_is_seen_near_does_not_depend_on_what_was_seen_from_afar(self):
+        drawing = program.write("views.dxf", drawings.as_text(drawings.drawing("2013"), "utf-8"))
+        corners = []
+        for style in range(1, 7):
+            program.set_setting("style", str(style))
+            program.play(program.mark_script(1000 * style, 2000, 400, 300, "门宽不足"), drawing, drawing)
+            corners += [(1000 * style, 2000), (1000 * style + 400, 2300)]
+        looks = []
+        for number, (x, y) in enumerate(corners):
+            # What bulges out of the corner, and what hangs beside it.
+            for dx, dy in ((-60, -60), (5, 5)):
+                looks.append(f"ZOOM\nW\n{x + dx},{y + dy}\n{x + dx + 50},{y + dy + 50}\nPNGOUT\n%s{number}{dx}.png\n\n")
+        program.play("ZOOM\nE\nPNGOUT\nfar.png\n\n" + "".join(look % "after" for look in looks), drawing)
+        for look in looks:
+            program.play(look % "alone", drawing)
+        for alone in sorted(Path().glob("alone*.png")):
+            after = Path(alone.name.replace("alone", "after"))
+            self.assertEqual(after.read_bytes(), alone.read_bytes(), alone.name)
+
     def test_twenty_marks_on_the_sample(self):
         program.set_setting("style", "2")
         result = program.play(grid_of_marks(20), SAMPLE, "twenty.dxf")

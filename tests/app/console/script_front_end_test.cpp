@@ -99,8 +99,8 @@ TEST(ScriptRun, EndsAtTheFirstLineThatDoesNotFit)
                       EXPECT_FALSE(face.dialogLine(u"another"_s));
                       face.refuseAnswer(u"again"_s);
                   }),
-                  "")
-            << "nothing is answered and told after the first reason: " << c.script;
+                  "again\n")
+            << "nothing is answered after the first reason, but what else is refused is told: " << c.script;
     }
 }
 

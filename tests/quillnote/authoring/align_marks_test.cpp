@@ -142,6 +142,6 @@ TEST_F(AlignTest, LockedMarksAreTold)
         ->setIsLocked(true);
     const MarkCorners was = boxOf(locked);
     const QString printed = run(QStringLiteral("qn8_align1"), {handle(reference), "ALL", ""});
-    EXPECT_TRUE(printed.contains(QStringLiteral("\n有 1 个评图标签无法修改")));
+    EXPECT_TRUE(printed.contains(QStringLiteral("\n1 个评图标签无法修改")));
     EXPECT_TRUE(areNear(boxOf(locked), was));
 }
