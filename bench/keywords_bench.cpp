@@ -24,7 +24,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: bench_keywords DRAWING.dxf\n");
         return 2;
     }
-    acgiInstall();
+    acgi::install();
     const auto opened = acDocManager()->openDocument(QString::fromLocal8Bit(argv[1]));
     if (!opened) {
         std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
