@@ -114,7 +114,7 @@ TEST_F(ReportsTest, NothingIsWrittenWithoutMarksOrAName)
                                   folder.path(QStringLiteral("no/such/plan.dxf")));
     mark(lost.database(), QStringLiteral("x"));
     for (const auto command : {QN3_QuillnoteOutputTxt, QN3_outputHtml, QN3_outputHtmlWithNoPng}) {
-        tests::ScriptFrontEnd script({}, {QStringLiteral("ok")});
+        tests::ScriptFrontEnd script;
         command();
         EXPECT_THAT(script.printed.toStdString(), testing::HasSubstr("创建文件<"));
         EXPECT_TRUE(script.isUsedUp());

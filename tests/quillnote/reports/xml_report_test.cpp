@@ -119,8 +119,7 @@ TEST_F(XmlCommandTest, WritesBesideTheDrawingAndHandsOver)
 TEST_F(XmlCommandTest, CancelledItIsWrittenAndNotHandedOver)
 {
     mark(drawing.database(), QStringLiteral("甲"));
-    tests::ScriptFrontEnd script({QString()},
-                                 {QStringLiteral("cancel"), QStringLiteral("yes"), QStringLiteral("ok")});
+    tests::ScriptFrontEnd script({QString()}, {QStringLiteral("cancel"), QStringLiteral("yes")});
     QN8_ToXml();
     EXPECT_TRUE(script.printed.contains(QStringLiteral("生成XML文件错误！")));
     EXPECT_TRUE(script.isUsedUp());

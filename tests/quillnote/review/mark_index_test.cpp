@@ -20,23 +20,23 @@ static auto valuesOf(const MarkSummary &mark)
 
 TEST_F(AuthoringTest, AnOpenedDrawingIsReadPastItsPictures)
 {
-    const auto made = opened(newDrawingDxf());
+    const tests::OpenDrawing made(opened(newDrawingDxf()));
     const char *const opinions[] = {"", "门宽不足", "两\n行\r\n^J \\U+0041 %%c", "newer", "no marker"};
     for (const char *opinion : opinions) {
         NewMark request;
         request.corner2 = {20, 10, 0};
         request.reviewerName = QStringLiteral(" 张工 ");
         request.opinionText = QString::fromUtf8(opinion);
-        AcDbObjectPointer<QuillnoteObj3> mark(createMark(*made, request), AcDb::kForWrite);
+        AcDbObjectPointer<QuillnoteObj3> mark(createMark(made.database(), request), AcDb::kForWrite);
         mark->subNumber = std::uint16_t(mark->markNumber % 3);
         mark->feedbackContent = QString::fromUtf8(opinion) + u'!';
         mark->feedbackType = std::int16_t(mark->markNumber % 5 - 1);
         mark->snapImage = QByteArray(3000, 'x');
     }
-    QByteArray bytes = writeDxf(*made).value();
+    QByteArray bytes = writeDxf(made.database()).value();
     // One record of a later program, one that is damaged.
     const qsizetype newer = bytes.lastIndexOf("QuillnoteObj3", bytes.indexOf("newer"));
-    bytes.replace(bytes.indexOf("\n     7", newer), 7, "\n     8");
+    bytes.replace(bytes.indexOf("\n7\r", newer), 2, "\n8");
     const qsizetype damaged = bytes.lastIndexOf("QuillnoteObj3", bytes.indexOf("no marker"));
     bytes.replace(damaged, 13, "QuillnoteObjX");
 
