@@ -6,6 +6,7 @@
 #include "host/base/result.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace courier
@@ -40,6 +41,9 @@ public:
     /// again is the same message.
     virtual base::Result<Stamp, QString> publish(const QString &drawing, const QString &id,
                                                  const QByteArray &bytes, qint64 above) = 0;
+
+    /// The place of a message of this sender that was published, though nobody here may have noted it.
+    virtual std::optional<Stamp> published(const QString &drawing, const QString &id) = 0;
 
     /// Tells the others what was received, clears what nobody needs any more, and tells who takes part, this
     /// person left out. Called every second or so.

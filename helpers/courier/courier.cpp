@@ -134,7 +134,9 @@ bool Courier::send(const QString &drawing)
         {
             sql::Transaction all(m_ledger.database());
             m_ledger.removeWaiting(waiting.number);
-            const bool isNewsToOthers = isNews(drawing, change, waiting.bytes);
+            // What went out counts, whatever came since: a courier that was killed behind publishing goes on.
+            const bool isNewsToOthers =
+                m_carrier.published(drawing, idOf(waiting.bytes)) || isNews(drawing, change, waiting.bytes);
             if (isNewsToOthers) {
                 const auto published = m_carrier.publish(drawing, idOf(waiting.bytes), waiting.bytes,
                                                          m_ledger.highestCounter(drawing));

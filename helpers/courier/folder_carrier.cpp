@@ -155,16 +155,23 @@ void FolderCarrier::listOwn(const QString &drawing, Drawing &state)
     state.ownListed = true;
 }
 
+std::optional<Stamp> FolderCarrier::published(const QString &drawing, const QString &id)
+{
+    Drawing &state = m_drawings[drawing];
+    listOwn(drawing, state);
+    const auto found = state.own.find(id);
+    return found == state.own.end() ? std::nullopt : std::optional(Stamp{found->second, m_sender});
+}
+
 base::Result<Stamp, QString> FolderCarrier::publish(const QString &drawing, const QString &id,
                                                     const QByteArray &bytes, qint64 above)
 {
     const auto folder = ownFolder(drawing);
     if (!folder)
         return base::Failure{folder.error()};
+    if (const auto stamp = published(drawing, id))
+        return *stamp;
     Drawing &state = m_drawings[drawing];
-    listOwn(drawing, state);
-    if (const auto published = state.own.find(id); published != state.own.end())
-        return Stamp{published->second, m_sender};
     qint64 counter = above + 1;
     for (const auto &[other, used] : state.own)
         counter = std::max(counter, used + 1);
@@ -256,7 +263,9 @@ void FolderCarrier::clear(const QString &drawing, Drawing &state)
     listOwn(drawing, state);
     std::erase_if(state.own, [&](const auto &each) {
         const auto &[id, counter] = each;
-        return counter <= received && m_knowledge.isOvertaken(drawing, {counter, m_sender}) &&
+        const Stamp stamp{counter, m_sender};
+        return counter <= received && m_knowledge.isSeen(drawing, stamp) &&
+               m_knowledge.isOvertaken(drawing, stamp) &&
                QFile::remove(folderOf(drawing, m_sender) + u'/' + fileName(counter, id));
     });
 }

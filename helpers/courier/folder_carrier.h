@@ -25,6 +25,7 @@ public:
     base::Result<std::vector<Message>, QString> receive(const QString &drawing) override;
     base::Result<Stamp, QString> publish(const QString &drawing, const QString &id, const QByteArray &bytes,
                                          qint64 above) override;
+    std::optional<Stamp> published(const QString &drawing, const QString &id) override;
     base::Result<std::vector<Person>, QString> keepHouse(const QString &drawing) override;
     void leave(const QString &drawing) override;
 

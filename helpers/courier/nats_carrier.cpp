@@ -320,15 +320,21 @@ base::Result<std::vector<Message>, QString> NatsCarrier::receive(const QString &
     return messages;
 }
 
+std::optional<Stamp> NatsCarrier::published(const QString &drawing, const QString &id)
+{
+    const Library::Drawing &state = m_library->drawings[drawing];
+    const auto found = state.own.find(id);
+    return found == state.own.end() ? std::nullopt : std::optional(Stamp{found->second, m_library->sender});
+}
+
 base::Result<Stamp, QString> NatsCarrier::publish(const QString &drawing, const QString &id,
                                                   const QByteArray &bytes, qint64 above)
 {
     Library &library = *m_library;
     if (const auto reached = library.reach(); !reached)
         return base::Failure{reached.error()};
-    const Library::Drawing &state = library.drawings[drawing];
-    if (const auto published = state.own.find(id); published != state.own.end())
-        return Stamp{published->second, library.sender};
+    if (const auto stamp = published(drawing, id))
+        return *stamp;
     const QByteArray to = library.subject(drawing, library.sender);
     const QByteArray idIs = id.toLatin1(), streamIs = library.streamName();
     jsPubOptions options;

@@ -75,6 +75,8 @@ TEST_F(FolderCarrierTest, MessagesComeOnceInAnOrderAndAnIdIsOneMessage)
     EXPECT_TRUE(*first < *second);
     EXPECT_EQ(second->counter, 42);
     EXPECT_EQ(*carrier(a)->publish(kDrawing, id(1), message("1"), 100), *first) << "a courier started again";
+    EXPECT_EQ(carrier(a)->published(kDrawing, id(1)), *first);
+    EXPECT_FALSE(from->published(kDrawing, id(3)));
     EXPECT_EQ(receive(*to, b), 2U);
     EXPECT_EQ(receive(*to, b), 0U);
     EXPECT_EQ(receive(*from, a), 0U);
@@ -123,8 +125,10 @@ TEST_F(FolderCarrierTest, ClearsWhatWasOvertakenWhenEverybodyHasIt)
 {
     QDir().mkpath(share);
     const auto from = carrier(a), to = carrier(b), late = carrier(QStringLiteral("cccccccc"));
-    for (int i = 1; i <= 3; ++i)
+    for (int i = 1; i <= 3; ++i) {
         ASSERT_TRUE(from->publish(kDrawing, id(i), message("1"), i - 1).ok());
+        seen.insert({a, a, i});
+    }
     overtaken = {1, 2};
     ASSERT_TRUE(from->keepHouse(kDrawing).ok());
     EXPECT_EQ(files(a).size(), 3) << "nobody has anything";

@@ -33,6 +33,10 @@ public:
     base::Result<std::vector<courier::Message>, QString> receive(const QString &drawing) override;
     base::Result<courier::Stamp, QString> publish(const QString &drawing, const QString &id,
                                                   const QByteArray &bytes, qint64 above) override;
+    std::optional<courier::Stamp> published(const QString &drawing, const QString &id) override
+    {
+        return m_carrier->published(drawing, id);
+    }
     base::Result<std::vector<courier::Person>, QString> keepHouse(const QString &drawing) override;
     void leave(const QString &drawing) override { m_carrier->leave(drawing); }
 
