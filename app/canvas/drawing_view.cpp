@@ -160,7 +160,7 @@ void DrawingView::showHighlight()
     const bool isGripCommand = acedEditor()->activeCommands() == u"GRIP";
     const bool showsPickSet = m_frontEnd.isIdle() || !m_frontEnd.prompt() || isGripCommand;
     const std::vector<AcDbObjectId> &entities = showsPickSet ? document->pickSet() : m_chosen;
-    m_highlight.show(document->database(), entities, pointingView(*document));
+    m_highlight.show(document->database(), entities, pointingView(*document), m_background);
     if (std::exchange(m_pickSetSize, document->pickSet().size()) != document->pickSet().size())
         Q_EMIT pickSetChanged();
 }

@@ -1,8 +1,11 @@
 #include "app/canvas/view_highlight.h"
 
 #include "app/canvas/view_picture.h"
+#include "host/acrx/rxclass.h"
 
 #include <QDeadlineTimer>
+
+#include <algorithm>
 
 namespace window
 {
@@ -32,22 +35,32 @@ void ViewHighlight::clear()
     Q_EMIT changed();
 }
 
+static bool isCustom(AcDbObjectId id)
+{
+    return id.isValid() && id.objectClass()->application() != nullptr;
+}
+
 void ViewHighlight::show(AcDbDatabase *database, const std::vector<AcDbObjectId> &entities,
-                         const AcGiViewport &view)
+                         const AcGiViewport &view, const QColor &background)
 {
     if (!database || entities.empty()) {
         clear();
         return;
     }
-    const bool isOther =
-        database != m_database || database->changeCount() != m_changeCount || entities != m_entities;
+    const bool isOther = database != m_database || database->changeCount() != m_changeCount ||
+                         background != m_background || entities != m_entities;
     if (!isOther && isSameView(view, m_view))
         return;
     m_database = database;
     m_changeCount = database->changeCount();
     m_view = view;
-    if (isOther)
+    m_background = background;
+    if (isOther) {
         m_entities = entities;
+        // Their numbers are read even where others lie over them.
+        m_inOrder = entities;
+        std::ranges::stable_partition(m_inOrder, [](AcDbObjectId id) { return !isCustom(id); });
+    }
     if (isOther || m_entities.size() <= kFew) {
         repaint();
     } else {
@@ -101,8 +114,9 @@ void ViewHighlight::paintSome(std::size_t count)
     acgi::PaintOptions options;
     options.fillBackground = false;
     options.highlight = kChosen;
+    options.background = m_background;
     QPainter painter(&m_image);
-    const std::span some = std::span(m_entities).subspan(m_painted, count);
+    const std::span some = std::span(m_inOrder).subspan(m_painted, count);
     acgi::displayOf(*m_database).paintEntities(some, m_imageView, painter, options);
     m_painted += count;
 }

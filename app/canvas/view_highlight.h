@@ -19,7 +19,8 @@ public:
     explicit ViewHighlight(QObject *parent = nullptr);
 
     /// The drawing may be read at this moment; the entities stand in the space that `view` looks at.
-    void show(AcDbDatabase *database, const std::vector<AcDbObjectId> &entities, const AcGiViewport &view);
+    void show(AcDbDatabase *database, const std::vector<AcDbObjectId> &entities, const AcGiViewport &view,
+              const QColor &background);
     void clear();
     /// The painter's coordinates are the pixels of the view.
     void paint(QPainter &painter) const;
@@ -37,6 +38,8 @@ private:
 
     AcDbDatabase *m_database = nullptr;
     std::vector<AcDbObjectId> m_entities;
+    std::vector<AcDbObjectId> m_inOrder; ///< The same as they are painted: those of modules last.
+    QColor m_background;
     std::uint64_t m_changeCount = 0;
     AcGiViewport m_view;
     QImage m_image;

@@ -113,6 +113,14 @@ CommandLinePanel::CommandLinePanel(WindowFrontEnd &front, QWidget *parent)
       m_edit(new CommandEdit(this)), m_expand(new QToolButton(this)), m_completer(new QCompleter(this)),
       m_names(new QStandardItemModel(0, 1, this))
 {
+    // What came last stays in sight, also when the history becomes smaller, unless one looks further up.
+    QScrollBar *const bar = m_history->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this,
+            [=, this] { m_follows = bar->value() >= bar->maximum() - 1; });
+    connect(bar, &QScrollBar::rangeChanged, this, [=, this] {
+        if (m_follows)
+            bar->setValue(bar->maximum());
+    });
     m_history->setReadOnly(true);
     m_history->setMaximumBlockCount(kHistoryBlocks);
     m_history->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -290,14 +298,10 @@ void CommandLinePanel::renewNames()
 
 void CommandLinePanel::append(const QString &text)
 {
-    QScrollBar *const bar = m_history->verticalScrollBar();
-    const bool follows = bar->value() >= bar->maximum() - 1;
     QTextCursor end(m_history->document());
     end.movePosition(QTextCursor::End);
     const bool first = m_history->document()->isEmpty() && text.startsWith(u'\n');
     end.insertText(first ? text.mid(1) : text);
-    if (follows)
-        bar->setValue(bar->maximum());
 }
 
 void CommandLinePanel::toggleHistory()

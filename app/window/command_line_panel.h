@@ -73,6 +73,7 @@ private:
 
     WindowFrontEnd &m_front;
     QPlainTextEdit *m_history = nullptr;
+    bool m_follows = true; ///< The history shows its end.
     QLabel *m_prompt = nullptr;
     CommandEdit *m_edit = nullptr;
     QToolButton *m_expand = nullptr;

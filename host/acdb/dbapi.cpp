@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <set>
+#include <span>
 
 static bool isAngleCode(int code)
 {
@@ -138,6 +140,7 @@ public:
     AcDbObjectId copyEntity(AcDbObjectId entity, AcDbBlockTableRecord &block)
     {
         AcDbObjectId copy;
+        const auto begin = std::ptrdiff_t(m_made.size());
         if (block.appendAcDbEntity(copy, static_cast<AcDbEntity *>(duplicate(entity))) != Acad::eOk)
             return {};
         remember(entity, copy);
@@ -148,14 +151,15 @@ public:
             remember(owned, part);
         }
         copyExtensionDictionary(entity, copy);
+        std::reverse(m_made.begin() + begin, m_made.end());
         return copy;
     }
 
-    /// Settles the references and closes the copies; the outermost entity last, when it is whole.
+    /// Settles the references and closes the copies in their order, each entity after what it owns.
     void finish()
     {
-        for (auto made = m_made.rbegin(); made != m_made.rend(); ++made) {
-            AcDbObject *const object = made->stub()->object;
+        for (const AcDbObjectId made : m_made) {
+            AcDbObject *const object = made.stub()->object;
             for (resbuf &group : object->m_groups)
                 redirect(group);
             object->close();
@@ -214,24 +218,23 @@ private:
     /// Every object that the first one owns, however deep, each once.
     AcDbObjectId copyTree(AcDbObjectId first, AcDbObjectId owner)
     {
-        std::vector<AcDbObjectId> waiting{first};
         const AcDbObjectId firstCopy = copyOne(first, owner);
+        std::vector<std::pair<AcDbObjectId, AcDbObjectId>> waiting{{first, firstCopy}};
+        std::set<AcDbHandle> seen{first.handle()};
         while (!waiting.empty()) {
-            const AcDbObjectId original = waiting.back();
+            const auto [original, copy] = waiting.back();
             waiting.pop_back();
             AcDbObjectPointer<AcDbDictionary> dictionary(original, AcDb::kForRead);
             if (!dictionary)
                 continue;
-            const AcDbObjectId copy = m_database.getAcDbObjectId(m_copies.at(original.handle()));
             for (const AcDbDictionary::Entry &entry : dictionary->entries()) {
                 // The carrier is made anew when the drawing is saved.
                 if (entry.key == kDwgCarrierKey) {
                     static_cast<AcDbDictionary *>(copy.stub()->object)->unlink(entry.key);
                 } else if (entry.id.isValid() && !entry.id.isEntity() &&
                            entry.id.stub()->owner == original.stub()->index &&
-                           !m_copies.contains(entry.id.handle())) {
-                    copyOne(entry.id, copy);
-                    waiting.push_back(entry.id);
+                           seen.insert(entry.id.handle()).second) {
+                    waiting.emplace_back(entry.id, copyOne(entry.id, copy));
                 }
             }
         }
@@ -294,17 +297,18 @@ static Acad::ErrorStatus cloneEntities(const std::vector<AcDbObjectId> &entities
     AcDbObjectPointer<AcDbBlockTableRecord> block(blockRecord, AcDb::kForWrite);
     if (!block)
         return block.openStatus();
+    ObjectCopier copier(*blockRecord.database());
+    const std::size_t begin = copies.size();
     for (const AcDbObjectId entity : entities) {
         if (!entity.isValid() || !entity.isEntity())
             continue;
-        ObjectCopier copier(*blockRecord.database());
-        const AcDbObjectId copy = copier.copyEntity(entity, *block);
-        copier.finish();
-        if (copy.isNull())
-            continue;
+        if (const AcDbObjectId copy = copier.copyEntity(entity, *block); !copy.isNull())
+            copies.push_back(copy);
+    }
+    copier.finish();
+    for (const AcDbObjectId copy : std::span(copies).subspan(begin)) {
         if (withPictures && acdbKindName(copy.stub()->kind) == "DIMENSION")
             copyPicture(copy);
-        copies.push_back(copy);
     }
     return Acad::eOk;
 }

@@ -9,7 +9,8 @@
 /// extended data. Empty for erased or missing objects.
 ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications = {});
 
-/// Copies entities into a block of the same drawing, in the order given, with what they own; reactors
-/// hear of each as appended. `copies` receives the new ids.
+/// Copies entities into a block of the same drawing, in the order given, with what they own; references among
+/// them, those of extended data too, point to the copies. Reactors hear of each as appended. `copies`
+/// receives the new ids.
 Acad::ErrorStatus acdbDeepCloneEntities(const std::vector<AcDbObjectId> &entities, AcDbObjectId blockRecord,
                                         std::vector<AcDbObjectId> &copies);

@@ -107,6 +107,7 @@ void ListPainter::paint(const ShownSpace &space, const AcGeMatrix3d &toPixel, do
                 continue;
             }
         }
+        m_areas.clear();
         list(*shownList);
     }
 }

@@ -76,6 +76,7 @@ private:
     void largeArc(QPointF centre, QPointF u, QPointF v, double from, double to, int depth);
     void fill(ListReader &reader, bool shown);
     void text(ListReader &reader, bool shown);
+    void ground(QPointF position, QPointF along, QPointF up);
     void textRun(const Font &font, QStringView text, double tracking, const QTransform &placed);
     void faceRun(std::span<const PlacedGlyph> glyphs, const QTransform &placed);
     void outlines(std::span<const PlacedGlyph> glyphs, const QTransform &placed);
@@ -107,6 +108,7 @@ private:
     bool m_insideViewport = false;
     double m_margin = 0.0; ///< How far drawing reaches out of boxes, pixels.
     std::vector<QPointF> m_points;
+    std::vector<QPolygonF> m_areas; ///< Filled last in the list, while everything is painted in one colour.
     std::map<QString, std::size_t> m_undrawn;
     std::int64_t m_budget; ///< Words that may still be painted.
     unsigned m_sinceQuestion = 0;

@@ -208,6 +208,27 @@ void ListPainter::fill(ListReader &reader, bool shown)
             area.append(QPointF(area.front()));
         m_canvas.chain(area);
     }
+    m_areas = std::move(areas);
+}
+
+/// Over a picture, text on an area has the area's colour around it, and what was painted before: it gets a
+/// ground of the background's colour.
+void ListPainter::ground(QPointF position, QPointF along, QPointF up)
+{
+    const QPointF middle = position + (along + up) / 2.0;
+    const auto holds = [&](const QPolygonF &area) { return area.containsPoint(middle, Qt::OddEvenFill); };
+    if (std::ranges::none_of(m_areas, holds))
+        return;
+    constexpr double kAround = 0.1;
+    const QPointF across = up * kAround;
+    const QPointF ahead = length(along) > 0.0 ? along * (kAround * length(up) / length(along)) : QPointF();
+    const QPointF corner = position - across - ahead;
+    std::vector<QPolygonF> box{
+        {{corner, corner + along + ahead * 2.0, corner + along + ahead * 2.0 + up + across * 2.0,
+          corner + up + across * 2.0}}};
+    m_canvas.setPen(m_options.background.rgba(), m_pen->width);
+    m_canvas.fill(box);
+    m_canvas.setPen(m_pen->color, m_pen->width);
 }
 
 void ListPainter::text(ListReader &reader, bool shown)
@@ -224,6 +245,8 @@ void ListPainter::text(ListReader &reader, bool shown)
     const std::uint64_t *placed = reader.words(glyphs * 2);
     if (!shown || !std::isfinite(position.x() + position.y() + length(direction) + length(up)))
         return;
+    if (m_options.highlight.isValid())
+        ground(position, direction * width, up);
     constexpr double kLegible = 2.5;
     constexpr double kMiddle = 0.4;
     if (!font || length(up) < kLegible || !(length(direction) * width > 1.0)) {

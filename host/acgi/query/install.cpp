@@ -8,8 +8,10 @@ namespace acgi
 
 void install()
 {
-    acdbSetNativeExtents(
-        [](const AcDbEntity &entity, AcDbExtents &extents) { return extentsOf(entity, extents); });
+    acdbSetNativeExtents([](const AcDbEntity &entity, AcDbExtents &extents) {
+        // That would ask the entity again, which has just said that it knows none.
+        return entity.isCustom() ? Acad::eInvalidExtents : extentsOf(entity, extents);
+    });
     acdbSetProxyGraphics(makeProxyGraphics);
 }
 

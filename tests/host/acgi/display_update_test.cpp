@@ -1,6 +1,7 @@
 // Pictures in parts, in the background, and what has to be painted again after changes.
 #include "host/acgi/display/display.h"
 #include "host/acgi/index_color.h"
+#include "host/acgi/query/install.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
@@ -268,6 +269,11 @@ TEST_F(DisplayUpdate, DamageCountsWhatDependsOnTheViewAsItIsSeen)
     display().takeDamage(space(), viewOf());
     move(flag, 40.0, 30.0);
     expectDamageIsEnough(image, "a flag moved", 0.05);
+    acgi::install();
+    AcDbExtents none;
+    EXPECT_EQ(AcDbObjectPointer<AcDbEntity>(id(flag), AcDb::kForRead)->getGeomExtents(none),
+              Acad::eInvalidExtents)
+        << "it states none of its own";
     display().prepare(space(), viewOf(320, 240, 100), 1000);
     move(flag, 40.0, 30.0);
     EXPECT_TRUE(display().takeDamage(space(), viewOf()).everything) << "nobody knows what it looked like";
@@ -457,6 +463,30 @@ TEST_F(DisplayUpdate, PaintsEntitiesOverAPictureInOneColour)
         display().paintTransients(copies, view, painter, options);
     }
     EXPECT_EQ(colors()[options.highlight.rgb()], 2 * edge) << "a copy that stands in no drawing";
+}
+
+TEST_F(DisplayUpdate, TextOnAnAreaIsReadAlsoOverAPictureInOneColour)
+{
+    const std::uint64_t mask = m_drawing.entity(
+        "MTEXT", {{10, AcGePoint3d(4900, 5050, 0)}, {40, 40.0}, {1, "38"}, {90, 1}, {63, 4}, {45, 2.0}});
+    fill(3);
+    QImage image = painted(viewOf(9000, 9000));
+    acgi::PaintOptions options;
+    options.highlight = QColor(10, 200, 30);
+    image.fill(options.highlight);
+    {
+        QPainter painter(&image);
+        const AcDbObjectId entities[] = {id(mask)};
+        display().paintEntities(entities, viewOf(5000, 5000), painter, options);
+    }
+    int grounds = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            grounds += image.pixel(x, y) == options.background.rgb();
+    }
+    EXPECT_GT(grounds, 500);
+    EXPECT_LT(grounds, 4000) << "the ground is the text's, not the area's";
+    EXPECT_EQ(image.pixel(10, 10), options.highlight.rgb());
 }
 
 TEST_F(DisplayUpdate, FillsAreasOfVeryManyCornersLikeOthers)

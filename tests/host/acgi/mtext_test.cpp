@@ -1,4 +1,5 @@
 // Multi-line text as it is drawn: what its codes show, where it stands and how it breaks.
+#include "host/acdb/dbapi.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/text/mtext.h"
 
@@ -367,6 +368,17 @@ TEST(TextEntities, TextsOfOlderFilesHaveTheWidthOfTheirColumn)
     EXPECT_EQ(lines(plain), 1u);
     EXPECT_EQ(lines(second), 2u);
     EXPECT_EQ(lines(first), 2u);
+    // Columns that are copied together belong together, whatever becomes of the first ones.
+    std::vector<AcDbObjectId> copies;
+    const auto id = [&](std::uint64_t handle) { return database->getAcDbObjectId({handle}); };
+    ASSERT_EQ(acdbDeepCloneEntities({id(second), id(first)}, database->modelSpaceId(), copies), Acad::eOk);
+    ASSERT_EQ(copies.size(), 2u);
+    for (const AcDbObjectId moved : {copies[1], id(first)}) {
+        AcDbObjectPointer<AcDbEntity> entity(moved, AcDb::kForWrite);
+        ASSERT_EQ(entity->transformBy(AcGeMatrix3d::translation({0, -20, 0})), Acad::eOk);
+    }
+    for (const std::uint64_t text : {first, second, copies[0].handle().value, copies[1].handle().value})
+        EXPECT_EQ(lines(text), 2u);
     {
         AcDbObjectPointer<AcDbEntity> entity(database->getAcDbObjectId({first}), AcDb::kForWrite);
         ResbufList data = entity->xData(QStringLiteral("ACAD"));
@@ -377,6 +389,7 @@ TEST(TextEntities, TextsOfOlderFilesHaveTheWidthOfTheirColumn)
         ASSERT_EQ(entity->setXData(data), Acad::eOk);
     }
     EXPECT_EQ(lines(second), 1u);
+    EXPECT_EQ(lines(copies[0].handle().value), 2u);
 }
 
 TEST(TextEntities, AnEmptyMTextHasNoBackground)
