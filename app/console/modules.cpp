@@ -29,6 +29,7 @@ void loadModules()
         if (record.loadReasons & AcadAppInfo::kOnAutoCADStartup)
             load(QStringLiteral("the module %1").arg(record.appName), record.moduleName);
     }
+    endMessageLine(); // Results follow, on standard output.
 }
 
 } // namespace console

@@ -280,6 +280,9 @@ class ModuleTest(ConsoleTest):
         result = run("tally", self.drawing)
         self.expect(result, 0, "sample module loaded", "sample module unloaded")
         self.assertEqual(result.stdout, "count 2\n")
+        seen = subprocess.run([QUILLNOTE, "tally", self.drawing], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              text=True, encoding="utf-8", timeout=60, env=ENVIRONMENT).stdout  # fmt: skip
+        self.assertIn("sample module loaded\ncount 2\n", seen)
         self.assertIn("tally", run("--help").stdout)
         self.assertIn("--kind KIND", run("tally", "--help").stdout)
         self.assertEqual(json.loads(run("tally", self.drawing, "--json", "--kind", "LINE").stdout), {"count": 1})

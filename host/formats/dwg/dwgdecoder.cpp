@@ -63,7 +63,8 @@ static std::uint32_t paletteColor(int index)
         return kFirst[std::size_t(index)];
     if (index >= 250)
         return kGreys[std::size_t(index - 250)];
-    const double hue = (index / 10 - 1) / 24.0 * 6.0;
+    const int shade = index / 10 - 1;
+    const double hue = shade / 24.0 * 6.0;
     static constexpr std::array<double, 5> kValues{1.0, 0.74, 0.506, 0.408, 0.31};
     const double value = kValues[std::size_t(index % 10 / 2)] * 255.0;
     const double low = index % 2 ? value * 0.667 : 0.0;

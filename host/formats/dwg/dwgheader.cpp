@@ -136,7 +136,7 @@ class HeaderReader
 {
 public:
     HeaderReader(const FileFacts &facts, SectionStreams streams, Header &header)
-        : m_facts(facts), m_in(std::move(streams)), m_header(header)
+        : m_facts(facts), m_in(streams), m_header(header)
     {
     }
     void read(const Row &row);

@@ -314,7 +314,7 @@ void Loading::addTable(const Found &control)
     }
     // Spaces come first, as in DXF.
     if (table == SymbolTable::block) {
-        std::ranges::stable_partition(records, [this](const Found *record) {
+        std::stable_partition(records.begin(), records.end(), [this](const Found *record) {
             return record->handle == m_modelSpace || record->handle == m_paperSpace;
         });
     }

@@ -134,9 +134,10 @@ bool mend(const Field &field, Word &word, const Polynomial &syndromes)
 QByteArray dataOfWords(std::string_view stored, std::size_t words, const ReedSolomonCode &code)
 {
     QByteArray data(qsizetype(words * code.data), Qt::Uninitialized);
+    char *const bytes = data.data();
     for (std::size_t w = 0; w < words; ++w) {
         for (std::size_t i = 0; i < code.data; ++i)
-            data[qsizetype(w * code.data + i)] = stored[i * words + w];
+            bytes[w * code.data + i] = stored[i * words + w];
     }
     return data;
 }
