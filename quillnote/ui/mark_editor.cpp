@@ -17,6 +17,7 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QTextCursor>
+#include <QtMath>
 
 enum Control : int {
     kText = 1003,
@@ -66,24 +67,28 @@ static void saveRectangle(const QRect &rectangle)
     settings::setNumber(u"bottom", rectangle.top() + rectangle.height());
 }
 
-/// With a large font the buttons need more than what is usual.
-int CAddMarkWnd::heightThatFits() const
+/// What the texts of the buttons need: more than is usual with a large font.
+QSize CAddMarkWnd::sizeThatFits() const
 {
-    double factor = 1.0;
+    double across = 0;
+    double down = 1.0;
     for (const auto &[control, designed] : m_designed) {
-        if (!qobject_cast<const QPlainTextEdit *>(control))
-            factor = std::max(factor, double(control->sizeHint().height()) / designed.height());
+        if (control->isHidden() || qobject_cast<const QPlainTextEdit *>(control))
+            continue;
+        across = std::max(across, double(control->sizeHint().width()) / designed.width());
+        down = std::max(down, double(control->sizeHint().height()) / designed.height());
     }
-    return m_menus->sizeHint().height() + qRound(kDesigned.height() * factor);
+    return {qCeil(kDesigned.width() * across),
+            m_menus->sizeHint().height() + qRound(kDesigned.height() * down)};
 }
 
 void CAddMarkWnd::place()
 {
-    const QRect saved = savedRectangle();
-    QRect rectangle = markEditorRectangle(saved, QGuiApplication::primaryScreen()->size());
-    if (rectangle != saved)
-        rectangle.setHeight(std::max(rectangle.height(), heightThatFits()));
-    move(rectangle.topLeft());
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    // It may have been left on another screen, or before the font was enlarged.
+    QRect rectangle = markEditorRectangle(savedRectangle(), screen);
+    rectangle.setSize(rectangle.size().expandedTo(sizeThatFits()));
+    move(std::max(0, std::min(rectangle.left(), screen.width() - rectangle.width())), rectangle.top());
     resize(rectangle.size());
 }
 

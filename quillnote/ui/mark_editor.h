@@ -84,7 +84,7 @@ private:
     void putText(const QString &text);
     void appendText(const QString &text);
     void place();
-    int heightThatFits() const;
+    QSize sizeThatFits() const;
 
     std::unique_ptr<Ui::MarkEditor> m_form;
     MarkEditorStart m_start;

@@ -118,6 +118,8 @@ CSetup::CSetup(const SetupValues &start, QWidget *parent)
     watchChanges();
     connectButtons();
     showSample();
+    if (start.name.isEmpty()) // What a new user comes here for.
+        item(kName)->setFocus();
 }
 
 CSetup::~CSetup() = default;

@@ -162,6 +162,13 @@ TEST_F(MarkEditorTest, OpensWhereItFits)
     for (const QRect &outside : {QRect(1000, 0, 700, 180), QRect(-1, 0, 700, 180), QRect(0, 800, 700, 180)})
         EXPECT_EQ(markEditorRectangle(outside, {1600, 900}), QRect(350, 0, 900, 180));
     EXPECT_EQ(markEditorRectangle({0, 0, 0, 0}, {683, 384}), QRect(0, 0, 683, 180));
+
+    // A window that was left smaller than the texts of its buttons opens larger.
+    settings::setNumber(u"right", 200);
+    settings::setNumber(u"bottom", 60);
+    draw({"set 1003 x", "ok"});
+    EXPECT_GE(settings::number(u"right"), 400);
+    EXPECT_GE(settings::number(u"bottom"), 100);
 }
 
 // Keyword text -----------------------------------------------------------------------------------
