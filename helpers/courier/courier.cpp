@@ -112,8 +112,10 @@ bool Courier::isNews(const QString &drawing, const SharedChange &change, const Q
         return false;
     if (change.before != unknownDigest())
         return true;
-    m_ledger.addArriving(drawing, change.mark, false, latest->bytes);
-    if (change.after != erasedDigest() && !m_ledger.hasSaid(drawing, change.mark, change.after))
+    // What waits behind it overtakes what counts now, and may know its words.
+    if (m_ledger.waitingOf(drawing, change.mark).empty())
+        m_ledger.addArriving(drawing, change.mark, false, latest->bytes);
+    if (isOvertaken(drawing, bytes, latest->bytes) && !m_ledger.hasSaid(drawing, change.mark, change.after))
         m_ledger.addArriving(drawing, change.mark, true, bytes);
     return false;
 }

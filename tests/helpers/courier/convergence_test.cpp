@@ -9,7 +9,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <numeric>
 #include <set>
+#include <vector>
 
 using tests::Reviewer;
 
@@ -299,15 +301,21 @@ struct Convergence : AuthoringTest {
 TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
 {
     const int first = number("QUILLNOTE_FIRST_SEED", 1);
-    const int seeds = number("QUILLNOTE_SEEDS", 12);
-    for (int seed = first; seed < first + seeds && !HasFailure(); ++seed) {
+    std::vector<int> seeds(std::size_t(number("QUILLNOTE_SEEDS", 12)));
+    std::iota(seeds.begin(), seeds.end(), first);
+    // Changes that wait behind one that must not overtake anybody: both failed once.
+    if (!qEnvironmentVariableIsSet("QUILLNOTE_FIRST_SEED"))
+        seeds.insert(seeds.end(), {53, 88});
+    for (const int seed : seeds) {
+        if (HasFailure())
+            break;
         const QString share = folder.filePath(QStringLiteral("share%1").arg(seed));
         QDir().mkpath(share);
         work(unsigned(seed), 2 + seed % (number("QUILLNOTE_PEOPLE", 5) - 1), number("QUILLNOTE_STEPS", 60),
              tests::openFolder(share));
         QDir(share).removeRecursively();
     }
-    printCounts("shared folder", seeds);
+    printCounts("shared folder", int(seeds.size()));
 }
 
 // With a server ------------------------------------------------------------------------------------------
