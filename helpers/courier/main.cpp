@@ -249,7 +249,7 @@ void printStatus(const QJsonObject &status)
                     .arg(status[QStringLiteral("arriving")].toInteger()));
     if (const QString last = status[QStringLiteral("lastArrived")].toString(); !last.isEmpty())
         say(stdout, QStringLiteral("last change from others: %1").arg(last));
-    for (const QJsonValue &person : status[QStringLiteral("people")].toArray())
+    for (const QJsonValue person : status[QStringLiteral("people")].toArray())
         say(stdout,
             QStringLiteral("%1: %2").arg(person[QStringLiteral("name")].toString(),
                                          person[QStringLiteral("here")].toBool() ? QStringLiteral("here")

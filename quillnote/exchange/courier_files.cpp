@@ -85,7 +85,7 @@ static QString lineOf(const QJsonObject &status)
     if (!status[QStringLiteral("connected")].toBool())
         return QStringLiteral("同步：未连接，%1 条待发").arg(status[QStringLiteral("waiting")].toInteger());
     int here = 0;
-    for (const QJsonValue &person : status[QStringLiteral("people")].toArray())
+    for (const QJsonValue person : status[QStringLiteral("people")].toArray())
         here += person[QStringLiteral("here")].toBool();
     QString line =
         here == 0 ? QStringLiteral("同步：没有其他人在线") : QStringLiteral("同步：其他 %1 人在线").arg(here);

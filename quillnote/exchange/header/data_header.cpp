@@ -72,7 +72,7 @@ static void putShared(ByteWriter &out, const SharedChange &shared)
     out.put<std::uint64_t>(shared.serial);
 }
 
-QByteArray withMarkDataHeader(MarkDataHeader header, QByteArrayView records)
+QByteArray withMarkDataHeader(const MarkDataHeader &header, QByteArrayView records)
 {
     QUILL_ASSERT(header.markCount <= kMostDataRecords && header.tickCount <= kMostDataRecords);
     const SharedChange shared = header.shared.value_or(SharedChange());

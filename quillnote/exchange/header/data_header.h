@@ -45,7 +45,7 @@ struct MarkDataHeader {
 std::optional<MarkDataHeader> readMarkDataHeader(QByteArrayView file);
 
 /// Makes a file of its records: puts the header before them.
-QByteArray withMarkDataHeader(MarkDataHeader header, QByteArrayView records);
+QByteArray withMarkDataHeader(const MarkDataHeader &header, QByteArrayView records);
 /// One file with the records of several of the same kind.
 QByteArray joinMarkData(MarkDataHeader header, const std::vector<QByteArray> &files);
 
