@@ -59,7 +59,8 @@ void ViewHighlight::show(AcDbDatabase *database, const std::vector<AcDbObjectId>
         m_entities = entities;
         // Their numbers are read even where others lie over them.
         m_inOrder = entities;
-        std::ranges::stable_partition(m_inOrder, [](AcDbObjectId id) { return !isCustom(id); });
+        std::stable_partition(m_inOrder.begin(), m_inOrder.end(),
+                              [](AcDbObjectId id) { return !isCustom(id); });
     }
     if (isOther || m_entities.size() <= kFew) {
         repaint();

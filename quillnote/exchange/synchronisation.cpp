@@ -13,10 +13,10 @@
 #include "host/os/guid.h"
 
 #include <QCryptographicHash>
-#include <QDateTime>
 #include <QUuid>
 
 #include <algorithm>
+#include <chrono>
 #include <set>
 
 SynchronisationState &synchronisation()
@@ -105,10 +105,12 @@ void keepExchanged(AcDbDatabase &database)
 
 // Changes --------------------------------------------------------------------------------------------
 
-/// Rises from file to file, from one run of the program to the next as well.
+/// Rises from file to file, from one run of the program to the next as well: microseconds of the clock.
 static std::uint64_t nextSerial()
 {
-    const auto now = std::uint64_t(QDateTime::currentMSecsSinceEpoch()) * 1000;
+    using namespace std::chrono;
+    const auto now =
+        std::uint64_t(duration_cast<microseconds>(system_clock::now().time_since_epoch()).count());
     std::uint64_t &last = synchronisation().lastSerial;
     return last = std::max(last + 1, now);
 }

@@ -97,7 +97,7 @@ QByteArray joinMarkData(MarkDataHeader header, const std::vector<QByteArray> &fi
         records += QByteArrayView(file).sliced(qsizetype(kMarkDataHeaderSize));
         header.markCount += readMarkDataHeader(file)->markCount;
     }
-    return withMarkDataHeader(std::move(header), records);
+    return withMarkDataHeader(header, records);
 }
 
 static bool isZero(QByteArrayView bytes)
