@@ -104,7 +104,8 @@ void WindowFrontEnd::echo(const AcEdPrompt &prompt, const AcEdAnswer &answer)
     const bool isTyped = answer.kind == AcEdAnswer::text && !(isCommand && answer.typed.isEmpty());
     const bool isCancelled = answer.kind == AcEdAnswer::cancel && !isCommand;
     if (isTyped || isCancelled) {
-        print(prompt.message + (isTyped ? answer.typed : tr("*取消*")));
+        // On a line of its own: the prompts of a module may be in another language.
+        print(prompt.message + (isTyped ? answer.typed : u'\n' + tr("*取消*")));
         m_lineEnded = true;
     }
     if (isCommand && answer.kind == AcEdAnswer::text && !answer.typed.isEmpty())
