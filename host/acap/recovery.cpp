@@ -126,7 +126,8 @@ std::optional<AcApRecoverable> AcApRecovery::newerCopy(const QString &drawing, c
     const QString path = base::fullPath(drawing);
     const QFileInfo file(path);
     for (const AcApRecoverable &copy : recoverable(folder)) {
-        if (copy.original == path && (!file.exists() || copy.time > file.lastModified()))
+        // Of one time, as far as file systems tell times: saving would have taken the copy away.
+        if (copy.original == path && (!file.exists() || copy.time >= file.lastModified()))
             return copy;
     }
     return std::nullopt;

@@ -54,7 +54,7 @@ public:
 
     /// What programs that do not run any more left in a folder, the newest first.
     static QList<AcApRecoverable> recoverable(const QString &folder = userFolder());
-    /// The copy of a drawing that is newer than the drawing's file; none when there is no such copy.
+    /// The copy of a drawing that is not older than the drawing's file; none when there is no such copy.
     static std::optional<AcApRecoverable> newerCopy(const QString &drawing,
                                                     const QString &folder = userFolder());
     /// Opens a copy as unsaved changes of its drawing and keeps it from then on as that drawing's own copy.
