@@ -6,6 +6,7 @@
 // usage: QT_QPA_PLATFORM=offscreen bench_compare DRAWING.dxf MARKED.dxf
 // (bench/make_drawing.py makes a drawing; MARKED.dxf is written, with the marks, and opened again for the
 // measurement)
+#include "bench/opened_drawing.h"
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
@@ -27,14 +28,6 @@
 
 static constexpr int kMarks = 10'000;
 static constexpr int kPictured = 500;
-
-static AcApDocument *opened(const QString &path)
-{
-    const auto document = acDocManager()->openDocument(path);
-    if (!document)
-        std::fprintf(stderr, "%s\n", qPrintable(document.error()));
-    return document ? *document : nullptr;
-}
 
 /// Targets as checkers draw them, all over the drawing, with the fingerprints that new marks get.
 static void addMarks(AcDbDatabase &database)
@@ -116,13 +109,13 @@ int main(int argc, char **argv)
     acgi::install();
     registerMarkClass();
     const QString marked = QString::fromLocal8Bit(argv[2]);
-    AcApDocument *const drawing = opened(QString::fromLocal8Bit(argv[1]));
+    AcApDocument *const drawing = bench::opened(QString::fromLocal8Bit(argv[1]));
     if (!drawing)
         return 2;
     addMarks(*drawing->database());
     const auto saved = acDocManager()->saveDocument(drawing, marked, true);
     acDocManager()->closeDocument(drawing);
-    AcApDocument *const again = saved ? opened(marked) : nullptr;
+    AcApDocument *const again = saved ? bench::opened(marked) : nullptr;
     if (!again)
         return 2;
     const int result = measure(*again->database());

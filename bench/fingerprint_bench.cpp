@@ -2,8 +2,8 @@
 // them. The bound is reading the groups of the same entities.
 //
 // usage: bench_fingerprint DRAWING.dxf (bench/make_drawing.py makes one of a million entities)
+#include "bench/opened_drawing.h"
 #include "bench/stopwatch.h"
-#include "host/acap/docman.h"
 #include "host/acgi/query/install.h"
 #include "host/acgi/query/spatial_index.h"
 #include "quillnote/snapshot/fingerprint.h"
@@ -52,17 +52,14 @@ int main(int argc, char **argv)
         return 2;
     }
     acgi::install();
-    const auto opened = acDocManager()->openDocument(QString::fromLocal8Bit(argv[1]));
-    if (!opened) {
-        std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
+    const AcApDocument *const document = bench::opened(QString::fromLocal8Bit(argv[1]));
+    if (!document)
         return 2;
-    }
-    const AcDbDatabase &database = *opened.value()->database();
+    const AcDbDatabase &database = *document->database();
     AcDbExtents extents;
     const double start = processorSeconds();
-    const double indexed = bench::seconds([&] {
-        extents = acgi::spatialIndexOf(*opened.value()->database()).extents(database.modelSpaceId());
-    });
+    const double indexed = bench::seconds(
+        [&] { extents = acgi::spatialIndexOf(*document->database()).extents(database.modelSpaceId()); });
 
     const double indexedProcessor = processorSeconds() - start;
 

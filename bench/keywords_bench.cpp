@@ -3,6 +3,7 @@
 // their groups.
 //
 // usage: bench_keywords DRAWING.dxf (bench/make_drawing.py makes one of a million entities)
+#include "bench/opened_drawing.h"
 #include "bench/stopwatch.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbapi.h"
@@ -25,12 +26,10 @@ int main(int argc, char **argv)
         return 2;
     }
     acgi::install();
-    const auto opened = acDocManager()->openDocument(QString::fromLocal8Bit(argv[1]));
-    if (!opened) {
-        std::fprintf(stderr, "%s\n", qPrintable(opened.error()));
+    AcApDocument *const document = bench::opened(QString::fromLocal8Bit(argv[1]));
+    if (!document)
         return 2;
-    }
-    const AcDbDatabase &database = *opened.value()->database();
+    const AcDbDatabase &database = *document->database();
     std::vector<AcDbObjectId> all;
     for (const std::uint32_t index : database.blockContents(database.modelSpaceId())->entities)
         all.emplace_back(database.stub(index));
@@ -61,6 +60,6 @@ int main(int argc, char **argv)
     std::printf("their groups %.3f ms, ratio %.1f\n", reading / kPlaces * 1e3, whole / reading);
     const bool isBounded = whole <= few * kMostTimes;
     std::printf("%s\n", isBounded ? "bounded" : "NOT bounded");
-    acDocManager()->closeDocument(opened.value());
+    acDocManager()->closeDocument(document);
     return isBounded ? 0 : 1;
 }
