@@ -177,7 +177,7 @@ private:
     friend class AcDbUncountedChange;
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
-    friend class AcDbAnonymousBlocks;
+    friend class AcDbNewBlocks;
     friend class ClassObserver;
     friend class CarrierKeeper;
 

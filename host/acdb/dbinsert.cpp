@@ -405,7 +405,7 @@ private:
 
     AcDbDatabase &m_target;
     const AcDbDatabase &m_from;
-    AcDbAnonymousBlocks m_blocks;
+    AcDbNewBlocks m_blocks;
     std::unordered_map<std::uint64_t, Place> m_places;
     std::unordered_map<QString, QString> m_blockNames; ///< In the target, by folded name in `from`.
     std::vector<std::pair<AcDbObjectId, AcDbObjectId>> m_waiting; ///< Blocks of `from` and their copies.

@@ -104,7 +104,7 @@ AcDbObjectId AcDbSymbolTable::ensureApplicationId(AcDbDatabase &database, const 
 
 static constexpr QStringView kAnonymous = u"*U";
 
-AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(database)
+AcDbNewBlocks::AcDbNewBlocks(AcDbDatabase &database) : m_database(database)
 {
     // Erased ones count too: undo may bring them back.
     for (const std::uint32_t index : database.tableRecords(SymbolTable::block)) {
@@ -122,7 +122,7 @@ AcDbAnonymousBlocks::AcDbAnonymousBlocks(AcDbDatabase &database) : m_database(da
         layout->assign(AcDbHandle{0});
 }
 
-AcDbObjectId AcDbAnonymousBlocks::addAnonymous(const AcGePoint3d &origin)
+AcDbObjectId AcDbNewBlocks::addAnonymous(const AcGePoint3d &origin)
 {
     constexpr std::int64_t kIsAnonymous = 1;
     const AcDbObjectId record = make(kAnonymous.toString() + QString::number(m_next), kIsAnonymous, origin);
@@ -131,12 +131,12 @@ AcDbObjectId AcDbAnonymousBlocks::addAnonymous(const AcGePoint3d &origin)
     return record;
 }
 
-AcDbObjectId AcDbAnonymousBlocks::add(const QString &name, const AcGePoint3d &origin)
+AcDbObjectId AcDbNewBlocks::add(const QString &name, const AcGePoint3d &origin)
 {
     return make(name, 0, origin);
 }
 
-AcDbObjectId AcDbAnonymousBlocks::make(const QString &text, std::int64_t flags, const AcGePoint3d &origin)
+AcDbObjectId AcDbNewBlocks::make(const QString &text, std::int64_t flags, const AcGePoint3d &origin)
 {
     resbuf *const name = findGroup(m_model, 2);
     if (!name)

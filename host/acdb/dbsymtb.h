@@ -39,10 +39,10 @@ private:
 
 /// Makes blocks: anonymous ones "*U1", "*U2" ..., numbered behind those that the drawing has, and others.
 /// Looks at the block table once: one of these for a whole run of new blocks.
-class AcDbAnonymousBlocks
+class AcDbNewBlocks
 {
 public:
-    explicit AcDbAnonymousBlocks(AcDbDatabase &database);
+    explicit AcDbNewBlocks(AcDbDatabase &database);
     /// An empty block record, open for write; null when the drawing has no block table to speak of.
     AcDbObjectId addAnonymous(const AcGePoint3d &origin);
     /// The same under a name that no block has; null for one that is there.

@@ -96,7 +96,7 @@ private:
     bool insert(const QuillnoteObj3 &mark, const QString &blockName);
 
     AcDbDatabase &m_database;
-    AcDbAnonymousBlocks m_blocks;
+    AcDbNewBlocks m_blocks;
     ConversionStyles m_styles;
     MarkDrawingSettings m_settings;
     MarkView m_view;

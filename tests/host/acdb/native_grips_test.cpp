@@ -253,7 +253,7 @@ TEST(AnonymousBlocks, AreNumberedBehindThoseThereAre)
     AcDbObjectId first;
     {
         const AcDbUndoGroup step(*database, QStringLiteral("BLOCKS"));
-        AcDbAnonymousBlocks blocks(*database);
+        AcDbNewBlocks blocks(*database);
         for (const char *const name : {"*U2147483648", "*U2147483649"}) {
             const AcDbObjectId id = blocks.addAnonymous({1, 2, 3});
             AcDbObjectPointer<AcDbBlockTableRecord> block(
