@@ -283,7 +283,7 @@ QByteArray encodeMarkData(const MarkData &data)
         putRecord(out, record);
     for (const TickRecord &tick : data.ticks)
         putRecord(out, tick);
-    return withMarkDataHeader(std::move(header), out.take());
+    return withMarkDataHeader(header, out.take());
 }
 
 QByteArray encodeErasedMarks(const QStringList &guids, const std::optional<SharedChange> &shared)
@@ -295,7 +295,7 @@ QByteArray encodeErasedMarks(const QStringList &guids, const std::optional<Share
     ByteWriter out;
     for (const QString &guid : guids)
         put(out, guid);
-    return withMarkDataHeader(std::move(header), out.take());
+    return withMarkDataHeader(header, out.take());
 }
 
 /// Reads until a record is not whole. Nothing is set aside for a count before its records are there.
