@@ -3,7 +3,9 @@
 
 #include "host/acap/filelock.h"
 #include "host/acdb/dbdatabase.h"
+#include "host/base/attachments.h"
 #include "host/base/file_stamp.h"
+#include "host/base/listeners.h"
 #include "host/base/progress.h"
 #include "host/base/result.h"
 
@@ -121,6 +123,8 @@ public:
     std::vector<AcDbObjectId> &pickSet() { return m_pickSet; }
     /// The last selection set of an editing command ("Previous").
     std::vector<AcDbObjectId> &previousSet() { return m_previousSet; }
+    /// What others keep of the document; ends with it.
+    base::Attachments &attachments() { return m_attachments; }
 
 private:
     friend class AcApDocManager;
@@ -147,6 +151,7 @@ private:
     std::map<AcDbObjectId, std::vector<AcApView>> m_earlierViews;
     std::vector<AcDbObjectId> m_pickSet;
     std::vector<AcDbObjectId> m_previousSet;
+    base::Attachments m_attachments;
 };
 
 class AcApDocManagerReactor
@@ -256,8 +261,8 @@ public:
     Acad::ErrorStatus lockDocument(AcApDocument *document, AcAp::DocLockMode mode = AcAp::kWrite);
     Acad::ErrorStatus unlockDocument(AcApDocument *document);
 
-    void addReactor(AcApDocManagerReactor *reactor);
-    void removeReactor(AcApDocManagerReactor *reactor);
+    void addReactor(AcApDocManagerReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcApDocManagerReactor *reactor) { m_reactors.remove(reactor); }
 
 private:
     AcApDocument *adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
@@ -274,8 +279,6 @@ private:
     void rememberFile(AcApDocument &document, const base::WrittenFile &written);
     void settleSaved(AcApDocument &document, const QString &target, std::uint64_t state);
     void showLockMode(AcApDocument *document);
-    template <class Notify>
-    void notify(Notify event);
 
     std::vector<std::unique_ptr<AcApDocument>> m_documents;
     AcApDocument *m_current = nullptr;
@@ -284,7 +287,7 @@ private:
     bool m_isBusy = false;
     bool m_wasStopped = false;
     base::ProgressTeller::Listener m_progress;
-    std::vector<AcApDocManagerReactor *> m_reactors;
+    base::Listeners<AcApDocManagerReactor> m_reactors;
 };
 
 /// The document manager of the process.

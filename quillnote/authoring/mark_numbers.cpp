@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <map>
 #include <memory>
 
 namespace
@@ -22,31 +21,19 @@ namespace
 class RecordWatch : public AcDbDatabaseReactor
 {
 public:
-    explicit RecordWatch(AcDbDatabase &database) { database.addReactor(this); }
-
-    static RecordWatch &of(AcDbDatabase &database)
-    {
-        std::unique_ptr<RecordWatch> &watch = all()[&database];
-        if (!watch)
-            watch = std::make_unique<RecordWatch>(database);
-        return *watch;
-    }
+    explicit RecordWatch(AcDbDatabase &database) : m_database(database) { m_database.addReactor(this); }
+    ~RecordWatch() override { m_database.removeReactor(this); }
 
     void objectAppended(const AcDbDatabase *, const AcDbObject *object) override
     {
         if (!appendState().importing && acrxCast<const QuillnoteObj3>(object))
             isChecked = false;
     }
-    void goodbye(const AcDbDatabase *database) override { all().erase(database); } // And this with it.
 
     bool isChecked = false;
 
 private:
-    static std::map<const AcDbDatabase *, std::unique_ptr<RecordWatch>> &all()
-    {
-        static std::map<const AcDbDatabase *, std::unique_ptr<RecordWatch>> watches;
-        return watches;
-    }
+    AcDbDatabase &m_database;
 };
 
 } // namespace
@@ -65,7 +52,7 @@ std::optional<std::uint16_t> nextMarkNumber(AcDbDatabase &database)
 {
     constexpr int kHighest = std::numeric_limits<std::uint16_t>::max();
     int last = readLastMarkNumber(database);
-    RecordWatch &watch = RecordWatch::of(database);
+    RecordWatch &watch = database.attachments().get<RecordWatch>(database);
     if (last == 0 || !watch.isChecked)
         last = std::max(last, highestNumber(database));
     watch.isChecked = true;

@@ -22,11 +22,9 @@ void refreshDrawnMarks()
     const AcAxDocLock lock(document);
     if (lock.lockStatus() != Acad::eOk)
         return;
-    auto &drawn = markDrawingState().drawnMarks;
+    auto &drawn = drawnMarks(*document->database());
     std::erase_if(drawn, [](AcDbObjectId id) { return !id.isValid(); });
     acgi::Display &display = acgi::displayOf(*document->database());
-    for (const AcDbObjectId id : drawn) {
-        if (id.database() == document->database())
-            display.regenerate(id);
-    }
+    for (const AcDbObjectId id : drawn)
+        display.regenerate(id);
 }

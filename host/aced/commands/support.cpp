@@ -13,33 +13,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace hostcommands
 {
 
-namespace
-{
-
-/// One for the process: listens so that nothing outlives its document.
-class Memories : public AcApDocManagerReactor
-{
-public:
-    Memories() { acDocManager()->addReactor(this); }
-    void documentToBeDestroyed(AcApDocument *document) override { m_memories.erase(document); }
-    DocumentMemory &of(AcApDocument *document) { return m_memories[document]; }
-
-private:
-    std::map<AcApDocument *, DocumentMemory> m_memories;
-};
-
-} // namespace
-
 DocumentMemory &DocumentMemory::of(AcApDocument *document)
 {
-    static auto *const memories =
-        new Memories; // Outlives the document manager, which may call it at the end.
-    return memories->of(document);
+    return document->attachments().get<DocumentMemory>();
 }
 
 // Questions --------------------------------------------------------------------------------------------

@@ -56,7 +56,6 @@ private:
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *) override { m_areVariablesRead = false; }
-    void goodbye(const AcDbDatabase *) override { m_isGone = true; }
     void noteChange(const AcDbObject &object);
     void readAll();
     void readVariables();
@@ -65,7 +64,6 @@ private:
     AcDbDatabase &m_database;
     bool m_isRead = false;
     bool m_areVariablesRead = false;
-    bool m_isGone = false; ///< The drawing ends before its display.
     std::vector<AcDbObjectId> m_changedLayers;
     AcDbObjectId m_layerZero;
     Layer m_plain;
