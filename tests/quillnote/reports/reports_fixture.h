@@ -56,8 +56,8 @@ struct ReportsTest : testing::Test {
 
     inline static const QString kLongText = QString(64 * 1024, u'长');
 
-    /// One mark a state: answered, sub-numbered, with leader, hostile, hidden, drawn by hand and with 64 KB of
-    /// text, on a sheet, without a name and with a status that is none.
+    /// One mark a state: answered, sub-numbered, with leader, hostile, hidden, drawn by hand and with 64 KB
+    /// of text, on a sheet, without a name and with a status that is none.
     static void addEveryKind(const tests::OpenDrawing &drawing)
     {
         AcDbDatabase &database = drawing.database();
@@ -81,8 +81,8 @@ struct ReportsTest : testing::Test {
         mark(database, QStringLiteral("😀 m² Ø12"), handling::kRefused);
         AcDbObjectPointer<QuillnoteObj3>(mark(database, QStringLiteral("隐藏")), AcDb::kForWrite)
             ->displayMode = -1;
-        AcDbObjectPointer<QuillnoteObj3>(mark(database, kLongText), AcDb::kForWrite)
-            ->sketchData = QByteArray("no sketch");
+        AcDbObjectPointer<QuillnoteObj3>(mark(database, kLongText), AcDb::kForWrite)->sketchData =
+            QByteArray("no sketch");
         acedMakeSpaceCurrent(drawing.document(), database.paperSpaceId());
         AcDbObjectPointer<QuillnoteObj3> last(mark(database, QStringLiteral("图纸空间"), 9), AcDb::kForWrite);
         last->suggestionName.clear();
