@@ -187,7 +187,7 @@ AcDbObjectId Session::lineInTheMiddle() const
 
 AcDbObjectId Session::newMark()
 {
-    const AcApView &view = curDoc()->view();
+    const AcGeView &view = curDoc()->view();
     NewMark request;
     request.corner1 = view.centre + AcGeVector3d(view.height * 0.1, view.height * 0.1, 0.0);
     request.corner2 = view.centre + AcGeVector3d(view.height * 0.2, view.height * 0.17, 0.0);

@@ -16,17 +16,6 @@
 
 // Documents ---------------------------------------------------------------------------------------
 
-AcApView AcApView::onRaster(int newWidth, int newHeight) const
-{
-    if (newWidth == pixelWidth && newHeight == pixelHeight)
-        return *this;
-    AcApView view = *this;
-    view.height = std::max(height, width() * newHeight / newWidth);
-    view.pixelWidth = newWidth;
-    view.pixelHeight = newHeight;
-    return view;
-}
-
 QString AcApDocument::docTitle() const
 {
     if (isNamedDrawing())

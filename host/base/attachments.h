@@ -1,7 +1,7 @@
 // Attachments: what other folders keep of a drawing or a document, and what lives exactly as long as it.
 //
-// There is one of each type, made when it is first asked for. The later ones, which may lean on the earlier ones, go
-// first.
+// There is one of each type, made when it is first asked for. The later ones, which may lean on the earlier
+// ones, go first.
 #pragma once
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// Listeners: who is told of something, in the order in which they came. A listener may add or remove any of them,
-// itself too, while they are being told: who was removed is told no more, who was added is told from the next time
-// on.
+// Listeners: who is told of something, in the order in which they came. A listener may add or remove any of
+// them, itself too, while they are being told: who was removed is told no more, who was added is told from
+// the next time on.
 #pragma once
 
 #include <algorithm>

@@ -61,7 +61,7 @@ static void placeLeader(const AcDbDatabase &database, QuillnoteObj3 &mark, const
     const LeaderTextBox box =
         leaderTextBox(request.corner1, request.corner2, mark.textHeight, leaderTextLines(request.opinionText),
                       leaderTextWidth(request.opinionText, mark.textHeight),
-                      document ? acedViewFrame(document->view()) : AcGeMatrix3d());
+                      document ? document->view().getWorldToEyeTransform() : AcGeMatrix3d());
     mark.textBoxCorner1 = box.corner1;
     mark.textBoxCorner2 = box.corner2;
     completeTextBoxCorners(mark);

@@ -16,7 +16,7 @@ static std::vector<AcGePoint3d> pickedPlace(const NewMark &request)
     const AcApDocument *const document = curDoc();
     if (request.isLeader || !document)
         return {request.corner1, request.corner2};
-    const AcGeMatrix3d toView = acedViewFrame(document->view());
+    const AcGeMatrix3d toView = document->view().getWorldToEyeTransform();
     const AcGePoint3d a = toView * request.corner1;
     const AcGePoint3d b = toView * request.corner2;
     const AcGeMatrix3d back = toView.inverse();

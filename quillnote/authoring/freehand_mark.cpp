@@ -12,7 +12,7 @@
 #include "host/aced/edview.h"
 
 /// False for a viewport that shows no place of the world.
-static bool visibleCorners(const AcApView &view, NewMark &request)
+static bool visibleCorners(const AcGeView &view, NewMark &request)
 {
     // The view counts pixels of the screen; windows count in units that a screen may show as several pixels.
     const int viewport = acedIntVar(QStringLiteral("CVPORT"), 2);

@@ -12,7 +12,7 @@ struct LeaderTextBox {
 };
 
 /// `start` is on the target, `end` where the text goes. The box holds `lines` lines of the given width and
-/// height with a margin. The matrix turns the world into the view's frame (acedViewFrame).
+/// height with a margin. The matrix turns the world into the view's frame (AcGeView::getWorldToEyeTransform).
 LeaderTextBox leaderTextBox(const AcGePoint3d &start, const AcGePoint3d &end, double textHeight, int lines,
                             double width, const AcGeMatrix3d &worldToView);
 

@@ -64,7 +64,7 @@ bool pickMarkPoints(AcGePoint3d &a, AcGePoint3d &b, PickMode mode)
         point->z = 0.0;
     }
     if (mode == PickMode::rectangle) {
-        const SortedCorners sorted = sortCorners(a, b, acedViewFrame(curDoc()->view()));
+        const SortedCorners sorted = sortCorners(a, b, curDoc()->view().getWorldToEyeTransform());
         a = sorted.lowerLeft;
         b = sorted.upperRight;
     }

@@ -164,14 +164,6 @@ double rotationInPlane(double angle)
     return degrees < 0.0 ? degrees + 360.0 : degrees;
 }
 
-void fitIntoView(AcApDocument &document, AcDbExtents box)
-{
-    const AcGeMatrix3d frame = acedViewFrame(document.view());
-    box.transformBy(frame);
-    const AcGeMatrix3d back = frame.inverse();
-    acedZoomWindow(document, back * box.minPoint(), back * box.maxPoint());
-}
-
 // Entities ---------------------------------------------------------------------------------------------
 
 AcEdSelectionSet askSelection()

@@ -35,7 +35,7 @@ protected:
         return content.entity("LINE", {{8, layer}, {100, "AcDbLine"}, {10, from}, {11, to}});
     }
     AcDbObjectId id(std::uint64_t handle) const { return m_drawing->id(handle); }
-    AcApView &view() const { return m_drawing->document().view(); }
+    AcGeView &view() const { return m_drawing->document().view(); }
     std::vector<AcDbObjectId> &pickSet() const { return m_drawing->document().pickSet(); }
 
     QString drag(const QStringList &answers)

@@ -122,7 +122,7 @@ TEST_F(AuthoringTest, AMarkIsPickedByItsFlagHoweverFarTheViewIsZoomed)
     startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
     startUpSettings().style = 1;
     const AcDbObjectId mark = make();
-    AcApView &view = drawing->document().view();
+    AcGeView &view = drawing->document().view();
     for (const double pixel : {0.01, 0.5}) {
         view.height = pixel * view.pixelHeight;
         const AcGePoint3d flag(20.0 + 20 * pixel, 10.0 - 5 * pixel, 0.0);
@@ -359,7 +359,7 @@ TEST_F(AuthoringTest, EverythingIncludesFlagsAndWhatElseIsDrawnBeside)
     startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
     startUpSettings().style = 4;
     make();
-    AcApView &view = drawing->document().view();
+    AcGeView &view = drawing->document().view();
     for (const double twist : {0.0, kGePi / 2}) {
         view.twist = twist;
         run(QStringLiteral("ZOOM"), {"E"});
