@@ -62,6 +62,7 @@ private:
     std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
     void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
+    void forgetBlocks();
 
     AcDbDatabase &m_database;
     BlockExtents m_blocks;
