@@ -69,12 +69,14 @@ private:
     void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
+    void xrefsChanged(const AcDbDatabase *) override { forgetBlocks(); }
     Space &space(AcDbObjectId blockRecord);
     std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
     void settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
                 std::vector<std::vector<AcDbObjectId>> &crossing);
     void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
+    void forgetBlocks();
 
     AcDbDatabase &m_database;
     BlockExtents m_blocks;
