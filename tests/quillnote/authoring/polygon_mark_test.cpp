@@ -68,7 +68,8 @@ private:
         image.fill(Qt::black);
         const QImage empty = image;
         QPainter painter(&image);
-        const AcGiViewport view{.centre = {50, 50, 0}, .height = 200, .pixelWidth = 200, .pixelHeight = 200};
+        const AcGiViewport view(
+            AcGeView{.centre = {50, 50, 0}, .height = 200, .pixelWidth = 200, .pixelHeight = 200});
         acgi::PaintOptions options;
         options.fillBackground = false;
         acgi::displayOf(*acdbCurDwg()).paintTransients(shown, view, painter, options);
