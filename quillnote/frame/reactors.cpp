@@ -1,6 +1,5 @@
 #include "quillnote/frame/reactors.h"
 
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
@@ -34,8 +33,6 @@ public:
         // The ids are gone with the drawing. Another drawing that is current keeps its own.
         std::erase_if(markDrawingState().drawnMarks,
                       [document](AcDbObjectId id) { return id.database() == document->database(); });
-        if (appendState().lastCreatedMark.database() == document->database())
-            appendState().lastCreatedMark = {};
     }
     void documentToBeActivated(AcApDocument *document) override
     {
