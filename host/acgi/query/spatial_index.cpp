@@ -357,6 +357,7 @@ public:
     {
         m_index.noteChange(*object);
     }
+    void xrefsChanged(const AcDbDatabase *) override { m_index.forgetBlocks(); }
     void goodbye(const AcDbDatabase *) override
     {
         m_ended = true;
@@ -441,10 +442,14 @@ void SpatialIndex::noteChange(const AcDbObject &object)
     if (const auto known = m_spaces.find(block); known != m_spaces.end())
         known->second->noteChange(changed->index);
     // Inserts of that block look different now; only blocks that were looked into are shown.
-    if (m_blocks.knows(block)) {
-        m_blocks.clear();
-        m_spaces.clear();
-    }
+    if (m_blocks.knows(block))
+        forgetBlocks();
+}
+
+void SpatialIndex::forgetBlocks()
+{
+    m_blocks.clear();
+    m_spaces.clear();
 }
 
 /// The visible entities whose box the window may have to do with.

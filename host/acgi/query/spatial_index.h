@@ -70,6 +70,7 @@ private:
                 std::vector<std::vector<AcDbObjectId>> &crossing);
     void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
+    void forgetBlocks();
 
     AcDbDatabase &m_database;
     BlockExtents m_blocks;
