@@ -11,7 +11,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/hostcommands.h"
 #include "host/acgi/query/install.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 
 #include <QApplication>

@@ -5,7 +5,8 @@
 
 AcGeMatrix3d AcGeView::getWorldToEyeTransform() const
 {
-    return isPlan() ? AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis) : getEyeToWorldTransform().inverse();
+    return isPlan() ? AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis)
+                    : getEyeToWorldTransform().inverse();
 }
 
 AcGeMatrix3d AcGeView::getEyeToWorldTransform() const

@@ -1,5 +1,5 @@
-// AcGeView: how a space is looked at, as a value. Screen, console, sheets and pictures share it; what is seen,
-// where a pixel lies and what fits in are computed from it. What is set first is for drawings that say
+// AcGeView: how a space is looked at, as a value. Screen, console, sheets and pictures share it; what is
+// seen, where a pixel lies and what fits in are computed from it. What is set first is for drawings that say
 // nothing of views.
 #pragma once
 
@@ -36,8 +36,8 @@ public:
     /// The height at which a rectangle of this size, seen upright, is just inside the view.
     double heightFor(double seenWidth, double seenHeight) const;
     /// Looks at the middle of the box (world) and shows all of it, with a share of the view left free at each
-    /// edge. A box without size, one without end and one that is not valid leave the height as it is; the last
-    /// two the middle too.
+    /// edge. A box without size, one without end and one that is not valid leave the height as it is; the
+    /// last two the middle too.
     void fit(const AcDbExtents &box, double margin = 0.0);
     /// The same place on a raster of another size: nothing that is seen is cut off.
     AcGeView onRaster(double newWidth, double newHeight) const;

@@ -1,6 +1,6 @@
 #include "quillnote/authoring/align_marks.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 

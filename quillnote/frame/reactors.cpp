@@ -1,6 +1,5 @@
 #include "quillnote/frame/reactors.h"
 
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
@@ -29,8 +28,6 @@ public:
     {
         m_registry.detach(document);
         leaveDrawing(*document->database());
-        if (appendState().lastCreatedMark.database() == document->database())
-            appendState().lastCreatedMark = {};
     }
     void documentToBeActivated(AcApDocument *document) override { m_registry.attach(document); }
     void documentActivated(AcApDocument *document) override

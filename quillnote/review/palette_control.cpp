@@ -1,6 +1,6 @@
 #include "quillnote/review/palette_control.h"
 
-#include "quillnote/authoring/redraw_marks.h"
+#include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/review/show_mark.h"
 #include "quillnote/snapshot/snapshot_viewer.h"
 

@@ -1,7 +1,7 @@
 // The automatic flag refresh: which messages refresh, how often, which marks; and the set of drawn marks that
 // it walks, as drawings open, switch and close.
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/authoring/flag_refresh.h"
-#include "quillnote/authoring/redraw_marks.h"
 
 #include "host/aced/edview.h"
 #include "host/aced/edwinmsg.h"
