@@ -318,6 +318,55 @@ TEST_F(Convergence, EverybodyEndsWithTheSameMarksAndNoWordsAreLost)
     printCounts("shared folder", int(seeds.size()));
 }
 
+// The earlier program had taken the state that won, and is handed its own words beside it.
+TEST_F(Convergence, AProgramThatStartsAgainTakesNothingThatWasMeantForTheEarlierOne)
+{
+    std::mt19937 unused;
+    const tests::OpenCarrier share = tests::openFolder(folder.path());
+    Reviewer ann(folder.filePath(QStringLiteral("ann")), share, QStringLiteral("ann"), unused);
+    Reviewer bob(folder.filePath(QStringLiteral("bob")), share, QStringLiteral("bob"), unused);
+    const QString plan = folder.filePath(QStringLiteral("ann/plan.dxf"));
+    tests::writeFile(plan, emptyDrawing());
+    const auto say = [](Reviewer &person, const char *words) {
+        person.sit();
+        const AcDbUndoGroup group(person.database(), QStringLiteral("change"));
+        const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(person.database()).ids.at(0), AcDb::kForWrite);
+        mark->suggestionContent = QString::fromLatin1(words);
+    };
+    const auto begin = [](Reviewer &person) {
+        person.connection().isBad = false;
+        person.open();
+        person.switchOn();
+    };
+    begin(ann);
+    createMark(ann.database(), NewMark());
+    ann.save();
+    QFile::copy(plan, folder.filePath(QStringLiteral("bob/plan.dxf")));
+    begin(bob);
+    say(ann, "hers");
+    ann.save();
+    say(bob, "his");
+    ann.carry();
+    bob.carry();
+    while (ann.carry() && !tests::marksOf(ann.database()).front().contains(QStringLiteral("his")))
+        ann.take();
+    ann.carry(); // Lays her words down as a mark of their own.
+    ann.kill();
+    begin(ann);
+    ann.take();
+    for (bool moved = true; moved;) {
+        moved = false;
+        for (Reviewer *const person : {&ann, &bob})
+            moved |= person->carry() | person->take();
+    }
+    for (Reviewer *const person : {&ann, &bob}) {
+        const QString marks = tests::marksOf(person->database()).join(u'\n');
+        EXPECT_TRUE(marks.contains(QStringLiteral("hers")) && marks.contains(QStringLiteral("his")))
+            << qPrintable(marks);
+        person->kill();
+    }
+}
+
 // With a server ------------------------------------------------------------------------------------------
 
 /// Longer than the server waits before it sends again what a killed courier did not confirm.
