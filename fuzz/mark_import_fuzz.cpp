@@ -1,5 +1,5 @@
-// Mark data files taken into a drawing: whatever a file holds, the drawing can be saved and read again with the
-// same marks, and taking the file a second time adds none that has a GUID.
+// Mark data files taken into a drawing: whatever a file holds, the drawing can be saved and read again with
+// the same marks, and taking the file a second time adds none that has a GUID.
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"

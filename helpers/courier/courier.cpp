@@ -195,8 +195,8 @@ void Courier::forgetTaken(const QString &drawing)
     m_ledger.removeArriving(drawing, m_ledger.remembered(kHanded + drawing).toLongLong());
 }
 
-/// A program that just opened the drawing may have any state of it: it gets the whole one. What lies there was
-/// meant for an earlier opening, which may have had what this one has not.
+/// A program that just opened the drawing may have any state of it: it gets the whole one. What lies there
+/// was meant for an earlier opening, which may have had what this one has not.
 void Courier::begin(const QString &drawing)
 {
     const std::set<QString> &names = m_open.at(drawing);

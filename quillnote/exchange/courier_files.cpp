@@ -41,11 +41,10 @@ QString announceOpenDrawing(const QByteArray &identity)
     if (!QDir().mkpath(folder))
         return {};
     // The courier forgets those whose process is gone; another process may get its number.
-    const QString file =
-        QStringLiteral("%1%2-%3-%4")
-            .arg(folder, QString::fromLatin1(identity.toHex()))
-            .arg(QCoreApplication::applicationPid())
-            .arg(QUuid::createUuid().toString(QUuid::Id128).left(12));
+    const QString file = QStringLiteral("%1%2-%3-%4")
+                             .arg(folder, QString::fromLatin1(identity.toHex()))
+                             .arg(QCoreApplication::applicationPid())
+                             .arg(QUuid::createUuid().toString(QUuid::Id128).left(12));
     const QString title =
         acDocManager()->curDocument() ? acDocManager()->curDocument()->docTitle() : QString();
     return base::writeFileAtomically(file, title.toUtf8()) ? file : QString();

@@ -335,7 +335,8 @@ TEST_F(Convergence, AProgramThatStartsAgainTakesNothingThatWasMeantForTheEarlier
     const auto say = [](Reviewer &person, const char *words) {
         person.sit();
         const AcDbUndoGroup group(person.database(), QStringLiteral("change"));
-        const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(person.database()).ids.at(0), AcDb::kForWrite);
+        const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(person.database()).ids.at(0),
+                                                    AcDb::kForWrite);
         mark->suggestionContent = QString::fromLatin1(words);
     };
     const auto begin = [](Reviewer &person) {
@@ -400,8 +401,9 @@ TEST_F(ServerTest, EverybodyEndsWithTheSameMarksThoughTheServerIsKilled)
     const int first = number("QUILLNOTE_FIRST_SEED", 1);
     for (int seed = first; seed < first + seeds && !HasFailure(); ++seed) {
         work(
-            unsigned(seed), peopleOf(seed, 3), 40, openAt(server.place(QStringLiteral("project%1").arg(seed))),
-            [&server] { server.killAndStart(); }, kServerSendsAgain);
+            unsigned(seed), peopleOf(seed, 3), 40,
+            openAt(server.place(QStringLiteral("project%1").arg(seed))), [&server] { server.killAndStart(); },
+            kServerSendsAgain);
     }
     printCounts("server", seeds);
 }
