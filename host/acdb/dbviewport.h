@@ -32,6 +32,7 @@ AcDbViewportData acdbViewportData(const AcDbEntity &viewport);
 /// Numbers (CVPORT) and entities of the viewports of a sheet. Number 1 is the sheet itself: the one that says
 /// so (group 69), where none does the first one if it says nothing; the others count from 2, in the place of
 /// numbers that are missing or given twice.
-std::vector<std::pair<int, AcDbObjectId>> acdbSheetViewports(const AcDbDatabase &database, AcDbObjectId sheet);
+std::vector<std::pair<int, AcDbObjectId>> acdbSheetViewports(const AcDbDatabase &database,
+                                                             AcDbObjectId sheet);
 /// True for the viewport that stands for its sheet.
 bool acdbIsSheetItself(const AcDbEntity &viewport);
