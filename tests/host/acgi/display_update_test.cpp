@@ -259,6 +259,46 @@ TEST_F(DisplayUpdate, DamageIsWhatChangesLeave)
     expectDamageIsEnough(image, "and taken back", 0.05);
 }
 
+/// Whatever was done to the drawing, its display shows what one shows that has just been made.
+TEST_F(DisplayUpdate, RandomEditsShowAsInAFreshDisplay)
+{
+    fill(25);
+    std::mt19937 random(11);
+    const auto below = [&](int count) { return int(random() % unsigned(count)); };
+    AcDbUndo &undo = m_database->undo();
+    const auto edit = [&] {
+        const AcDbObjectId any(m_database->stub(1 + random() % (m_database->stubCount() - 1)));
+        const bool wanted = below(6) != 0;
+        undo.beginGroup(QStringLiteral("edit"));
+        if (AcDbObjectPointer<AcDbEntity> entity(any, AcDb::kForWrite, true); entity) {
+            if (entity->isErased() || !wanted)
+                entity->erase(!entity->isErased());
+            else if (below(2) == 0)
+                entity->setColorIndex(below(256));
+            else
+                entity->transformBy(AcGeMatrix3d::translation({below(80) - 40.0, below(60) - 30.0, 0.0}));
+        } else if (AcDbObjectPointer<AcDbLayerTableRecord> layer(any, AcDb::kForWrite); layer) {
+            layer->setGroup(62, std::int64_t(below(12) - 3), u"AcDbLayerTableRecord");
+        }
+        if (below(20) == 0)
+            m_database->setHeaderVariable("$LTSCALE", {{40, 0.5 + below(4)}});
+        undo.endGroup();
+        for (int back = below(5) == 0 ? below(6) : 0; back > 0; --back)
+            below(3) == 0 ? undo.redo() : undo.undo();
+    };
+    QImage image = painted(viewOf());
+    for (int round = 0; round < 40; ++round) {
+        for (int i = below(12); i >= 0; --i)
+            edit();
+        image = painted(viewOf());
+        base::Attachments apart;
+        QImage fresh(kSize, QImage::Format_RGB32);
+        QPainter painter(&fresh);
+        apart.get<acgi::Display>(*m_database).paint(space(), viewOf(), painter, m_options);
+        ASSERT_EQ(image, fresh) << "round " << round;
+    }
+}
+
 TEST_F(DisplayUpdate, DamageCountsWhatDependsOnTheViewAsItIsSeen)
 {
     const FlagClass known;

@@ -155,7 +155,7 @@ TEST(DxfWriter, WritesNumbersInTheFilesStyle)
 {
     QByteArray padded = dxfText(tests::smallDrawing());
     padded.replace("280\r\n0\r\n", "280\r\n     0\r\n"); // The first integer tells.
-    padded.replace(padded.indexOf('\r'), 1, {}); // One line with another end tells nothing.
+    padded.replace(padded.indexOf('\r'), 1, {});         // One line with another end tells nothing.
     const auto database = openDxf(padded);
     append(database->modelSpaceId(), {{0, QStringLiteral("SPECIAL")},
                                       {100, QStringLiteral("AcDbEntity")},
