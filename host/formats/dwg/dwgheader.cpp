@@ -203,10 +203,7 @@ void HeaderReader::flags()
     const auto add = [this](const char *name, int group, std::int64_t value) {
         m_header.variables.push_back({name, {resbuf(group, value)}});
     };
-    const int weight = flags & 0x1F;
-    static constexpr int kWeights[] = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
-                                       53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
-    add("$CELWEIGHT", 370, weight < 24 ? kWeights[weight] : weight == 29 ? -1 : weight == 30 ? -2 : -3);
+    add("$CELWEIGHT", 370, lineweightOf(flags & 0x1F));
     add("$ENDCAPS", 280, (flags & 0x60) >> 5);
     add("$JOINSTYLE", 280, (flags & 0x180) >> 7);
     add("$LWDISPLAY", 290, !(flags & 0x200));

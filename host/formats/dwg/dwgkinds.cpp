@@ -42,7 +42,7 @@ constexpr Row kRows[] = {
      TEXT_GROUPS "AcDbAttribute 10280 2 10070 10073=0 74=0 20280"},
     {kAttdef, "ATTDEF", "*text *attribute N:7",
      TEXT_GROUPS "AcDbAttributeDefinition 10280 3 2 10070 10073=0 74=0 20280"},
-    {kBlockBegin, "BLOCK", "T:-", "AcDbBlockBegin *"},
+    {kBlockBegin, "BLOCK", "*blockName", "AcDbBlockBegin *"},
     {kBlockEnd, "ENDBLK", "", "AcDbBlockEnd"},
     {kSeqEnd, "SEQEND", "", ""},
     {kInsert, "INSERT", "3BD:10 *insertScale A:50 3BD:210 *hasParts *partCount N:2 *parts",
@@ -59,7 +59,7 @@ constexpr Row kRows[] = {
     {0x11, "ARC", "3BD:10 BD:40 BT:39 BE:210 A:50 A:51", "AcDbCircle 39=0 10 40 210=z AcDbArc 50 51"},
     {0x12, "CIRCLE", "3BD:10 BD:40 BT:39 BE:210", "AcDbCircle 39=0 10 40 210=z"},
     {0x13, "LINE", "*line BT:39 BE:210", "AcDbLine 39=0 10 11 210=z"},
-    {0x14, "DIMENSION", "*dimension 3BD:10 3BD:13 3BD:14 *kindOfDimension *dimensionHandles",
+    {kOrdinateDimension, "DIMENSION", "*dimension 3BD:10 3BD:13 3BD:14 *kindOfDimension *dimensionHandles",
      DIMENSION_GROUPS "AcDbOrdinateDimension 13 14"},
     {0x15, "DIMENSION", "*dimension 3BD:13 3BD:14 3BD:10 A:52 A:10050 *kindOfDimension *dimensionHandles",
      DIMENSION_GROUPS "AcDbAlignedDimension 13 14 10050=0 52=0 AcDbRotatedDimension"},
@@ -229,8 +229,10 @@ Field parseField(const QByteArray &word)
 {
     Field field;
     if (word.startsWith('*')) {
-        field.special = findSpecial({word.constData() + 1, std::size_t(word.size() - 1)});
-        QUILL_ASSERT(field.special);
+        const SpecialRow *const special = findSpecial({word.constData() + 1, std::size_t(word.size() - 1)});
+        QUILL_ASSERT(special);
+        field.special = special->read;
+        field.writeSpecial = special->write;
         return field;
     }
     const qsizetype colon = word.indexOf(':');
@@ -330,6 +332,28 @@ const Kind *kindOfClass(const QByteArray &dxfName)
 {
     const auto found = tables().byName.find(dxfName);
     return found == tables().byName.end() ? nullptr : found->second;
+}
+
+const Kind *kindOfGroups(const QByteArray &dxfName, const ResbufList &groups)
+{
+    // Kinds that share a name ("POLYLINE") differ in their subclasses: the row that has the most of them.
+    const Kind *best = nullptr;
+    std::ptrdiff_t most = -1;
+    for (const Kind &kind : tables().kinds) {
+        const auto isThere = [&groups](const Group &group) {
+            return std::ranges::find(groups, resbuf(100, group.marker)) != groups.end();
+        };
+        const auto isMarker = [](const Group &group) { return !group.marker.isEmpty(); };
+        const auto markers = std::ranges::count_if(kind.groups, isMarker);
+        const bool fits = dxfName == kind.dxfName && std::ranges::all_of(kind.groups, [&](const Group &group) {
+                              return !isMarker(group) || isThere(group);
+                          });
+        if (fits && markers > most) {
+            best = &kind;
+            most = markers;
+        }
+    }
+    return best;
 }
 
 const char *nameOfType(int type)

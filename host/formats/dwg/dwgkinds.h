@@ -19,6 +19,8 @@
 namespace dwg
 {
 
+class Encoder;
+
 struct Field {
     enum class Code : std::uint8_t {
         b,
@@ -49,6 +51,7 @@ struct Field {
     int since = 0; ///< Version number, 1015 ...
     int until = 0; ///< Before this one; 0 for no end.
     void (*special)(Decoder &) = nullptr;
+    void (*writeSpecial)(Encoder &) = nullptr; ///< Null for what is only read.
 };
 
 struct Group {
@@ -66,9 +69,14 @@ struct Kind {
     std::vector<Group> groups;
 };
 
+/// Whether DXF leaves a value out.
+bool isAbsent(const Group &group, const resbuf::Value &value);
+
 /// Null for kinds without a table.
 const Kind *kindOfType(int type);
 const Kind *kindOfClass(const QByteArray &dxfName);
+/// The kind that a new object's groups are of, whose name several may have; null when there is none.
+const Kind *kindOfGroups(const QByteArray &dxfName, const ResbufList &groups);
 /// The DXF name of a type below kFirstClass; null for numbers without a kind.
 const char *nameOfType(int type);
 bool isEntityType(int type);

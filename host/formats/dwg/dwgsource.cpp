@@ -73,7 +73,13 @@ QString dwgTableName(int controlType)
     }
 }
 
-ResbufList DwgSource::read(const AcDbStub &stub) const
+const DwgClass *DwgSource::classNamed(const QByteArray &dxfName) const
+{
+    const auto found = std::ranges::find(m_classes, dxfName, &DwgClass::dxfName);
+    return found == m_classes.end() ? nullptr : &*found;
+}
+
+dwg::ObjectPlace DwgSource::placeOf(const AcDbStub &stub) const
 {
     const dwg::ObjectReader head(m_facts, record(stub));
     dwg::ObjectPlace place;
@@ -89,5 +95,10 @@ ResbufList DwgSource::read(const AcDbStub &stub) const
         place.blockOfBegin = record(*owner);
     if (const DwgClass *const known = classOf(head.type()))
         place.classVersion = known->version | known->maintenance << 16;
-    return dwg::decodeObject(m_facts, m_neighbours, place);
+    return place;
+}
+
+ResbufList DwgSource::read(const AcDbStub &stub) const
+{
+    return dwg::decodeObject(m_facts, m_neighbours, placeOf(stub));
 }

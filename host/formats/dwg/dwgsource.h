@@ -37,6 +37,10 @@ public:
     std::string_view record(const AcDbStub &stub) const;
     /// The class that a type names; null for those with a number of their own.
     const DwgClass *classOf(int type) const;
+    const DwgClass *classNamed(const QByteArray &dxfName) const;
+    const dwg::Neighbours &neighbours() const { return m_neighbours; }
+    /// What decoding an object of the file needs to know.
+    dwg::ObjectPlace placeOf(const AcDbStub &stub) const;
     /// The object's row; null when it has no table.
     const dwg::Kind *kindOf(int type) const;
 
