@@ -269,9 +269,8 @@ void writeHasParts(Encoder &e)
 
 void partCount(Decoder &d)
 {
-    if (d.since(r2004))
-        d.partCount =
-            d.hasParts ? std::size_t(std::max(d.in.data.bitLong(), 0)) : std::size_t(d.in.data.bitLong() * 0);
+    if (d.since(r2004) && d.hasParts)
+        d.partCount = std::size_t(std::max(d.in.data.bitLong(), 0));
 }
 
 bool ownsParts(const Encoder &e)

@@ -330,8 +330,11 @@ static QString extendedText(const ObjectReader &reader, Bits &data)
     }
     const std::size_t length = data.rawChar();
     const std::uint16_t page = data.rawShort(); // The other byte first.
-    const auto codec = base::TextCodec::fromDwgNumber(std::uint16_t(page << 8 | page >> 8));
+    const auto number = std::uint16_t(page << 8 | page >> 8);
+    const auto codec = base::TextCodec::fromDwgNumber(number);
     const QByteArray bytes = data.bytes(length);
+    if (reader.kept)
+        reader.kept->extendedPage = number;
     return decodeText({bytes.constData(), std::size_t(bytes.size())},
                       codec.known() ? codec : reader.facts().codec);
 }

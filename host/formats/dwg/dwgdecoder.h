@@ -58,6 +58,12 @@ public:
         if (in.kept)
             in.kept->hidden.emplace_back(number, std::move(value));
     }
+    /// Groups that DXF does not show because they have no effect.
+    void withhold(ResbufList groups)
+    {
+        if (in.kept)
+            in.kept->withheld = std::move(groups);
+    }
     /// An angle that DWG holds in radians and DXF in degrees.
     void angle(int group, double radians);
     /// The index, and 420 to 427 with the true colour when there is one.

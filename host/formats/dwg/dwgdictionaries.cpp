@@ -11,7 +11,7 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kBuffer = kFirstHidden };
+enum Hidden : int { kBuffer = kFirstHidden, kEmptyItem };
 
 void dictionary(Decoder &d)
 {
@@ -35,10 +35,13 @@ void dictionary(Decoder &d)
     std::vector<QString> names(items);
     for (QString &name : names)
         name = d.in.text();
-    for (const QString &name : names) {
+    for (std::size_t i = 0; i < items; ++i) {
+        const QString &name = names[i];
         const HandleRef item = d.in.reference();
-        if (item.handle == 0)
+        if (item.handle == 0) {
+            d.hidden(kEmptyItem + int(i), name);
             continue;
+        }
         d.text(3, name);
         d.handle(item.kind == Reference::hardOwner ? 360 : 350, item.handle);
     }
@@ -56,6 +59,12 @@ void writeDictionary(Encoder &e)
     }
     if (items.size() != entries.size())
         return e.fail(Host::tr("its names and its objects do not match"));
+    for (std::size_t i = 0; i <= items.size(); ++i) {
+        if (const resbuf::Value *const empty = e.hidden(kEmptyItem + int(i))) {
+            entries.insert(entries.begin() + std::ptrdiff_t(i), resbuf(3, *empty));
+            items.insert(items.begin() + std::ptrdiff_t(i), resbuf(350, AcDbHandle()));
+        }
+    }
     e.data.bitLong(std::int32_t(items.size()));
     e.data.bitShort(e.small(281));
     e.data.rawChar(unsigned(e.integer(280)));
@@ -198,10 +207,13 @@ bool writeXrecordGroup(const resbuf &group, Encoder &e, BitWriter &out)
     return false;
 }
 
-/// Whether it is among the record's handles as well.
-bool isReference(const resbuf &group)
+/// What is among the record's handles as well.
+ResbufList references(const ResbufList &groups)
 {
-    return group.restype >= 330 && group.restype <= 369 && groupKind(group.restype) == GroupKind::handle;
+    ResbufList named;
+    std::ranges::copy_if(groups, std::back_inserter(named),
+                         [](const resbuf &group) { return group.restype >= 330 && group.restype <= 369; });
+    return named;
 }
 
 void writeXrecord(Encoder &e)
@@ -215,10 +227,12 @@ void writeXrecord(Encoder &e)
     e.data.bitLong(std::int32_t(out.written().size()));
     e.data.bytes(out.written());
     e.data.bitShort(hasCloning ? int(e.own.front().integer()) : 1);
-    for (std::size_t i = hasCloning ? 1 : 0; i < e.own.size(); ++i) {
-        if (isReference(e.own[i]))
-            e.putHandle(referenceOf(e.own[i].restype), e.own[i].handle().value);
-    }
+    // Not all that it names need stand there.
+    const ResbufList named = references(e.own);
+    if (!e.isNew() && named == references(e.old.own))
+        return e.copyRestOfHandles();
+    for (const resbuf &group : named)
+        e.putHandle(referenceOf(group.restype), group.handle().value);
 }
 
 // Lists ------------------------------------------------------------------------------------------

@@ -11,7 +11,7 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kFlags = kFirstHidden, kBlockScale, kOrdinateFlags, kLeaderFlag, kLeaderOrigin };
+enum Hidden : int { kFlags = kFirstHidden, kBlockScale, kOrdinateFlags, kLeaderFlag, kLeaderOrigin, kLeaderTail };
 
 /// What all dimensions begin with. Their kind stands in the low bits of group 70.
 void dimension(Decoder &d)
@@ -147,7 +147,11 @@ void leader(Decoder &d)
     d.real(41, data.bitDouble());
     d.integer(74, data.bit());
     d.integer(71, data.bit());
-    if (!d.since(r2000)) {
+    if (d.since(r2000)) {
+        d.hidden(kLeaderTail, std::int64_t(data.bitShort()));
+        d.hidden(kLeaderTail + 1, std::int64_t(data.bit()));
+        d.hidden(kLeaderTail + 2, std::int64_t(data.bit()));
+    } else {
         data.bitShort();
         data.bitDouble();
         data.bit();
@@ -178,6 +182,9 @@ void writeLeader(Encoder &e)
     data.bitDouble(e.real(41));
     data.bit(e.integer(74) != 0);
     data.bit(e.integer(71) != 0);
+    data.bitShort(int(e.hiddenInteger(kLeaderTail)));
+    data.bit(e.hiddenInteger(kLeaderTail + 1) != 0);
+    data.bit(e.hiddenInteger(kLeaderTail + 2) != 0);
     e.putHandleGroup(340);
     e.putName(SymbolTable::dimStyle, e.text(3));
 }

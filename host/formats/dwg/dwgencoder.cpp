@@ -3,6 +3,7 @@
 #include "host/base/host_text.h"
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgencoding.h"
+#include "host/formats/dwg/dwgsection.h"
 #include "host/formats/dwg/dwgsource.h"
 
 #include <algorithm>
@@ -66,10 +67,20 @@ struct Parts {
     ResbufList own, extended;
 };
 
-Parts takeApart(const ResbufList &groups, bool isEntity, bool isTable)
+/// What an xrecord holds may look like extended data: those that it has are known.
+std::size_t ownEnd(const ResbufList &groups, const OldRecord &old)
+{
+    const std::size_t extended = old.extended.size();
+    const bool isXrecord = !groups.empty() && groups.front().text() == u"XRECORD" && old.isThere();
+    if (isXrecord && extended <= groups.size() &&
+        std::equal(old.extended.begin(), old.extended.end(), groups.end() - std::ptrdiff_t(extended)))
+        return groups.size() - extended;
+    return extendedDataBegin(groups);
+}
+
+Parts takeApart(const ResbufList &groups, std::size_t end, bool isEntity, bool isTable)
 {
     Parts parts;
-    const std::size_t end = extendedDataBegin(groups);
     parts.extended.assign(groups.begin() + std::ptrdiff_t(end), groups.end());
     QString application;
     bool isOfEntity = false;
@@ -118,10 +129,9 @@ public:
                   const ResbufList &groups)
         : m_facts(facts), m_names(names), m_place(place), m_old(facts, names.neighbours, place.old),
           m_out(facts, names, place, m_old), m_isTable(place.old.kindName == "TABLE"),
-          m_parts(takeApart(groups, place.old.isEntity, m_isTable)), m_common(m_old.common)
+          m_parts(takeApart(groups, ownEnd(groups, m_old), place.old.isEntity, m_isTable)), m_common(m_old.common)
     {
-        ResbufList before = m_old.head;
-        m_before = takeApart(before, place.old.isEntity, m_isTable).head;
+        m_before = takeApart(m_old.head, m_old.head.size(), place.old.isEntity, m_isTable).head;
     }
 
     base::Result<QByteArray, QString> run();
@@ -280,12 +290,13 @@ void RecordEncoder::settleColor()
 
 // Extended data ----------------------------------------------------------------------------------
 
-static void bigEndianHandle(std::uint64_t handle, BitWriter &out)
+void bigEndianHandle(std::uint64_t handle, BitWriter &out)
 {
     out.bits(handle, 64);
 }
 
-static bool extendedText(const FileFacts &facts, const QString &text, BitWriter &out)
+/// In the code page that the record has had for such texts, where it has any.
+bool extendedText(const FileFacts &facts, std::optional<std::uint16_t> page, const QString &text, BitWriter &out)
 {
     if (facts.hasTextStream()) {
         out.rawShort(std::uint16_t(text.size()));
@@ -293,10 +304,11 @@ static bool extendedText(const FileFacts &facts, const QString &text, BitWriter 
             out.rawShort(unit.unicode());
         return text.size() <= 0xFFFF;
     }
-    const QByteArray bytes = facts.codec.encode(text, base::Substitute::unicodeEscape);
+    const auto codec = page ? base::TextCodec::fromDwgNumber(*page) : facts.codec;
+    const QByteArray bytes = (codec.known() ? codec : facts.codec).encode(text, base::Substitute::unicodeEscape);
     out.rawChar(unsigned(bytes.size()));
-    const std::uint16_t page = facts.codec.dwgNumber();
-    out.rawShort(std::uint16_t(page << 8 | page >> 8)); // The other byte first.
+    const std::uint16_t number = page ? *page : facts.codec.dwgNumber();
+    out.rawShort(std::uint16_t(number << 8 | number >> 8)); // The other byte first.
     out.bytes(bytes);
     return bytes.size() <= 0xFF;
 }
@@ -307,7 +319,7 @@ bool RecordEncoder::extendedItem(const resbuf &item, BitWriter &out)
     out.rawChar(unsigned(code - 1000));
     switch (code) {
     case 1000:
-        return extendedText(m_facts, item.text(), out);
+        return extendedText(m_facts, m_old.kept.extendedPage, item.text(), out);
     case 1002:
         out.rawChar(item.text() == u"}" ? 1 : 0);
         return true;
@@ -571,19 +583,6 @@ void RecordEncoder::writeOwn()
 }
 
 // The record -------------------------------------------------------------------------------------
-
-/// Texts, their length in bits, and whether there are any.
-static void appendTexts(const BitWriter &texts, BitWriter &out)
-{
-    constexpr std::size_t kShort = 0x7FFF;
-    if (texts.size() != 0) {
-        out.append(texts);
-        if (texts.size() > kShort)
-            out.rawShort(std::uint16_t(texts.size() >> 15));
-        out.rawShort(std::uint16_t(texts.size() > kShort ? (texts.size() & kShort) | 0x8000 : texts.size()));
-    }
-    out.bit(texts.size() != 0);
-}
 
 QByteArray RecordEncoder::record()
 {

@@ -2,6 +2,7 @@
 
 #include "host/base/assert.h"
 #include "host/base/host_text.h"
+#include "host/formats/dwg/dwgsection.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,10 +46,9 @@ OldRecord::OldRecord(const FileFacts &facts, const Neighbours &neighbours, const
     m_isThere = reader.good();
     appendHead(reader, common, neighbours, place, head);
     const auto ownBegin = shown.begin() + std::ptrdiff_t(std::min(head.size(), shown.size()));
-    const auto ownEnd =
-        shown.begin() + std::ptrdiff_t(std::max(std::min(head.size(), shown.size()), extendedDataBegin(shown)));
-    own.assign(ownBegin, ownEnd);
-    extended.assign(ownEnd, shown.end());
+    reader.kept = &kept;
+    appendExtendedData(reader, common, neighbours, extended);
+    own.assign(ownBegin, shown.end() - std::ptrdiff_t(std::min(extended.size(), std::size_t(shown.end() - ownBegin))));
 
     Bits at = reader.dataFrom(common.extendedBegin);
     extendedEnd = at.position();
@@ -67,7 +67,6 @@ OldRecord::OldRecord(const FileFacts &facts, const Neighbours &neighbours, const
 
     if (!place.kind)
         return;
-    reader.kept = &kept;
     Decoder decoder(reader, common, neighbours);
     decoder.owningBlock = place.owner;
     readFields(*place.kind, decoder);
@@ -110,6 +109,8 @@ void Encoder::fail(const QString &sentence)
 /// left.
 static const Group *placeOf(const Kind &kind, std::size_t from, int code)
 {
+    if (from < kind.groups.size() && std::ranges::find(kind.groups[from].also, code) != kind.groups[from].also.end())
+        return &kind.groups[from];
     const auto matches = [code](const Group &group) {
         return group.marker.isEmpty() && group.code != 0 && group.code % kSubclass == code;
     };
@@ -149,10 +150,8 @@ void Encoder::setGroups(const Kind &kind, const ResbufList &groups)
         const Group *const found = placeOf(kind, at, group.restype);
         if (!found) {
             fail(Host::tr("group %1 has no place in a DWG file").arg(group.restype));
-        } else if (found->code == 0) {
-            rest.push_back(group);
         } else {
-            m_groups[found->code].push_back(group);
+            (found->code == 0 ? rest : m_groups[found->code]).push_back(group);
             at = std::max(at, std::size_t(found - kind.groups.data()));
         }
     }
@@ -247,10 +246,8 @@ void Encoder::putText(const QString &text)
     QByteArray bytes;
     if (const QByteArray *const stored = old.kept.texts.find(text))
         bytes = *stored;
-    else if (facts.hasTextStream())
-        bytes = QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
-    else if (!text.isEmpty())
-        bytes = facts.codec.encode(text, base::Substitute::unicodeEscape) + '\0';
+    else
+        bytes = storedText(facts, text);
     const qsizetype length = facts.hasTextStream() ? bytes.size() / 2 : bytes.size();
     if (length > kLongest)
         return fail(Host::tr("a text of %1 characters is too long").arg(text.size()));

@@ -3,6 +3,7 @@
 #include "host/formats/dwg/dwgspecials.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dwg
 {
@@ -11,7 +12,7 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kGradientText = kFirstHidden, kReserved, kAngle, kShift, kIsSingle, kTint, kGradientColor };
+enum Hidden : int { kGradientColor = kFirstHidden };
 
 /// A closed curve of a hatch's boundary, by its segments.
 void hatchEdges(Decoder &d)
@@ -128,23 +129,17 @@ ResbufList hatchGradient(Decoder &d)
     add(453, std::int64_t(colors));
     for (std::size_t i = 0; i < colors && !data.failed(); ++i) {
         add(463, data.bitDouble());
-        const int number = kGradientColor + 2 * int(i);
+        const int number = kGradientColor + 3 * int(i);
         d.hidden(number, std::int64_t(data.bitShort()));
         const std::uint32_t rgb = std::uint32_t(data.bitLong());
-        d.hidden(number + 1, std::int64_t(data.rawChar()));
+        d.hidden(number + 1, std::int64_t(rgb >> 24));
+        d.hidden(number + 2, std::int64_t(data.rawChar()));
         add(63, std::int64_t(nearestColorIndex(rgb & 0xFFFFFF)));
         add(421, std::int64_t(rgb & 0xFFFFFF));
     }
-    const QString text = d.in.text();
-    add(470, text);
-    d.hidden(kGradientText, text);
-    d.hidden(kReserved, std::int64_t(reserved));
-    d.hidden(kAngle, angle);
-    d.hidden(kShift, shift);
-    d.hidden(kIsSingle, std::int64_t(isSingle));
-    d.hidden(kTint, tint);
+    add(470, d.in.text());
     if (isGradient == 0)
-        groups.clear();
+        d.withhold(std::exchange(groups, {}));
     return groups;
 }
 
@@ -229,36 +224,27 @@ void HatchWriter::gradient()
 {
     const auto begin = std::ranges::find(e.rest, 450, &resbuf::restype);
     const ResbufList shown(begin, e.rest.end());
-    GroupCursor at(shown);
-    const bool isGradient = !shown.empty();
-    const auto integer = [&](int code, int number) {
-        const resbuf group = at.take(code);
-        return std::int32_t(isGradient ? group.integer() : e.hiddenInteger(number));
-    };
-    const auto real = [&](int code, int number) {
-        const resbuf group = at.take(code);
-        return isGradient ? group.real() : e.hiddenReal(number);
-    };
+    GroupCursor at(shown.empty() ? e.old.kept.withheld : shown);
+    const auto integer = [&at](int code) { return std::int32_t(at.take(code).integer()); };
+    const auto real = [&at](int code) { return at.take(code).real(); };
     BitWriter &data = e.data;
-    data.bitLong(std::int32_t(at.take(450).integer()));
-    data.bitLong(integer(451, kReserved));
-    data.bitDouble(real(460, kAngle));
-    data.bitDouble(real(461, kShift));
-    data.bitLong(integer(452, kIsSingle));
-    data.bitDouble(real(462, kTint));
-    const std::int64_t colors = at.take(453).integer();
-    data.bitLong(std::int32_t(colors));
-    for (std::int64_t i = 0; i < colors && at.isAt(463); ++i) {
-        const int number = kGradientColor + 2 * int(i);
-        data.bitDouble(at.take(463).real());
-        data.bitShort(int(e.hiddenInteger(number)));
+    data.bitLong(integer(450));
+    data.bitLong(integer(451));
+    data.bitDouble(real(460));
+    data.bitDouble(real(461));
+    data.bitLong(integer(452));
+    data.bitDouble(real(462));
+    const int colors = integer(453);
+    data.bitLong(colors);
+    for (int i = 0; i < colors && at.isAt(463); ++i) {
+        data.bitDouble(real(463));
+        data.bitShort(int(e.hiddenInteger(kGradientColor + 3 * i)));
         at.take(63);
-        const auto rgb = std::uint32_t(at.take(421).integer());
-        data.bitLong(std::int32_t(0xC2000000 | rgb));
-        data.rawChar(unsigned(e.hiddenInteger(number + 1)));
+        const auto kind = std::uint32_t(e.hiddenInteger(kGradientColor + 3 * i + 1, 0xC2));
+        data.bitLong(std::int32_t(kind << 24 | std::uint32_t(integer(421))));
+        data.rawChar(unsigned(e.hiddenInteger(kGradientColor + 3 * i + 2)));
     }
-    const resbuf::Value *const text = e.hidden(kGradientText);
-    e.putText(isGradient ? at.take(470).text() : text ? resbuf(1, *text).text() : QString());
+    e.putText(at.take(470).text());
 }
 
 void HatchWriter::polyline()

@@ -113,7 +113,7 @@ constexpr Row kRows[] = {
     {kBlockHeader, "BLOCK_RECORD", "*blockRecord", "AcDbSymbolTableRecord AcDbBlockTableRecord 2 340 310 70 280 281"},
     {0x33, "LAYER", "*recordHead *layer",
      "AcDbSymbolTableRecord AcDbLayerTableRecord 2 70 62 420 430 6 290=1 370 390 347 348"},
-    {0x35, "STYLE", "*recordHead *style BD:40 BD:41 A:50 RC:71 BD:42 T:3 T:4",
+    {0x35, "STYLE", "*recordHead *style BD:40 BD:41 A:50 RC:71 BD:42 T:3 T:4 H:-",
      "AcDbSymbolTableRecord AcDbTextStyleTableRecord 2 70 40 41 50 71 42 3 4"},
     {0x39, "LTYPE", "*recordHead *linetype", "AcDbSymbolTableRecord AcDbLinetypeTableRecord 2 70 3 72 73 40 *"},
     {0x3D, "VIEW", "*recordHead *view",
@@ -123,7 +123,7 @@ constexpr Row kRows[] = {
     {0x41, "VPORT", "*recordHead *viewportRecord *viewportHandles",
      "AcDbSymbolTableRecord AcDbViewportTableRecord 2 70 10 11 12 13 14 15 16 17 40 41 42 43 44 50 51 71 72 73 74 75 76 77 "
      "78 281 65 110 111 112 345 346 79 146 332 348 60 61 292 282 141 142 63 421 431 361"},
-    {0x43, "APPID", "*recordHead RC:71", "AcDbSymbolTableRecord AcDbRegAppTableRecord 2 70 71=0"},
+    {0x43, "APPID", "*recordHead RC:71 H:-", "AcDbSymbolTableRecord AcDbRegAppTableRecord 2 70 71=0"},
     {0x45, "DIMSTYLE",
      "*recordHead "
      "B:71@<2000 B:72@<2000 B:73@<2000 B:74@<2000 B:75@<2000 B:76@<2000 B:170@<2000 B:172@<2000 B:173@<2000 B:174@<2000 "
@@ -150,7 +150,7 @@ constexpr Row kRows[] = {
     {kDictionary, "DICTIONARY", "*dictionary", "AcDbDictionary 280=0 281 *"},
     {kXrecord, "XRECORD", "*xrecord", "AcDbXrecord 10280 *"},
     {0x48, "GROUP", "*group", "AcDbGroup 300 70 71 340"},
-    {0x49, "MLINESTYLE", "*mlineStyle", "AcDbMlineStyle 2 70 3 62 420 51 52 71 *"},
+    {0x49, "MLINESTYLE", "*mlineStyle", "AcDbMlineStyle 2 70 3 62 420 51 52 71 *62,420"},
     {0x50, "ACDBPLACEHOLDER", "", ""},
     {0x52, "LAYOUT",
      PLOT_SETTINGS_FIELDS
@@ -158,7 +158,7 @@ constexpr Row kRows[] = {
      "3BD:10015 *layoutViewports",
      PLOT_SETTINGS_GROUPS
      "AcDbLayout 10001 10070 10071 10010 10011 10012 10014 10015 10146 10013 10016 10017 10076 10330 10331 10345 10346"},
-    {0, "PLOTSETTINGS", PLOT_SETTINGS_FIELDS "*plotView", PLOT_SETTINGS_GROUPS},
+    {0, "PLOTSETTINGS", PLOT_SETTINGS_FIELDS "*plotView H:-@2007", PLOT_SETTINGS_GROUPS},
     {0, "ACDBDICTIONARYWDFLT", "*dictionary H:340",
      "AcDbDictionary 280=0 281 3 350 360 AcDbDictionaryWithDefault 340"},
     {0, "DICTIONARYVAR", "RC:280 T:1", "DictionaryVariables 280 1"},
@@ -250,12 +250,17 @@ Field parseField(const QByteArray &word)
     return field;
 }
 
-/// "AcDbLine", "39=0", "*"
+/// "AcDbLine", "39=0", "*", "*62,420"
 Group parseGroup(const QByteArray &word)
 {
     Group group;
-    if (word == "*")
+    if (word.startsWith('*')) {
+        for (const QByteArray &code : word.mid(1).split(',')) {
+            if (!code.isEmpty())
+                group.also.push_back(code.toInt());
+        }
         return group;
+    }
     const qsizetype equals = word.indexOf('=');
     const QByteArray head = equals < 0 ? word : word.left(equals);
     bool isNumber = false;

@@ -11,7 +11,7 @@
 //
 // `groups` says what DXF writes: words are subclass markers, numbers are groups, each with all that was read
 // for it. "=0" behind it leaves out what has that value ("=z" the direction z, "=x" x, "=Standard" a text).
-// "*" stands for all groups that the row does not name.
+// "*" stands for all groups that the row does not name, "*62" also for those 62 that follow one of them.
 #pragma once
 
 #include "host/formats/dwg/dwgdecoder.h"
@@ -57,6 +57,7 @@ struct Field {
 struct Group {
     QString marker; ///< A subclass marker, when not empty.
     int code = 0;   ///< 0 with an empty marker: all that are left.
+    std::vector<int> also; ///< Named in front of those that are left, and among them.
     bool hasDefault = false;
     resbuf::Value absent; ///< Left out when it has this value.
 };

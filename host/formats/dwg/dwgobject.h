@@ -108,6 +108,8 @@ struct Kept {
     KeptForms<double, double> angles; ///< Degrees and radians.
     KeptForms<Color, StoredColor> colors;
     std::vector<std::pair<int, resbuf::Value>> hidden; ///< By a number that the kind gives.
+    std::optional<std::uint16_t> extendedPage;         ///< Of the last text in extended data.
+    ResbufList withheld;                               ///< Groups that say nothing, and so are not shown.
 };
 
 /// What all objects have in front of their own data, and what of the handle stream belongs to it.

@@ -1,6 +1,7 @@
 #include "host/formats/dwg/dwgsource.h"
 
 #include "host/acdb/dbdatabase.h"
+#include "host/formats/dwg/dwgfiler.h"
 #include "host/formats/dwg/dwgkinds.h"
 
 #include <algorithm>
@@ -96,6 +97,13 @@ dwg::ObjectPlace DwgSource::placeOf(const AcDbStub &stub) const
     if (const DwgClass *const known = classOf(head.type()))
         place.classVersion = known->version | known->maintenance << 16;
     return place;
+}
+
+std::unique_ptr<AcDbDwgFiler> DwgSource::fieldsOf(const AcDbStub &stub) const
+{
+    if (!stub.has(AcDbStub::kHasSource))
+        return nullptr;
+    return std::make_unique<dwg::DwgFiler>(m_facts, stub.database, record(stub), stub.has(AcDbStub::kEntity));
 }
 
 ResbufList DwgSource::read(const AcDbStub &stub) const

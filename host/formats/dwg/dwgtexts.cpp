@@ -182,9 +182,9 @@ void writeBackgroundOfMtext(Encoder &e)
 /// AC1032 files the columns of a text with it.
 void columnsOfMtext(Decoder &d)
 {
-    if (!d.since(r2018) || d.in.data.bit())
+    if (!d.since(r2018) || !d.in.data.bit())
         return;
-    d.hidden(kColumnsVersion, std::int64_t(d.in.data.bitShort()));
+    d.hidden(kColumnsVersion, std::int64_t(d.in.data.rawChar()));
     d.hidden(kColumnsFlag, std::int64_t(d.in.data.bit()));
     d.hidden(kColumnsApplication, std::int64_t(d.in.reference().handle));
     const int attachment = d.in.data.bitLong();
@@ -227,15 +227,14 @@ void writeColumnsOfMtext(Encoder &e)
     if (!e.since(r2018))
         return;
     constexpr int kEmbedded = 101 + kSubclass;
-    const bool isPlain = e.left(kEmbedded) == 0;
-    e.data.bit(isPlain);
-    if (isPlain)
+    const bool hasColumns = e.left(kEmbedded) != 0;
+    e.data.bit(hasColumns);
+    if (!hasColumns)
         return;
-    e.data.bitShort(int(e.hiddenInteger(kColumnsVersion)));
-    e.data.bit(e.hiddenInteger(kColumnsFlag) != 0);
-    const std::uint64_t application = std::uint64_t(e.hiddenInteger(
-        kColumnsApplication, std::int64_t(e.names.handleOf(SymbolTable::appId, QStringLiteral("ACAD")))));
-    e.putHandle(Reference::hardPointer, application);
+    constexpr int kVersion = 4;
+    e.data.rawChar(unsigned(e.hiddenInteger(kColumnsVersion, kVersion)));
+    e.data.bit(e.hiddenInteger(kColumnsFlag, 1) != 0);
+    e.putHandle(Reference::hardPointer, std::uint64_t(e.hiddenInteger(kColumnsApplication)));
     e.data.bitLong(e.small(70 + kSubclass));
     e.data.point3(e.point(10 + kSubclass));
     e.data.point3(e.point(11 + kSubclass));

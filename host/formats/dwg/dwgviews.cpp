@@ -10,7 +10,8 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kStatus = kFirstHidden, kXref, kFlag, kVisual, kViewports };
+// Behind those of the head of a record.
+enum Hidden : int { kStatus = kFirstHidden + 100, kXref, kFlag, kVisual, kViewports };
 
 void viewport(Decoder &d)
 {
@@ -381,7 +382,7 @@ void writeView(Encoder &e)
 
 void layoutViewports(Decoder &d)
 {
-    const std::size_t viewports = d.since(r2004) ? d.in.data.rawLong() : 0;
+    const int viewports = d.since(r2004) ? d.in.data.bitLong() : 0;
     if (d.since(r2004))
         d.text(6, d.recordName(d.in.reference().handle));
     if (d.since(r2007))
@@ -397,7 +398,7 @@ void layoutViewports(Decoder &d)
 void writeLayoutViewports(Encoder &e)
 {
     if (e.since(r2004)) {
-        e.data.rawLong(std::uint32_t(e.hiddenInteger(kViewports)));
+        e.data.bitLong(std::int32_t(e.hiddenInteger(kViewports)));
         e.putName(SymbolTable::view, e.text(6));
     }
     if (e.since(r2007))

@@ -2,7 +2,9 @@
 // do not show. Prints for each version and kind how many came out with the same bits, and where the first
 // other one differs. real_dwg_test.py compares that with what mayEncode() allows.
 #include "host/formats/dwg/dwgencoder.h"
+#include "host/formats/dwg/dwgheader.h"
 #include "host/formats/dwg/dwgkinds.h"
+#include "host/formats/dwg/dwgmap.h"
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dwg/dwgsource.h"
 
@@ -43,6 +45,8 @@ void tryObject(const AcDbDatabase &database, const DwgSource &source, const AcDb
     QByteArray kind = place.old.kindName;
     if (!place.old.kind)
         kind = kind == "TABLE" ? QByteArray("TABLE") : QByteArray("(no table)");
+    if (place.old.kind)
+        kind = QByteArray::number(place.type < dwg::kFirstClass ? place.type : 0) + " " + kind;
     Tally &tally = theTallies[{int(source.version()), kind}];
     ++tally.count;
     const std::string_view old = place.old.record;
@@ -64,6 +68,28 @@ void tryObject(const AcDbDatabase &database, const DwgSource &source, const AcDb
     }
 }
 
+/// The sections of variables and of classes, written again without a change.
+void trySections(const AcDbDatabase &database, DwgSource &source, const char *file)
+{
+    const dwg::Names names{database, source.neighbours()};
+    const auto count = [&](const char *name, const base::Result<QByteArray, QString> &made, const char *section) {
+        Tally &tally = theTallies[{int(source.version()), name}];
+        ++tally.count;
+        const std::string_view old = source.container().section(section);
+        const bool isSame = made && std::string_view(made->constData(), std::size_t(made->size())) == old;
+        tally.same += isSame;
+        tally.kept += isSame;
+        if (!isSame)
+            tally.example = QString::fromUtf8(file) + QStringLiteral(": ") +
+                            (made ? QStringLiteral("%1 bytes, now %2").arg(old.size()).arg(made->size()) : made.error());
+    };
+    const auto header = dwg::encodeHeader(source.facts(), source.container(), names, {});
+    count("(variables)",
+          header ? base::Result<QByteArray, QString>(header->section) : base::Failure<QString>{header.error()},
+          "AcDb:Header");
+    count("(classes)", dwg::encodeClasses(source.facts(), source.container(), source.classes()), "AcDb:Classes");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -81,7 +107,8 @@ int main(int argc, char **argv)
             return 2;
         }
         const AcDbDatabase &database = **opened;
-        const auto &source = dynamic_cast<const DwgSource &>(*database.source());
+        auto &source = dynamic_cast<DwgSource &>(*const_cast<DrawingSource *>(database.source()));
+        trySections(database, source, argv[i]);
         for (std::uint32_t index = 0; index < database.stubCount(); ++index) {
             if (const AcDbStub *const stub = database.stub(index); stub->has(AcDbStub::kHasSource))
                 tryObject(database, source, *stub, argv[i]);
