@@ -328,6 +328,10 @@
         <translation>表不能重新建立</translation>
     </message>
     <message>
+        <source>a DWG file has no form for objects of this kind</source>
+        <translation>DWG 文件中没有这种对象的形式</translation>
+    </message>
+    <message>
         <source>its texts cannot be told from its other data</source>
         <translation>其文字无法与其他数据区分</translation>
     </message>

@@ -535,6 +535,10 @@ void RecordEncoder::writeFiled()
 /// The bits that a kind without a table shows as its groups.
 void RecordEncoder::writeProxy()
 {
+    const bool showsBits = !m_parts.own.empty() && m_parts.own.front().restype == 100 &&
+                           m_parts.own.front().text().startsWith(u"AcDbProxy");
+    if (!showsBits)
+        return m_out.fail(Host::tr("a DWG file has no form for objects of this kind"));
     QByteArray bytes[2]; // Texts, data
     std::int64_t bits[2] = {};
     const bool isWide = m_facts.since(DrawingVersion::r2010);
