@@ -17,7 +17,9 @@ import program
 
 FOLDER = os.environ.get("QUILLNOTE_REAL_DRAWINGS")
 OPINION = "意见 opinion é"
-TWINS = Path(program.QUILLNOTE).parent.parent / "tests" / "dwg_twins"
+TOOLS = Path(program.QUILLNOTE).parent.parent / "tests"
+TWINS = TOOLS / "dwg_twins"
+GATE = TOOLS / "dwg_gate"
 
 # Kind and group, as regular expressions, and why they may differ.
 KNOWN = [
@@ -59,6 +61,13 @@ class RealDwgTest(unittest.TestCase):
         for path in files:
             with self.subTest(path.name):
                 print(f"ok     {path.name}: {self.check(path)}", flush=True)
+
+    def test_kinds_that_may_be_encoded(self):
+        files = [path for path in Path(FOLDER).rglob("*") if path.suffix.lower() == ".dwg"]
+        newer = [path for path in files if path.read_bytes()[:6].decode() not in OLD]
+        done = subprocess.run([GATE, *newer], capture_output=True, text=True)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        print(done.stdout.splitlines()[-1])
 
     def check(self, path):
         info = program.json.loads(program.call("info", path, "--json").stdout)
