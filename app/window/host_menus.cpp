@@ -21,6 +21,7 @@ static constexpr std::array kFileItems{
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "保存(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "保存当前图形"), save, "", "Ctrl+S", "save", true, true},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "另存为(&A)…"), QT_TRANSLATE_NOOP("window::HostMenus", "以另一个名称保存当前图形"), saveAs, "", "Ctrl+Shift+S"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "外部参照(&X)…"), QT_TRANSLATE_NOOP("window::HostMenus", "列出、附着和重载外部参照"), none, "^C^C_XREF "},
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "打印为 PDF(&P)…"), QT_TRANSLATE_NOOP("window::HostMenus", "把布局或窗口打印到 PDF 文件"), none, "^C^C_PLOT ", "Ctrl+P", "plot", true, true},
     kSeparator,
@@ -55,6 +56,7 @@ static constexpr std::array kModifyItems{
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "旋转(&R)"), QT_TRANSLATE_NOOP("window::HostMenus", "绕基点旋转图元"), none, "^C^C_ROTATE ", "", "rotate"},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "缩放(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "放大或缩小图元"), none, "^C^C_SCALE ", "", "scale"},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "镜像(&I)"), QT_TRANSLATE_NOOP("window::HostMenus", "沿镜像线翻转图元"), none, "^C^C_MIRROR ", "", "mirror"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "剪裁(&X)"), QT_TRANSLATE_NOOP("window::HostMenus", "只显示块或外部参照的一部分"), none, "^C^C_XCLIP "},
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "删除(&E)"), QT_TRANSLATE_NOOP("window::HostMenus", "删除图元"), none, "^C^C_ERASE ", "", "erase"},
 };
@@ -84,13 +86,14 @@ static constexpr std::array kMenus{
 };
 
 /// Titles of commands that change a drawing, as undo and completion show them.
-static constexpr std::array<std::pair<const char *, const char *>, 24> kTitles{{
+static constexpr std::array<std::pair<const char *, const char *>, 27> kTitles{{
     {"MOVE", QT_TRANSLATE_NOOP("window::HostMenus", "移动")}, {"COPY", QT_TRANSLATE_NOOP("window::HostMenus", "复制")}, {"ROTATE", QT_TRANSLATE_NOOP("window::HostMenus", "旋转")}, {"SCALE", QT_TRANSLATE_NOOP("window::HostMenus", "缩放")},
     {"MIRROR", QT_TRANSLATE_NOOP("window::HostMenus", "镜像")}, {"ERASE", QT_TRANSLATE_NOOP("window::HostMenus", "删除")}, {"OOPS", QT_TRANSLATE_NOOP("window::HostMenus", "恢复删除")}, {"LINE", QT_TRANSLATE_NOOP("window::HostMenus", "直线")},
     {"CIRCLE", QT_TRANSLATE_NOOP("window::HostMenus", "圆")}, {"POINT", QT_TRANSLATE_NOOP("window::HostMenus", "点")}, {"TEXT", QT_TRANSLATE_NOOP("window::HostMenus", "文字")}, {"LAYER", QT_TRANSLATE_NOOP("window::HostMenus", "图层")},
     {"-LAYER", QT_TRANSLATE_NOOP("window::HostMenus", "图层")}, {"UCS", QT_TRANSLATE_NOOP("window::HostMenus", "坐标系")}, {"SETVAR", QT_TRANSLATE_NOOP("window::HostMenus", "系统变量")}, {"GROUP", QT_TRANSLATE_NOOP("window::HostMenus", "编组")},
     {"CHANGE", QT_TRANSLATE_NOOP("window::HostMenus", "修改")}, {"GRIPS", QT_TRANSLATE_NOOP("window::HostMenus", "夹点编辑")}, {"ZOOM", QT_TRANSLATE_NOOP("window::HostMenus", "缩放视图")}, {"PAN", QT_TRANSLATE_NOOP("window::HostMenus", "平移")},
     {"OPEN", QT_TRANSLATE_NOOP("window::HostMenus", "打开")}, {"QSAVE", QT_TRANSLATE_NOOP("window::HostMenus", "保存")}, {"PLOT", QT_TRANSLATE_NOOP("window::HostMenus", "打印")}, {"LIST", QT_TRANSLATE_NOOP("window::HostMenus", "列表")},
+    {"XREF", QT_TRANSLATE_NOOP("window::HostMenus", "外部参照")}, {"-XREF", QT_TRANSLATE_NOOP("window::HostMenus", "外部参照")}, {"XCLIP", QT_TRANSLATE_NOOP("window::HostMenus", "剪裁")},
 }};
 // clang-format on
 
