@@ -174,8 +174,8 @@ Acad::ErrorStatus acdbSetClip(AcDbObjectId id, std::span<const AcGePoint3d> corn
     }
     auto filter = newFilter(*id.database(), filterGroups(inverted ? boundary : own, normal,
                                                          reference->blockTransform().inverse()));
-    const AcDbObjectPointer<AcDbDictionary> filters(dictionaryIn(reference->createExtensionDictionary(), kFilters),
-                                                    AcDb::kForWrite);
+    const AcDbObjectPointer<AcDbDictionary> filters(
+        dictionaryIn(reference->createExtensionDictionary(), kFilters), AcDb::kForWrite);
     if (!filters)
         return filters.openStatus();
     AcDbObjectId added;

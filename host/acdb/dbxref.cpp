@@ -233,8 +233,7 @@ void AcDbXrefs::changed()
 {
     m_isFresh = false;
     ++m_host->m_changeCount;
-    for (AcDbDatabaseReactor *const reactor : std::vector(m_host->m_reactors))
-        reactor->xrefsChanged(m_host);
+    m_host->m_reactors.tell([this](AcDbDatabaseReactor &reactor) { reactor.xrefsChanged(m_host); });
 }
 
 void AcDbXrefs::reloadChanged()

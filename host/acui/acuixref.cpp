@@ -91,7 +91,8 @@ public:
         connect(m_list, &QTreeWidget::currentItemChanged, this, &CAcUiXrefDialog::settleButtons);
         settleButtons();
         const QSize room = (parent ? parent->screen() : QApplication::primaryScreen())->availableSize();
-        resize(QSize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 22).boundedTo(room * 0.9));
+        resize(
+            QSize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 22).boundedTo(room * 0.9));
         m_list->setFocus();
     }
 
@@ -170,8 +171,7 @@ void xref()
             run("Unload");
             break;
         case path: {
-            const AcDbXref *const chosen =
-                xrefs.find(acdbCurDwg()->tableRecord(SymbolTable::block, name));
+            const AcDbXref *const chosen = xrefs.find(acdbCurDwg()->tableRecord(SymbolTable::block, name));
             chooseNewPath(name, chosen ? chosen->file : QString());
             break;
         }
@@ -191,9 +191,13 @@ void xref()
 
 void acuiRegisterXrefCommand()
 {
-    for (const char *const local : {"XREF", "XR"})
-        acedRegCmds()->addCommand(QStringLiteral("HOST.") + QLatin1String(local), QStringLiteral("XREF"),
-                                  QLatin1String(local), ACRX_CMD_MODAL, xref);
+    acedRegCmds()->addCommand({.group = QStringLiteral("HOST.DIALOGS"),
+                               .globalName = QStringLiteral("XREF"),
+                               .localName = QStringLiteral("XREF"),
+                               .flags = ACRX_CMD_MODAL,
+                               .function = xref,
+                               .title = QT_TRANSLATE_NOOP("Host", "外部参照"),
+                               .aliases = {QStringLiteral("XR")}});
 }
 
 #include "acuixref.moc"

@@ -72,9 +72,9 @@ static std::optional<std::vector<AcGePoint3d>> askPolygon()
         const bool isFirst = corners.empty();
         acedInitGet(0, isFirst ? QString() : QStringLiteral("Undo"));
         AcGePoint3d point;
-        const int result = acedGetPoint(isFirst ? nullptr : &corners.back(),
-                                        isFirst ? Host::tr("\n指定第一点: ") : Host::tr("\n指定下一点或 [放弃(U)]: "),
-                                        point);
+        const int result = acedGetPoint(
+            isFirst ? nullptr : &corners.back(),
+            isFirst ? Host::tr("\n指定第一点: ") : Host::tr("\n指定下一点或 [放弃(U)]: "), point);
         if (result == RTKWORD)
             corners.pop_back();
         else if (result == RTNORM)
@@ -113,15 +113,16 @@ static std::optional<Boundary> askBoundary()
 {
     Boundary boundary;
     for (;;) {
-        const auto choice = askKeyword(
-            QStringLiteral("Select Polygonal Rectangular Invert"),
-            Host::tr("\n指定剪裁边界 [选择多段线(S)/多边形(P)/矩形(R)/反向剪裁(I)] <矩形>: "),
-            QStringLiteral("Rectangular"));
+        const auto choice =
+            askKeyword(QStringLiteral("Select Polygonal Rectangular Invert"),
+                       Host::tr("\n指定剪裁边界 [选择多段线(S)/多边形(P)/矩形(R)/反向剪裁(I)] <矩形>: "),
+                       QStringLiteral("Rectangular"));
         if (!choice)
             return std::nullopt;
         if (*choice == QLatin1String("Invert")) {
             boundary.isInverted = !boundary.isInverted;
-            acutPrintf(boundary.isInverted ? Host::tr("\n边界内部将被隐藏。") : Host::tr("\n边界外部将被隐藏。"));
+            acutPrintf(boundary.isInverted ? Host::tr("\n边界内部将被隐藏。")
+                                           : Host::tr("\n边界外部将被隐藏。"));
             continue;
         }
         const auto corners = *choice == QLatin1String("Select")      ? askPolyline()
@@ -178,9 +179,8 @@ static void drawBoundaries(const AcEdSelectionSet &references)
         readEntity(id, [&](const AcDbEntity &entity) { corners = acgi::shownBoundary(entity); });
         if (corners.empty())
             continue;
-        ResbufList groups{{100, QStringLiteral("AcDbPolyline")},
-                          {90, std::int64_t(corners.size())},
-                          {70, std::int64_t(1)}};
+        ResbufList groups{
+            {100, QStringLiteral("AcDbPolyline")}, {90, std::int64_t(corners.size())}, {70, std::int64_t(1)}};
         for (const AcGePoint3d &corner : corners)
             groups.emplace_back(10, AcGePoint2d(corner.x, corner.y));
         drawEntity("LWPOLYLINE", std::move(groups));
@@ -197,10 +197,10 @@ static void xclip()
             acedRefuse(Host::tr("没有选择块参照。"));
         return;
     }
-    const auto choice = askKeyword(
-        QStringLiteral("ON OFF Delete Polyline New"),
-        Host::tr("\n输入剪裁选项 [开(ON)/关(OFF)/删除(D)/生成多段线(P)/新建边界(N)] <新建边界>: "),
-        QStringLiteral("New"));
+    const auto choice =
+        askKeyword(QStringLiteral("ON OFF Delete Polyline New"),
+                   Host::tr("\n输入剪裁选项 [开(ON)/关(OFF)/删除(D)/生成多段线(P)/新建边界(N)] <新建边界>: "),
+                   QStringLiteral("New"));
     if (!choice)
         return;
     if (*choice == QLatin1String("New"))
@@ -216,7 +216,7 @@ static void xclip()
 std::span<const Entry> xclipCommands()
 {
     static constexpr std::array entries{
-        Entry{"XCLIP", ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, xclip},
+        Entry{"XCLIP", QT_TRANSLATE_NOOP("Host", "剪裁"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, xclip},
     };
     return entries;
 }

@@ -57,9 +57,8 @@ void ClipRegion::push(std::vector<Loop> loops, bool inverted)
 
 bool ClipRegion::holds(const AcGePoint3d &point) const
 {
-    return std::ranges::all_of(m_clips, [&](const Clip &clip) {
-        return areaHolds(clip.loops, point.x, point.y) != clip.inverted;
-    });
+    return std::ranges::all_of(
+        m_clips, [&](const Clip &clip) { return areaHolds(clip.loops, point.x, point.y) != clip.inverted; });
 }
 
 AcDbExtents ClipRegion::box() const
@@ -108,7 +107,8 @@ void ClipRegion::visitShown(const AcGePoint3d &from, const AcGePoint3d &to,
 }
 
 void ClipRegion::visitOutlinesIn(
-    std::span<const Loop> area, const std::function<void(const AcGePoint3d &, const AcGePoint3d &)> &visit) const
+    std::span<const Loop> area,
+    const std::function<void(const AcGePoint3d &, const AcGePoint3d &)> &visit) const
 {
     for (const Clip &clip : m_clips) {
         for (const Loop &loop : clip.loops) {
@@ -121,7 +121,8 @@ void ClipRegion::visitOutlinesIn(
                 for (std::size_t k = 0; k + 1 < ends.size(); ++k) {
                     const AcGePoint3d middle = between(from, to, (ends[k] + ends[k + 1]) / 2.0);
                     const auto holdsMiddle = [&](const Clip &other) {
-                        return &other == &clip || areaHolds(other.loops, middle.x, middle.y) != other.inverted;
+                        return &other == &clip ||
+                               areaHolds(other.loops, middle.x, middle.y) != other.inverted;
                     };
                     if (areaHolds(area, middle.x, middle.y) && std::ranges::all_of(m_clips, holdsMiddle))
                         visit(between(from, to, ends[k]), between(from, to, ends[k + 1]));

@@ -122,7 +122,8 @@ TEST_F(Xrefs, AreReadOnceAndSeenByWhoeverWalksBlocks)
     EXPECT_THAT(s_reads, testing::ElementsAre(testing::Pair(QString("leaf.dxf"), 1),
                                               testing::Pair(QString("mid.dxf"), 1)));
     EXPECT_EQ(database->changeCount(), changes);
-    EXPECT_EQ(acgi::spatialIndexOf(*database).atPoint(database->modelSpaceId(), {3.5, 15, 0}, 0.1).size(), 3u);
+    EXPECT_EQ(acgi::spatialIndexOf(*database).atPoint(database->modelSpaceId(), {3.5, 15, 0}, 0.1).size(),
+              3u);
     EXPECT_EQ(database->xrefs().nested().size(), 1u);
 }
 
@@ -173,9 +174,9 @@ TEST_F(Xrefs, AreAttachedUnloadedAndDetachedAsStepsOfUndo)
         acdbTakeXrefRecords(*database, *database->xrefs().find(plan));
         AcDbObjectPointer<AcDbBlockTableRecord> space(database->modelSpaceId(), AcDb::kForWrite);
         AcDbObjectId added;
-        auto insert = acdbNewEntity("INSERT", {{100, QString("AcDbBlockReference")},
-                                               {2, QString("PLAN")},
-                                               {10, AcGePoint3d(100, 0, 0)}});
+        auto insert = acdbNewEntity(
+            "INSERT",
+            {{100, QString("AcDbBlockReference")}, {2, QString("PLAN")}, {10, AcGePoint3d(100, 0, 0)}});
         space->appendAcDbEntity(added, insert.get());
         insert.release()->close();
     });
@@ -246,7 +247,9 @@ TEST(Clips, ArePickedByWhatShows)
     content.entity("LINE", {{10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(40, 40, 0)}}, plan);
     content.entity("CIRCLE", {{10, AcGePoint3d(30, 12, 0)}, {40, 9.0}}, plan);
     content.entity("SOLID",
-                   {{10, AcGePoint3d(2, 20, 0)}, {11, AcGePoint3d(16, 20, 0)}, {12, AcGePoint3d(2, 38, 0)},
+                   {{10, AcGePoint3d(2, 20, 0)},
+                    {11, AcGePoint3d(16, 20, 0)},
+                    {12, AcGePoint3d(2, 38, 0)},
                     {13, AcGePoint3d(16, 38, 0)}},
                    plan);
     const std::uint64_t insert = content.entity(
@@ -284,8 +287,9 @@ TEST(Clips, ArePickedByWhatShows)
             add({2 + 14.0 * (i % 63) / 62, 20 + 18.0 * (i / 63) / 63, 0});
         }
         const acgi::Window window = acgi::Window::fromCorners(point(), point());
-        const acgi::Window larger = acgi::Window::fromCorners(
-            window.extents().minPoint() - AcGeVector3d(0.4, 0.4, 0), window.extents().maxPoint() + AcGeVector3d(0.4, 0.4, 0));
+        const acgi::Window larger =
+            acgi::Window::fromCorners(window.extents().minPoint() - AcGeVector3d(0.4, 0.4, 0),
+                                      window.extents().maxPoint() + AcGeVector3d(0.4, 0.4, 0));
         const auto holds = [](const acgi::Window &w) {
             return [&w](const AcGePoint3d &p) { return w.contains(p); };
         };

@@ -1,9 +1,9 @@
-// The way from two points to a new mark: the editor asks for the opinion, and what it confirms is made.
+// The mark editor on the opinion of a mark: of a new one, which it makes when it is confirmed, and of one
+// that is there.
 #pragma once
 
-#include "quillnote/authoring/create_mark.h"
-
 #include "quillnote/authoring/ink_sketch.h"
+#include "quillnote/authoring/new_mark.h"
 
 #include <optional>
 
@@ -17,3 +17,9 @@ std::optional<NewMark> askOpinion(NewMark request, InkSketch &sketch, const QStr
 AcDbObjectId makeMark(const NewMark &request);
 /// Both: a null id also when there is nothing to make.
 AcDbObjectId makeMarkFromEditor(const NewMark &request, const QString &keywordText = {});
+
+/// Command: pick a mark and edit it.
+void QN3_QNeditMark();
+/// Opens the editor on a mark's opinion and stores what was confirmed. Asks for the password of a protected
+/// mark. What is no mark is left alone.
+void editMark(AcDbObjectId id);

@@ -1,7 +1,7 @@
-#include "quillnote/authoring/setup.h"
+#include "quillnote/frame/setup.h"
 
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/authoring/flag_refresh.h"
-#include "quillnote/authoring/redraw_marks.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"

@@ -1,13 +1,13 @@
-#include "quillnote/authoring/renumber.h"
+#include "quillnote/authoring/numbering.h"
 
-#include "quillnote/authoring/append_mark.h"
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
+#include "quillnote/authoring/one_mark.h"
 #include "quillnote/entity/mark_dictionary.h"
-#include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
-#include "quillnote/entity/password.h"
 
 #include "host/acap/docman.h"
+#include "host/acdb/dbreactor.h"
+#include "host/acdb/dbsymtb.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edinput.h"
 
@@ -15,8 +15,116 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 
 static constexpr int kHighestNumber = std::numeric_limits<std::uint16_t>::max();
+
+AppendState &appendState()
+{
+    static AppendState state;
+    return state;
+}
+
+// New marks ---------------------------------------------------------------------------------------
+
+namespace
+{
+
+/// Whether the record of a drawing is known to be as high as its marks. Looking through all of them for each
+/// new mark would make ten thousand of them slow; after the first look only marks that come from elsewhere
+/// can be higher.
+class RecordWatch : public AcDbDatabaseReactor
+{
+public:
+    explicit RecordWatch(AcDbDatabase &database) : m_database(database) { m_database.addReactor(this); }
+    ~RecordWatch() override { m_database.removeReactor(this); }
+
+    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override
+    {
+        if (!appendState().importing && acrxCast<const QuillnoteObj3>(object))
+            isChecked = false;
+    }
+
+    bool isChecked = false;
+
+private:
+    AcDbDatabase &m_database;
+};
+
+} // namespace
+
+static int highestNumber(const AcDbDatabase &database)
+{
+    int highest = 0;
+    for (const AcDbObjectId id : collectMarks(database).ids) {
+        if (const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead); mark)
+            highest = std::max(highest, int(mark->markNumber));
+    }
+    return highest;
+}
+
+std::optional<std::uint16_t> nextMarkNumber(AcDbDatabase &database)
+{
+    int last = readLastMarkNumber(database);
+    RecordWatch &watch = database.attachments().get<RecordWatch>(database);
+    if (last == 0 || !watch.isChecked)
+        last = std::max(last, highestNumber(database));
+    watch.isChecked = true;
+    return last < kHighestNumber ? std::optional(std::uint16_t(last + 1)) : std::nullopt;
+}
+
+bool hasFreeMarkNumber(AcDbDatabase &database)
+{
+    if (nextMarkNumber(database))
+        return true;
+    acedRefuse(QStringLiteral("本图的评图标签编号已用到65535，请先重新编号。"));
+    return false;
+}
+
+void keepMarkNumber(AcDbDatabase &database, std::uint16_t number)
+{
+    if (const Acad::ErrorStatus refused = writeLastMarkNumber(database, number); refused != Acad::eOk)
+        acedRefuse(QStringLiteral("无法在图中保存评图标签编号：%1").arg(acadErrorStatusText(refused)));
+}
+
+// Copies ------------------------------------------------------------------------------------------
+
+void MarkCounts::countAll(const AcDbDatabase &database)
+{
+    *this = {};
+    m_counted = true;
+    m_blocks = database.tableRecords(SymbolTable::block).size();
+    for (const AcDbObjectId layout : acdbLayoutBlocks(database))
+        m_layouts.insert(layout);
+    for (const AcDbObjectId id : collectMarks(database).ids) {
+        // One that is open for write is the one that is being told of.
+        if (const auto *const mark = acrxCast<QuillnoteObj3>(id.stub()->object))
+            note(*mark);
+    }
+}
+
+std::size_t MarkCounts::ofNumber(const AcDbDatabase &database, const QuillnoteObj3 &mark)
+{
+    if (!m_counted || m_blocks != database.tableRecords(SymbolTable::block).size())
+        countAll(database);
+    note(mark);
+    const auto found = m_counts.find(mark.markNumber);
+    return found == m_counts.end() ? 0 : found->second;
+}
+
+void MarkCounts::note(const QuillnoteObj3 &mark, bool present)
+{
+    if (!m_counted)
+        return;
+    if (const auto known = m_numbers.find(mark.objectId()); known != m_numbers.end()) {
+        --m_counts[known->second];
+        m_numbers.erase(known);
+    }
+    if (!present || !m_layouts.contains(mark.blockId()))
+        return;
+    m_numbers.emplace(mark.objectId(), mark.markNumber);
+    ++m_counts[mark.markNumber];
+}
 
 // All marks ---------------------------------------------------------------------------------------
 
@@ -104,22 +212,6 @@ void QN3_reNumber()
 
 // One mark ----------------------------------------------------------------------------------------
 
-/// The number as it is shown; no value when the mark may not be changed.
-static std::optional<QString> numberToEdit(AcDbObjectId id)
-{
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    if (!mark) {
-        acedRefuse(QStringLiteral("不是评图标签。"));
-        return {};
-    }
-    const QString hash = mark->chPwMD5;
-    const QString number = markNumberText(mark->markNumber, mark->subNumber);
-    mark.close();
-    if (!mayChangeProtected(hash))
-        return {};
-    return number;
-}
-
 static std::optional<std::uint16_t> askNumber(const QString &oldNumber)
 {
     int number = 0;
@@ -138,16 +230,20 @@ static std::optional<std::uint16_t> askNumber(const QString &oldNumber)
 
 static void setNumber(AcDbObjectId id, std::uint16_t number)
 {
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
-    if (!mark) {
-        acedRefuse(QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+    const auto mark = openToChange(id);
+    if (!mark)
         return;
-    }
     mark->markNumber = number;
     mark->subNumber = 0;
     AcDbDatabase &database = *id.database();
     if (number > readLastMarkNumber(database))
         keepMarkNumber(database, number);
+}
+
+static QString shownNumber(AcDbObjectId id)
+{
+    const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    return mark ? markNumberText(mark->markNumber, mark->subNumber) : QString();
 }
 
 void QN8_editNumber()
@@ -158,9 +254,8 @@ void QN8_editNumber()
         acutPrintf(QStringLiteral("\n未选择。"));
         return;
     }
-    const std::optional<QString> oldNumber = numberToEdit(picked);
-    if (!oldNumber)
+    if (!mayUserChange(picked))
         return;
-    if (const std::optional<std::uint16_t> number = askNumber(*oldNumber))
+    if (const std::optional<std::uint16_t> number = askNumber(shownNumber(picked)))
         setNumber(picked, *number);
 }
