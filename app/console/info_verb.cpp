@@ -1,6 +1,7 @@
 #include "app/console/info_verb.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 #include "host/aced/edverbs.h"
 #include "host/aced/edview.h"
 
@@ -132,6 +133,25 @@ static QJsonArray classes(const AcDbDatabase &database)
     return result;
 }
 
+/// Those of references come behind them.
+static QJsonArray references(const AcDbDatabase &database)
+{
+    QJsonArray result;
+    AcDbXrefs &xrefs = database.xrefs();
+    const auto add = [&result](const std::vector<AcDbXref> &some, bool areNested) {
+        for (const AcDbXref &xref : some)
+            result.append(QJsonObject{{QStringLiteral("name"), xref.name},
+                                      {QStringLiteral("path"), xref.path},
+                                      {QStringLiteral("file"), xref.file},
+                                      {QStringLiteral("overlay"), xref.isOverlay},
+                                      {QStringLiteral("nested"), areNested},
+                                      {QStringLiteral("state"), acdbXrefStateName(xref.state)}});
+    };
+    add(xrefs.all(), false);
+    add(xrefs.nested(), true);
+    return result;
+}
+
 static QJsonValue extents(const AcApDocument &document)
 {
     const AcDbExtents box = acedCurrentExtents(document);
@@ -157,6 +177,7 @@ static QJsonObject drawingInfo(const AcApDocument &document)
         {QStringLiteral("objects"), countByKind(database, false)},
         {QStringLiteral("layouts"), layouts(database)},
         {QStringLiteral("extents"), extents(document)},
+        {QStringLiteral("references"), references(database)},
         {QStringLiteral("classes"), classes(database)},
         {QStringLiteral("notUnderstood"), database.source()->notUnderstood()},
         {QStringLiteral("repairs"), QJsonArray::fromStringList(database.repairs())},
@@ -236,6 +257,10 @@ static QString drawingInfoText(const QJsonObject &info, AcDbDatabase &database)
     text += row("extents", extentsText(info.value(u"extents")));
     text += row("classes",
                 listText(info.value(u"classes"), [](const QJsonValue &v) { return v[u"name"].toString(); }));
+    for (const QJsonValue each : info.value(u"references").toArray())
+        text += row("reference",
+                    QStringLiteral("%1: %2 (%3)")
+                        .arg(each[u"name"].toString(), each[u"path"].toString(), each[u"state"].toString()));
     if (const QString kept = info.value(u"notUnderstood").toString(); !kept.isEmpty())
         text += row("kept as is", kept);
     for (const QJsonValue repair : info.value(u"repairs").toArray())

@@ -2,6 +2,7 @@
 
 #include "app/front_end/window_front_end.h"
 #include "app/window/recovery_dialog.h"
+#include "host/acdb/dbxref.h"
 #include "host/acui/acuifile.h"
 #include "host/base/path_name.h"
 
@@ -103,6 +104,19 @@ void DocumentGuard::documentCreated(AcApDocument *document)
         m_front.print(u'\n' + line);
     if (!document->database()->repairs().isEmpty())
         m_front.print(u'\n' + repairsLine(*document));
+    tellXrefs(*document);
+}
+
+/// The references that show nothing.
+void DocumentGuard::tellXrefs(const AcApDocument &document)
+{
+    AcDbXrefs &xrefs = document.database()->xrefs();
+    for (const std::vector<AcDbXref> &some : {xrefs.all(), xrefs.nested()}) {
+        for (const AcDbXref &xref : some) {
+            if (xref.state != AcDbXrefState::loaded && xref.state != AcDbXrefState::unloaded)
+                m_front.print(u'\n' + tr("外部参照 %1 没有显示: %2").arg(xref.name, acdbXrefTrouble(xref)));
+        }
+    }
 }
 
 void DocumentGuard::tellRepairs(const AcApDocument &document)
@@ -324,17 +338,40 @@ void DocumentGuard::checkFiles()
 {
     if (m_isAsking || acDocManager()->isBusy() || !m_front.isIdle())
         return;
+    const auto isNews = [this](const QString &path) {
+        const auto stamp = base::fileStamp(path);
+        const auto [told, isFirst] = m_told.try_emplace(path, stamp);
+        return isFirst || std::exchange(told->second, stamp) != stamp;
+    };
     for (const auto &document : acDocManager()->documents()) {
-        if (acDocManager()->changedOnDisk(*document) != AcApFileChange::changed)
-            continue;
-        const auto stamp = base::fileStamp(document->fileName());
-        const auto told = m_told.find(document->fileName());
-        if (told != m_told.end() && told->second == stamp)
-            continue;
-        m_told[document->fileName()] = stamp;
-        askAboutFile(document.get());
-        return; // The list of documents may be another one now.
+        if (acDocManager()->changedOnDisk(*document) == AcApFileChange::changed &&
+            isNews(document->fileName()))
+            return askAboutFile(document.get()); // The list of documents may be another one then.
+        QStringList changed;
+        for (const AcDbXref &xref : document->database()->xrefs().changedOnDisk()) {
+            if (isNews(xref.file))
+                changed << xref.name;
+        }
+        if (!changed.isEmpty())
+            return askAboutXrefs(document.get(), changed);
     }
+}
+
+/// What a reference shows is no part of the drawing: reading it again loses nothing.
+void DocumentGuard::askAboutXrefs(AcApDocument *document, const QStringList &changed)
+{
+    QMessageBox box(QMessageBox::Question, {},
+                    tr("%1 的外部参照已改变: %2。重新加载吗?")
+                        .arg(document->docTitle(), changed.join(QStringLiteral(", "))),
+                    QMessageBox::Yes | QMessageBox::No, m_window);
+    if (ask(box) != QMessageBox::Yes)
+        return;
+    m_front.whenIdle([this, document] {
+        if (!acDocManager()->isOpen(document))
+            return;
+        document->database()->xrefs().reloadChanged();
+        tellXrefs(*document);
+    });
 }
 
 void DocumentGuard::askAboutFile(AcApDocument *document)

@@ -59,6 +59,8 @@ private:
     void tick();
     void askAboutFile(AcApDocument *document);
     void reload(AcApDocument *document);
+    void tellXrefs(const AcApDocument &document);
+    void askAboutXrefs(AcApDocument *document, const QStringList &changed);
     bool openRecovered(const AcApRecoverable &copy);
     bool mayLose(const AcApDocument &document, const QString &path);
     bool write(AcApDocument *document, const QString &path, AcApOverwriteChanged overwrite);

@@ -21,6 +21,7 @@ static constexpr std::array kFileItems{
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "保存(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "保存当前图形"), none, "^C^C_QSAVE ", "Ctrl+S", "save", true, true},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "另存为(&A)…"), QT_TRANSLATE_NOOP("window::HostMenus", "以另一个名称保存当前图形"), none, "^C^C_SAVEAS ", "Ctrl+Shift+S"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "外部参照(&X)…"), QT_TRANSLATE_NOOP("window::HostMenus", "列出、附着和重载外部参照"), none, "^C^C_XREF "},
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "打印为 PDF(&P)…"), QT_TRANSLATE_NOOP("window::HostMenus", "把布局或窗口打印到 PDF 文件"), none, "^C^C_PLOT ", "Ctrl+P", "plot", true, true},
     kSeparator,
@@ -55,6 +56,7 @@ static constexpr std::array kModifyItems{
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "旋转(&R)"), QT_TRANSLATE_NOOP("window::HostMenus", "绕基点旋转图元"), none, "^C^C_ROTATE ", "", "rotate"},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "缩放(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "放大或缩小图元"), none, "^C^C_SCALE ", "", "scale"},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "镜像(&I)"), QT_TRANSLATE_NOOP("window::HostMenus", "沿镜像线翻转图元"), none, "^C^C_MIRROR ", "", "mirror"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "剪裁(&X)"), QT_TRANSLATE_NOOP("window::HostMenus", "只显示块或外部参照的一部分"), none, "^C^C_XCLIP "},
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "删除(&E)"), QT_TRANSLATE_NOOP("window::HostMenus", "删除图元"), none, "^C^C_ERASE ", "", "erase"},
 };

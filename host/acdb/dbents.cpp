@@ -1,6 +1,7 @@
 #include "host/acdb/dbents.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 
 static const resbuf *ownGroup(const AcDbEntity &entity, int code, QStringView subclass)
 {
@@ -54,12 +55,6 @@ AcDbObjectId AcDbBlockReference::blockTableRecord() const
     return database() ? database()->tableRecord(SymbolTable::block, blockName()) : AcDbObjectId();
 }
 
-static AcGeVector3d basePoint(AcDbObjectId block)
-{
-    AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-    return record ? record->origin().asVector() : AcGeVector3d();
-}
-
 AcGeMatrix3d AcDbBlockReference::blockTransform() const
 {
     const auto real = [this](int code, double fallback) {
@@ -73,7 +68,7 @@ AcGeMatrix3d AcDbBlockReference::blockTransform() const
            AcGeMatrix3d::translation(position.asVector()) *
            AcGeMatrix3d::rotation(real(50, 0.0) * kGePi / 180.0, AcGeVector3d::kZAxis) *
            AcGeMatrix3d::scaling(real(41, 1.0), real(42, 1.0), real(43, 1.0)) *
-           AcGeMatrix3d::translation(-basePoint(blockTableRecord()));
+           AcGeMatrix3d::translation(-acdbBasePoint(blockTableRecord()).asVector());
 }
 
 QString AcDbAttribute::tag() const

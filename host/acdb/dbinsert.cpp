@@ -2,6 +2,8 @@
 
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
+#include "host/acdb/dbxrefedit.h"
 
 #include <algorithm>
 #include <array>
@@ -64,8 +66,8 @@ QString recordName(const ResbufList &groups)
 class DrawingCopier
 {
 public:
-    DrawingCopier(AcDbDatabase &target, const AcDbDatabase &from)
-        : m_target(target), m_from(from), m_blocks(target)
+    DrawingCopier(AcDbDatabase &target, const AcDbDatabase &from, const QString &prefix = {})
+        : m_target(target), m_from(from), m_prefix(prefix), m_blocks(target)
     {
         noteNamedObjects();
     }
@@ -75,7 +77,7 @@ public:
         const AcDbObjectId known = m_target.tableRecord(SymbolTable::block, name);
         const AcGePoint3d base = m_from.headerPoint("$INSBASE");
         AcDbInsertedDrawing inserted;
-        inserted.holdsItself = wouldHoldItself(name, known);
+        inserted.holdsItself = m_prefix.isEmpty() && wouldHoldItself(name, known);
         if (inserted.holdsItself)
             return inserted;
         inserted.block = known.isValid() ? emptied(known, base) : added(name, base);
@@ -202,18 +204,43 @@ private:
             return known->second;
         const AcDbObjectId source = m_from.tableRecord(SymbolTable::block, name);
         const bool isAnonymous = name.startsWith(u'*');
-        QString &taken = m_blockNames[folded] = name;
-        if (!source.isValid() || (!isAnonymous && m_target.tableRecord(SymbolTable::block, name).isValid()))
+        const AcDbXref *const xref = m_from.xrefs().find(source);
+        QString &taken = m_blockNames[folded] = isAnonymous || xref ? name : renamed(name);
+        if (!source.isValid() || (!isAnonymous && m_target.tableRecord(SymbolTable::block, taken).isValid()))
             return taken;
+        if (xref) {
+            takeXref(*xref);
+            return taken;
+        }
         const AcDbObjectPointer<AcDbBlockTableRecord> record(source, AcDb::kForRead);
         if (!record || record->isLayout())
             return taken;
-        const AcDbObjectId copy = added(name, record->origin());
+        const AcDbObjectId copy = added(taken, record->origin());
         if (copy.isNull())
             return taken;
         taken = recordName(m_target.fileGroups(*copy.stub()));
         m_waiting.push_back({source, copy});
         return taken;
+    }
+
+    void takeXref(const AcDbXref &xref)
+    {
+        if (!m_prefix.isEmpty() && xref.database)
+            m_leftOut +=
+                acdbBindDrawing(m_target, xref.name, *xref.database, acdbBindPrefix(m_target, xref.name))
+                    .leftOut;
+        else
+            acdbAttachXref(m_target, xref.name, xref.file.isEmpty() ? xref.path : xref.file, xref.isOverlay);
+    }
+
+    /// What a record is called in the target.
+    QString renamed(const QString &name) const
+    {
+        if (m_prefix.isEmpty() || name.isEmpty() || AcDbXrefs::isEverywhere(name))
+            return name;
+        // Of a reference further on: its own prefix is like this one.
+        const qsizetype bar = name.indexOf(u'|');
+        return bar < 0 ? m_prefix + name : name.left(bar) + QStringLiteral("$0$") + name.mid(bar + 1);
     }
 
     void copyContents(AcDbObjectId source, AcDbObjectId block)
@@ -330,13 +357,14 @@ private:
             AcDbSymbolTable::ensureApplicationId(m_target, name);
         else
             record(table, name);
-        return name;
+        return table == SymbolTable::appId ? name : renamed(name);
     }
 
     /// The target's record of that name, brought along when there is none.
     AcDbObjectId record(SymbolTable table, const QString &name)
     {
-        if (const AcDbObjectId known = m_target.tableRecord(table, name); known.isValid() || name.isEmpty())
+        const QString there = renamed(name);
+        if (const AcDbObjectId known = m_target.tableRecord(table, there); known.isValid() || name.isEmpty())
             return known;
         const AcDbObjectId source = m_from.tableRecord(table, name);
         if (!source.isValid() || !enter())
@@ -344,6 +372,8 @@ private:
         ResbufList groups = translated(*source.stub());
         leave();
         groups.resize(extendedDataBegin(groups));
+        if (resbuf *const own = findGroup(groups, kName); own && there != name)
+            own->assign(there);
         AcDbObjectId made;
         if (AcDbSymbolTable(m_target, table).add(std::move(groups), made) == Acad::eOk)
             made.stub()->object->close();
@@ -405,6 +435,7 @@ private:
 
     AcDbDatabase &m_target;
     const AcDbDatabase &m_from;
+    QString m_prefix; ///< Of all names that are brought along.
     AcDbNewBlocks m_blocks;
     std::unordered_map<std::uint64_t, Place> m_places;
     std::unordered_map<QString, QString> m_blockNames; ///< In the target, by folded name in `from`.
@@ -418,4 +449,10 @@ private:
 AcDbInsertedDrawing acdbInsertDrawing(AcDbDatabase &target, const QString &name, const AcDbDatabase &from)
 {
     return DrawingCopier(target, from).copy(name);
+}
+
+AcDbInsertedDrawing acdbBindDrawing(AcDbDatabase &target, const QString &name, const AcDbDatabase &from,
+                                    const QString &prefix)
+{
+    return DrawingCopier(target, from, prefix).copy(name);
 }

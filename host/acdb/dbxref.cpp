@@ -40,7 +40,8 @@ AcDbXrefs::AcDbXrefs(AcDbDatabase &database)
 }
 
 AcDbXrefs::AcDbXrefs(AcDbDatabase &database, AcDbXrefs &shower, const QString &name, const QString &file)
-    : m_database(database), m_host(shower.m_host), m_name(name), m_depth(shower.m_depth + 1),
+    : m_database(database), m_host(shower.m_host), m_shower(&shower), m_name(name),
+      m_depth(shower.m_depth + 1),
       m_pool(shower.m_pool.get(), [](Pool *) {}) // The host's; it would own itself otherwise.
 {
     database.setFile(file);
@@ -84,13 +85,18 @@ std::vector<AcDbXref> AcDbXrefs::nested()
     return found;
 }
 
-QString AcDbXrefs::nameInHost(const QString &name) const
+bool AcDbXrefs::isEverywhere(const QString &name)
 {
     static constexpr std::array<QLatin1String, 5> kEverywhere{
         QLatin1String("0"), QLatin1String("Defpoints"), QLatin1String("Continuous"), QLatin1String("ByLayer"),
         QLatin1String("ByBlock")};
     const auto isName = [&](QLatin1String other) { return name.compare(other, Qt::CaseInsensitive) == 0; };
-    const bool isSame = !isReference() || name.contains(u'|') || std::ranges::any_of(kEverywhere, isName);
+    return std::ranges::any_of(kEverywhere, isName);
+}
+
+QString AcDbXrefs::nameInHost(const QString &name) const
+{
+    const bool isSame = !isReference() || name.contains(u'|') || isEverywhere(name);
     return isSame ? name : m_name + u'|' + name;
 }
 
@@ -149,6 +155,12 @@ void AcDbXrefs::refresh()
     m_isReading = false;
 }
 
+/// By this drawing, or by one that shows it.
+bool AcDbXrefs::isShownBy(const QString &file) const
+{
+    return m_database.file() == file || (m_shower && m_shower->isShownBy(file));
+}
+
 /// From this drawing by what is loaded so far.
 bool AcDbXrefs::leadsTo(const AcDbDatabase &wanted) const
 {
@@ -171,7 +183,7 @@ void AcDbXrefs::load(AcDbXref &xref)
                               acdbFindDrawing(xref.path, m_database.folder()) == m_database.file();
         return refuse(isItself ? AcDbXrefState::circular : AcDbXrefState::notFound, {});
     }
-    if (xref.file == m_host->file())
+    if (isShownBy(xref.file))
         return refuse(AcDbXrefState::circular, {});
     const Pool::Key key(xref.file, xref.name.toCaseFolded());
     auto known = m_pool->drawings.find(key);
@@ -220,12 +232,18 @@ void AcDbXrefs::noteChange(const AcDbObject &object)
 void AcDbXrefs::changed()
 {
     m_isFresh = false;
+    ++m_host->m_changeCount;
     m_host->m_reactors.tell([this](AcDbDatabaseReactor &reactor) { reactor.xrefsChanged(m_host); });
 }
 
-void AcDbXrefs::reload(AcDbObjectId block, bool always)
+void AcDbXrefs::reloadChanged()
 {
-    const AcDbXref *const xref = find(block);
+    for (const AcDbXref &xref : std::vector(all()))
+        reload(find(xref.block), false);
+}
+
+void AcDbXrefs::reload(const AcDbXref *xref, bool always)
+{
     if (!xref)
         return;
     // What it shows in turn is read again with it where the file is another one.
@@ -245,6 +263,8 @@ void AcDbXrefs::reload(AcDbObjectId block, bool always)
                 doom(each, false);
         }
     }
+    if (doomed.empty() && !always)
+        return;
     // Everybody lets go of the old drawings before they end.
     changed();
     std::vector<Loaded> old;
@@ -308,6 +328,23 @@ AcDbObjectId acdbShownLayer(const AcDbDatabase &database, const QString &layer)
             return own;
     }
     return database.tableRecord(SymbolTable::layer, layer);
+}
+
+QString acdbXrefStateName(AcDbXrefState state)
+{
+    switch (state) {
+    case AcDbXrefState::loaded:
+        return QStringLiteral("loaded");
+    case AcDbXrefState::unloaded:
+        return QStringLiteral("unloaded");
+    case AcDbXrefState::notFound:
+        return QStringLiteral("not found");
+    case AcDbXrefState::refused:
+        return QStringLiteral("refused");
+    case AcDbXrefState::circular:
+        return QStringLiteral("circular");
+    }
+    return {};
 }
 
 QString acdbXrefTrouble(const AcDbXref &xref)

@@ -61,8 +61,10 @@ public:
     std::vector<AcDbXref> nested();
     /// False when the drawing has none that shows anything: then nobody needs to ask.
     bool any() { return !all().empty(); }
-    /// Reads the file again when it is not the one that was read, or `always`.
-    void reload(AcDbObjectId block, bool always = true);
+    /// Reads the file again, and those of what it shows in turn when they are not the ones that were read.
+    void reload(AcDbObjectId block) { reload(find(block), true); }
+    /// All whose file is not the one that was read. Nothing of the drawing changes.
+    void reloadChanged();
     /// Those whose file is not the one that was read, nested ones too.
     std::vector<AcDbXref> changedOnDisk();
 
@@ -72,6 +74,8 @@ public:
     /// What a layer or linetype of this drawing is called in host(): "name|layer". The names that every
     /// drawing has, and those that came from further references, are the same there.
     QString nameInHost(const QString &name) const;
+    /// Of a layer or linetype that every drawing has.
+    static bool isEverywhere(const QString &name);
 
 private:
     struct Loaded;
@@ -87,11 +91,14 @@ private:
     void changed();
     void refresh();
     void load(AcDbXref &xref);
+    void reload(const AcDbXref *xref, bool always);
+    bool isShownBy(const QString &file) const;
     bool leadsTo(const AcDbDatabase &wanted) const;
 
     AcDbDatabase &m_database;
     AcDbDatabase *m_host;
-    QString m_name; ///< Under which the host shows it.
+    const AcDbXrefs *m_shower = nullptr; ///< The references of the drawing that showed this one first.
+    QString m_name;                      ///< Under which the host shows it.
     int m_depth = 0;
     std::shared_ptr<Pool> m_pool; ///< The drawings that a host shows, shared by all of them.
     bool m_isFresh = false;
@@ -109,6 +116,8 @@ AcGePoint3d acdbBasePoint(AcDbObjectId block);
 /// "name|layer", else that of the other drawing.
 AcDbObjectId acdbShownLayer(const AcDbDatabase &database, const QString &layer);
 
+/// "loaded", "not found" ...
+QString acdbXrefStateName(AcDbXrefState state);
 /// Why it shows nothing, for people; empty for one that is loaded.
 QString acdbXrefTrouble(const AcDbXref &xref);
 

@@ -1,5 +1,6 @@
 #include "host/acdb/dbxrefedit.h"
 
+#include "host/acdb/dbinsert.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
 #include "host/acdb/dbxref.h"
@@ -264,10 +265,78 @@ Acad::ErrorStatus acdbDetachXref(AcDbDatabase &database, AcDbObjectId block)
     database.undo().attempt([&] {
         for (const AcDbObjectId reference : referencesTo(database, name))
             erase(reference);
+        // Its begin tells others that the block comes and goes.
+        erase(blockBegin(block));
         erase(block);
         if (status == Acad::eOk)
             eraseRecords(database, brought);
         return status == Acad::eOk;
     });
+    return status;
+}
+
+// Binding ----------------------------------------------------------------------------------------
+
+static constexpr std::array kBoundTables{SymbolTable::layer, SymbolTable::linetype, SymbolTable::textStyle,
+                                         SymbolTable::dimStyle, SymbolTable::block};
+
+QString acdbBindPrefix(const AcDbDatabase &database, const QString &name)
+{
+    for (int number = 0;; ++number) {
+        const QString prefix = QStringLiteral("%1$%2$").arg(name).arg(number);
+        const auto isTaken = [&](SymbolTable kind) {
+            return std::ranges::any_of(database.tableRecords(kind), [&](std::uint32_t index) {
+                const ResbufList groups = database.fileGroups(*database.stub(index));
+                const resbuf *const known = findGroup(groups, 2);
+                return AcDbObjectId(database.stub(index)).isValid() && known &&
+                       known->text().startsWith(prefix, Qt::CaseInsensitive);
+            });
+        };
+        if (std::ranges::none_of(kBoundTables, isTaken))
+            return prefix;
+    }
+}
+
+/// Layers and linetypes "name|x" become the drawing's own, so that they stay as they are shown.
+static void renameRecords(AcDbDatabase &database, const QString &name, const QString &prefix)
+{
+    const QString before = name + u'|';
+    for (const SymbolTable kind : {SymbolTable::linetype, SymbolTable::layer}) {
+        for (const AcDbObjectId id : AcDbSymbolTable(database, kind).records()) {
+            AcDbObjectPointer<AcDbSymbolTableRecord> record(id, AcDb::kForRead);
+            if (!record || !record->getName().startsWith(before, Qt::CaseInsensitive) ||
+                record->upgradeOpen() != Acad::eOk)
+                continue;
+            constexpr int kOfReferences = kIsDependent | kIsResolved | 64;
+            record->setFlags(record->flags() & ~kOfReferences);
+            record->setGroup(2, prefix + record->getName().mid(before.size()));
+            const resbuf *const linetype =
+                kind == SymbolTable::layer ? findGroup(record->groups(), 6) : nullptr;
+            if (linetype && linetype->text().startsWith(before, Qt::CaseInsensitive))
+                record->setGroup(6, prefix + linetype->text().mid(before.size()), u"AcDbLayerTableRecord");
+        }
+    }
+}
+
+Acad::ErrorStatus acdbBindXref(AcDbDatabase &database, AcDbObjectId block, std::size_t &leftOut)
+{
+    const AcDbXref *const known = database.xrefs().find(block);
+    if (!known || !known->database)
+        return Acad::eFileNotFound;
+    const AcDbXref xref = *known; // It is none any more in a moment.
+    const QString prefix = acdbBindPrefix(database, xref.name);
+    renameRecords(database, xref.name, prefix);
+    for (const AcDbXref &nested : xref.database->xrefs().nested())
+        renameRecords(database, nested.name, nested.name + QStringLiteral("$0$"));
+    for (const AcDbXref &nested : xref.database->xrefs().all())
+        renameRecords(database, nested.name, nested.name + QStringLiteral("$0$"));
+    const Acad::ErrorStatus status = change(blockBegin(block), [](AcDbObject &begin) {
+        const resbuf *const flags = findGroup(begin.groups(), 70);
+        constexpr std::int64_t kOfReferences = AcDbXrefs::kAttached | AcDbXrefs::kOverlay | 32 | 64;
+        begin.setGroup(70, (flags ? flags->integer() : 0) & ~kOfReferences, u"AcDbBlockBegin");
+        begin.setGroup(1, QString(), u"AcDbBlockBegin");
+    });
+    if (status == Acad::eOk)
+        leftOut = acdbBindDrawing(database, xref.name, *xref.database, prefix).leftOut;
     return status;
 }

@@ -18,6 +18,11 @@ void acdbTakeXrefRecords(AcDbDatabase &database, const AcDbXref &xref);
 /// Erases the block, its references wherever they stand, and its layers and linetypes. eOnLockedLayer and the
 /// like leave everything as it was, within an open undo group.
 Acad::ErrorStatus acdbDetachXref(AcDbDatabase &database, AcDbObjectId block);
+/// Makes the reference a block of the drawing: what it brings is called "name$0$layer" from then on, or with
+/// the next number that is free. eFileNotFound when it is not loaded. `leftOut`: entities that stayed out.
+Acad::ErrorStatus acdbBindXref(AcDbDatabase &database, AcDbObjectId block, std::size_t &leftOut);
+/// The first "name$0$" that no record of the drawing begins with.
+QString acdbBindPrefix(const AcDbDatabase &database, const QString &name);
 Acad::ErrorStatus acdbSetXrefUnloaded(AcDbObjectId block, bool unloaded);
 Acad::ErrorStatus acdbSetXrefPath(AcDbObjectId block, const QString &path);
 Acad::ErrorStatus acdbSetXrefOverlay(AcDbObjectId block, bool isOverlay);

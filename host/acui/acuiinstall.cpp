@@ -3,6 +3,7 @@
 #include "host/aced/edfrontend.h"
 #include "host/acui/acuidialog.h"
 #include "host/acui/acuimessage.h"
+#include "host/acui/acuixref.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -64,6 +65,7 @@ void acuiInstall()
     installation() = std::make_unique<Installation>();
     acedSetMessageBox(&installation()->messageBox);
     qApp->installEventFilter(&installation()->foreignDialogs);
+    acuiRegisterXrefCommand();
 }
 
 void acuiUninstall()

@@ -3,6 +3,7 @@
 #include "host/acdb/dbapi.h"
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 #include "host/acgi/text/mtext_reader.h"
 
 namespace
@@ -73,8 +74,8 @@ private:
             if (AcDbObjectPointer<AcDbAttribute> attribute(owned, AcDb::kForRead); attribute)
                 add(attribute->textString());
         }
-        const AcDbObjectId record = block.blockTableRecord();
-        const AcDbDatabase *const database = id.database();
+        const AcDbObjectId record = acdbShownBlock(block.blockTableRecord());
+        const AcDbDatabase *const database = record.database();
         const BlockContents *const contents =
             record.isNull() || !database ? nullptr : database->blockContents(record);
         if (!contents)

@@ -3,6 +3,7 @@
 #include "host/acdb/dbapi.h"
 #include "host/acdb/dbinsert.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 #include "host/aced/commands/commandtables.h"
 #include "host/aced/commands/insertion.h"
 #include "host/aced/commands/support.h"
@@ -267,13 +268,11 @@ std::optional<Placement> askPlacement(bool uniform)
 
 static AcGeMatrix3d matrixOf(AcDbObjectId block, const Placement &placement, double units)
 {
-    const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-    const AcGePoint3d origin = record ? record->origin() : AcGePoint3d();
     return AcGeMatrix3d::planeToWorld(ucsNormal()) *
            AcGeMatrix3d::translation(inPlane(placement.point).asVector()) *
            AcGeMatrix3d::rotation(rotationInPlane(placement.rotation) * kGePi / 180.0, AcGeVector3d::kZAxis) *
            AcGeMatrix3d::scaling(placement.x * units, placement.y * units, placement.z * units) *
-           AcGeMatrix3d::translation(AcGePoint3d() - origin);
+           AcGeMatrix3d::translation(-acdbBasePoint(block).asVector());
 }
 
 static std::vector<AcDbObjectId> entitiesOf(AcDbObjectId block)

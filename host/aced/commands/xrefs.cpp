@@ -165,7 +165,9 @@ static void forNamed(const QString &prompt, Work work)
         return;
     const base::Wildcard pattern(*names);
     std::vector<AcDbXref> chosen = xrefs().all();
-    std::erase_if(chosen, [&](const AcDbXref &xref) { return !pattern.matches(xref.name); });
+    std::erase_if(chosen, [&](const AcDbXref &xref) {
+        return !pattern.matches(xref.name) && xref.name.compare(*names, Qt::CaseInsensitive) != 0;
+    });
     if (chosen.empty()) {
         acedRefuse(Host::tr("没有与“%1”匹配的外部参照。").arg(*names));
         return;
@@ -187,6 +189,22 @@ static void detach()
         if (status == Acad::eOk)
             acutPrintf(Host::tr("\n“%1”已拆离。").arg(xref.name));
         refuse(xref, status);
+    });
+}
+
+static void bind()
+{
+    forNamed(Host::tr("\n输入要绑定的外部参照名: "), [](const AcDbXref &xref) {
+        std::size_t leftOut = 0;
+        const Acad::ErrorStatus status = acdbBindXref(*acdbCurDwg(), xref.block, leftOut);
+        if (status == Acad::eFileNotFound)
+            acedRefuse(Host::tr("外部参照 %1 未加载，不能绑定。").arg(xref.name));
+        else
+            refuse(xref, status);
+        if (status == Acad::eOk)
+            acutPrintf(Host::tr("\n“%1”已绑定。").arg(xref.name));
+        if (leftOut > 0)
+            acutPrintf(Host::tr("\n%1 个对象属于本图没有的类，未插入。").arg(leftOut));
     });
 }
 
@@ -248,8 +266,9 @@ static void pathType()
 
 static void xref()
 {
-    static constexpr std::array<std::pair<const char *, void (*)()>, 8> kOptions{{
+    static constexpr std::array<std::pair<const char *, void (*)()>, 9> kOptions{{
         {"?", list},
+        {"Bind", bind},
         {"Detach", detach},
         {"Path", path},
         {"PAthtype", pathType},
@@ -261,10 +280,11 @@ static void xref()
     QStringList keywords;
     for (const auto &[name, option] : kOptions)
         keywords << QLatin1String(name);
-    const auto choice = askKeyword(keywords.join(u' '),
-                                   Host::tr("\n输入选项 [?/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/"
-                                            "覆盖(O)/附着(A)] <附着>: "),
-                                   QStringLiteral("Attach"));
+    const auto choice =
+        askKeyword(keywords.join(u' '),
+                   Host::tr("\n输入选项 [?/绑定(B)/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/"
+                            "覆盖(O)/附着(A)] <附着>: "),
+                   QStringLiteral("Attach"));
     const auto option = std::ranges::find_if(
         kOptions, [&](const auto &entry) { return choice && *choice == QLatin1String(entry.first); });
     if (option != kOptions.end())
@@ -274,7 +294,7 @@ static void xref()
 std::span<const Entry> xrefCommands()
 {
     static constexpr std::array entries{
-        Entry{"XREF", QT_TRANSLATE_NOOP("Host", "外部参照"), ACRX_CMD_MODAL, xref, "XR -XREF"},
+        Entry{"-XREF", QT_TRANSLATE_NOOP("Host", "外部参照"), ACRX_CMD_MODAL, xref},
     };
     return entries;
 }

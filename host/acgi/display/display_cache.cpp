@@ -411,7 +411,8 @@ void DisplayCache::addParts(AcDbObjectId record, std::uint32_t number, ListBuild
         const std::uint32_t part = numberOf(*database.stub(index));
         const DisplayList &list = ensure(part);
         passNotes(part, number);
-        if (list.size == 0)
+        // What another view shows of it may be more.
+        if (list.size == 0 && !list.has(DisplayList::kViewDependent))
             continue;
         builder.reachPart(list);
         parts.lists.push_back(part);

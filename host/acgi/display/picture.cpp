@@ -385,8 +385,7 @@ void Picture::start(std::function<void()> finished)
     m_image =
         QImage(int(std::ceil(m_view.pixelWidth)), int(std::ceil(m_view.pixelHeight)), QImage::Format_RGB32);
     aim(m_image);
-    const std::size_t threads =
-        isWorthTiles() ? threadsFor(std::size_t(std::thread::hardware_concurrency())) : 1;
+    const std::size_t threads = isWorthTiles() ? threadsFor(kWorthTiles) : 1;
     m_working = threads;
     for (std::size_t thread = 0; thread < threads; ++thread)
         m_threads.emplace_back([this] { splitAndWork(); });

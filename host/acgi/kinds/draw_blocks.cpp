@@ -1,6 +1,7 @@
 // Drawing of what shows a block: inserts and tables.
 #include "host/acgi/kinds/draw_blocks.h"
 
+#include "host/acdb/dbclip.h"
 #include "host/acdb/dbxref.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/kinds/draw_tools.h"
@@ -137,18 +138,14 @@ static InsertClip readClip(const AcDbObject &filter)
 InsertClip insertClip(const AcDbEntity &insert)
 {
     InsertClip clip;
-    const AcDbObjectId extensions = insert.extensionDictionary();
-    if (!extensions.isNull())
-        readObject(dictionaryEntry(extensions, QStringLiteral("ACAD_FILTER"), QStringLiteral("SPATIAL")),
-                   [&](const AcDbObject &filter) { clip = readClip(filter); });
+    readObject(acdbClipOf(insert), [&](const AcDbObject &filter) { clip = readClip(filter); });
     return clip;
 }
 
-void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
+/// Where the insert puts its block.
+static BlockPlacement placementOf(const OwnGroups &groups, AcDbObjectId named)
 {
-    const OwnGroups groups(entity);
     BlockPlacement reference;
-    const AcDbObjectId named = namedBlock(entity, groups);
     reference.record = acdbShownBlock(named);
     const AcGeMatrix3d turned = AcGeMatrix3d::planeToWorld(groups.normal()) *
                                 AcGeMatrix3d::translation(groups.vector(10)) *
@@ -161,6 +158,24 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
     reference.rows = int(std::clamp<std::int64_t>(groups.integer(71, 1), 1, kMostRepetitions));
     reference.columnStep = turned * AcGeVector3d(groups.real(44), 0.0, 0.0);
     reference.rowStep = turned * AcGeVector3d(0.0, groups.real(45), 0.0);
+    return reference;
+}
+
+Loop shownBoundary(const AcDbEntity &insert)
+{
+    const OwnGroups groups(insert);
+    Loop boundary = insertClip(insert).boundary;
+    const BlockPlacement reference = placementOf(groups, namedBlock(insert, groups));
+    for (AcGePoint3d &corner : boundary)
+        corner.transformBy(reference.placement);
+    return boundary;
+}
+
+void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
+{
+    const OwnGroups groups(entity);
+    const AcDbObjectId named = namedBlock(entity, groups);
+    const BlockPlacement reference = placementOf(groups, named);
     InsertClip clip = insertClip(entity);
     for (AcGePoint3d &corner : clip.boundary)
         corner.transformBy(reference.placement);

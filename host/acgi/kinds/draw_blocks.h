@@ -17,5 +17,7 @@ struct InsertClip {
     bool inverted = false; ///< What lies outside shows.
 };
 InsertClip insertClip(const AcDbEntity &insert);
+/// The same boundary where the insert stands.
+Loop shownBoundary(const AcDbEntity &insert);
 
 } // namespace acgi

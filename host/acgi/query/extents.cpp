@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace acgi
 {
@@ -144,6 +145,33 @@ public:
 
     void infiniteLine(const AcGePoint3d &, const AcGeVector3d &, bool) override { reach.endless = true; }
 
+    void pushClip(std::span<const Loop> loops, bool inverted) override
+    {
+        Clip &clip = m_clips.emplace_back(Clip{std::exchange(reach, {}), {}, inverted, std::move(m_hull)});
+        m_hull.reset();
+        if (clip.outerHull)
+            m_hull.emplace();
+        for (const Loop &loop : loops) {
+            for (const AcGePoint3d &corner : loop)
+                clip.box.addPoint(toWorld(corner));
+        }
+    }
+
+    void popClip() override
+    {
+        Clip clip = std::move(m_clips.back());
+        m_clips.pop_back();
+        const Reach inside = std::exchange(reach, clip.outer);
+        const AcDbExtents shown = clip.inverted ? inside.box : common(inside, clip.box);
+        std::optional<Hull> hull = std::exchange(m_hull, std::move(clip.outerHull));
+        if (m_hull) {
+            for (const AcGePoint3d &corner : clip.inverted ? hull->take() : cornersOf(shown))
+                m_hull->add(corner);
+        }
+        reach.box.addExt(shown);
+        reach.endless = reach.endless || (clip.inverted && inside.endless);
+    }
+
     bool blockReference(const BlockPlacement &reference) override
     {
         ++m_work;
@@ -166,6 +194,36 @@ protected:
     std::vector<AcGePoint3d> takeHull() { return m_hull->take(); }
 
 private:
+    /// What was drawn around a clip, and how far the clip lets see.
+    struct Clip {
+        Reach outer;
+        AcDbExtents box;
+        bool inverted;
+        std::optional<Hull> outerHull;
+    };
+
+    /// What lies in the clip's box, which has no height of its own; lines without end reach through it.
+    static AcDbExtents common(const Reach &drawn, const AcDbExtents &clip)
+    {
+        if (!clip.isValid() || drawn.endless)
+            return clip;
+        if (!drawn.box.isValid() || !drawn.box.meetsInPlane(clip))
+            return {};
+        const AcGePoint3d &low = drawn.box.minPoint();
+        const AcGePoint3d &high = drawn.box.maxPoint();
+        return {{std::max(low.x, clip.minPoint().x), std::max(low.y, clip.minPoint().y), low.z},
+                {std::min(high.x, clip.maxPoint().x), std::min(high.y, clip.maxPoint().y), high.z}};
+    }
+
+    static std::vector<AcGePoint3d> cornersOf(const AcDbExtents &box)
+    {
+        if (!box.isValid())
+            return {};
+        const AcGePoint3d &low = box.minPoint();
+        const AcGePoint3d &high = box.maxPoint();
+        return {low, {high.x, low.y, low.z}, {low.x, high.y, high.z}, high};
+    }
+
     void addPoint(const AcGePoint3d &point)
     {
         reach.box.addPoint(point);
@@ -222,6 +280,7 @@ private:
 
     BlockExtents *m_blocks;
     std::optional<Hull> m_hull;
+    std::vector<Clip> m_clips;
     std::size_t m_work = 0;
 };
 

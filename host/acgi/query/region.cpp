@@ -2,6 +2,7 @@
 
 #include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_entity.h"
+#include "host/acgi/query/clip_region.h"
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/visibility.h"
 
@@ -149,6 +150,8 @@ public:
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
         countWork();
+        if (!m_clip.isEverything())
+            return clippedChain({points, count});
         AcGePoint3d from = toWorld(points[0]);
         notePoint(from);
         for (std::uint32_t i = 1; i < count && !isDone(); ++i) {
@@ -161,6 +164,11 @@ public:
 
     void arc(const Arc &arc) override
     {
+        if (!m_clip.isEverything()) {
+            Loop samples;
+            arc.appendSamples(samples);
+            return polyline(std::uint32_t(samples.size()), samples.data());
+        }
         countWork();
         const Arc world = toWorld(arc);
         notePoint(world.at(world.start));
@@ -182,10 +190,19 @@ public:
             closed.push_back(loop.front());
             polyline(std::uint32_t(closed.size()), closed.data());
         }
+        if (m_clip.isEverything() && (m_question != Question::crossing || isDone()))
+            return;
+        const std::vector<Loop> world = inWorld(loops);
+        // Where an area is cut off, the clip is its border.
+        m_clip.visitOutlinesIn(
+            world, [this](const AcGePoint3d &from, const AcGePoint3d &to) { noteLine(from, to); });
         if (m_question != Question::crossing)
             return;
         // No border touches the window: it lies wholly in the area or wholly beside it.
-        forEachOpen([&](Asked &asked) { asked.touched = areaHolds(loops, asked.window->corners()[0]); });
+        forEachOpen([&](Asked &asked) {
+            const AcGePoint2d &corner = asked.window->corners()[0];
+            asked.touched = m_clip.holds({corner.x, corner.y, 0.0}) && areaHolds(world, corner.x, corner.y);
+        });
     }
 
     void text(const TextLine &line) override
@@ -198,11 +215,19 @@ public:
 
     void infiniteLine(const AcGePoint3d &base, const AcGeVector3d &direction, bool bothWays) override
     {
+        if (const AcDbExtents seen = m_clip.box(); seen.isValid())
+            return noteThrough(seen, toWorld(base), modelToWorld() * direction, bothWays);
         constexpr double kEndless = std::numeric_limits<double>::infinity();
         for (Asked *const asked : m_active)
             asked->shown = asked->outside = true;
         noteSegment(toWorld(base), modelToWorld() * direction, bothWays ? -kEndless : 0.0, kEndless);
     }
+
+    void pushClip(std::span<const Loop> loops, bool inverted) override
+    {
+        m_clip.push(inWorld(loops), inverted);
+    }
+    void popClip() override { m_clip.pop(); }
 
     bool blockReference(const BlockPlacement &reference) override
     {
@@ -302,6 +327,8 @@ private:
         const ModelTransform placed(*this, placement);
         AcDbExtents box = block.box;
         box.transformBy(modelToWorld());
+        if (shownOf(block, box) == ClipRegion::Shown::none)
+            return;
         AskedList near;
         forEachOpen([&](Asked &asked) {
             if (asked.work > kMostWork)
@@ -358,9 +385,13 @@ private:
         AskedList doubtful;
         AcDbExtents box = part.reach.box;
         box.transformBy(modelToWorld());
+        const ClipRegion::Shown shown = shownOf(part.reach, box);
+        if (shown == ClipRegion::Shown::none)
+            return doubtful;
         forEachOpen([&](Asked &asked) {
-            const bool isInside = asked.window->contains(box) && !part.reach.endless;
-            const bool matters = isInside || part.reach.endless || m_question == Question::inside ||
+            const bool isHeld = asked.window->contains(box) && !part.reach.endless;
+            const bool isInside = isHeld && shown == ClipRegion::Shown::all;
+            const bool matters = isHeld || part.reach.endless || m_question == Question::inside ||
                                  (box.isValid() && asked.window->mayMeet(box));
             if (!matters || part.isSwitchedOff ||
                 !m_visibility.layerShowsInBlock(*record.database(), part.layer))
@@ -371,6 +402,60 @@ private:
                 doubtful.append(&asked);
         });
         return doubtful;
+    }
+
+    /// `box` is that of the reach, in world coordinates.
+    ClipRegion::Shown shownOf(const Reach &reach, const AcDbExtents &box) const
+    {
+        if (m_clip.isEverything())
+            return ClipRegion::Shown::all;
+        return box.isValid() && !reach.endless ? m_clip.shownOf(box) : ClipRegion::Shown::perhaps;
+    }
+
+    std::vector<Loop> inWorld(std::span<const Loop> loops) const
+    {
+        std::vector<Loop> world(loops.begin(), loops.end());
+        for (Loop &loop : world) {
+            for (AcGePoint3d &point : loop)
+                point = toWorld(point);
+        }
+        return world;
+    }
+
+    void noteLine(const AcGePoint3d &from, const AcGePoint3d &to)
+    {
+        notePoint(from);
+        notePoint(to);
+        noteSegment(from, to - from, 0.0, 1.0);
+    }
+
+    /// The parts of a line that show.
+    void noteShown(const AcGePoint3d &from, const AcGePoint3d &to)
+    {
+        m_clip.visitShown(from, to, [&](double low, double high) {
+            noteLine(from + (to - from) * low, from + (to - from) * high);
+        });
+    }
+
+    void clippedChain(std::span<const AcGePoint3d> points)
+    {
+        if (points.size() == 1 && m_clip.holds(toWorld(points[0])))
+            notePoint(toWorld(points[0]));
+        for (std::size_t i = 0; i + 1 < points.size() && !isDone(); ++i)
+            noteShown(toWorld(points[i]), toWorld(points[i + 1]));
+    }
+
+    /// The part of a line without end that can be seen in a box.
+    void noteThrough(const AcDbExtents &seen, const AcGePoint3d &base, const AcGeVector3d &direction,
+                     bool bothWays)
+    {
+        const double length = std::hypot(direction.x, direction.y);
+        if (!(length > 0.0))
+            return;
+        const AcGeVector3d diagonal = seen.maxPoint() - seen.minPoint();
+        const double size = diagonal.length() + (seen.minPoint() + diagonal * 0.5 - base).length();
+        const AcGeVector3d reach = direction * (size / length);
+        noteShown(bothWays ? base - reach : base, base + reach);
     }
 
     void notePoint(const AcGePoint3d &point)
@@ -435,21 +520,6 @@ private:
         }
     }
 
-    bool areaHolds(std::span<const Loop> loops, const AcGePoint2d &point) const
-    {
-        bool holds = false;
-        for (const Loop &loop : loops) {
-            for (std::size_t i = 0; i < loop.size(); ++i) {
-                const AcGePoint3d from = toWorld(loop[i]);
-                const AcGePoint3d to = toWorld(loop[(i + 1) % loop.size()]);
-                if ((from.y > point.y) != (to.y > point.y) &&
-                    point.x < from.x + (point.y - from.y) / (to.y - from.y) * (to.x - from.x))
-                    holds = !holds;
-            }
-        }
-        return holds;
-    }
-
     Question m_question;
     QVarLengthArray<Asked, 4> m_asked;
     AskedList m_active; ///< Those that what is being drawn counts for.
@@ -457,6 +527,7 @@ private:
     BlockExtents m_ownBlocks;
     BlockExtents &m_blocks;
     Visibility m_visibility;
+    ClipRegion m_clip;
 };
 
 /// The windows must have an area.

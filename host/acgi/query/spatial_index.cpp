@@ -381,10 +381,17 @@ std::optional<std::vector<AcDbObjectId>> SpatialIndex::near(AcDbObjectId blockRe
 
 void SpatialIndex::noteChange(const AcDbObject &object)
 {
-    if (!object.objectId().isEntity())
+    const AcDbStub *changed = object.objectId().stub();
+    if (!changed)
+        return;
+    // A clip changes the reference that owns it, through its dictionaries.
+    static const AcDbKind kClip = acdbKind("SPATIAL_FILTER");
+    const bool isClip = changed->kind == kClip;
+    for (int i = 0; isClip && i < 3 && changed->owner != 0 && !changed->has(AcDbStub::kEntity); ++i)
+        changed = m_database.stub(changed->owner);
+    if (!changed->has(AcDbStub::kEntity))
         return;
     // Attributes and vertices change what they belong to.
-    const AcDbStub *changed = object.objectId().stub();
     while (changed->has(AcDbStub::kSubEntity) && changed->owner != 0)
         changed = m_database.stub(changed->owner);
     const AcDbObjectId block(m_database.stub(changed->owner));

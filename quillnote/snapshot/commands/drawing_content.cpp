@@ -2,6 +2,7 @@
 
 #include "host/acdb/dbapi.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 
 #include <QCryptographicHash>
 
@@ -69,8 +70,8 @@ QByteArray DrawingContent::read(AcDbObjectId entity)
         if (withBlock && group.restype == kName) {
             const QString name = group.text();
             // Names of anonymous blocks only count.
-            content +=
-                "block " + (name.startsWith(u'*') ? QByteArray() : name.toUtf8()) + ofBlock(name) + '\n';
+            content += "block " + (name.startsWith(u'*') ? QByteArray() : name.toUtf8()) +
+                       ofBlock(*entity.database(), name) + '\n';
         } else {
             appendGroup(content, group);
         }
@@ -81,10 +82,11 @@ QByteArray DrawingContent::read(AcDbObjectId entity)
 }
 
 /// A digest of the block's entities. Blocks that contain themselves end at the second round.
-QByteArray DrawingContent::ofBlock(const QString &name)
+QByteArray DrawingContent::ofBlock(const AcDbDatabase &database, const QString &name)
 {
-    const AcDbObjectId record = m_database.tableRecord(SymbolTable::block, name);
-    const BlockContents *const contents = record.isValid() ? m_database.blockContents(record) : nullptr;
+    const AcDbObjectId record = acdbShownBlock(database.tableRecord(SymbolTable::block, name));
+    const BlockContents *const contents =
+        record.isValid() ? record.database()->blockContents(record) : nullptr;
     if (!contents)
         return {};
     const auto [place, isNew] = m_known.try_emplace(record);
@@ -92,7 +94,7 @@ QByteArray DrawingContent::ofBlock(const QString &name)
         return place->second;
     QCryptographicHash digest(QCryptographicHash::Sha1);
     for (const std::uint32_t index : contents->entities) {
-        if (const AcDbObjectId id(m_database.stub(index)); id.isValid())
+        if (const AcDbObjectId id(record.database()->stub(index)); id.isValid())
             digest.addData(of(id));
     }
     return m_known[record] = digest.result().toHex();

@@ -13,17 +13,14 @@ class AcDbDatabase;
 class DrawingContent
 {
 public:
-    explicit DrawingContent(AcDbDatabase &database) : m_database(database) {}
-
     /// Equal for entities that look the same as far as their own data goes: kind, layer, colour, geometry,
-    /// texts, attributes and vertices, and the entities of a block that they show. Numbers count to ten
-    /// digits.
+    /// texts, attributes and vertices, and the entities of a block that they show, also of another drawing.
+    /// Numbers count to ten digits.
     const QByteArray &of(AcDbObjectId entity);
 
 private:
     QByteArray read(AcDbObjectId entity);
-    QByteArray ofBlock(const QString &name);
+    QByteArray ofBlock(const AcDbDatabase &database, const QString &name);
 
-    AcDbDatabase &m_database;
     std::unordered_map<AcDbObjectId, QByteArray> m_known; ///< Entities and block records.
 };

@@ -35,7 +35,7 @@ public:
 
 private:
     struct Side {
-        explicit Side(AcDbDatabase &drawing) : database(drawing), content(drawing) {}
+        explicit Side(AcDbDatabase &drawing) : database(drawing) {}
         std::vector<AcDbObjectId> at(AcDbObjectId space, const acgi::Window &window);
         AcDbDatabase &database;
         DrawingContent content;
