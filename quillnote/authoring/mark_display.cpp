@@ -1,22 +1,11 @@
 #include "quillnote/authoring/mark_display.h"
 
+#include "quillnote/aids/links/link_set.h"
 #include "quillnote/authoring/mark_set.h"
+#include "quillnote/entity/display_mode.h"
 #include "quillnote/entity/mark_record.h"
 
 #include "host/acap/docman.h"
-
-static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
-{
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    if (!mark)
-        return false;
-    if (mark->displayMode == mode)
-        return true;
-    if (mark->upgradeOpen() != Acad::eOk)
-        return false;
-    mark->displayMode = mode;
-    return true;
-}
 
 // The display learns of a change when the mark is closed.
 void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
@@ -24,7 +13,7 @@ void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(Ac
     int skipped = 0;
     const CollectedMarks marks = collectAllMarks(database);
     for (const AcDbObjectId id : marks.ids)
-        skipped += setDisplayMode(id, modeOf(id)) ? 0 : 1;
+        skipped += setDisplayMode<QuillnoteObj3>(id, modeOf(id)) ? 0 : 1;
     saySkippedMarks(skipped, marks.ids.size());
 }
 
@@ -33,14 +22,22 @@ void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
     setDisplayModes(database, [mode](AcDbObjectId) { return mode; });
 }
 
+static void setAllLinksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+{
+    const std::vector<AcDbObjectId> links = linkIds(database);
+    saySkippedLinks(setLinksDisplayMode(links, mode), links.size());
+}
+
 void QN3_allMarksHide()
 {
     setAllMarksDisplayMode(*acdbCurDwg(), -1);
+    setAllLinksDisplayMode(*acdbCurDwg(), -1);
 }
 
 void QN3_allMarksShow()
 {
     setAllMarksDisplayMode(*acdbCurDwg(), 0);
+    setAllLinksDisplayMode(*acdbCurDwg(), 1);
 }
 
 void QN3_allMarksShrink()

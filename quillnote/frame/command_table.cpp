@@ -1,5 +1,6 @@
 #include "quillnote/frame/command_table.h"
 
+#include "quillnote/aids/link_commands.h"
 #include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
 #include "quillnote/authoring/edit_mark.h"
@@ -82,10 +83,10 @@ static constexpr CommandRow kCommands[] = {
     {"qn8_align1", "qn8_align1", kModal, kAsNamed, qn8_align1},
     {"qn8_align2", "qn8_align2", kModal, kAsNamed, qn8_align2},
     {"qn8_align0", "qn8_align0", kModal, kAsNamed, qn8_align0},
-    {"qn8_drawlink", "qn8_drawlink", kSession, kAsNamed, nullptr},
-    {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, nullptr},
-    {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, nullptr},
-    {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, nullptr},
+    {"qn8_drawlink", "qn8_drawlink", kSession, kAsNamed, qn8_drawlink},
+    {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, qn8_LinkDblClick},
+    {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, QN8_LinksHide},
+    {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, QN8_LinksDel},
     {"QN3_QuillnoteAsk", "QN3_QNAsk", kModal, kAsNamed, QN3_QuillnoteAsk},
     {"QN3_QuillnoteAsk2", "QN3_QNAsk2", kTransparent | kPickSet, kAsNamed, QN3_QuillnoteAsk2},
     {"QN3_addVertext", "QN3_addV", kTransparent | kPickSet, kNotRecorded, QN3_addVertext},

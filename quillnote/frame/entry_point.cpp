@@ -1,6 +1,8 @@
 // The host's messages, and the order of start-up and unload.
 #include "quillnote/frame/entry_point.h"
 
+#include "quillnote/aids/link_pair.h"
+#include "quillnote/aids/links/link_record.h"
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/entity/mark_class.h"
@@ -59,6 +61,7 @@ static void resetState()
     passwordState().reset();
     markDrawingState().reset();
     appendState().reset();
+    pendingLink().reset();
     pendingSnapshot().reset();
     startUpSettings().reset();
 }
@@ -72,6 +75,7 @@ static void initialise(void *packet)
     createDocumentRegistry();
     readStartUpSettings();
     registerMarkClass();
+    registerLinkClass();
     installPasswordPrompt();
     setTargetReshaped(renewFingerprint);
     showNotice();
@@ -94,6 +98,7 @@ static void unload()
     acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
     setTargetReshaped(nullptr);
     removePasswordPrompt();
+    unregisterLinkClass();
     unregisterMarkClass();
 }
 

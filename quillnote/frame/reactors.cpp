@@ -1,5 +1,6 @@
 #include "quillnote/frame/reactors.h"
 
+#include "quillnote/aids/link_pair.h"
 #include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
@@ -34,6 +35,7 @@ public:
         // The ids are gone with the drawing. Another drawing that is current keeps its own.
         std::erase_if(markDrawingState().drawnMarks,
                       [document](AcDbObjectId id) { return id.database() == document->database(); });
+        pendingLink().forget(*document->database());
         if (appendState().lastCreatedMark.database() == document->database())
             appendState().lastCreatedMark = {};
     }
