@@ -115,8 +115,8 @@ static AcDbObjectId chosenLink()
     AcEdSelectionSet chosen;
     if (acedSSGet(QStringLiteral("I"), nullptr, nullptr, linkFilter(), chosen) == RTNORM)
         return chosen.front();
-    const int answer = acedSSGetPrompt(QStringLiteral(":S"), QStringLiteral("\n请选择一个热点链接>>"),
-                                       linkFilter(), chosen);
+    const int answer =
+        acedSSGetPrompt(QStringLiteral(":S"), QStringLiteral("\n请选择一个热点链接>>"), linkFilter(), chosen);
     if (answer == RTNORM)
         return chosen.front();
     AcDbObjectId picked;

@@ -104,8 +104,8 @@ void jumpToPartner(AcDbObjectId id)
     const FoundPartner partner = findPartner(*document->database(), *link);
     if (partner.link.isNull()) {
         const QString handle = QString::number(link->partnerHandle.value, 16).toUpper();
-        acutPrintf(
-            QStringLiteral("\n图形 %1 中没有热点链接的另一端（句柄 %2）。").arg(pathOfDrawing(*document), handle));
+        acutPrintf(QStringLiteral("\n图形 %1 中没有热点链接的另一端（句柄 %2）。")
+                       .arg(pathOfDrawing(*document), handle));
         return;
     }
     if (!partner.pointsBack)

@@ -43,6 +43,6 @@ struct FoundPartner {
     AcDbObjectId link;
     bool pointsBack = false; ///< Otherwise it belongs to another link: this one is a copy.
 };
-/// The partner of a link in the drawing that it should stand in: by its handle, else the one that points back;
-/// null when neither is a link.
+/// The partner of a link in the drawing that it should stand in: by its handle, else the one that points
+/// back; null when neither is a link.
 FoundPartner findPartner(const AcDbDatabase &where, const QuillLinkObj &link);

@@ -1,5 +1,5 @@
-// How much of the marks is seen: everything, only their flags, nothing. Kept in the marks, so it is saved. Hot
-// links are hidden and shown with them.
+// How much of the marks is seen: everything, only their flags, nothing. Kept in the marks, so it is saved.
+// Hot links are hidden and shown with them.
 #pragma once
 
 #include "host/acdb/dbid.h"

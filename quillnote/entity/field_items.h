@@ -91,7 +91,10 @@ struct Filing<AcDbHandle> {
 
 /// Types whose values a DXF group can carry.
 template <class T>
-concept HasGroup = requires { Filing<T>::writeGroup; };
+concept HasGroup = requires
+{
+    Filing<T>::writeGroup;
+};
 
 /// Assigns only what the filer really had, so that a record keeps its value when reading fails.
 template <class T>

@@ -25,7 +25,8 @@ void registerEntityClass(AcRxClass *&registered, QStringView name, const char *d
             base::assertionFailed("Class mismatch", __FILE__, __LINE__);
         return;
     }
-    auto added = std::make_unique<AcRxClass>(name.toString(), AcDbEntity::desc(), dxfName, std::move(factory));
+    auto added =
+        std::make_unique<AcRxClass>(name.toString(), AcDbEntity::desc(), dxfName, std::move(factory));
     added->setApplication({.drawingVersion = 31,
                            .maintenanceVersion = 81,
                            .proxyFlags = 0,

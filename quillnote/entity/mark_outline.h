@@ -21,13 +21,13 @@ struct MarkCorners {
 
     double diagonal() const { return corner1.distanceTo(corner2); }
 };
-/// The rectangle over a diagonal whose sides lie along the axes of a view. The matrix turns the world into the
-/// view's frame (acedViewFrame).
+/// The rectangle over a diagonal whose sides lie along the axes of a view. The matrix turns the world into
+/// the view's frame (acedViewFrame).
 MarkCorners cornersInView(const AcGePoint3d &corner1, const AcGePoint3d &corner2,
                           const AcGeMatrix3d &worldToView);
 /// What becomes of a rectangle when some of its corners (1 to 4) are dragged by an offset (world): each side
-/// moves once, whatever corners are dragged, and the others stay. One that is askew in the view lies along its
-/// axes afterwards.
+/// moves once, whatever corners are dragged, and the others stay. One that is askew in the view lies along
+/// its axes afterwards.
 MarkCorners dragCorners(const MarkCorners &corners, const std::array<bool, 4> &dragged,
                         const AcGeVector3d &offset, const AcGeMatrix3d &worldToView);
 /// Completed where the record has not completed them yet.

@@ -1,6 +1,7 @@
 #include "quillnote/frame/command_table.h"
 
 #include "quillnote/aids/link_commands.h"
+#include "quillnote/aids/overlay_commands.h"
 #include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
 #include "quillnote/authoring/edit_mark.h"
@@ -102,15 +103,15 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, QN8_editNumber},
     {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, QN3_delSnapBitmapAll},
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
-    {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},
-    {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, nullptr},
+    {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, QN3_whiteAll},
+    {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, QN3_restoreColorAll},
     {"QN3_DataFileOut", "QN3_DataFileOut", kModal, {"QN3_DataFileOut", "QN3f1"}, QN3_DataFileOut},
     {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, QN3_DataFileIn},
     {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, QN3_DataFileInQuiet},
     {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, QN3_Setup},
     {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
     {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
-    {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},
+    {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, QN8_setDiTuColor},
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
     {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, QN3_compareSnapshot},

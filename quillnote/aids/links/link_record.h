@@ -1,5 +1,5 @@
-// QuillLinkObj: a hot link, one of two areas that a double click jumps between. Each of the two is an entity of
-// its own and names the other, its partner, in the same drawing or in another one.
+// QuillLinkObj: a hot link, one of two areas that a double click jumps between. Each of the two is an entity
+// of its own and names the other, its partner, in the same drawing or in another one.
 //
 // Fields are public, as those of the mark; the filed ones stand in the table of link_fields.h.
 #pragma once

@@ -24,8 +24,7 @@ void saySkippedLinks(int count, std::size_t of)
 {
     if (count == 0)
         return;
-    const QString text =
-        QStringLiteral("%1 个热点链接无法修改（所在图层可能已锁定），已跳过。").arg(count);
+    const QString text = QStringLiteral("%1 个热点链接无法修改（所在图层可能已锁定），已跳过。").arg(count);
     if (std::size_t(count) == of)
         acedRefuse(text);
     else

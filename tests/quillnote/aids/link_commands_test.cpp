@@ -1,4 +1,5 @@
-// Hot links by their commands: drawing pairs in one drawing and in two, jumping, copies, what is gone or moved.
+// Hot links by their commands: drawing pairs in one drawing and in two, jumping, copies, what is gone or
+// moved.
 #include "quillnote/aids/link_pair.h"
 #include "quillnote/aids/links/link_fields.h"
 #include "quillnote/aids/links/link_set.h"
@@ -231,9 +232,9 @@ TEST(PlacesOfPartner, GoTheSameWayFromTheFoldersAbove)
                                                QStringLiteral("/new/7/b.dwg")}));
     EXPECT_LT(places.indexOf("/new/7/details/b.dwg"), places.indexOf("/new/7/plans/b.dwg"));
     EXPECT_EQ(placesOfPartner("/x/b.dxf", "/y").front(), QStringLiteral("/x/b.dxf"));
-    EXPECT_THAT(placesOfPartner("../../etc/passwd", "/y"), testing::Each(testing::ResultOf(
-        [](const QString &place) { return QFileInfo(place).path(); },
-        testing::Not(QStringLiteral("/etc")))));
+    EXPECT_THAT(placesOfPartner("../../etc/passwd", "/y"),
+                testing::Each(testing::ResultOf([](const QString &place) { return QFileInfo(place).path(); },
+                                                testing::Not(QStringLiteral("/etc")))));
     EXPECT_TRUE(placesOfPartner("", "/y").empty());
 }
 

@@ -66,22 +66,22 @@ struct HotLink : testing::Test {
 /// By hand from docs/formats/link-stream.md; every field has a value of its own.
 QByteArray goldenStream()
 {
-    return QByteArray::fromHex("0100"                                             // formatVersion
-                               "00"                                               // erasable: no
-                               "ffff"                                             // displayMode -1
-                               "0300 0700 0200"                                   // linkNumber, reserved1, linkRole
+    return QByteArray::fromHex("0100"           // formatVersion
+                               "00"             // erasable: no
+                               "ffff"           // displayMode -1
+                               "0300 0700 0200" // linkNumber, reserved1, linkRole
                                "000000000000f03f 0000000000000000 0000000000000000" // normal (1 0 0)
                                "0000000000000000 000000000000f03f 0000000000000000" // xDirection (0 1 0)
                                "000000000000f03f 0000000000000040 0000000000000840" // corner1 (1 2 3)
                                "0000000000001040 0000000000001440 0000000000001840" // corner2 (4 5 6)
                                "0000000000000840 0000000000000040 000000000000f03f" // corner3 (3 2 1)
                                "0000000000001840 0000000000001440 0000000000001040" // corner4 (6 5 4)
-                               "feff 0400 0300"                                   // reserved2, colorIndex, linkKind
-                               "1f00000000000000"                                 // partnerId 1F
-                               "efcdab9078563412"                                 // partnerHandle
-                               "02000000 6256 2e00"                               // partnerPath
-                               "01000000 4e00"                                    // partnerName
-                               "00000000");                                       // reserved3
+                               "feff 0400 0300"     // reserved2, colorIndex, linkKind
+                               "1f00000000000000"   // partnerId 1F
+                               "efcdab9078563412"   // partnerHandle
+                               "02000000 6256 2e00" // partnerPath
+                               "01000000 4e00"      // partnerName
+                               "00000000");         // reserved3
 }
 
 } // namespace
@@ -250,10 +250,10 @@ TEST_F(HotLink, DraggedAreasStayRectanglesOfTheView)
         const AcGeMatrix3d toView = AcGeMatrix3d::rotation(kTwists[i % 4], AcGeVector3d::kZAxis);
         MarkCorners before = cornersInView(point(), point(), toView);
         // Quarter turns and mirroring give corners 3 and 4 each other's place.
-        const AcGeMatrix3d turn =
-            i % 3 == 0   ? AcGeMatrix3d()
-            : i % 3 == 1 ? AcGeMatrix3d::rotation(std::numbers::pi / 2, AcGeVector3d::kZAxis)
-                         : toView.inverse() * AcGeMatrix3d::mirroring({}, {1, 1, 0}) * toView;
+        const AcGeMatrix3d turn = i % 3 == 0 ? AcGeMatrix3d()
+                                  : i % 3 == 1
+                                      ? AcGeMatrix3d::rotation(std::numbers::pi / 2, AcGeVector3d::kZAxis)
+                                      : toView.inverse() * AcGeMatrix3d::mirroring({}, {1, 1, 0}) * toView;
         for (AcGePoint3d *const corner : {&before.corner1, &before.corner2, &before.corner3, &before.corner4})
             corner->transformBy(turn);
         const AcGePoint3d *const all[] = {&before.corner1, &before.corner2, &before.corner3, &before.corner4};
@@ -272,7 +272,8 @@ TEST_F(HotLink, DraggedAreasStayRectanglesOfTheView)
             const AcGeVector3d side = toView * (third - after->corner1);
             EXPECT_NEAR(side.x * side.y, 0, 1e-7) << i;
         }
-        EXPECT_TRUE((after->corner1 + (after->corner2 - after->corner3)).isEqualTo(after->corner4, 1e-9)) << i;
+        EXPECT_TRUE((after->corner1 + (after->corner2 - after->corner3)).isEqualTo(after->corner4, 1e-9))
+            << i;
     }
     EXPECT_FALSE(dragLinkGrips({}, std::array{5}, {1, 0, 0}, {}));
 }
