@@ -19,7 +19,8 @@ static constexpr int kIndex = 1070;
 // An index alone is what every program understands; what it does not say follows the first one.
 static ResbufList colorToKeep(const AcDbStatedColor &color)
 {
-    ResbufList data{{1001, kColorApplication.toString()}, {kIndex, std::int64_t(color.index.value_or(kByLayer))}};
+    ResbufList data{{1001, kColorApplication.toString()},
+                    {kIndex, std::int64_t(color.index.value_or(kByLayer))}};
     if (color.rgb)
         data.emplace_back(kMoreThanIndex, std::int64_t(*color.rgb));
     else if (color.index == kByLayer)
@@ -31,9 +32,7 @@ static ResbufList colorToKeep(const AcDbStatedColor &color)
 
 static AcDbStatedColor keptColor(const ResbufList &data)
 {
-    const auto value = [&data](int code) {
-        return std::ranges::find(data, code, &resbuf::restype);
-    };
+    const auto value = [&data](int code) { return std::ranges::find(data, code, &resbuf::restype); };
     AcDbStatedColor color;
     const auto index = value(kIndex);
     if (index != data.end() && index->integer() >= 0 && index->integer() < kByLayer)
@@ -55,6 +54,9 @@ static bool paint(AcDbObjectId id, int colorIndex)
     if (!entity)
         return false;
     const AcDbStatedColor before = entity->statedColor();
+    // Room for all that is added, at once: a drawing may have a million of them.
+    constexpr std::size_t kAdded = 4;
+    entity->editGroups().reserve(entity->groups().size() + kAdded);
     ResbufList data = entity->xData(kColorApplication.toString());
     if (data.empty())
         data = colorToKeep(before);

@@ -1,5 +1,5 @@
-// Painting a drawing in one colour and giving everything its own colour back: what is visited, what is kept, and
-// that nothing but the kept colours is different afterwards.
+// Painting a drawing in one colour and giving everything its own colour back: what is visited, what is kept,
+// and that nothing but the kept colours is different afterwards.
 #include "quillnote/aids/recolouring.h"
 
 #include "host/acdb/dbsymtb.h"
@@ -42,8 +42,9 @@ struct Recolouring : AuthoringTest {
             const auto begin = std::ranges::find_if(object.groups, [](const resbuf &group) {
                 return group.restype == 1001 && group.text() == kColorApplication;
             });
-            const auto end = std::find_if(begin == object.groups.end() ? begin : begin + 1, object.groups.end(),
-                                          [](const resbuf &group) { return group.restype == 1001; });
+            const auto end =
+                std::find_if(begin == object.groups.end() ? begin : begin + 1, object.groups.end(),
+                             [](const resbuf &group) { return group.restype == 1001; });
             object.groups.erase(begin, end);
             std::erase_if(object.groups, [](const resbuf &group) { return group.restype == 5; });
         }
@@ -71,7 +72,8 @@ TEST_F(Recolouring, VisitsEverythingButMarksAndTickSymbols)
     const auto inSmall = made.entity("LINE", line, small);
     const auto locked = made.entity("LINE", {{8, "LOCKED"}, {10, AcGePoint3d()}, {11, AcGePoint3d(1, 0, 0)}});
     const auto insert = made.entity("INSERT", {{66, 1}, {2, "DOOR"}, {10, AcGePoint3d()}});
-    const auto attribute = made.entity("ATTRIB", {{62, 0}, {10, AcGePoint3d()}, {40, 1.0}, {1, "a"}, {2, "T"}});
+    const auto attribute =
+        made.entity("ATTRIB", {{62, 0}, {10, AcGePoint3d()}, {40, 1.0}, {1, "a"}, {2, "T"}});
     made.entity("SEQEND", {});
     open(made);
     const AcDbObjectId mark = make();
@@ -86,9 +88,9 @@ TEST_F(Recolouring, VisitsEverythingButMarksAndTickSymbols)
 
     settings::setNumber(u"WhiteAllColor", 9);
     runAndBack("QN3_whiteAll");
-    EXPECT_EQ(kept(attribute), (ResbufList{{1001, kColorApplication.toString()},
-                                           {1070, std::int64_t(0)},
-                                           {1070, std::int64_t(254)}}));
+    EXPECT_EQ(kept(attribute),
+              (ResbufList{
+                  {1001, kColorApplication.toString()}, {1070, std::int64_t(0)}, {1070, std::int64_t(254)}}));
     runAndBack("QN3_restoreColorAll");
     EXPECT_EQ(colorOf(attribute).index, 0);
     EXPECT_EQ(colorOf(insert).index, std::nullopt);
