@@ -41,7 +41,7 @@ bool AcApDocument::isModified() const
 
 void AcApDocument::settleFolder()
 {
-    m_database->setFolder(isNamedDrawing() ? QFileInfo(m_fileName).absolutePath() : QString());
+    m_database->setFile(isNamedDrawing() ? m_fileName : QString());
 }
 
 /// No state of the drawing is the one in its file.

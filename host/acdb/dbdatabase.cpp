@@ -5,8 +5,11 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
 #include "host/acdb/dbundo.h"
+#include "host/acdb/dbxref.h"
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/assert.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <limits>
@@ -52,6 +55,19 @@ AcDbDatabase::~AcDbDatabase()
     openDatabases().erase(this);
     for (std::uint32_t i = 0; i < m_stubCount; ++i)
         delete stub(i)->object;
+}
+
+AcDbXrefs &AcDbDatabase::xrefs() const
+{
+    if (!m_xrefs)
+        m_xrefs = std::make_unique<AcDbXrefs>(const_cast<AcDbDatabase &>(*this));
+    return *m_xrefs;
+}
+
+void AcDbDatabase::setFile(const QString &file)
+{
+    m_file = file;
+    m_folder = file.isEmpty() ? QString() : QFileInfo(file).absolutePath();
 }
 
 DrawingVersion AcDbDatabase::version() const

@@ -22,6 +22,7 @@
 class AcDbDatabaseReactor;
 class AcDbLoader;
 class AcDbUndo;
+class AcDbXrefs;
 
 namespace AcDb
 {
@@ -107,6 +108,11 @@ public:
     /// file.
     const QString &folder() const { return m_folder; }
     void setFolder(const QString &folder) { m_folder = folder; }
+    /// The drawing's file, a whole path; empty without one. Its folder goes with it.
+    const QString &file() const { return m_file; }
+    void setFile(const QString &file);
+    /// The other drawings that this one shows.
+    AcDbXrefs &xrefs() const;
     /// The handle that the next new object gets ($HANDSEED).
     AcDbHandle handseed() const { return {freeHandle(m_nextHandle)}; }
     /// The first handle from `from` on that no object has; from 1 on when nothing is left above.
@@ -178,6 +184,7 @@ private:
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
     friend class AcDbNewBlocks;
+    friend class AcDbXrefs;
     friend class ClassObserver;
     friend class CarrierKeeper;
 
@@ -226,6 +233,7 @@ private:
     std::unordered_map<std::uint32_t, BlockContents> m_blocks; ///< By index of the block record's stub.
     AcDbObjectId m_namedObjects;
     QString m_folder;
+    QString m_file;
     AcDbObjectId m_currentSpace;
     std::vector<DrawingClass> m_classes;
     std::vector<QByteArray> m_headerNames;
@@ -243,6 +251,7 @@ private:
     };
     std::unordered_map<std::uint32_t, Carrier> m_carriers;
     QStringList m_repairs;
+    mutable std::unique_ptr<AcDbXrefs> m_xrefs; ///< Made when first asked for.
 };
 
 /// Numbers a DXF object name that the program itself knows, for the life of the process; the same name gives

@@ -1417,6 +1417,170 @@ Please open: %1</translation>
         <source>&lt; %1 &gt;文件不是ANSI编码，请用记事本打开并以ANSI格式保存。</source>
         <translation>The file &lt; %1 &gt; has no ANSI encoding. Open it in a text editor and save it as ANSI.</translation>
     </message>
+    <message>
+        <source>
+  嵌套: %1  %2  %3</source>
+        <translation>
+  nested: %1  %2  %3</translation>
+    </message>
+    <message>
+        <source>
+%1  %2  %3  %4</source>
+        <translation>
+%1  %2  %3  %4</translation>
+    </message>
+    <message>
+        <source>
+“%1”不能加载: %2</source>
+        <translation>
+Cannot load “%1”: %2</translation>
+    </message>
+    <message>
+        <source>
+“%1”已加载。</source>
+        <translation>
+“%1” loaded.</translation>
+    </message>
+    <message>
+        <source>
+“%1”已卸载。</source>
+        <translation>
+“%1” unloaded.</translation>
+    </message>
+    <message>
+        <source>
+“%1”已拆离。</source>
+        <translation>
+“%1” detached.</translation>
+    </message>
+    <message>
+        <source>
+外部参照“%1”已定义，使用现有定义。</source>
+        <translation>
+External reference “%1” is defined already; its definition is used.</translation>
+    </message>
+    <message>
+        <source>
+旧路径: %1</source>
+        <translation>
+Old path: %1</translation>
+    </message>
+    <message>
+        <source>
+本图没有外部参照。</source>
+        <translation>
+The drawing has no external references.</translation>
+    </message>
+    <message>
+        <source>
+输入新路径: </source>
+        <translation>
+Enter new path: </translation>
+    </message>
+    <message>
+        <source>
+输入要卸载的外部参照名: </source>
+        <translation>
+Enter names of external references to unload: </translation>
+    </message>
+    <message>
+        <source>
+输入要拆离的外部参照名: </source>
+        <translation>
+Enter names of external references to detach: </translation>
+    </message>
+    <message>
+        <source>
+输入要改变路径类型的外部参照名: </source>
+        <translation>
+Enter names of external references to change the path type of: </translation>
+    </message>
+    <message>
+        <source>
+输入要编辑其路径的外部参照名: </source>
+        <translation>
+Enter names of external references to edit the path of: </translation>
+    </message>
+    <message>
+        <source>
+输入要重载的外部参照名: </source>
+        <translation>
+Enter names of external references to reload: </translation>
+    </message>
+    <message>
+        <source>
+输入要附着的文件名: </source>
+        <translation>
+Enter name of file to attach: </translation>
+    </message>
+    <message>
+        <source>
+输入路径类型 [完整(Full)/相对(Relative)/无(None)] &lt;相对&gt;: </source>
+        <translation>
+Enter path type [Full/Relative/None] &lt;Relative&gt;: </translation>
+    </message>
+    <message>
+        <source>
+输入选项 [?/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/覆盖(O)/附着(A)] &lt;附着&gt;: </source>
+        <translation>
+Enter an option [?/Detach/Path/PAthtype/Unload/Reload/Overlay/Attach] &lt;Attach&gt;: </translation>
+    </message>
+    <message>
+        <source>不能读取</source>
+        <translation>unreadable</translation>
+    </message>
+    <message>
+        <source>不能附着: %1</source>
+        <translation>Cannot attach: %1</translation>
+    </message>
+    <message>
+        <source>图形不能参照它自己。</source>
+        <translation>A drawing cannot refer to itself.</translation>
+    </message>
+    <message>
+        <source>图形尚未命名，没有相对路径。</source>
+        <translation>The drawing has no name yet, so there is no relative path.</translation>
+    </message>
+    <message>
+        <source>外部参照 %1 已存在，其文件为 %2。</source>
+        <translation>External reference %1 exists; its file is %2.</translation>
+    </message>
+    <message>
+        <source>外部参照 %1: %2</source>
+        <translation>External reference %1: %2</translation>
+    </message>
+    <message>
+        <source>已加载</source>
+        <translation>loaded</translation>
+    </message>
+    <message>
+        <source>已卸载</source>
+        <translation>unloaded</translation>
+    </message>
+    <message>
+        <source>循环参照</source>
+        <translation>circular</translation>
+    </message>
+    <message>
+        <source>未找到</source>
+        <translation>not found</translation>
+    </message>
+    <message>
+        <source>本图已有名为 %1 的块。</source>
+        <translation>The drawing has a block named %1.</translation>
+    </message>
+    <message>
+        <source>没有与“%1”匹配的外部参照。</source>
+        <translation>No external reference matches “%1”.</translation>
+    </message>
+    <message>
+        <source>覆盖</source>
+        <translation>overlay</translation>
+    </message>
+    <message>
+        <source>附着</source>
+        <translation>attached</translation>
+    </message>
 </context>
 <context>
     <name>bank::CBankSetupWnd</name>

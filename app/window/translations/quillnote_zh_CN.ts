@@ -300,10 +300,6 @@
         <translation>INSERT: 只显示前 %1 个实例的属性</translation>
     </message>
     <message>
-        <source>INSERT: xref %1 not loaded</source>
-        <translation>INSERT: 外部参照 %1 未加载</translation>
-    </message>
-    <message>
         <source>ACAD_TABLE: no picture</source>
         <translation>ACAD_TABLE: 没有图像</translation>
     </message>
@@ -558,6 +554,30 @@
     <message>
         <source>what was written cannot be read again (%1); the file stays as it was</source>
         <translation>写出的内容不能重新读取 (%1)；原文件保持不变</translation>
+    </message>
+    <message>
+        <source>%1 leads back to a drawing that shows it</source>
+        <translation>%1 又参照了显示它的图形</translation>
+    </message>
+    <message>
+        <source>%1 not found</source>
+        <translation>未找到 %1</translation>
+    </message>
+    <message>
+        <source>INSERT: xref %1: %2</source>
+        <translation>INSERT: 外部参照 %1: %2</translation>
+    </message>
+    <message>
+        <source>Xref %1</source>
+        <translation>外部参照 %1</translation>
+    </message>
+    <message>
+        <source>more references than can be shown</source>
+        <translation>外部参照过多</translation>
+    </message>
+    <message>
+        <source>unloaded</source>
+        <translation>已卸载</translation>
     </message>
 </context>
 </TS>

@@ -50,7 +50,7 @@ void acedRegisterHostCommands()
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(), viewCommands(),
                             coordinateCommands(), layerCommands(), drawCommands(), blockCommands(),
                             inquiryCommands(),    menuCommands(),  plotCommands(), layoutCommands(),
-                            gripCommands()};
+                            gripCommands(),       xrefCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {
             const QString name = QLatin1String(entry.name);

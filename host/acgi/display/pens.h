@@ -56,9 +56,11 @@ private:
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *) override { m_areVariablesRead = false; }
+    void xrefsChanged(const AcDbDatabase *) override { m_isRead = false; }
     void goodbye(const AcDbDatabase *) override { m_isGone = true; }
     void noteChange(const AcDbObject &object);
     void readAll();
+    void readTables(const AcDbDatabase &database);
     void readVariables();
     void readLayer(AcDbObjectId record);
 

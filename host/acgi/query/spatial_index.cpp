@@ -357,6 +357,7 @@ public:
     {
         m_index.noteChange(*object);
     }
+    void xrefsChanged(const AcDbDatabase *) override { m_index.forgetBlocks(); }
     void goodbye(const AcDbDatabase *) override
     {
         m_ended = true;
@@ -441,10 +442,14 @@ void SpatialIndex::noteChange(const AcDbObject &object)
     if (const auto known = m_spaces.find(block); known != m_spaces.end())
         known->second->noteChange(changed->index);
     // Inserts of that block look different now; only blocks that were looked into are shown.
-    if (m_blocks.knows(block)) {
-        m_blocks.clear();
-        m_spaces.clear();
-    }
+    if (m_blocks.knows(block))
+        forgetBlocks();
+}
+
+void SpatialIndex::forgetBlocks()
+{
+    m_blocks.clear();
+    m_spaces.clear();
 }
 
 /// The visible entities whose box the window may have to do with.
@@ -480,23 +485,65 @@ std::vector<AcDbObjectId> SpatialIndex::insideWindow(AcDbObjectId blockRecord, c
     return ids;
 }
 
-std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window,
-                                                       const std::function<void(AcDbObjectId)> &whileOpen)
+std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window)
 {
-    std::vector<AcDbObjectId> ids;
-    for (const Found &found : visibleNear(blockRecord, window)) {
-        const AcDbObjectId id(m_database.stub(found.entity));
-        bool crosses = window.contains(found.box);
-        if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
-            readEntity(id, [&](const AcDbEntity &e) {
-                crosses = acgi::crosses(e, window, &m_blocks);
-                if (crosses && whileOpen)
-                    whileOpen(id);
-            });
-        if (crosses)
-            ids.push_back(id);
+    return std::move(crossingWindows(blockRecord, std::span(&window, 1)).front());
+}
+
+/// An entity whose box does not tell whether it crosses a window.
+struct SpatialIndex::Doubt {
+    std::uint32_t entity;
+    std::uint32_t window; ///< Its place among those asked about.
+
+    friend auto operator<=>(const Doubt &, const Doubt &) = default;
+};
+
+std::vector<std::vector<AcDbObjectId>> SpatialIndex::crossingWindows(AcDbObjectId blockRecord,
+                                                                     std::span<const Window> windows)
+{
+    constexpr std::size_t kMostFound = 200'000;
+    std::vector<std::vector<AcDbObjectId>> crossing;
+    std::vector<Doubt> doubts;
+    std::size_t count = 0;
+    while (crossing.size() < windows.size() && count < kMostFound) {
+        const Window &window = windows[crossing.size()];
+        std::vector<AcDbObjectId> certain;
+        for (const Found &found : visibleNear(blockRecord, window)) {
+            ++count;
+            if (window.contains(found.box))
+                certain.emplace_back(m_database.stub(found.entity));
+            else if (!found.box.isValid() || window.mayMeet(found.box))
+                doubts.push_back({found.entity, std::uint32_t(crossing.size())});
+        }
+        crossing.push_back(std::move(certain));
     }
-    return ids;
+    settle(doubts, windows, crossing);
+    for (std::vector<AcDbObjectId> &ids : crossing)
+        std::ranges::sort(ids, {}, [](AcDbObjectId id) { return id.stub()->index; });
+    return crossing;
+}
+
+void SpatialIndex::settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
+                          std::vector<std::vector<AcDbObjectId>> &crossing)
+{
+    std::ranges::sort(doubts);
+    std::vector<const Window *> asked;
+    for (auto first = doubts.begin(); first != doubts.end();) {
+        const auto isOther = [&](const Doubt &doubt) { return doubt.entity != first->entity; };
+        const auto last = std::find_if(first, doubts.end(), isOther);
+        asked.clear();
+        for (auto doubt = first; doubt != last; ++doubt)
+            asked.push_back(&windows[doubt->window]);
+        const AcDbObjectId id(m_database.stub(first->entity));
+        readEntity(id, [&](const AcDbEntity &entity) {
+            const std::vector<bool> answers = crossesEach(entity, asked, m_blocks);
+            for (auto doubt = first; doubt != last; ++doubt) {
+                if (answers[std::size_t(doubt - first)])
+                    crossing[doubt->window].push_back(id);
+            }
+        });
+        first = last;
+    }
 }
 
 /// The display knows the boxes of what is on the screen, so that few entities have to be drawn for it.

@@ -5,8 +5,10 @@
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/region.h"
 
-#include <functional>
 #include <memory>
+#include <span>
+#include <unordered_map>
+#include <vector>
 
 namespace acgi
 {
@@ -36,9 +38,12 @@ public:
     /// Entities that liesInside() and crosses() say yes to, as far as they are
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const Window &window);
-    /// `whileOpen` hears of those that had to be opened, while they are: looking into them costs less then.
-    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window,
-                                             const std::function<void(AcDbObjectId)> &whileOpen = {});
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window);
+    /// The same of the first windows: as many as have some hundred thousand entities together, at least one;
+    /// the size of the result says how many. Each entity is opened once for all of them, so neighbours should
+    /// come one after the other.
+    std::vector<std::vector<AcDbObjectId>> crossingWindows(AcDbObjectId blockRecord,
+                                                           std::span<const Window> windows);
     /// At a point also what custom entities show beside their extents in the view on the screen, such as
     /// flags.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
@@ -55,13 +60,17 @@ private:
     class Space;
     class Keeper;
     struct Found;
+    struct Doubt;
     class EntityLayers;
 
     explicit SpatialIndex(AcDbDatabase &database);
     Space &space(AcDbObjectId blockRecord);
     std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
+    void settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
+                std::vector<std::vector<AcDbObjectId>> &crossing);
     void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
+    void forgetBlocks();
 
     AcDbDatabase &m_database;
     BlockExtents m_blocks;
