@@ -10,7 +10,7 @@
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/reactors.h"

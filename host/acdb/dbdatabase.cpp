@@ -50,8 +50,8 @@ AcDbDatabase::AcDbDatabase() : m_undo(std::make_unique<AcDbUndo>(*this))
 
 AcDbDatabase::~AcDbDatabase()
 {
-    for (std::size_t i = m_reactors.size(); i-- > 0;)
-        m_reactors[i]->goodbye(this);
+    m_attachments.dropAll();
+    m_reactors.tell([this](AcDbDatabaseReactor &reactor) { reactor.goodbye(this); });
     openDatabases().erase(this);
     for (std::uint32_t i = 0; i < m_stubCount; ++i)
         delete stub(i)->object;
@@ -381,13 +381,11 @@ void AcDbDatabase::notifyWhileOpen(AcDbStub &stub,
 {
     AcDbObject *const object = stub.object;
     const bool wasNotifying = std::exchange(object->m_notifying, true);
-    const std::vector<AcDbDatabaseReactor *> hearers = m_reactors;
-    for (AcDbDatabaseReactor *reactor : hearers) {
-        if (std::ranges::find(m_reactors, reactor) != m_reactors.end())
-            event(*reactor, *object);
+    m_reactors.tell([&](AcDbDatabaseReactor &reactor) {
+        event(reactor, *object);
         if (std::exchange(object->m_writing, false))
             noteChange(stub);
-    }
+    });
     object->m_notifying = wasNotifying;
 }
 
@@ -627,8 +625,8 @@ void AcDbDatabase::setHeaderVariable(const QByteArray &name, ResbufList groups)
     value.present = true;
     value.changed = true;
     countChange();
-    for (AcDbDatabaseReactor *reactor : std::vector(m_reactors))
-        reactor->headerSysVarChanged(this, name.constData());
+    m_reactors.tell(
+        [&](AcDbDatabaseReactor &reactor) { reactor.headerSysVarChanged(this, name.constData()); });
 }
 
 std::vector<QByteArray> AcDbDatabase::changedHeaderNames() const
@@ -661,14 +659,4 @@ std::vector<AcDbStub *> AcDbDatabase::changedStubs() const
 bool AcDbDatabase::hasChanges() const
 {
     return !changedStubs().empty() || !changedHeaderNames().empty();
-}
-
-void AcDbDatabase::addReactor(AcDbDatabaseReactor *reactor)
-{
-    m_reactors.push_back(reactor);
-}
-
-void AcDbDatabase::removeReactor(AcDbDatabaseReactor *reactor)
-{
-    std::erase(m_reactors, reactor);
 }

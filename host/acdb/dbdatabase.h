@@ -11,6 +11,8 @@
 #include "host/acdb/dbsource.h"
 #include "host/acdb/errorstatus.h"
 #include "host/acdb/resbuf.h"
+#include "host/base/attachments.h"
+#include "host/base/listeners.h"
 
 #include <array>
 #include <functional>
@@ -170,8 +172,12 @@ public:
     /// for undo (which layout is shown, carriers made for saving) is no other state.
     std::uint64_t editState() const { return m_editState; }
 
-    void addReactor(AcDbDatabaseReactor *reactor);
-    void removeReactor(AcDbDatabaseReactor *reactor);
+    void addReactor(AcDbDatabaseReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcDbDatabaseReactor *reactor) { m_reactors.remove(reactor); }
+
+    /// What others keep of the drawing; ends with it, while the drawing is still whole.
+    base::Attachments &attachments() { return m_attachments; }
+    const base::Attachments &attachments() const { return m_attachments; }
 
     /// The object's groups in file form, custom objects included: what saving writes.
     ResbufList fileGroups(const AcDbStub &stub) const;
@@ -243,7 +249,8 @@ private:
     std::uint64_t m_editState = 0;
     std::uint64_t m_lastEditState = 0; ///< The highest number given so far.
     std::unique_ptr<AcDbUndo> m_undo;
-    std::vector<AcDbDatabaseReactor *> m_reactors;
+    base::Listeners<AcDbDatabaseReactor> m_reactors;
+    base::Attachments m_attachments;
     /// Objects made for an earlier save, by the index of the custom object's stub; erased in between.
     struct Carrier {
         AcDbObjectId dictionary;

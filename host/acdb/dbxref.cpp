@@ -220,8 +220,7 @@ void AcDbXrefs::noteChange(const AcDbObject &object)
 void AcDbXrefs::changed()
 {
     m_isFresh = false;
-    for (AcDbDatabaseReactor *const reactor : std::vector(m_host->m_reactors))
-        reactor->xrefsChanged(m_host);
+    m_host->m_reactors.tell([this](AcDbDatabaseReactor &reactor) { reactor.xrefsChanged(m_host); });
 }
 
 void AcDbXrefs::reload(AcDbObjectId block, bool always)

@@ -1,6 +1,8 @@
 // Commands: named functions that a person, a script, a menu or another command can run.
 #pragma once
 
+#include "host/base/listeners.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -64,8 +66,8 @@ public:
 class AcEditor
 {
 public:
-    void addReactor(AcEditorReactor *reactor);
-    void removeReactor(AcEditorReactor *reactor);
+    void addReactor(AcEditorReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcEditorReactor *reactor) { m_reactors.remove(reactor); }
 
     /// Runs one command by name as one undo step, with document lock and notifications. RTNORM, RTCAN when
     /// it was cancelled, RTERROR with a printed line when there is no such command.
@@ -89,10 +91,8 @@ public:
 private:
     friend class AcEdRunningAs;
     int runLocked(const AcEdCommand &command);
-    template <class Notify>
-    void notify(Notify event);
 
-    std::vector<AcEditorReactor *> m_reactors;
+    base::Listeners<AcEditorReactor> m_reactors;
     QStringList m_active;
     QStringList m_queue;
     bool m_cancelled = false;

@@ -9,7 +9,6 @@
 #include "host/aced/edinput.h"
 #include "host/aced/edselect.h"
 #include "host/aced/edsysvar.h"
-#include "host/aced/edview.h"
 
 #include <optional>
 
@@ -29,7 +28,9 @@ static std::optional<MarkCorners> askArea(const AcGePoint3d *from)
         acutPrintf(QStringLiteral("未获取点，放弃!"));
         return std::nullopt;
     }
-    if (acedGetCorner(first, QStringLiteral("\n指定矩形另一角: "), second) != RTNORM) {
+    // The user may go to another drawing while the command waits, but not within one rectangle.
+    const AcApDocument *const document = curDoc();
+    if (acedGetCorner(first, QStringLiteral("\n指定矩形另一角: "), second) != RTNORM || curDoc() != document) {
         acutPrintf(QStringLiteral("未获取对角点，放弃!"));
         return std::nullopt;
     }
@@ -37,7 +38,7 @@ static std::optional<MarkCorners> askArea(const AcGePoint3d *from)
         *point = acedTrans(*point, AcEdSpace::ucs, AcEdSpace::world);
         point->z = 0.0;
     }
-    return cornersInView(first, second, acedViewFrame(curDoc()->view()));
+    return cornersInView(first, second, curDoc()->view().getWorldToEyeTransform());
 }
 
 /// Null when the drawing refuses it, which is said.

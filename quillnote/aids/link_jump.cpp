@@ -34,14 +34,12 @@ static AcApDocument *bringUp(const QString &partnerPath)
         acDocManager()->activateDocument(open);
         return open;
     }
-    const QStringList places = placesOfPartner(partnerPath, curDoc()->database()->folder());
-    const auto found = std::ranges::find_if(places, base::isPlainFile);
-    if (found == places.end()) {
+    const QString file = findPartnerDrawing(partnerPath, curDoc()->database()->folder());
+    if (file.isEmpty()) {
         acutPrintf(QStringLiteral("\n没有找到热点链接另一端所在的图形：%1").arg(partnerPath));
         return nullptr;
     }
-    const QString file = base::fullPath(*found);
-    if (*found != partnerPath)
+    if (file != base::fullPath(partnerPath))
         acutPrintf(QStringLiteral("\n%1 不在原处，改用 %2。").arg(partnerPath, file));
     if (acDocManager()->isBusy()) {
         acutPrintf(QStringLiteral("\nERROR To Open Doc!\n"));
@@ -59,7 +57,7 @@ static AcApDocument *bringUp(const QString &partnerPath)
 /// A box around the link as it is seen in the view, with the margin of the settings.
 static void zoomTo(AcApDocument &document, const MarkCorners &corners)
 {
-    const AcGeMatrix3d toView = acedViewFrame(document.view());
+    const AcGeMatrix3d toView = document.view().getWorldToEyeTransform();
     AcDbExtents seen;
     for (const AcGePoint3d &corner : {corners.corner1, corners.corner2, corners.corner3, corners.corner4})
         seen.addPoint(toView * corner);

@@ -1,17 +1,17 @@
 #include "quillnote/aids/link_pair.h"
 
 #include "quillnote/aids/links/link_set.h"
-#include "quillnote/authoring/append_mark.h"
 #include "quillnote/authoring/mark_layer.h"
+#include "quillnote/authoring/new_mark.h"
 
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
+#include "host/acdb/dbxref.h"
+#include "host/base/path_name.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
-#include <ranges>
 
 PendingLink &pendingLink()
 {
@@ -80,31 +80,12 @@ Acad::ErrorStatus joinLinks(const LinkEnd &source, const LinkEnd &target)
 
 // Finding -----------------------------------------------------------------------------------------
 
-QStringList placesOfPartner(const QString &path, const QString &own)
+QString findPartnerDrawing(const QString &path, const QString &own)
 {
-    constexpr int kFoldersAbove = 3;
-    constexpr qsizetype kLongestWay = 4; // Names, that of the drawing included.
-    QString slashed = path;
-    slashed.replace(u'\\', u'/');
-    QStringList places;
-    if (QDir::isAbsolutePath(path))
-        places += path;
-    const QStringList names = slashed.split(u'/', Qt::SkipEmptyParts);
-    const bool leadsUp = names.contains(QStringLiteral(".."));
-    if (own.isEmpty() || names.isEmpty() || names.last() == u"..")
-        return places;
-    for (qsizetype length = leadsUp ? 1 : std::min(kLongestWay, names.size()); length > 0; --length) {
-        const QString way = u'/' + names.mid(names.size() - length).join(u'/');
-        QString folder = own.endsWith(u'/') ? own.chopped(1) : own;
-        for (int above = 0; above <= kFoldersAbove; ++above) {
-            if (!places.contains(folder + way))
-                places += folder + way;
-            if (!folder.contains(u'/'))
-                break;
-            folder.truncate(folder.lastIndexOf(u'/'));
-        }
-    }
-    return places;
+    if (QDir::isAbsolutePath(path) && base::isPlainFile(path))
+        return base::fullPath(path);
+    const QString found = acdbFindDrawing(path, own);
+    return base::isPlainFile(found) ? found : QString();
 }
 
 // Handles are numbers that every drawing uses, so the one that is found may be anything.

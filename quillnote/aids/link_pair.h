@@ -6,7 +6,7 @@
 
 #include "host/acap/docman.h"
 
-#include <QStringList>
+#include <QString>
 
 /// A link and the document that holds it.
 struct LinkEnd {
@@ -35,9 +35,9 @@ AcDbObjectId appendLink(AcApDocument &document, const MarkCorners &corners);
 /// has changed.
 Acad::ErrorStatus joinLinks(const LinkEnd &source, const LinkEnd &target);
 
-/// Where the drawing of a partner may lie, the likeliest first: at its path; then, as after a move of both
-/// drawings with their folder, on the same way from the folder `own` or from one above it.
-QStringList placesOfPartner(const QString &path, const QString &own);
+/// The drawing of a partner: at its path, else where references are looked for from the folder `own`, as after
+/// a move of both drawings with their folder. Empty when there is none.
+QString findPartnerDrawing(const QString &path, const QString &own);
 
 struct FoundPartner {
     AcDbObjectId link;

@@ -4,26 +4,22 @@
 #include "quillnote/aids/overlay_commands.h"
 #include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
-#include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/authoring/flag_refresh.h"
-#include "quillnote/authoring/freehand_mark.h"
-#include "quillnote/authoring/leader_mark.h"
-#include "quillnote/authoring/mark_display.h"
 #include "quillnote/authoring/mark_leaders.h"
+#include "quillnote/authoring/mark_opinion.h"
+#include "quillnote/authoring/mark_targets.h"
 #include "quillnote/authoring/mark_vertices.h"
 #include "quillnote/authoring/native_conversion.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/authoring/polygon_mark.h"
-#include "quillnote/authoring/rectangle_mark.h"
-#include "quillnote/authoring/redraw_marks.h"
-#include "quillnote/authoring/renumber.h"
-#include "quillnote/authoring/setup.h"
-#include "quillnote/authoring/show_text.h"
 #include "quillnote/exchange/courier_files.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
+#include "quillnote/frame/setup.h"
 #include "quillnote/frame/small_commands.h"
 #include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_sheet.h"
@@ -109,8 +105,8 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, QN3_DataFileIn},
     {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, QN3_DataFileInQuiet},
     {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, QN3_Setup},
-    {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
-    {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
+    {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, QN8_whiteAttach},
+    {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, QN8_xclip},
     {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, QN8_setDiTuColor},
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
@@ -124,6 +120,7 @@ static constexpr CommandRow kCommands[] = {
     // Commands of later versions stand behind the others.
     {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
     {"QN8_SynningPlace", "SynningPlace", kModal, kNotRecorded, QN8_SynningPlace},
+    {"QN8_overlayRenew", "overlayRenew", kModal, kNotRecorded, QN8_overlayRenew},
 };
 // clang-format on
 

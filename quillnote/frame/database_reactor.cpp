@@ -1,7 +1,6 @@
 #include "quillnote/frame/database_reactor.h"
 
 #include "quillnote/aids/links/link_set.h"
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/exchange/synchronisation.h"
 

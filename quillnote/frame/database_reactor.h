@@ -2,7 +2,7 @@
 // of marks to the synchronisation, and has partners of hot links drawn anew.
 #pragma once
 
-#include "quillnote/authoring/mark_counts.h"
+#include "quillnote/authoring/numbering.h"
 
 #include "host/acdb/dbreactor.h"
 

@@ -3,8 +3,9 @@
 
 #include "quillnote/aids/link_pair.h"
 #include "quillnote/aids/links/link_record.h"
-#include "quillnote/authoring/append_state.h"
+#include "quillnote/aids/overlay_commands.h"
 #include "quillnote/authoring/flag_refresh.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_grips.h"
 #include "quillnote/entity/mark_state.h"
@@ -107,6 +108,7 @@ static void drawingLoaded()
 {
     queueMenuLoad();
     defineLispFunctions();
+    sayGoneOverlays();
     if (settings::number(u"autoFlagRefresh") > 0)
         startFlagRefresh();
 }

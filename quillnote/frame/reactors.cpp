@@ -1,7 +1,7 @@
 #include "quillnote/frame/reactors.h"
 
 #include "quillnote/aids/link_pair.h"
-#include "quillnote/authoring/append_state.h"
+#include "quillnote/aids/overlay_copy.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
@@ -11,7 +11,7 @@
 
 #include <utility>
 
-/// Keeps the registry and the drawn-mark set in step with the documents.
+/// Keeps the registry in step with the documents.
 class QNK2_DocReactor : public AcApDocManagerReactor
 {
 public:
@@ -23,34 +23,16 @@ public:
 
     void documentCreated(AcApDocument *document) override
     {
-        keepDrawnMarks();
         m_registry.attach(document);
-        markDrawingState().drawnMarks.clear();
         m_registry.ensureDatabaseReactor();
     }
     void documentToBeDestroyed(AcApDocument *document) override
     {
         m_registry.detach(document);
         leaveDrawing(*document->database());
-        // The ids are gone with the drawing. Another drawing that is current keeps its own.
-        std::erase_if(markDrawingState().drawnMarks,
-                      [document](AcDbObjectId id) { return id.database() == document->database(); });
         pendingLink().forget(*document->database());
-        if (appendState().lastCreatedMark.database() == document->database())
-            appendState().lastCreatedMark = {};
     }
-    void documentToBeActivated(AcApDocument *document) override
-    {
-        m_registry.attach(document);
-        markDrawingState().drawnMarks = m_registry.current()->drawnMarks;
-    }
-    void documentToBeDeactivated(AcApDocument *document) override
-    {
-        // A document that was just created is current already, and what was drawn in this one is kept.
-        if (m_registry.current() && m_registry.current()->document == document)
-            keepDrawnMarks();
-        markDrawingState().drawnMarks.clear();
-    }
+    void documentToBeActivated(AcApDocument *document) override { m_registry.attach(document); }
     void documentActivated(AcApDocument *document) override
     {
         m_registry.ensureDatabaseReactor();
@@ -58,16 +40,10 @@ public:
     }
 
 private:
-    void keepDrawnMarks()
-    {
-        if (m_registry.current())
-            m_registry.current()->drawnMarks = markDrawingState().drawnMarks;
-    }
-
     DocumentRegistry &m_registry;
 };
 
-/// Keeps the review palette in step with the documents.
+/// Keeps the review palette in step with the documents, and the overlays that they were saved with.
 class QNNK_DocumentReactor : public AcApDocManagerReactor
 {
 public:
@@ -77,6 +53,10 @@ public:
     void documentActivated(AcApDocument *) override { refreshReviewPalette(); }
     void documentToBeDeactivated(AcApDocument *document) override { storeReviewInput(*document, false); }
     void documentToBeDestroyed(AcApDocument *document) override { forgetReviewed(*document); }
+    void documentSaved(AcApDocument *document) override
+    {
+        keepOverlaysFor(*document->database(), document->fileName());
+    }
     void inputWanted(AcApDocument *document, bool forSaving) override
     {
         storeReviewInput(*document, forSaving);

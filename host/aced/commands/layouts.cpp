@@ -99,10 +99,10 @@ static void restoreView(const QString &name)
         acedRefuse(Host::tr("视图“%1”属于另一个空间。").arg(name));
         return;
     }
-    AcApView &present = curDoc()->view();
+    AcGeView &present = curDoc()->view();
     acedRememberView(*curDoc());
     present.centre = view->centre;
-    present.height = std::max(view->height, view->width * present.pixelHeight / present.pixelWidth);
+    present.height = present.heightFor(view->width, view->height);
     present.twist = view->twist;
 }
 

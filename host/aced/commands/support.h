@@ -53,9 +53,6 @@ double rotationInPlane(double angle);
 /// The direction of that plane, unless it is the usual one.
 void appendNormal(ResbufList &groups);
 
-/// Zooms so that the whole box (world) is inside the view, whatever its twist.
-void fitIntoView(AcApDocument &document, AcDbExtents box);
-
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();
 /// Does `work` with very many entities in pieces; the user sees how far it has come. False: he stopped it,

@@ -12,7 +12,7 @@
 namespace hostcommands
 {
 
-static AcApView &viewToChange()
+static AcGeView &viewToChange()
 {
     acedRememberView(*curDoc());
     return curDoc()->view();
@@ -25,7 +25,7 @@ static void zoomTo(const AcDbExtents &extents)
         return;
     }
     viewToChange();
-    fitIntoView(*curDoc(), extents);
+    curDoc()->view().fit(extents);
     constexpr double kRoomAround = 1.02; // What lies on the edge is seen whole.
     curDoc()->view().height *= kRoomAround;
 }
@@ -115,9 +115,9 @@ static void zoomScale(const QString &text)
     if (!scale->ofView) {
         const AcDbExtents whole = wholeDrawing();
         if (whole.isValid()) {
-            AcApView &view = curDoc()->view();
-            const AcApView present = view;
-            fitIntoView(*curDoc(), whole);
+            AcGeView &view = curDoc()->view();
+            const AcGeView present = view;
+            curDoc()->view().fit(whole);
             height = std::exchange(view, present).height;
         }
     }
@@ -144,7 +144,7 @@ static void zoomCentre()
         acedRefuse(Host::tr("需要高度，或比例因子 (如 2x)。"));
         return;
     }
-    AcApView &view = viewToChange();
+    AcGeView &view = viewToChange();
     view.centre = toWorld(centre);
     view.height = scale->ofView ? view.height / scale->factor : scale->factor;
 }
@@ -197,7 +197,7 @@ static void pan()
         return;
     const AcGeVector3d movement =
         result == RTNORM ? toWorld(target) - toWorld(*base) : toWorld(base->asVector());
-    AcApView &view = viewToChange();
+    AcGeView &view = viewToChange();
     view.centre = view.centre - movement;
 }
 

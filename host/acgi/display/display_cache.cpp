@@ -11,22 +11,15 @@
 namespace acgi
 {
 
-DisplayCache::DisplayCache(AcDbDatabase &database, std::function<void()> ended, std::function<void()> changes)
-    : m_database(database), m_ended(std::move(ended)), m_changes(std::move(changes))
+DisplayCache::DisplayCache(AcDbDatabase &database, std::function<void()> changes)
+    : m_database(database), m_changes(std::move(changes))
 {
     m_database.addReactor(this);
 }
 
 DisplayCache::~DisplayCache()
 {
-    if (m_ended)
-        m_database.removeReactor(this);
-}
-
-void DisplayCache::goodbye(const AcDbDatabase *)
-{
-    const std::function<void()> ended = std::exchange(m_ended, nullptr);
-    ended(); // Deletes this.
+    m_database.removeReactor(this);
 }
 
 static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)

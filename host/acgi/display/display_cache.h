@@ -26,9 +26,9 @@ struct ChangedBoxes {
 class DisplayCache : public AcDbDatabaseReactor, private BlockLists
 {
 public:
-    /// `ended` is told of the drawing's end. `changes` is called before anything changes that the const
+    /// `changes` is called before anything changes that the const
     /// members show: nobody may be reading them on another thread afterwards.
-    DisplayCache(AcDbDatabase &database, std::function<void()> ended, std::function<void()> changes);
+    DisplayCache(AcDbDatabase &database, std::function<void()> changes);
     ~DisplayCache() override;
 
     /// Makes the lists of the space that are missing, and gives those that the view has to do with. Views
@@ -69,7 +69,6 @@ public:
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *name) override;
     void xrefsChanged(const AcDbDatabase *) override;
-    void goodbye(const AcDbDatabase *) override;
 
 private:
     /// Lists that are good for one view.
@@ -163,7 +162,6 @@ private:
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 
     AcDbDatabase &m_database;
-    std::function<void()> m_ended;
     std::function<void()> m_changes;
     AcDbNesting m_nesting;                                  ///< Of the block whose list is being made.
     std::unordered_map<std::uint32_t, Progress> m_progress; ///< By the index of the space.

@@ -45,8 +45,7 @@ DrawingTables::DrawingTables(AcDbDatabase &database) : m_database(database)
 
 DrawingTables::~DrawingTables()
 {
-    if (!m_isGone)
-        m_database.removeReactor(this);
+    m_database.removeReactor(this);
 }
 
 // Of a hundred thousand layers few change at a time. Linetypes are few, and layers name them.

@@ -57,7 +57,6 @@ private:
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *) override { m_areVariablesRead = false; }
     void xrefsChanged(const AcDbDatabase *) override { m_isRead = false; }
-    void goodbye(const AcDbDatabase *) override { m_isGone = true; }
     void noteChange(const AcDbObject &object);
     void readAll();
     void readTables(const AcDbDatabase &database);
@@ -67,7 +66,6 @@ private:
     AcDbDatabase &m_database;
     bool m_isRead = false;
     bool m_areVariablesRead = false;
-    bool m_isGone = false; ///< The drawing ends before its display.
     std::vector<AcDbObjectId> m_changedLayers;
     AcDbObjectId m_layerZero;
     Layer m_plain;

@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <future>
-#include <map>
 #include <unordered_set>
 
 namespace acgi
@@ -319,70 +318,20 @@ private:
     std::unordered_set<std::uint32_t> m_dirty;           ///< Changed since the last question.
 };
 
-/// The indexes of all open drawings.
-static std::map<AcDbDatabase *, std::unique_ptr<SpatialIndex>> &spatialIndexes()
-{
-    static std::map<AcDbDatabase *, std::unique_ptr<SpatialIndex>> all;
-    return all;
-}
-
-/// Hears of changes to the drawing, and of its end.
-class SpatialIndex::Keeper : public AcDbDatabaseReactor
-{
-public:
-    explicit Keeper(SpatialIndex &index) : m_index(index) { m_index.m_database.addReactor(this); }
-    ~Keeper() override
-    {
-        if (!m_ended)
-            m_index.m_database.removeReactor(this);
-    }
-
-    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectModified(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override
-    {
-        m_index.noteChange(*object);
-    }
-    void xrefsChanged(const AcDbDatabase *) override { m_index.forgetBlocks(); }
-    void goodbye(const AcDbDatabase *) override
-    {
-        m_ended = true;
-        spatialIndexes().erase(&m_index.m_database); // Deletes the index, and this with it.
-    }
-
-private:
-    SpatialIndex &m_index;
-    bool m_ended = false;
-};
-
 SpatialIndex::SpatialIndex(AcDbDatabase &database)
-    : m_database(database), m_layers(std::make_unique<EntityLayers>()),
-      m_keeper(std::make_unique<Keeper>(*this))
+    : m_database(database), m_layers(std::make_unique<EntityLayers>())
 {
+    m_database.addReactor(this);
 }
 
-SpatialIndex::~SpatialIndex() = default;
+SpatialIndex::~SpatialIndex()
+{
+    m_database.removeReactor(this);
+}
 
 SpatialIndex &spatialIndexOf(AcDbDatabase &database)
 {
-    std::unique_ptr<SpatialIndex> &index = spatialIndexes()[&database];
-    if (!index)
-        index.reset(new SpatialIndex(database));
-    return *index;
+    return database.attachments().get<SpatialIndex>(database);
 }
 
 SpatialIndex::Space &SpatialIndex::space(AcDbObjectId blockRecord)

@@ -2,6 +2,7 @@
 // kept up by changes. Questions cost what they touch, not what the drawing holds.
 #pragma once
 
+#include "host/acdb/dbreactor.h"
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/region.h"
 
@@ -15,10 +16,10 @@ namespace acgi
 
 /// The index of one drawing; see spatialIndexOf(). Results are in drawing order: the newest entity,
 /// which lies on top, comes last. Erased entities are never found.
-class SpatialIndex
+class SpatialIndex : private AcDbDatabaseReactor
 {
 public:
-    ~SpatialIndex();
+    ~SpatialIndex() override;
     SpatialIndex(const SpatialIndex &) = delete;
     SpatialIndex &operator=(const SpatialIndex &) = delete;
 
@@ -56,14 +57,19 @@ public:
     std::vector<AcDbObjectId> withoutExtents(AcDbObjectId blockRecord);
 
 private:
-    friend SpatialIndex &spatialIndexOf(AcDbDatabase &database);
+    friend base::Attachments;
     class Space;
-    class Keeper;
     struct Found;
     struct Doubt;
     class EntityLayers;
 
     explicit SpatialIndex(AcDbDatabase &database);
+    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
+    void xrefsChanged(const AcDbDatabase *) override { forgetBlocks(); }
     Space &space(AcDbObjectId blockRecord);
     std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
     void settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
@@ -76,7 +82,6 @@ private:
     BlockExtents m_blocks;
     std::unique_ptr<EntityLayers> m_layers;
     std::unordered_map<AcDbObjectId, std::unique_ptr<Space>> m_spaces;
-    std::unique_ptr<Keeper> m_keeper;
 };
 
 /// The index of a drawing, made when first asked for; it ends with the drawing.

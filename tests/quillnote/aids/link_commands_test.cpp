@@ -7,13 +7,11 @@
 #include "host/acdb/dbapi.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/edsysvar.h"
-#include "host/aced/edview.h"
 #include "host/base/path_name.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 #include "tests/support/files.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace
 {
@@ -222,20 +220,6 @@ TEST_F(LinkCommands, FindsDrawingsThatMovedTogetherAndNamesThoseThatAreGone)
     EXPECT_TRUE(jump(links()[0]).contains(QStringLiteral("没有找到热点链接另一端所在的图形：") + detail));
     EXPECT_EQ(curDoc(), only);
     closeAll();
-}
-
-TEST(PlacesOfPartner, GoTheSameWayFromTheFoldersAbove)
-{
-    const QStringList places = placesOfPartner("C:\\jobs\\7\\details\\b.dwg", "/new/7/plans");
-    EXPECT_THAT(places, testing::IsSupersetOf({QStringLiteral("/new/7/details/b.dwg"),
-                                               QStringLiteral("/new/7/plans/b.dwg"),
-                                               QStringLiteral("/new/7/b.dwg")}));
-    EXPECT_LT(places.indexOf("/new/7/details/b.dwg"), places.indexOf("/new/7/plans/b.dwg"));
-    EXPECT_EQ(placesOfPartner("/x/b.dxf", "/y").front(), QStringLiteral("/x/b.dxf"));
-    EXPECT_THAT(placesOfPartner("../../etc/passwd", "/y"),
-                testing::Each(testing::ResultOf([](const QString &place) { return QFileInfo(place).path(); },
-                                                testing::Not(QStringLiteral("/etc")))));
-    EXPECT_TRUE(placesOfPartner("", "/y").empty());
 }
 
 TEST_F(LinkCommands, HideShowAndDelete)

@@ -3,7 +3,7 @@
 
 #include "quillnote/aids/links/link_record.h"
 #include "quillnote/authoring/collect_marks.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_state.h"

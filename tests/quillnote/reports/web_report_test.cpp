@@ -42,10 +42,10 @@ TEST_F(ReportsTest, WebReportHasAPictureAndATableForEachMark)
                 testing::EndsWith(QStringLiteral("\n网页版标记已输出为<%1>。").arg(page).toStdString()));
     EXPECT_THAT(requests, testing::ElementsAre(os::ShellRequest{page, {}, {}, false}));
     EXPECT_EQ(tests::readFile(folder.path(QStringLiteral("PNG/a_1-10.png"))), "an earlier picture");
-    const AcApView &view = drawing.document().view();
+    const AcGeView &view = drawing.document().view();
     for (const int number : {9, 11, 16}) {
         const QImage picture(folder.path(QStringLiteral("PNG/a_1-%1.png").arg(number)));
-        EXPECT_EQ(picture.size(), QSize(view.pixelWidth, view.pixelHeight)) << number;
+        EXPECT_EQ(picture.size(), QSize(int(view.pixelWidth), int(view.pixelHeight))) << number;
     }
     // The last mark stands on a sheet, and the sheet is on the screen.
     EXPECT_FALSE(acedIsModelSpaceCurrent(drawing.document()));
