@@ -96,7 +96,7 @@ static QString freeName(const QString &source)
 {
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("hhmmss"));
     const QString start = QDir(overlayFolder())
-                              .filePath(kOverlayPrefix + QFileInfo(source).completeBaseName() + stamp);
+                              .filePath(kOverlayPrefix.toString() + QFileInfo(source).completeBaseName() + stamp);
     int counter = 1;
     const auto isTaken = [&] {
         const QString name = start + QString::number(counter);
@@ -238,7 +238,7 @@ void removeUnusedOverlays()
         QRegularExpression::anchoredPattern(kOverlayPrefix.toString() + QStringLiteral(".*\\d{7,}\\.(dwg|dxf)")));
     constexpr qint64 kYoung = 24 * 60 * 60;
     const QDir folder(QDir::tempPath());
-    const QStringList names = folder.entryList({kOverlayPrefix + QStringLiteral("*")}, QDir::Files);
+    const QStringList names = folder.entryList({kOverlayPrefix.toString() + QStringLiteral("*")}, QDir::Files);
     for (const QString &name : names) {
         const QFileInfo file(folder.filePath(name));
         const bool isYoung = file.lastModified().secsTo(QDateTime::currentDateTime()) < kYoung;

@@ -120,9 +120,9 @@ TEST(DrawingDifference, WhatIsNotSeenAndMissingSpacesCountAsNothing)
     now.made.layer("OFF", {.flags = 1});
     now.line(0, 0, 5, 5, "OFF");
     EXPECT_FALSE(compareSpaces(old.space(), now.space(), 0.0).any());
-    now = {};
-    now.line(1, 1);
-    EXPECT_EQ(compareSpaces({old.space().database, {}}, now.space(), 0.0).onlyNew.size(), 1U);
+    Drawing other;
+    other.line(1, 1);
+    EXPECT_EQ(compareSpaces({old.space().database, {}}, other.space(), 0.0).onlyNew.size(), 1U);
     EXPECT_TRUE(
-        compareSpaces(old.space(), now.space(), 0.0, [](const QString &, double) { return false; }).isStopped);
+        compareSpaces(old.space(), other.space(), 0.0, [](const QString &, double) { return false; }).isStopped);
 }

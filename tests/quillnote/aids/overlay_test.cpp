@@ -6,6 +6,7 @@
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbxref.h"
 #include "host/acdb/dbxrefedit.h"
+#include "host/aced/edselect.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 #include "tests/support/files.h"
 
