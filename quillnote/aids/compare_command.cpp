@@ -31,12 +31,14 @@ static void list(const std::vector<DifferingPlace> &places)
     acutPrintf(QStringLiteral("\n共 %1 处不同。").arg(places.size()));
 }
 
-static void writePicture(const ComparedSpace &old, const ComparedSpace &now, const DrawingDifference &difference)
+static void writePicture(const ComparedSpace &old, const ComparedSpace &now,
+                         const DrawingDifference &difference)
 {
     QString path;
-    const QString proposed = QFileInfo(curDoc()->fileName()).completeBaseName() + QStringLiteral("-overlay.png");
-    if (acedGetFileD(QStringLiteral("保存比较图"), proposed, QStringLiteral("png;pdf"), kAcUiSaveFile, path) !=
-        RTNORM)
+    const QString proposed =
+        QFileInfo(curDoc()->fileName()).completeBaseName() + QStringLiteral("-overlay.png");
+    if (acedGetFileD(QStringLiteral("保存比较图"), proposed, QStringLiteral("png;pdf"), kAcUiSaveFile,
+                     path) != RTNORM)
         return;
     if (const auto written = writeDifferencePicture(old, now, difference, path); written)
         acutPrintf(QStringLiteral("\n已写出 %1。").arg(path));
@@ -49,22 +51,23 @@ static void offer(const ComparedSpace &old, const ComparedSpace &now, const Draw
     for (;;) {
         QString choice;
         acedInitGet(0, QStringLiteral("Marks Picture eXit"));
-        const int answer =
-            acedGetKword(QStringLiteral("\n[加评图标签(Marks)/输出图片(Picture)/退出(eXit)] <退出>: "), choice);
+        const int answer = acedGetKword(
+            QStringLiteral("\n[加评图标签(Marks)/输出图片(Picture)/退出(eXit)] <退出>: "), choice);
         if (answer != RTNORM || choice == u"eXit")
             return;
         if (choice == u"Picture")
             writePicture(old, now, difference);
         else
-            acutPrintf(QStringLiteral("\n已加 %1 个评图标签。").arg(markPlaces(*now.database, difference.places)));
+            acutPrintf(
+                QStringLiteral("\n已加 %1 个评图标签。").arg(markPlaces(*now.database, difference.places)));
     }
 }
 
 void QN8_overlayCompare()
 {
     QString path;
-    if (acedGetFileD(QStringLiteral("请选择用于比较的旧版图形"), {}, QStringLiteral("DWG;DXF"), kAcUiOpenFile, path) !=
-        RTNORM)
+    if (acedGetFileD(QStringLiteral("请选择用于比较的旧版图形"), {}, QStringLiteral("DWG;DXF"), kAcUiOpenFile,
+                     path) != RTNORM)
         return;
     double tolerance = 0.0;
     acedInitGet(RSG_NONEG);

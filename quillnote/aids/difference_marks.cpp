@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
-static constexpr double kMargin = 0.1;         ///< Of the place's longer side.
-static constexpr double kLeastMargin = 1e-3;   ///< Of the drawing's.
+static constexpr double kMargin = 0.1;       ///< Of the place's longer side.
+static constexpr double kLeastMargin = 1e-3; ///< Of the drawing's.
 
 /// A drawing may differ in a point or a straight line; a target has an area.
 static AcGeVector3d marginOf(const AcDbExtents &box, const AcDbExtents &drawing)

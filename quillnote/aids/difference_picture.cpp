@@ -63,9 +63,8 @@ static void paintAll(const ComparedSpace &old, const ComparedSpace &now, const D
                      const AcGiViewport &view, QPainter &painter)
 {
     const AcDbKind marks = acdbKind(kMarkDxfName);
-    paintSome(now, view, painter, kBoth, [&](AcDbObjectId id) {
-        return id.stub()->kind == marks || difference.onlyNew.contains(id);
-    });
+    paintSome(now, view, painter, kBoth,
+              [&](AcDbObjectId id) { return id.stub()->kind == marks || difference.onlyNew.contains(id); });
     paintSome(old, view, painter, kOnlyOld,
               [&](AcDbObjectId id) { return !difference.onlyOld.contains(id); });
     paintSome(now, view, painter, kOnlyNew,

@@ -62,8 +62,7 @@ Numbers numbersOf(AcDbObjectId id, const QByteArray &content)
             continue;
         }
         numbers.fixed += line.left(equals) + '\n';
-        std::vector<double> &values =
-            kind == GroupKind::point ? numbers.coordinates : numbers.others;
+        std::vector<double> &values = kind == GroupKind::point ? numbers.coordinates : numbers.others;
         for (const QByteArray &word : line.mid(equals + 1).split(' ')) {
             if (!word.isEmpty())
                 values.push_back(word.toDouble());
@@ -196,7 +195,8 @@ private:
         for (int y = 0; y < kSide; ++y) {
             for (int x = 0; x < kSide; ++x) {
                 const int cell = y * kSide + x;
-                for (const auto &[dx, dy] : {std::pair(1, 0), std::pair(-1, 1), std::pair(0, 1), std::pair(1, 1)}) {
+                for (const auto &[dx, dy] :
+                     {std::pair(1, 0), std::pair(-1, 1), std::pair(0, 1), std::pair(1, 1)}) {
                     const bool isInside = x + dx >= 0 && x + dx < kSide && y + dy < kSide;
                     const int other = isInside ? cell + dy * kSide + dx : cell;
                     if (m_isTaken[std::size_t(cell)] && m_isTaken[std::size_t(other)])

@@ -30,7 +30,8 @@ static std::optional<MarkCorners> askArea(const AcGePoint3d *from)
     }
     // The user may go to another drawing while the command waits, but not within one rectangle.
     const AcApDocument *const document = curDoc();
-    if (acedGetCorner(first, QStringLiteral("\n指定矩形另一角: "), second) != RTNORM || curDoc() != document) {
+    if (acedGetCorner(first, QStringLiteral("\n指定矩形另一角: "), second) != RTNORM ||
+        curDoc() != document) {
         acutPrintf(QStringLiteral("未获取对角点，放弃!"));
         return std::nullopt;
     }

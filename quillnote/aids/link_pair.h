@@ -35,8 +35,8 @@ AcDbObjectId appendLink(AcApDocument &document, const MarkCorners &corners);
 /// has changed.
 Acad::ErrorStatus joinLinks(const LinkEnd &source, const LinkEnd &target);
 
-/// The drawing of a partner: at its path, else where references are looked for from the folder `own`, as after
-/// a move of both drawings with their folder. Empty when there is none.
+/// The drawing of a partner: at its path, else where references are looked for from the folder `own`, as
+/// after a move of both drawings with their folder. Empty when there is none.
 QString findPartnerDrawing(const QString &path, const QString &own);
 
 struct FoundPartner {

@@ -172,15 +172,15 @@ void sayGoneOverlays()
     if (!curDoc())
         return;
     for (const Overlay &overlay : goneOverlays(*acdbCurDwg()))
-        acutPrintf(QStringLiteral("\n叠图 %1 的临时文件已不存在，原图为 %2；可用命令 QN8_overlayRenew 重新生成。")
-                       .arg(overlay.name, overlay.source.isEmpty() ? QStringLiteral("?") : overlay.source));
+        acutPrintf(
+            QStringLiteral("\n叠图 %1 的临时文件已不存在，原图为 %2；可用命令 QN8_overlayRenew 重新生成。")
+                .arg(overlay.name, overlay.source.isEmpty() ? QStringLiteral("?") : overlay.source));
 }
 
 static void renew(const Overlay &overlay)
 {
-    const QString source = overlay.source.isEmpty()
-                               ? QString()
-                               : acdbFindDrawing(overlay.source, acdbCurDwg()->folder());
+    const QString source =
+        overlay.source.isEmpty() ? QString() : acdbFindDrawing(overlay.source, acdbCurDwg()->folder());
     if (source.isEmpty()) {
         acutPrintf(QStringLiteral("\n叠图 %1 的原图 %2 没有找到。").arg(overlay.name, overlay.source));
         return;

@@ -71,8 +71,8 @@ static void replaceDefinitions(AcDbDatabase &database)
         if (!space)
             continue;
         for (const AcDbObjectId id : space->entities()) {
-            const AcDbObjectPointer<AcDbEntity> entity(
-                id.stub()->kind == definitions ? id : AcDbObjectId(), AcDb::kForWrite);
+            const AcDbObjectPointer<AcDbEntity> entity(id.stub()->kind == definitions ? id : AcDbObjectId(),
+                                                       AcDb::kForWrite);
             if (entity)
                 replaceDefinition(*space, *entity);
         }
@@ -95,8 +95,9 @@ static QString overlayFolder()
 static QString freeName(const QString &source)
 {
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("hhmmss"));
-    const QString start = QDir(overlayFolder())
-                              .filePath(kOverlayPrefix.toString() + QFileInfo(source).completeBaseName() + stamp);
+    const QString start =
+        QDir(overlayFolder())
+            .filePath(kOverlayPrefix.toString() + QFileInfo(source).completeBaseName() + stamp);
     int counter = 1;
     const auto isTaken = [&] {
         const QString name = start + QString::number(counter);
@@ -175,8 +176,8 @@ void rememberOverlaySource(AcDbObjectId block, const QString &source, int colorI
 namespace
 {
 
-/// Which drawing was saved with which copy, as the settings keep it: in each row the name of a copy, a line end
-/// and the path of the drawing.
+/// Which drawing was saved with which copy, as the settings keep it: in each row the name of a copy, a line
+/// end and the path of the drawing.
 class KnownOverlays
 {
 public:
@@ -226,19 +227,19 @@ static bool isShownByOpen(const QString &fileName)
     const std::vector<AcApDocument *> documents = acDocManager()->allDocuments();
     return std::ranges::any_of(documents, [&](const AcApDocument *document) {
         const std::vector<Overlay> overlays = overlaysOf(*document->database());
-        return std::ranges::any_of(overlays, [&](const Overlay &overlay) {
-            return QFileInfo(overlay.file).fileName() == fileName;
-        });
+        return std::ranges::any_of(
+            overlays, [&](const Overlay &overlay) { return QFileInfo(overlay.file).fileName() == fileName; });
     });
 }
 
 void removeUnusedOverlays()
 {
-    static const QRegularExpression kOurs(
-        QRegularExpression::anchoredPattern(kOverlayPrefix.toString() + QStringLiteral(".*\\d{7,}\\.(dwg|dxf)")));
+    static const QRegularExpression kOurs(QRegularExpression::anchoredPattern(
+        kOverlayPrefix.toString() + QStringLiteral(".*\\d{7,}\\.(dwg|dxf)")));
     constexpr qint64 kYoung = 24 * 60 * 60;
     const QDir folder(QDir::tempPath());
-    const QStringList names = folder.entryList({kOverlayPrefix.toString() + QStringLiteral("*")}, QDir::Files);
+    const QStringList names =
+        folder.entryList({kOverlayPrefix.toString() + QStringLiteral("*")}, QDir::Files);
     for (const QString &name : names) {
         const QFileInfo file(folder.filePath(name));
         const bool isYoung = file.lastModified().secsTo(QDateTime::currentDateTime()) < kYoung;

@@ -23,8 +23,8 @@ struct OverlayCopy {
 
 enum class OverlayTrouble { stopped, unreadable, notSaved };
 
-/// Makes the copy of a drawing under a new name, as DWG when that can be written, else as DXF. Texts that do not
-/// fit in are said.
+/// Makes the copy of a drawing under a new name, as DWG when that can be written, else as DXF. Texts that do
+/// not fit in are said.
 base::Result<OverlayCopy, OverlayTrouble> makeOverlayCopy(const QString &source, int colorIndex);
 
 /// An overlay of a drawing: what its block says of it.

@@ -97,13 +97,16 @@ AcEdVerb overlayVerb()
 {
     AcEdVerb verb;
     verb.name = QStringLiteral("overlay");
-    verb.help = QStringLiteral("Lay two drawings on each other: red is only in the old one, green only in the new "
-                               "one, grey in both");
+    verb.help =
+        QStringLiteral("Lay two drawings on each other: red is only in the old one, green only in the new "
+                       "one, grey in both");
     verb.more = QStringLiteral("NEW OUT.png|OUT.pdf");
     verb.options = {
-        {kTolerance, QStringLiteral("UNITS"), QStringLiteral("Points that are no further apart are the same.")},
+        {kTolerance, QStringLiteral("UNITS"),
+         QStringLiteral("Points that are no further apart are the same.")},
         {kLayout, QStringLiteral("NAME"), QStringLiteral("Compare this layout instead of model space.")},
-        {kMarks, QStringLiteral("FILE"), QStringLiteral("Write NEW with a mark around each place that differs.")},
+        {kMarks, QStringLiteral("FILE"),
+         QStringLiteral("Write NEW with a mark around each place that differs.")},
         {kOverwrite, {}, QStringLiteral("Overwrite what exists")}};
     verb.run = overlay;
     return verb;

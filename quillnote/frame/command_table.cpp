@@ -1,5 +1,6 @@
 #include "quillnote/frame/command_table.h"
 
+#include "quillnote/aids/compare_command.h"
 #include "quillnote/aids/link_commands.h"
 #include "quillnote/aids/overlay_commands.h"
 #include "quillnote/aids/tick_commands.h"
@@ -48,7 +49,6 @@ static constexpr int kSession = ACRX_CMD_SESSION;
 static constexpr RecordedNames kNotRecorded{nullptr, nullptr};
 static constexpr RecordedNames kAsNamed{"", ""};
 
-// A null function marks a command that is not built yet.
 // clang-format off
 static constexpr CommandRow kCommands[] = {
     // global name, local name, flags, demand-load record, function
@@ -121,6 +121,7 @@ static constexpr CommandRow kCommands[] = {
     {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
     {"QN8_SynningPlace", "SynningPlace", kModal, kNotRecorded, QN8_SynningPlace},
     {"QN8_overlayRenew", "overlayRenew", kModal, kNotRecorded, QN8_overlayRenew},
+    {"QN8_overlayCompare", "overlayCompare", kModal, kNotRecorded, QN8_overlayCompare},
 };
 // clang-format on
 
@@ -129,24 +130,14 @@ std::span<const CommandRow> commandTable()
     return kCommands;
 }
 
-static void sayNotBuilt(const char *globalName)
-{
-    acedRefuse(QStringLiteral("命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
-}
-
 void registerCommands()
 {
     for (const CommandRow &row : kCommands) {
-        std::function<void()> function;
-        if (row.function)
-            function = row.function;
-        else
-            function = [name = row.globalName] { sayNotBuilt(name); };
         acedRegCmds()->addCommand({.group = QString::fromUtf16(kCommandGroup),
                                    .globalName = QString::fromLatin1(row.globalName),
                                    .localName = QString::fromLatin1(row.localName),
-                                   .flags = row.function ? row.flags : row.flags | kCommandNotBuilt,
-                                   .function = std::move(function)});
+                                   .flags = row.flags,
+                                   .function = row.function});
     }
 }
 

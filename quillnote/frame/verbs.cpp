@@ -9,7 +9,8 @@
 
 static std::vector<AcEdVerb> moduleVerbs()
 {
-    return {marksVerb(), reportVerb(), compareVerb(), refreshVerb(), dataExportVerb(), dataImportVerb(), overlayVerb()};
+    return {marksVerb(),      reportVerb(),     compareVerb(), refreshVerb(),
+            dataExportVerb(), dataImportVerb(), overlayVerb()};
 }
 
 void registerVerbs()

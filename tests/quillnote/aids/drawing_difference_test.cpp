@@ -123,6 +123,7 @@ TEST(DrawingDifference, WhatIsNotSeenAndMissingSpacesCountAsNothing)
     Drawing other;
     other.line(1, 1);
     EXPECT_EQ(compareSpaces({old.space().database, {}}, other.space(), 0.0).onlyNew.size(), 1U);
-    EXPECT_TRUE(
-        compareSpaces(old.space(), other.space(), 0.0, [](const QString &, double) { return false; }).isStopped);
+    EXPECT_TRUE(compareSpaces(old.space(), other.space(), 0.0, [](const QString &, double) {
+                    return false;
+                }).isStopped);
 }

@@ -80,7 +80,8 @@ TEST_F(OverlayTest, TheCopyIsPaintedAndTheDrawingIsOnlyRead)
 
     const std::vector<Overlay> overlays = overlaysOf(*acdbCurDwg());
     ASSERT_EQ(overlays.size(), 1U);
-    EXPECT_EQ(overlays[0].name + QStringLiteral(".dxf"), QFileInfo(copies().front()).completeBaseName() + ".dxf");
+    EXPECT_EQ(overlays[0].name + QStringLiteral(".dxf"),
+              QFileInfo(copies().front()).completeBaseName() + ".dxf");
     EXPECT_EQ(overlays[0].source, source);
     EXPECT_EQ(overlays[0].colorIndex, 8);
 
@@ -146,7 +147,8 @@ TEST_F(OverlayTest, CopiesThatNobodyUsesAreCleanedAwayAfterADay)
     const auto age = [&](const QString &name) {
         QFile file(QDir(folder).filePath(name));
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+        ASSERT_TRUE(
+            file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
     };
     for (const QString &name : {QStringLiteral("叠图_a1234561.dwg"), QStringLiteral("叠图_young1234561.dxf"),
                                 QStringLiteral("叠图_notes.txt"), QStringLiteral("叠图_mine.dwg")})
