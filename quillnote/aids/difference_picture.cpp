@@ -102,9 +102,8 @@ static base::Result<void, QString> writeBytes(const QByteArray &bytes, const QSt
 base::Result<void, QString> writeDifferencePicture(const ComparedSpace &old, const ComparedSpace &now,
                                                    const DrawingDifference &difference, const QString &path)
 {
-    AcDbExtents box = acedSpaceExtents(*now.database, now.space);
-    if (!old.space.isNull())
-        box.addExt(acedSpaceExtents(*old.database, old.space));
+    AcDbExtents box = now.extents();
+    box.addExt(old.extents());
     const bool asPdf = path.endsWith(u".pdf", Qt::CaseInsensitive);
     constexpr double kPixels = 3000;
     constexpr double kPaper[] = {420.0, 297.0}; // A3, millimetres.

@@ -15,6 +15,11 @@
 #include <map>
 #include <numeric>
 
+AcDbExtents ComparedSpace::extents() const
+{
+    return space.isNull() ? AcDbExtents() : acedSpaceExtents(*database, space);
+}
+
 namespace
 {
 
@@ -271,8 +276,8 @@ DrawingDifference compareSpaces(const ComparedSpace &old, const ComparedSpace &n
         cancelNear(removed, added, oldContent, newContent, tolerance);
     difference.onlyOld = {removed.begin(), removed.end()};
     difference.onlyNew = {added.begin(), added.end()};
-    AcDbExtents whole = acedSpaceExtents(*old.database, old.space);
-    whole.addExt(acedSpaceExtents(*now.database, now.space));
+    AcDbExtents whole = old.extents();
+    whole.addExt(now.extents());
     difference.places = placesOf(difference, whole);
     return difference;
 }

@@ -13,7 +13,10 @@ class AcDbDatabase;
 /// A space of a drawing: model space or a layout.
 struct ComparedSpace {
     AcDbDatabase *database = nullptr;
-    AcDbObjectId space; ///< Block record.
+    AcDbObjectId space; ///< Block record; null where the drawing has no such space.
+
+    /// Of what is shown.
+    AcDbExtents extents() const;
 };
 
 /// A rectangle that holds what differs there, world coordinates.

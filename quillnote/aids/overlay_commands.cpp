@@ -7,6 +7,7 @@
 #include "host/acap/docman.h"
 #include "host/acdb/dbundo.h"
 #include "host/acdb/dbxref.h"
+#include "host/acdb/dbxrefedit.h"
 #include "host/aced/edfrontend.h"
 #include "host/aced/edinput.h"
 #include "host/aced/edmessage.h"
@@ -191,7 +192,11 @@ static void renew(const Overlay &overlay)
         tell(copy.error());
         return;
     }
-    acedCommandS({QStringLiteral("-XREF"), QStringLiteral("P"), overlay.name, copy->file});
+    AcDbDatabase &database = *acdbCurDwg();
+    acdbSetXrefPath(overlay.block, copy->file);
+    database.xrefs().reload(overlay.block);
+    if (const AcDbXref *const xref = database.xrefs().find(overlay.block); xref)
+        acdbTakeXrefRecords(database, *xref);
     acutPrintf(QStringLiteral("\n叠图 %1 已由 %2 重新生成。").arg(overlay.name, source));
 }
 

@@ -6,6 +6,7 @@
 #include "host/acap/docfile.h"
 #include "host/acap/docman.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbundo.h"
 #include "host/aced/edfrontend.h"
 #include "host/base/path_name.h"
 
@@ -117,6 +118,7 @@ base::Result<OverlayCopy, OverlayTrouble> makeOverlayCopy(const QString &source,
         return base::Failure{OverlayTrouble::unreadable};
     }
     AcDbDatabase &database = **read;
+    database.undo().setRecording(false);
     replaceDefinitions(database);
     if (paintEverything(database, colorIndex, acDocManager()->progress()).isStopped)
         return base::Failure{OverlayTrouble::stopped};
