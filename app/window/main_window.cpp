@@ -250,8 +250,22 @@ static AcApDocument *documentAt(int place)
     return place >= 0 && place < int(documents.size()) ? documents[std::size_t(place)].get() : nullptr;
 }
 
+/// Commands that run outside any drawing let the user go from one to another while they ask.
+static bool isSessionCommandRunning()
+{
+    const AcEdCommand *const running = acedRegCmds()->lookup(acedEditor()->activeCommands());
+    return running && running->flags & ACRX_CMD_SESSION;
+}
+
 void MainWindow::activate(int place)
 {
+    if (AcApDocument *const document = documentAt(place);
+        document && m_front.prompt() && isSessionCommandRunning()) {
+        acDocManager()->activateDocument(document);
+        refresh();
+        m_view->refresh();
+        return;
+    }
     m_front.whenIdle([document = documentAt(place)] {
         if (acDocManager()->isOpen(document))
             acDocManager()->activateDocument(document);

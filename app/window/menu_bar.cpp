@@ -179,8 +179,6 @@ QAction *MenuBar::makeModuleAction(const AcEdMenuItem &item, const QString &fold
     action->setStatusTip(item.help);
     action->setToolTip(item.help.isEmpty() ? action->iconText()
                                            : QStringLiteral("%1\n%2").arg(action->iconText(), item.help));
-    const AcEdCommand *const command = acedCommandOfMacro(item.macro);
-    action->setEnabled(!command || !(command->flags & kCommandNotBuilt));
     connect(action, &QAction::triggered, this, [this, macro = item.macro] { m_front.runMacro(macro); });
     return action;
 }

@@ -199,9 +199,15 @@ public:
             AcDbObject *const object = made.stub()->object;
             for (resbuf &group : object->m_groups)
                 redirect(group);
+            if (const auto own = m_filed.find(object); own != m_filed.end()) {
+                AcDbMemoryFiler filer(AcDb::kDeepCloneFiler, &m_database, own->second);
+                filer.setCopies(&m_copies);
+                object->dwgInFields(&filer);
+            }
             object->close();
         }
         m_made.clear();
+        m_filed.clear();
         m_copies.clear();
     }
 
@@ -221,8 +227,7 @@ private:
         if (original && original->isCustom() && !original->m_isProxy) {
             AcDbMemoryFiler out(AcDb::kDeepCloneFiler, &m_database);
             original->dwgOutFields(&out);
-            AcDbMemoryFiler in(AcDb::kDeepCloneFiler, &m_database, out.stream());
-            copy->dwgInFields(&in);
+            m_filed.emplace(copy, out.stream());
         }
         return copy;
     }
@@ -289,6 +294,7 @@ private:
     AcDbDatabase &m_database;
     std::map<AcDbHandle, AcDbHandle> m_copies;
     std::vector<AcDbObjectId> m_made;
+    std::map<const AcDbObject *, QByteArray> m_filed; ///< What custom copies read once all copies are there.
 };
 
 static QString freePictureName(const AcDbSymbolTable &blocks)

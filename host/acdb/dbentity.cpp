@@ -120,11 +120,54 @@ Acad::ErrorStatus AcDbEntity::setColorIndex(int index)
 {
     if (index < 0 || index > 256)
         return Acad::eInvalidInput;
-    ResbufList &groups = editGroups();
-    // A true colour would win over the index.
-    std::erase_if(groups, [](const resbuf &g) { return g.restype == 420 || g.restype == 430; });
-    setCommonGroup(62, std::int64_t(index));
+    setStatedColor({.index = index, .rgb = {}, .name = {}});
     return Acad::eOk;
+}
+
+static constexpr int kColorIndex = 62;
+static constexpr int kTrueColor = 420;
+static constexpr int kColorName = 430;
+
+AcDbStatedColor AcDbEntity::statedColor() const
+{
+    AcDbStatedColor color;
+    if (const resbuf *const index = commonGroup(*this, kColorIndex))
+        color.index = int(index->integer());
+    if (const resbuf *const rgb = commonGroup(*this, kTrueColor))
+        color.rgb = int(rgb->integer());
+    color.name = textGroup(*this, kColorName, {});
+    return color;
+}
+
+void AcDbEntity::setStatedColor(const AcDbStatedColor &color)
+{
+    ResbufList stated;
+    if (color.index)
+        stated.emplace_back(kColorIndex, std::int64_t(*color.index));
+    if (color.rgb)
+        stated.emplace_back(kTrueColor, std::int64_t(*color.rgb));
+    if (!color.name.isEmpty())
+        stated.emplace_back(kColorName, color.name);
+    const auto isColor = [](const resbuf &group) {
+        return group.restype == kColorIndex || group.restype == kTrueColor || group.restype == kColorName;
+    };
+    ResbufList &groups = editGroups();
+    const auto common = groups.begin() + std::ptrdiff_t(acdbCommonGroups(groups).size());
+    const auto first = std::find_if(groups.begin(), common, isColor);
+    if (first == common) {
+        for (resbuf &group : stated)
+            setGroup(group.restype, std::move(group.resval), u"AcDbEntity");
+        return;
+    }
+    // A group that stays the same keeps the bytes that it came from.
+    for (resbuf &group : stated) {
+        if (const auto same = std::find(first, common, group); same != common)
+            group = *same;
+    }
+    const auto place = first - groups.begin();
+    groups.erase(std::remove_if(first, common, isColor), common);
+    groups.insert(groups.begin() + place, std::make_move_iterator(stated.begin()),
+                  std::make_move_iterator(stated.end()));
 }
 
 QString AcDbEntity::linetype() const

@@ -7,10 +7,20 @@
 
 #include <QStringList>
 
+#include <optional>
 #include <span>
 
 class AcGiViewportDraw;
 class AcGiWorldDraw;
+
+/// A colour as an entity's groups state it; what is not stated is by layer.
+struct AcDbStatedColor {
+    std::optional<int> index; ///< Group 62: 0 by block, 256 by layer.
+    std::optional<int> rgb;   ///< Group 420, 0x00RRGGBB; wins over the index.
+    QString name;             ///< Group 430, of a colour book.
+
+    friend bool operator==(const AcDbStatedColor &, const AcDbStatedColor &) = default;
+};
 
 class AcDbEntity : public AcDbObject
 {
@@ -26,6 +36,9 @@ public:
     /// 1 to 255, 256 by layer, 0 by block.
     int colorIndex() const;
     virtual Acad::ErrorStatus setColorIndex(int index);
+    AcDbStatedColor statedColor() const;
+    /// The groups come where those stood that the entity had of them. Needs write access.
+    void setStatedColor(const AcDbStatedColor &color);
     QString linetype() const;
     virtual Acad::ErrorStatus setLinetype(const QString &name);
     double linetypeScale() const;

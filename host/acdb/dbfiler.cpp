@@ -106,10 +106,19 @@ Acad::ErrorStatus AcDbMemoryFiler::readVector3d(AcGeVector3d &value)
 
 Acad::ErrorStatus AcDbMemoryFiler::readHardPointerId(AcDbObjectId &value)
 {
-    std::uint64_t handle = 0;
-    take(handle);
-    value = m_database ? m_database->getAcDbObjectId({handle}) : AcDbObjectId();
+    AcDbHandle handle;
+    readAcDbHandle(handle);
+    if (m_copies) {
+        if (const auto copied = m_copies->find(handle); copied != m_copies->end())
+            handle = copied->second;
+    }
+    value = m_database ? m_database->getAcDbObjectId(handle) : AcDbObjectId();
     return m_status;
+}
+
+Acad::ErrorStatus AcDbMemoryFiler::readAcDbHandle(AcDbHandle &value)
+{
+    return take(value.value);
 }
 
 Acad::ErrorStatus AcDbMemoryFiler::readSoftPointerId(AcDbObjectId &value)
@@ -191,6 +200,11 @@ Acad::ErrorStatus AcDbMemoryFiler::writeHardPointerId(AcDbObjectId value)
 Acad::ErrorStatus AcDbMemoryFiler::writeSoftPointerId(AcDbObjectId value)
 {
     return put(value.handle().value);
+}
+
+Acad::ErrorStatus AcDbMemoryFiler::writeAcDbHandle(AcDbHandle value)
+{
+    return put(value.value);
 }
 
 Acad::ErrorStatus AcDbMemoryFiler::writeBytes(const QByteArray &value)

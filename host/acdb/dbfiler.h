@@ -6,6 +6,8 @@
 #include "host/acdb/errorstatus.h"
 #include "host/acdb/resbuf.h"
 
+#include <map>
+
 namespace AcDb
 {
 enum FilerType : int {
@@ -46,6 +48,8 @@ public:
     virtual Acad::ErrorStatus readVector3d(AcGeVector3d &value) = 0;
     virtual Acad::ErrorStatus readHardPointerId(AcDbObjectId &value) = 0;
     virtual Acad::ErrorStatus readSoftPointerId(AcDbObjectId &value) = 0;
+    /// A handle as a number: of an object of another drawing, or one that need not be there.
+    virtual Acad::ErrorStatus readAcDbHandle(AcDbHandle &value) = 0;
     /// Exactly `size` bytes; refuses sizes beyond what the stream holds before allocating.
     virtual Acad::ErrorStatus readBytes(QByteArray &value, std::uint32_t size) = 0;
 
@@ -60,12 +64,13 @@ public:
     virtual Acad::ErrorStatus writeVector3d(const AcGeVector3d &value) = 0;
     virtual Acad::ErrorStatus writeHardPointerId(AcDbObjectId value) = 0;
     virtual Acad::ErrorStatus writeSoftPointerId(AcDbObjectId value) = 0;
+    virtual Acad::ErrorStatus writeAcDbHandle(AcDbHandle value) = 0;
     virtual Acad::ErrorStatus writeBytes(const QByteArray &value) = 0;
 };
 
 /// A DWG filer over bytes in memory. Layout (docs/formats/mark-stream.md): little-endian; bool one byte;
 /// text a 32-bit count of UTF-16 units and the units; point and vector three doubles; an id its 64-bit
-/// handle; bytes as they are.
+/// handle, and a handle likewise; bytes as they are.
 class AcDbMemoryFiler : public AcDbDwgFiler
 {
 public:
@@ -73,6 +78,9 @@ public:
     AcDbMemoryFiler(AcDb::FilerType type, AcDbDatabase *database);
     /// For reading. Handles that name nothing in `database` read as null ids.
     AcDbMemoryFiler(AcDb::FilerType type, AcDbDatabase *database, QByteArray stream);
+
+    /// Ids that are read name the copies of what they named, where there are some. The map outlives this.
+    void setCopies(const std::map<AcDbHandle, AcDbHandle> *copies) { m_copies = copies; }
 
     const QByteArray &stream() const { return m_stream; }
     qsizetype position() const { return m_position; }
@@ -93,6 +101,7 @@ public:
     Acad::ErrorStatus readVector3d(AcGeVector3d &value) override;
     Acad::ErrorStatus readHardPointerId(AcDbObjectId &value) override;
     Acad::ErrorStatus readSoftPointerId(AcDbObjectId &value) override;
+    Acad::ErrorStatus readAcDbHandle(AcDbHandle &value) override;
     Acad::ErrorStatus readBytes(QByteArray &value, std::uint32_t size) override;
 
     Acad::ErrorStatus writeBool(bool value) override;
@@ -106,6 +115,7 @@ public:
     Acad::ErrorStatus writeVector3d(const AcGeVector3d &value) override;
     Acad::ErrorStatus writeHardPointerId(AcDbObjectId value) override;
     Acad::ErrorStatus writeSoftPointerId(AcDbObjectId value) override;
+    Acad::ErrorStatus writeAcDbHandle(AcDbHandle value) override;
     Acad::ErrorStatus writeBytes(const QByteArray &value) override;
 
 private:
@@ -116,6 +126,7 @@ private:
 
     AcDb::FilerType m_type;
     AcDbDatabase *m_database;
+    const std::map<AcDbHandle, AcDbHandle> *m_copies = nullptr;
     QByteArray m_stream;
     qsizetype m_position = 0;
     Acad::ErrorStatus m_status = Acad::eOk;

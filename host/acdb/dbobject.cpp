@@ -144,10 +144,13 @@ QByteArray AcDbObject::dxfName() const
 
 ResbufList AcDbObject::xData(const QString &application) const
 {
-    const base::Wildcard pattern(application);
+    const std::size_t begin = extendedDataBegin(m_groups);
     ResbufList found;
+    if (begin == m_groups.size())
+        return found;
+    const base::Wildcard pattern(application);
     bool wanted = false;
-    for (std::size_t i = extendedDataBegin(m_groups); i < m_groups.size(); ++i) {
+    for (std::size_t i = begin; i < m_groups.size(); ++i) {
         if (m_groups[i].restype == 1001)
             wanted = pattern.matches(m_groups[i].text());
         if (wanted)

@@ -310,6 +310,19 @@ std::vector<AcDbObjectId> acdbLayoutBlocks(const AcDbDatabase &database)
     return layouts;
 }
 
+std::vector<AcDbObjectId> acdbEntitiesOfKind(const AcDbDatabase &database, AcDbKind kind)
+{
+    std::vector<AcDbObjectId> ids;
+    for (const AcDbObjectId layout : acdbLayoutBlocks(database)) {
+        for (const std::uint32_t index : database.blockContents(layout)->entities) {
+            AcDbStub *const stub = database.stub(index);
+            if (stub->kind == kind && !stub->has(AcDbStub::kErased))
+                ids.emplace_back(stub);
+        }
+    }
+    return ids;
+}
+
 QString acdbLayoutName(AcDbObjectId blockRecord)
 {
     AcDbObjectPointer<AcDbBlockTableRecord> record(blockRecord, AcDb::kForRead);

@@ -96,6 +96,8 @@ public:
 
 /// The block records of model space and the paper-space layouts, in table order.
 std::vector<AcDbObjectId> acdbLayoutBlocks(const AcDbDatabase &database);
+/// What they show of one kind, without opening any of it: layouts in table order, entities in drawing order.
+std::vector<AcDbObjectId> acdbEntitiesOfKind(const AcDbDatabase &database, AcDbKind kind);
 /// Name of the layout that a block record belongs to: "Model", "Layout1"; empty for other blocks.
 QString acdbLayoutName(AcDbObjectId blockRecord);
 /// Entities that `entity` owns: attributes of an insert, vertices of a polyline, and their end marker.

@@ -17,10 +17,6 @@ enum AcEdCommandFlag : int {
     ACRX_CMD_SESSION = 0x00200000, ///< Runs outside any document; locks documents itself.
 };
 
-/// A flag of our own beside those of the platform: the command only says that it is not there yet, so menus
-/// do not offer it.
-inline constexpr int kCommandNotBuilt = 0x40000000;
-
 struct AcEdCommand {
     QString group;
     QString globalName;

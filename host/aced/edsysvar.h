@@ -19,3 +19,19 @@ int acedIntVar(const QString &name, int fallback = 0);
 double acedRealVar(const QString &name, double fallback = 0.0);
 QString acedTextVar(const QString &name, const QString &fallback = {});
 void acedSetIntVar(const QString &name, int value);
+/// An integer variable has another value for the life of a scope.
+class AcEdIntVarScope
+{
+public:
+    AcEdIntVarScope(const QString &name, int value) : m_name(name), m_before(acedIntVar(name))
+    {
+        acedSetIntVar(name, value);
+    }
+    ~AcEdIntVarScope() { acedSetIntVar(m_name, m_before); }
+    AcEdIntVarScope(const AcEdIntVarScope &) = delete;
+    AcEdIntVarScope &operator=(const AcEdIntVarScope &) = delete;
+
+private:
+    QString m_name;
+    int m_before;
+};

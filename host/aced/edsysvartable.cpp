@@ -187,6 +187,7 @@ constexpr AcEdVariable kVariables[] = {
     sessionInteger("ATTREQ", 1, 0, 1),
     sessionInteger("CMDDIA", 1, 0, 1),
     headerInteger("ORTHOMODE", 0, 0, 1),
+    settingsInteger("VTENABLE", 3, 0, 7),
     settingsInteger("OSMODE", 0, 0, 32767),
     settingsInteger("PICKFIRST", 1, 0, 1),
     settingsInteger("PICKADD", 2, 0, 2),

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 static constexpr int kDefaultHeight = 100;
@@ -142,12 +143,16 @@ void QN3_YesOrErrTick()
         ensureMarkLayer(*acdbCurDwg());
     const double size = tickHeight();
     std::vector<AcEdSelectionSet> changed;
+    bool erasesNext = false;
     for (;;) {
         AcGePoint3d point;
-        acedInitGet(0, QStringLiteral("Undo"));
+        acedInitGet(0, QStringLiteral("Undo Erase"));
         const int result = acedGetPoint(nullptr, QStringLiteral("\n请点取标记位置(按住Ctrl打叉)>"), point);
-        const auto symbol = heldSymbol();
-        if (result == RTKWORD)
+        // Window managers keep clicks with Alt for themselves: typing E stands for it.
+        const auto symbol = std::exchange(erasesNext, false) ? std::nullopt : heldSymbol();
+        if (result == RTKWORD && acedGetInput() == u"Erase")
+            erasesNext = true;
+        else if (result == RTKWORD)
             takeBack(changed);
         else if (result != RTNORM)
             return;

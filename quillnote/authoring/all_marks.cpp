@@ -1,5 +1,7 @@
 #include "quillnote/authoring/all_marks.h"
 
+#include "quillnote/aids/links/link_set.h"
+#include "quillnote/entity/display_mode.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
@@ -29,26 +31,13 @@ void saySkippedMarks(int count, std::size_t of)
 
 // How much of the marks is seen -------------------------------------------------------------------
 
-static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
-{
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    if (!mark)
-        return false;
-    if (mark->displayMode == mode)
-        return true;
-    if (mark->upgradeOpen() != Acad::eOk)
-        return false;
-    mark->displayMode = mode;
-    return true;
-}
-
 // The display learns of a change when the mark is closed.
 void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
 {
     int skipped = 0;
     const CollectedMarks marks = collectAllMarks(database);
     for (const AcDbObjectId id : marks.ids)
-        skipped += setDisplayMode(id, modeOf(id)) ? 0 : 1;
+        skipped += setDisplayMode<QuillnoteObj3>(id, modeOf(id)) ? 0 : 1;
     saySkippedMarks(skipped, marks.ids.size());
 }
 
@@ -57,14 +46,22 @@ void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
     setDisplayModes(database, [mode](AcDbObjectId) { return mode; });
 }
 
+static void setAllLinksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+{
+    const std::vector<AcDbObjectId> links = linkIds(database);
+    saySkippedLinks(setLinksDisplayMode(links, mode), links.size());
+}
+
 void QN3_allMarksHide()
 {
     setAllMarksDisplayMode(*acdbCurDwg(), -1);
+    setAllLinksDisplayMode(*acdbCurDwg(), -1);
 }
 
 void QN3_allMarksShow()
 {
     setAllMarksDisplayMode(*acdbCurDwg(), 0);
+    setAllLinksDisplayMode(*acdbCurDwg(), 1);
 }
 
 void QN3_allMarksShrink()

@@ -25,16 +25,7 @@ static void collect(const QuillnoteObj3 &mark, const MarkFilter &filter, Collect
 
 std::vector<AcDbObjectId> markIds(const AcDbDatabase &database)
 {
-    std::vector<AcDbObjectId> ids;
-    const AcDbKind markKind = acdbKind(kMarkDxfName);
-    for (const AcDbObjectId layout : acdbLayoutBlocks(database)) {
-        for (const std::uint32_t index : database.blockContents(layout)->entities) {
-            AcDbStub *const stub = database.stub(index);
-            if (stub->kind == markKind && !stub->has(AcDbStub::kErased))
-                ids.emplace_back(stub);
-        }
-    }
-    return ids;
+    return acdbEntitiesOfKind(database, acdbKind(kMarkDxfName));
 }
 
 // A mark that is being told of as appended is open for notify, which does not keep it from being read.

@@ -47,8 +47,16 @@ void ensureMarkLayer(AcDbDatabase &database)
     if (layer.isNull())
         return;
     repairLayer(layer);
-    const int echo = acedIntVar(QStringLiteral("cmdecho"));
-    acedSetIntVar(QStringLiteral("cmdecho"), 0);
+    const AcEdIntVarScope quiet(QStringLiteral("CMDECHO"), 0);
     acedCommandS({QStringLiteral("_LAYER"), QStringLiteral("SET"), name, QString()});
-    acedSetIntVar(QStringLiteral("cmdecho"), echo);
+}
+
+void putOnMarkLayer(AcDbDatabase &database, AcDbEntity &entity)
+{
+    const bool ownLayer = settings::number(u"useLayer") == 1;
+    if (ownLayer)
+        ensureMarkLayer(database);
+    const QString layer = ownLayer ? markLayerName() : QStringLiteral("0");
+    if (database.tableRecord(SymbolTable::layer, layer).isValid())
+        entity.setLayer(layer);
 }

@@ -125,19 +125,9 @@ void fillMarkFromSettings(QuillnoteObj3 &mark)
     mark.chPwMD5 = settings::text(u"chPwMD5").left(QuillnoteObj3::kPasswordHashLength);
 }
 
-static void putOnLayer(AcDbDatabase &database, QuillnoteObj3 &mark)
-{
-    const bool ownLayer = settings::number(u"useLayer") == 1;
-    if (ownLayer)
-        ensureMarkLayer(database);
-    const QString layer = ownLayer ? markLayerName() : QStringLiteral("0");
-    if (database.tableRecord(SymbolTable::layer, layer).isValid())
-        mark.setLayer(layer);
-}
-
 AcDbObjectId appendNewMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark)
 {
-    putOnLayer(database, *mark);
+    putOnMarkLayer(database, *mark);
     settleMark(*mark, database);
     return appendMark(database, std::move(mark));
 }

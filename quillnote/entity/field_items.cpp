@@ -1,5 +1,7 @@
 #include "quillnote/entity/field_items.h"
 
+#include "quillnote/entity/mark_class.h"
+
 #include "host/aced/edfrontend.h"
 
 #include <QCryptographicHash>
@@ -60,12 +62,28 @@ QJsonValue toJson(const QByteArray &value)
     return object;
 }
 
+QJsonValue toJson(AcDbHandle value)
+{
+    return QString::number(value.value, 16).toUpper();
+}
+
+QJsonValue toJson(AcDbObjectId value)
+{
+    return toJson(value.handle());
+}
+
 QJsonValue toJson(const std::vector<AcDbObjectId> &value)
 {
     QJsonArray handles;
     for (const AcDbObjectId &id : value)
-        handles.append(QString::number(id.handle().value, 16).toUpper());
+        handles.append(toJson(id));
     return handles;
+}
+
+Acad::ErrorStatus refuseNewerVersion()
+{
+    acutPrintf(QStringLiteral("请安装更高版本评图标签软件！\n%1\n").arg(kWebAddress));
+    return Acad::eMakeMeProxy;
 }
 
 Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const RowPlace &row)

@@ -76,6 +76,26 @@ struct Filing<AcGeVector3d> {
     static AcGeVector3d fromGroup(const resbuf &group) { return group.point().asVector(); }
 };
 
+// Neither has a form in DXF.
+template <>
+struct Filing<AcDbObjectId> {
+    static constexpr auto read = &AcDbDwgFiler::readHardPointerId;
+    static constexpr auto write = &AcDbDwgFiler::writeHardPointerId;
+};
+
+template <>
+struct Filing<AcDbHandle> {
+    static constexpr auto read = &AcDbDwgFiler::readAcDbHandle;
+    static constexpr auto write = &AcDbDwgFiler::writeAcDbHandle;
+};
+
+/// Types whose values a DXF group can carry.
+template <class T>
+concept HasGroup = requires
+{
+    Filing<T>::writeGroup;
+};
+
 /// Assigns only what the filer really had, so that a record keeps its value when reading fails.
 template <class T>
 Acad::ErrorStatus readItem(AcDbDwgFiler &filer, T &value)
@@ -100,12 +120,12 @@ Acad::ErrorStatus writeItem(AcDbDwgFiler &filer, const QByteArray &value);
 Acad::ErrorStatus writeItem(AcDbDwgFiler &filer, const std::vector<AcDbObjectId> &value);
 
 /// A group that carries another type gives 0, false, an empty text or the origin.
-template <class T>
+template <HasGroup T>
 void readGroup(const resbuf &group, T &value)
 {
     value = Filing<T>::fromGroup(group);
 }
-template <class T>
+template <HasGroup T>
 Acad::ErrorStatus writeGroup(AcDbDxfFiler &filer, int code, const T &value)
 {
     return (filer.*Filing<T>::writeGroup)(code, value);
@@ -130,8 +150,13 @@ inline QJsonValue toJson(const AcGeVector3d &value)
 {
     return QJsonArray{value.x, value.y, value.z};
 }
+QJsonValue toJson(AcDbHandle value);
+QJsonValue toJson(AcDbObjectId value);
 QJsonValue toJson(const QByteArray &value);
 QJsonValue toJson(const std::vector<AcDbObjectId> &value);
+
+/// A record of a newer program: says that one is needed and returns the status that keeps it a proxy.
+Acad::ErrorStatus refuseNewerVersion();
 
 /// Prints the line "!file@line: status" for a field that could not be filed, and returns the status.
 Acad::ErrorStatus reportFailure(Acad::ErrorStatus status, const RowPlace &row);

@@ -58,7 +58,8 @@ struct Field {
     using Member =
         std::variant<std::uint16_t Record::*, std::int16_t Record::*, bool Record::*, double Record::*,
                      QString Record::*, AcGePoint3d Record::*, AcGeVector3d Record::*, QByteArray Record::*,
-                     std::vector<AcDbObjectId> Record::*, PointRun<Record>, PointSlots<Record>>;
+                     std::vector<AcDbObjectId> Record::*, AcDbObjectId Record::*, AcDbHandle Record::*,
+                     PointRun<Record>, PointSlots<Record>>;
     /// Brings a value that was read into the field's range.
     using Settle = void (*)(Record &);
 

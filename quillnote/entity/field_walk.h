@@ -121,10 +121,14 @@ struct DxfWriter {
     const Record &record;
     int code;
 
+    // The rows of what has no form in DXF have code 0.
     template <class T>
     Acad::ErrorStatus operator()(T Record::*member) const
     {
-        return writeGroup(filer, code, record.*member);
+        if constexpr (HasGroup<T>)
+            return writeGroup(filer, code, record.*member);
+        else
+            return Acad::eInvalidDxfCode;
     }
     Acad::ErrorStatus operator()(const PointRun<Record> &run) const
     {
@@ -144,9 +148,6 @@ struct DxfWriter {
         }
         return status;
     }
-    // Neither has a form in DXF; their rows have code 0.
-    Acad::ErrorStatus operator()(QByteArray Record::*) const { return Acad::eInvalidDxfCode; }
-    Acad::ErrorStatus operator()(std::vector<AcDbObjectId> Record::*) const { return Acad::eInvalidDxfCode; }
 };
 
 template <class Record>
@@ -167,7 +168,8 @@ struct DxfReader {
     template <class T>
     void operator()(T Record::*member) const
     {
-        readGroup(group, record.*member);
+        if constexpr (HasGroup<T>)
+            readGroup(group, record.*member);
     }
     void operator()(const PointRun<Record> &run) const
     {
@@ -183,8 +185,6 @@ struct DxfReader {
         else
             readGroup(group, (record.*slots.points)[occurrence]);
     }
-    void operator()(QByteArray Record::*) const {}
-    void operator()(std::vector<AcDbObjectId> Record::*) const {}
 };
 
 template <class Record>

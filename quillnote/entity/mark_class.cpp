@@ -17,26 +17,37 @@ AcRxClass *markClass()
     return registeredClass;
 }
 
-void registerMarkClass()
+void registerEntityClass(AcRxClass *&registered, QStringView name, const char *dxfName,
+                         AcRxClass::Factory factory)
 {
-    const QString name = kMarkClassName.toString();
-    if (const AcRxClass *holder = acrxClassDictionary().at(name)) {
-        if (holder != registeredClass)
+    if (const AcRxClass *holder = acrxClassDictionary().at(name.toString())) {
+        if (holder != registered)
             base::assertionFailed("Class mismatch", __FILE__, __LINE__);
         return;
     }
-    auto added = std::make_unique<AcRxClass>(name, AcDbEntity::desc(), kMarkDxfName,
-                                             [] { return QuillnoteObj3::forReading().release(); });
+    auto added =
+        std::make_unique<AcRxClass>(name.toString(), AcDbEntity::desc(), dxfName, std::move(factory));
     added->setApplication({.drawingVersion = 31,
                            .maintenanceVersion = 81,
                            .proxyFlags = 0,
-                           .description = applicationDescription(kMarkClassName)});
-    registeredClass = acrxClassDictionary().add(std::move(added));
+                           .description = applicationDescription(name)});
+    registered = acrxClassDictionary().add(std::move(added));
+}
+
+void unregisterEntityClass(AcRxClass *&registered)
+{
+    if (registered)
+        deleteAcRxClass(registered);
+    registered = nullptr;
+}
+
+void registerMarkClass()
+{
+    registerEntityClass(registeredClass, kMarkClassName, kMarkDxfName,
+                        [] { return QuillnoteObj3::forReading().release(); });
 }
 
 void unregisterMarkClass()
 {
-    if (registeredClass)
-        deleteAcRxClass(registeredClass);
-    registeredClass = nullptr;
+    unregisterEntityClass(registeredClass);
 }

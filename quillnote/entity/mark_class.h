@@ -16,6 +16,14 @@ inline constexpr QStringView kWebAddress = u"https://quillnote.example/";
 /// The quoted text of a class record: class, product, company and web address.
 QString applicationDescription(QStringView className);
 
+/// A custom entity of the program becomes known to the host. `registered` is its class, null before the first
+/// time; nothing happens when it is known. Ends the process with "Class mismatch" when another class has the
+/// name.
+void registerEntityClass(AcRxClass *&registered, QStringView name, const char *dxfName,
+                         AcRxClass::Factory factory);
+/// Entities of opened drawings become proxies; `registered` is null again.
+void unregisterEntityClass(AcRxClass *&registered);
+
 /// Makes marks known to the host; does nothing when they are. Ends the process with "Class mismatch" when
 /// another class has the name.
 void registerMarkClass();

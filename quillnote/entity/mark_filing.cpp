@@ -6,18 +6,10 @@
 
 #include "quillnote/frame/settings/start_up_settings.h"
 
-#include "host/aced/edfrontend.h"
-
 #include <map>
 
 static constexpr std::uint16_t kOldestDxfVersion = 7;
 static constexpr std::uint16_t kFirstWithCorners = 7;
-
-static Acad::ErrorStatus refuseNewerVersion()
-{
-    acutPrintf(QStringLiteral("请安装更高版本评图标签软件！\n%1\n").arg(kWebAddress));
-    return Acad::eMakeMeProxy;
-}
 
 /// The text box of an old leader mark lay where its target was. Its fourth corner is completed with the
 /// others.
@@ -71,7 +63,7 @@ Acad::ErrorStatus QuillnoteObj3::dwgInFields(AcDbDwgFiler *filer)
     if (const Acad::ErrorStatus status = fields::readItem(*filer, version); status != Acad::eOk)
         return fields::reportFailure(status, markFields().front().row);
     if (version > kFormatVersion)
-        return refuseNewerVersion();
+        return fields::refuseNewerVersion();
     if (const Acad::ErrorStatus status = readFields(*filer, *this, version); status != Acad::eOk)
         return status;
     if (version < kFirstWithCorners)
@@ -99,7 +91,7 @@ Acad::ErrorStatus QuillnoteObj3::dwgOutFields(AcDbDwgFiler *filer) const
 static Acad::ErrorStatus acceptDxfVersion(std::uint16_t version)
 {
     if (version > QuillnoteObj3::kFormatVersion)
-        return refuseNewerVersion();
+        return fields::refuseNewerVersion();
     return version < kOldestDxfVersion ? Acad::eBadDxfSequence : Acad::eOk;
 }
 

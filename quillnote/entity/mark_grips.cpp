@@ -196,27 +196,12 @@ void Drag::moveTarget(const std::vector<MarkGrip> &grips)
     attachFirstLeader();
 }
 
-// The corner opposite to the dragged one stays; of a target that is askew in the view the others follow.
+// Sides that pass each other change roles.
 void Drag::moveSides(const std::array<bool, 4> &dragged)
 {
-    const auto [first, second, third, fourth] = dragged;
-    MarkCorners &target = m_shape.target;
-    const AcGePoint3d a = m_toView * target.corner1;
-    const AcGePoint3d b = m_toView * target.corner2;
-    const AcGePoint3d c = m_toView * target.corner3;
-    const AcGePoint3d d = m_toView * target.corner4;
-    const bool byOthers = third || fourth;
-    const AcGeVector3d moved = m_toView * m_offset;
-    double left = (byOthers ? c.x : a.x) + (first || third ? moved.x : 0.0);
-    double right = (byOthers ? d.x : b.x) + (second || fourth ? moved.x : 0.0);
-    double bottom = (byOthers ? d.y : a.y) + (first || fourth ? moved.y : 0.0);
-    double top = (byOthers ? c.y : b.y) + (second || third ? moved.y : 0.0);
-    if (left > right)
-        std::swap(left, right);
-    if (bottom > top)
-        std::swap(bottom, top);
-    target = {m_toWorld * AcGePoint3d(left, bottom, a.z), m_toWorld * AcGePoint3d(right, top, a.z),
-              m_toWorld * AcGePoint3d(left, top, a.z), m_toWorld * AcGePoint3d(right, bottom, a.z)};
+    const MarkCorners moved = dragCorners(m_shape.target, dragged, m_offset, m_toView);
+    const SortedCorners sorted = sortCorners(moved.corner1, moved.corner2, m_toView);
+    m_shape.target = cornersInView(sorted.lowerLeft, sorted.upperRight, m_toView);
 }
 
 void Drag::move(const MarkGrip &grip, bool withBox)

@@ -150,6 +150,34 @@ MarkCorners cornersAround(std::span<const AcGePoint3d> points, const MarkAxes &a
     return corners;
 }
 
+MarkCorners cornersInView(const AcGePoint3d &corner1, const AcGePoint3d &corner2,
+                          const AcGeMatrix3d &worldToView)
+{
+    const AcGePoint3d a = worldToView * corner1;
+    const AcGePoint3d b = worldToView * corner2;
+    const AcGeMatrix3d toWorld = worldToView.inverse();
+    return {corner1, toWorld * AcGePoint3d(b.x, b.y, a.z), toWorld * AcGePoint3d(a.x, b.y, a.z),
+            toWorld * AcGePoint3d(b.x, a.y, a.z)};
+}
+
+MarkCorners dragCorners(const MarkCorners &corners, const std::array<bool, 4> &dragged,
+                        const AcGeVector3d &offset, const AcGeMatrix3d &worldToView)
+{
+    const auto [first, second, third, fourth] = dragged;
+    const AcGePoint3d a = worldToView * corners.corner1;
+    const AcGePoint3d b = worldToView * corners.corner2;
+    const AcGePoint3d c = worldToView * corners.corner3;
+    const AcGePoint3d d = worldToView * corners.corner4;
+    const bool byOthers = third || fourth;
+    const AcGeVector3d moved = worldToView * offset;
+    const AcGePoint3d from((byOthers ? c.x : a.x) + (first || third ? moved.x : 0.0),
+                           (byOthers ? d.y : a.y) + (first || fourth ? moved.y : 0.0), a.z);
+    const AcGePoint3d to((byOthers ? d.x : b.x) + (second || fourth ? moved.x : 0.0),
+                         (byOthers ? c.y : b.y) + (second || third ? moved.y : 0.0), a.z);
+    const AcGeMatrix3d toWorld = worldToView.inverse();
+    return cornersInView(toWorld * from, toWorld * to, worldToView);
+}
+
 void setTargetCorners(QuillnoteObj3 &mark, const MarkCorners &corners)
 {
     mark.targetCorner1 = corners.corner1;

@@ -5,6 +5,7 @@
 #include "quillnote/entity/mark_drawing_settings.h"
 #include "quillnote/entity/wave.h"
 
+#include <array>
 #include <optional>
 
 class QuillnoteObj3;
@@ -20,6 +21,15 @@ struct MarkCorners {
 
     double diagonal() const { return corner1.distanceTo(corner2); }
 };
+/// The rectangle over a diagonal whose sides lie along the axes of a view. The matrix turns the world into
+/// the view's frame (acedViewFrame).
+MarkCorners cornersInView(const AcGePoint3d &corner1, const AcGePoint3d &corner2,
+                          const AcGeMatrix3d &worldToView);
+/// What becomes of a rectangle when some of its corners (1 to 4) are dragged by an offset (world): each side
+/// moves once, whatever corners are dragged, and the others stay. One that is askew in the view lies along
+/// its axes afterwards.
+MarkCorners dragCorners(const MarkCorners &corners, const std::array<bool, 4> &dragged,
+                        const AcGeVector3d &offset, const AcGeMatrix3d &worldToView);
 /// Completed where the record has not completed them yet.
 MarkCorners targetCorners(const QuillnoteObj3 &mark);
 MarkCorners textBoxCorners(const QuillnoteObj3 &mark);

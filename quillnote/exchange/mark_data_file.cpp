@@ -178,8 +178,10 @@ struct ItemWriter {
             put(out, (mark.*slots.flags)[i]);
         }
     }
-    /// Ids mean nothing in another drawing.
+    /// Ids and handles mean nothing in another drawing.
     void operator()(std::vector<AcDbObjectId> Mark::*) const {}
+    void operator()(AcDbObjectId Mark::*) const {}
+    void operator()(AcDbHandle Mark::*) const {}
 };
 
 struct ItemReader {
@@ -204,6 +206,8 @@ struct ItemReader {
         }
     }
     void operator()(std::vector<AcDbObjectId> Mark::*) const {}
+    void operator()(AcDbObjectId Mark::*) const {}
+    void operator()(AcDbHandle Mark::*) const {}
 };
 
 // Records --------------------------------------------------------------------------------------------

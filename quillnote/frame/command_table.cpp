@@ -1,5 +1,8 @@
 #include "quillnote/frame/command_table.h"
 
+#include "quillnote/aids/compare_command.h"
+#include "quillnote/aids/link_commands.h"
+#include "quillnote/aids/overlay_commands.h"
 #include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
 #include "quillnote/authoring/all_marks.h"
@@ -46,7 +49,6 @@ static constexpr int kSession = ACRX_CMD_SESSION;
 static constexpr RecordedNames kNotRecorded{nullptr, nullptr};
 static constexpr RecordedNames kAsNamed{"", ""};
 
-// A null function marks a command that is not built yet.
 // clang-format off
 static constexpr CommandRow kCommands[] = {
     // global name, local name, flags, demand-load record, function
@@ -78,10 +80,10 @@ static constexpr CommandRow kCommands[] = {
     {"qn8_align1", "qn8_align1", kModal, kAsNamed, qn8_align1},
     {"qn8_align2", "qn8_align2", kModal, kAsNamed, qn8_align2},
     {"qn8_align0", "qn8_align0", kModal, kAsNamed, qn8_align0},
-    {"qn8_drawlink", "qn8_drawlink", kSession, kAsNamed, nullptr},
-    {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, nullptr},
-    {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, nullptr},
-    {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, nullptr},
+    {"qn8_drawlink", "qn8_drawlink", kSession, kAsNamed, qn8_drawlink},
+    {"qn8_LinkDblClick", "qn8_LinkDblClick", kSession | kTransparent | kPickSet, kAsNamed, qn8_LinkDblClick},
+    {"QN8_LinksHide", "QN8_LinksHide", kModal, kAsNamed, QN8_LinksHide},
+    {"QN8_LinksDel", "QN8_LinksDel", kModal, kNotRecorded, QN8_LinksDel},
     {"QN3_QuillnoteAsk", "QN3_QNAsk", kModal, kAsNamed, QN3_QuillnoteAsk},
     {"QN3_QuillnoteAsk2", "QN3_QNAsk2", kTransparent | kPickSet, kAsNamed, QN3_QuillnoteAsk2},
     {"QN3_addVertext", "QN3_addV", kTransparent | kPickSet, kNotRecorded, QN3_addVertext},
@@ -97,15 +99,15 @@ static constexpr CommandRow kCommands[] = {
     {"QN8_editNumber", "QN8_editNumber", kModal, kNotRecorded, QN8_editNumber},
     {"QN3_delSnapBitmapAll", "QN3_delSnapBitmap", kModal, {"QN3_delSnapBitmapAll", "QN3_delSnapBitmapAll"}, QN3_delSnapBitmapAll},
     {"qn3_wantReturn", "qn3_wantReturn", kModal, kAsNamed, qn3_wantReturn},
-    {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, nullptr},
-    {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, nullptr},
+    {"QN3_whiteAll", "QN3_whiteAll", kModal, kAsNamed, QN3_whiteAll},
+    {"QN3_restoreColorAll", "QN3_restoreColorAll", kModal, kAsNamed, QN3_restoreColorAll},
     {"QN3_DataFileOut", "QN3_DataFileOut", kModal, {"QN3_DataFileOut", "QN3f1"}, QN3_DataFileOut},
     {"QN3_DataFileIn", "QN3_DataFileIn", kModal, {"QN3_DataFileIn", "QN3f2"}, QN3_DataFileIn},
     {"-QN3_DataFileIn", "-QN3_DataFileIn", kModal, kNotRecorded, QN3_DataFileInQuiet},
     {"QN3_Setup", "quillNoteSetup", kModal, {"QN3_Setup", "QN3_Setup"}, QN3_Setup},
-    {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, nullptr},
-    {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, nullptr},
-    {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, nullptr},
+    {"QN8_whiteAttach", "QN8_whiteAttach", kModal, kNotRecorded, QN8_whiteAttach},
+    {"QN8_xclip", "QN8_xclip", kModal, kNotRecorded, QN8_xclip},
+    {"QN8_setDiTuColor", "setDiTuColor", kModal, kNotRecorded, QN8_setDiTuColor},
     {"QN8_ToNativeEnt", "toNativeEnt", kModal, kNotRecorded, QN8_ToNativeEnt},
     {"QN3_freshSnapshot", "QN3_freshSnap", kModal, {"QN3_freshSnapshot", "QN3_freshSnapshot"}, QN3_freshSnapshot},
     {"QN3_compareSnapshot", "QN3_cmpSnap", kModal, {"QN3_compareSnapshot", "QN3_compareSnapshot"}, QN3_compareSnapshot},
@@ -118,6 +120,8 @@ static constexpr CommandRow kCommands[] = {
     // Commands of later versions stand behind the others.
     {"QN3_outputPage", "QN3_Page", kModal, kNotRecorded, QN3_outputPage},
     {"QN8_SynningPlace", "SynningPlace", kModal, kNotRecorded, QN8_SynningPlace},
+    {"QN8_overlayRenew", "overlayRenew", kModal, kNotRecorded, QN8_overlayRenew},
+    {"QN8_overlayCompare", "overlayCompare", kModal, kNotRecorded, QN8_overlayCompare},
 };
 // clang-format on
 
@@ -126,24 +130,14 @@ std::span<const CommandRow> commandTable()
     return kCommands;
 }
 
-static void sayNotBuilt(const char *globalName)
-{
-    acedRefuse(QStringLiteral("命令 %1 在此版本中尚未提供。").arg(QString::fromLatin1(globalName)));
-}
-
 void registerCommands()
 {
     for (const CommandRow &row : kCommands) {
-        std::function<void()> function;
-        if (row.function)
-            function = row.function;
-        else
-            function = [name = row.globalName] { sayNotBuilt(name); };
         acedRegCmds()->addCommand({.group = QString::fromUtf16(kCommandGroup),
                                    .globalName = QString::fromLatin1(row.globalName),
                                    .localName = QString::fromLatin1(row.localName),
-                                   .flags = row.function ? row.flags : row.flags | kCommandNotBuilt,
-                                   .function = std::move(function)});
+                                   .flags = row.flags,
+                                   .function = row.function});
     }
 }
 

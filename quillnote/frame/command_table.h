@@ -20,7 +20,7 @@ struct CommandRow {
     const char *localName;
     int flags; ///< Of the host: AcEdCommandFlag.
     RecordedNames recorded;
-    void (*function)(); ///< Null while the command is not built: it says so and changes nothing.
+    void (*function)();
 };
 
 /// In registration order.

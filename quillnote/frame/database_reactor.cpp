@@ -1,5 +1,6 @@
 #include "quillnote/frame/database_reactor.h"
 
+#include "quillnote/aids/links/link_set.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/exchange/synchronisation.h"
 
@@ -20,6 +21,12 @@ QNK_DbReactor::~QNK_DbReactor()
 void QNK_DbReactor::goodbye(const AcDbDatabase *)
 {
     m_database = nullptr;
+}
+
+static void redrawPartnerOf(const AcDbObject *object)
+{
+    if (const auto *const link = acrxCast<QuillLinkObj>(object))
+        redrawPartner(*link);
 }
 
 // The copy counts itself, so the first copy of mark 12 becomes 12.2.
@@ -50,6 +57,7 @@ void QNK_DbReactor::objectUnAppended(const AcDbDatabase *database, const AcDbObj
 
 void QNK_DbReactor::objectReAppended(const AcDbDatabase *, const AcDbObject *object)
 {
+    redrawPartnerOf(object);
     if (const auto *const mark = acrxCast<QuillnoteObj3>(object)) {
         m_counts.note(*mark);
         synchroniseMark(*mark);
@@ -59,6 +67,7 @@ void QNK_DbReactor::objectReAppended(const AcDbDatabase *, const AcDbObject *obj
 // What an import changes makes way for a newer state; what it erases was erased elsewhere, or makes way too.
 void QNK_DbReactor::objectModified(const AcDbDatabase *, const AcDbObject *object)
 {
+    redrawPartnerOf(object);
     const auto *const mark = acrxCast<QuillnoteObj3>(object);
     if (mark)
         m_counts.note(*mark);
@@ -68,6 +77,7 @@ void QNK_DbReactor::objectModified(const AcDbDatabase *, const AcDbObject *objec
 
 void QNK_DbReactor::objectErased(const AcDbDatabase *, const AcDbObject *object, bool erased)
 {
+    redrawPartnerOf(object);
     const auto *const mark = acrxCast<QuillnoteObj3>(object);
     if (mark)
         m_counts.note(*mark, !erased);

@@ -1,5 +1,5 @@
-// QNK_DbReactor: gives marks that a person copies, pastes or inserts an identity of their own, and hands
-// changes of marks to the synchronisation.
+// QNK_DbReactor: gives marks that a person copies, pastes or inserts an identity of their own, hands changes
+// of marks to the synchronisation, and has partners of hot links drawn anew.
 #pragma once
 
 #include "quillnote/authoring/numbering.h"

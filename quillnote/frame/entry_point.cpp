@@ -1,6 +1,9 @@
 // The host's messages, and the order of start-up and unload.
 #include "quillnote/frame/entry_point.h"
 
+#include "quillnote/aids/link_pair.h"
+#include "quillnote/aids/links/link_record.h"
+#include "quillnote/aids/overlay_commands.h"
 #include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/authoring/numbering.h"
 #include "quillnote/entity/mark_class.h"
@@ -59,6 +62,7 @@ static void resetState()
     passwordState().reset();
     markDrawingState().reset();
     appendState().reset();
+    pendingLink().reset();
     pendingSnapshot().reset();
     startUpSettings().reset();
 }
@@ -72,6 +76,7 @@ static void initialise(void *packet)
     createDocumentRegistry();
     readStartUpSettings();
     registerMarkClass();
+    registerLinkClass();
     installPasswordPrompt();
     setTargetReshaped(renewFingerprint);
     showNotice();
@@ -94,6 +99,7 @@ static void unload()
     acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
     setTargetReshaped(nullptr);
     removePasswordPrompt();
+    unregisterLinkClass();
     unregisterMarkClass();
 }
 
@@ -102,6 +108,7 @@ static void drawingLoaded()
 {
     queueMenuLoad();
     defineLispFunctions();
+    sayGoneOverlays();
     if (settings::number(u"autoFlagRefresh") > 0)
         startFlagRefresh();
 }

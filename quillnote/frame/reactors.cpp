@@ -1,5 +1,7 @@
 #include "quillnote/frame/reactors.h"
 
+#include "quillnote/aids/link_pair.h"
+#include "quillnote/aids/overlay_copy.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
@@ -28,6 +30,7 @@ public:
     {
         m_registry.detach(document);
         leaveDrawing(*document->database());
+        pendingLink().forget(*document->database());
     }
     void documentToBeActivated(AcApDocument *document) override { m_registry.attach(document); }
     void documentActivated(AcApDocument *document) override
@@ -40,7 +43,7 @@ private:
     DocumentRegistry &m_registry;
 };
 
-/// Keeps the review palette in step with the documents.
+/// Keeps the review palette in step with the documents, and the overlays that they were saved with.
 class QNNK_DocumentReactor : public AcApDocManagerReactor
 {
 public:
@@ -50,6 +53,10 @@ public:
     void documentActivated(AcApDocument *) override { refreshReviewPalette(); }
     void documentToBeDeactivated(AcApDocument *document) override { storeReviewInput(*document, false); }
     void documentToBeDestroyed(AcApDocument *document) override { forgetReviewed(*document); }
+    void documentSaved(AcApDocument *document) override
+    {
+        keepOverlaysFor(*document->database(), document->fileName());
+    }
     void inputWanted(AcApDocument *document, bool forSaving) override
     {
         storeReviewInput(*document, forSaving);

@@ -1,5 +1,6 @@
 #include "quillnote/frame/verbs.h"
 
+#include "quillnote/aids/overlay_verb.h"
 #include "quillnote/exchange/data_verbs.h"
 #include "quillnote/reports/mark_area.h"
 #include "quillnote/reports/marks_verb.h"
@@ -8,7 +9,8 @@
 
 static std::vector<AcEdVerb> moduleVerbs()
 {
-    return {marksVerb(), reportVerb(), compareVerb(), refreshVerb(), dataExportVerb(), dataImportVerb()};
+    return {marksVerb(),      reportVerb(),     compareVerb(), refreshVerb(),
+            dataExportVerb(), dataImportVerb(), overlayVerb()};
 }
 
 void registerVerbs()

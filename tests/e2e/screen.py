@@ -163,6 +163,14 @@ class Window:
         self.screen.xdotool("click", button)
         time.sleep(0.25)
 
+    def double_click(self, place):
+        self.point(place)
+        self.screen.xdotool("click", "--repeat", 2, "--delay", 60, 1)
+        time.sleep(0.25)
+
+    def title(self):
+        return " ".join(self.screen.xdotool("getwindowname", self.id))
+
     def drag(self, start, end, button=1):
         self.point(start)
         self.screen.xdotool("mousedown", button)

@@ -71,6 +71,7 @@ static constexpr std::array kTable = std::to_array<Value>({
     {kKey, u"YesTickHeight", N, u"100", u"size of new tick symbols; below 1 counts as 100"},
     {kKey, u"defaultGreen", N, u"0", u"not 0: a plain click places the green tick"},
     {kKey, u"DiTuColor", N, u"254", u"colour of overlays, 1 to 255"},
+    {kKey, u"Overlay%d", T, u"", u"copy of an overlay and the drawing that was saved with it", 0, 199},
     {kKey, u"WhiteAllColor", N, u"254", u"the one colour of a whitened drawing, 1 to 255"},
 
     // Report template

@@ -7,6 +7,7 @@
 #include "quillnote/snapshot/commands/changed_targets.h"
 #include "quillnote/snapshot/commands/compared_picture.h"
 #include "quillnote/snapshot/commands/mark_pictures.h"
+#include "quillnote/snapshot/commands/other_drawing.h"
 #include "quillnote/snapshot/commands/place_differences.h"
 #include "quillnote/snapshot/commands/refresh_snapshots.h"
 
@@ -125,34 +126,6 @@ static int compareWithSnapshots(const AcEdVerbCall &call)
 
 namespace
 {
-
-/// Another drawing that is open for a while, beside the current one.
-class OtherDrawing
-{
-public:
-    explicit OtherDrawing(const QString &path) : m_current(curDoc())
-    {
-        const auto opened = acDocManager()->openDocument(path, AcApOpenAs::readOnly);
-        if (opened)
-            m_other = *opened;
-        else
-            acutPrintf(u'\n' + opened.error());
-        acDocManager()->activateDocument(m_current);
-    }
-    ~OtherDrawing()
-    {
-        if (m_other && m_other != m_current)
-            acDocManager()->closeDocument(m_other);
-    }
-    OtherDrawing(const OtherDrawing &) = delete;
-    OtherDrawing &operator=(const OtherDrawing &) = delete;
-
-    AcDbDatabase *database() const { return m_other ? m_other->database() : nullptr; }
-
-private:
-    AcApDocument *m_current;
-    AcApDocument *m_other = nullptr;
-};
 
 struct PlaceResult {
     QString number;

@@ -1,6 +1,7 @@
 // The module over one open drawing, for the tests of its commands.
 #pragma once
 
+#include "quillnote/aids/links/link_record.h"
 #include "quillnote/authoring/collect_marks.h"
 #include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
@@ -30,6 +31,7 @@ struct AuthoringTest : testing::Test {
         acgi::install();
         acedRegisterHostCommands();
         registerMarkClass();
+        registerLinkClass();
         createDocumentRegistry();
         createReactors();
         installPasswordPrompt();
@@ -48,6 +50,7 @@ struct AuthoringTest : testing::Test {
         removePasswordPrompt();
         deleteReactors();
         acedRegCmds()->removeGroup(QString::fromUtf16(kCommandGroup));
+        unregisterLinkClass();
         unregisterMarkClass();
     }
     AcDbDatabase &database() const { return drawing->database(); }

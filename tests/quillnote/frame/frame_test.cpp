@@ -102,22 +102,6 @@ TEST_F(FrameTest, TheDemandLoadRecordNamesTheRecordedCommands)
     EXPECT_EQ(localName("QN8_editNumber"), QString());
 }
 
-TEST_F(FrameTest, CommandsThatAreNotBuiltSaySoAndChangeNothing)
-{
-    tests::ScriptFrontEnd script;
-    load();
-    const tests::OpenDrawing drawing(tests::MemoryDrawing().open());
-    for (const CommandRow &row : commandTable()) {
-        if (row.function)
-            continue;
-        script.printed.clear();
-        acedEditor()->runCommand(QString::fromLatin1(row.globalName));
-        EXPECT_TRUE(script.printed.contains(QString::fromLatin1(row.globalName))) << row.globalName;
-        EXPECT_TRUE(script.printed.contains(QStringLiteral("尚未提供"))) << row.globalName;
-    }
-    EXPECT_FALSE(drawing.database().hasChanges());
-}
-
 TEST_F(FrameTest, TheSettingSwitchesTheFlagRefreshOnWithADrawing)
 {
     tests::ScriptFrontEnd script;
