@@ -6,9 +6,9 @@
 
 /// What dragging grips may change of a mark, and what it depends on.
 struct MarkShape {
-    int targetStyle = 2;
-    int leaderMode = 0;
-    int flagStyle = 103;
+    TargetStyle targetStyle = TargetStyle::thinWaves;
+    LeaderMode leaderMode = LeaderMode::flag;
+    FrameStyle flagStyle = FrameStyle::bevel;
     bool hasSketch = false;
     AcGeVector3d normal = AcGeVector3d::kZAxis;
     AcGeVector3d xDirection = AcGeVector3d::kXAxis;
