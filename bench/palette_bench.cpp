@@ -51,7 +51,7 @@ static bool s_isWithin = true;
 template <class Work>
 static void time(const char *what, Work work)
 {
-    const double seconds = bench::seconds(work);
+    const double seconds = bench::processorSeconds(work);
     std::printf("%-24s %.4f s\n", what, seconds);
     s_isWithin = s_isWithin && seconds <= kBudget;
 }

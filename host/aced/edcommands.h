@@ -27,6 +27,8 @@ struct AcEdCommand {
     QString localName;
     int flags = ACRX_CMD_MODAL;
     std::function<void()> function;
+    const char *title = ""; ///< What people call it, before Host::tr(); empty: as a menu item that runs it.
+    QStringList aliases{};  ///< Further names, in every language.
 };
 
 /// All commands of the process, in registration order. Names ignore letter case.
@@ -34,11 +36,10 @@ class AcEdCommandStack
 {
 public:
     /// False when the group has a command of that global name already.
-    bool addCommand(const QString &group, const QString &globalName, const QString &localName, int flags,
-                    std::function<void()> function);
+    bool addCommand(AcEdCommand command);
     bool removeCmd(const QString &group, const QString &globalName);
     void removeGroup(const QString &group);
-    /// By local name, then by global name ("_LINE" is the global name LINE); later groups win; null.
+    /// By local name or alias, then by global name ("_LINE" is the global name LINE); later groups win; null.
     const AcEdCommand *lookup(const QString &name) const;
     const std::vector<AcEdCommand> &commands() const { return m_commands; }
 

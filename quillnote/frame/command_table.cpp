@@ -139,10 +139,11 @@ void registerCommands()
             function = row.function;
         else
             function = [name = row.globalName] { sayNotBuilt(name); };
-        acedRegCmds()->addCommand(QString::fromUtf16(kCommandGroup), QString::fromLatin1(row.globalName),
-                                  QString::fromLatin1(row.localName),
-                                  row.function ? row.flags : row.flags | kCommandNotBuilt,
-                                  std::move(function));
+        acedRegCmds()->addCommand({.group = QString::fromUtf16(kCommandGroup),
+                                   .globalName = QString::fromLatin1(row.globalName),
+                                   .localName = QString::fromLatin1(row.localName),
+                                   .flags = row.function ? row.flags : row.flags | kCommandNotBuilt,
+                                   .function = std::move(function)});
     }
 }
 

@@ -434,8 +434,7 @@ static void insert()
 std::span<const Entry> blockCommands()
 {
     static constexpr std::array entries{
-        Entry{"INSERT", ACRX_CMD_MODAL, insert},
-        Entry{"-INSERT", ACRX_CMD_MODAL, insert},
+        Entry{"INSERT", QT_TRANSLATE_NOOP("Host", "插入块"), ACRX_CMD_MODAL, insert, "I -INSERT"},
     };
     return entries;
 }

@@ -10,8 +10,10 @@ namespace hostcommands
 
 struct Entry {
     const char *name;
+    const char *title; ///< What people call it; marked for translation by Host::tr().
     int flags;
     void (*run)();
+    const char *aliases = ""; ///< Other names as people type them, parted by blanks.
 };
 
 std::span<const Entry> fileCommands();

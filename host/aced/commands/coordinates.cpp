@@ -148,8 +148,8 @@ static void plan()
 std::span<const Entry> coordinateCommands()
 {
     static constexpr std::array entries{
-        Entry{"UCS", ACRX_CMD_NOUNDO, ucs},
-        Entry{"PLAN", ACRX_CMD_NOUNDO, plan},
+        Entry{"UCS", QT_TRANSLATE_NOOP("Host", "坐标系"), ACRX_CMD_NOUNDO, ucs},
+        Entry{"PLAN", QT_TRANSLATE_NOOP("Host", "平面视图"), ACRX_CMD_NOUNDO, plan},
     };
     return entries;
 }

@@ -124,10 +124,11 @@ static void view()
 std::span<const Entry> layoutCommands()
 {
     static constexpr std::array entries{
-        Entry{"LAYOUT", ACRX_CMD_NOUNDO, layout},       Entry{"-LAYOUT", ACRX_CMD_NOUNDO, layout},
-        Entry{"MODEL", ACRX_CMD_NOUNDO, model},         Entry{"MSPACE", ACRX_CMD_NOUNDO, toModelSpace},
-        Entry{"PSPACE", ACRX_CMD_NOUNDO, toPaperSpace}, Entry{"VIEW", ACRX_CMD_NOUNDO, view},
-        Entry{"-VIEW", ACRX_CMD_NOUNDO, view},
+        Entry{"LAYOUT", QT_TRANSLATE_NOOP("Host", "布局"), ACRX_CMD_NOUNDO, layout, "-LAYOUT"},
+        Entry{"MODEL", QT_TRANSLATE_NOOP("Host", "模型空间"), ACRX_CMD_NOUNDO, model},
+        Entry{"MSPACE", QT_TRANSLATE_NOOP("Host", "进入视口"), ACRX_CMD_NOUNDO, toModelSpace, "MS"},
+        Entry{"PSPACE", QT_TRANSLATE_NOOP("Host", "离开视口"), ACRX_CMD_NOUNDO, toPaperSpace, "PS"},
+        Entry{"VIEW", QT_TRANSLATE_NOOP("Host", "命名视图"), ACRX_CMD_NOUNDO, view, "V -VIEW"},
     };
     return entries;
 }

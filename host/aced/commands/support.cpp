@@ -54,7 +54,7 @@ std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, co
         acedEditor()->requestCancel();
         return std::nullopt;
     }
-    return AskedFile{withoutQuotes(answer->typed), answer->mayReplace};
+    return AskedFile{withoutQuotes(answer->typed), answer->mayReplace, answer->furtherFiles};
 }
 
 std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback)

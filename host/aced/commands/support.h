@@ -28,6 +28,7 @@ std::optional<QString> askText(const QString &prompt);
 struct AskedFile {
     QString path;            ///< Empty for Enter.
     bool mayReplace = false; ///< The user knows that there is such a file.
+    QStringList further{};   ///< More files to open.
 };
 /// A path, typed or chosen in a window's file dialog, which begins with `proposed`; none when cancelled.
 std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed);

@@ -241,12 +241,11 @@ std::span<const Entry> viewCommands()
 {
     static constexpr int kFlags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NOUNDO;
     static constexpr std::array entries{
-        Entry{"ZOOM", kFlags, zoom},
-        Entry{"PAN", kFlags, pan},
-        Entry{"-PAN", kFlags, pan},
-        Entry{"REGEN", kFlags, regenerate},
-        Entry{"REGENALL", kFlags, regenerate},
-        Entry{"DVIEW", ACRX_CMD_NOUNDO, dynamicView},
+        Entry{"ZOOM", QT_TRANSLATE_NOOP("Host", "缩放视图"), kFlags, zoom, "Z"},
+        Entry{"PAN", QT_TRANSLATE_NOOP("Host", "平移"), kFlags, pan, "P -PAN"},
+        Entry{"REGEN", QT_TRANSLATE_NOOP("Host", "重生成"), kFlags, regenerate, "RE"},
+        Entry{"REGENALL", QT_TRANSLATE_NOOP("Host", "全部重生成"), kFlags, regenerate, "REA"},
+        Entry{"DVIEW", QT_TRANSLATE_NOOP("Host", "转动视图"), ACRX_CMD_NOUNDO, dynamicView, "DV"},
     };
     return entries;
 }

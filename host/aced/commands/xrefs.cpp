@@ -274,8 +274,7 @@ static void xref()
 std::span<const Entry> xrefCommands()
 {
     static constexpr std::array entries{
-        Entry{"XREF", ACRX_CMD_MODAL, xref},
-        Entry{"-XREF", ACRX_CMD_MODAL, xref},
+        Entry{"XREF", QT_TRANSLATE_NOOP("Host", "外部参照"), ACRX_CMD_MODAL, xref, "XR -XREF"},
     };
     return entries;
 }

@@ -157,8 +157,8 @@ static void addOfEveryKind(const MarkPictures &pictures)
 TEST_F(MarkPictures, Plotted)
 {
     addOfEveryKind(*this);
-    acedRegCmds()->addCommand(QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
-                              [&] { matched(tests::planView(0, 0, 440, 220), QStringLiteral("plotted")); });
+    acedRegCmds()->addCommand({QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
+                               [&] { matched(tests::planView(0, 0, 440, 220), QStringLiteral("plotted")); }});
     EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("PLOT")), RTNORM);
     acedRegCmds()->removeGroup(QStringLiteral("TEST"));
 }
