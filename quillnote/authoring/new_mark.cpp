@@ -36,7 +36,7 @@ double suitingTextHeight(double viewHeight, const AcDbExtents &drawing)
     constexpr double kFewestLines = 10.0; // A higher text would be a band across the view.
     double height = viewHeight / kLinesInView;
     if (drawing.isValid()) {
-        // Of a sheet with this diagonal: from what is just legible to what shouts.
+        // Of a sheet with this diagonal: from just legible to far too large.
         const double diagonal = drawing.minPoint().distanceTo(drawing.maxPoint());
         if (diagonal > 0.0 && std::isfinite(diagonal))
             height = std::clamp(height, diagonal / 500.0, diagonal / 60.0);

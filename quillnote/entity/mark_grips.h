@@ -53,7 +53,7 @@ std::optional<MarkShape> moveMarkGrips(MarkShape shape, std::span<const int> gri
                                        const AcGeVector3d &offset, const MarkDrawingSettings &settings,
                                        const MarkView &view);
 
-/// Told, with the mark open for write, when a drag has given a polygon or spline mark another target: what is
-/// kept of the target's content is of another place now. Returns the one before.
+/// Called, with the mark open for write, when a drag has given a polygon or spline mark another target: its
+/// picture and fingerprint are of another place now. Returns the function that was set before.
 using TargetReshaped = void (*)(QuillnoteObj3 &mark);
 TargetReshaped setTargetReshaped(TargetReshaped hearer);

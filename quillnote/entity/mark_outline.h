@@ -35,7 +35,8 @@ struct OutlineRecord {
     MarkCorners target{};
     MarkCorners textBox{};
     AcGeVector3d xDirection = AcGeVector3d::kXAxis;
-    std::span<const AcGePoint3d> vertices{}; ///< Of polygon and spline marks; whose they are outlives this.
+    std::span<const AcGePoint3d>
+        vertices{}; ///< Of polygon and spline marks; the mark that has them outlives this.
     DisplayMode displayMode = DisplayMode::full;
     bool enlarged = false; ///< The mark's own outline number is negative: ellipses are a quarter larger.
     int color1 = 2;        ///< The mark's own colours.

@@ -161,7 +161,7 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
     return box.isValid() ? Acad::eOk : Acad::eInvalidExtents;
 }
 
-/// What was mirrored would hang upside down or read backwards: the x direction points to the right again, the
+/// A mirrored mark would hang upside down or read backwards: the x direction points to the right again, the
 /// corners get their roles anew, and the vertices run the other way, so that waves bulge outwards.
 static void standUpright(QuillnoteObj3 &mark)
 {

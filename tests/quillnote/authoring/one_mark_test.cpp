@@ -1,5 +1,5 @@
-// What the commands on one mark have in common: they change nothing but a mark, ask for its password, and leave
-// marks on locked layers alone.
+// What the commands on one mark have in common: they change nothing but a mark, ask for its password, and
+// leave marks on locked layers alone.
 #include "host/acdb/dbsymtb.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
