@@ -19,14 +19,6 @@
 
 #include <algorithm>
 
-static constexpr int kPaleGrey = 254;
-
-/// 1 to 255; a pale grey when nothing sensible is set.
-static int colorSetting(QStringView name)
-{
-    return settings::numberInRange(name, 1, 255, kPaleGrey);
-}
-
 // Painting ----------------------------------------------------------------------------------------
 
 /// A stopped one leaves everything as it was.
@@ -47,7 +39,7 @@ static void recolour(const std::function<Recoloured(AcDbDatabase &)> &work)
 void QN3_whiteAll()
 {
     recolour([](AcDbDatabase &database) {
-        return paintEverything(database, colorSetting(u"WhiteAllColor"), acDocManager()->progress());
+        return paintEverything(database, settings::number(u"WhiteAllColor"), acDocManager()->progress());
     });
 }
 
@@ -60,7 +52,7 @@ void QN3_restoreColorAll()
 
 void QN8_setDiTuColor()
 {
-    int color = colorSetting(u"DiTuColor");
+    int color = settings::number(u"DiTuColor");
     int typed = 0;
     acedInitGet(RSG_NONEG);
     const QString prompt = QStringLiteral("\n请输入叠图色彩号(1-254)[%1]：").arg(color);
@@ -102,7 +94,7 @@ void QN8_whiteAttach()
         return;
     }
     removeUnusedOverlays();
-    const int color = colorSetting(u"DiTuColor");
+    const int color = settings::number(u"DiTuColor");
     const auto copy = makeOverlayCopy(source, color);
     if (!copy) {
         tell(copy.error());
@@ -187,7 +179,7 @@ static void renew(const Overlay &overlay)
         return;
     }
     const bool hasColor = overlay.colorIndex >= 1 && overlay.colorIndex <= 255;
-    const auto copy = makeOverlayCopy(source, hasColor ? overlay.colorIndex : colorSetting(u"DiTuColor"));
+    const auto copy = makeOverlayCopy(source, hasColor ? overlay.colorIndex : settings::number(u"DiTuColor"));
     if (!copy) {
         tell(copy.error());
         return;

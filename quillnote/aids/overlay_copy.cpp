@@ -187,7 +187,7 @@ public:
     static QString drawingOf(const QString &copy)
     {
         for (int row = 0; row < kRows; ++row) {
-            if (const QString text = settings::text(name(row)); text.section(u'\n', 0, 0) == copy)
+            if (const QString text = settings::text(u"Overlay%d", row); text.section(u'\n', 0, 0) == copy)
                 return text.section(u'\n', 1);
         }
         return {};
@@ -197,7 +197,7 @@ public:
     {
         int free = -1;
         for (int row = 0; row < kRows; ++row) {
-            const QString text = settings::text(name(row));
+            const QString text = settings::text(u"Overlay%d", row);
             const QString known = text.section(u'\n', 0, 0);
             if (known == copy) {
                 free = row;
@@ -208,12 +208,11 @@ public:
                 free = row;
         }
         if (free >= 0)
-            settings::setText(name(free), drawing.isEmpty() ? QString() : copy + u'\n' + drawing);
+            settings::setText(u"Overlay%d", free, drawing.isEmpty() ? QString() : copy + u'\n' + drawing);
     }
 
 private:
     static constexpr int kRows = 200;
-    static QString name(int row) { return QStringLiteral("Overlay%1").arg(row); }
 };
 
 } // namespace

@@ -32,7 +32,7 @@ void saySkippedMarks(int count, std::size_t of)
 // How much of the marks is seen -------------------------------------------------------------------
 
 // The display learns of a change when the mark is closed.
-void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
+void setDisplayModes(AcDbDatabase &database, const std::function<DisplayMode(AcDbObjectId)> &modeOf)
 {
     int skipped = 0;
     const CollectedMarks marks = collectAllMarks(database);
@@ -41,7 +41,7 @@ void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(Ac
     saySkippedMarks(skipped, marks.ids.size());
 }
 
-void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+void setAllMarksDisplayMode(AcDbDatabase &database, DisplayMode mode)
 {
     setDisplayModes(database, [mode](AcDbObjectId) { return mode; });
 }
@@ -54,19 +54,19 @@ static void setAllLinksDisplayMode(AcDbDatabase &database, std::int16_t mode)
 
 void QN3_allMarksHide()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), -1);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::hidden);
     setAllLinksDisplayMode(*acdbCurDwg(), -1);
 }
 
 void QN3_allMarksShow()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), 0);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::full);
     setAllLinksDisplayMode(*acdbCurDwg(), 1);
 }
 
 void QN3_allMarksShrink()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), 1);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::shrunk);
 }
 
 // Having marks drawn anew -------------------------------------------------------------------------

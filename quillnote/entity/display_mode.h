@@ -4,8 +4,8 @@
 #include "host/acdb/dbentity.h"
 
 /// An entity that is so already is not written to. False when it could not be.
-template <class Entity>
-bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
+template <class Entity, class Mode>
+bool setDisplayMode(AcDbObjectId id, Mode mode)
 {
     AcDbObjectPointer<Entity> entity(id, AcDb::kForRead);
     if (!entity)
