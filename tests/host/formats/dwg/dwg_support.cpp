@@ -2,6 +2,7 @@
 
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgobject.h"
+#include "host/formats/dwg/dwgpacker.h"
 
 #include <zlib.h>
 
@@ -189,11 +190,12 @@ static QByteArray crcOf(const QByteArray &bytes)
     return crc.bytes();
 }
 
-void DwgFile::object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body)
+QByteArray dwgRecord(DrawingVersion version, std::uint64_t handle, int type,
+                     const std::function<void(DwgObject &)> &body)
 {
-    DwgObject made(m_version);
+    DwgObject made(version);
     made.data.h(0, handle);
-    DwgObject content(m_version);
+    DwgObject content(version);
     body(content);
     if (!content.extended.isEmpty()) {
         made.data.bs(int(content.extended.size()));
@@ -230,8 +232,12 @@ void DwgFile::object(std::uint64_t handle, int type, const std::function<void(Dw
         head.rc(unsigned(handleBits >> 7));
     }
     QByteArray record = head.bytes() + whole.bytes();
-    record += crcOf(record);
-    m_records[handle] = record;
+    return record + crcOf(record);
+}
+
+void DwgFile::object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body)
+{
+    m_records[handle] = dwgRecord(m_version, handle, type, body);
 }
 
 void DwgFile::addClass(const QByteArray &dxfName, bool isEntity)
@@ -389,10 +395,7 @@ static QByteArray packed(const QByteArray &bytes)
     return out + bytes + QByteArray("\x11\0\0", 3);
 }
 
-static std::string_view viewOf(const QByteArray &bytes)
-{
-    return {bytes.constData(), std::size_t(bytes.size())};
-}
+using dwg::viewOf;
 
 static QByteArray systemPage(std::uint32_t type, const QByteArray &content)
 {
@@ -475,9 +478,39 @@ QByteArray DwgFile::paged() const
     return file + pages + head;
 }
 
+/// The same sections behind Reed-Solomon words; what packs them is tried on real files.
+QByteArray DwgFile::paged21() const
+{
+    const QByteArray other = paged();
+    dwg::Container container;
+    container.version = m_version;
+    if (!dwg::openPaged(viewOf(other), container))
+        return {};
+    QByteArray begin(0x480, '\0');
+    begin.replace(0, 0x80, other.left(0x80));
+    container.file = viewOf(begin);
+    container.objects = container.section("AcDb:AcDbObjects");
+    for (dwg::SectionForm &form : container.forms) {
+        QByteArray name;
+        for (const char unit : form.name + '\0')
+            name.append(unit).append('\0');
+        form.description = QByteArray(0x40, '\0');
+        putNumber(form.description, 0x08, 0xF800, 8);
+        putNumber(form.description, 0x20, std::uint64_t(name.size()), 8);
+        putNumber(form.description, 0x30, 4, 8);
+        form.description += name;
+    }
+    constexpr int kHeaderSize = 0x110;
+    container.head = QByteArray(0x20 + kHeaderSize, '\0');
+    putNumber(container.head, 0x18, std::uint64_t(std::int64_t(-kHeaderSize)), 8);
+    return *dwg::packFile({container, {}, dwg::storedObjects(container), 0});
+}
+
 QByteArray DwgFile::bytes() const
 {
-    return m_version < DrawingVersion::r2004 ? plain() : paged();
+    if (m_version < DrawingVersion::r2004)
+        return plain();
+    return m_version == DrawingVersion::r2007 ? paged21() : paged();
 }
 
 // A drawing --------------------------------------------------------------------------------------

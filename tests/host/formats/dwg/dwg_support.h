@@ -4,7 +4,8 @@
 //     file.object(0x20, dwg::kInsert, [](tests::DwgObject &o) { o.entity(); o.data.bd(1.0); });
 //     const QByteArray bytes = file.bytes();
 //
-// AC1015 keeps its sections as they are; AC1027 packs them into pages, without compressing anything.
+// AC1015 keeps its sections as they are; AC1027 packs them into pages, without compressing anything; AC1021
+// is packed by the program.
 #pragma once
 
 #include "host/acdb/dbsource.h"
@@ -63,6 +64,10 @@ private:
     DrawingVersion m_version;
 };
 
+/// One object's record.
+QByteArray dwgRecord(DrawingVersion version, std::uint64_t handle, int type,
+                     const std::function<void(DwgObject &)> &body);
+
 class DwgFile
 {
 public:
@@ -79,6 +84,7 @@ private:
     QByteArray header() const;
     QByteArray plain() const;
     QByteArray paged() const;
+    QByteArray paged21() const;
 
     DrawingVersion m_version;
     std::map<std::uint64_t, QByteArray> m_records;
