@@ -10,7 +10,7 @@
 #include "host/formats/dxf/dxfreader.h"
 #include "host/formats/dxf/dxftemplate.h"
 #include "host/formats/dxf/dxfwriter.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/reactors.h"
@@ -51,7 +51,7 @@ static bool s_isWithin = true;
 template <class Work>
 static void time(const char *what, Work work)
 {
-    const double seconds = bench::seconds(work);
+    const double seconds = bench::processorSeconds(work);
     std::printf("%-24s %.4f s\n", what, seconds);
     s_isWithin = s_isWithin && seconds <= kBudget;
 }

@@ -11,7 +11,7 @@
 #include "host/aced/edcommands.h"
 #include "host/aced/hostcommands.h"
 #include "host/acgi/query/install.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 
 #include <QApplication>
@@ -187,7 +187,7 @@ AcDbObjectId Session::lineInTheMiddle() const
 
 AcDbObjectId Session::newMark()
 {
-    const AcApView &view = curDoc()->view();
+    const AcGeView &view = curDoc()->view();
     NewMark request;
     request.corner1 = view.centre + AcGeVector3d(view.height * 0.1, view.height * 0.1, 0.0);
     request.corner2 = view.centre + AcGeVector3d(view.height * 0.2, view.height * 0.17, 0.0);

@@ -12,7 +12,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return 0;
     if (header->kind == MarkDataKind::erased) {
         const auto guids = readErasedMarks(file, *header);
-        QUILL_ASSERT(!guids || guids->size() == header->markCount);
+        if (!guids)
+            return 0;
+        QUILL_ASSERT(guids->size() == header->markCount);
+        const QByteArray written = encodeErasedMarks(*guids, header->shared);
+        const auto again = readMarkDataHeader(written);
+        QUILL_ASSERT(again && again->checksumHolds && again->shared == header->shared &&
+                     readErasedMarks(written, *again) == guids);
         return 0;
     }
     const MarkDataContents read = readMarkData(file, *header);

@@ -76,7 +76,7 @@ QSize DrawingView::pixelSize() const
 /// file, by a command or by hand.
 void DrawingView::fitViewToWidget(AcApDocument &document)
 {
-    AcApView &view = document.view();
+    AcGeView &view = document.view();
     FittedView &fitted = m_fitted.try_emplace(&document, FittedView{view, view}).first->second;
     if (view != fitted.shown)
         fitted.asked = view;
@@ -208,7 +208,7 @@ void DrawingView::zoomBy(double factor, QPointF at)
         return;
     fitViewToWidget(*document);
     rememberView(*document);
-    AcApView &view = document->view();
+    AcGeView &view = document->view();
     const double height = std::clamp(view.height / factor, kLeastHeight, kMostHeight);
     const QPointF pixel = toPixel(at);
     AcGePoint3d place =
@@ -226,10 +226,10 @@ void DrawingView::panBy(QPoint way)
         return;
     fitViewToWidget(*document);
     rememberView(*document);
-    AcApView &view = document->view();
+    AcGeView &view = document->view();
     const QPoint pixels = toPixel(way).toPoint();
     const AcGeVector3d seen(-pixels.x() * view.pixelSize(), pixels.y() * view.pixelSize(), 0.0);
-    view.centre = view.centre + acedViewFrame(view).inverse() * seen;
+    view.centre = view.centre + view.getEyeToWorldTransform() * seen;
     viewMoved(*document);
 }
 
@@ -279,8 +279,8 @@ void DrawingView::correctZoom(AcApDocument &document)
 {
     if (!m_roughZoom)
         return;
-    const AcApView &left = m_roughZoom->view;
-    const AcApView &now = document.view();
+    const AcGeView &left = m_roughZoom->view;
+    const AcGeView &now = document.view();
     const bool isLeft = document.database() == m_roughZoom->database && left.centre == now.centre &&
                         left.height == now.height;
     if (isLeft && !acgi::spatialIndexOf(*document.database()).prepare(acedShownSpace(document), 0))
@@ -296,19 +296,19 @@ void DrawingView::zoomTo(AcApDocument &document, AcDbExtents box)
         return;
     fitViewToWidget(document);
     // The view that is changed is that of the current space, which may be seen through a viewport.
-    const AcApView shown = acedShownView(document);
-    const AcGeMatrix3d frame = acedViewFrame(shown);
+    const AcGeView shown = acedShownView(document);
+    const AcGeMatrix3d frame = shown.getWorldToEyeTransform();
     box.transformBy(frame);
     const AcGeVector3d size = box.maxPoint() - box.minPoint();
     constexpr double kMargin = 1.02;
-    const double height = kMargin * std::max(size.y, size.x * shown.pixelHeight / shown.pixelWidth);
+    const double height = kMargin * shown.heightFor(size.x, size.y);
     const AcGePoint3d centre = frame.inverse() * (box.minPoint() + size * 0.5);
     const QPointF pixel(shown.pixelWidth / 2.0, shown.pixelHeight / 2.0);
     const AcGePoint3d at = acedViewport(document).worldToPixel() * centre;
-    AcApView &view = document.view();
+    AcGeView &view = document.view();
     const AcGeVector3d seen((at.x - pixel.x()) * view.pixelSize(), (pixel.y() - at.y) * view.pixelSize(),
                             0.0);
-    view.centre = view.centre + acedViewFrame(view).inverse() * seen;
+    view.centre = view.centre + view.getEyeToWorldTransform() * seen;
     if (height > 0.0 && std::isfinite(height))
         view.height = std::clamp(view.height * height / shown.height, kLeastHeight, kMostHeight);
     lookForChanges();

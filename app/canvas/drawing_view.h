@@ -104,13 +104,13 @@ private:
     /// A zoom to all that rests on what the file says.
     struct RoughZoom {
         const AcDbDatabase *database;
-        AcApView view; ///< As it was left; who has moved it since does not want to be sent back.
+        AcGeView view; ///< As it was left; who has moved it since does not want to be sent back.
     };
 
     /// The view as it was when somebody last moved it, and what this widget's size made of it.
     struct FittedView {
-        AcApView asked;
-        AcApView shown;
+        AcGeView asked;
+        AcGeView shown;
     };
 
     WindowFrontEnd &m_frontEnd;
@@ -127,7 +127,7 @@ private:
     std::size_t m_pickSetSize = 0;                       ///< As it was shown last.
     std::map<const AcApDocument *, FittedView> m_fitted; ///< Documents whose view has this widget's pixels.
     QElapsedTimer m_lastMove;                            ///< By hand.
-    AcApView m_movedTo;                                  ///< As the last move left it.
+    AcGeView m_movedTo;                                  ///< As the last move left it.
     std::optional<QPoint> m_panFrom;
     std::optional<RoughZoom> m_roughZoom;
 };

@@ -1,7 +1,7 @@
 // Pointing: what clicks and moves in the drawing view mean to the prompt that waits, and what follows the
 // cursor over the picture.
 //
-// Pixels are those of the view (AcApView::pixelWidth), from its upper left corner. A press with the left
+// Pixels are those of the view (AcGeView::pixelWidth), from its upper left corner. A press with the left
 // button answers; pressing, dragging and releasing works like two clicks where two clicks belong together.
 #pragma once
 

@@ -114,7 +114,7 @@ static base::Result<std::optional<AcEdNamedArea>, QString> namedArea(AcApDocumen
 /// end.
 static AcDbExtents savedView(const AcDbDatabase &database, AcDbObjectId space)
 {
-    AcApView view;
+    AcGeView view;
     acapRestoreView(database, space, view);
     const double half = view.height > 0.0 ? view.height / 2.0 : 0.5;
     const AcGeVector3d corner(half, half, 0.0);
@@ -179,15 +179,11 @@ static base::Result<Request, QString> readRequest(AcApDocument &document, const 
 /// A window is shown as asked for; everything gets some air around it.
 static AcGiViewport viewOf(const Request &request, bool withMargin)
 {
-    const AcGeVector3d diagonal = request.box.maxPoint() - request.box.minPoint();
     AcGiViewport view;
+    view.height = 1.0; // Of what has no size.
     view.pixelWidth = request.size.width();
     view.pixelHeight = request.size.height();
-    view.centre = request.box.minPoint() + diagonal * 0.5;
-    const double height = std::max(diagonal.y, diagonal.x * view.pixelHeight / view.pixelWidth);
-    view.height = height > 0 ? height : 1.0;
-    if (withMargin)
-        view.height /= 1.0 - 2.0 * kMargin;
+    view.fit(request.box, withMargin ? kMargin : 0.0);
     return view;
 }
 

@@ -79,7 +79,9 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
     const bool isDrawing = ending.isEmpty() || ending == u"dxf" || ending == u"dwg";
     QFileDialog dialog(QApplication::activeWindow(), dialogTitle(prompt.message));
     dialog.setAcceptMode(isSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setFileMode(isSave                                       ? QFileDialog::AnyFile
+                       : prompt.kind == AcEdPromptKind::filesToOpen ? QFileDialog::ExistingFiles
+                                                                    : QFileDialog::ExistingFile);
     dialog.setNameFilters({!isDrawing ? QStringLiteral("*.") + ending
                            : isSave   ? tr("图形 (*.dxf *.DXF)")
                                       : tr("图形 (*.dwg *.DWG *.dxf *.DXF)"),
@@ -94,6 +96,7 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
         return AcEdAnswer::ofCancel();
     AcEdAnswer answer = AcEdAnswer::ofText(dialog.selectedFiles().constFirst());
     answer.mayReplace = isSave;
+    answer.furtherFiles = dialog.selectedFiles().sliced(1);
     return answer;
 }
 
@@ -122,8 +125,9 @@ std::optional<AcEdAnswer> WindowFrontEnd::answer(const AcEdPrompt &prompt)
     }
     m_queueAnswered = m_queuePaused = false;
     std::optional<AcEdAnswer> answer = nextQueued(prompt);
-    const bool isFile =
-        prompt.kind == AcEdPromptKind::fileToOpen || prompt.kind == AcEdPromptKind::fileToSave;
+    const bool isFile = prompt.kind == AcEdPromptKind::fileToOpen ||
+                        prompt.kind == AcEdPromptKind::filesToOpen ||
+                        prompt.kind == AcEdPromptKind::fileToSave;
     if (!answer)
         answer = isFile ? askFile(prompt) : wait(prompt);
     if (!answer)

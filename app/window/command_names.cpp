@@ -1,7 +1,6 @@
 #include "app/window/command_names.h"
 
 #include "app/front_end/window_front_end.h"
-#include "app/window/host_menus.h"
 #include "host/aced/edcommands.h"
 #include "host/aced/edmenu.h"
 #include "host/aced/edparse.h"
@@ -17,29 +16,27 @@ namespace window
 
 // Names -------------------------------------------------------------------------------------------
 
-/// 0 modules, 1 the host, 2 short names.
-static int rank(const AcEdCommand &command)
-{
-    if (!command.group.startsWith(QLatin1String("HOST")))
-        return 0;
-    return command.group.contains(u'.') ? 2 : 1;
-}
-
 std::vector<CommandName> commandNames()
 {
     std::vector<CommandName> names;
     QSet<QString> seen;
-    for (int wanted = 0; wanted <= 2; ++wanted) {
+    const auto add = [&](const QString &name, const AcEdCommand &command) {
+        if (!seen.contains(name.toUpper())) {
+            seen.insert(name.toUpper());
+            names.push_back({name, commandTitle(command.globalName)});
+        }
+    };
+    for (const bool ofHost : {false, true}) {
         for (const AcEdCommand &command : acedRegCmds()->commands()) {
-            if (rank(command) != wanted)
-                continue;
-            for (const QString &name : {command.localName, command.globalName}) {
-                if (seen.contains(name.toUpper()))
-                    continue;
-                seen.insert(name.toUpper());
-                names.push_back({name, commandTitle(command.globalName)});
+            if ((command.group == u"HOST") == ofHost) {
+                add(command.localName, command);
+                add(command.globalName, command);
             }
         }
+    }
+    for (const AcEdCommand &command : acedRegCmds()->commands()) {
+        for (const QString &alias : command.aliases)
+            add(alias, command);
     }
     return names;
 }
@@ -52,22 +49,12 @@ QString withoutMnemonic(QString label)
     return label.remove(mark).trimmed();
 }
 
-/// The global name of the command that a macro runs.
-static QString commandOf(const QString &macro)
-{
-    for (const auto &answer : readMacro(macro)) {
-        if (!answer || answer->kind != AcEdAnswer::text)
-            continue;
-        const AcEdCommand *const command = acedRegCmds()->lookup(answer->typed);
-        return command ? command->globalName : QString();
-    }
-    return {};
-}
-
 static QString labelIn(const std::vector<AcEdMenuItem> &items, const QString &globalName)
 {
     for (const AcEdMenuItem &item : items) {
-        if (item.kind == AcEdMenuItem::item && commandOf(item.macro) == globalName)
+        const AcEdCommand *const command =
+            item.kind == AcEdMenuItem::item ? acedCommandOfMacro(item.macro) : nullptr;
+        if (command && command->globalName == globalName)
             return withoutMnemonic(item.label);
         if (const QString found = labelIn(item.children, globalName); !found.isEmpty())
             return found;
@@ -78,15 +65,15 @@ static QString labelIn(const std::vector<AcEdMenuItem> &items, const QString &gl
 QString commandTitle(const QString &globalName)
 {
     if (globalName.isEmpty())
-        return hostTitle(QStringLiteral("CHANGE"));
+        return Host::tr("修改");
+    const auto &commands = acedRegCmds()->commands();
+    const auto found = std::ranges::find(commands, globalName, &AcEdCommand::globalName);
+    if (found != commands.end() && *found->title)
+        return Host::tr(found->title);
     for (const auto &group : acedMenus().groups()) {
         if (const QString label = labelIn(group->popups, globalName); !label.isEmpty())
             return label;
     }
-    if (const QString title = hostTitle(globalName); !title.isEmpty())
-        return title;
-    const auto &commands = acedRegCmds()->commands();
-    const auto found = std::ranges::find(commands, globalName, &AcEdCommand::globalName);
     return found == commands.end() ? globalName : found->localName;
 }
 

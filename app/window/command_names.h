@@ -17,8 +17,7 @@ struct CommandName {
 /// aliases; each name once, whatever its letter case.
 std::vector<CommandName> commandNames();
 
-/// What people call a command: the label of the menu item that runs it, the host's own title, else the name
-/// that is typed.
+/// What people call a command: its title, the label of a menu item that runs it, else the name that is typed.
 QString commandTitle(const QString &globalName);
 /// "放弃(&U)…" as "放弃".
 QString withoutMnemonic(QString label);

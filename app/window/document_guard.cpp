@@ -253,11 +253,6 @@ bool DocumentGuard::mayClose(const std::vector<AcApDocument *> &documents)
     return std::ranges::all_of(documents, [this](AcApDocument *document) { return mayClose(document); });
 }
 
-bool DocumentGuard::mayQuit()
-{
-    return mayClose(acDocManager()->allDocuments());
-}
-
 // Recovery ----------------------------------------------------------------------------------------
 
 void DocumentGuard::offerRecovery()

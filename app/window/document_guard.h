@@ -38,8 +38,6 @@ public:
     /// Asks whether to save changes; false when the user wants to stay.
     bool mayClose(AcApDocument *document);
     bool mayClose(const std::vector<AcApDocument *> &documents) override;
-    /// The same for all drawings.
-    bool mayQuit();
     /// Without a question: everything unsaved stands in recovery copies, and the locks are given back. False
     /// while a drawing is being opened or saved.
     bool leaveAtOnce();

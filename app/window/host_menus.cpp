@@ -14,17 +14,17 @@ using enum WindowAction;
 static constexpr HostMenuItem kSeparator{};
 
 static constexpr std::array kFileItems{
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "新建(&N)"), QT_TRANSLATE_NOOP("window::HostMenus", "新建图形"), newDrawing, "", "Ctrl+N", "new", false, true},
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "打开(&O)…"), QT_TRANSLATE_NOOP("window::HostMenus", "打开图形文件"), open, "", "Ctrl+O", "open", false, true},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "新建(&N)"), QT_TRANSLATE_NOOP("window::HostMenus", "新建图形"), none, "^C^C_NEW ", "Ctrl+N", "new", false, true},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "打开(&O)…"), QT_TRANSLATE_NOOP("window::HostMenus", "打开图形文件"), none, "^C^C_OPEN ", "Ctrl+O", "open", false, true},
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "最近的文件(&R)"), QT_TRANSLATE_NOOP("window::HostMenus", "最近打开过的图形"), recentFiles, "", "", "", false},
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "关闭(&C)"), QT_TRANSLATE_NOOP("window::HostMenus", "关闭当前图形"), close, "", "Ctrl+W", "close"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "关闭(&C)"), QT_TRANSLATE_NOOP("window::HostMenus", "关闭当前图形"), none, "^C^C_CLOSE ", "Ctrl+W", "close"},
     kSeparator,
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "保存(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "保存当前图形"), save, "", "Ctrl+S", "save", true, true},
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "另存为(&A)…"), QT_TRANSLATE_NOOP("window::HostMenus", "以另一个名称保存当前图形"), saveAs, "", "Ctrl+Shift+S"},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "保存(&S)"), QT_TRANSLATE_NOOP("window::HostMenus", "保存当前图形"), none, "^C^C_QSAVE ", "Ctrl+S", "save", true, true},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "另存为(&A)…"), QT_TRANSLATE_NOOP("window::HostMenus", "以另一个名称保存当前图形"), none, "^C^C_SAVEAS ", "Ctrl+Shift+S"},
     kSeparator,
     HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "打印为 PDF(&P)…"), QT_TRANSLATE_NOOP("window::HostMenus", "把布局或窗口打印到 PDF 文件"), none, "^C^C_PLOT ", "Ctrl+P", "plot", true, true},
     kSeparator,
-    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "退出(&Q)"), QT_TRANSLATE_NOOP("window::HostMenus", "退出程序"), quit, "", "Ctrl+Q", "", false},
+    HostMenuItem{QT_TRANSLATE_NOOP("window::HostMenus", "退出(&Q)"), QT_TRANSLATE_NOOP("window::HostMenus", "退出程序"), none, "^C^C_QUIT ", "Ctrl+Q", "", false},
 };
 
 static constexpr std::array kEditItems{
@@ -82,16 +82,6 @@ static constexpr std::array kMenus{
     HostMenu{QT_TRANSLATE_NOOP("window::HostMenus", "绘图(&D)"), kDrawItems}, HostMenu{QT_TRANSLATE_NOOP("window::HostMenus", "窗口(&W)"), kWindowItems},
     HostMenu{QT_TRANSLATE_NOOP("window::HostMenus", "帮助(&H)"), kHelpItems},
 };
-
-/// Titles of commands that change a drawing, as undo and completion show them.
-static constexpr std::array<std::pair<const char *, const char *>, 24> kTitles{{
-    {"MOVE", QT_TRANSLATE_NOOP("window::HostMenus", "移动")}, {"COPY", QT_TRANSLATE_NOOP("window::HostMenus", "复制")}, {"ROTATE", QT_TRANSLATE_NOOP("window::HostMenus", "旋转")}, {"SCALE", QT_TRANSLATE_NOOP("window::HostMenus", "缩放")},
-    {"MIRROR", QT_TRANSLATE_NOOP("window::HostMenus", "镜像")}, {"ERASE", QT_TRANSLATE_NOOP("window::HostMenus", "删除")}, {"OOPS", QT_TRANSLATE_NOOP("window::HostMenus", "恢复删除")}, {"LINE", QT_TRANSLATE_NOOP("window::HostMenus", "直线")},
-    {"CIRCLE", QT_TRANSLATE_NOOP("window::HostMenus", "圆")}, {"POINT", QT_TRANSLATE_NOOP("window::HostMenus", "点")}, {"TEXT", QT_TRANSLATE_NOOP("window::HostMenus", "文字")}, {"LAYER", QT_TRANSLATE_NOOP("window::HostMenus", "图层")},
-    {"-LAYER", QT_TRANSLATE_NOOP("window::HostMenus", "图层")}, {"UCS", QT_TRANSLATE_NOOP("window::HostMenus", "坐标系")}, {"SETVAR", QT_TRANSLATE_NOOP("window::HostMenus", "系统变量")}, {"GROUP", QT_TRANSLATE_NOOP("window::HostMenus", "编组")},
-    {"CHANGE", QT_TRANSLATE_NOOP("window::HostMenus", "修改")}, {"GRIPS", QT_TRANSLATE_NOOP("window::HostMenus", "夹点编辑")}, {"ZOOM", QT_TRANSLATE_NOOP("window::HostMenus", "缩放视图")}, {"PAN", QT_TRANSLATE_NOOP("window::HostMenus", "平移")},
-    {"OPEN", QT_TRANSLATE_NOOP("window::HostMenus", "打开")}, {"QSAVE", QT_TRANSLATE_NOOP("window::HostMenus", "保存")}, {"PLOT", QT_TRANSLATE_NOOP("window::HostMenus", "打印")}, {"LIST", QT_TRANSLATE_NOOP("window::HostMenus", "列表")},
-}};
 // clang-format on
 
 std::span<const HostMenu> hostMenus()
@@ -102,13 +92,6 @@ std::span<const HostMenu> hostMenus()
 QString hostText(const char *text)
 {
     return QCoreApplication::translate("window::HostMenus", text);
-}
-
-QString hostTitle(const QString &globalName)
-{
-    const auto row = std::ranges::find(kTitles, globalName.toUpper(),
-                                       [](const auto &title) { return QLatin1String(title.first); });
-    return row == kTitles.end() ? QString() : hostText(row->second);
 }
 
 } // namespace window

@@ -11,12 +11,6 @@ namespace window
 /// What the window does itself; everything else is a macro.
 enum class WindowAction {
     none,
-    newDrawing,
-    open,
-    save,
-    saveAs,
-    close,
-    quit,
     undo, ///< A macro too; here because its text tells what would be undone.
     redo,
     find,
@@ -49,7 +43,5 @@ struct HostMenu {
 std::span<const HostMenu> hostMenus();
 /// A label or help text of the table in the user's language.
 QString hostText(const char *text);
-/// What people call a command of the host, by its global name; empty for one that the table does not know.
-QString hostTitle(const QString &globalName);
 
 } // namespace window

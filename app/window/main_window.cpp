@@ -114,8 +114,10 @@ void MainWindow::connectParts()
     connect(m_menus, &MenuBar::chosen, this, &MainWindow::perform);
     connect(m_menus, &MenuBar::fileChosen, this, &MainWindow::openRecent);
     connect(m_menus, &MenuBar::documentChosen, this, &MainWindow::activate);
-    connect(m_startPage, &StartPage::openWanted, this, [this] { perform(WindowAction::open); });
-    connect(m_startPage, &StartPage::newWanted, this, [this] { perform(WindowAction::newDrawing); });
+    connect(m_startPage, &StartPage::openWanted, this,
+            [this] { m_front.runMacro(QStringLiteral("^C^C_OPEN ")); });
+    connect(m_startPage, &StartPage::newWanted, this,
+            [this] { m_front.runMacro(QStringLiteral("^C^C_NEW ")); });
     connect(m_startPage, &StartPage::fileWanted, this, &MainWindow::openRecent);
 }
 
@@ -173,24 +175,6 @@ void MainWindow::noteDocuments()
 void MainWindow::perform(WindowAction action)
 {
     switch (action) {
-    case WindowAction::newDrawing:
-        m_front.whenIdle([] { acDocManager()->newDocument(); });
-        break;
-    case WindowAction::open:
-        m_front.whenIdle([this] { askOpen(); });
-        break;
-    case WindowAction::save:
-        m_front.whenIdle([this] { curDoc() ? void(m_guard.save(curDoc())) : void(); });
-        break;
-    case WindowAction::saveAs:
-        m_front.whenIdle([this] { curDoc() ? void(m_guard.saveAs(curDoc())) : void(); });
-        break;
-    case WindowAction::close:
-        close(m_documents->currentIndex());
-        break;
-    case WindowAction::quit:
-        m_front.whenIdle([this] { quit(); });
-        break;
     case WindowAction::find:
         m_find->open();
         break;
@@ -244,16 +228,7 @@ void MainWindow::openNow(const QString &path)
 {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const auto restore = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
-    if (m_guard.open(path))
-        m_folder = QFileInfo(path).absolutePath();
-}
-
-void MainWindow::askOpen()
-{
-    const QStringList files = QFileDialog::getOpenFileNames(
-        this, tr("打开图形"), m_folder, tr("图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)"));
-    for (const QString &file : files)
-        openNow(file);
+    m_guard.open(path);
 }
 
 void MainWindow::openRecent(const QString &path)
@@ -283,10 +258,10 @@ void MainWindow::activate(int place)
     });
 }
 
-/// The user sees which drawing he is asked to save. A running command keeps its drawing.
+/// The user sees which drawing he is asked to save. A command that works on a drawing keeps it.
 void MainWindow::showAskedAbout(AcApDocument *document)
 {
-    if (document == curDoc() || !acedEditor()->activeCommands().isEmpty())
+    if (document == curDoc() || (curDoc() && curDoc()->lockMode() != AcAp::kNone))
         return;
     acDocManager()->activateDocument(document);
     refresh();
@@ -330,12 +305,6 @@ bool MainWindow::leaveAtOnce()
     return true;
 }
 
-void MainWindow::quit()
-{
-    if (m_guard.mayQuit())
-        m_front.leave();
-}
-
 void MainWindow::toggleBackground()
 {
     m_front.whenIdle([this] { m_view->setWhiteBackground(!m_view->whiteBackground()); });
@@ -375,7 +344,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 {
     // The answer comes when the editor is free; then the program ends, and the window with it.
     event->ignore();
-    perform(WindowAction::quit);
+    m_front.runMacro(QStringLiteral("^C^C_QUIT "));
 }
 
 /// Keys that no widget wanted belong to the command line.

@@ -54,14 +54,12 @@ private:
     void noteDocuments();
     void perform(WindowAction action);
     void openNow(const QString &path);
-    void askOpen();
     void openRecent(const QString &path);
     void activate(int place);
     void showAskedAbout(AcApDocument *document);
     void activateNext(int by);
     void showLayout(int place);
     void close(int place);
-    void quit();
     void toggleBackground();
     void openHelp();
     void showAbout();
@@ -79,7 +77,6 @@ private:
     QDockWidget *m_commandDock = nullptr;
     StatusLine *m_status = nullptr;
     QStringList m_known; ///< Paths of the open drawings at the last prompt.
-    QString m_folder;    ///< Where the last drawing was opened.
 };
 
 } // namespace window

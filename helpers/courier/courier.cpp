@@ -195,18 +195,19 @@ void Courier::forgetTaken(const QString &drawing)
     m_ledger.removeArriving(drawing, m_ledger.remembered(kHanded + drawing).toLongLong());
 }
 
-/// A program that just opened the drawing may have any state of it: it gets the whole one.
+/// A program that just opened the drawing may have any state of it: it gets the whole one. What lies there
+/// was meant for an earlier opening, which may have had what this one has not.
 void Courier::begin(const QString &drawing)
 {
     const std::set<QString> &names = m_open.at(drawing);
     if (std::ranges::includes(m_begun, names))
         return;
-    m_begun.insert(names.begin(), names.end());
-    sql::Transaction all(m_ledger.database());
+    // Whenever this is interrupted nothing that still lies there counts as taken.
     if (m_files.laidDown(drawing) == 0)
         forgetTaken(drawing);
+    m_ledger.remember(kHanded + drawing, {});
     m_files.takeBack(drawing);
-    m_ledger.remember(kHanded + drawing, {}); // What was taken back is handed again.
+    sql::Transaction all(m_ledger.database());
     const std::vector<Arriving> before = m_ledger.arriving(drawing);
     m_ledger.removeArriving(drawing, std::numeric_limits<qint64>::max());
     for (const QByteArray &bytes : m_ledger.wholeState(drawing))
@@ -217,6 +218,8 @@ void Courier::begin(const QString &drawing)
             m_ledger.addArriving(drawing, each.mark, true, each.bytes);
     }
     all.commit();
+    if (m_files.markBegun(drawing, names, m_ledger.lastSerial(drawing)))
+        m_begun.insert(names.begin(), names.end());
 }
 
 /// How many of them go into one file: of one kind, and each mark once.

@@ -16,6 +16,7 @@ namespace courier
 {
 
 static const QString kEnding = QStringLiteral(".quillNote");
+static const QString kBegun = QStringLiteral(".begun");
 
 ProgramFiles::ProgramFiles(QString folder) : m_folder(std::move(folder))
 {
@@ -54,7 +55,7 @@ static bool isRunning(qint64 process)
     return process > 0 && (::kill(pid_t(process), 0) == 0 || errno == EPERM);
 }
 
-// "<drawing>-<process>-<count>"
+// "<drawing>-<process>-<anything>"
 std::map<QString, std::set<QString>> ProgramFiles::openDrawings() const
 {
     std::map<QString, std::set<QString>> drawings;
@@ -94,6 +95,18 @@ void ProgramFiles::takeBack(const QString &drawing) const
     const QDir folder(arrivals(drawing));
     for (const QString &name : folder.entryList({u'*' + kEnding}, QDir::Files))
         QFile::remove(folder.filePath(name));
+}
+
+bool ProgramFiles::markBegun(const QString &drawing, const std::set<QString> &openings, quint64 serial) const
+{
+    const QDir folder(arrivals(drawing));
+    for (const QString &name : folder.entryList({u'*' + kBegun}, QDir::Files)) {
+        if (!openings.contains(name.chopped(kBegun.size())))
+            QFile::remove(folder.filePath(name));
+    }
+    return QDir().mkpath(arrivals(drawing)) && std::ranges::all_of(openings, [&](const QString &name) {
+               return writeQuickly(folder.filePath(name + kBegun), QByteArray::number(serial));
+           });
 }
 
 } // namespace courier

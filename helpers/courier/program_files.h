@@ -42,6 +42,9 @@ public:
     qint64 laidDown(const QString &drawing) const;
     bool layDown(const QString &drawing, qint64 number, const QByteArray &bytes) const;
     void takeBack(const QString &drawing) const;
+    /// What is laid down from now on is meant for these openings of the drawing: each gets a file of its
+    /// name, which holds the serial, and the program takes nothing before.
+    bool markBegun(const QString &drawing, const std::set<QString> &openings, quint64 serial) const;
 
 private:
     QString arrivals(const QString &drawing) const;

@@ -1,5 +1,6 @@
 #include "host/acap/docfile.h"
 
+#include "host/acdb/dbxref.h"
 #include "host/base/file_bytes.h"
 #include "host/base/host_text.h"
 #include "host/formats/drawingformat.h"
@@ -16,6 +17,12 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> acapReadDrawing(const QStri
     QUILL_ASSERT(format);
     return format->read(*std::move(bytes), path, progress);
 }
+
+/// References are read as drawings are opened.
+[[maybe_unused]] static const bool s_givesReader = [] {
+    acdbSetDrawingReader([](const QString &path) { return acapReadDrawing(path); });
+    return true;
+}();
 
 std::uint64_t acapDigestAsRead(const AcDbDatabase &database)
 {

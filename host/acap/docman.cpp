@@ -16,17 +16,6 @@
 
 // Documents ---------------------------------------------------------------------------------------
 
-AcApView AcApView::onRaster(int newWidth, int newHeight) const
-{
-    if (newWidth == pixelWidth && newHeight == pixelHeight)
-        return *this;
-    AcApView view = *this;
-    view.height = std::max(height, width() * newHeight / newWidth);
-    view.pixelWidth = newWidth;
-    view.pixelHeight = newHeight;
-    return view;
-}
-
 QString AcApDocument::docTitle() const
 {
     if (isNamedDrawing())
@@ -41,7 +30,7 @@ bool AcApDocument::isModified() const
 
 void AcApDocument::settleFolder()
 {
-    m_database->setFolder(isNamedDrawing() ? QFileInfo(m_fileName).absolutePath() : QString());
+    m_database->setFile(isNamedDrawing() ? m_fileName : QString());
 }
 
 /// No state of the drawing is the one in its file.
@@ -51,17 +40,6 @@ static constexpr std::uint64_t kNeverSaved = ~std::uint64_t(0);
 
 AcApDocManager::AcApDocManager() = default;
 AcApDocManager::~AcApDocManager() = default;
-
-template <class Notify>
-void AcApDocManager::notify(Notify event)
-{
-    // A reactor may remove itself, or another one, while it is being told.
-    const std::vector<AcApDocManagerReactor *> reactors = m_reactors;
-    for (AcApDocManagerReactor *reactor : reactors) {
-        if (std::find(m_reactors.begin(), m_reactors.end(), reactor) != m_reactors.end())
-            event(*reactor);
-    }
-}
 
 AcApDocument *AcApDocManager::document(const AcDbDatabase *database) const
 {
@@ -107,7 +85,7 @@ AcApDocument *AcApDocManager::adopt(std::unique_ptr<AcApDocument> document)
     added->m_ucs = acapSavedUcs(*added->m_database, space);
     m_documents.push_back(std::move(document));
 
-    notify([added](AcApDocManagerReactor &reactor) { reactor.documentCreated(added); });
+    m_reactors.tell([added](AcApDocManagerReactor &reactor) { reactor.documentCreated(added); });
     activateDocument(added);
     acrxDynamicLinker()->broadcast(AcRx::kLoadDwgMsg);
     return added;
@@ -318,12 +296,12 @@ void AcApDocManager::settleSaved(AcApDocument &document, const QString &target, 
         if (m_locksFiles)
             lockFile(document, AcApOpenAs::editable);
     }
-    notify([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
+    m_reactors.tell([&document](AcApDocManagerReactor &reactor) { reactor.documentSaved(&document); });
 }
 
 void AcApDocManager::gatherInput(AcApDocument *document)
 {
-    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, false); });
+    m_reactors.tell([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, false); });
 }
 
 /// What the target must still be when it is replaced: what the document read or wrote, or what it is now.
@@ -364,7 +342,7 @@ base::Result<AcApSaved, QString> AcApDocManager::saveDocument(AcApDocument *docu
         whatIsMeant(*document, target, overwrite, [document](const QString &file) {
             return isAsKnown(file, *document->m_stamp, document->m_stampIsYoung, document->m_contentDigest);
         });
-    notify([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, true); });
+    m_reactors.tell([document](AcApDocManagerReactor &reactor) { reactor.inputWanted(document, true); });
     const std::uint64_t state = document->m_database->editState();
     const auto written =
         withProgress(Host::tr("正在保存 %1").arg(QFileInfo(target).fileName()), [&](const base::Progress &p) {
@@ -387,17 +365,17 @@ QString AcApDocManager::whyNotSaved(const AcApDocument &document) const
 {
     const QString name = document.isNamedDrawing() ? document.fileName() : document.docTitle();
     const DrawingFormat *const format = drawingFormatToSave(*document.m_database, name);
-    return format ? format->whyNotWritten() : QString();
+    return format ? format->whyNotWritten(*document.m_database) : QString();
 }
 
 QString AcApDocManager::suffixToSave(const AcApDocument &document) const
 {
     const QString own = QFileInfo(document.docTitle()).suffix();
     const DrawingFormat *const named = drawingFormatOfName(document.docTitle());
-    if (!named || named->whyNotWritten().isEmpty())
+    if (!named || named->whyNotWritten(*document.m_database).isEmpty())
         return own;
     for (const DrawingFormat *const format : drawingFormats()) {
-        if (format->whyNotWritten().isEmpty())
+        if (format->whyNotWritten(*document.m_database).isEmpty())
             return format->suffix();
     }
     return own;
@@ -421,10 +399,11 @@ void AcApDocManager::activateDocument(AcApDocument *document)
     if (document == m_current)
         return;
     if (AcApDocument *const previous = m_current)
-        notify([previous](AcApDocManagerReactor &reactor) { reactor.documentToBeDeactivated(previous); });
-    notify([document](AcApDocManagerReactor &reactor) { reactor.documentToBeActivated(document); });
+        m_reactors.tell(
+            [previous](AcApDocManagerReactor &reactor) { reactor.documentToBeDeactivated(previous); });
+    m_reactors.tell([document](AcApDocManagerReactor &reactor) { reactor.documentToBeActivated(document); });
     m_current = document;
-    notify([document](AcApDocManagerReactor &reactor) { reactor.documentActivated(document); });
+    m_reactors.tell([document](AcApDocManagerReactor &reactor) { reactor.documentActivated(document); });
 }
 
 void AcApDocManager::closeDocument(AcApDocument *document)
@@ -438,9 +417,10 @@ void AcApDocManager::closeDocument(AcApDocument *document)
     const bool wasCurrent = document == m_current;
     if (wasCurrent) {
         acrxDynamicLinker()->broadcast(AcRx::kUnloadDwgMsg);
-        notify([document](AcApDocManagerReactor &reactor) { reactor.documentToBeDeactivated(document); });
+        m_reactors.tell(
+            [document](AcApDocManagerReactor &reactor) { reactor.documentToBeDeactivated(document); });
     }
-    notify([document](AcApDocManagerReactor &reactor) { reactor.documentToBeDestroyed(document); });
+    m_reactors.tell([document](AcApDocManagerReactor &reactor) { reactor.documentToBeDestroyed(document); });
     if (wasCurrent)
         m_current = nullptr;
     m_documents.erase(std::find_if(m_documents.begin(), m_documents.end(), [document](const auto &candidate) {
@@ -485,7 +465,8 @@ void AcApDocManager::showLockMode(AcApDocument *document)
 {
     const AcAp::DocLockMode mode = strongest(document->m_locks);
     if (std::exchange(document->m_lockMode, mode) != mode)
-        notify([document](AcApDocManagerReactor &reactor) { reactor.documentLockModeChanged(document); });
+        m_reactors.tell(
+            [document](AcApDocManagerReactor &reactor) { reactor.documentLockModeChanged(document); });
 }
 
 Acad::ErrorStatus AcApDocManager::lockDocument(AcApDocument *document, AcAp::DocLockMode mode)
@@ -526,17 +507,6 @@ AcAxDocLock::~AcAxDocLock()
 }
 
 // Reactors and the process's manager --------------------------------------------------------------
-
-void AcApDocManager::addReactor(AcApDocManagerReactor *reactor)
-{
-    if (std::find(m_reactors.begin(), m_reactors.end(), reactor) == m_reactors.end())
-        m_reactors.push_back(reactor);
-}
-
-void AcApDocManager::removeReactor(AcApDocManagerReactor *reactor)
-{
-    std::erase(m_reactors, reactor);
-}
 
 AcApDocManager *acDocManager()
 {

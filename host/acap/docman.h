@@ -3,7 +3,10 @@
 
 #include "host/acap/filelock.h"
 #include "host/acdb/dbdatabase.h"
+#include "host/acge/geview.h"
+#include "host/base/attachments.h"
 #include "host/base/file_stamp.h"
+#include "host/base/listeners.h"
 #include "host/base/progress.h"
 #include "host/base/result.h"
 
@@ -32,26 +35,6 @@ enum DocLockMode : int {
 };
 } // namespace AcAp
 
-/// What part of a drawing is on the screen, as every view of a document keeps it. Screen and console
-/// share it; the console's view is a raster of the same size with no window around it.
-struct AcApView {
-    AcGePoint3d centre{0.0, 0.0, 0.0}; ///< Middle of the view, world coordinates.
-    double height = 297.0;             ///< World units from the lower to the upper edge.
-    double twist = 0.0; ///< Radians; the drawing appears turned counter-clockwise by it (VIEWTWIST).
-    int pixelWidth = 1600;
-    int pixelHeight = 1000;
-    /// Pixels for one that sizes on the screen are counted in; above 1 on fine screens.
-    double pixelRatio = 1.0;
-
-    double pixelSize() const { return height / pixelHeight; }
-    double countedPixelSize() const { return pixelSize() * pixelRatio; }
-    double width() const { return pixelSize() * pixelWidth; }
-    /// The same place on a raster of another size: nothing that is seen is cut off.
-    AcApView onRaster(int newWidth, int newHeight) const;
-
-    friend bool operator==(const AcApView &, const AcApView &) = default;
-};
-
 /// A user coordinate system.
 struct AcApUcs {
     AcGePoint3d origin;
@@ -61,7 +44,7 @@ struct AcApUcs {
 
 /// How a space of a drawing looked when another one was made current.
 struct AcApSpaceState {
-    AcApView view;
+    AcGeView view;
     AcApUcs ucs;
 };
 
@@ -106,8 +89,8 @@ public:
 
     /// Of the current space. In an entered viewport: how model space would have to be seen so that it lies on
     /// the screen as it does through the viewport.
-    AcApView &view() { return m_view; }
-    const AcApView &view() const { return m_view; }
+    AcGeView &view() { return m_view; }
+    const AcGeView &view() const { return m_view; }
     AcApUcs &ucs() { return m_ucs; }
     const AcApUcs &ucs() const { return m_ucs; }
     AcApEnteredViewport &enteredViewport() { return m_enteredViewport; }
@@ -116,11 +99,13 @@ public:
     std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() { return m_otherSpaces; }
     const std::map<AcDbObjectId, AcApSpaceState> &otherSpaces() const { return m_otherSpaces; }
     /// What was seen before, the last one last, by space or entered viewport (acedRememberView).
-    std::map<AcDbObjectId, std::vector<AcApView>> &earlierViews() { return m_earlierViews; }
+    std::map<AcDbObjectId, std::vector<AcGeView>> &earlierViews() { return m_earlierViews; }
     /// Entities selected before a command (pick first).
     std::vector<AcDbObjectId> &pickSet() { return m_pickSet; }
     /// The last selection set of an editing command ("Previous").
     std::vector<AcDbObjectId> &previousSet() { return m_previousSet; }
+    /// What others keep of the document; ends with it.
+    base::Attachments &attachments() { return m_attachments; }
 
 private:
     friend class AcApDocManager;
@@ -140,13 +125,14 @@ private:
     std::optional<AcApFileLock::Result> m_lockResult;
     AcAp::DocLockMode m_lockMode = AcAp::kNone;
     std::vector<AcAp::DocLockMode> m_locks; ///< Those held, the last one last.
-    AcApView m_view;
+    AcGeView m_view;
     AcApUcs m_ucs;
     AcApEnteredViewport m_enteredViewport;
     std::map<AcDbObjectId, AcApSpaceState> m_otherSpaces;
-    std::map<AcDbObjectId, std::vector<AcApView>> m_earlierViews;
+    std::map<AcDbObjectId, std::vector<AcGeView>> m_earlierViews;
     std::vector<AcDbObjectId> m_pickSet;
     std::vector<AcDbObjectId> m_previousSet;
+    base::Attachments m_attachments;
 };
 
 class AcApDocManagerReactor
@@ -256,8 +242,8 @@ public:
     Acad::ErrorStatus lockDocument(AcApDocument *document, AcAp::DocLockMode mode = AcAp::kWrite);
     Acad::ErrorStatus unlockDocument(AcApDocument *document);
 
-    void addReactor(AcApDocManagerReactor *reactor);
-    void removeReactor(AcApDocManagerReactor *reactor);
+    void addReactor(AcApDocManagerReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcApDocManagerReactor *reactor) { m_reactors.remove(reactor); }
 
 private:
     AcApDocument *adopt(std::unique_ptr<AcDbDatabase> database, const QString &fileName);
@@ -274,8 +260,6 @@ private:
     void rememberFile(AcApDocument &document, const base::WrittenFile &written);
     void settleSaved(AcApDocument &document, const QString &target, std::uint64_t state);
     void showLockMode(AcApDocument *document);
-    template <class Notify>
-    void notify(Notify event);
 
     std::vector<std::unique_ptr<AcApDocument>> m_documents;
     AcApDocument *m_current = nullptr;
@@ -284,7 +268,7 @@ private:
     bool m_isBusy = false;
     bool m_wasStopped = false;
     base::ProgressTeller::Listener m_progress;
-    std::vector<AcApDocManagerReactor *> m_reactors;
+    base::Listeners<AcApDocManagerReactor> m_reactors;
 };
 
 /// The document manager of the process.

@@ -8,22 +8,18 @@
 #include <cmath>
 #include <set>
 
-AcGeMatrix3d acapViewFrame(double twist)
-{
-    return AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis);
-}
-
 static bool isUsableHeight(double height)
 {
     return std::isfinite(height) && height > 1e-9 && height < 1e18;
 }
 
-static bool setView(AcApView &view, const AcGePoint3d &target, const AcGePoint3d &centre, double height,
+static bool setView(AcGeView &view, const AcGePoint3d &target, const AcGePoint3d &centre, double height,
                     double twist)
 {
     if (!isUsableHeight(height) || !std::isfinite(twist))
         return false;
-    const AcGeVector3d offset = acapViewFrame(twist).inverse() * centre.asVector();
+    const AcGeVector3d offset =
+        AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis).inverse() * centre.asVector();
     view.centre = target + offset;
     view.height = height;
     view.twist = twist;
@@ -43,7 +39,7 @@ static AcGePoint3d pointOf(const ResbufList &groups, int code)
 }
 
 /// The active viewport is the first record named *Active; when the screen is split there are several.
-static bool restoreModelView(const AcDbDatabase &database, AcApView &view)
+static bool restoreModelView(const AcDbDatabase &database, AcGeView &view)
 {
     for (const std::uint32_t index : database.tableRecords(SymbolTable::viewport)) {
         const AcDbObjectPointer<AcDbSymbolTableRecord> record(AcDbObjectId(database.stub(index)),
@@ -128,13 +124,14 @@ std::optional<AcApFloatingView> acapFloatingView(const AcDbEntity &viewport)
         view.isPlan ? AcGeMatrix3d() : AcGeMatrix3d::planeToWorld(direction.normal()).inverse();
     view.toSheet = AcGeMatrix3d::translation(pointOf(groups, 10).asVector()) *
                    AcGeMatrix3d::scaling(view.scale, view.scale, view.scale) *
-                   AcGeMatrix3d::translation(-pointOf(groups, 12).asVector()) * acapViewFrame(twist) *
-                   upright * AcGeMatrix3d::translation(-pointOf(groups, 17).asVector());
+                   AcGeMatrix3d::translation(-pointOf(groups, 12).asVector()) *
+                   AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis) * upright *
+                   AcGeMatrix3d::translation(-pointOf(groups, 17).asVector());
     return view;
 }
 
 /// The sheet itself is shown through the viewport entity whose number is 1.
-static bool restoreSheetView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view)
+static bool restoreSheetView(const AcDbDatabase &database, AcDbObjectId space, AcGeView &view)
 {
     for (const auto &[number, id] : statedViewports(database, space)) {
         if (number != 1)
@@ -145,7 +142,7 @@ static bool restoreSheetView(const AcDbDatabase &database, AcDbObjectId space, A
     return false;
 }
 
-bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view)
+bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcGeView &view)
 {
     if (space != database.modelSpaceId())
         return restoreSheetView(database, space, view);
@@ -159,7 +156,7 @@ std::optional<AcApNamedView> acapNamedView(const AcDbDatabase &database, const Q
 {
     const AcDbObjectPointer<AcDbSymbolTableRecord> record(database.tableRecord(SymbolTable::view, name),
                                                           AcDb::kForRead);
-    AcApView view;
+    AcGeView view;
     // Its twist is in group 50, degrees; the width is in 41.
     if (!record || !setView(view, pointOf(record->groups(), 12), pointOf(record->groups(), 10),
                             realOf(record->groups(), 40), realOf(record->groups(), 50) * kGePi / 180.0))

@@ -7,13 +7,9 @@
 
 #include <optional>
 
-/// World to the view's own frame: turned about Z so that the axes lie along the edges of the view; the
-/// origin stays.
-AcGeMatrix3d acapViewFrame(double twist);
-
 /// Puts the saved view of a space (block record) into `view`, whose pixels stay: the active viewport of model
 /// space, or a sheet's own viewport. False, and nothing changed, when the drawing has none.
-bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcApView &view);
+bool acapRestoreView(const AcDbDatabase &database, AcDbObjectId space, AcGeView &view);
 /// Notes the shown space (model space or the block record of a layout) for the next opening. Shown is no
 /// edit: no undo step, and the drawing is as saved as it was. A drawing that does not say which space it was
 /// saved in stays so.

@@ -28,7 +28,7 @@ static QString handleText(AcDbHandle handle)
 }
 
 // Angles are degrees in files and radians in data lists; references are entity names; handles are texts.
-static resbuf dataGroup(const AcDbDatabase &database, const resbuf &group)
+static resbuf dataGroup(const AcDbDatabase &database, resbuf &group)
 {
     const bool isHandle = std::holds_alternative<AcDbHandle>(group.resval);
     if (isHandle && isEntityNameCode(group.restype))
@@ -37,15 +37,19 @@ static resbuf dataGroup(const AcDbDatabase &database, const resbuf &group)
         return {group.restype, handleText(group.handle())};
     if (isAngleCode(group.restype) && std::holds_alternative<double>(group.resval))
         return {group.restype, group.real() * kGePi / 180.0};
-    return {group.restype, group.resval};
+    return {group.restype, std::move(group.resval)};
 }
 
-static void appendSpace(ResbufList &data, AcDbObjectId block)
+/// What the list of an entity says of the block that it stands in.
+static ResbufList spaceGroups(AcDbObjectId block)
 {
     AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
     const bool paper = record && record->isPaperSpace();
-    data.emplace_back(67, std::int64_t(paper ? 1 : 0));
-    data.emplace_back(410, record && record->isLayout() ? acdbLayoutName(block) : QStringLiteral("Model"));
+    const bool isLayout = record && record->isLayout();
+    ResbufList groups;
+    groups.emplace_back(67, std::int64_t(paper ? 1 : 0));
+    groups.emplace_back(410, isLayout ? acdbLayoutName(block) : QStringLiteral("Model"));
+    return groups;
 }
 
 static AcDbObjectId owningBlock(const AcDbStub &stub)
@@ -77,7 +81,9 @@ static void appendExtendedData(ResbufList &data, const ResbufList &groups, const
 // Owner before handle, unless braces follow the handle: then the handle, the braces, the owner.
 static void appendIdentity(ResbufList &data, const AcDbStub &stub, const ResbufList &braces)
 {
-    const int handleCode = acdbKindName(stub.kind) == "DIMSTYLE" ? 105 : 5;
+    // The name of an entity's kind is not asked for: other threads may not.
+    const bool isDimensionStyle = !stub.has(AcDbStub::kEntity) && acdbKindName(stub.kind) == "DIMSTYLE";
+    const int handleCode = isDimensionStyle ? 105 : 5;
     const resbuf owner(330, stub.owner ? AcDbObjectId(stub.database->stub(stub.owner)) : AcDbObjectId());
     const resbuf handle(handleCode, handleText({stub.handle}));
     if (braces.empty())
@@ -88,21 +94,16 @@ static void appendIdentity(ResbufList &data, const AcDbStub &stub, const ResbufL
         data.push_back(owner);
 }
 
-ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
+/// The list without extended data; uses up the groups before it. `space` is for entities.
+static ResbufList dataList(const AcDbStub &stub, std::span<resbuf> groups, const ResbufList &space)
 {
-    if (!id.isValid())
-        return {};
-    const AcDbStub &stub = *id.stub();
     const AcDbDatabase &database = *stub.database;
-    const ResbufList groups = database.fileGroups(stub);
-    const std::size_t end = extendedDataBegin(groups);
-
     ResbufList braces;
     ResbufList content;
+    content.reserve(groups.size());
     ApplicationGroups braced;
     bool ownerSeen = false;
-    for (std::size_t i = 1; i < end; ++i) {
-        const resbuf &group = groups[i];
+    for (resbuf &group : groups.subspan(groups.empty() ? 0 : 1)) {
         if (content.empty() && braced.holds(group)) {
             braces.push_back(dataGroup(database, group));
         } else if (content.empty() && (group.restype == 5 || group.restype == 105)) {
@@ -116,19 +117,55 @@ ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
         }
     }
 
-    ResbufList data{{-1, id}, {0, groups.empty() ? QString() : groups.front().text()}};
+    ResbufList data;
+    data.reserve(content.size() + braces.size() + 16);
+    data.emplace_back(-1, AcDbObjectId(database.stub(stub.index)));
+    data.emplace_back(0, groups.empty() ? QString() : groups.front().text());
     appendIdentity(data, stub, braces);
     if (stub.has(AcDbStub::kEntity)) {
         data.emplace_back(100, QStringLiteral("AcDbEntity"));
         if (!content.empty() && content.front().restype == 100 && content.front().text() == u"AcDbEntity")
             content.erase(content.begin());
-        appendSpace(data, owningBlock(stub));
+        data.insert(data.end(), space.begin(), space.end());
         acdbSettleDefaults(stub.kind, content);
     }
     data.insert(data.end(), std::move_iterator(content.begin()), std::move_iterator(content.end()));
+    return data;
+}
+
+ResbufList acdbEntGetX(AcDbObjectId id, const QString &applications)
+{
+    if (!id.isValid())
+        return {};
+    const AcDbStub &stub = *id.stub();
+    ResbufList groups = stub.database->fileGroups(stub);
+    const std::span own = std::span(groups).first(extendedDataBegin(groups));
+    ResbufList data = dataList(stub, own, id.isEntity() ? spaceGroups(owningBlock(stub)) : ResbufList());
     if (!applications.isEmpty())
         appendExtendedData(data, groups, applications);
     return data;
+}
+
+AcDbFiledData::AcDbFiledData(AcDbObjectId block) : m_block(block), m_space(spaceGroups(block))
+{
+    // Tables that are made at first use number kinds, which no other thread may do.
+    ResbufList none;
+    acdbSettleDefaults(0, none);
+}
+
+// Custom entities tell their groups themselves.
+bool AcDbFiledData::holds(AcDbObjectId entity) const
+{
+    const AcDbStub &stub = *entity.stub();
+    return stub.has(AcDbStub::kEntity) && stub.has(AcDbStub::kHasSource) && !stub.has(AcDbStub::kChanged) &&
+           stub.owner == m_block.stub()->index && !entity.objectClass()->application();
+}
+
+ResbufList AcDbFiledData::of(AcDbObjectId entity) const
+{
+    const AcDbStub &stub = *entity.stub();
+    ResbufList groups = stub.database->source()->read(stub);
+    return dataList(stub, std::span(groups).first(extendedDataBegin(groups)), m_space);
 }
 
 /// Copies objects with everything they own; references among the copied ones point to the copies.

@@ -1,17 +1,22 @@
 #include "host/acdb/dbdatabase.h"
 
 #include "host/acdb/dbdict.h"
+#include "host/acdb/dbfieldsource.h"
 #include "host/acdb/dbreactor.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
 #include "host/acdb/dbundo.h"
+#include "host/acdb/dbxref.h"
 #include "host/acdb/dwgcarrier.h"
 #include "host/base/assert.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <limits>
 #include <optional>
 #include <set>
+#include <span>
 
 // Never destroyed: databases that live to the end of the process leave it later than a static would.
 static std::set<AcDbDatabase *> &openDatabases()
@@ -47,11 +52,24 @@ AcDbDatabase::AcDbDatabase() : m_undo(std::make_unique<AcDbUndo>(*this))
 
 AcDbDatabase::~AcDbDatabase()
 {
-    for (std::size_t i = m_reactors.size(); i-- > 0;)
-        m_reactors[i]->goodbye(this);
+    m_attachments.dropAll();
+    m_reactors.tell([this](AcDbDatabaseReactor &reactor) { reactor.goodbye(this); });
     openDatabases().erase(this);
     for (std::uint32_t i = 0; i < m_stubCount; ++i)
         delete stub(i)->object;
+}
+
+AcDbXrefs &AcDbDatabase::xrefs() const
+{
+    if (!m_xrefs)
+        m_xrefs = std::make_unique<AcDbXrefs>(const_cast<AcDbDatabase &>(*this));
+    return *m_xrefs;
+}
+
+void AcDbDatabase::setFile(const QString &file)
+{
+    m_file = file;
+    m_folder = file.isEmpty() ? QString() : QFileInfo(file).absolutePath();
 }
 
 DrawingVersion AcDbDatabase::version() const
@@ -131,6 +149,16 @@ Acad::ErrorStatus AcDbDatabase::readCarried(AcDbObject &object) const
     return object.dwgInFields(&filer);
 }
 
+/// What the class filed, where the source shows that and nothing else of an object.
+static std::unique_ptr<AcDbDwgFiler> filedFields(const DrawingSource *source, const AcDbStub &stub,
+                                                 std::span<const resbuf> own)
+{
+    const auto *const filed = dynamic_cast<const AcDbFieldSource *>(source);
+    const bool isShownAsBits = !own.empty() && own.front().restype == 100 &&
+                               own.front().text().startsWith(QStringLiteral("AcDbProxy"));
+    return filed && isShownAsBits ? filed->fieldsOf(stub) : nullptr;
+}
+
 std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList groups) const
 {
     const bool isEntity = stub.has(AcDbStub::kEntity);
@@ -157,8 +185,9 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     object->m_groups.insert(object->m_groups.end(), extended, groups.end());
 
     stub.set(AcDbStub::kBeingMade);
-    Acad::ErrorStatus status = readCarried(*object);
-    if (status != Acad::eMakeMeProxy) {
+    const auto fields = filedFields(m_source.get(), stub, std::span(own, extended));
+    Acad::ErrorStatus status = fields ? object->dwgInFields(fields.get()) : readCarried(*object);
+    if (!fields && status != Acad::eMakeMeProxy) {
         AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this), ResbufList(own, extended));
         status = object->dxfInFields(&filer);
     }
@@ -365,13 +394,11 @@ void AcDbDatabase::notifyWhileOpen(AcDbStub &stub,
 {
     AcDbObject *const object = stub.object;
     const bool wasNotifying = std::exchange(object->m_notifying, true);
-    const std::vector<AcDbDatabaseReactor *> hearers = m_reactors;
-    for (AcDbDatabaseReactor *reactor : hearers) {
-        if (std::ranges::find(m_reactors, reactor) != m_reactors.end())
-            event(*reactor, *object);
+    m_reactors.tell([&](AcDbDatabaseReactor &reactor) {
+        event(reactor, *object);
         if (std::exchange(object->m_writing, false))
             noteChange(stub);
-    }
+    });
     object->m_notifying = wasNotifying;
 }
 
@@ -611,8 +638,8 @@ void AcDbDatabase::setHeaderVariable(const QByteArray &name, ResbufList groups)
     value.present = true;
     value.changed = true;
     countChange();
-    for (AcDbDatabaseReactor *reactor : std::vector(m_reactors))
-        reactor->headerSysVarChanged(this, name.constData());
+    m_reactors.tell(
+        [&](AcDbDatabaseReactor &reactor) { reactor.headerSysVarChanged(this, name.constData()); });
 }
 
 std::vector<QByteArray> AcDbDatabase::changedHeaderNames() const
@@ -645,14 +672,4 @@ std::vector<AcDbStub *> AcDbDatabase::changedStubs() const
 bool AcDbDatabase::hasChanges() const
 {
     return !changedStubs().empty() || !changedHeaderNames().empty();
-}
-
-void AcDbDatabase::addReactor(AcDbDatabaseReactor *reactor)
-{
-    m_reactors.push_back(reactor);
-}
-
-void AcDbDatabase::removeReactor(AcDbDatabaseReactor *reactor)
-{
-    std::erase(m_reactors, reactor);
 }

@@ -11,6 +11,8 @@
 #include "host/acdb/dbsource.h"
 #include "host/acdb/errorstatus.h"
 #include "host/acdb/resbuf.h"
+#include "host/base/attachments.h"
+#include "host/base/listeners.h"
 
 #include <array>
 #include <functional>
@@ -22,6 +24,7 @@
 class AcDbDatabaseReactor;
 class AcDbLoader;
 class AcDbUndo;
+class AcDbXrefs;
 
 namespace AcDb
 {
@@ -107,6 +110,11 @@ public:
     /// file.
     const QString &folder() const { return m_folder; }
     void setFolder(const QString &folder) { m_folder = folder; }
+    /// The drawing's file, a whole path; empty without one. Its folder goes with it.
+    const QString &file() const { return m_file; }
+    void setFile(const QString &file);
+    /// The other drawings that this one shows.
+    AcDbXrefs &xrefs() const;
     /// The handle that the next new object gets ($HANDSEED).
     AcDbHandle handseed() const { return {freeHandle(m_nextHandle)}; }
     /// The first handle from `from` on that no object has; from 1 on when nothing is left above.
@@ -164,8 +172,12 @@ public:
     /// for undo (which layout is shown, carriers made for saving) is no other state.
     std::uint64_t editState() const { return m_editState; }
 
-    void addReactor(AcDbDatabaseReactor *reactor);
-    void removeReactor(AcDbDatabaseReactor *reactor);
+    void addReactor(AcDbDatabaseReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcDbDatabaseReactor *reactor) { m_reactors.remove(reactor); }
+
+    /// What others keep of the drawing; ends with it, while the drawing is still whole.
+    base::Attachments &attachments() { return m_attachments; }
+    const base::Attachments &attachments() const { return m_attachments; }
 
     /// The object's groups in file form, custom objects included: what saving writes.
     ResbufList fileGroups(const AcDbStub &stub) const;
@@ -178,6 +190,7 @@ private:
     friend class AcDbBlockTableRecord;
     friend class AcDbSymbolTable;
     friend class AcDbNewBlocks;
+    friend class AcDbXrefs;
     friend class ClassObserver;
     friend class CarrierKeeper;
 
@@ -226,6 +239,7 @@ private:
     std::unordered_map<std::uint32_t, BlockContents> m_blocks; ///< By index of the block record's stub.
     AcDbObjectId m_namedObjects;
     QString m_folder;
+    QString m_file;
     AcDbObjectId m_currentSpace;
     std::vector<DrawingClass> m_classes;
     std::vector<QByteArray> m_headerNames;
@@ -235,7 +249,8 @@ private:
     std::uint64_t m_editState = 0;
     std::uint64_t m_lastEditState = 0; ///< The highest number given so far.
     std::unique_ptr<AcDbUndo> m_undo;
-    std::vector<AcDbDatabaseReactor *> m_reactors;
+    base::Listeners<AcDbDatabaseReactor> m_reactors;
+    base::Attachments m_attachments;
     /// Objects made for an earlier save, by the index of the custom object's stub; erased in between.
     struct Carrier {
         AcDbObjectId dictionary;
@@ -243,6 +258,7 @@ private:
     };
     std::unordered_map<std::uint32_t, Carrier> m_carriers;
     QStringList m_repairs;
+    mutable std::unique_ptr<AcDbXrefs> m_xrefs; ///< Made when first asked for.
 };
 
 /// Numbers a DXF object name that the program itself knows, for the life of the process; the same name gives

@@ -16,5 +16,7 @@ public:
     virtual void objectModified(const AcDbDatabase *, const AcDbObject *) {}
     virtual void objectErased(const AcDbDatabase *, const AcDbObject *, bool /*erased*/) {}
     virtual void headerSysVarChanged(const AcDbDatabase *, const char * /*name*/) {}
+    /// What references of the drawing show is, or will be, something else.
+    virtual void xrefsChanged(const AcDbDatabase *) {}
     virtual void goodbye(const AcDbDatabase *) {}
 };

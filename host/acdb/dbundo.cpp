@@ -258,8 +258,9 @@ void AcDbUndo::swap(Group &group)
         AcDbDatabase::HeaderValue &value = m_database.m_header[change.name];
         std::swap(value, change.value);
         ++m_database.m_changeCount;
-        for (AcDbDatabaseReactor *reactor : std::vector(m_database.m_reactors))
-            reactor->headerSysVarChanged(&m_database, change.name.constData());
+        m_database.m_reactors.tell([&](AcDbDatabaseReactor &reactor) {
+            reactor.headerSysVarChanged(&m_database, change.name.constData());
+        });
     }
     std::swap(group.state, m_database.m_editState);
     m_recording = wasRecording;

@@ -111,7 +111,7 @@ private:
     template <class Work>
     void quietly(Work work)
     {
-        const std::vector<AcDbDatabaseReactor *> hearers = std::exchange(m_database.m_reactors, {});
+        const auto hearers = std::exchange(m_database.m_reactors, {});
         const bool wasRecording = m_database.undo().isRecording();
         const std::uint64_t changeCount = m_database.m_changeCount;
         m_database.undo().setRecording(false);

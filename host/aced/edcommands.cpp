@@ -7,15 +7,14 @@ static bool sameName(const QString &a, const QString &b)
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-bool AcEdCommandStack::addCommand(const QString &group, const QString &globalName, const QString &localName,
-                                  int flags, std::function<void()> function)
+bool AcEdCommandStack::addCommand(AcEdCommand command)
 {
-    const bool taken = std::any_of(m_commands.begin(), m_commands.end(), [&](const AcEdCommand &command) {
-        return sameName(command.group, group) && sameName(command.globalName, globalName);
+    const bool taken = std::ranges::any_of(m_commands, [&](const AcEdCommand &known) {
+        return sameName(known.group, command.group) && sameName(known.globalName, command.globalName);
     });
     if (taken)
         return false;
-    m_commands.push_back({group, globalName, localName, flags, std::move(function)});
+    m_commands.push_back(std::move(command));
     return true;
 }
 
@@ -49,8 +48,10 @@ const AcEdCommand *AcEdCommandStack::lookup(const QString &name) const
 {
     const auto find = [this](const QString &wanted, QString AcEdCommand::*member) -> const AcEdCommand * {
         const auto found =
-            std::find_if(m_commands.rbegin(), m_commands.rend(),
-                         [&](const AcEdCommand &command) { return sameName(command.*member, wanted); });
+            std::find_if(m_commands.rbegin(), m_commands.rend(), [&](const AcEdCommand &command) {
+                return sameName(command.*member, wanted) ||
+                       command.aliases.contains(wanted, Qt::CaseInsensitive);
+            });
         return found == m_commands.rend() ? nullptr : &*found;
     };
     bool globalOnly = false;

@@ -1,6 +1,8 @@
 // Commands: named functions that a person, a script, a menu or another command can run.
 #pragma once
 
+#include "host/base/listeners.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -25,6 +27,8 @@ struct AcEdCommand {
     QString localName;
     int flags = ACRX_CMD_MODAL;
     std::function<void()> function;
+    const char *title = ""; ///< What people call it, before Host::tr(); empty: as a menu item that runs it.
+    QStringList aliases{};  ///< Further names, in every language.
 };
 
 /// All commands of the process, in registration order. Names ignore letter case.
@@ -32,11 +36,10 @@ class AcEdCommandStack
 {
 public:
     /// False when the group has a command of that global name already.
-    bool addCommand(const QString &group, const QString &globalName, const QString &localName, int flags,
-                    std::function<void()> function);
+    bool addCommand(AcEdCommand command);
     bool removeCmd(const QString &group, const QString &globalName);
     void removeGroup(const QString &group);
-    /// By local name, then by global name ("_LINE" is the global name LINE); later groups win; null.
+    /// By local name or alias, then by global name ("_LINE" is the global name LINE); later groups win; null.
     const AcEdCommand *lookup(const QString &name) const;
     const std::vector<AcEdCommand> &commands() const { return m_commands; }
 
@@ -64,8 +67,8 @@ public:
 class AcEditor
 {
 public:
-    void addReactor(AcEditorReactor *reactor);
-    void removeReactor(AcEditorReactor *reactor);
+    void addReactor(AcEditorReactor *reactor) { m_reactors.add(reactor); }
+    void removeReactor(AcEditorReactor *reactor) { m_reactors.remove(reactor); }
 
     /// Runs one command by name as one undo step, with document lock and notifications. RTNORM, RTCAN when
     /// it was cancelled, RTERROR with a printed line when there is no such command.
@@ -89,10 +92,8 @@ public:
 private:
     friend class AcEdRunningAs;
     int runLocked(const AcEdCommand &command);
-    template <class Notify>
-    void notify(Notify event);
 
-    std::vector<AcEditorReactor *> m_reactors;
+    base::Listeners<AcEditorReactor> m_reactors;
     QStringList m_active;
     QStringList m_queue;
     bool m_cancelled = false;

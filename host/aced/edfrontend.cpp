@@ -51,8 +51,8 @@ QRect acedDrawingWindow()
     if (const auto window = acedFrontEnd().drawingWindow())
         return *window;
     const AcApDocument *const document = curDoc();
-    const AcApView view = document ? document->view() : AcApView();
-    return {0, 0, view.pixelWidth, view.pixelHeight};
+    const AcGeView view = document ? document->view() : AcGeView();
+    return {0, 0, int(view.pixelWidth), int(view.pixelHeight)};
 }
 
 void acutPrintf(const QString &text)

@@ -29,7 +29,8 @@ enum class AcEdPromptKind {
     keyword,
     entity,
     selection,
-    fileToOpen, ///< The answer is a path; a window shows its file dialog.
+    fileToOpen,  ///< The answer is a path; a window shows its file dialog.
+    filesToOpen, ///< The same; there may be further files.
     fileToSave
 };
 
@@ -62,9 +63,10 @@ struct AcEdAnswer {
     enum Kind { text, point, entity, cancel };
     Kind kind = text;
     QString typed;
-    AcGePoint3d where;       ///< For point and entity: world coordinates.
-    AcDbObjectId picked;     ///< For entity.
-    bool mayReplace = false; ///< To a file prompt: replacing the file has been agreed to.
+    AcGePoint3d where;          ///< For point and entity: world coordinates.
+    AcDbObjectId picked;        ///< For entity.
+    bool mayReplace = false;    ///< To a file prompt: replacing the file has been agreed to.
+    QStringList furtherFiles{}; ///< To filesToOpen, beside the typed one.
 
     static AcEdAnswer ofText(const QString &typed) { return {text, typed, {}, {}}; }
     static AcEdAnswer ofPoint(const AcGePoint3d &world) { return {point, {}, world, {}}; }

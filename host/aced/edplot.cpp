@@ -88,8 +88,8 @@ static Placed placeArea(const AcEdPlot &plot, const AcEdPlotRectangle &area)
     const QRectF whole(corner, size);
     placed.window = whole.intersected({plot.margins.left, plot.margins.bottom, roomX, roomY});
     const QPointF shift = (placed.window.center() - whole.center()) / scale;
-    placed.view.centre =
-        area.centre + acapViewFrame(area.twist).inverse() * AcGeVector3d(shift.x(), shift.y(), 0);
+    placed.view.centre = area.centre + AcGeMatrix3d::rotation(area.twist, AcGeVector3d::kZAxis).inverse() *
+                                           AcGeVector3d(shift.x(), shift.y(), 0);
     placed.view.height = placed.window.height() / scale;
     placed.view.twist = area.twist;
     return placed;

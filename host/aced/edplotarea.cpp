@@ -13,11 +13,11 @@
 // Rectangles --------------------------------------------------------------------------------------
 
 /// How the space is seen, or would be if it were current.
-static AcApView viewOf(const AcApDocument &document, AcDbObjectId space)
+static AcGeView viewOf(const AcApDocument &document, AcDbObjectId space)
 {
     if (space == acedShownSpace(document))
         return acedShownView(document);
-    AcApView view = document.view();
+    AcGeView view = document.view();
     view.twist = 0.0;
     const auto &others = document.otherSpaces();
     const auto known = others.find(space);
@@ -31,7 +31,7 @@ static base::Result<AcEdPlotRectangle, QString> around(AcDbExtents box, double t
 {
     if (!box.isValid())
         return base::Failure{Host::tr("there is nothing to plot")};
-    const AcGeMatrix3d frame = acapViewFrame(twist);
+    const AcGeMatrix3d frame = AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis);
     box.transformBy(frame);
     const AcGeVector3d diagonal = box.maxPoint() - box.minPoint();
     AcEdPlotRectangle area;
@@ -67,7 +67,7 @@ static base::Result<AcEdPlotRectangle, QString> namedView(const AcDbDatabase &da
 base::Result<AcEdPlotRectangle, QString> acedPlotRectangle(const AcApDocument &document, const AcEdPlot &plot)
 {
     const AcDbDatabase &database = *document.database();
-    const AcApView view = viewOf(document, plot.space);
+    const AcGeView view = viewOf(document, plot.space);
     switch (plot.area) {
     case AcEdPlotArea::display:
         return AcEdPlotRectangle{view.centre, view.width(), view.height, view.twist};

@@ -285,21 +285,27 @@ int acedPromptFor(const AcEdPrompt &prompt, const AcEdRules &rules,
 
 // Points ------------------------------------------------------------------------------------------
 
-/// In world coordinates, because it outlives a change of the UCS.
-static AcGePoint3d &lastPoint()
+namespace
 {
-    static AcGePoint3d point;
-    return point;
-}
+
+struct LastPoint {
+    AcGePoint3d point; ///< In world coordinates, because it outlives a change of the UCS.
+};
+
+} // namespace
 
 AcGePoint3d acedLastPoint()
 {
-    return acedTrans(lastPoint(), AcEdSpace::world, AcEdSpace::ucs);
+    AcApDocument *const document = curDoc();
+    return document
+               ? acedTrans(document->attachments().get<LastPoint>().point, AcEdSpace::world, AcEdSpace::ucs)
+               : AcGePoint3d();
 }
 
 void acedSetLastPoint(const AcGePoint3d &point)
 {
-    lastPoint() = acedTrans(point, AcEdSpace::ucs, AcEdSpace::world);
+    if (AcApDocument *const document = curDoc())
+        document->attachments().get<LastPoint>().point = acedTrans(point, AcEdSpace::ucs, AcEdSpace::world);
 }
 
 AcEdAngleFormat acedAngleFormat()

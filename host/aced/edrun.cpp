@@ -8,29 +8,7 @@
 #include "host/aced/edsysvar.h"
 #include "host/base/host_text.h"
 
-#include <algorithm>
 #include <utility>
-
-void AcEditor::addReactor(AcEditorReactor *reactor)
-{
-    if (std::find(m_reactors.begin(), m_reactors.end(), reactor) == m_reactors.end())
-        m_reactors.push_back(reactor);
-}
-
-void AcEditor::removeReactor(AcEditorReactor *reactor)
-{
-    std::erase(m_reactors, reactor);
-}
-
-template <class Notify>
-void AcEditor::notify(Notify event)
-{
-    const std::vector<AcEditorReactor *> reactors = m_reactors;
-    for (AcEditorReactor *reactor : reactors) {
-        if (std::find(m_reactors.begin(), m_reactors.end(), reactor) != m_reactors.end())
-            event(*reactor);
-    }
-}
 
 // One command -------------------------------------------------------------------------------------
 
@@ -107,12 +85,12 @@ int AcEditor::runLocked(const AcEdCommand &command)
         curDoc()->pickSet().clear();
     m_active.append(name);
     acedTakeRules(); // What an earlier command prepared for a prompt that never came.
-    notify([&name](AcEditorReactor &reactor) { reactor.commandWillStart(name); });
+    m_reactors.tell([&name](AcEditorReactor &reactor) { reactor.commandWillStart(name); });
     command.function();
     if (m_cancelled)
-        notify([&name](AcEditorReactor &reactor) { reactor.commandCancelled(name); });
+        m_reactors.tell([&name](AcEditorReactor &reactor) { reactor.commandCancelled(name); });
     else
-        notify([&name](AcEditorReactor &reactor) { reactor.commandEnded(name); });
+        m_reactors.tell([&name](AcEditorReactor &reactor) { reactor.commandEnded(name); });
     m_active.removeLast();
     acedTakeRules();
     if (m_active.isEmpty())
@@ -170,9 +148,9 @@ int AcEditor::execute(const QString &line)
     const QString typed = withoutCancels(line);
     if (typed.trimmed().startsWith(u'(')) {
         const QString first = typed.section(u'\n', 0, 0);
-        notify([&first](AcEditorReactor &reactor) { reactor.lispWillStart(first); });
+        m_reactors.tell([&first](AcEditorReactor &reactor) { reactor.lispWillStart(first); });
         const int result = evaluate(typed.trimmed());
-        notify([](AcEditorReactor &reactor) { reactor.lispEnded(); });
+        m_reactors.tell([](AcEditorReactor &reactor) { reactor.lispEnded(); });
         return result;
     }
     // The words behind the name answer its prompts; what is left over names the next command.

@@ -41,7 +41,7 @@ int acedCurrentViewport(const AcApDocument &document)
 
 static void enterSpace(AcApDocument &document, AcDbObjectId space)
 {
-    AcApView &view = document.view();
+    AcGeView &view = document.view();
     const auto known = document.otherSpaces().find(space);
     if (known != document.otherSpaces().end()) {
         // The window may have another size by now.
@@ -61,16 +61,16 @@ static void enterSpace(AcApDocument &document, AcDbObjectId space)
 // Viewports of sheets -----------------------------------------------------------------------------
 
 /// Model space as it lies on the screen through the viewport, in the place of the sheet.
-static void seeThrough(AcApView &sheet, const AcApFloatingView &through)
+static void seeThrough(AcGeView &sheet, const AcApFloatingView &through)
 {
     sheet.centre = through.toSheet.inverse() * sheet.centre;
     sheet.height /= through.scale;
     sheet.twist += through.twist;
 }
 
-AcApView acedShownView(const AcApDocument &document)
+AcGeView acedShownView(const AcApDocument &document)
 {
-    AcApView view = document.view();
+    AcGeView view = document.view();
     const AcDbObjectPointer<AcDbEntity> viewport(document.enteredViewport().viewport, AcDb::kForRead);
     // Somebody may have erased the viewport since it was entered.
     const auto through = viewport ? acapFloatingView(*viewport) : std::nullopt;

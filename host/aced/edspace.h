@@ -14,7 +14,7 @@ int acedCurrentViewport(const AcApDocument &document);
 /// What is on the screen: the sheet while one of its viewports is entered, otherwise the current space.
 AcDbObjectId acedShownSpace(const AcApDocument &document);
 /// The view of the shown space.
-AcApView acedShownView(const AcApDocument &document);
+AcGeView acedShownView(const AcApDocument &document);
 /// Makes a viewport of the shown sheet current, and with it model space; 1 goes back to the sheet. Views of
 /// entered viewports count as locked: zooming moves the sheet, the drawing does not change. eKeyNotFound for
 /// numbers that the sheet does not have, eInvalidInput for viewports that are off or not seen from above.

@@ -11,22 +11,11 @@
 #include <limits>
 #include <optional>
 
-AcGeMatrix3d acedViewFrame(const AcApView &view)
-{
-    return acapViewFrame(view.twist);
-}
-
 // Pixels ------------------------------------------------------------------------------------------
 
-AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace)
+AcGiViewport acedGiViewport(const AcGeView &view, bool paperSpace)
 {
-    AcGiViewport viewport;
-    viewport.centre = view.centre;
-    viewport.height = view.height;
-    viewport.twist = view.twist;
-    viewport.pixelWidth = view.pixelWidth;
-    viewport.pixelHeight = view.pixelHeight;
-    viewport.pixelRatio = view.pixelRatio;
+    AcGiViewport viewport(view);
     viewport.paperSpace = paperSpace;
     viewport.pixelsPerMillimetre = AcGiViewport::kUsualDensity * view.pixelRatio;
     return viewport;
@@ -91,12 +80,6 @@ bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &w
 
 // Zooming -----------------------------------------------------------------------------------------
 
-/// The height at which a rectangle of this size is just inside the view.
-static double heightFor(const AcApView &view, double width, double height)
-{
-    return std::max(height, width * view.pixelHeight / view.pixelWidth);
-}
-
 static bool isFinite(const AcGePoint3d &point)
 {
     return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
@@ -107,7 +90,7 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record)
     AcApDocument *const document = curDoc();
     if (!document)
         return Acad::eNoDocument;
-    const double height = heightFor(document->view(), record.width, record.height);
+    const double height = document->view().heightFor(record.width, record.height);
     if (!(height > 0) || !std::isfinite(height) || !std::isfinite(record.twist) || !isFinite(record.centre))
         return Acad::eInvalidInput;
     if (!record.layout.isNull()) {
@@ -115,9 +98,9 @@ Acad::ErrorStatus acedSetCurrentView(const AcEdViewRecord &record)
         if (status != Acad::eOk)
             return status;
     }
-    AcApView &view = document->view();
+    AcGeView &view = document->view();
     view.twist = record.twist;
-    view.centre = acedViewFrame(view).inverse() * record.centre;
+    view.centre = view.getEyeToWorldTransform() * record.centre;
     view.height = height;
     return Acad::eOk;
 }
@@ -176,16 +159,6 @@ AcDbExtents acedSpaceExtents(AcDbDatabase &database, AcDbObjectId space)
     return extentsOneByOne(database, space);
 }
 
-/// So that the whole box is seen.
-static void fitView(AcGiViewport &view, const AcDbExtents &box)
-{
-    AcDbExtents seen = box;
-    seen.transformBy(view.getWorldToEyeTransform());
-    const AcGeVector3d size = seen.maxPoint() - seen.minPoint();
-    view.centre = box.minPoint() + (box.maxPoint() - box.minPoint()) * 0.5;
-    view.height = std::max({size.y, size.x * view.pixelHeight / view.pixelWidth, 1e-9});
-}
-
 // What marks show beside their extents is larger the farther away it is seen from, so the box and the view
 // that it is fitted into are found by turns; a few turns come near enough.
 AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiViewport view)
@@ -195,7 +168,8 @@ AcDbExtents acedShownExtents(AcDbDatabase &database, AcDbObjectId space, AcGiVie
     AcDbExtents all = plain;
     constexpr int kTurns = 3;
     for (int turn = 0; turn < kTurns && !custom.empty() && all.isValid(); ++turn) {
-        fitView(view, all);
+        view.height = 1e-9; // Stays where there is but a point.
+        view.fit(all);
         all = plain;
         for (const AcDbObjectId id : custom)
             all.addExt(acgi::displayOf(database).shownBox(id, view));
@@ -207,16 +181,16 @@ void acedZoomWindow(AcApDocument &document, const AcGePoint3d &corner1, const Ac
 {
     if (!isFinite(corner1) || !isFinite(corner2))
         return;
-    AcApView &view = document.view();
-    const AcGeVector3d diagonal = acedViewFrame(view) * (corner2 - corner1);
+    AcGeView &view = document.view();
+    const AcGeVector3d diagonal = view.getWorldToEyeTransform() * (corner2 - corner1);
     view.centre = corner1 + (corner2 - corner1) * 0.5;
-    const double height = heightFor(view, std::abs(diagonal.x), std::abs(diagonal.y));
+    const double height = view.heightFor(std::abs(diagonal.x), std::abs(diagonal.y));
     if (height > 0 && std::isfinite(height))
         view.height = height;
 }
 
 /// Those of the space that is shown, or of the viewport in it that was entered.
-static std::vector<AcApView> &earlierViews(AcApDocument &document)
+static std::vector<AcGeView> &earlierViews(AcApDocument &document)
 {
     const AcDbObjectId viewport = document.enteredViewport().viewport;
     return document.earlierViews()[viewport.isNull() ? document.database()->currentSpaceId() : viewport];
@@ -225,7 +199,7 @@ static std::vector<AcApView> &earlierViews(AcApDocument &document)
 void acedRememberView(AcApDocument &document)
 {
     constexpr std::size_t kMost = 10;
-    std::vector<AcApView> &earlier = earlierViews(document);
+    std::vector<AcGeView> &earlier = earlierViews(document);
     earlier.push_back(document.view());
     if (earlier.size() > kMost)
         earlier.erase(earlier.begin());
@@ -233,9 +207,9 @@ void acedRememberView(AcApDocument &document)
 
 bool acedPreviousView(AcApDocument &document)
 {
-    std::vector<AcApView> &earlier = earlierViews(document);
-    AcApView &view = document.view();
-    const AcApView present = view;
+    std::vector<AcGeView> &earlier = earlierViews(document);
+    AcGeView &view = document.view();
+    const AcGeView present = view;
     while (!earlier.empty() && view == present) {
         // The window may have another size by now.
         view = earlier.back().onRaster(view.pixelWidth, view.pixelHeight);
@@ -259,7 +233,7 @@ static AcGeMatrix3d toWorld(AcEdSpace from)
         return AcGeMatrix3d::fromAxes(ucs.origin, ucs.xAxis, ucs.yAxis, ucs.xAxis.crossProduct(ucs.yAxis));
     }
     case AcEdSpace::display:
-        return acedViewFrame(document->view()).inverse();
+        return document->view().getEyeToWorldTransform();
     }
     return {};
 }

@@ -9,7 +9,7 @@
 #include <QPoint>
 
 /// The view as drawing takes it.
-AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace);
+AcGiViewport acedGiViewport(const AcGeView &view, bool paperSpace);
 
 /// By viewport number (CVPORT): 2 is model space, 1 the sheet of a layout, others its viewports. Pixel (0, 0)
 /// is the upper left of the view. False without a document or for a viewport number that the drawing does not
@@ -17,13 +17,9 @@ AcGiViewport acedGiViewport(const AcApView &view, bool paperSpace);
 bool acedCoordFromWorldToPixel(int viewport, const AcGePoint3d &world, QPoint &pixel);
 bool acedCoordFromPixelToWorld(int viewport, const QPoint &pixel, AcGePoint3d &world);
 
-/// World to the view's own frame: turned counter-clockwise by the view twist, origin kept. Its inverse goes
-/// back.
-AcGeMatrix3d acedViewFrame(const AcApView &view);
-
 /// A view to be made current, as AcDbViewTableRecord describes it.
 struct AcEdViewRecord {
-    AcGePoint3d centre; ///< In the view's frame.
+    AcGePoint3d centre; ///< In eye coordinates.
     double height = 1.0;
     double width = 1.0;
     double twist = 0.0;

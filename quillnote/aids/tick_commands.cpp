@@ -2,7 +2,7 @@
 
 #include "quillnote/aids/tick_symbols.h"
 #include "quillnote/authoring/mark_layer.h"
-#include "quillnote/authoring/pick_points.h"
+#include "quillnote/authoring/mark_targets.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/frame/settings/settings.h"
 

@@ -1,6 +1,6 @@
 #include "quillnote/authoring/align_marks.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
 
@@ -93,7 +93,7 @@ static void alignMarks(BoxAlignment alignment)
     const ResbufList marks{resbuf(0, QStringLiteral("QUILLNOTE3"))};
     if (!reference || acedSSGet(QString(), nullptr, nullptr, marks, selected) != RTNORM)
         return;
-    const AcGeMatrix3d worldToView = acedViewFrame(curDoc()->view());
+    const AcGeMatrix3d worldToView = curDoc()->view().getWorldToEyeTransform();
     std::erase_if(selected, [](AcDbObjectId id) { return !isLeaderMark(id); });
     int refused = 0;
     for (const AcDbObjectId id : selected)

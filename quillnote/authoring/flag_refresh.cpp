@@ -1,12 +1,28 @@
 #include "quillnote/authoring/flag_refresh.h"
 
-#include "quillnote/authoring/redraw_marks.h"
 #include "quillnote/entity/mark_state.h"
 
+#include "host/acap/docman.h"
 #include "host/aced/edwinmsg.h"
+#include "host/acgi/display/display.h"
 #include "host/os/clock.h"
 
 #include <optional>
+
+void refreshDrawnMarks()
+{
+    AcApDocument *const document = curDoc();
+    if (!document)
+        return;
+    const AcAxDocLock lock(document);
+    if (lock.lockStatus() != Acad::eOk)
+        return;
+    auto &drawn = drawnMarks(*document->database());
+    std::erase_if(drawn, [](AcDbObjectId id) { return !id.isValid(); });
+    acgi::Display &display = acgi::displayOf(*document->database());
+    for (const AcDbObjectId id : drawn)
+        display.regenerate(id);
+}
 
 static constexpr std::int64_t kShortestPause = 50; // Milliseconds.
 

@@ -1,7 +1,7 @@
 #include "quillnote/authoring/mark_leaders.h"
 
+#include "quillnote/authoring/one_mark.h"
 #include "quillnote/entity/mark_layout.h"
-#include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
 #include "host/aced/edfrontend.h"
@@ -9,16 +9,6 @@
 #include "host/aced/edselect.h"
 
 #include <algorithm>
-
-AcDbObjectId selectOneMark()
-{
-    acutPrintf(QStringLiteral("\n请选择一个评图标签>>"));
-    AcEdSelectionSet selected;
-    const ResbufList marks{resbuf(0, QStringLiteral("QUILLNOTE3"))};
-    if (acedSSGet(QStringLiteral(":S"), nullptr, nullptr, marks, selected) != RTNORM || selected.size() != 1)
-        return {};
-    return selected.front();
-}
 
 static void becomeLeaderMark(QuillnoteObj3 &mark)
 {
@@ -48,6 +38,17 @@ static bool hasRoomForLeader(const QuillnoteObj3 &mark)
 
 // The command -------------------------------------------------------------------------------------
 
+/// Null when nothing or more than one was chosen.
+static AcDbObjectId selectOneMark()
+{
+    acutPrintf(QStringLiteral("\n请选择一个评图标签>>"));
+    AcEdSelectionSet selected;
+    const ResbufList marks{resbuf(0, QStringLiteral("QUILLNOTE3"))};
+    if (acedSSGet(QStringLiteral(":S"), nullptr, nullptr, marks, selected) != RTNORM || selected.size() != 1)
+        return {};
+    return selected.front();
+}
+
 /// Where the rubber band begins, in the UCS; none when the mark cannot be read.
 static std::optional<AcGePoint3d> leaderBase(AcDbObjectId id)
 {
@@ -69,11 +70,9 @@ static bool addLeaderTo(AcDbObjectId id, const AcGePoint3d &end)
         acedRefuse(QStringLiteral("最多只能添加16根引线！"));
         return false;
     }
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
-    if (!mark) {
-        acedRefuse(QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+    const auto mark = openToChange(id);
+    if (!mark)
         return false;
-    }
     addLeader(*mark, end);
     settleMark(*mark, *mark->database());
     return true;

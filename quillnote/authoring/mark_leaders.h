@@ -1,13 +1,9 @@
-// Leaders of marks that are there, and the choice of one mark.
+// Leaders of marks that are there.
 #pragma once
 
-#include "host/acdb/dbid.h"
 #include "host/acge/gepoint.h"
 
 class QuillnoteObj3;
-
-/// Asks for one mark; null when nothing or more than one was chosen.
-AcDbObjectId selectOneMark();
 
 /// Adds a leader that ends at the point (world, put onto z 0). A flag mark becomes a leader mark without
 /// outline, whose text box is its former target. False, and nothing changed, when the mark has 16 leaders.

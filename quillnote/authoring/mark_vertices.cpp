@@ -1,8 +1,7 @@
 #include "quillnote/authoring/mark_vertices.h"
 
+#include "quillnote/authoring/one_mark.h"
 #include "quillnote/entity/mark_layout.h"
-#include "quillnote/entity/mark_record.h"
-#include "quillnote/entity/password.h"
 
 #include "host/acap/docman.h"
 #include "host/aced/edfrontend.h"
@@ -122,25 +121,15 @@ static QString placeText(const VertexPlace &place)
     return {};
 }
 
-/// Whether the user may change the mark; what is no mark is told.
-static bool isOpenToUser(AcDbObjectId id)
-{
-    const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    if (!mark)
-        acedRefuse(QStringLiteral("不是评图标签。"));
-    return mark && mayChangeProtected(mark->chPwMD5);
-}
-
 /// A mark that takes no vertex there is not opened for write: nothing would be to be undone.
 static void addVertex(AcDbObjectId id, const AcGePoint3d &point)
 {
     const VertexPlace place = vertexPlace(*AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead), point);
     if (place.kind != VertexPlace::onEdge)
         return acedRefuse(placeText(place));
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
+    const auto mark = openToChange(id);
     if (!mark)
-        return acedRefuse(
-            QStringLiteral("该评图标签无法修改：%1").arg(acadErrorStatusText(mark.openStatus())));
+        return;
     insertVertex(*mark, point);
     settleMark(*mark, *mark->database());
     acutPrintf(u'\n' + placeText(place));
@@ -152,6 +141,6 @@ void QN3_addVertext()
     AcGePoint3d pickPoint;
     if (acedEntSel(QStringLiteral("\n请在需要增加顶点的位置选择评图标签： "), picked, pickPoint) != RTNORM)
         acutPrintf(QStringLiteral("\n未选中评图标签。"));
-    else if (isOpenToUser(picked))
+    else if (mayUserChange(picked))
         addVertex(picked, acedTrans(pickPoint, AcEdSpace::ucs, AcEdSpace::world));
 }

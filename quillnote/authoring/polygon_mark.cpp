@@ -1,11 +1,9 @@
 #include "quillnote/authoring/polygon_mark.h"
 
-#include "quillnote/authoring/append_mark.h"
-#include "quillnote/authoring/append_state.h"
-#include "quillnote/authoring/editor_mark.h"
-#include "quillnote/authoring/mark_numbers.h"
+#include "quillnote/authoring/mark_opinion.h"
+#include "quillnote/authoring/mark_targets.h"
 #include "quillnote/authoring/mark_vertices.h"
-#include "quillnote/authoring/pick_points.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/authoring/polygon_jig.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_record.h"
@@ -144,7 +142,6 @@ bool mergePolygonIntoLeaderMark(AcDbObjectId polygon, AcDbObjectId leaderMark)
     // The opinion was typed a moment ago: no password is asked for to move it.
     dropped->chPwMD5.clear();
     dropped->erase();
-    appendState().lastCreatedMark = polygon;
     return true;
 }
 

@@ -21,7 +21,7 @@ void completeTargetCorners(QuillnoteObj3 &mark);
 void completeTextBoxCorners(QuillnoteObj3 &mark);
 
 /// Two picked corners as the lower left and the upper right one of a view. The matrix turns the world
-/// into the view's frame (acedViewFrame).
+/// into the view's frame (AcGeView::getWorldToEyeTransform).
 struct SortedCorners {
     AcGePoint3d lowerLeft;
     AcGePoint3d upperRight;

@@ -330,7 +330,7 @@ static AcGiViewport currentViewport(const AcDbDatabase *database)
 {
     if (const AcApDocument *const document = database ? acDocManager()->document(database) : nullptr)
         return acedViewport(*document);
-    AcApView saved;
+    AcGeView saved;
     if (database)
         acapRestoreView(*database, database->modelSpaceId(), saved);
     return acedGiViewport(saved, false);

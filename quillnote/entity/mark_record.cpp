@@ -82,12 +82,11 @@ void QuillnoteObj3::leaveTraces(const MarkLayout &layout) const
     cachedExtents = layout.sketch ? layout.sketch->extents : AcDbExtents();
 }
 
-/// Marks that stand in the current drawing. Ids of others would outlive their marks: nobody tells when a
-/// drawing without a document ends, or a copy that was only shown.
-static bool standsInCurrentDrawing(AcDbObjectId id)
+/// The drawing that a mark stands in; none for a copy that is only shown.
+static AcDbDatabase *drawingOf(AcDbObjectId id)
 {
-    const AcDbDatabase *const database = id.database();
-    return database && database == acdbCurDwg() && database->stub(id.stub()->index) == id.stub();
+    AcDbDatabase *const database = id.database();
+    return database && database->stub(id.stub()->index) == id.stub() ? database : nullptr;
 }
 
 void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
@@ -97,8 +96,8 @@ void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
         const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
         drawMark(layout, *context);
         if (isShown) {
-            if (standsInCurrentDrawing(objectId()))
-                markDrawingState().drawnMarks.insert(objectId());
+            if (AcDbDatabase *const drawing = drawingOf(objectId()))
+                drawnMarks(*drawing).insert(objectId());
             leaveTraces(layout);
         }
     }

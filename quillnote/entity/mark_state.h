@@ -6,6 +6,8 @@
 #include <optional>
 #include <unordered_set>
 
+class AcDbDatabase;
+
 struct MarkDrawingState {
     /// The text is not drawn: grips are shown. Lasts until a mark is drawn or closed or a command ends.
     bool textSuppressed = false;
@@ -15,8 +17,6 @@ struct MarkDrawingState {
     double flagScale = 1.0;
     /// Flags are refreshed while zooming, so those of leader marks may keep their size on the screen too.
     bool flagRefreshRunning = false;
-    /// Marks that were drawn at least once in the current document.
-    std::unordered_set<AcDbObjectId> drawnMarks;
 
     void reset() { *this = {}; }
     void commandEnded()
@@ -27,3 +27,6 @@ struct MarkDrawingState {
 };
 
 MarkDrawingState &markDrawingState();
+
+/// The drawing's marks that were drawn at least once, kept with it; some of them may be gone by now.
+std::unordered_set<AcDbObjectId> &drawnMarks(AcDbDatabase &database);

@@ -20,7 +20,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTimer>
+#include <QUuid>
 
+#include <algorithm>
 #include <memory>
 
 static constexpr int kLookMilliseconds = 200;
@@ -38,12 +40,11 @@ QString announceOpenDrawing(const QByteArray &identity)
     const QString folder = courierFolder() + QStringLiteral("open/");
     if (!QDir().mkpath(folder))
         return {};
-    static int count = 0;
-    // The courier forgets those whose process is gone.
+    // The courier forgets those whose process is gone; another process may get its number.
     const QString file = QStringLiteral("%1%2-%3-%4")
                              .arg(folder, QString::fromLatin1(identity.toHex()))
                              .arg(QCoreApplication::applicationPid())
-                             .arg(++count);
+                             .arg(QUuid::createUuid().toString(QUuid::Id128).left(12));
     const QString title =
         acDocManager()->curDocument() ? acDocManager()->curDocument()->docTitle() : QString();
     return base::writeFileAtomically(file, title.toUtf8()) ? file : QString();
@@ -55,10 +56,26 @@ void withdrawOpenDrawing(const QString &file)
         QFile::remove(file);
 }
 
+/// Until the courier knows of this opening, what lies there is meant for an earlier one. A clock that was set
+/// back must not make new files look older than those that the courier has.
+static bool hasBegun(SharedDrawing &drawing, const QDir &folder)
+{
+    if (drawing.hasBegun)
+        return true;
+    QFile begun(folder.filePath(QFileInfo(drawing.openFile).fileName() + QStringLiteral(".begun")));
+    if (drawing.openFile.isEmpty() || !begun.open(QIODevice::ReadOnly))
+        return false;
+    std::uint64_t &last = synchronisation().lastSerial;
+    last = std::max<std::uint64_t>(last, begun.readAll().toULongLong());
+    return drawing.hasBegun = true;
+}
+
 QString takeArrived(SharedDrawing &drawing)
 {
     const QDir folder(courierFolder() + QStringLiteral("in/") +
                       QString::fromLatin1(drawing.identity.toHex()));
+    if (!hasBegun(drawing, folder))
+        return {};
     for (const QString &name : folder.entryList({QStringLiteral("*.quillNote")}, QDir::Files, QDir::Name)) {
         const std::int64_t number = name.section(u'.', 0, 0).toLongLong();
         if (number > drawing.lastTaken) {

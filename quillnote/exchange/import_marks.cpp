@@ -1,9 +1,9 @@
 #include "quillnote/exchange/import_marks.h"
 
 #include "quillnote/aids/tick_symbols.h"
-#include "quillnote/authoring/append_mark.h"
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/collect_marks.h"
+#include "quillnote/authoring/new_mark.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/entity/mark_layout.h"
 #include "quillnote/entity/mark_values.h"

@@ -28,6 +28,7 @@ struct SharedDrawing {
     QByteArray identity;
     std::unordered_map<QString, ExchangedMark> known; ///< By GUID.
     QString openFile;                                 ///< Tells the courier that somebody waits for files.
+    bool hasBegun = false;                            ///< The courier knows that it is open.
     std::int64_t lastTaken = 0;                       ///< Number of the last file that arrived and was read.
 };
 

@@ -2,26 +2,22 @@
 
 #include "quillnote/aids/tick_commands.h"
 #include "quillnote/authoring/align_marks.h"
-#include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/authoring/flag_refresh.h"
-#include "quillnote/authoring/freehand_mark.h"
-#include "quillnote/authoring/leader_mark.h"
-#include "quillnote/authoring/mark_display.h"
 #include "quillnote/authoring/mark_leaders.h"
+#include "quillnote/authoring/mark_opinion.h"
+#include "quillnote/authoring/mark_targets.h"
 #include "quillnote/authoring/mark_vertices.h"
 #include "quillnote/authoring/native_conversion.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/authoring/polygon_mark.h"
-#include "quillnote/authoring/rectangle_mark.h"
-#include "quillnote/authoring/redraw_marks.h"
-#include "quillnote/authoring/renumber.h"
-#include "quillnote/authoring/setup.h"
-#include "quillnote/authoring/show_text.h"
 #include "quillnote/exchange/courier_files.h"
 #include "quillnote/exchange/export_marks.h"
 #include "quillnote/exchange/import_marks.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/helper_programs.h"
 #include "quillnote/frame/menu_loading.h"
+#include "quillnote/frame/setup.h"
 #include "quillnote/frame/small_commands.h"
 #include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_sheet.h"
@@ -143,10 +139,11 @@ void registerCommands()
             function = row.function;
         else
             function = [name = row.globalName] { sayNotBuilt(name); };
-        acedRegCmds()->addCommand(QString::fromUtf16(kCommandGroup), QString::fromLatin1(row.globalName),
-                                  QString::fromLatin1(row.localName),
-                                  row.function ? row.flags : row.flags | kCommandNotBuilt,
-                                  std::move(function));
+        acedRegCmds()->addCommand({.group = QString::fromUtf16(kCommandGroup),
+                                   .globalName = QString::fromLatin1(row.globalName),
+                                   .localName = QString::fromLatin1(row.localName),
+                                   .flags = row.function ? row.flags : row.flags | kCommandNotBuilt,
+                                   .function = std::move(function)});
     }
 }
 

@@ -1,6 +1,5 @@
 #include "quillnote/frame/database_reactor.h"
 
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/exchange/synchronisation.h"
 

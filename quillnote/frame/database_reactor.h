@@ -2,7 +2,7 @@
 // changes of marks to the synchronisation.
 #pragma once
 
-#include "quillnote/authoring/mark_counts.h"
+#include "quillnote/authoring/numbering.h"
 
 #include "host/acdb/dbreactor.h"
 

@@ -1,11 +1,10 @@
-// Documents that the module follows: each has a database reactor and its saved drawn-mark set.
+// Documents that the module follows: each has a database reactor.
 #pragma once
 
 #include "host/acap/docman.h"
 #include "host/acdb/dbreactor.h"
 
 #include <memory>
-#include <unordered_set>
 #include <vector>
 
 class QNK_DbReactor;
@@ -13,7 +12,6 @@ class QNK_DbReactor;
 struct DocumentRecord {
     AcApDocument *document = nullptr;
     std::unique_ptr<QNK_DbReactor> reactor; ///< Null until the document's database is watched.
-    std::unordered_set<AcDbObjectId> drawnMarks;
 };
 
 /// One record a document, in the order of their first appearance; one of them is current.

@@ -1,8 +1,8 @@
 // The host's messages, and the order of start-up and unload.
 #include "quillnote/frame/entry_point.h"
 
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/authoring/flag_refresh.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_grips.h"
 #include "quillnote/entity/mark_state.h"

@@ -1,6 +1,5 @@
 #include "quillnote/frame/reactors.h"
 
-#include "quillnote/authoring/append_state.h"
 #include "quillnote/entity/mark_state.h"
 #include "quillnote/exchange/synchronisation.h"
 #include "quillnote/frame/document_registry.h"
@@ -10,7 +9,7 @@
 
 #include <utility>
 
-/// Keeps the registry and the drawn-mark set in step with the documents.
+/// Keeps the registry in step with the documents.
 class QNK2_DocReactor : public AcApDocManagerReactor
 {
 public:
@@ -22,33 +21,15 @@ public:
 
     void documentCreated(AcApDocument *document) override
     {
-        keepDrawnMarks();
         m_registry.attach(document);
-        markDrawingState().drawnMarks.clear();
         m_registry.ensureDatabaseReactor();
     }
     void documentToBeDestroyed(AcApDocument *document) override
     {
         m_registry.detach(document);
         leaveDrawing(*document->database());
-        // The ids are gone with the drawing. Another drawing that is current keeps its own.
-        std::erase_if(markDrawingState().drawnMarks,
-                      [document](AcDbObjectId id) { return id.database() == document->database(); });
-        if (appendState().lastCreatedMark.database() == document->database())
-            appendState().lastCreatedMark = {};
     }
-    void documentToBeActivated(AcApDocument *document) override
-    {
-        m_registry.attach(document);
-        markDrawingState().drawnMarks = m_registry.current()->drawnMarks;
-    }
-    void documentToBeDeactivated(AcApDocument *document) override
-    {
-        // A document that was just created is current already, and what was drawn in this one is kept.
-        if (m_registry.current() && m_registry.current()->document == document)
-            keepDrawnMarks();
-        markDrawingState().drawnMarks.clear();
-    }
+    void documentToBeActivated(AcApDocument *document) override { m_registry.attach(document); }
     void documentActivated(AcApDocument *document) override
     {
         m_registry.ensureDatabaseReactor();
@@ -56,12 +37,6 @@ public:
     }
 
 private:
-    void keepDrawnMarks()
-    {
-        if (m_registry.current())
-            m_registry.current()->drawnMarks = markDrawingState().drawnMarks;
-    }
-
     DocumentRegistry &m_registry;
 };
 

@@ -1,6 +1,6 @@
 #include "quillnote/reports/report_start.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/reports/report_path.h"
 
 #include "host/acap/docman.h"

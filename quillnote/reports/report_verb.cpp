@@ -1,6 +1,6 @@
 #include "quillnote/reports/report_verb.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/reports/report_file.h"
 #include "quillnote/reports/review_page.h"
 #include "quillnote/reports/review_table.h"

@@ -1,6 +1,6 @@
 #include "quillnote/review/ask_commands.h"
 
-#include "quillnote/authoring/edit_mark.h"
+#include "quillnote/authoring/mark_opinion.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/review/review_palette.h"

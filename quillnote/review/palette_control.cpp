@@ -1,6 +1,6 @@
 #include "quillnote/review/palette_control.h"
 
-#include "quillnote/authoring/redraw_marks.h"
+#include "quillnote/authoring/flag_refresh.h"
 #include "quillnote/review/show_mark.h"
 #include "quillnote/snapshot/snapshot_viewer.h"
 
@@ -121,9 +121,8 @@ void ReviewPalette::showDocument(AcApDocument *document)
         reviewerFilter() = QStringLiteral("ALL");
         reload();
     }
-    const auto known = m_positions.find(document);
-    const ReviewPosition position =
-        known == m_positions.end() ? readReviewPosition(*document->database()) : known->second;
+    const auto *const known = document->attachments().find<ReviewPosition>();
+    const ReviewPosition position = known ? *known : readReviewPosition(*document->database());
     m_at = std::size_t(std::max<std::int16_t>(position.index, 0)); // show() knows the end.
     show(m_at, Zoom::no);
 }
@@ -242,7 +241,8 @@ void ReviewPalette::followShown()
 void ReviewPalette::rememberPosition()
 {
     const std::size_t most = std::size_t(std::numeric_limits<std::int16_t>::max());
-    m_positions[m_document] = {std::int16_t(std::min(m_at, most)), m_shown->summary.id};
+    m_document->attachments().get<ReviewPosition>() = {std::int16_t(std::min(m_at, most)),
+                                                       m_shown->summary.id};
 }
 
 // Saving and leaving ------------------------------------------------------------------------------
@@ -251,21 +251,20 @@ void ReviewPalette::storeInput(AcApDocument &document, bool forSaving)
 {
     if (&document == m_document)
         commit(true);
-    const auto position = m_positions.find(&document);
-    if (!forSaving || position == m_positions.end())
+    auto *const position = document.attachments().find<ReviewPosition>();
+    if (!forSaving || !position)
         return;
     AcDbDatabase &database = *document.database();
-    if (!position->second.mark.isValid())
-        position->second.mark = {};
-    if (readReviewPosition(database) == position->second)
+    if (!position->mark.isValid())
+        position->mark = {};
+    if (readReviewPosition(database) == *position)
         return;
     const AcDbUncountedChange quietly(database);
-    writeReviewPosition(database, position->second);
+    writeReviewPosition(database, *position);
 }
 
 void ReviewPalette::forget(const AcApDocument &document)
 {
-    m_positions.erase(&document);
     if (m_document != &document)
         return;
     m_document = nullptr;

@@ -8,8 +8,6 @@
 
 #include <QPointer>
 
-#include <map>
-
 enum class Zoom { no, yes };
 
 class ReviewPalette
@@ -65,7 +63,6 @@ private:
     std::optional<ReviewedMark> m_shown;
     AcDbObjectId m_lost; ///< The mark that was shown and is gone; it may come back.
     bool m_isLater = false;
-    std::map<const AcApDocument *, ReviewPosition> m_positions;
     std::vector<AcDbObjectId> m_results;
     std::size_t m_result = 0;
 };

@@ -1,7 +1,6 @@
 #include "quillnote/review/view_by_name_command.h"
 
-#include "quillnote/authoring/mark_display.h"
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/ui/view_by_name.h"
 
 #include "host/acap/docman.h"

@@ -10,6 +10,8 @@
 #include <charconv>
 #include <cmath>
 #include <functional>
+#include <future>
+#include <numeric>
 
 static constexpr int kColor = 62;
 
@@ -122,43 +124,126 @@ bool isReviewMark(AcDbObjectId entity)
     return acdbKindName(entity.stub()->kind).startsWith("QUILLNOTE");
 }
 
-std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
-                                         const acgi::Window &window,
-                                         const std::function<void(AcDbObjectId)> &whileOpen)
+/// Of what crosses a target: without marks, the newest first.
+static void orderAsSelected(std::vector<AcDbObjectId> &ids)
 {
-    std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window, whileOpen);
     std::erase_if(ids, isReviewMark);
     std::ranges::sort(ids, std::greater(), [](AcDbObjectId id) { return id.stub()->index; });
+}
+
+std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
+                                         const acgi::Window &window)
+{
+    std::vector<AcDbObjectId> ids = acgi::spatialIndexOf(database).crossingWindow(space, window);
+    orderAsSelected(ids);
     return ids;
 }
 
 // Extended data cannot count, its codes being above 99, so it is not asked for.
-std::uint32_t FingerprintTaker::sumOf(AcDbObjectId entity)
+static std::uint32_t sumOf(const ResbufList &data)
 {
-    const auto [place, isNew] = m_sums.try_emplace(entity, 0);
-    if (isNew) {
-        UnitSum sum;
-        appendData(sum, acdbEntGetX(entity));
-        place->second = sum.sum;
+    UnitSum sum;
+    appendData(sum, data);
+    return sum.sum;
+}
+
+/// Some targets whose fingerprints are being taken.
+struct FingerprintTaker::Batch {
+    std::size_t first = 0;                               ///< Place of the first one in the order.
+    std::vector<std::vector<AcDbObjectId>> entities;     ///< Of each target.
+    std::unordered_map<AcDbObjectId, std::uint32_t> own; ///< Sums of those that are not as in the file.
+    std::future<std::vector<std::uint32_t>> sums;        ///< Of each target.
+};
+
+FingerprintTaker::Batch FingerprintTaker::begin(std::size_t first, std::span<const acgi::Window> targets,
+                                                const AcDbFiledData &filed)
+{
+    Batch batch{first, acgi::spatialIndexOf(m_database).crossingWindows(filed.block(), targets), {}, {}};
+    for (std::vector<AcDbObjectId> &ids : batch.entities) {
+        orderAsSelected(ids);
+        for (const AcDbObjectId id : ids) {
+            if (!filed.holds(id) && !batch.own.contains(id))
+                batch.own.emplace(id, sumOf(acdbEntGetX(id)));
+        }
     }
-    return place->second;
+    return batch;
+}
+
+// Runs beside the drawing's own thread.
+std::vector<std::uint32_t> FingerprintTaker::sumUp(const Batch &batch, const AcDbFiledData &filed)
+{
+    std::vector<std::uint32_t> sums;
+    for (const std::vector<AcDbObjectId> &ids : batch.entities) {
+        std::uint32_t &sum = sums.emplace_back(0); // Wraps.
+        for (const AcDbObjectId id : ids) {
+            if (const auto own = batch.own.find(id); own != batch.own.end()) {
+                sum += own->second;
+                continue;
+            }
+            const auto [place, isNew] = m_sums.try_emplace(id, 0);
+            if (isNew)
+                place->second = sumOf(filed.of(id));
+            sum += place->second;
+        }
+    }
+    return sums;
+}
+
+static TargetFingerprint fingerprintOf(std::vector<AcDbObjectId> ids, std::uint32_t sum)
+{
+    TargetFingerprint fingerprint;
+    if (!ids.empty())
+        fingerprint.checksum = QStringLiteral("SUM=%1").arg(static_cast<std::int32_t>(sum));
+    fingerprint.ids = std::move(ids);
+    return fingerprint;
+}
+
+/// So that those which share entities come one after the other.
+static std::vector<std::size_t> orderByPlace(std::span<const acgi::Window> targets)
+{
+    std::vector<std::size_t> order(targets.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::ranges::stable_sort(order, {}, [&](std::size_t i) { return targets[i].corners()[0].x; });
+    return order;
+}
+
+// While one batch is added up, the entities of the next are found.
+bool FingerprintTaker::takeEach(AcDbObjectId space, std::span<const acgi::Window> targets, const Use &use)
+{
+    const std::vector<std::size_t> order = orderByPlace(targets);
+    std::vector<acgi::Window> ordered;
+    for (const std::size_t target : order)
+        ordered.push_back(targets[target]);
+    const auto finish = [&](Batch &batch) {
+        const std::vector<std::uint32_t> sums = batch.sums.get();
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            if (!use(order[batch.first + i], fingerprintOf(std::move(batch.entities[i]), sums[i])))
+                return false;
+        }
+        return true;
+    };
+    const AcDbFiledData filed(space);
+    const auto policy = targets.size() > 1 ? std::launch::async : std::launch::deferred;
+    std::unique_ptr<Batch> adding;
+    for (std::size_t begun = 0; begun < ordered.size();) {
+        auto next = std::make_unique<Batch>(begin(begun, std::span(ordered).subspan(begun), filed));
+        begun += next->entities.size();
+        if (adding && !finish(*adding))
+            return false;
+        next->sums = std::async(policy, [&, batch = next.get()] { return sumUp(*batch, filed); });
+        adding = std::move(next);
+    }
+    return !adding || finish(*adding);
 }
 
 TargetFingerprint FingerprintTaker::take(AcDbObjectId space, const acgi::Window &window)
 {
-    TargetFingerprint fingerprint;
-    const auto takeSum = [this](AcDbObjectId id) {
-        if (!isReviewMark(id))
-            sumOf(id);
-    };
-    fingerprint.ids = targetEntities(m_database, space, window, takeSum);
-    if (fingerprint.ids.empty())
-        return fingerprint;
-    std::uint32_t sum = 0; // Wraps.
-    for (const AcDbObjectId id : fingerprint.ids)
-        sum += sumOf(id);
-    fingerprint.checksum = QStringLiteral("SUM=%1").arg(static_cast<std::int32_t>(sum));
-    return fingerprint;
+    TargetFingerprint taken;
+    takeEach(space, std::span(&window, 1), [&](std::size_t, TargetFingerprint fingerprint) {
+        taken = std::move(fingerprint);
+        return true;
+    });
+    return taken;
 }
 
 static acgi::Window windowOf(const MarkCorners &target)

@@ -11,9 +11,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
+class AcDbFiledData;
 class QuillnoteObj3;
 
 struct TargetFingerprint {
@@ -36,10 +38,8 @@ acgi::Window targetWindow(const QuillnoteObj3 &mark);
 
 /// What crosses the window and is no review mark, the newest first, in any space of a drawing, current or
 /// not.
-/// `whileOpen` is that of acgi::SpatialIndex::crossingWindow().
 std::vector<AcDbObjectId> targetEntities(AcDbDatabase &database, AcDbObjectId space,
-                                         const acgi::Window &window,
-                                         const std::function<void(AcDbObjectId)> &whileOpen = {});
+                                         const acgi::Window &window);
 
 /// Takes many fingerprints of a drawing that does not change meanwhile. An entity that several targets share
 /// is read once.
@@ -49,12 +49,20 @@ public:
     explicit FingerprintTaker(AcDbDatabase &database) : m_database(database) {}
     /// Of targetEntities().
     TargetFingerprint take(AcDbObjectId space, const acgi::Window &window);
+    /// Hears of a target, by its place among those asked about; false ends the taking.
+    using Use = std::function<bool(std::size_t target, TargetFingerprint)>;
+    /// take() of each, in an order of its own. A second thread reads the entities. False when `use` ended it.
+    bool takeEach(AcDbObjectId space, std::span<const acgi::Window> targets, const Use &use);
 
 private:
-    std::uint32_t sumOf(AcDbObjectId entity);
+    struct Batch;
+
+    Batch begin(std::size_t first, std::span<const acgi::Window> targets, const AcDbFiledData &filed);
+    std::vector<std::uint32_t> sumUp(const Batch &batch, const AcDbFiledData &filed);
 
     AcDbDatabase &m_database;
-    std::unordered_map<AcDbObjectId, std::uint32_t> m_sums; ///< Of the data of each, wrapped.
+    /// Of the data of each entity that is as in the file, wrapped. Only sumUp() looks.
+    std::unordered_map<AcDbObjectId, std::uint32_t> m_sums;
 };
 
 /// The text of an entity's data list that the checksum counts: "(code,value)" of each group of 0 to 99 but

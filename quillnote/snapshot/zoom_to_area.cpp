@@ -25,9 +25,9 @@ AcDbExtents targetZoomWindow(const AcGePoint3d &corner1, const AcGePoint3d &corn
     return window;
 }
 
-static bool isVisible(const AcDbExtents &seenArea, const AcApView &view)
+static bool isVisible(const AcDbExtents &seenArea, const AcGeView &view)
 {
-    const AcGePoint3d centre = acedViewFrame(view) * view.centre;
+    const AcGePoint3d centre = view.getWorldToEyeTransform() * view.centre;
     const AcGeVector3d half(view.width() / 2, view.height / 2, 0);
     return AcDbExtents(centre - half, centre + half).containsInPlane(seenArea);
 }
@@ -37,10 +37,10 @@ void zoomToArea(const AcDbExtents &area, AcDbObjectId layout, ZoomWhen when)
     const AcApDocument *const document = curDoc();
     if (!document || !area.isValid())
         return;
-    const AcApView &view = document->view();
+    const AcGeView &view = document->view();
     const bool isHere = layout.isNull() || layout == document->database()->currentSpaceId();
     AcDbExtents seen = area;
-    seen.transformBy(acedViewFrame(view));
+    seen.transformBy(view.getWorldToEyeTransform());
     if (when == ZoomWhen::ifOutside && isHere && isVisible(seen, view))
         return;
     const AcDbExtents widened = widenedArea(seen);

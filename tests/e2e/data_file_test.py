@@ -69,6 +69,21 @@ class DataFileTest(unittest.TestCase):
         self.bring(data, "foreign.dxf", "--force")
         self.bring(SAMPLE, "none.dxf", "--force", status=2)
 
+    def test_the_twin_in_another_format_takes_them_alike(self):
+        for dwg in sorted((SAMPLE.parent.parent / "tests" / "corpus" / "dwg").glob("*.dwg")):
+            with self.subTest(dwg.name):
+                twin = self.folder / f"{dwg.stem}.dxf"
+                program.play("", dwg, twin)
+                program.play(SCRIPT, dwg, self.marked)
+                self.export("-f")
+                brought = {}
+                for copy in (dwg, twin):
+                    out = self.folder / f"into{copy.suffix}.dxf"
+                    self.bring(self.folder / "plan.Quillnote", out.name, "-f", into=copy)
+                    brought[copy.suffix] = [{**mark, "file": None} for mark in program.marks(out)]
+                    self.assertEqual(texts(out), texts(self.marked))
+                self.assertEqual(brought[".dwg"], brought[".dxf"])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -87,9 +87,9 @@ static void start(void *packet)
 {
     acrxDynamicLinker()->unlockApplication(packet);
     const QString group = QStringLiteral("SAMPLE");
-    acedRegCmds()->addCommand(group, QStringLiteral("SAMPLEDIALOG"), {}, ACRX_CMD_MODAL, askInDialog);
-    acedRegCmds()->addCommand(group, QStringLiteral("SAMPLEPALETTE"), {}, ACRX_CMD_MODAL, openPalette);
-    acedRegCmds()->addCommand(group, QStringLiteral("SAMPLESTRANGER"), {}, ACRX_CMD_MODAL, openStranger);
+    acedRegCmds()->addCommand({group, QStringLiteral("SAMPLEDIALOG"), {}, ACRX_CMD_MODAL, askInDialog});
+    acedRegCmds()->addCommand({group, QStringLiteral("SAMPLEPALETTE"), {}, ACRX_CMD_MODAL, openPalette});
+    acedRegCmds()->addCommand({group, QStringLiteral("SAMPLESTRANGER"), {}, ACRX_CMD_MODAL, openStranger});
     acedRegisterVerb({QStringLiteral("tally"),
                       QStringLiteral("Count entities of model space"),
                       {{QStringLiteral("--kind"), QStringLiteral("KIND"), QStringLiteral("Only this kind")},

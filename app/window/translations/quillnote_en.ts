@@ -4,16 +4,12 @@
 <context>
     <name>Host</name>
     <message>
-        <source>
-输入块名或 [?]: </source>
-        <translation>
-Enter block name or [?]: </translation>
+        <source>正在打开 %1</source>
+        <translation>Opening %1</translation>
     </message>
     <message>
-        <source>
-输入块名或 [?] &lt;%1&gt;: </source>
-        <translation>
-Enter block name or [?] &lt;%1&gt;: </translation>
+        <source>正在保存 %1</source>
+        <translation>Saving %1</translation>
     </message>
     <message>
         <source>没有找到文件 %1。</source>
@@ -46,6 +42,18 @@ Enter block name or [?] &lt;%1&gt;: </translation>
 块 %1 已存在。重新定义它吗?</source>
         <translation>
 The block %1 exists. Redefine it?</translation>
+    </message>
+    <message>
+        <source>
+输入块名或 [?]: </source>
+        <translation>
+Enter block name or [?]: </translation>
+    </message>
+    <message>
+        <source>
+输入块名或 [?] &lt;%1&gt;: </source>
+        <translation>
+Enter block name or [?] &lt;%1&gt;: </translation>
     </message>
     <message>
         <source>
@@ -90,18 +98,8 @@ Specify insertion point: </translation>
 Specify rotation angle &lt;0&gt;: </translation>
     </message>
     <message>
-        <source>
-另存为 %1 会有以上损失。继续吗?</source>
-        <translation>
-Saving as %1 loses the above. Go on?</translation>
-    </message>
-    <message>
-        <source>正在打开 %1</source>
-        <translation>Opening %1</translation>
-    </message>
-    <message>
-        <source>正在保存 %1</source>
-        <translation>Saving %1</translation>
+        <source>插入块</source>
+        <translation>Insert Block</translation>
     </message>
     <message>
         <source>
@@ -150,8 +148,12 @@ Specify origin of UCS or [Origin/Previous/World/Z axis(Z)/three points(3)/View] 
 Enter an option [Current/World] &lt;Current&gt;: </translation>
     </message>
     <message>
-        <source>不能绘制: %1</source>
-        <translation>Cannot be drawn: %1</translation>
+        <source>坐标系</source>
+        <translation>Coordinate System</translation>
+    </message>
+    <message>
+        <source>平面视图</source>
+        <translation>Plan View</translation>
     </message>
     <message>
         <source>
@@ -224,6 +226,22 @@ Specify rotation angle of text &lt;0&gt;: </translation>
 输入文字: </source>
         <translation>
 Enter text: </translation>
+    </message>
+    <message>
+        <source>直线</source>
+        <translation>Line</translation>
+    </message>
+    <message>
+        <source>圆</source>
+        <translation>Circle</translation>
+    </message>
+    <message>
+        <source>点</source>
+        <translation>a point</translation>
+    </message>
+    <message>
+        <source>文字</source>
+        <translation>Text</translation>
     </message>
     <message>
         <source>
@@ -306,10 +324,32 @@ Specify second point of mirror line: </translation>
 Erase source objects?</translation>
     </message>
     <message>
-        <source>
-输入要打开的图形文件名: </source>
-        <translation>
-Enter name of drawing to open: </translation>
+        <source>删除</source>
+        <translation>removed</translation>
+    </message>
+    <message>
+        <source>恢复删除</source>
+        <translation>Bring Back Erased</translation>
+    </message>
+    <message>
+        <source>移动</source>
+        <translation>Move</translation>
+    </message>
+    <message>
+        <source>复制</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>旋转</source>
+        <translation>Rotate</translation>
+    </message>
+    <message>
+        <source>缩放</source>
+        <translation>Scale</translation>
+    </message>
+    <message>
+        <source>镜像</source>
+        <translation>Mirror</translation>
     </message>
     <message>
         <source>没有打开图形。</source>
@@ -318,6 +358,12 @@ Enter name of drawing to open: </translation>
     <message>
         <source>不能打开图形: %1</source>
         <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>
+输入要打开的图形文件名: </source>
+        <translation>
+Enter name of drawing to open: </translation>
     </message>
     <message>
         <source>没有保存图形。</source>
@@ -332,6 +378,12 @@ Enter name of drawing to open: </translation>
 已有名为 %1 的文件。替换它吗?</source>
         <translation>
 There is a file named %1 already. Replace it?</translation>
+    </message>
+    <message>
+        <source>
+另存为 %1 会有以上损失。继续吗?</source>
+        <translation>
+Saving as %1 loses the above. Go on?</translation>
     </message>
     <message>
         <source>
@@ -362,6 +414,38 @@ Enter module file name: </translation>
         <translation>The module cannot be loaded: %1</translation>
     </message>
     <message>
+        <source>打开</source>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>新建</source>
+        <translation>New</translation>
+    </message>
+    <message>
+        <source>保存副本</source>
+        <translation>Save Copy</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>另存为</source>
+        <translation>Save As</translation>
+    </message>
+    <message>
+        <source>关闭</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>退出</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>加载模块</source>
+        <translation>Load Module</translation>
+    </message>
+    <message>
         <source>%1 %2 不能这样改动: %3</source>
         <translation>%1 %2 cannot be changed like this: %3</translation>
     </message>
@@ -382,6 +466,10 @@ There is no grip there.</translation>
 指定移动点: </source>
         <translation>
 Specify new place: </translation>
+    </message>
+    <message>
+        <source>夹点编辑</source>
+        <translation>Grip Edit</translation>
     </message>
     <message>
         <source>起点</source>
@@ -410,10 +498,6 @@ Specify new place: </translation>
     <message>
         <source>位置</source>
         <translation>Position</translation>
-    </message>
-    <message>
-        <source>文字</source>
-        <translation>Text</translation>
     </message>
     <message>
         <source>高度</source>
@@ -546,6 +630,26 @@ Enter new value for %1 &lt;%2&gt;: </translation>
 输入变量名或 [?]: </source>
         <translation>
 Enter variable name or [?]: </translation>
+    </message>
+    <message>
+        <source>列表</source>
+        <translation>List</translation>
+    </message>
+    <message>
+        <source>点坐标</source>
+        <translation>Point Coordinates</translation>
+    </message>
+    <message>
+        <source>测距离</source>
+        <translation>Measure Distance</translation>
+    </message>
+    <message>
+        <source>检查图形</source>
+        <translation>Audit</translation>
+    </message>
+    <message>
+        <source>系统变量</source>
+        <translation>System Variable</translation>
     </message>
     <message>
         <source>图层名“%1”无效。</source>
@@ -714,6 +818,10 @@ Enter plotting preference [Plot/No] &lt;Plot&gt;: </translation>
 Enter an option [?/Make/Set/New/ON/OFF/Color/Ltype/Plot/Freeze/Thaw/LOck/Unlock]: </translation>
     </message>
     <message>
+        <source>图层</source>
+        <translation>Layer</translation>
+    </message>
+    <message>
         <source>没有名为“%1”的布局。</source>
         <translation>There is no layout named "%1".</translation>
     </message>
@@ -756,6 +864,22 @@ Enter an option [Restore/?] &lt;Restore&gt;: </translation>
 输入要恢复的视图名称: </source>
         <translation>
 Enter name of view to restore: </translation>
+    </message>
+    <message>
+        <source>布局</source>
+        <translation>Layout</translation>
+    </message>
+    <message>
+        <source>进入视口</source>
+        <translation>Enter Viewport</translation>
+    </message>
+    <message>
+        <source>离开视口</source>
+        <translation>Leave Viewport</translation>
+    </message>
+    <message>
+        <source>命名视图</source>
+        <translation>Named View</translation>
     </message>
     <message>
         <source>
@@ -804,6 +928,18 @@ Enter toolbar name or [ALL]: </translation>
 输入选项 [显示(S)/隐藏(H)] &lt;显示&gt;: </source>
         <translation>
 Enter an option [Show/Hide] &lt;Show&gt;: </translation>
+    </message>
+    <message>
+        <source>加载菜单</source>
+        <translation>Load Menu</translation>
+    </message>
+    <message>
+        <source>卸载菜单</source>
+        <translation>Unload Menu</translation>
+    </message>
+    <message>
+        <source>工具栏</source>
+        <translation>Toolbars</translation>
     </message>
     <message>
         <source>
@@ -882,10 +1018,6 @@ Enter view name: </translation>
     <message>
         <source>范围</source>
         <translation>Extents</translation>
-    </message>
-    <message>
-        <source>布局</source>
-        <translation>Layout</translation>
     </message>
     <message>
         <source>图形界限</source>
@@ -996,6 +1128,14 @@ Select objects or &lt;all objects and viewports&gt;: </translation>
 Enter file name: </translation>
     </message>
     <message>
+        <source>打印</source>
+        <translation>Plot</translation>
+    </message>
+    <message>
+        <source>输出图片</source>
+        <translation>Export Picture</translation>
+    </message>
+    <message>
         <source>是</source>
         <translation>Yes</translation>
     </message>
@@ -1006,6 +1146,10 @@ Enter file name: </translation>
     <message>
         <source>%1 [是(Yes)/否(No)] &lt;%2&gt;: </source>
         <translation>%1 [Yes/No] &lt;%2&gt;: </translation>
+    </message>
+    <message>
+        <source>不能绘制: %1</source>
+        <translation>Cannot be drawn: %1</translation>
     </message>
     <message>
         <source>%1 个对象不能改动（所在图层已锁定）。</source>
@@ -1070,6 +1214,14 @@ There is no mark, this will undo everything. Are you sure?</translation>
 输入要放弃的操作数目或 [开始(BE)/结束(E)/标记(M)/后退(B)] &lt;1&gt;: </source>
         <translation>
 Enter number of operations to undo or [BEgin/End/Mark/Back] &lt;1&gt;: </translation>
+    </message>
+    <message>
+        <source>撤销</source>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>重做</source>
+        <translation>Redo</translation>
     </message>
     <message>
         <source>
@@ -1162,6 +1314,194 @@ Specify view twist angle &lt;0&gt;: </translation>
 Enter an option [TWist/Zoom/PAn/Undo/eXit] &lt;eXit&gt;: </translation>
     </message>
     <message>
+        <source>缩放视图</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>平移</source>
+        <translation>Pan</translation>
+    </message>
+    <message>
+        <source>重生成</source>
+        <translation>Regenerate</translation>
+    </message>
+    <message>
+        <source>全部重生成</source>
+        <translation>Regenerate All</translation>
+    </message>
+    <message>
+        <source>转动视图</source>
+        <translation>Twist View</translation>
+    </message>
+    <message>
+        <source>已加载</source>
+        <translation>loaded</translation>
+    </message>
+    <message>
+        <source>已卸载</source>
+        <translation>unloaded</translation>
+    </message>
+    <message>
+        <source>未找到</source>
+        <translation>not found</translation>
+    </message>
+    <message>
+        <source>不能读取</source>
+        <translation>unreadable</translation>
+    </message>
+    <message>
+        <source>循环参照</source>
+        <translation>circular</translation>
+    </message>
+    <message>
+        <source>
+“%1”已加载。</source>
+        <translation>
+“%1” loaded.</translation>
+    </message>
+    <message>
+        <source>
+“%1”已卸载。</source>
+        <translation>
+“%1” unloaded.</translation>
+    </message>
+    <message>
+        <source>
+“%1”不能加载: %2</source>
+        <translation>
+Cannot load “%1”: %2</translation>
+    </message>
+    <message>
+        <source>
+本图没有外部参照。</source>
+        <translation>
+The drawing has no external references.</translation>
+    </message>
+    <message>
+        <source>
+%1  %2  %3  %4</source>
+        <translation>
+%1  %2  %3  %4</translation>
+    </message>
+    <message>
+        <source>覆盖</source>
+        <translation>overlay</translation>
+    </message>
+    <message>
+        <source>附着</source>
+        <translation>attached</translation>
+    </message>
+    <message>
+        <source>
+  嵌套: %1  %2  %3</source>
+        <translation>
+  nested: %1  %2  %3</translation>
+    </message>
+    <message>
+        <source>外部参照 %1 已存在，其文件为 %2。</source>
+        <translation>External reference %1 exists; its file is %2.</translation>
+    </message>
+    <message>
+        <source>本图已有名为 %1 的块。</source>
+        <translation>The drawing has a block named %1.</translation>
+    </message>
+    <message>
+        <source>
+外部参照“%1”已定义，使用现有定义。</source>
+        <translation>
+External reference “%1” is defined already; its definition is used.</translation>
+    </message>
+    <message>
+        <source>不能附着: %1</source>
+        <translation>Cannot attach: %1</translation>
+    </message>
+    <message>
+        <source>
+输入要附着的文件名: </source>
+        <translation>
+Enter name of file to attach: </translation>
+    </message>
+    <message>
+        <source>图形不能参照它自己。</source>
+        <translation>A drawing cannot refer to itself.</translation>
+    </message>
+    <message>
+        <source>没有与“%1”匹配的外部参照。</source>
+        <translation>No external reference matches “%1”.</translation>
+    </message>
+    <message>
+        <source>外部参照 %1: %2</source>
+        <translation>External reference %1: %2</translation>
+    </message>
+    <message>
+        <source>
+输入要拆离的外部参照名: </source>
+        <translation>
+Enter names of external references to detach: </translation>
+    </message>
+    <message>
+        <source>
+“%1”已拆离。</source>
+        <translation>
+“%1” detached.</translation>
+    </message>
+    <message>
+        <source>
+输入要卸载的外部参照名: </source>
+        <translation>
+Enter names of external references to unload: </translation>
+    </message>
+    <message>
+        <source>
+输入要重载的外部参照名: </source>
+        <translation>
+Enter names of external references to reload: </translation>
+    </message>
+    <message>
+        <source>
+输入要编辑其路径的外部参照名: </source>
+        <translation>
+Enter names of external references to edit the path of: </translation>
+    </message>
+    <message>
+        <source>
+旧路径: %1</source>
+        <translation>
+Old path: %1</translation>
+    </message>
+    <message>
+        <source>
+输入新路径: </source>
+        <translation>
+Enter new path: </translation>
+    </message>
+    <message>
+        <source>
+输入路径类型 [完整(Full)/相对(Relative)/无(None)] &lt;相对&gt;: </source>
+        <translation>
+Enter path type [Full/Relative/None] &lt;Relative&gt;: </translation>
+    </message>
+    <message>
+        <source>图形尚未命名，没有相对路径。</source>
+        <translation>The drawing has no name yet, so there is no relative path.</translation>
+    </message>
+    <message>
+        <source>
+输入要改变路径类型的外部参照名: </source>
+        <translation>
+Enter names of external references to change the path type of: </translation>
+    </message>
+    <message>
+        <source>
+输入选项 [?/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/覆盖(O)/附着(A)] &lt;附着&gt;: </source>
+        <translation>
+Enter an option [?/Detach/Path/PAthtype/Unload/Reload/Overlay/Attach] &lt;Attach&gt;: </translation>
+    </message>
+    <message>
+        <source>外部参照</source>
+        <translation>External References</translation>
+    </message>
+    <message>
         <source>选择过滤器第 %1 项: %2</source>
         <translation>Selection filter, item %1: %2</translation>
     </message>
@@ -1208,10 +1548,6 @@ Enter an option [TWist/Zoom/PAn/Undo/eXit] &lt;eXit&gt;: </translation>
     <message>
         <source>或选项关键字</source>
         <translation> or an option keyword</translation>
-    </message>
-    <message>
-        <source>点</source>
-        <translation>a point</translation>
     </message>
     <message>
         <source>值必须为正且非零。</source>
@@ -1336,10 +1672,6 @@ Command: </translation>
 Remove objects: </translation>
     </message>
     <message>
-        <source>窗口(W)/窗交(C)/框选(BOX)/全部(ALL)/上一个(L)/前一个(P)/添加(A)/删除(R)/单个(SI)</source>
-        <translation>Window/Crossing/BOX/ALL/Last/Previous/Add/Remove/SIngle</translation>
-    </message>
-    <message>
         <source>无效选择。需要点、窗口(W)、窗交(C)、上一个(L)、前一个(P)、全部(ALL)、添加(A)或删除(R)。</source>
         <translation>Invalid selection. Requires a point, Window, Crossing, Last, Previous, ALL, Add or Remove.</translation>
     </message>
@@ -1348,10 +1680,6 @@ Remove objects: </translation>
 %1 %2 个，总计 %3 个</source>
         <translation>
 %2 %1, %3 total</translation>
-    </message>
-    <message>
-        <source>删除</source>
-        <translation>removed</translation>
     </message>
     <message>
         <source>找到</source>
@@ -1398,8 +1726,12 @@ Please open: %1</translation>
         <translation>By Block</translation>
     </message>
     <message>
-        <source>没有文字。</source>
-        <translation>There is no text.</translation>
+        <source>修改</source>
+        <translation>Change</translation>
+    </message>
+    <message>
+        <source>窗口(W)/窗交(C)/框选(BOX)/全部(ALL)/上一个(L)/前一个(P)/添加(A)/删除(R)/单个(SI)</source>
+        <translation>Window/Crossing/BOX/ALL/Last/Previous/Add/Remove/SIngle</translation>
     </message>
     <message>
         <source>数据库文件 %1 不能打开：%2</source>
@@ -1412,6 +1744,10 @@ Please open: %1</translation>
     <message>
         <source>数据库不能读写：%1</source>
         <translation>The database cannot be read or written: %1</translation>
+    </message>
+    <message>
+        <source>没有文字。</source>
+        <translation>There is no text.</translation>
     </message>
     <message>
         <source>&lt; %1 &gt;文件不是ANSI编码，请用记事本打开并以ANSI格式保存。</source>
@@ -1725,10 +2061,6 @@ Please open: %1</translation>
 <context>
     <name>window::DocumentGuard</name>
     <message>
-        <source>另存为 %1 会有损失。继续吗?</source>
-        <translation>Saving as %1 loses something. Go on?</translation>
-    </message>
-    <message>
         <source>他人</source>
         <translation>somebody else</translation>
     </message>
@@ -1779,6 +2111,10 @@ Please open: %1</translation>
     <message>
         <source>不能打开图形: %1</source>
         <translation>The drawing cannot be opened: %1</translation>
+    </message>
+    <message>
+        <source>另存为 %1 会有损失。继续吗?</source>
+        <translation>Saving as %1 loses something. Go on?</translation>
     </message>
     <message>
         <source>已保存 %1。</source>
@@ -2220,98 +2556,6 @@ Please open: %1</translation>
         <source>窗口(&amp;W)</source>
         <translation>&amp;Window</translation>
     </message>
-    <message>
-        <source>移动</source>
-        <translation>Move</translation>
-    </message>
-    <message>
-        <source>复制</source>
-        <translation>Copy</translation>
-    </message>
-    <message>
-        <source>旋转</source>
-        <translation>Rotate</translation>
-    </message>
-    <message>
-        <source>缩放</source>
-        <translation>Scale</translation>
-    </message>
-    <message>
-        <source>镜像</source>
-        <translation>Mirror</translation>
-    </message>
-    <message>
-        <source>删除</source>
-        <translation>Erase</translation>
-    </message>
-    <message>
-        <source>恢复删除</source>
-        <translation>Restore erased</translation>
-    </message>
-    <message>
-        <source>直线</source>
-        <translation>Line</translation>
-    </message>
-    <message>
-        <source>圆</source>
-        <translation>Circle</translation>
-    </message>
-    <message>
-        <source>点</source>
-        <translation>Point</translation>
-    </message>
-    <message>
-        <source>文字</source>
-        <translation>Text</translation>
-    </message>
-    <message>
-        <source>图层</source>
-        <translation>Layer</translation>
-    </message>
-    <message>
-        <source>坐标系</source>
-        <translation>Coordinate system</translation>
-    </message>
-    <message>
-        <source>系统变量</source>
-        <translation>System variable</translation>
-    </message>
-    <message>
-        <source>编组</source>
-        <translation>Group of commands</translation>
-    </message>
-    <message>
-        <source>修改</source>
-        <translation>Change</translation>
-    </message>
-    <message>
-        <source>夹点编辑</source>
-        <translation>Grip editing</translation>
-    </message>
-    <message>
-        <source>缩放视图</source>
-        <translation>Zoom</translation>
-    </message>
-    <message>
-        <source>平移</source>
-        <translation>Pan</translation>
-    </message>
-    <message>
-        <source>打开</source>
-        <translation>Open</translation>
-    </message>
-    <message>
-        <source>保存</source>
-        <translation>Save</translation>
-    </message>
-    <message>
-        <source>打印</source>
-        <translation>Plot</translation>
-    </message>
-    <message>
-        <source>列表</source>
-        <translation>List</translation>
-    </message>
 </context>
 <context>
     <name>window::LayoutTabs</name>
@@ -2337,14 +2581,6 @@ Please open: %1</translation>
     <message>
         <source>命令行</source>
         <translation>Command line</translation>
-    </message>
-    <message>
-        <source>打开图形</source>
-        <translation>Open Drawing</translation>
-    </message>
-    <message>
-        <source>图形 (*.dwg *.DWG *.dxf *.DXF);;所有文件 (*)</source>
-        <translation>Drawings (*.dwg *.DWG *.dxf *.DXF);;All files (*)</translation>
     </message>
     <message>
         <source>文件 %1 已不存在，已从最近的文件中移除。</source>
@@ -2471,12 +2707,12 @@ Please open: %1</translation>
         <translation>Layout, view twist and selection</translation>
     </message>
     <message>
-        <source>与其他人同步</source>
-        <translation>Sharing with other people</translation>
-    </message>
-    <message>
         <source>正在绘制图形</source>
         <translation>The drawing is being painted</translation>
+    </message>
+    <message>
+        <source>与其他人同步</source>
+        <translation>Sharing with other people</translation>
     </message>
     <message>
         <source>正在进行的工作</source>

@@ -4,172 +4,12 @@
 <context>
     <name>Host</name>
     <message>
-        <source>%1: in spite of its name this is a %2 file; save the drawing under another name</source>
-        <translation>%1: 虽然名字如此，这是一个 %2 文件；请把图形另存为别的名字</translation>
-    </message>
-    <message>
-        <source>%1 entities are not listed by the block that owns them; they were added to it</source>
-        <translation>%1 个对象没有列在所属的块中，已补入该块</translation>
-    </message>
-    <message>
-        <source>%1 objects are damaged and were left out</source>
-        <translation>%1 个对象已损坏，未读入</translation>
-    </message>
-    <message>
-        <source>%1 objects have a wrong checksum; they are read as they are</source>
-        <translation>%1 个对象的校验和不对，照原样读入</translation>
-    </message>
-    <message>
-        <source>%1 parts of the object map have a wrong checksum</source>
-        <translation>对象表有 %1 段的校验和不对</translation>
-    </message>
-    <message>
-        <source>DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
-        <translation>DWG 文件目前只能读取，还不能写入；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
-    </message>
-    <message>
-        <source>left out, because DXF has no form for them: %1</source>
-        <translation>DXF 无法表示而略去: %1</translation>
-    </message>
-    <message>
-        <source>objects are missing</source>
-        <translation>缺少对象</translation>
-    </message>
-    <message>
-        <source>page %1 is damaged and was left out</source>
-        <translation>第 %1 页已损坏，未读入</translation>
-    </message>
-    <message>
-        <source>page %1 is damaged behind byte %2</source>
-        <translation>第 %1 页从第 %2 字节起已损坏</translation>
-    </message>
-    <message>
-        <source>page %1 is missing</source>
-        <translation>缺少第 %1 页</translation>
-    </message>
-    <message>
-        <source>page %1 was damaged; its code words mended it</source>
-        <translation>第 %1 页曾有损坏，已由纠错码修复</translation>
-    </message>
-    <message>
-        <source>page map</source>
-        <translation>页表</translation>
-    </message>
-    <message>
-        <source>section map</source>
-        <translation>节表</translation>
-    </message>
-    <message>
-        <source>the checksum of page %1 is wrong</source>
-        <translation>第 %1 页的校验和不对</translation>
-    </message>
-    <message>
-        <source>the checksum of the %1 is wrong</source>
-        <translation>%1的校验和不对</translation>
-    </message>
-    <message>
-        <source>the checksum of the file's header is wrong</source>
-        <translation>文件头的校验和不对</translation>
-    </message>
-    <message>
-        <source>the checksum of the file's header is wrong; its copy at the end is used</source>
-        <translation>文件头的校验和不对，改用文件末尾的副本</translation>
-    </message>
-    <message>
-        <source>the checksum of the page map is wrong</source>
-        <translation>页表的校验和不对</translation>
-    </message>
-    <message>
-        <source>the checksum of the section %1 is wrong</source>
-        <translation>节 %1 的校验和不对</translation>
-    </message>
-    <message>
-        <source>the checksum of the section map is wrong</source>
-        <translation>节表的校验和不对</translation>
-    </message>
-    <message>
-        <source>the class records behind %1 could not be read</source>
-        <translation>第 %1 条之后的类记录无法读取</translation>
-    </message>
-    <message>
-        <source>the drawing is encrypted; save it without a password first</source>
-        <translation>图形已加密；请先去掉密码再保存</translation>
-    </message>
-    <message>
-        <source>the drawing's variables behind %1 could not be read</source>
-        <translation>%1 之后的图形变量无法读取</translation>
-    </message>
-    <message>
-        <source>the file is too short</source>
-        <translation>文件太短</translation>
-    </message>
-    <message>
-        <source>the file says nowhere where its sections are</source>
-        <translation>文件没有说明各节的位置</translation>
-    </message>
-    <message>
-        <source>the file's header is damaged</source>
-        <translation>文件头已损坏</translation>
-    </message>
-    <message>
-        <source>the file's header was damaged; its code words mended what they could</source>
-        <translation>文件头曾有损坏，已由纠错码尽量修复</translation>
-    </message>
-    <message>
-        <source>the object map has no end</source>
-        <translation>对象表没有结尾</translation>
-    </message>
-    <message>
-        <source>the page map is missing or damaged</source>
-        <translation>页表缺失或已损坏</translation>
-    </message>
-    <message>
-        <source>the section %1 does not begin as it should</source>
-        <translation>节 %1 的开头不对</translation>
-    </message>
-    <message>
-        <source>the section %1 is cut off</source>
-        <translation>节 %1 不完整</translation>
-    </message>
-    <message>
-        <source>the section %1 is missing</source>
-        <translation>缺少节 %1</translation>
-    </message>
-    <message>
-        <source>the section map is missing or damaged</source>
-        <translation>节表缺失或已损坏</translation>
-    </message>
-    <message>
-        <source>the sections are encrypted or would be far larger than the file</source>
-        <translation>各节已加密，或远大于文件本身</translation>
-    </message>
-    <message>
-        <source>the sections would be far larger than the file</source>
-        <translation>各节远大于文件本身</translation>
-    </message>
-    <message>
-        <source>the table %1 is missing</source>
-        <translation>缺少表 %1</translation>
-    </message>
-    <message>
-        <source>written as proxies, which other programs show but cannot edit: %1</source>
-        <translation>写成代理对象，其他程序只能显示，不能编辑: %1</translation>
-    </message>
-    <message>
-        <source>%1: DWG drawings of version %2 cannot be read</source>
-        <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
-    </message>
-    <message>
-        <source>%1: a DXF drawing cannot be saved as DWG</source>
-        <translation>%1: DXF 图形不能保存为 DWG</translation>
-    </message>
-    <message>
         <source>%1: the drawing came from no file that could be written</source>
         <translation>%1: 此图形不是来自可写入的文件</translation>
     </message>
     <message>
-        <source>DWG drawings cannot be written</source>
-        <translation>不能写入 DWG 图形</translation>
+        <source>%1: in spite of its name this is a %2 file; save the drawing under another name</source>
+        <translation>%1: 虽然名字如此，这是一个 %2 文件；请把图形另存为别的名字</translation>
     </message>
     <message>
         <source>%1: another drawing is being opened or saved</source>
@@ -210,6 +50,26 @@
     <message>
         <source>%1: handle %2 is used twice; the second one is known as %3</source>
         <translation>%1: 句柄 %2 使用了两次，第二个改为 %3</translation>
+    </message>
+    <message>
+        <source>%1 more handles are used twice.</source>
+        <translation>另有 %1 个句柄重复使用。</translation>
+    </message>
+    <message>
+        <source>more references than can be shown</source>
+        <translation>外部参照过多</translation>
+    </message>
+    <message>
+        <source>unloaded</source>
+        <translation>已卸载</translation>
+    </message>
+    <message>
+        <source>%1 not found</source>
+        <translation>未找到 %1</translation>
+    </message>
+    <message>
+        <source>%1 leads back to a drawing that shows it</source>
+        <translation>%1 又参照了显示它的图形</translation>
     </message>
     <message>
         <source>%1: the menu group "%2" is loaded already</source>
@@ -292,6 +152,22 @@
         <translation>标准输出</translation>
     </message>
     <message>
+        <source>INSERT: more instances than a picture can show</source>
+        <translation>INSERT: 实例过多，图像无法全部显示</translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation>找不到</translation>
+    </message>
+    <message>
+        <source>is no image</source>
+        <translation>不是图像</translation>
+    </message>
+    <message>
+        <source>is too large (%1 × %2 pixels)</source>
+        <translation>过大 (%1 × %2 像素)</translation>
+    </message>
+    <message>
         <source>SHAPE: no shape file for %1</source>
         <translation>SHAPE: 没有 %1 的形文件</translation>
     </message>
@@ -300,8 +176,12 @@
         <translation>INSERT: 只显示前 %1 个实例的属性</translation>
     </message>
     <message>
-        <source>INSERT: xref %1 not loaded</source>
-        <translation>INSERT: 外部参照 %1 未加载</translation>
+        <source>INSERT: xref %1: %2</source>
+        <translation>INSERT: 外部参照 %1: %2</translation>
+    </message>
+    <message>
+        <source>Xref %1</source>
+        <translation>外部参照 %1</translation>
     </message>
     <message>
         <source>ACAD_TABLE: no picture</source>
@@ -322,22 +202,6 @@
     <message>
         <source>%1: %2 not shown</source>
         <translation>%1: 未显示 %2</translation>
-    </message>
-    <message>
-        <source>INSERT: more instances than a picture can show</source>
-        <translation>INSERT: 实例过多，图像无法全部显示</translation>
-    </message>
-    <message>
-        <source>not found</source>
-        <translation>找不到</translation>
-    </message>
-    <message>
-        <source>is no image</source>
-        <translation>不是图像</translation>
-    </message>
-    <message>
-        <source>is too large (%1 × %2 pixels)</source>
-        <translation>过大 (%1 × %2 像素)</translation>
     </message>
     <message>
         <source>%1: the first %2 characters only</source>
@@ -396,6 +260,158 @@
         <translation>与其他名称的联系(硬链接)，这些名称仍为旧内容</translation>
     </message>
     <message>
+        <source>the file is too short</source>
+        <translation>文件太短</translation>
+    </message>
+    <message>
+        <source>the drawing is encrypted; save it without a password first</source>
+        <translation>图形已加密；请先去掉密码再保存</translation>
+    </message>
+    <message>
+        <source>the section %1 is missing</source>
+        <translation>缺少节 %1</translation>
+    </message>
+    <message>
+        <source>the file says nowhere where its sections are</source>
+        <translation>文件没有说明各节的位置</translation>
+    </message>
+    <message>
+        <source>the checksum of the file's header is wrong</source>
+        <translation>文件头的校验和不对</translation>
+    </message>
+    <message>
+        <source>%1: DWG drawings of version %2 cannot be read</source>
+        <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
+    </message>
+    <message>
+        <source>DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
+        <translation>DWG 文件目前只能读取，还不能写入；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
+    </message>
+    <message>
+        <source>%1: a DXF drawing cannot be saved as DWG</source>
+        <translation>%1: DXF 图形不能保存为 DWG</translation>
+    </message>
+    <message>
+        <source>DWG drawings cannot be written</source>
+        <translation>不能写入 DWG 图形</translation>
+    </message>
+    <message>
+        <source>the section %1 does not begin as it should</source>
+        <translation>节 %1 的开头不对</translation>
+    </message>
+    <message>
+        <source>the section %1 is cut off</source>
+        <translation>节 %1 不完整</translation>
+    </message>
+    <message>
+        <source>the checksum of the section %1 is wrong</source>
+        <translation>节 %1 的校验和不对</translation>
+    </message>
+    <message>
+        <source>the drawing's variables behind %1 could not be read</source>
+        <translation>%1 之后的图形变量无法读取</translation>
+    </message>
+    <message>
+        <source>%1 parts of the object map have a wrong checksum</source>
+        <translation>对象表有 %1 段的校验和不对</translation>
+    </message>
+    <message>
+        <source>the object map has no end</source>
+        <translation>对象表没有结尾</translation>
+    </message>
+    <message>
+        <source>the class records behind %1 could not be read</source>
+        <translation>第 %1 条之后的类记录无法读取</translation>
+    </message>
+    <message>
+        <source>the checksum of the file's header is wrong; its copy at the end is used</source>
+        <translation>文件头的校验和不对，改用文件末尾的副本</translation>
+    </message>
+    <message>
+        <source>the checksum of the page map is wrong</source>
+        <translation>页表的校验和不对</translation>
+    </message>
+    <message>
+        <source>the checksum of the section map is wrong</source>
+        <translation>节表的校验和不对</translation>
+    </message>
+    <message>
+        <source>page %1 is missing</source>
+        <translation>缺少第 %1 页</translation>
+    </message>
+    <message>
+        <source>page %1 is damaged and was left out</source>
+        <translation>第 %1 页已损坏，未读入</translation>
+    </message>
+    <message>
+        <source>the checksum of page %1 is wrong</source>
+        <translation>第 %1 页的校验和不对</translation>
+    </message>
+    <message>
+        <source>page %1 is damaged behind byte %2</source>
+        <translation>第 %1 页从第 %2 字节起已损坏</translation>
+    </message>
+    <message>
+        <source>the file's header is damaged</source>
+        <translation>文件头已损坏</translation>
+    </message>
+    <message>
+        <source>the page map is missing or damaged</source>
+        <translation>页表缺失或已损坏</translation>
+    </message>
+    <message>
+        <source>the section map is missing or damaged</source>
+        <translation>节表缺失或已损坏</translation>
+    </message>
+    <message>
+        <source>the sections would be far larger than the file</source>
+        <translation>各节远大于文件本身</translation>
+    </message>
+    <message>
+        <source>the file's header was damaged; its code words mended what they could</source>
+        <translation>文件头曾有损坏，已由纠错码尽量修复</translation>
+    </message>
+    <message>
+        <source>the checksum of the %1 is wrong</source>
+        <translation>%1的校验和不对</translation>
+    </message>
+    <message>
+        <source>page map</source>
+        <translation>页表</translation>
+    </message>
+    <message>
+        <source>page %1 was damaged; its code words mended it</source>
+        <translation>第 %1 页曾有损坏，已由纠错码修复</translation>
+    </message>
+    <message>
+        <source>section map</source>
+        <translation>节表</translation>
+    </message>
+    <message>
+        <source>the sections are encrypted or would be far larger than the file</source>
+        <translation>各节已加密，或远大于文件本身</translation>
+    </message>
+    <message>
+        <source>%1 objects are damaged and were left out</source>
+        <translation>%1 个对象已损坏，未读入</translation>
+    </message>
+    <message>
+        <source>%1 objects have a wrong checksum; they are read as they are</source>
+        <translation>%1 个对象的校验和不对，照原样读入</translation>
+    </message>
+    <message>
+        <source>the table %1 is missing</source>
+        <translation>缺少表 %1</translation>
+    </message>
+    <message>
+        <source>%1 entities are not listed by the block that owns them; they were added to it</source>
+        <translation>%1 个对象没有列在所属的块中，已补入该块</translation>
+    </message>
+    <message>
+        <source>opening was stopped</source>
+        <translation>打开已停止</translation>
+    </message>
+    <message>
         <source>the owner %1 is no layout; its entities were put into %2 space</source>
         <translation>所有者 %1 不是布局，其中的图元已放入%2空间</translation>
     </message>
@@ -420,6 +436,14 @@
         <translation>%1 第 %2 行</translation>
     </message>
     <message>
+        <source>left out, because DXF has no form for them: %1</source>
+        <translation>DXF 无法表示而略去: %1</translation>
+    </message>
+    <message>
+        <source>written as proxies, which other programs show but cannot edit: %1</source>
+        <translation>写成代理对象，其他程序只能显示，不能编辑: %1</translation>
+    </message>
+    <message>
         <source>a group code is missing here, nothing behind it could be read</source>
         <translation>此处缺少组码，之后的内容无法读取</translation>
     </message>
@@ -442,10 +466,6 @@
     <message>
         <source>%1 stands %2, it is kept but not used</source>
         <translation>%1 位于%2，已保留但不使用</translation>
-    </message>
-    <message>
-        <source>%1 stands %2, it is used all the same</source>
-        <translation>%1 位于%2，仍按原样使用</translation>
     </message>
     <message>
         <source>a group stands outside of any object</source>
@@ -488,6 +508,10 @@
         <translation>表 %1 中</translation>
     </message>
     <message>
+        <source>%1 stands %2, it is used all the same</source>
+        <translation>%1 位于%2，仍按原样使用</translation>
+    </message>
+    <message>
         <source>outside of any block</source>
         <translation>所有块之外</translation>
     </message>
@@ -504,10 +528,6 @@
         <translation>文件是空的</translation>
     </message>
     <message>
-        <source>opening was stopped</source>
-        <translation>打开已停止</translation>
-    </message>
-    <message>
         <source>this is no DXF drawing, it has no section</source>
         <translation>这不是 DXF 图形，其中没有段</translation>
     </message>
@@ -518,10 +538,6 @@
     <message>
         <source>Line %1: %2.</source>
         <translation>第 %1 行: %2。</translation>
-    </message>
-    <message>
-        <source>%1 more handles are used twice.</source>
-        <translation>另有 %1 个句柄重复使用。</translation>
     </message>
     <message>
         <source>%1 more repairs are not listed.</source>
@@ -558,6 +574,10 @@
     <message>
         <source>what was written cannot be read again (%1); the file stays as it was</source>
         <translation>写出的内容不能重新读取 (%1)；原文件保持不变</translation>
+    </message>
+    <message>
+        <source>objects are missing</source>
+        <translation>缺少对象</translation>
     </message>
 </context>
 </TS>

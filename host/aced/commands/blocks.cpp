@@ -4,6 +4,7 @@
 #include "host/acdb/dbinsert.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/insertion.h"
 #include "host/aced/commands/support.h"
 #include "host/aced/edsysvar.h"
 #include "host/base/host_text.h"
@@ -35,7 +36,7 @@ struct Wanted {
 
 } // namespace
 
-static bool isBlockName(const QString &name)
+bool isBlockName(const QString &name)
 {
     constexpr QStringView kForbidden = u"<>/\\\":;?*|,=`";
     return !name.isEmpty() &&
@@ -77,8 +78,7 @@ static Wanted wantedOf(QString text)
     return wanted;
 }
 
-/// The file of a name that may lack its ending and its folder; empty when there is none.
-static QString drawingFile(const QString &name)
+QString drawingFile(const QString &name)
 {
     const QString folder = acdbCurDwg()->folder();
     for (const char *const ending : {"", ".dwg", ".dxf"}) {
@@ -173,19 +173,6 @@ static std::optional<Wanted> askWanted()
 
 // Where and how large ------------------------------------------------------------------------------
 
-namespace
-{
-
-struct Placement {
-    AcGePoint3d point; ///< UCS.
-    double x = 1.0;
-    double y = 1.0;
-    double z = 1.0;
-    double rotation = 0.0; ///< From the X axis of the UCS.
-};
-
-} // namespace
-
 static double metresOf(std::int64_t units)
 {
     static constexpr std::array kMetres{0.0,
@@ -216,9 +203,7 @@ static double metresOf(std::int64_t units)
     return units > 0 && std::size_t(units) < kMetres.size() ? kMetres[std::size_t(units)] : 0.0;
 }
 
-/// What a length of the block is in the drawing. Drawings and blocks without units take those that are set
-/// for such; where nothing says anything it is 1.
-static double unitFactor(AcDbObjectId block)
+double unitFactor(AcDbObjectId block)
 {
     const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
     const bool hasUnits = record && acdbCurDwg()->version() > DrawingVersion::r12;
@@ -265,7 +250,7 @@ static bool askScales(Placement &placement, bool uniform)
     return askFactor(at, Host::tr("\n输入 Y 比例因子或 <使用 X 比例因子>: "), placement.y);
 }
 
-static std::optional<Placement> askPlacement(bool uniform)
+std::optional<Placement> askPlacement(bool uniform)
 {
     Placement placement;
     const auto point = askPoint(nullptr, Host::tr("\n指定插入点: "));
@@ -395,7 +380,7 @@ static AcDbObjectId addPart(std::unique_ptr<AcDbObject> part, AcDbObjectId inser
     return id;
 }
 
-static void insertReference(AcDbObjectId block, const Placement &placement, double units)
+void insertReference(AcDbObjectId block, const Placement &placement, double units)
 {
     const auto attributes = askAttributes(block);
     if (!attributes)
@@ -449,8 +434,7 @@ static void insert()
 std::span<const Entry> blockCommands()
 {
     static constexpr std::array entries{
-        Entry{"INSERT", ACRX_CMD_MODAL, insert},
-        Entry{"-INSERT", ACRX_CMD_MODAL, insert},
+        Entry{"INSERT", QT_TRANSLATE_NOOP("Host", "插入块"), ACRX_CMD_MODAL, insert, "I -INSERT"},
     };
     return entries;
 }

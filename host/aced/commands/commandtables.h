@@ -10,8 +10,10 @@ namespace hostcommands
 
 struct Entry {
     const char *name;
+    const char *title; ///< What people call it; marked for translation by Host::tr().
     int flags;
     void (*run)();
+    const char *aliases = ""; ///< Other names as people type them, parted by blanks.
 };
 
 std::span<const Entry> fileCommands();
@@ -23,6 +25,7 @@ std::span<const Entry> coordinateCommands(); ///< UCS, PLAN.
 std::span<const Entry> layerCommands();
 std::span<const Entry> drawCommands();
 std::span<const Entry> blockCommands(); ///< INSERT.
+std::span<const Entry> xrefCommands();  ///< XREF.
 std::span<const Entry> inquiryCommands();
 std::span<const Entry> menuCommands();
 std::span<const Entry> plotCommands();

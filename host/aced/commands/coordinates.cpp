@@ -89,7 +89,7 @@ static void threePoints()
 /// Upright on the screen, in the plane of the view.
 static void alongView()
 {
-    const AcGeMatrix3d toView = acedViewFrame(curDoc()->view());
+    const AcGeMatrix3d toView = curDoc()->view().getWorldToEyeTransform();
     const AcGeMatrix3d fromView = toView.inverse();
     setUcs({curDoc()->ucs().origin, fromView * AcGeVector3d::kXAxis, fromView * AcGeVector3d::kYAxis});
 }
@@ -137,19 +137,19 @@ static void plan()
         return;
     const AcGeVector3d xAxis =
         *option == QLatin1String("World") ? AcGeVector3d::kXAxis : curDoc()->ucs().xAxis;
-    AcApView &view = curDoc()->view();
+    AcGeView &view = curDoc()->view();
     acedRememberView(*curDoc());
     view.twist = -std::atan2(xAxis.y, xAxis.x);
     const AcDbExtents extents = acedCurrentExtents(*curDoc());
     if (extents.isValid())
-        fitIntoView(*curDoc(), extents);
+        curDoc()->view().fit(extents);
 }
 
 std::span<const Entry> coordinateCommands()
 {
     static constexpr std::array entries{
-        Entry{"UCS", ACRX_CMD_NOUNDO, ucs},
-        Entry{"PLAN", ACRX_CMD_NOUNDO, plan},
+        Entry{"UCS", QT_TRANSLATE_NOOP("Host", "坐标系"), ACRX_CMD_NOUNDO, ucs},
+        Entry{"PLAN", QT_TRANSLATE_NOOP("Host", "平面视图"), ACRX_CMD_NOUNDO, plan},
     };
     return entries;
 }

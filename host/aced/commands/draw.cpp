@@ -130,10 +130,10 @@ static void text()
 std::span<const Entry> drawCommands()
 {
     static constexpr std::array entries{
-        Entry{"LINE", ACRX_CMD_MODAL, line},
-        Entry{"CIRCLE", ACRX_CMD_MODAL, circle},
-        Entry{"POINT", ACRX_CMD_MODAL, point},
-        Entry{"TEXT", ACRX_CMD_MODAL, text},
+        Entry{"LINE", QT_TRANSLATE_NOOP("Host", "直线"), ACRX_CMD_MODAL, line, "L"},
+        Entry{"CIRCLE", QT_TRANSLATE_NOOP("Host", "圆"), ACRX_CMD_MODAL, circle, "C"},
+        Entry{"POINT", QT_TRANSLATE_NOOP("Host", "点"), ACRX_CMD_MODAL, point, "PO"},
+        Entry{"TEXT", QT_TRANSLATE_NOOP("Host", "文字"), ACRX_CMD_MODAL, text, "DT"},
     };
     return entries;
 }

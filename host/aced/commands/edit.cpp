@@ -247,10 +247,13 @@ static void mirror()
 std::span<const Entry> editCommands()
 {
     static constexpr std::array entries{
-        Entry{"ERASE", ACRX_CMD_USEPICKSET, erase},   Entry{"OOPS", ACRX_CMD_MODAL, oops},
-        Entry{"MOVE", ACRX_CMD_USEPICKSET, move},     Entry{"COPY", ACRX_CMD_USEPICKSET, copy},
-        Entry{"ROTATE", ACRX_CMD_USEPICKSET, rotate}, Entry{"SCALE", ACRX_CMD_USEPICKSET, scale},
-        Entry{"MIRROR", ACRX_CMD_USEPICKSET, mirror},
+        Entry{"ERASE", QT_TRANSLATE_NOOP("Host", "删除"), ACRX_CMD_USEPICKSET, erase, "E"},
+        Entry{"OOPS", QT_TRANSLATE_NOOP("Host", "恢复删除"), ACRX_CMD_MODAL, oops},
+        Entry{"MOVE", QT_TRANSLATE_NOOP("Host", "移动"), ACRX_CMD_USEPICKSET, move, "M"},
+        Entry{"COPY", QT_TRANSLATE_NOOP("Host", "复制"), ACRX_CMD_USEPICKSET, copy, "CO CP"},
+        Entry{"ROTATE", QT_TRANSLATE_NOOP("Host", "旋转"), ACRX_CMD_USEPICKSET, rotate, "RO"},
+        Entry{"SCALE", QT_TRANSLATE_NOOP("Host", "缩放"), ACRX_CMD_USEPICKSET, scale, "SC"},
+        Entry{"MIRROR", QT_TRANSLATE_NOOP("Host", "镜像"), ACRX_CMD_USEPICKSET, mirror, "MI"},
     };
     return entries;
 }

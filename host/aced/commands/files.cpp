@@ -16,18 +16,25 @@
 namespace hostcommands
 {
 
+static void openFile(const QString &path)
+{
+    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper()) {
+        if (!keeper->open(path))
+            acedRefuse(Host::tr("没有打开图形。"));
+    } else if (const auto opened = acDocManager()->openDocument(path); !opened) {
+        acedFail(withReason(Host::tr("不能打开图形: %1"), opened.error()));
+    }
+}
+
 static void open()
 {
     const QString proposed = curDoc() ? curDoc()->fileName() : QString();
-    const auto file = askFile(AcEdPromptKind::fileToOpen, Host::tr("\n输入要打开的图形文件名: "), proposed);
+    const auto file = askFile(AcEdPromptKind::filesToOpen, Host::tr("\n输入要打开的图形文件名: "), proposed);
     if (!file || file->path.isEmpty())
         return;
-    if (AcEdDrawingKeeper *const keeper = acedFrontEnd().drawingKeeper()) {
-        if (!keeper->open(file->path))
-            acedRefuse(Host::tr("没有打开图形。"));
-    } else if (const auto opened = acDocManager()->openDocument(file->path); !opened) {
-        acedFail(withReason(Host::tr("不能打开图形: %1"), opened.error()));
-    }
+    openFile(file->path);
+    for (const QString &path : file->further)
+        openFile(path);
 }
 
 static void newDrawing()
@@ -166,14 +173,14 @@ std::span<const Entry> fileCommands()
 {
     static constexpr int kFlags = ACRX_CMD_SESSION | ACRX_CMD_NOUNDO;
     static constexpr std::array entries{
-        Entry{"OPEN", kFlags, open},
-        Entry{"NEW", kFlags, newDrawing},
-        Entry{"SAVE", ACRX_CMD_NOUNDO, saveCopy},
-        Entry{"QSAVE", ACRX_CMD_NOUNDO, quickSave},
-        Entry{"SAVEAS", ACRX_CMD_NOUNDO, saveAs},
-        Entry{"CLOSE", kFlags, close},
-        Entry{"QUIT", kFlags, quit},
-        Entry{"APPLOAD", kFlags, loadModule},
+        Entry{"OPEN", QT_TRANSLATE_NOOP("Host", "打开"), kFlags, open},
+        Entry{"NEW", QT_TRANSLATE_NOOP("Host", "新建"), kFlags, newDrawing},
+        Entry{"SAVE", QT_TRANSLATE_NOOP("Host", "保存副本"), ACRX_CMD_NOUNDO, saveCopy},
+        Entry{"QSAVE", QT_TRANSLATE_NOOP("Host", "保存"), ACRX_CMD_NOUNDO, quickSave},
+        Entry{"SAVEAS", QT_TRANSLATE_NOOP("Host", "另存为"), ACRX_CMD_NOUNDO, saveAs},
+        Entry{"CLOSE", QT_TRANSLATE_NOOP("Host", "关闭"), kFlags, close},
+        Entry{"QUIT", QT_TRANSLATE_NOOP("Host", "退出"), kFlags, quit, "EXIT"},
+        Entry{"APPLOAD", QT_TRANSLATE_NOOP("Host", "加载模块"), kFlags, loadModule, "AP"},
     };
     return entries;
 }

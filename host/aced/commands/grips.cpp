@@ -115,7 +115,9 @@ static void grip()
 
 std::span<const Entry> gripCommands()
 {
-    static constexpr std::array entries{Entry{"GRIP", ACRX_CMD_USEPICKSET, grip}};
+    static constexpr std::array entries{
+        Entry{"GRIP", QT_TRANSLATE_NOOP("Host", "夹点编辑"), ACRX_CMD_USEPICKSET, grip},
+    };
     return entries;
 }
 

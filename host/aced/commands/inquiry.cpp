@@ -210,11 +210,12 @@ std::span<const Entry> inquiryCommands()
 {
     static constexpr int kFlags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NOUNDO;
     static constexpr std::array entries{
-        Entry{"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NOUNDO, list},
-        Entry{"ID", kFlags, identifyPoint},
-        Entry{"DIST", kFlags, distance},
-        Entry{"AUDIT", ACRX_CMD_NOUNDO, audit},
-        Entry{"SETVAR", ACRX_CMD_TRANSPARENT, setvar},
+        Entry{"LIST", QT_TRANSLATE_NOOP("Host", "列表"), ACRX_CMD_USEPICKSET | ACRX_CMD_NOUNDO, list,
+              "LI LS"},
+        Entry{"ID", QT_TRANSLATE_NOOP("Host", "点坐标"), kFlags, identifyPoint},
+        Entry{"DIST", QT_TRANSLATE_NOOP("Host", "测距离"), kFlags, distance, "DI"},
+        Entry{"AUDIT", QT_TRANSLATE_NOOP("Host", "检查图形"), ACRX_CMD_NOUNDO, audit},
+        Entry{"SETVAR", QT_TRANSLATE_NOOP("Host", "系统变量"), ACRX_CMD_TRANSPARENT, setvar, "SET"},
     };
     return entries;
 }

@@ -285,8 +285,7 @@ static void layer()
 std::span<const Entry> layerCommands()
 {
     static constexpr std::array entries{
-        Entry{"LAYER", ACRX_CMD_MODAL, layer},
-        Entry{"-LAYER", ACRX_CMD_MODAL, layer},
+        Entry{"LAYER", QT_TRANSLATE_NOOP("Host", "图层"), ACRX_CMD_MODAL, layer, "LA -LAYER"},
     };
     return entries;
 }

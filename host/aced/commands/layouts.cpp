@@ -99,10 +99,10 @@ static void restoreView(const QString &name)
         acedRefuse(Host::tr("视图“%1”属于另一个空间。").arg(name));
         return;
     }
-    AcApView &present = curDoc()->view();
+    AcGeView &present = curDoc()->view();
     acedRememberView(*curDoc());
     present.centre = view->centre;
-    present.height = std::max(view->height, view->width * present.pixelHeight / present.pixelWidth);
+    present.height = present.heightFor(view->width, view->height);
     present.twist = view->twist;
 }
 
@@ -124,10 +124,11 @@ static void view()
 std::span<const Entry> layoutCommands()
 {
     static constexpr std::array entries{
-        Entry{"LAYOUT", ACRX_CMD_NOUNDO, layout},       Entry{"-LAYOUT", ACRX_CMD_NOUNDO, layout},
-        Entry{"MODEL", ACRX_CMD_NOUNDO, model},         Entry{"MSPACE", ACRX_CMD_NOUNDO, toModelSpace},
-        Entry{"PSPACE", ACRX_CMD_NOUNDO, toPaperSpace}, Entry{"VIEW", ACRX_CMD_NOUNDO, view},
-        Entry{"-VIEW", ACRX_CMD_NOUNDO, view},
+        Entry{"LAYOUT", QT_TRANSLATE_NOOP("Host", "布局"), ACRX_CMD_NOUNDO, layout, "-LAYOUT"},
+        Entry{"MODEL", QT_TRANSLATE_NOOP("Host", "模型空间"), ACRX_CMD_NOUNDO, model},
+        Entry{"MSPACE", QT_TRANSLATE_NOOP("Host", "进入视口"), ACRX_CMD_NOUNDO, toModelSpace, "MS"},
+        Entry{"PSPACE", QT_TRANSLATE_NOOP("Host", "离开视口"), ACRX_CMD_NOUNDO, toPaperSpace, "PS"},
+        Entry{"VIEW", QT_TRANSLATE_NOOP("Host", "命名视图"), ACRX_CMD_NOUNDO, view, "V -VIEW"},
     };
     return entries;
 }

@@ -77,9 +77,9 @@ std::span<const Entry> menuCommands()
 {
     static constexpr int kFlags = ACRX_CMD_SESSION | ACRX_CMD_NOUNDO;
     static constexpr std::array entries{
-        Entry{"MENULOAD", kFlags, loadMenu},     Entry{"CUILOAD", kFlags, loadMenu},
-        Entry{"MENUUNLOAD", kFlags, unloadMenu}, Entry{"CUIUNLOAD", kFlags, unloadMenu},
-        Entry{"TOOLBAR", kFlags, toolbar},       Entry{"-TOOLBAR", kFlags, toolbar},
+        Entry{"MENULOAD", QT_TRANSLATE_NOOP("Host", "加载菜单"), kFlags, loadMenu, "CUILOAD"},
+        Entry{"MENUUNLOAD", QT_TRANSLATE_NOOP("Host", "卸载菜单"), kFlags, unloadMenu, "CUIUNLOAD"},
+        Entry{"TOOLBAR", QT_TRANSLATE_NOOP("Host", "工具栏"), kFlags, toolbar, "TO -TOOLBAR"},
     };
     return entries;
 }

@@ -404,10 +404,9 @@ static void quietPngOut()
 std::span<const Entry> plotCommands()
 {
     static constexpr std::array entries{
-        Entry{"PLOT", ACRX_CMD_NOUNDO, plot},
-        Entry{"-PLOT", ACRX_CMD_NOUNDO, plot},
-        Entry{"PNGOUT", ACRX_CMD_NOUNDO, pngOut},
-        Entry{"-PNGOUT", ACRX_CMD_NOUNDO, quietPngOut},
+        Entry{"PLOT", QT_TRANSLATE_NOOP("Host", "打印"), ACRX_CMD_NOUNDO, plot, "-PLOT"},
+        Entry{"PNGOUT", QT_TRANSLATE_NOOP("Host", "输出图片"), ACRX_CMD_NOUNDO, pngOut},
+        Entry{"-PNGOUT", QT_TRANSLATE_NOOP("Host", "输出图片"), ACRX_CMD_NOUNDO, quietPngOut},
     };
     return entries;
 }

@@ -13,33 +13,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace hostcommands
 {
 
-namespace
-{
-
-/// One for the process: listens so that nothing outlives its document.
-class Memories : public AcApDocManagerReactor
-{
-public:
-    Memories() { acDocManager()->addReactor(this); }
-    void documentToBeDestroyed(AcApDocument *document) override { m_memories.erase(document); }
-    DocumentMemory &of(AcApDocument *document) { return m_memories[document]; }
-
-private:
-    std::map<AcApDocument *, DocumentMemory> m_memories;
-};
-
-} // namespace
-
 DocumentMemory &DocumentMemory::of(AcApDocument *document)
 {
-    static auto *const memories =
-        new Memories; // Outlives the document manager, which may call it at the end.
-    return memories->of(document);
+    return document->attachments().get<DocumentMemory>();
 }
 
 // Questions --------------------------------------------------------------------------------------------
@@ -74,7 +54,7 @@ std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, co
         acedEditor()->requestCancel();
         return std::nullopt;
     }
-    return AskedFile{withoutQuotes(answer->typed), answer->mayReplace};
+    return AskedFile{withoutQuotes(answer->typed), answer->mayReplace, answer->furtherFiles};
 }
 
 std::optional<QString> askKeyword(const QString &keywords, const QString &prompt, const QString &fallback)
@@ -182,14 +162,6 @@ double rotationInPlane(double angle)
     const AcGeVector3d flat = AcGeMatrix3d::planeToWorld(ucsNormal()).inverse() * direction;
     const double degrees = std::atan2(flat.y, flat.x) * 180.0 / kGePi;
     return degrees < 0.0 ? degrees + 360.0 : degrees;
-}
-
-void fitIntoView(AcApDocument &document, AcDbExtents box)
-{
-    const AcGeMatrix3d frame = acedViewFrame(document.view());
-    box.transformBy(frame);
-    const AcGeMatrix3d back = frame.inverse();
-    acedZoomWindow(document, back * box.minPoint(), back * box.maxPoint());
 }
 
 // Entities ---------------------------------------------------------------------------------------------

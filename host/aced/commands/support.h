@@ -28,6 +28,7 @@ std::optional<QString> askText(const QString &prompt);
 struct AskedFile {
     QString path;            ///< Empty for Enter.
     bool mayReplace = false; ///< The user knows that there is such a file.
+    QStringList further{};   ///< More files to open.
 };
 /// A path, typed or chosen in a window's file dialog, which begins with `proposed`; none when cancelled.
 std::optional<AskedFile> askFile(AcEdPromptKind kind, const QString &message, const QString &proposed);
@@ -52,9 +53,6 @@ AcGePoint3d inPlane(const AcGePoint3d &ucsPoint);
 double rotationInPlane(double angle);
 /// The direction of that plane, unless it is the usual one.
 void appendNormal(ResbufList &groups);
-
-/// Zooms so that the whole box (world) is inside the view, whatever its twist.
-void fitIntoView(AcApDocument &document, AcDbExtents box);
 
 /// Asks for entities until Enter; empty when there are none.
 AcEdSelectionSet askSelection();

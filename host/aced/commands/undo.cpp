@@ -116,9 +116,9 @@ static void undo()
 std::span<const Entry> undoCommands()
 {
     static constexpr std::array entries{
-        Entry{"UNDO", ACRX_CMD_NOUNDO, undo},
-        Entry{"U", ACRX_CMD_NOUNDO, undoOne},
-        Entry{"REDO", ACRX_CMD_NOUNDO, redo},
+        Entry{"UNDO", QT_TRANSLATE_NOOP("Host", "撤销"), ACRX_CMD_NOUNDO, undo},
+        Entry{"U", QT_TRANSLATE_NOOP("Host", "撤销"), ACRX_CMD_NOUNDO, undoOne},
+        Entry{"REDO", QT_TRANSLATE_NOOP("Host", "重做"), ACRX_CMD_NOUNDO, redo},
     };
     return entries;
 }

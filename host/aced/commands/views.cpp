@@ -12,7 +12,7 @@
 namespace hostcommands
 {
 
-static AcApView &viewToChange()
+static AcGeView &viewToChange()
 {
     acedRememberView(*curDoc());
     return curDoc()->view();
@@ -25,7 +25,7 @@ static void zoomTo(const AcDbExtents &extents)
         return;
     }
     viewToChange();
-    fitIntoView(*curDoc(), extents);
+    curDoc()->view().fit(extents);
     constexpr double kRoomAround = 1.02; // What lies on the edge is seen whole.
     curDoc()->view().height *= kRoomAround;
 }
@@ -115,9 +115,9 @@ static void zoomScale(const QString &text)
     if (!scale->ofView) {
         const AcDbExtents whole = wholeDrawing();
         if (whole.isValid()) {
-            AcApView &view = curDoc()->view();
-            const AcApView present = view;
-            fitIntoView(*curDoc(), whole);
+            AcGeView &view = curDoc()->view();
+            const AcGeView present = view;
+            curDoc()->view().fit(whole);
             height = std::exchange(view, present).height;
         }
     }
@@ -144,7 +144,7 @@ static void zoomCentre()
         acedRefuse(Host::tr("需要高度，或比例因子 (如 2x)。"));
         return;
     }
-    AcApView &view = viewToChange();
+    AcGeView &view = viewToChange();
     view.centre = toWorld(centre);
     view.height = scale->ofView ? view.height / scale->factor : scale->factor;
 }
@@ -197,7 +197,7 @@ static void pan()
         return;
     const AcGeVector3d movement =
         result == RTNORM ? toWorld(target) - toWorld(*base) : toWorld(base->asVector());
-    AcApView &view = viewToChange();
+    AcGeView &view = viewToChange();
     view.centre = view.centre - movement;
 }
 
@@ -241,12 +241,11 @@ std::span<const Entry> viewCommands()
 {
     static constexpr int kFlags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NOUNDO;
     static constexpr std::array entries{
-        Entry{"ZOOM", kFlags, zoom},
-        Entry{"PAN", kFlags, pan},
-        Entry{"-PAN", kFlags, pan},
-        Entry{"REGEN", kFlags, regenerate},
-        Entry{"REGENALL", kFlags, regenerate},
-        Entry{"DVIEW", ACRX_CMD_NOUNDO, dynamicView},
+        Entry{"ZOOM", QT_TRANSLATE_NOOP("Host", "缩放视图"), kFlags, zoom, "Z"},
+        Entry{"PAN", QT_TRANSLATE_NOOP("Host", "平移"), kFlags, pan, "P -PAN"},
+        Entry{"REGEN", QT_TRANSLATE_NOOP("Host", "重生成"), kFlags, regenerate, "RE"},
+        Entry{"REGENALL", QT_TRANSLATE_NOOP("Host", "全部重生成"), kFlags, regenerate, "REA"},
+        Entry{"DVIEW", QT_TRANSLATE_NOOP("Host", "转动视图"), ACRX_CMD_NOUNDO, dynamicView, "DV"},
     };
     return entries;
 }

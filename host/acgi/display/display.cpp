@@ -11,20 +11,11 @@
 namespace acgi
 {
 
-/// The displays of all open drawings.
-static std::map<AcDbDatabase *, std::unique_ptr<Display>> &displays()
-{
-    static std::map<AcDbDatabase *, std::unique_ptr<Display>> all;
-    return all;
-}
-
 class Display::Impl
 {
 public:
     explicit Impl(AcDbDatabase &database)
-        : cache(
-              database, [&database] { displays().erase(&database); }, [this] { stop(); }),
-          m_database(database), m_drawing(database)
+        : cache(database, [this] { stop(); }), m_database(database), m_drawing(database)
     {
     }
     ~Impl() { stop(); }
@@ -307,10 +298,7 @@ std::size_t Display::memory() const
 
 Display &displayOf(AcDbDatabase &database)
 {
-    std::unique_ptr<Display> &display = displays()[&database];
-    if (!display)
-        display.reset(new Display(database));
-    return *display;
+    return database.attachments().get<Display>(database);
 }
 
 } // namespace acgi

@@ -105,7 +105,7 @@ public:
     std::size_t memory() const;
 
 private:
-    friend Display &displayOf(AcDbDatabase &database);
+    friend base::Attachments;
     class Impl;
     explicit Display(AcDbDatabase &database);
     std::unique_ptr<Impl> m_impl;

@@ -1,6 +1,7 @@
 #include "host/acgi/display/display_cache.h"
 
 #include "host/acdb/dbdict.h"
+#include "host/acdb/dbxref.h"
 #include "host/acdb/owngroups.h"
 #include "host/acgi/kinds/draw_entity.h"
 
@@ -10,22 +11,15 @@
 namespace acgi
 {
 
-DisplayCache::DisplayCache(AcDbDatabase &database, std::function<void()> ended, std::function<void()> changes)
-    : m_database(database), m_ended(std::move(ended)), m_changes(std::move(changes))
+DisplayCache::DisplayCache(AcDbDatabase &database, std::function<void()> changes)
+    : m_database(database), m_changes(std::move(changes))
 {
     m_database.addReactor(this);
 }
 
 DisplayCache::~DisplayCache()
 {
-    if (m_ended)
-        m_database.removeReactor(this);
-}
-
-void DisplayCache::goodbye(const AcDbDatabase *)
-{
-    const std::function<void()> ended = std::exchange(m_ended, nullptr);
-    ended(); // Deletes this.
+    m_database.removeReactor(this);
 }
 
 static bool looksTheSame(const AcGiViewport &a, const AcGiViewport &b)
@@ -76,6 +70,7 @@ void DisplayCache::drop(std::uint32_t index)
     m_notes.erase(index);
     m_viewports.erase(index);
     m_reaches.erase(index);
+    m_parts.erase(index);
     for (auto &[number, slot] : m_slots)
         slot.lists.erase(index);
 }
@@ -100,7 +95,65 @@ void DisplayCache::dropAll()
     m_notes.clear();
     m_viewports.clear();
     m_orders.clear();
+    m_parts.clear();
+    m_foreign = {};
     m_tables = ListTables();
+}
+
+/// Lists of other drawings, and all that refers to them.
+void DisplayCache::dropForeign()
+{
+    m_changes();
+    const auto isForeign = [](const auto &entry) { return entry.first >= kForeign; };
+    std::erase_if(m_notes, isForeign);
+    std::erase_if(m_viewports, isForeign);
+    std::erase_if(m_reaches, isForeign);
+    std::erase_if(m_parts, isForeign);
+    for (auto &[number, slot] : m_slots)
+        std::erase_if(slot.lists, isForeign);
+    m_foreign = {};
+    m_names.clear();
+    m_lastNames = {};
+    dropReferences();
+}
+
+void DisplayCache::xrefsChanged(const AcDbDatabase *)
+{
+    dropForeign();
+}
+
+// Numbers ----------------------------------------------------------------------------------------
+
+std::uint32_t DisplayCache::knownNumber(const AcDbStub &stub) const
+{
+    if (stub.database == &m_database)
+        return stub.index;
+    const auto first = std::ranges::find(m_foreign.firsts, stub.database,
+                                         &std::pair<const AcDbDatabase *, std::uint32_t>::first);
+    return first == m_foreign.firsts.end() ? 0 : first->second + stub.index;
+}
+
+/// Drawings that are referred to do not change: their runs never grow.
+std::uint32_t DisplayCache::numberOf(const AcDbStub &stub)
+{
+    if (const std::uint32_t known = knownNumber(stub); known != 0)
+        return known;
+    const std::size_t first = m_foreign.lists.size();
+    if (first + stub.database->stubCount() >= kForeign)
+        return 0;
+    m_foreign.lists.resize(first + stub.database->stubCount());
+    m_foreign.firsts.emplace_back(stub.database, kForeign + std::uint32_t(first));
+    return knownNumber(stub);
+}
+
+AcDbStub *DisplayCache::stubOf(std::uint32_t number) const
+{
+    if (number < kForeign)
+        return m_database.stub(number);
+    const auto behind = std::ranges::upper_bound(m_foreign.firsts, number, {},
+                                                 &std::pair<const AcDbDatabase *, std::uint32_t>::second);
+    const auto &[database, first] = *std::prev(behind);
+    return database->stub(number - first);
 }
 
 /// Lists hold how far the blocks reach that they show.
@@ -158,24 +211,34 @@ void DisplayCache::refreshNames()
     if (m_namesChangeCount == m_database.changeCount())
         return;
     m_namesChangeCount = m_database.changeCount();
-    m_layers.clear();
-    m_linetypes.clear();
+    m_names.clear();
+    m_lastNames = {};
 }
 
-AcDbObjectId DisplayCache::layer(const QString &name)
+/// Entities that stand in no drawing name records of the one that is shown.
+DisplayCache::Names &DisplayCache::namesOf(const AcDbEntity &entity)
 {
-    const auto known = m_layers.constFind(name);
-    return known != m_layers.constEnd()
-               ? *known
-               : *m_layers.insert(name, m_database.tableRecord(SymbolTable::layer, name));
+    const AcDbDatabase *const database = entity.database() ? entity.database() : &m_database;
+    if (m_lastNames.first != database)
+        m_lastNames = {database, &m_names[database]};
+    return *m_lastNames.second;
 }
 
-AcDbObjectId DisplayCache::linetype(const QString &name)
+AcDbObjectId DisplayCache::layer(const AcDbEntity &entity, const QString &name)
 {
-    const auto known = m_linetypes.constFind(name);
-    return known != m_linetypes.constEnd()
+    QHash<QString, AcDbObjectId> &layers = namesOf(entity).layers;
+    const auto known = layers.constFind(name);
+    return known != layers.constEnd() ? *known
+                                      : *layers.insert(name, acdbShownLayer(*m_lastNames.first, name));
+}
+
+AcDbObjectId DisplayCache::linetype(const AcDbEntity &entity, const QString &name)
+{
+    QHash<QString, AcDbObjectId> &linetypes = namesOf(entity).linetypes;
+    const auto known = linetypes.constFind(name);
+    return known != linetypes.constEnd()
                ? *known
-               : *m_linetypes.insert(name, m_database.tableRecord(SymbolTable::linetype, name));
+               : *linetypes.insert(name, m_lastNames.first->tableRecord(SymbolTable::linetype, name));
 }
 
 void DisplayCache::noteUndrawn(std::uint32_t entity, const QString &reason)
@@ -185,6 +248,34 @@ void DisplayCache::noteUndrawn(std::uint32_t entity, const QString &reason)
     m_notes[entity].push_back(reason);
 }
 
+void DisplayCache::noteUndrawnOf(AcDbObjectId record, std::uint32_t entity)
+{
+    if (record.stub())
+        passNotes(knownNumber(*record.stub()), entity);
+}
+
+/// Each reason once: a block may hold thousands.
+void DisplayCache::passNotes(std::uint32_t from, std::uint32_t to)
+{
+    const auto known = m_notes.find(from);
+    if (known == m_notes.end() || from == to || to == 0)
+        return;
+    const std::vector<QString> passed = known->second;
+    std::vector<QString> &notes = m_notes[to];
+    for (const QString &reason : passed) {
+        if (std::ranges::find(notes, reason) == notes.end())
+            notes.push_back(reason);
+    }
+}
+
+/// The box that the list lies in as every plan view sees it; null when there is none.
+static const float *fixedBox(const DisplayList &list)
+{
+    const bool isFixed = list.has(DisplayList::kBuilt) && list.hasBox() && !list.has(DisplayList::kEndless) &&
+                         !list.has(DisplayList::kViewDependent);
+    return isFixed ? list.box : nullptr;
+}
+
 // Making lists -----------------------------------------------------------------------------------
 
 DisplayList DisplayCache::keep(std::uint32_t index, ListBuilder &builder, std::uint32_t viewportsBefore)
@@ -192,13 +283,14 @@ DisplayList DisplayCache::keep(std::uint32_t index, ListBuilder &builder, std::u
     for (std::uint32_t number = viewportsBefore; number < m_tables.viewportCount(); ++number)
         m_viewports[index].push_back(number);
     if (!builder.isViewDependent())
-        return m_lists[index] = builder.finish(m_store);
+        return listAt(index) = builder.finish(m_store);
     Slot &slot = m_slots[m_slot];
     const DisplayList list = builder.finish(slot.store);
     slot.lists[index] = list;
-    if (const auto progress = m_progress.find(m_database.stub(index)->owner); progress != m_progress.end())
+    const auto progress = index < kForeign ? m_progress.find(stubOf(index)->owner) : m_progress.end();
+    if (progress != m_progress.end())
         progress->second.perSlot.insert(index);
-    DisplayList &placeholder = m_lists[index];
+    DisplayList &placeholder = listAt(index);
     placeholder = {};
     placeholder.flags = list.flags;
     return list;
@@ -206,9 +298,11 @@ DisplayList DisplayCache::keep(std::uint32_t index, ListBuilder &builder, std::u
 
 const DisplayList *DisplayCache::list(std::uint32_t index, int slot) const
 {
-    if (index >= m_lists.size())
+    const std::vector<DisplayList> &lists = index < kForeign ? m_lists : m_foreign.lists;
+    const std::uint32_t place = index < kForeign ? index : index - kForeign;
+    if (place >= lists.size())
         return nullptr;
-    const DisplayList &list = m_lists[index];
+    const DisplayList &list = lists[place];
     if (!list.has(DisplayList::kViewDependent))
         return &list;
     const auto view = m_slots.find(slot);
@@ -221,7 +315,7 @@ const DisplayList *DisplayCache::list(std::uint32_t index, int slot) const
 /// The list of an entity; its memory is that of the cache.
 const DisplayList &DisplayCache::ensure(std::uint32_t index)
 {
-    if (m_lists[index].has(DisplayList::kBuilt)) {
+    if (listAt(index).has(DisplayList::kBuilt)) {
         if (const DisplayList *const known = list(index, m_slot))
             return *known;
     }
@@ -232,7 +326,7 @@ const DisplayList &DisplayCache::ensure(std::uint32_t index)
     m_notes.erase(index);
     m_viewports.erase(index);
     AcDbExtents filed;
-    readEntity(AcDbObjectId(m_database.stub(index)), [&](const AcDbEntity &entity) {
+    readEntity(AcDbObjectId(stubOf(index)), [&](const AcDbEntity &entity) {
         if (builder.wants(entity))
             drawEntity(entity, builder);
         if (builder.isViewDependent())
@@ -280,24 +374,64 @@ void DisplayCache::noteReach(std::uint32_t index, const DisplayList &list, const
 
 DisplayList DisplayCache::blockList(AcDbObjectId record)
 {
-    const std::uint32_t index = record.stub() ? record.stub()->index : 0;
-    if (index == 0 || index >= m_lists.size())
+    const std::uint32_t index = record.stub() ? numberOf(*record.stub()) : 0;
+    if (index == 0 || (index < kForeign && index >= m_lists.size()))
         return {};
-    if (m_lists[index].has(DisplayList::kBuilt)) {
+    if (listAt(index).has(DisplayList::kBuilt)) {
         if (const DisplayList *const known = list(index, m_slot))
             return *known;
     }
     if (!m_nesting.enter(record.stub()))
         return {};
     m_changes();
-    m_lists[index].flags = DisplayList::kBuilt;
+    listAt(index).flags = DisplayList::kBuilt;
     m_notes.erase(index);
     const std::uint32_t viewports = m_tables.viewportCount();
     ListBuilder builder(m_tables, *this, &m_slots[m_slot].view);
     builder.begin(index);
-    drawBlock(record, builder);
+    constexpr std::size_t kLarge = 500;
+    const BlockContents *const contents = record.database()->blockContents(record);
+    if (contents && contents->entities.size() >= kLarge)
+        addParts(record, index, builder);
+    else
+        drawBlock(record, builder);
     m_nesting.leave();
     return keep(index, builder, viewports);
+}
+
+/// Each entity of a large block gets a list of its own: pictures look only at those that are near.
+void DisplayCache::addParts(AcDbObjectId record, std::uint32_t number, ListBuilder &builder)
+{
+    constexpr std::size_t kWorthAGrid = 2000;
+    const AcDbDatabase &database = *record.database();
+    BlockParts parts;
+    for (const std::uint32_t index : database.blockContents(record)->entities) {
+        if (database.stub(index)->has(AcDbStub::kErased))
+            continue;
+        const std::uint32_t part = numberOf(*database.stub(index));
+        const DisplayList &list = ensure(part);
+        passNotes(part, number);
+        if (list.size == 0)
+            continue;
+        builder.reachPart(list);
+        parts.lists.push_back(part);
+    }
+    if (parts.lists.empty())
+        return;
+    if (parts.lists.size() >= kWorthAGrid) {
+        std::vector<BoxGrid::Entry> entries;
+        for (const std::uint32_t part : parts.lists)
+            entries.push_back({std::uint32_t(entries.size()), fixedBox(listAt(part))});
+        parts.grid.emplace(entries);
+    }
+    m_parts.insert_or_assign(number, std::move(parts));
+    builder.parts(number);
+}
+
+const BlockParts *DisplayCache::parts(std::uint32_t number) const
+{
+    const auto known = m_parts.find(number);
+    return known == m_parts.end() ? nullptr : &known->second;
 }
 
 // Showing ----------------------------------------------------------------------------------------
@@ -373,14 +507,6 @@ DisplayCache::Plane DisplayCache::visiblePlane(const AcGiViewport &view, const Q
             box.addPoint(toWorld * AcGePoint3d(x, y, 0.0));
     }
     return {box.minPoint().x, box.minPoint().y, box.maxPoint().x, box.maxPoint().y};
-}
-
-/// The box that the list lies in as every plan view sees it; null when there is none.
-static const float *fixedBox(const DisplayList &list)
-{
-    const bool isFixed = list.has(DisplayList::kBuilt) && list.hasBox() && !list.has(DisplayList::kEndless) &&
-                         !list.has(DisplayList::kViewDependent);
-    return isFixed ? list.box : nullptr;
 }
 
 /// All lists of the space are made. Few entities are looked at one by one as quickly.
@@ -611,7 +737,7 @@ std::vector<std::uint32_t> DisplayCache::viewportsOf(AcDbObjectId space) const
 {
     std::vector<std::uint32_t> numbers;
     for (const auto &[entity, viewports] : m_viewports) {
-        if (m_database.stub(entity)->owner == space.stub()->index)
+        if (entity < kForeign && m_database.stub(entity)->owner == space.stub()->index)
             numbers.insert(numbers.end(), viewports.begin(), viewports.end());
     }
     return numbers;
@@ -619,7 +745,8 @@ std::vector<std::uint32_t> DisplayCache::viewportsOf(AcDbObjectId space) const
 
 std::size_t DisplayCache::memory() const
 {
-    std::size_t bytes = m_store.memory() + m_lists.capacity() * sizeof(DisplayList);
+    std::size_t bytes =
+        m_store.memory() + (m_lists.capacity() + m_foreign.lists.capacity()) * sizeof(DisplayList);
     for (const auto &[number, slot] : m_slots)
         bytes += slot.store.memory();
     return bytes;

@@ -26,9 +26,9 @@ struct ChangedBoxes {
 class DisplayCache : public AcDbDatabaseReactor, private BlockLists
 {
 public:
-    /// `ended` is told of the drawing's end. `changes` is called before anything changes that the const
+    /// `changes` is called before anything changes that the const
     /// members show: nobody may be reading them on another thread afterwards.
-    DisplayCache(AcDbDatabase &database, std::function<void()> ended, std::function<void()> changes);
+    DisplayCache(AcDbDatabase &database, std::function<void()> changes);
     ~DisplayCache() override;
 
     /// Makes the lists of the space that are missing, and gives those that the view has to do with. Views
@@ -38,7 +38,12 @@ public:
                     const PaintOptions &options, PaintReport &report);
     /// Makes lists of the space that are missing, until the time is over. True when none is missing.
     bool prepare(AcDbObjectId space, const AcGiViewport &view, int slot, const QDeadlineTimer &until);
-    const DisplayList *list(std::uint32_t index, int slot) const;
+    /// Objects have numbers: their index in the drawing; those of drawings that it refers to come behind
+    /// kForeign. 0: it was never asked for.
+    std::uint32_t knownNumber(const AcDbStub &stub) const;
+    const DisplayList *list(std::uint32_t number, int slot) const;
+    /// Of the block with that number; null when it is painted as a whole.
+    const BlockParts *parts(std::uint32_t number) const;
     /// The list of one entity as the view sees it, null for what can be none.
     const DisplayList *entity(AcDbObjectId id, const AcGiViewport &view);
     /// The slot whose lists entity() gives and transient() refers to.
@@ -63,7 +68,7 @@ public:
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *name) override;
-    void goodbye(const AcDbDatabase *) override;
+    void xrefsChanged(const AcDbDatabase *) override;
 
 private:
     /// Lists that are good for one view.
@@ -108,15 +113,38 @@ private:
     /// Of what is drawn over a space that is shown in another way.
     static constexpr int kOver = -1;
 
+    /// The drawings that are referred to: each has a run of numbers.
+    struct Foreign {
+        std::vector<std::pair<const AcDbDatabase *, std::uint32_t>> firsts;
+        std::vector<DisplayList> lists; ///< By number from kForeign on.
+    };
+    /// Records by name.
+    struct Names {
+        QHash<QString, AcDbObjectId> layers;
+        QHash<QString, AcDbObjectId> linetypes;
+    };
+    static constexpr std::uint32_t kForeign = 0x80000000u;
+
     DisplayList blockList(AcDbObjectId record) override;
-    AcDbObjectId layer(const QString &name) override;
-    AcDbObjectId linetype(const QString &name) override;
+    AcDbObjectId layer(const AcDbEntity &entity, const QString &name) override;
+    AcDbObjectId linetype(const AcDbEntity &entity, const QString &name) override;
     void noteUndrawn(std::uint32_t entity, const QString &reason) override;
+    void noteUndrawnOf(AcDbObjectId record, std::uint32_t entity) override;
+    void passNotes(std::uint32_t from, std::uint32_t to);
 
     void noteChange(const AcDbObject &object);
     void dropReferences();
     void drop(std::uint32_t index);
     void noteChanged(std::uint32_t index);
+    std::uint32_t numberOf(const AcDbStub &stub);
+    AcDbStub *stubOf(std::uint32_t number) const;
+    DisplayList &listAt(std::uint32_t number)
+    {
+        return number < kForeign ? m_lists[number] : m_foreign.lists[number - kForeign];
+    }
+    Names &namesOf(const AcDbEntity &entity);
+    void addParts(AcDbObjectId record, std::uint32_t number, ListBuilder &builder);
+    void dropForeign();
     void grow();
     void refreshNames();
     void openSlot(AcDbObjectId space, const AcGiViewport &view, int slot);
@@ -134,7 +162,6 @@ private:
     const std::vector<std::uint32_t> &order(AcDbObjectId space, const std::vector<std::uint32_t> &entities);
 
     AcDbDatabase &m_database;
-    std::function<void()> m_ended;
     std::function<void()> m_changes;
     AcDbNesting m_nesting;                                  ///< Of the block whose list is being made.
     std::unordered_map<std::uint32_t, Progress> m_progress; ///< By the index of the space.
@@ -144,6 +171,8 @@ private:
     ListTables m_tables;
     ListStore m_store;
     std::vector<DisplayList> m_lists; ///< By stub index, of entities and of block records.
+    Foreign m_foreign;
+    std::unordered_map<std::uint32_t, BlockParts> m_parts; ///< By the number of the block.
     std::map<int, Slot> m_slots;
     std::unordered_map<std::uint32_t, Reach> m_reaches; ///< Of entities that look different in each view.
     int m_slot = 0;                                     ///< Whose view is being drawn for.
@@ -151,8 +180,8 @@ private:
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_viewports;
     std::unordered_map<AcDbObjectId, Order> m_orders;
     std::uint64_t m_namesChangeCount = 0;
-    QHash<QString, AcDbObjectId> m_layers;
-    QHash<QString, AcDbObjectId> m_linetypes;
+    std::unordered_map<const AcDbDatabase *, Names> m_names;
+    std::pair<const AcDbDatabase *, Names *> m_lastNames{nullptr, nullptr};
 };
 
 } // namespace acgi

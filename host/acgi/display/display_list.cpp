@@ -296,8 +296,9 @@ void ListBuilder::reachBox(const AcGeMatrix3d &matrix, const float *box)
 bool ListBuilder::blockReference(const BlockPlacement &reference)
 {
     const DisplayList block = m_blocks.blockList(reference.record);
+    m_blocks.noteUndrawnOf(reference.record, m_owner);
     m_flags |= DisplayList::kReferences;
-    m_flags |= block.flags & (DisplayList::kViewDependent | DisplayList::kEndless);
+    m_flags |= block.flags & (DisplayList::kViewDependent | DisplayList::kEndless | DisplayList::kLarge);
     if (block.size == 0)
         return true;
     const AcGeMatrix3d placement = modelToWorld() * reference.placement;
@@ -326,6 +327,19 @@ bool ListBuilder::blockReference(const BlockPlacement &reference)
     return true;
 }
 
+void ListBuilder::reachPart(const DisplayList &part)
+{
+    m_flags |= part.flags & ~unsigned(DisplayList::kBuilt);
+    if (part.hasBox())
+        reachBox(AcGeMatrix3d(), part.box);
+}
+
+void ListBuilder::parts(std::uint32_t block)
+{
+    op(ListOp::parts, block);
+    m_flags |= DisplayList::kLarge;
+}
+
 void ListBuilder::pushClip(std::span<const Loop> loops, bool inverted)
 {
     op(ListOp::pushClip, std::uint32_t(loops.size()), inverted ? 2 : 0);
@@ -351,14 +365,14 @@ static void takeTransparency(Traits &traits, std::int64_t value)
     traits.alpha = std::uint8_t(value & 0xFF);
 }
 
-static void takeLinetype(Traits &traits, const QString &name, BlockLists &records)
+static void takeLinetype(Traits &traits, const AcDbEntity &entity, const QString &name, BlockLists &records)
 {
     const auto is = [&](QLatin1String other) { return name.compare(other, Qt::CaseInsensitive) == 0; };
     if (is(QLatin1String("BYLAYER")))
         return;
     traits.linetypeBy = is(QLatin1String("BYBLOCK")) ? Stated::byBlock : Stated::itself;
     if (traits.linetypeBy == Stated::itself && !is(QLatin1String("CONTINUOUS")))
-        traits.linetype = records.linetype(name);
+        traits.linetype = records.linetype(entity, name);
 }
 
 /// What the entity states of itself.
@@ -369,10 +383,10 @@ static Traits statedTraits(const AcDbEntity &entity, BlockLists &records)
     for (const resbuf &group : acdbCommonGroups(entity.groups())) {
         switch (group.restype) {
         case 6:
-            takeLinetype(traits, group.text(), records);
+            takeLinetype(traits, entity, group.text(), records);
             break;
         case 8:
-            traits.layer = records.layer(group.text());
+            traits.layer = records.layer(entity, group.text());
             break;
         case 48:
             traits.linetypeScale = group.real() > 0.0 ? group.real() : 1.0;

@@ -29,6 +29,7 @@ enum class ListOp : std::uint8_t {
     image,
     viewport,
     reference,
+    parts,
     pushClip,
     popClip
 };
@@ -69,7 +70,8 @@ struct DisplayList {
         kReferences = 1,    ///< Shows blocks: gone when a block changes.
         kViewDependent = 2, ///< Good for one view only.
         kEndless = 4,       ///< Reaches beyond its box.
-        kBuilt = 8
+        kBuilt = 8,
+        kLarge = 16 ///< Shows a block that is painted part by part.
     };
 
     const std::uint64_t *words = nullptr;
@@ -174,12 +176,14 @@ public:
     virtual ~BlockLists() = default;
     /// The list of a block definition, made when needed; empty for a block that is just being made.
     virtual DisplayList blockList(AcDbObjectId record) = 0;
-    /// Layer and linetype records by name.
-    virtual AcDbObjectId layer(const QString &name) = 0;
-    virtual AcDbObjectId linetype(const QString &name) = 0;
+    /// Layer and linetype records by the name that an entity states.
+    virtual AcDbObjectId layer(const AcDbEntity &entity, const QString &name) = 0;
+    virtual AcDbObjectId linetype(const AcDbEntity &entity, const QString &name) = 0;
     /// Something that a list cannot show; `reason` as for AcGiGeometry::noteUndrawn. 0: of no entity of the
     /// drawing.
     virtual void noteUndrawn(std::uint32_t entity, const QString &reason) = 0;
+    /// What a block cannot show, whoever shows the block cannot either.
+    virtual void noteUndrawnOf(AcDbObjectId record, std::uint32_t entity) = 0;
 };
 
 /// Makes lists: draw an entity or a block into it, then finish().
@@ -194,6 +198,10 @@ public:
     void begin(std::uint32_t owner);
     bool isViewDependent() const { return m_flags & DisplayList::kViewDependent; }
     DisplayList finish(ListStore &store);
+
+    /// A list that others are a part of: `block` names them, `part` is one of them.
+    void parts(std::uint32_t block);
+    void reachPart(const DisplayList &part);
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override;
     void arc(const Arc &arc) override;

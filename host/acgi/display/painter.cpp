@@ -168,6 +168,9 @@ void ListPainter::list(const DisplayList &list)
         case ListOp::reference:
             reference(reader, shown);
             break;
+        case ListOp::parts:
+            parts(reader);
+            break;
         case ListOp::pushClip:
             pushClip(reader);
             ++clips;
@@ -315,6 +318,58 @@ void ListPainter::instance(const DisplayList &block, const AcGeMatrix3d &placeme
     }
     m_frame.toPixel = placement;
     list(block);
+}
+
+/// What `toPixel`, which does not tilt, takes to these pixels; none when it flattens everything.
+static std::optional<QRectF> planeBox(const AcGeMatrix3d &toPixel, const QRectF &pixels)
+{
+    const auto &e = toPixel.entry;
+    const double det = e[0][0] * e[1][1] - e[0][1] * e[1][0];
+    if (!(std::abs(det) > 0.0))
+        return std::nullopt;
+    QPolygonF corners;
+    for (const QPointF corner :
+         {pixels.topLeft(), pixels.topRight(), pixels.bottomRight(), pixels.bottomLeft()}) {
+        const double x = corner.x() - e[0][3];
+        const double y = corner.y() - e[1][3];
+        corners << QPointF((e[1][1] * x - e[0][1] * y) / det, (e[0][0] * y - e[1][0] * x) / det);
+    }
+    return corners.boundingRect();
+}
+
+void ListPainter::parts(ListReader &reader)
+{
+    constexpr std::int64_t kPartWords = 8;
+    const BlockParts *const parts = m_scene.parts(reader.count());
+    if (!parts)
+        return;
+    const AcGeMatrix3d toPixel = m_frame.toPixel;
+    const bool isFlat = toPixel.entry[0][2] == 0.0 && toPixel.entry[1][2] == 0.0;
+    const QRectF shown = withMargin(m_canvas.visible(), m_margin);
+    const auto plane = isFlat && parts->grid ? planeBox(toPixel, shown) : std::nullopt;
+    const auto near = plane ? parts->grid->find(plane->left(), plane->top(), plane->right(), plane->bottom())
+                            : std::nullopt;
+    const std::size_t count = near ? near->size() : parts->lists.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        m_budget -= kPartWords;
+        if (m_budget < 0)
+            return note(Host::tr("INSERT: more instances than a picture can show"));
+        if (!goesOn())
+            return;
+        const DisplayList *const part = m_scene.list(parts->lists[near ? (*near)[i] : i], m_frame.slot);
+        if (!part || part->size == 0)
+            continue;
+        if (isFlat && part->hasBox() && !part->has(DisplayList::kEndless)) {
+            const QRectF box = pixelBox(toPixel, part->box);
+            if (!meets(box, shown))
+                continue;
+            if (box.width() < 1.0 && box.height() < 1.0) {
+                speck(*part, box.center());
+                continue;
+            }
+        }
+        list(*part);
+    }
 }
 
 // Viewports --------------------------------------------------------------------------------------

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "host/acdb/dbnesting.h"
+#include "host/acgi/display/box_grid.h"
 #include "host/acgi/display/canvas.h"
 #include "host/acgi/display/display_list.h"
 #include "host/acgi/display/images.h"
 #include "host/acgi/display/pens.h"
 
 #include <atomic>
+#include <optional>
 
 namespace acgi
 {
@@ -20,6 +22,12 @@ struct ShownSpace {
     int slot = 0; ///< Whose lists show what depends on the view.
 };
 
+/// A large block: its entities have lists of their own, so that only those are painted that can be seen.
+struct BlockParts {
+    std::vector<std::uint32_t> lists; ///< Their numbers, in drawing order.
+    std::optional<BoxGrid> grid;      ///< Of places in `lists`.
+};
+
 /// What a picture is painted from; nothing of it changes while threads paint.
 class Scene
 {
@@ -27,6 +35,8 @@ public:
     virtual ~Scene() = default;
     /// Null when the block draws nothing. `slot` is that of ShownSpace's view.
     virtual const DisplayList *block(const AcDbStub *record, int slot) const = 0;
+    virtual const BlockParts *parts(std::uint32_t number) const = 0;
+    virtual const DisplayList *list(std::uint32_t number, int slot) const = 0;
     virtual const Image &image(std::uint32_t number) const = 0;
     virtual const ViewportPicture &viewport(std::uint32_t number) const = 0;
     virtual double viewHeight() const = 0; ///< Of the whole picture, pixels.
@@ -90,6 +100,7 @@ private:
     void instances(const DisplayList &block, const AcGeMatrix3d &placement, int columns, int rows,
                    const AcGeVector3d &columnStep, const AcGeVector3d &rowStep);
     void instance(const DisplayList &block, const AcGeMatrix3d &placement);
+    void parts(ListReader &reader);
     void pushClip(ListReader &reader);
     std::vector<QPolygonF> loops(ListReader &reader) const;
     void stroke(bool closed = false);

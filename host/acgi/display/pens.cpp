@@ -1,6 +1,7 @@
 #include "host/acgi/display/pens.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 #include "host/acgi/display/display_list.h"
 #include "host/acgi/index_color.h"
 
@@ -44,8 +45,7 @@ DrawingTables::DrawingTables(AcDbDatabase &database) : m_database(database)
 
 DrawingTables::~DrawingTables()
 {
-    if (!m_isGone)
-        m_database.removeReactor(this);
+    m_database.removeReactor(this);
 }
 
 // Of a hundred thousand layers few change at a time. Linetypes are few, and layers name them.
@@ -81,11 +81,23 @@ void DrawingTables::readAll()
     m_layers.clear();
     m_linetypes.clear();
     m_linetypeReach = 0.0;
-    for (const std::uint32_t index : m_database.tableRecords(SymbolTable::layer))
-        readLayer(AcDbObjectId(m_database.stub(index)));
+    readTables(m_database);
     m_layerZero = m_database.tableRecord(SymbolTable::layer, QStringLiteral("0"));
-    for (const std::uint32_t index : m_database.tableRecords(SymbolTable::linetype)) {
-        const AcDbObjectId record(m_database.stub(index));
+    AcDbXrefs &xrefs = m_database.xrefs();
+    for (const std::vector<AcDbXref> &shown : {xrefs.all(), xrefs.nested()}) {
+        for (const AcDbXref &xref : shown) {
+            if (xref.database)
+                readTables(*xref.database);
+        }
+    }
+}
+
+void DrawingTables::readTables(const AcDbDatabase &database)
+{
+    for (const std::uint32_t index : database.tableRecords(SymbolTable::layer))
+        readLayer(AcDbObjectId(database.stub(index)));
+    for (const std::uint32_t index : database.tableRecords(SymbolTable::linetype)) {
+        const AcDbObjectId record(database.stub(index));
         if (!record.isValid())
             continue;
         Linetype linetype = readLinetype(record);
@@ -128,7 +140,7 @@ void DrawingTables::readLayer(AcDbObjectId id)
         layer.color = AcCmEntityColor::fromRgb(std::uint32_t(rgb->integer()));
     else if (const int index = std::abs(record->colorIndex()); index >= 1 && index <= 255)
         layer.color = AcCmEntityColor::fromIndex(index);
-    layer.linetype = m_database.tableRecord(SymbolTable::linetype, record->linetype());
+    layer.linetype = id.database()->tableRecord(SymbolTable::linetype, record->linetype());
     if (const resbuf *const weight = findGroup(groups, 370))
         layer.lineWeight = int(std::clamp<std::int64_t>(weight->integer(), -3, 211));
     layer.alpha = layerAlpha(*record);

@@ -56,16 +56,16 @@ private:
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
     void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
     void headerSysVarChanged(const AcDbDatabase *, const char *) override { m_areVariablesRead = false; }
-    void goodbye(const AcDbDatabase *) override { m_isGone = true; }
+    void xrefsChanged(const AcDbDatabase *) override { m_isRead = false; }
     void noteChange(const AcDbObject &object);
     void readAll();
+    void readTables(const AcDbDatabase &database);
     void readVariables();
     void readLayer(AcDbObjectId record);
 
     AcDbDatabase &m_database;
     bool m_isRead = false;
     bool m_areVariablesRead = false;
-    bool m_isGone = false; ///< The drawing ends before its display.
     std::vector<AcDbObjectId> m_changedLayers;
     AcDbObjectId m_layerZero;
     Layer m_plain;

@@ -117,7 +117,17 @@ void Picture::findImages(const ListTables &tables)
 
 const DisplayList *Picture::block(const AcDbStub *record, int slot) const
 {
-    return m_sources.cache.list(record->index, slot);
+    return m_sources.cache.list(m_sources.cache.knownNumber(*record), slot);
+}
+
+const BlockParts *Picture::parts(std::uint32_t number) const
+{
+    return m_sources.cache.parts(number);
+}
+
+const DisplayList *Picture::list(std::uint32_t number, int slot) const
+{
+    return m_sources.cache.list(number, slot);
 }
 
 const Image &Picture::image(std::uint32_t number) const
@@ -189,13 +199,20 @@ std::vector<QRectF> Picture::boxes(const QRect &area) const
     return boxes;
 }
 
+/// A single list may show a block as large as a drawing.
+bool Picture::isWorthTiles() const
+{
+    const auto isLarge = [](const DisplayList *list) { return list->has(DisplayList::kLarge); };
+    return m_shown.lists.size() >= kWorthTiles || std::ranges::any_of(m_shown.lists, isLarge);
+}
+
 /// Small tiles stay in the processor's cache; but what lies in many tiles is looked at in each of them.
 TileGrid Picture::chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const
 {
     constexpr double kMostRepeated = 1.6;
     constexpr double kReferenceWords = 1000.0;
     const auto count = [](int pixels, int size) { return std::max(1, (pixels + size / 2) / size); };
-    if (boxes.size() < kWorthTiles)
+    if (!isWorthTiles())
         return gridOf(area, 1, 1);
     for (const int size : {kTile, 2 * kTile}) {
         const TileGrid grid = gridOf(area, count(area.width(), size), count(area.height(), size));
@@ -203,6 +220,9 @@ TileGrid Picture::chooseGrid(const QRect &area, const std::vector<QRectF> &boxes
         double repeated = 0.0;
         for (std::size_t i = 0; i < boxes.size() && !m_cancelled; ++i) {
             const DisplayList &list = *m_shown.lists[i];
+            // Of large ones each tile looks at what lies in it.
+            if (list.has(DisplayList::kLarge))
+                continue;
             const QRect tiles = tilesOf(grid, boxes[i]);
             const double words = list.size + (list.has(DisplayList::kReferences) ? kReferenceWords : 0.0);
             once += tiles.isEmpty() ? 0.0 : words;
@@ -365,7 +385,8 @@ void Picture::start(std::function<void()> finished)
     m_image =
         QImage(int(std::ceil(m_view.pixelWidth)), int(std::ceil(m_view.pixelHeight)), QImage::Format_RGB32);
     aim(m_image);
-    const std::size_t threads = m_shown.lists.size() < kWorthTiles ? 1 : threadsFor(m_shown.lists.size());
+    const std::size_t threads =
+        isWorthTiles() ? threadsFor(std::size_t(std::thread::hardware_concurrency())) : 1;
     m_working = threads;
     for (std::size_t thread = 0; thread < threads; ++thread)
         m_threads.emplace_back([this] { splitAndWork(); });

@@ -68,6 +68,8 @@ public:
     PaintReport report() const;
 
     const DisplayList *block(const AcDbStub *record, int slot) const override;
+    const BlockParts *parts(std::uint32_t number) const override;
+    const DisplayList *list(std::uint32_t number, int slot) const override;
     const Image &image(std::uint32_t number) const override;
     const ViewportPicture &viewport(std::uint32_t number) const override;
     double viewHeight() const override { return m_view.pixelHeight; }
@@ -103,6 +105,7 @@ private:
     QRectF wholeView() const { return {0, 0, m_view.pixelWidth, m_view.pixelHeight}; }
     void showViewports(AcDbObjectId space, double margin);
     void findImages(const ListTables &tables);
+    bool isWorthTiles() const;
     std::vector<QRectF> boxes(const QRect &area) const;
     TileGrid chooseGrid(const QRect &area, const std::vector<QRectF> &boxes) const;
     void splitIntoTiles(const QRect &area);

@@ -1,8 +1,11 @@
 // Drawing of what shows a block: inserts and tables.
 #include "host/acgi/kinds/draw_blocks.h"
+
+#include "host/acdb/dbxref.h"
 #include "host/acgi/kinds/draw_entity.h"
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
+#include "host/acgi/text/font.h"
 #include "host/base/host_text.h"
 
 #include <algorithm>
@@ -64,18 +67,21 @@ static void drawAttributes(const AcDbEntity &entity, const BlockPlacement &refer
         sink.noteUndrawn(Host::tr("INSERT: attributes of the first %1 instances only").arg(rows * columns));
 }
 
-/// Says so when the block is another drawing that was not loaded.
-static void noteMissing(AcDbObjectId record, const QString &name, AcGiGeometry &sink)
+/// Shows an external reference that is not there as what it is: its name at its place.
+static void drawMissing(const AcDbXref &xref, const BlockPlacement &reference, double height,
+                        AcGiGeometry &sink)
 {
-    constexpr std::int64_t kExternal = 4 | 8;
-    const AcDbDatabase *const database = record.database();
-    const BlockContents *const contents = database ? database->blockContents(record) : nullptr;
-    if (!contents || !contents->blockBegin || !contents->entities.empty())
+    if (xref.state == AcDbXrefState::unloaded)
         return;
-    readEntity(AcDbObjectId(contents->blockBegin), [&](const AcDbEntity &begin) {
-        if (OwnGroups(begin).integer(70) & kExternal)
-            sink.noteUndrawn(Host::tr("INSERT: xref %1 not loaded").arg(name));
-    });
+    sink.noteUndrawn(Host::tr("INSERT: xref %1: %2").arg(xref.name, acdbXrefTrouble(xref)));
+    TextLine line;
+    line.text = Host::tr("Xref %1").arg(xref.path.isEmpty() ? xref.name : xref.path);
+    line.font = &defaultFont();
+    line.width = line.font->width(line.text);
+    const ModelTransform placed(sink, reference.placement);
+    line.direction = AcGeVector3d::kXAxis * height;
+    line.up = AcGeVector3d::kYAxis * height;
+    sink.text(line);
 }
 
 /// The outline of an inverted clip, which a record beside the filter keeps: the filter itself has an
@@ -142,13 +148,14 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const OwnGroups groups(entity);
     BlockPlacement reference;
-    reference.record = namedBlock(entity, groups);
+    const AcDbObjectId named = namedBlock(entity, groups);
+    reference.record = acdbShownBlock(named);
     const AcGeMatrix3d turned = AcGeMatrix3d::planeToWorld(groups.normal()) *
                                 AcGeMatrix3d::translation(groups.vector(10)) *
                                 AcGeMatrix3d::rotation(radians(groups.real(50)), AcGeVector3d::kZAxis);
     reference.placement =
         turned * AcGeMatrix3d::scaling(groups.real(41, 1.0), groups.real(42, 1.0), groups.real(43, 1.0)) *
-        AcGeMatrix3d::translation(-blockOrigin(reference.record).asVector());
+        AcGeMatrix3d::translation(-acdbBasePoint(named).asVector());
     constexpr std::int64_t kMostRepetitions = 32767;
     reference.columns = int(std::clamp<std::int64_t>(groups.integer(70, 1), 1, kMostRepetitions));
     reference.rows = int(std::clamp<std::int64_t>(groups.integer(71, 1), 1, kMostRepetitions));
@@ -162,7 +169,9 @@ void drawInsert(const AcDbEntity &entity, AcGiGeometry &sink)
     drawReference(reference, sink);
     if (!clip.boundary.empty())
         sink.popClip();
-    noteMissing(reference.record, groups.text(2), sink);
+    if (const AcDbXref *const xref = named.isNull() ? nullptr : named.database()->xrefs().find(named);
+        xref && !xref->database)
+        drawMissing(*xref, reference, entity.database()->headerReal("$TEXTSIZE", 2.5), sink);
     drawAttributes(entity, reference, sink);
 }
 

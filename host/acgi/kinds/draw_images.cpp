@@ -1,7 +1,11 @@
 // Drawing of images and wipeouts, and the frames of what is shown by other programs.
+#include "host/acdb/dbxref.h"
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/acgi/kinds/kinds.h"
 #include "host/base/host_text.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 namespace acgi
 {
@@ -46,13 +50,27 @@ static Raster readRaster(const OwnGroups &groups)
     return raster;
 }
 
+/// Names count from the folder of the drawing that has the image, which may be another one than is shown.
+static QString fromItsFolder(const QString &path, const AcDbDatabase *database)
+{
+    if (path.isEmpty() || !database || !database->xrefs().isReference())
+        return path;
+    const QString plain = QString(path).replace(u'\\', u'/');
+    const QDir folder(database->folder());
+    for (const QString &place : {folder.filePath(plain), folder.filePath(plain.section(u'/', -1))}) {
+        if (QFileInfo(place).isFile())
+            return place;
+    }
+    return path;
+}
+
 static QString imagePath(const AcDbEntity &entity, const OwnGroups &groups)
 {
     QString path;
     if (const resbuf *const definition = groups.find(340))
         readObject(objectOf(entity, definition->handle()),
                    [&](const AcDbObject &object) { path = OwnGroups(object).text(1); });
-    return path;
+    return fromItsFolder(path, entity.database());
 }
 
 void drawImage(const AcDbEntity &entity, AcGiGeometry &sink)

@@ -5,7 +5,6 @@
 #include "host/acdb/dbreactor.h"
 
 #include <cstring>
-#include <map>
 #include <unordered_map>
 #include <vector>
 
@@ -29,6 +28,9 @@ class LinkedColumns : public AcDbDatabaseReactor
 {
 public:
     explicit LinkedColumns(AcDbDatabase &database);
+    ~LinkedColumns() override { m_database.removeReactor(this); }
+    LinkedColumns(const LinkedColumns &) = delete;
+    LinkedColumns &operator=(const LinkedColumns &) = delete;
     static LinkedColumns &of(AcDbDatabase &database);
 
     std::optional<double> width(AcDbHandle text) const
@@ -40,20 +42,13 @@ public:
     void objectAppended(const AcDbDatabase *, const AcDbObject *object) override { note(*object); }
     void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override { note(*object); }
     void objectModified(const AcDbDatabase *, const AcDbObject *object) override { note(*object); }
-    void goodbye(const AcDbDatabase *database) override;
 
 private:
     void note(const AcDbObject &object);
 
+    AcDbDatabase &m_database;
     std::unordered_map<std::uint64_t, double> m_widths;
 };
-
-/// Never destroyed, as drawings may end later than it would.
-std::map<const AcDbDatabase *, LinkedColumns> &allLinkedColumns()
-{
-    static auto &all = *new std::map<const AcDbDatabase *, LinkedColumns>;
-    return all;
-}
 
 AcDbKind mtextKind()
 {
@@ -107,7 +102,7 @@ static bool mayHaveLinkedColumns(const AcDbDatabase &database)
            memmem(bytes.data(), bytes.size(), kOthers.data(), kOthers.size()) != nullptr;
 }
 
-LinkedColumns::LinkedColumns(AcDbDatabase &database)
+LinkedColumns::LinkedColumns(AcDbDatabase &database) : m_database(database)
 {
     database.addReactor(this);
     if (!mayHaveLinkedColumns(database))
@@ -123,12 +118,7 @@ LinkedColumns::LinkedColumns(AcDbDatabase &database)
 
 LinkedColumns &LinkedColumns::of(AcDbDatabase &database)
 {
-    return allLinkedColumns().try_emplace(&database, database).first->second;
-}
-
-void LinkedColumns::goodbye(const AcDbDatabase *database)
-{
-    allLinkedColumns().erase(database); // Deletes this.
+    return database.attachments().get<LinkedColumns>(database);
 }
 
 void LinkedColumns::note(const AcDbObject &object)

@@ -5,6 +5,8 @@
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/visibility.h"
 
+#include <QVarLengthArray>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -27,6 +29,8 @@ Window::Window(const std::array<AcGePoint2d, 4> &corners) : m_corners(corners)
     if (area < 0.0)
         std::ranges::reverse(m_corners);
     m_isEmpty = !(std::abs(area) > 0.0);
+    for (const AcGePoint2d &corner : m_corners)
+        m_extents.addPoint({corner.x, corner.y, 0.0});
 }
 
 Window Window::fromCorners(const AcGePoint3d &one, const AcGePoint3d &other, double angle)
@@ -44,14 +48,6 @@ Window Window::aroundPoint(const AcGePoint3d &point, double aperture)
 {
     const AcGeVector3d half(aperture, aperture, 0.0);
     return fromCorners(point - half, point + half);
-}
-
-AcDbExtents Window::extents() const
-{
-    AcDbExtents box;
-    for (const AcGePoint2d &corner : m_corners)
-        box.addPoint({corner.x, corner.y, 0.0});
-    return box;
 }
 
 bool Window::contains(const AcGePoint3d &point) const
@@ -75,14 +71,14 @@ static std::array<AcGePoint3d, 4> cornersOf(const AcDbExtents &box)
 
 bool Window::contains(const AcDbExtents &box) const
 {
-    return box.isValid() &&
+    return box.isValid() && m_extents.meetsInPlane(box) &&
            std::ranges::all_of(cornersOf(box), [this](const AcGePoint3d &p) { return contains(p); });
 }
 
 // Two convex shapes are apart when a side of one divides them.
 bool Window::mayMeet(const AcDbExtents &box) const
 {
-    if (m_isEmpty || !extents().meetsInPlane(box))
+    if (m_isEmpty || !m_extents.meetsInPlane(box))
         return false;
     const auto corners = cornersOf(box);
     for (std::size_t i = 0; i < 4; ++i) {
@@ -117,23 +113,42 @@ constexpr std::size_t kMostWork = 200000;
 
 enum class Question { inside, crossing };
 
+/// One window that an entity is held against, and what is known so far.
+struct Asked {
+    const Window *window = nullptr;
+    bool shown = false;   ///< Something was drawn.
+    bool touched = false; ///< Something lies inside or on the border.
+    bool outside = false; ///< Something lies outside.
+    std::size_t work = 0;
+};
+
+/// Answers for several windows what it would answer for each alone: every part of a block is drawn for those
+/// windows only that its box leaves in doubt.
 class RegionSink : public AcGiGeometry
 {
 public:
-    RegionSink(const Window &window, Question question, BlockExtents *blocks)
-        : m_window(window), m_question(question), m_blocks(blocks ? *blocks : m_ownBlocks)
+    RegionSink(std::span<const Window *const> windows, Question question, BlockExtents *blocks)
+        : m_question(question), m_blocks(blocks ? *blocks : m_ownBlocks)
     {
+        for (const Window *const window : windows)
+            m_asked.append(Asked{window});
+        for (Asked &asked : m_asked)
+            m_active.append(&asked);
     }
 
-    bool answer() const { return m_question == Question::crossing ? m_touched : m_shown && !m_outside; }
-    bool isDone() const override { return m_question == Question::crossing ? m_touched : m_outside; }
+    bool answer(std::size_t window) const
+    {
+        const Asked &asked = m_asked[qsizetype(window)];
+        return m_question == Question::crossing ? asked.touched : asked.shown && !asked.outside;
+    }
+    bool isDone() const override { return areSettled(m_active); }
     const AcGiViewport *view() const override { return m_view ? &*m_view : nullptr; }
     void setView(const std::optional<AcGiViewport> &view) { m_view = view; }
     bool wants(const AcDbEntity &nested) override { return m_visibility.isVisible(nested, insideBlock()); }
 
     void polyline(std::uint32_t count, const AcGePoint3d *points) override
     {
-        ++m_work;
+        countWork();
         AcGePoint3d from = toWorld(points[0]);
         notePoint(from);
         for (std::uint32_t i = 1; i < count && !isDone(); ++i) {
@@ -146,12 +161,15 @@ public:
 
     void arc(const Arc &arc) override
     {
-        ++m_work;
+        countWork();
         const Arc world = toWorld(arc);
         notePoint(world.at(world.start));
         notePoint(world.at(world.start + world.sweep));
-        for (std::size_t i = 0; i < 4 && !isDone(); ++i)
-            noteArcAtSide(world, m_window.corners()[i], m_window.corners()[(i + 1) % 4]);
+        forEachOpen([&](Asked &asked) {
+            const auto &corners = asked.window->corners();
+            for (std::size_t i = 0; i < 4 && !isSettled(asked); ++i)
+                noteArcAtSide(asked, world, corners[i], corners[(i + 1) % 4]);
+        });
     }
 
     void fill(std::span<const Loop> loops) override
@@ -164,9 +182,10 @@ public:
             closed.push_back(loop.front());
             polyline(std::uint32_t(closed.size()), closed.data());
         }
+        if (m_question != Question::crossing)
+            return;
         // No border touches the window: it lies wholly in the area or wholly beside it.
-        if (m_question == Question::crossing && !m_touched)
-            m_touched = areaHolds(loops, m_window.corners()[0]);
+        forEachOpen([&](Asked &asked) { asked.touched = areaHolds(loops, asked.window->corners()[0]); });
     }
 
     void text(const TextLine &line) override
@@ -180,37 +199,62 @@ public:
     void infiniteLine(const AcGePoint3d &base, const AcGeVector3d &direction, bool bothWays) override
     {
         constexpr double kEndless = std::numeric_limits<double>::infinity();
-        m_shown = m_outside = true;
+        for (Asked *const asked : m_active)
+            asked->shown = asked->outside = true;
         noteSegment(toWorld(base), modelToWorld() * direction, bothWays ? -kEndless : 0.0, kEndless);
     }
 
     bool blockReference(const BlockPlacement &reference) override
     {
         const BlockReach &block = m_blocks.of(reference.record);
-        const auto draw = [&](int column, int row) {
-            if (!isDone())
-                drawInstance(reference.record, block, reference.instance(column, row));
-        };
         const int lastColumn = reference.columns - 1;
         const int lastRow = reference.rows - 1;
         if (m_question == Question::inside) {
             // The others lie between those at the corners of the grid.
-            draw(0, 0);
-            draw(lastColumn, 0);
-            draw(0, lastRow);
-            draw(lastColumn, lastRow);
-            return true;
-        }
-        const Grid near =
-            block.endless ? Grid{0, lastColumn, 0, lastRow} : gridNearWindow(reference, block.box);
-        for (int row = near.firstRow; row <= near.lastRow && !isDone(); ++row) {
-            for (int column = near.firstColumn; column <= near.lastColumn && !isDone(); ++column)
-                draw(column, row);
+            for (const Grid corner : {Grid{0, 0, 0, 0},
+                                      {lastColumn, lastColumn, 0, 0},
+                                      {0, 0, lastRow, lastRow},
+                                      {lastColumn, lastColumn, lastRow, lastRow}})
+                drawInstances(reference, block, corner);
+        } else if (lastColumn == 0 && lastRow == 0) {
+            drawInstances(reference, block, {0, 0, 0, 0});
+        } else {
+            const Grid all{0, lastColumn, 0, lastRow};
+            const AskedList windows = m_active;
+            for (Asked *const asked : windows) {
+                m_active = {asked};
+                drawInstances(reference, block,
+                              block.endless ? all : gridNearWindow(*asked->window, reference, block.box));
+            }
+            m_active = windows;
         }
         return true;
     }
 
 private:
+    using AskedList = QVarLengthArray<Asked *, 4>;
+
+    bool isSettled(const Asked &asked) const
+    {
+        return m_question == Question::crossing ? asked.touched : asked.outside;
+    }
+    bool areSettled(const AskedList &windows) const
+    {
+        return std::ranges::all_of(windows, [this](const Asked *asked) { return isSettled(*asked); });
+    }
+    template <class Use>
+    void forEachOpen(Use use)
+    {
+        for (Asked *const asked : m_active) {
+            if (!isSettled(*asked))
+                use(*asked);
+        }
+    }
+    void countWork()
+    {
+        forEachOpen([](Asked &asked) { ++asked.work; });
+    }
+
     struct Grid {
         int firstColumn;
         int lastColumn;
@@ -218,8 +262,16 @@ private:
         int lastRow;
     };
 
+    void drawInstances(const BlockPlacement &reference, const BlockReach &block, const Grid &grid)
+    {
+        for (int row = grid.firstRow; row <= grid.lastRow && !isDone(); ++row) {
+            for (int column = grid.firstColumn; column <= grid.lastColumn && !isDone(); ++column)
+                drawInstance(reference.record, block, reference.instance(column, row));
+        }
+    }
+
     /// The part of a multiple insert that can meet the window.
-    Grid gridNearWindow(const BlockPlacement &reference, const AcDbExtents &block) const
+    Grid gridNearWindow(const Window &near, const BlockPlacement &reference, const AcDbExtents &block) const
     {
         Grid all{0, reference.columns - 1, 0, reference.rows - 1};
         const AcGeVector3d column = modelToWorld() * reference.columnStep;
@@ -229,7 +281,7 @@ private:
         first.transformBy(modelToWorld() * reference.placement);
         if (det == 0.0 || !first.isValid())
             return all;
-        const AcDbExtents window = m_window.extents();
+        const AcDbExtents &window = near.extents();
         const AcGeVector3d low = window.minPoint() - first.maxPoint();
         const AcGeVector3d high = window.maxPoint() - first.minPoint();
         AcDbExtents steps;
@@ -246,64 +298,104 @@ private:
 
     void drawInstance(AcDbObjectId record, const BlockReach &block, const AcGeMatrix3d &placement)
     {
-        ++m_work;
+        countWork();
         const ModelTransform placed(*this, placement);
         AcDbExtents box = block.box;
         box.transformBy(modelToWorld());
-        if (m_work > kMostWork) {
-            m_shown = m_shown || box.isValid();
-            m_outside = m_outside || !m_window.contains(box);
-            m_touched = m_touched || m_window.mayMeet(box);
-        } else if (block.endless || m_question == Question::inside || m_window.mayMeet(box)) {
-            drawParts(record, block);
-        }
+        AskedList near;
+        forEachOpen([&](Asked &asked) {
+            if (asked.work > kMostWork)
+                answerByBox(asked, box);
+            else if (block.endless || m_question == Question::inside || asked.window->mayMeet(box))
+                near.append(&asked);
+        });
+        if (near.empty())
+            return;
+        std::swap(m_active, near);
+        drawParts(record, block);
+        std::swap(m_active, near);
     }
+
+    static void answerByBox(Asked &asked, const AcDbExtents &box)
+    {
+        asked.shown = asked.shown || box.isValid();
+        asked.outside = asked.outside || !asked.window->contains(box);
+        asked.touched = asked.touched || asked.window->mayMeet(box);
+    }
+
+    /// A part that has to be drawn for some of the windows.
+    struct Doubtful {
+        const BlockPart *part;
+        AskedList windows;
+    };
 
     /// Decodes only the entities that their boxes leave in doubt.
     void drawParts(AcDbObjectId record, const BlockReach &block)
     {
         if (!enterBlock(record))
             return;
-        std::vector<const BlockPart *> doubtful;
+        std::vector<Doubtful> doubtful;
         for (const BlockPart &part : block.parts) {
             if (isDone())
                 break;
-            AcDbExtents box = part.reach.box;
-            box.transformBy(modelToWorld());
-            const bool isInside = m_window.contains(box) && !part.reach.endless;
-            const bool matters = isInside || part.reach.endless || m_question == Question::inside ||
-                                 (box.isValid() && m_window.mayMeet(box));
-            if (!matters || part.isSwitchedOff ||
-                !m_visibility.layerShowsInBlock(*record.database(), part.layer))
-                continue;
-            if (isInside && !part.hasParts)
-                m_shown = m_touched = true;
-            else
-                doubtful.push_back(&part);
+            AskedList windows = windowsInDoubt(record, part);
+            if (!windows.empty())
+                doubtful.push_back({&part, std::move(windows)});
         }
-        for (const BlockPart *const part : doubtful) {
-            if (isDone())
-                break;
-            readEntity(part->entity, [this](const AcDbEntity &entity) { drawEntity(entity, *this); });
+        for (Doubtful &each : doubtful) {
+            if (areSettled(each.windows))
+                continue;
+            std::swap(m_active, each.windows);
+            readEntity(each.part->entity, [this](const AcDbEntity &entity) { drawEntity(entity, *this); });
+            std::swap(m_active, each.windows);
         }
         leaveBlock();
     }
 
-    void notePoint(const AcGePoint3d &point)
+    /// Answers for the windows that hold the whole part, and gives those that its box does not decide.
+    AskedList windowsInDoubt(AcDbObjectId record, const BlockPart &part)
     {
-        m_shown = true;
-        if (m_window.contains(point))
-            m_touched = true;
-        else
-            m_outside = true;
+        AskedList doubtful;
+        AcDbExtents box = part.reach.box;
+        box.transformBy(modelToWorld());
+        forEachOpen([&](Asked &asked) {
+            const bool isInside = asked.window->contains(box) && !part.reach.endless;
+            const bool matters = isInside || part.reach.endless || m_question == Question::inside ||
+                                 (box.isValid() && asked.window->mayMeet(box));
+            if (!matters || part.isSwitchedOff ||
+                !m_visibility.layerShowsInBlock(*record.database(), part.layer))
+                return;
+            if (isInside && !part.hasParts)
+                asked.shown = asked.touched = true;
+            else
+                doubtful.append(&asked);
+        });
+        return doubtful;
     }
 
-    /// Cuts the line from `base` along `direction`, parameters `low` to `high`, with the window.
+    void notePoint(const AcGePoint3d &point)
+    {
+        forEachOpen([&](Asked &asked) {
+            asked.shown = true;
+            (asked.window->contains(point) ? asked.touched : asked.outside) = true;
+        });
+    }
+
+    /// Cuts the line from `base` along `direction`, parameters `low` to `high`, with the windows.
     void noteSegment(const AcGePoint3d &base, const AcGeVector3d &direction, double low, double high)
     {
+        forEachOpen([&](Asked &asked) {
+            if (meetsSegment(*asked.window, base, direction, low, high))
+                asked.touched = true;
+        });
+    }
+
+    static bool meetsSegment(const Window &window, const AcGePoint3d &base, const AcGeVector3d &direction,
+                             double low, double high)
+    {
         for (std::size_t i = 0; i < 4; ++i) {
-            const AcGePoint2d &from = m_window.corners()[i];
-            const AcGePoint2d &to = m_window.corners()[(i + 1) % 4];
+            const AcGePoint2d &from = window.corners()[i];
+            const AcGePoint2d &to = window.corners()[(i + 1) % 4];
             const double distance = cross(from, to, base.x, base.y);
             const double slope = (to.x - from.x) * direction.y - (to.y - from.y) * direction.x;
             if (slope > 0.0)
@@ -311,14 +403,13 @@ private:
             else if (slope < 0.0)
                 high = std::min(high, -distance / slope);
             else if (!(distance >= 0.0))
-                return;
+                return false;
         }
-        if (low <= high)
-            m_touched = true;
+        return low <= high;
     }
 
     /// The points where the arc meets the line of a window's side: A cos t + B sin t = C.
-    void noteArcAtSide(const Arc &arc, const AcGePoint2d &from, const AcGePoint2d &to)
+    static void noteArcAtSide(Asked &asked, const Arc &arc, const AcGePoint2d &from, const AcGePoint2d &to)
     {
         const double dx = to.x - from.x;
         const double dy = to.y - from.y;
@@ -329,7 +420,7 @@ private:
         const double middle = std::atan2(b, a);
         // The point farthest beyond this side tells whether all of the arc is on the window's side of it.
         if (const double farthest = middle + kGePi; arc.covers(farthest) && -reach < c)
-            m_outside = true;
+            asked.outside = true;
         if (std::abs(c) > reach || reach == 0.0)
             return;
         const double turn = std::acos(std::clamp(c / reach, -1.0, 1.0));
@@ -340,7 +431,7 @@ private:
             const double along =
                 ((meeting.x - from.x) * dx + (meeting.y - from.y) * dy) / (dx * dx + dy * dy);
             if (along >= 0.0 && along <= 1.0)
-                m_touched = true;
+                asked.touched = true;
         }
     }
 
@@ -359,27 +450,31 @@ private:
         return holds;
     }
 
-    const Window &m_window;
     Question m_question;
+    QVarLengthArray<Asked, 4> m_asked;
+    AskedList m_active; ///< Those that what is being drawn counts for.
     std::optional<AcGiViewport> m_view;
     BlockExtents m_ownBlocks;
     BlockExtents &m_blocks;
     Visibility m_visibility;
-    bool m_shown = false;   ///< Something was drawn.
-    bool m_touched = false; ///< Something lies inside or on the border.
-    bool m_outside = false; ///< Something lies outside.
-    std::size_t m_work = 0;
 };
+
+/// The windows must have an area.
+void draw(const AcDbEntity &entity, RegionSink &sink)
+{
+    if (entity.isCustom() && entity.database())
+        sink.setView(screenView(*entity.database()));
+    drawEntity(entity, sink);
+}
 
 bool ask(const AcDbEntity &entity, const Window &window, Question question, BlockExtents *blocks)
 {
     if (window.isEmpty())
         return false;
-    RegionSink sink(window, question, blocks);
-    if (entity.isCustom() && entity.database())
-        sink.setView(screenView(*entity.database()));
-    drawEntity(entity, sink);
-    return sink.answer();
+    const Window *const asked = &window;
+    RegionSink sink(std::span(&asked, 1), question, blocks);
+    draw(entity, sink);
+    return sink.answer(0);
 }
 
 } // namespace
@@ -392,6 +487,17 @@ bool liesInside(const AcDbEntity &entity, const Window &window, BlockExtents *bl
 bool crosses(const AcDbEntity &entity, const Window &window, BlockExtents *blocks)
 {
     return ask(entity, window, Question::crossing, blocks);
+}
+
+std::vector<bool> crossesEach(const AcDbEntity &entity, std::span<const Window *const> windows,
+                              BlockExtents &blocks)
+{
+    RegionSink sink(windows, Question::crossing, &blocks);
+    draw(entity, sink);
+    std::vector<bool> answers(windows.size());
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        answers[i] = sink.answer(i);
+    return answers;
 }
 
 } // namespace acgi

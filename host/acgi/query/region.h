@@ -7,6 +7,8 @@
 
 #include <array>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace acgi
 {
@@ -28,7 +30,7 @@ public:
     const std::array<AcGePoint2d, 4> &corners() const { return m_corners; }
     /// A window without area contains nothing and meets nothing.
     bool isEmpty() const { return m_isEmpty; }
-    AcDbExtents extents() const;
+    const AcDbExtents &extents() const { return m_extents; }
     bool contains(const AcGePoint3d &point) const;
     /// The whole box.
     bool contains(const AcDbExtents &box) const;
@@ -37,6 +39,7 @@ public:
 
 private:
     std::array<AcGePoint2d, 4> m_corners;
+    AcDbExtents m_extents;
     bool m_isEmpty = false;
 };
 
@@ -47,6 +50,9 @@ bool liesInside(const AcDbEntity &entity, const Window &window, BlockExtents *bl
 
 /// Something that the entity shows lies inside or touches the border. Areas and texts count as filled.
 bool crosses(const AcDbEntity &entity, const Window &window, BlockExtents *blocks = nullptr);
+/// crosses() of each window, none of them empty; the entity is drawn once for all of them.
+std::vector<bool> crossesEach(const AcDbEntity &entity, std::span<const Window *const> windows,
+                              BlockExtents &blocks);
 
 /// Custom entities that look different in each view are picked as they look in the view on the screen, which
 /// the owner of the views gives; null when the drawing is not shown. Without it their box counts.

@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <future>
-#include <map>
 #include <unordered_set>
 
 namespace acgi
@@ -319,69 +318,20 @@ private:
     std::unordered_set<std::uint32_t> m_dirty;           ///< Changed since the last question.
 };
 
-/// The indexes of all open drawings.
-static std::map<AcDbDatabase *, std::unique_ptr<SpatialIndex>> &spatialIndexes()
-{
-    static std::map<AcDbDatabase *, std::unique_ptr<SpatialIndex>> all;
-    return all;
-}
-
-/// Hears of changes to the drawing, and of its end.
-class SpatialIndex::Keeper : public AcDbDatabaseReactor
-{
-public:
-    explicit Keeper(SpatialIndex &index) : m_index(index) { m_index.m_database.addReactor(this); }
-    ~Keeper() override
-    {
-        if (!m_ended)
-            m_index.m_database.removeReactor(this);
-    }
-
-    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectModified(const AcDbDatabase *, const AcDbObject *object) override
-    {
-        m_index.noteChange(*object);
-    }
-    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override
-    {
-        m_index.noteChange(*object);
-    }
-    void goodbye(const AcDbDatabase *) override
-    {
-        m_ended = true;
-        spatialIndexes().erase(&m_index.m_database); // Deletes the index, and this with it.
-    }
-
-private:
-    SpatialIndex &m_index;
-    bool m_ended = false;
-};
-
 SpatialIndex::SpatialIndex(AcDbDatabase &database)
-    : m_database(database), m_layers(std::make_unique<EntityLayers>()),
-      m_keeper(std::make_unique<Keeper>(*this))
+    : m_database(database), m_layers(std::make_unique<EntityLayers>())
 {
+    m_database.addReactor(this);
 }
 
-SpatialIndex::~SpatialIndex() = default;
+SpatialIndex::~SpatialIndex()
+{
+    m_database.removeReactor(this);
+}
 
 SpatialIndex &spatialIndexOf(AcDbDatabase &database)
 {
-    std::unique_ptr<SpatialIndex> &index = spatialIndexes()[&database];
-    if (!index)
-        index.reset(new SpatialIndex(database));
-    return *index;
+    return database.attachments().get<SpatialIndex>(database);
 }
 
 SpatialIndex::Space &SpatialIndex::space(AcDbObjectId blockRecord)
@@ -441,10 +391,14 @@ void SpatialIndex::noteChange(const AcDbObject &object)
     if (const auto known = m_spaces.find(block); known != m_spaces.end())
         known->second->noteChange(changed->index);
     // Inserts of that block look different now; only blocks that were looked into are shown.
-    if (m_blocks.knows(block)) {
-        m_blocks.clear();
-        m_spaces.clear();
-    }
+    if (m_blocks.knows(block))
+        forgetBlocks();
+}
+
+void SpatialIndex::forgetBlocks()
+{
+    m_blocks.clear();
+    m_spaces.clear();
 }
 
 /// The visible entities whose box the window may have to do with.
@@ -480,23 +434,65 @@ std::vector<AcDbObjectId> SpatialIndex::insideWindow(AcDbObjectId blockRecord, c
     return ids;
 }
 
-std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window,
-                                                       const std::function<void(AcDbObjectId)> &whileOpen)
+std::vector<AcDbObjectId> SpatialIndex::crossingWindow(AcDbObjectId blockRecord, const Window &window)
 {
-    std::vector<AcDbObjectId> ids;
-    for (const Found &found : visibleNear(blockRecord, window)) {
-        const AcDbObjectId id(m_database.stub(found.entity));
-        bool crosses = window.contains(found.box);
-        if (!crosses && (!found.box.isValid() || window.mayMeet(found.box)))
-            readEntity(id, [&](const AcDbEntity &e) {
-                crosses = acgi::crosses(e, window, &m_blocks);
-                if (crosses && whileOpen)
-                    whileOpen(id);
-            });
-        if (crosses)
-            ids.push_back(id);
+    return std::move(crossingWindows(blockRecord, std::span(&window, 1)).front());
+}
+
+/// An entity whose box does not tell whether it crosses a window.
+struct SpatialIndex::Doubt {
+    std::uint32_t entity;
+    std::uint32_t window; ///< Its place among those asked about.
+
+    friend auto operator<=>(const Doubt &, const Doubt &) = default;
+};
+
+std::vector<std::vector<AcDbObjectId>> SpatialIndex::crossingWindows(AcDbObjectId blockRecord,
+                                                                     std::span<const Window> windows)
+{
+    constexpr std::size_t kMostFound = 200'000;
+    std::vector<std::vector<AcDbObjectId>> crossing;
+    std::vector<Doubt> doubts;
+    std::size_t count = 0;
+    while (crossing.size() < windows.size() && count < kMostFound) {
+        const Window &window = windows[crossing.size()];
+        std::vector<AcDbObjectId> certain;
+        for (const Found &found : visibleNear(blockRecord, window)) {
+            ++count;
+            if (window.contains(found.box))
+                certain.emplace_back(m_database.stub(found.entity));
+            else if (!found.box.isValid() || window.mayMeet(found.box))
+                doubts.push_back({found.entity, std::uint32_t(crossing.size())});
+        }
+        crossing.push_back(std::move(certain));
     }
-    return ids;
+    settle(doubts, windows, crossing);
+    for (std::vector<AcDbObjectId> &ids : crossing)
+        std::ranges::sort(ids, {}, [](AcDbObjectId id) { return id.stub()->index; });
+    return crossing;
+}
+
+void SpatialIndex::settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
+                          std::vector<std::vector<AcDbObjectId>> &crossing)
+{
+    std::ranges::sort(doubts);
+    std::vector<const Window *> asked;
+    for (auto first = doubts.begin(); first != doubts.end();) {
+        const auto isOther = [&](const Doubt &doubt) { return doubt.entity != first->entity; };
+        const auto last = std::find_if(first, doubts.end(), isOther);
+        asked.clear();
+        for (auto doubt = first; doubt != last; ++doubt)
+            asked.push_back(&windows[doubt->window]);
+        const AcDbObjectId id(m_database.stub(first->entity));
+        readEntity(id, [&](const AcDbEntity &entity) {
+            const std::vector<bool> answers = crossesEach(entity, asked, m_blocks);
+            for (auto doubt = first; doubt != last; ++doubt) {
+                if (answers[std::size_t(doubt - first)])
+                    crossing[doubt->window].push_back(id);
+            }
+        });
+        first = last;
+    }
 }
 
 /// The display knows the boxes of what is on the screen, so that few entities have to be drawn for it.

@@ -2,21 +2,24 @@
 // kept up by changes. Questions cost what they touch, not what the drawing holds.
 #pragma once
 
+#include "host/acdb/dbreactor.h"
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/region.h"
 
-#include <functional>
 #include <memory>
+#include <span>
+#include <unordered_map>
+#include <vector>
 
 namespace acgi
 {
 
 /// The index of one drawing; see spatialIndexOf(). Results are in drawing order: the newest entity,
 /// which lies on top, comes last. Erased entities are never found.
-class SpatialIndex
+class SpatialIndex : private AcDbDatabaseReactor
 {
 public:
-    ~SpatialIndex();
+    ~SpatialIndex() override;
     SpatialIndex(const SpatialIndex &) = delete;
     SpatialIndex &operator=(const SpatialIndex &) = delete;
 
@@ -36,9 +39,12 @@ public:
     /// Entities that liesInside() and crosses() say yes to, as far as they are
     /// visible: neither switched off nor on a layer that is off or frozen.
     std::vector<AcDbObjectId> insideWindow(AcDbObjectId blockRecord, const Window &window);
-    /// `whileOpen` hears of those that had to be opened, while they are: looking into them costs less then.
-    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window,
-                                             const std::function<void(AcDbObjectId)> &whileOpen = {});
+    std::vector<AcDbObjectId> crossingWindow(AcDbObjectId blockRecord, const Window &window);
+    /// The same of the first windows: as many as have some hundred thousand entities together, at least one;
+    /// the size of the result says how many. Each entity is opened once for all of them, so neighbours should
+    /// come one after the other.
+    std::vector<std::vector<AcDbObjectId>> crossingWindows(AcDbObjectId blockRecord,
+                                                           std::span<const Window> windows);
     /// At a point also what custom entities show beside their extents in the view on the screen, such as
     /// flags.
     std::vector<AcDbObjectId> atPoint(AcDbObjectId blockRecord, const AcGePoint3d &point, double aperture);
@@ -51,23 +57,31 @@ public:
     std::vector<AcDbObjectId> withoutExtents(AcDbObjectId blockRecord);
 
 private:
-    friend SpatialIndex &spatialIndexOf(AcDbDatabase &database);
+    friend base::Attachments;
     class Space;
-    class Keeper;
     struct Found;
+    struct Doubt;
     class EntityLayers;
 
     explicit SpatialIndex(AcDbDatabase &database);
+    void objectAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectUnAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectReAppended(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectModified(const AcDbDatabase *, const AcDbObject *object) override { noteChange(*object); }
+    void objectErased(const AcDbDatabase *, const AcDbObject *object, bool) override { noteChange(*object); }
+    void xrefsChanged(const AcDbDatabase *) override { forgetBlocks(); }
     Space &space(AcDbObjectId blockRecord);
     std::vector<Found> visibleNear(AcDbObjectId blockRecord, const Window &window);
+    void settle(std::vector<Doubt> &doubts, std::span<const Window> windows,
+                std::vector<std::vector<AcDbObjectId>> &crossing);
     void addShownBeside(AcDbObjectId blockRecord, const Window &window, std::vector<AcDbObjectId> &ids);
     void noteChange(const AcDbObject &object);
+    void forgetBlocks();
 
     AcDbDatabase &m_database;
     BlockExtents m_blocks;
     std::unique_ptr<EntityLayers> m_layers;
     std::unordered_map<AcDbObjectId, std::unique_ptr<Space>> m_spaces;
-    std::unique_ptr<Keeper> m_keeper;
 };
 
 /// The index of a drawing, made when first asked for; it ends with the drawing.

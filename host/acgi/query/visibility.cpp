@@ -1,6 +1,7 @@
 #include "host/acgi/query/visibility.h"
 
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/dbxref.h"
 
 #include <algorithm>
 
@@ -40,11 +41,12 @@ bool Visibility::layerShowsInBlock(const AcDbDatabase &database, const QString &
 
 bool Visibility::layerShows(const AcDbDatabase &database, const QString &layer)
 {
-    const auto known = m_layers.constFind(layer);
+    const std::pair key(&database, layer);
+    const auto known = m_layers.constFind(key);
     if (known != m_layers.cend())
         return *known;
-    const bool shows = acgi::layerShows(database.tableRecord(SymbolTable::layer, layer));
-    m_layers.insert(layer, shows);
+    const bool shows = acgi::layerShows(acdbShownLayer(database, layer));
+    m_layers.insert(key, shows);
     return shows;
 }
 

@@ -27,7 +27,7 @@ public:
     bool layerShowsInBlock(const AcDbDatabase &database, const QString &layer);
 
 private:
-    QHash<QString, bool> m_layers;
+    QHash<std::pair<const AcDbDatabase *, QString>, bool> m_layers;
 };
 
 } // namespace acgi

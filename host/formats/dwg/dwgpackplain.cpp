@@ -1,9 +1,8 @@
 // Packing files of AC1015: sections as they are, one behind the other.
-#include "host/formats/dwg/dwgbits.h"
+#include "host/formats/dwg/dwgbitwriter.h"
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgpacker.h"
 
-#include <array>
 #include <optional>
 
 namespace dwg
@@ -39,68 +38,6 @@ struct SecondHeader {
     std::vector<Record> records; ///< In an order of their own.
     std::vector<std::pair<std::uint8_t, QByteArray>> handles;
     QByteArray rest; ///< Eight bytes that nothing is known of.
-};
-
-/// Bits in the making.
-class BitBuffer
-{
-public:
-    void bits(std::uint64_t value, int count)
-    {
-        for (int i = count - 1; i >= 0; --i)
-            m_bits.push_back(value >> i & 1);
-    }
-    void bytes(const QByteArray &bytes)
-    {
-        for (const char byte : bytes)
-            bits(std::uint8_t(byte), 8);
-    }
-    void rawLong(std::uint32_t value)
-    {
-        for (int i = 0; i < 4; ++i)
-            bits(value >> (8 * i) & 0xFF, 8);
-    }
-    void bitLong(std::uint32_t value)
-    {
-        if (value == 0) {
-            bits(2, 2);
-        } else if (value < 0x100) {
-            bits(1, 2);
-            bits(value, 8);
-        } else {
-            bits(0, 2);
-            rawLong(value);
-        }
-    }
-    void rawShort(std::uint16_t value)
-    {
-        bits(value & 0xFF, 8);
-        bits(value >> 8, 8);
-    }
-    void bitShort(std::uint16_t value)
-    {
-        if (value == 0 || value == 0x100) {
-            bits(value == 0 ? 2 : 3, 2);
-        } else if (value < 0x100) {
-            bits(1, 2);
-            bits(value, 8);
-        } else {
-            bits(0, 2);
-            rawShort(value);
-        }
-    }
-    QByteArray take() const
-    {
-        QByteArray bytes(qsizetype((m_bits.size() + 7) / 8), '\0');
-        for (std::size_t i = 0; i < m_bits.size(); ++i) {
-            if (m_bits[i])
-                bytes[qsizetype(i / 8)] = char(bytes[qsizetype(i / 8)] | (0x80 >> i % 8));
-        }
-        return bytes;
-    }
-
-private:
-    std::vector<bool> m_bits;
 };
 
 std::optional<SecondHeader> readSecondHeader(std::string_view file)
@@ -140,18 +77,18 @@ std::optional<SecondHeader> readSecondHeader(std::string_view file)
 
 QByteArray writeSecondHeader(const SecondHeader &header, std::uint32_t at, std::uint64_t seed)
 {
-    BitBuffer out;
-    out.bitLong(at);
+    BitWriter out;
+    out.bitLong(std::int32_t(at));
     out.bytes(header.version);
     out.bitShort(header.program);
     out.rawShort(header.codePage);
-    out.bitShort(std::uint16_t(header.records.size()));
+    out.bitShort(int(header.records.size()));
     for (const Record &record : header.records) {
-        out.bits(record.number, 8);
-        out.bitLong(record.at);
-        out.bitLong(record.size);
+        out.rawChar(record.number);
+        out.bitLong(std::int32_t(record.at));
+        out.bitLong(std::int32_t(record.size));
     }
-    out.bitShort(std::uint16_t(header.handles.size()));
+    out.bitShort(int(header.handles.size()));
     for (const auto &[number, stored] : header.handles) {
         QByteArray handle = stored;
         if (number == 0 && seed != 0) {
@@ -159,11 +96,11 @@ QByteArray writeSecondHeader(const SecondHeader &header, std::uint32_t at, std::
             for (std::uint64_t rest = seed; rest != 0; rest >>= 8)
                 handle.prepend(char(rest & 0xFF));
         }
-        out.bits(std::uint64_t(handle.size()), 8);
-        out.bits(number, 8);
+        out.rawChar(unsigned(handle.size()));
+        out.rawChar(number);
         out.bytes(handle);
     }
-    const QByteArray data = out.take();
+    const QByteArray &data = out.written();
     QByteArray framed;
     appendNumber(framed, std::uint32_t(4 + data.size() + 2 + header.rest.size()));
     framed += data;

@@ -178,7 +178,7 @@ void Loading::noteName(const Found &found)
         return;
     }
     if (const DwgClass *const known = m_source.classOf(found.type); known && known->dxfName == "DBCOLOR") {
-        const ObjectReader::Color color = reader.color();
+        const Color color = reader.color();
         neighbours.bookColors[found.handle] =
             color.book.isEmpty() ? color.name : color.book + u'$' + color.name;
         return;

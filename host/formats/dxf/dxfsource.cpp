@@ -108,13 +108,23 @@ base::TextCodec DxfSource::writingCodec() const
     return codec() == m_named ? m_named : base::TextCodec("ASCII");
 }
 
+/// Of the first lines; the first one alone may be the damaged one.
+static bool mostLinesEndWithPair(std::string_view part)
+{
+    constexpr int kLines = 32;
+    int pairs = 0;
+    int lines = 0;
+    for (std::size_t end = part.find('\n'); end != std::string_view::npos && lines < kLines;
+         end = part.find('\n', end + 1), ++lines)
+        pairs += end > 0 && part[end - 1] == '\r';
+    return 2 * pairs >= lines;
+}
+
 void DxfSource::learnStyle(std::string_view part)
 {
     if (m_binary)
         return;
-    const std::size_t firstEnd = part.find(m_lineEnd);
-    const bool isPair = m_lineEnd == '\n' &&
-                        (firstEnd == std::string_view::npos || (firstEnd > 0 && part[firstEnd - 1] == '\r'));
+    const bool isPair = m_lineEnd == '\n' && mostLinesEndWithPair(part);
     m_style.lineEnd = isPair ? QByteArray("\r\n") : QByteArray(1, m_lineEnd);
     bool first = true;
     visitGroups(part, [&](const Group &group) {

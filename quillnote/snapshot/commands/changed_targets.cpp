@@ -4,6 +4,8 @@
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/snapshot/fingerprint.h"
 
+#include <algorithm>
+#include <map>
 #include <unordered_set>
 
 /// Leader marks are made without one; refreshing gives them one.
@@ -34,16 +36,22 @@ static ChangedTarget describe(const QuillnoteObj3 &mark, const TargetFingerprint
     return changed;
 }
 
-TargetComparison compareTargets(AcDbDatabase &database, std::span<const AcDbObjectId> marks,
-                                const base::Progress &progress)
+namespace
 {
-    TargetComparison result;
-    FingerprintTaker fingerprints(database);
+
+/// The targets of one space, all of which are to be looked at.
+struct SpaceTargets {
+    std::vector<std::size_t> marks; ///< Places in the list of marks.
+    std::vector<acgi::Window> windows;
+};
+
+} // namespace
+
+static std::map<AcDbObjectId, SpaceTargets> targetsBySpace(std::span<const AcDbObjectId> marks,
+                                                           TargetComparison &result)
+{
+    std::map<AcDbObjectId, SpaceTargets> spaces;
     for (std::size_t i = 0; i < marks.size(); ++i) {
-        if (!base::report(progress, double(i) / double(marks.size()))) {
-            result.stopped = true;
-            break;
-        }
         const AcDbObjectPointer<QuillnoteObj3> mark(marks[i], AcDb::kForRead);
         if (!mark || mark->targetStyle < 0)
             continue;
@@ -52,10 +60,37 @@ TargetComparison compareTargets(AcDbDatabase &database, std::span<const AcDbObje
             continue;
         }
         ++result.compared;
-        const TargetFingerprint now = fingerprints.take(mark->blockId(), targetWindow(*mark));
-        if (now.ids.size() != mark->snapEntityCount() || now.checksum != mark->snapChecksum)
-            result.changed.push_back(describe(*mark, now));
+        SpaceTargets &targets = spaces[mark->blockId()];
+        targets.marks.push_back(i);
+        targets.windows.push_back(targetWindow(*mark));
     }
+    return spaces;
+}
+
+TargetComparison compareTargets(AcDbDatabase &database, std::span<const AcDbObjectId> marks,
+                                const base::Progress &progress)
+{
+    TargetComparison result;
+    const std::map<AcDbObjectId, SpaceTargets> spaces = targetsBySpace(marks, result);
+    FingerprintTaker fingerprints(database);
+    std::map<std::size_t, ChangedTarget> changed; // By the places of the marks.
+    std::size_t seen = 0;
+    const auto takeSpace = [&](const auto &space) {
+        const SpaceTargets &targets = space.second;
+        return fingerprints.takeEach(
+            space.first, targets.windows, [&](std::size_t target, const TargetFingerprint &now) {
+                if (!base::report(progress, double(seen++) / double(result.compared)))
+                    return false;
+                const std::size_t place = targets.marks[target];
+                const AcDbObjectPointer<QuillnoteObj3> mark(marks[place], AcDb::kForRead);
+                if (mark && (now.ids.size() != mark->snapEntityCount() || now.checksum != mark->snapChecksum))
+                    changed.emplace(place, describe(*mark, now));
+                return true;
+            });
+    };
+    result.stopped = !std::ranges::all_of(spaces, takeSpace);
+    for (auto &[place, target] : changed)
+        result.changed.push_back(std::move(target));
     return result;
 }
 

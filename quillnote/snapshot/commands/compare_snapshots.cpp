@@ -1,7 +1,6 @@
 #include "quillnote/snapshot/commands/compare_snapshots.h"
 
-#include "quillnote/authoring/mark_set.h"
-#include "quillnote/authoring/redraw_marks.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/snapshot/commands/changed_targets.h"
 #include "quillnote/snapshot/zoom_to_area.h"

@@ -1,6 +1,6 @@
 #include "quillnote/snapshot/commands/compare_verb.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"

@@ -1,6 +1,6 @@
 #include "quillnote/snapshot/commands/delete_pictures.h"
 
-#include "quillnote/authoring/mark_set.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_record.h"
 
 #include "host/acap/docman.h"

@@ -1,7 +1,6 @@
 #include "quillnote/snapshot/commands/refresh_snapshots.h"
 
-#include "quillnote/authoring/mark_set.h"
-#include "quillnote/authoring/redraw_marks.h"
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
 #include "quillnote/entity/password.h"

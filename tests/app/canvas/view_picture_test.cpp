@@ -129,11 +129,11 @@ TEST_F(ViewPictures, ChangesShowWhereTheyAre)
 TEST_F(ViewPictures, ResizingKeepsInViewWhatWasSeen)
 {
     ASSERT_TRUE(stage.becomesSharp());
-    const AcApView &shown = stage.document().view();
+    const AcGeView &shown = stage.document().view();
     for (const bool userMoves : {false, true}) {
         if (userMoves)
             stage.wheel({100, 200}, 240);
-        const AcApView before = shown;
+        const AcGeView before = shown;
         for (const QSize size : {QSize(901, 155), QSize(150, 455), stage.view.size()}) {
             stage.view.resize(size);
             expectFresh();
@@ -147,14 +147,14 @@ TEST_F(ViewPictures, ResizingKeepsInViewWhatWasSeen)
 
 TEST_F(ViewPictures, ZoomPreviousTakesBackARunOfMovesByHand)
 {
-    const AcApView &shown = stage.document().view();
+    const AcGeView &shown = stage.document().view();
     const auto previous = [&] { stage.play({[&] { stage.type("ZOOM P"); }}); };
-    const AcApView first = shown;
+    const AcGeView first = shown;
     stage.wheel({100, 200}, 120);
     stage.wheel({100, 200}, 120);
     stage.view.panBy({10, 0});
     QTest::qWait(900); // A rest.
-    const AcApView second = shown;
+    const AcGeView second = shown;
     QTest::mousePress(&stage.view, Qt::MiddleButton, {}, {400, 300});
     stage.moveTo({430, 310});
     QTest::qWait(900); // Not letting go is no rest.
@@ -176,7 +176,7 @@ TEST_F(ViewPictures, DoubleMiddleClickShowsEverythingAndKeysMove)
     QSignalSpy typed(&stage.view, &window::DrawingView::textTyped);
     QSignalSpy moved(&stage.view, &window::DrawingView::viewChanged);
     QTest::mouseDClick(&stage.view, Qt::MiddleButton, {}, {50, 50});
-    const AcApView shown = stage.document().view();
+    const AcGeView shown = stage.document().view();
     EXPECT_GT(shown.height, 900);
     EXPECT_LT(shown.height, 1500);
     QTest::keyClick(&stage.view, Qt::Key_Left);
@@ -212,7 +212,7 @@ TEST(LargeViewPictures, ZoomToTheFilesExtentsAndThenToTheRealOnes)
 {
     for (const bool userMoves : {false, true}) {
         ViewStage stage(largeDrawing());
-        AcApView &view = stage.document().view();
+        AcGeView &view = stage.document().view();
         stage.view.zoomExtents();
         ASSERT_NEAR(view.height, 400 * 1.02, 15.0);
         if (userMoves)

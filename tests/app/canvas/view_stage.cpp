@@ -31,7 +31,7 @@ ViewStage::ViewStage(const MemoryDrawing &content)
                      [this](const QString &text) { printed += text; });
     QObject::connect(&view, &window::DrawingView::enterPressed, [this] { type({}); });
     view.resize(kWidth, kHeight);
-    AcApView &shown = document().view();
+    AcGeView &shown = document().view();
     shown.centre = {0, 0, 0};
     shown.height = kHeight;
     shown.pixelWidth = kWidth;

@@ -190,8 +190,8 @@ TEST(Prompt, ShowsItsOptionsAsLinks)
 TEST(CommandNames, StandModulesFirstAndOnce)
 {
     tests::WindowSession session;
-    acedRegCmds()->addCommand(QStringLiteral("REVIEW"), QStringLiteral("RV_Note"), QStringLiteral("Note"), 0,
-                              [] {});
+    acedRegCmds()->addCommand(
+        {QStringLiteral("REVIEW"), QStringLiteral("RV_Note"), QStringLiteral("Note"), 0, [] {}});
     const auto names = window::commandNames();
     acedRegCmds()->removeGroup(QStringLiteral("REVIEW"));
     const auto place = [&](const char *name) {

@@ -217,10 +217,11 @@ TEST_F(Guard, ClosingAsksOnlyAboutUnsavedChanges)
     EXPECT_TRUE(guard.mayClose(document));
     change(document);
     answers(QMessageBox::Cancel, QMessageBox::Discard, QMessageBox::Save);
-    EXPECT_FALSE(guard.mayQuit());
-    EXPECT_TRUE(guard.mayQuit());
+    const std::vector<AcApDocument *> all = acDocManager()->allDocuments();
+    EXPECT_FALSE(guard.mayClose(all));
+    EXPECT_TRUE(guard.mayClose(all));
     EXPECT_TRUE(document->isModified());
-    EXPECT_TRUE(guard.mayQuit());
+    EXPECT_TRUE(guard.mayClose(all));
     EXPECT_FALSE(document->isModified());
     EXPECT_EQ(asked().size(), 3);
 }

@@ -111,6 +111,7 @@ TEST(MainWindow, ShowsWhatIsReadOnlyWhatIsChosenAndWhatItAsksAbout)
     changed->database()->setHeaderVariable("$USERI1", {{70, std::int64_t(1)}});
     AcApDocument *const current = *acDocManager()->openDocument(plan, AcApOpenAs::readOnly);
     QString seen;
+    QTimer whenAsked;
     session.play({
         [&] {
             EXPECT_TRUE(mainWindow.windowTitle().contains(u"只读"));
@@ -120,13 +121,19 @@ TEST(MainWindow, ShowsWhatIsReadOnlyWhatIsChosenAndWhatItAsksAbout)
             mainWindow.findChild<window::DrawingView *>()->refresh();
             EXPECT_TRUE(status->factsText().contains(u'1'));
 
-            QTimer::singleShot(0, [&] {
+            QObject::connect(&whenAsked, &QTimer::timeout, [&] {
+                auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+                if (!box)
+                    return;
+                whenAsked.stop();
                 seen = mainWindow.windowTitle();
                 EXPECT_EQ(documents->currentIndex(), 0);
-                if (auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
-                    box->button(QMessageBox::Cancel)->click();
+                box->button(QMessageBox::Cancel)->click();
             });
+            whenAsked.start();
             mainWindow.QWidget::close();
+        },
+        [&] {
             EXPECT_TRUE(seen.contains(changed->docTitle()));
             EXPECT_TRUE(acDocManager()->isOpen(current));
             session.front.giveText({});

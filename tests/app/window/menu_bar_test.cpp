@@ -129,8 +129,8 @@ TEST_F(MenuBarTest, UndoTellsWhatItWouldUndo)
         session.front.giveText({});
     };
     session.play({run("_LINE 0,0 1,1 ;"), look, run("_CIRCLE 0,0 5 "), look, run("_U "), look});
-    EXPECT_EQ(undone, (QStringList{QStringLiteral("撤销 画墙"), QStringLiteral("撤销 圆"),
-                                   QStringLiteral("撤销 画墙")}));
+    EXPECT_EQ(undone, (QStringList{QStringLiteral("撤销 直线"), QStringLiteral("撤销 圆"),
+                                   QStringLiteral("撤销 直线")}));
     EXPECT_EQ(redone,
               (QStringList{QStringLiteral("重做"), QStringLiteral("重做"), QStringLiteral("重做 圆")}));
 }

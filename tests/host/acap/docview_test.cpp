@@ -17,10 +17,10 @@ void addViewport(MemoryDrawing &drawing, const char *name, double centre, double
         {{12, AcGePoint2d(centre, 0)}, {17, AcGePoint3d(100, 0, 0)}, {40, height}, {51, twistDegrees}});
 }
 
-AcApView opened(const AcDbDatabase &database)
+AcGeView opened(const AcDbDatabase &database)
 {
     AcApDocManager manager;
-    AcApView view = AcApDocument().view();
+    AcGeView view = AcApDocument().view();
     acapRestoreView(database, database.currentSpaceId(), view);
     return view;
 }
@@ -33,14 +33,15 @@ TEST(SavedView, IsTheFirstActiveViewport)
     addViewport(drawing, "Other", 1, 11, 0);
     addViewport(drawing, "*Active", 10, 50, 90);
     addViewport(drawing, "*Active", 3, 33, 0);
-    const AcApView view = opened(*drawing.open());
+    const AcGeView view = opened(*drawing.open());
     EXPECT_DOUBLE_EQ(view.height, 50);
     EXPECT_DOUBLE_EQ(view.twist, kGePi / 2);
     // The centre is filed in the view's own frame, from the target on.
-    const AcGeVector3d offset = acapViewFrame(view.twist) * (view.centre - AcGePoint3d(100, 0, 0));
+    const AcGeVector3d offset =
+        AcGeMatrix3d::rotation(view.twist, AcGeVector3d::kZAxis) * (view.centre - AcGePoint3d(100, 0, 0));
     EXPECT_NEAR(offset.x, 10, 1e-9);
     EXPECT_NEAR(offset.y, 0, 1e-9);
-    EXPECT_EQ(view.pixelWidth, AcApView().pixelWidth);
+    EXPECT_EQ(view.pixelWidth, AcGeView().pixelWidth);
 }
 
 TEST(SavedView, OldDrawingsHaveItInTheHeader)
@@ -48,7 +49,7 @@ TEST(SavedView, OldDrawingsHaveItInTheHeader)
     MemoryDrawing drawing(DrawingVersion::r12);
     drawing.headerVariable("$VIEWCTR", {{10, AcGePoint2d(7, 8)}});
     drawing.headerVariable("$VIEWSIZE", {{40, 20.0}});
-    const AcApView view = opened(*drawing.open());
+    const AcGeView view = opened(*drawing.open());
     EXPECT_EQ(view.centre, AcGePoint3d(7, 8, 0));
     EXPECT_DOUBLE_EQ(view.height, 20);
 }
@@ -61,7 +62,7 @@ TEST(SavedView, OfASheetIsItsOwnViewport)
     const auto sheet = drawing.paperSpace();
     drawing.entity("VIEWPORT", {{69, 2}, {12, AcGePoint2d(1, 1)}, {45, 9.0}}, sheet);
     drawing.entity("VIEWPORT", {{69, 1}, {12, AcGePoint2d(210, 148)}, {45, 300.0}}, sheet);
-    const AcApView view = opened(*drawing.open());
+    const AcGeView view = opened(*drawing.open());
     EXPECT_EQ(view.centre, AcGePoint3d(210, 148, 0));
     EXPECT_DOUBLE_EQ(view.height, 300);
 }
@@ -71,7 +72,7 @@ TEST(SavedView, DamagedNumbersChangeNothing)
     for (const double height : {0.0, -5.0, 1e300, double(NAN)}) {
         MemoryDrawing drawing;
         addViewport(drawing, "*Active", 10, height, 0);
-        EXPECT_DOUBLE_EQ(opened(*drawing.open()).height, AcApView().height) << height;
+        EXPECT_DOUBLE_EQ(opened(*drawing.open()).height, AcGeView().height) << height;
     }
 }
 

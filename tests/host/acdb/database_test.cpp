@@ -124,3 +124,59 @@ TEST_F(OpenTest, ReactorsHearOnceAndMayChangeWhatTheyHear)
                                             "erased LINE", "modified LINE"));
     database->removeReactor(&recorder);
 }
+
+/// Leaves when it hears of something, and takes the others along.
+struct Leaver : AcDbDatabaseReactor {
+    Leaver(AcDbDatabase &watched, std::vector<Leaver *> &all) : m_database(watched), m_all(all)
+    {
+        m_database.addReactor(this);
+    }
+    void objectModified(const AcDbDatabase *, const AcDbObject *) override
+    {
+        ++heard;
+        for (Leaver *const each : m_all)
+            m_database.removeReactor(each);
+    }
+    int heard = 0;
+
+private:
+    AcDbDatabase &m_database;
+    std::vector<Leaver *> &m_all;
+};
+
+TEST_F(OpenTest, AReactorMayLeaveWhileItIsCalled)
+{
+    std::vector<Leaver *> all;
+    Leaver first(*database, all), second(*database, all);
+    all = {&first, &second};
+    for (const int color : {3, 4})
+        AcDbObjectPointer<AcDbEntity>(id(line), AcDb::kForWrite)->setColorIndex(color);
+    EXPECT_EQ(first.heard, 1);
+    EXPECT_EQ(second.heard, 0) << "it had left before its turn";
+}
+
+TEST_F(OpenTest, WhatIsAttachedGoesWhileTheDrawingIsWhole)
+{
+    struct Earlier {
+        explicit Earlier(QStringList &into) : heard(into) {}
+        ~Earlier() { heard.append(QStringLiteral("earlier")); }
+        QStringList &heard;
+    };
+    struct Later {
+        Later(AcDbDatabase &of, QStringList &into) : database(of), heard(into) {}
+        ~Later()
+        {
+            heard.append(database.attachments().find<Earlier>() ? QStringLiteral("later") : QString());
+            heard.append(QString::number(database.modelSpaceId().isValid()));
+        }
+        AcDbDatabase &database;
+        QStringList &heard;
+    };
+    QStringList heard;
+    base::Attachments &attachments = database->attachments();
+    attachments.get<Earlier>(heard);
+    const Later &later = attachments.get<Later>(*database, heard);
+    EXPECT_EQ(&later, attachments.find<Later>());
+    database.reset();
+    EXPECT_EQ(heard, (QStringList{"later", "1", "earlier"}));
+}

@@ -37,7 +37,7 @@ protected:
 
     void add(const QString &name, std::function<void()> function, int flags = ACRX_CMD_MODAL)
     {
-        ASSERT_TRUE(acedRegCmds()->addCommand("TEST", name, name, flags, std::move(function)));
+        ASSERT_TRUE(acedRegCmds()->addCommand({"TEST", name, name, flags, std::move(function)}));
     }
     void setUserNumber(const QByteArray &name, int number)
     {
@@ -54,10 +54,10 @@ TEST(CommandStack, FindsByLocalThenGlobalName)
     AcEdCommandStack stack;
     std::string ran;
     const auto run = [&ran](const char *what) { return [&ran, what] { ran = what; }; };
-    EXPECT_TRUE(stack.addCommand("A", "ERASE", "shanchu", 0, run("erase")));
-    EXPECT_TRUE(stack.addCommand("A", "-LAYER", "-tuceng", 0, run("layer")));
-    EXPECT_TRUE(stack.addCommand("B", "MARK", "erase", 0, run("mark")));
-    EXPECT_FALSE(stack.addCommand("a", "erase", "other", 0, run("")));
+    EXPECT_TRUE(stack.addCommand({"A", "ERASE", "shanchu", 0, run("erase")}));
+    EXPECT_TRUE(stack.addCommand({"A", "-LAYER", "-tuceng", 0, run("layer")}));
+    EXPECT_TRUE(stack.addCommand({"B", "MARK", "erase", 0, run("mark")}));
+    EXPECT_FALSE(stack.addCommand({"a", "erase", "other", 0, run("")}));
 
     const std::pair<const char *, const char *> cases[] = {
         {"ERASE", "mark"},    {"_ERASE", "erase"}, {"._erase", "erase"}, {"shanchu", "erase"},
@@ -258,8 +258,8 @@ TEST_F(Commands, ACommandMayCloseItsDrawing)
 TEST(CommandsWithoutDrawing, OnlySessionCommandsRun)
 {
     int runs = 0;
-    acedRegCmds()->addCommand("TEST", "OPENIT", "OPENIT", ACRX_CMD_SESSION, [&runs] { ++runs; });
-    acedRegCmds()->addCommand("TEST", "DRAWIT", "DRAWIT", ACRX_CMD_MODAL, [&runs] { ++runs; });
+    acedRegCmds()->addCommand({"TEST", "OPENIT", "OPENIT", ACRX_CMD_SESSION, [&runs] { ++runs; }});
+    acedRegCmds()->addCommand({"TEST", "DRAWIT", "DRAWIT", ACRX_CMD_MODAL, [&runs] { ++runs; }});
     ScriptFrontEnd script;
     ASSERT_EQ(curDoc(), nullptr);
     EXPECT_EQ(acedEditor()->runCommand("DRAWIT"), RTERROR);

@@ -26,7 +26,7 @@ protected:
         m_right = line(content, "0", {10, 0, 0}, {20, 5, 0});
         m_locked = line(content, "LOCKED", {10, 0, 0}, {10, 30, 0});
         m_drawing.emplace(content.open());
-        view() = {{10, 0, 0}, 100.0, 0.0, 100, 100};
+        view() = {.centre = {10, 0, 0}, .height = 100, .pixelWidth = 100, .pixelHeight = 100};
     }
 
     static std::uint64_t line(tests::MemoryDrawing &content, const char *layer, AcGePoint3d from,
@@ -35,7 +35,7 @@ protected:
         return content.entity("LINE", {{8, layer}, {100, "AcDbLine"}, {10, from}, {11, to}});
     }
     AcDbObjectId id(std::uint64_t handle) const { return m_drawing->id(handle); }
-    AcApView &view() const { return m_drawing->document().view(); }
+    AcGeView &view() const { return m_drawing->document().view(); }
     std::vector<AcDbObjectId> &pickSet() const { return m_drawing->document().pickSet(); }
 
     QString drag(const QStringList &answers)

@@ -49,6 +49,20 @@ TEST_F(Prompts, PointsCountFromBaseOrLastPoint)
     EXPECT_EQ(last.point(), point);
 }
 
+TEST_F(Prompts, EachDrawingHasALastPointOfItsOwn)
+{
+    ScriptFrontEnd script({"1,2", "@", "@"});
+    AcGePoint3d point;
+    EXPECT_EQ(acedGetPoint(nullptr, "p", point), RTNORM);
+    {
+        const tests::OpenDrawing other{MemoryDrawing().open()};
+        EXPECT_EQ(acedGetPoint(nullptr, "p", point), RTNORM);
+        EXPECT_EQ(point, AcGePoint3d());
+    }
+    EXPECT_EQ(acedGetPoint(nullptr, "p", point), RTNORM);
+    EXPECT_EQ(point, AcGePoint3d(1, 2, 0));
+}
+
 TEST_F(Prompts, PointsAreInTheCurrentUcs)
 {
     turnUcs();

@@ -203,12 +203,12 @@ TEST_F(Lisp, RunsCommandsWithItsValuesAsAnswers)
     QString text;
     int whole = 0;
     double real = 0.0;
-    acedRegCmds()->addCommand(QStringLiteral("LISPTEST"), QStringLiteral("ASKALL"), QStringLiteral("ASKALL"),
-                              ACRX_CMD_SESSION | ACRX_CMD_NOUNDO, [&] {
-                                  acedGetString(true, QStringLiteral("text: "), text);
-                                  acedGetInt(QStringLiteral("whole: "), whole);
-                                  acedGetReal(QStringLiteral("real: "), real);
-                              });
+    acedRegCmds()->addCommand({QStringLiteral("LISPTEST"), QStringLiteral("ASKALL"), QStringLiteral("ASKALL"),
+                               ACRX_CMD_SESSION | ACRX_CMD_NOUNDO, [&] {
+                                   acedGetString(true, QStringLiteral("text: "), text);
+                                   acedGetInt(QStringLiteral("whole: "), whole);
+                                   acedGetReal(QStringLiteral("real: "), real);
+                               }});
     EXPECT_EQ(value(QStringLiteral("(command \"_ASKALL\" \"a b\\\\c\" 7 (+ 1 0.5))")), u"nil");
     acedRegCmds()->removeGroup(QStringLiteral("LISPTEST"));
     EXPECT_EQ(text, u"a b\\c");

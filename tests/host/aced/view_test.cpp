@@ -21,7 +21,7 @@ static void expectNear(const AcGePoint3d &a, const AcGePoint3d &b)
 TEST(View, PixelsAndWorld)
 {
     const tests::OpenDrawing drawing(MemoryDrawing().open());
-    AcApView &view = drawing.document().view();
+    AcGeView &view = drawing.document().view();
     view = {.centre = {100, 50, 0}, .height = 100, .twist = 0, .pixelWidth = 400, .pixelHeight = 200};
     QPoint pixel;
     AcGePoint3d world;
@@ -34,7 +34,7 @@ TEST(View, PixelsAndWorld)
 
     // Turned: what lies along the view's own axes is level on the screen.
     view.twist = 0.3;
-    const AcGeVector3d level = acedViewFrame(view).inverse() * AcGeVector3d(50, 0, 0);
+    const AcGeVector3d level = view.getEyeToWorldTransform() * AcGeVector3d(50, 0, 0);
     ASSERT_TRUE(acedCoordFromWorldToPixel(2, view.centre + level, pixel));
     EXPECT_EQ(pixel, QPoint(300, 100));
     for (const QPoint &there : {QPoint(0, 0), QPoint(399, 17), QPoint(-50, 1000)}) {
@@ -75,8 +75,9 @@ TEST(View, ZoomFitsTheRectangle)
     AcEdViewRecord record{.centre = {10, 0, 0}, .height = 20, .width = 80, .twist = kGePi / 2, .layout = {}};
     EXPECT_EQ(acedSetCurrentView(record), Acad::eOk);
     EXPECT_DOUBLE_EQ(document.view().height, 40);
-    expectNear({}, AcGePoint3d() + (acedViewFrame(document.view()) * document.view().centre.asVector() -
-                                    AcGeVector3d(10, 0, 0)));
+    expectNear({},
+               AcGePoint3d() + (document.view().getWorldToEyeTransform() * document.view().centre.asVector() -
+                                AcGeVector3d(10, 0, 0)));
     record.height = record.width = 0;
     EXPECT_EQ(acedSetCurrentView(record), Acad::eInvalidInput);
     record.height = 1;
@@ -113,7 +114,8 @@ TEST(Coordinates, BetweenWorldUcsAndDisplay)
     const AcGeVector3d along = acedTrans(AcGeVector3d(1, 0, 0), AcEdSpace::ucs, AcEdSpace::world);
     expectNear(AcGePoint3d() + along, {0, 1, 0});
     const AcGePoint3d display = acedTrans(AcGePoint3d(5, 0, 0), AcEdSpace::world, AcEdSpace::display);
-    expectNear(display, AcGePoint3d() + acedViewFrame(drawing.document().view()) * AcGeVector3d(5, 0, 0));
+    expectNear(display,
+               AcGePoint3d() + drawing.document().view().getWorldToEyeTransform() * AcGeVector3d(5, 0, 0));
     expectNear(acedTrans(display, AcEdSpace::display, AcEdSpace::world), {5, 0, 0});
 }
 

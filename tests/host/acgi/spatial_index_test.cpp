@@ -52,11 +52,18 @@ TEST_F(SpatialIndex, AgreesWithLookingAtEverything)
     std::uniform_real_distribution<double> size(0.1, 8.0);
     const std::uint64_t block = drawing.block("B");
     line(0, 0, block);
+    line(-3, 1, block);
+    drawing.entity("CIRCLE", {{10, AcGePoint3d(3, -2, 0)}, {40, 1.5}}, block);
+    const std::uint64_t nested = drawing.block("N");
+    drawing.entity("INSERT", {{2, "B"}, {10, AcGePoint3d(1, 1, 0)}, {50, 30.0}}, nested);
+    drawing.entity("TEXT", {{1, "wide"}, {10, AcGePoint3d(-2, 3, 0)}, {40, 1.0}}, nested);
     for (int i = 0; i < 400; ++i) {
         const AcGePoint3d at(place(random), place(random), 0);
         const AcGePoint3d to = at + AcGeVector3d(size(random) - 4, size(random) - 4, 0);
         if (i % 4 == 0)
             drawing.entity("CIRCLE", {{10, at}, {40, size(random)}});
+        else if (i % 40 == 1)
+            drawing.entity("INSERT", {{2, "N"}, {10, at}, {50, place(random)}, {70, 3}, {44, 9.0}});
         else if (i % 4 == 1)
             drawing.entity("INSERT", {{2, "B"}, {10, at}, {41, size(random)}, {50, place(random)}});
         else if (i % 40 == 2)
@@ -65,23 +72,31 @@ TEST_F(SpatialIndex, AgreesWithLookingAtEverything)
             drawing.entity("LINE", {{10, at}, {11, to}});
     }
     open();
+    std::vector<acgi::Window> windows;
+    std::vector<Handles> expectedCrossing;
     for (int i = 0; i < 100; ++i) {
         const AcGePoint3d one(place(random), place(random), 0);
         const AcGePoint3d other = one + AcGeVector3d(size(random) * 4, size(random) * 4, 0);
         const acgi::Window window = acgi::Window::fromCorners(one, other, i % 3 == 0 ? 0.0 : 0.4);
         Handles expectedInside;
-        Handles expectedCrossing;
+        Handles crossing;
         for (const std::uint32_t entity : database->blockContents(space)->entities) {
             readEntity(AcDbObjectId(database->stub(entity)), [&](const AcDbEntity &e) {
                 if (acgi::liesInside(e, window))
                     expectedInside.push_back(e.handle().value);
                 if (acgi::crosses(e, window))
-                    expectedCrossing.push_back(e.handle().value);
+                    crossing.push_back(e.handle().value);
             });
         }
         EXPECT_EQ(handlesOf(index().insideWindow(space, window)), expectedInside);
-        EXPECT_EQ(handlesOf(index().crossingWindow(space, window)), expectedCrossing);
+        EXPECT_EQ(handlesOf(index().crossingWindow(space, window)), crossing);
+        windows.push_back(window);
+        expectedCrossing.push_back(std::move(crossing));
     }
+    const auto together = index().crossingWindows(space, windows);
+    ASSERT_EQ(together.size(), windows.size());
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        EXPECT_EQ(handlesOf(together[i]), expectedCrossing[i]) << i;
 }
 
 TEST_F(SpatialIndex, OrdersByDrawingAndSortsOutWhatHasNoBox)

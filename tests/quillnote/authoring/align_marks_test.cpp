@@ -22,12 +22,12 @@ static bool areNear(const MarkCorners &a, const MarkCorners &b)
 TEST(AlignedTextBox, IsARectangleInTheView)
 {
     for (const double twist : {0.0, kGePi / 6, kGePi}) {
-        AcApView view;
+        AcGeView view;
         view.twist = twist;
         const AcGeVector3d right = AcGeVector3d::kXAxis.rotateBy(-twist, AcGeVector3d::kZAxis);
         const auto aligned = [&](BoxAlignment alignment) {
             return alignedTextBox(box(70, 90, 40, 10, -twist), box(10, 20, 30, 15, -twist), alignment, right,
-                                  acedViewFrame(view));
+                                  view.getWorldToEyeTransform());
         };
         EXPECT_TRUE(areNear(aligned(BoxAlignment::sides), box(10, 90, 30, 10, -twist))) << twist;
         EXPECT_TRUE(areNear(aligned(BoxAlignment::left), box(10, 90, 40, 10, -twist))) << twist;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "quillnote/authoring/collect_marks.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_state.h"

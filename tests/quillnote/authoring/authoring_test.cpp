@@ -1,10 +1,8 @@
 // Making marks: picking, the record that comes out, its number and layer, and the one collector.
-#include "quillnote/authoring/append_mark.h"
-#include "quillnote/authoring/edit_mark.h"
-#include "quillnote/authoring/leader_text_box.h"
 #include "quillnote/authoring/mark_layer.h"
-#include "quillnote/authoring/pick_points.h"
-#include "quillnote/authoring/rectangle_mark.h"
+#include "quillnote/authoring/mark_opinion.h"
+#include "quillnote/authoring/mark_targets.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_dictionary.h"
 #include "quillnote/snapshot/pending_snapshot.h"
 #include "quillnote/ui/mark_editor.h"
@@ -122,7 +120,7 @@ TEST_F(AuthoringTest, AMarkIsPickedByItsFlagHoweverFarTheViewIsZoomed)
     startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
     startUpSettings().style = 1;
     const AcDbObjectId mark = make();
-    AcApView &view = drawing->document().view();
+    AcGeView &view = drawing->document().view();
     for (const double pixel : {0.01, 0.5}) {
         view.height = pixel * view.pixelHeight;
         const AcGePoint3d flag(20.0 + 20 * pixel, 10.0 - 5 * pixel, 0.0);
@@ -176,17 +174,21 @@ TEST_F(AuthoringTest, ALeaderMarkHasItsTextBesideTheEndOfTheLeader)
 
 TEST(LeaderTextBox, StandsAwayFromTheStart)
 {
-    // Height 2, two lines of 30: the margin is 4, the box 2 x (2 + 2) above the end.
-    const LeaderTextBox right = leaderTextBox({0, 0, 0}, {50, 20, 0}, 2, 2, 30, {});
-    EXPECT_TRUE(right.corner1.isEqualTo({50, 16, 0}, 1e-9));
-    EXPECT_TRUE(right.corner2.isEqualTo({84, 28, 0}, 1e-9));
-    const LeaderTextBox left = leaderTextBox({0, 0, 0}, {-50, 20, 0}, 2, 2, 30, {});
-    EXPECT_TRUE(left.corner1.isEqualTo({-84, 16, 0}, 1e-9));
-    EXPECT_TRUE(left.corner2.isEqualTo({-50, 28, 0}, 1e-9));
-    EXPECT_TRUE(leaderTextBox({5, 0, 0}, {5, 20, 0}, 2, 2, 30, {}).corner1.isEqualTo({5, 16, 0}, 1e-9));
-    EXPECT_EQ(leaderTextLines(QString(39, u'x')), 1);
-    EXPECT_EQ(leaderTextLines(QString(40, u'x')), 2);
-    EXPECT_DOUBLE_EQ(leaderTextWidth(QString(80, u'x'), 10), 2 * leaderTextWidth(QString(40, u'x'), 5));
+    const auto box = [](double x, int length) {
+        return leaderTextBox({0, 0, 0}, {x, 20, 0}, 2, QString(length, u'x'), {});
+    };
+    // Height 2: the margin is 4, the box reaches 2 x (lines + 2) above the end.
+    const double right = box(50, 40).corner2.x;
+    EXPECT_GT(right, 50 + 4 + 40);
+    for (const auto &[length, top] : {std::pair(39, 26), std::pair(40, 28), std::pair(85, 30)}) {
+        const LeaderTextBox wide = box(50, length);
+        EXPECT_TRUE(wide.corner1.isEqualTo({50, 16, 0}, 1e-9)) << length;
+        EXPECT_NEAR(wide.corner2.y, top, 1e-9) << length;
+        EXPECT_EQ(wide.corner2.x == right, length >= 40) << length;
+        EXPECT_NEAR(box(-50, length).corner1.x, -wide.corner2.x, 1e-9) << length;
+        EXPECT_EQ(box(-50, length).corner2.x, -50) << length;
+    }
+    EXPECT_EQ(box(0, 40).corner1.x, 0) << "straight up";
 }
 
 TEST_F(AuthoringTest, NumbersOnlyGrow)
@@ -359,7 +361,7 @@ TEST_F(AuthoringTest, EverythingIncludesFlagsAndWhatElseIsDrawnBeside)
     startUpSettings().viewFlag = startUpSettings().autoFlagSize = true;
     startUpSettings().style = 4;
     make();
-    AcApView &view = drawing->document().view();
+    AcGeView &view = drawing->document().view();
     for (const double twist : {0.0, kGePi / 2}) {
         view.twist = twist;
         run(QStringLiteral("ZOOM"), {"E"});

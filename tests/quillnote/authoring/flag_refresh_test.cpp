@@ -1,7 +1,7 @@
 // The automatic flag refresh: which messages refresh, how often, which marks; and the set of drawn marks that
 // it walks, as drawings open, switch and close.
+#include "quillnote/authoring/all_marks.h"
 #include "quillnote/authoring/flag_refresh.h"
-#include "quillnote/authoring/redraw_marks.h"
 
 #include "host/aced/edview.h"
 #include "host/aced/edwinmsg.h"
@@ -36,9 +36,9 @@ struct FlagRefreshTest : AuthoringTest {
     {
         os::setFixedMilliseconds(clock);
         const AcDbObjectId gone;
-        markDrawingState().drawnMarks.insert(gone);
+        drawnMarks(*acdbCurDwg()).insert(gone);
         EXPECT_FALSE(acedFilterWindowMessage({message, window}));
-        return markDrawingState().drawnMarks.erase(gone) == 0;
+        return drawnMarks(*acdbCurDwg()).erase(gone) == 0;
     }
 };
 
@@ -74,13 +74,13 @@ TEST_F(FlagRefreshTest, ErasedMarksAreForgottenAndComeBackWhenTheyAreDrawn)
 {
     const AcDbObjectId id = make();
     paint(drawing->document());
-    EXPECT_EQ(markDrawingState().drawnMarks.count(id), 1U);
+    EXPECT_EQ(drawnMarks(database()).count(id), 1U);
     run(QStringLiteral("ERASE"), {"L", ""});
     refreshDrawnMarks();
-    EXPECT_TRUE(markDrawingState().drawnMarks.empty());
+    EXPECT_TRUE(drawnMarks(*acdbCurDwg()).empty());
     database().undo().undo();
     paint(drawing->document());
-    EXPECT_EQ(markDrawingState().drawnMarks.count(id), 1U);
+    EXPECT_EQ(drawnMarks(database()).count(id), 1U);
 }
 
 TEST_F(FlagRefreshTest, EachDrawingHasItsOwnDrawnMarks)
@@ -88,29 +88,19 @@ TEST_F(FlagRefreshTest, EachDrawingHasItsOwnDrawnMarks)
     const AcDbObjectId first = make();
     paint(drawing->document());
     auto second = std::make_unique<tests::OpenDrawing>(tests::MemoryDrawing().open());
-    EXPECT_TRUE(markDrawingState().drawnMarks.empty());
+    EXPECT_TRUE(drawnMarks(second->database()).empty());
     const AcDbObjectId other = createMark(second->database(), {});
     paint(second->document());
     // A drawing that is not the current one, and one that is no document, leave nothing behind.
     paint(drawing->document());
     const std::unordered_set<AcDbObjectId> ofSecond{other};
-    EXPECT_EQ(markDrawingState().drawnMarks, ofSecond);
+    EXPECT_EQ(drawnMarks(second->database()), ofSecond);
 
     const std::unordered_set<AcDbObjectId> ofFirst{first};
     acDocManager()->activateDocument(&drawing->document());
-    EXPECT_EQ(markDrawingState().drawnMarks, ofFirst);
+    EXPECT_EQ(drawnMarks(database()), ofFirst);
     second.reset();
-    EXPECT_EQ(markDrawingState().drawnMarks, ofFirst) << "another drawing was closed";
+    EXPECT_EQ(drawnMarks(database()), ofFirst) << "another drawing was closed";
     refreshDrawnMarks();
-    EXPECT_EQ(markDrawingState().drawnMarks, ofFirst);
-}
-
-TEST_F(FlagRefreshTest, AClosedDrawingTakesItsDrawnMarksAlong)
-{
-    make();
-    paint(drawing->document());
-    drawing.reset();
-    EXPECT_TRUE(markDrawingState().drawnMarks.empty());
-    refreshDrawnMarks();
-    EXPECT_FALSE(refreshes(WM_PAINT, 1, 9000)) << "nothing is open";
+    EXPECT_EQ(drawnMarks(database()), ofFirst);
 }

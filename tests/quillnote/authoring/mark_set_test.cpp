@@ -1,6 +1,6 @@
 // Commands over all marks: display, numbers, text below the targets, and the number of one mark.
-#include "quillnote/authoring/mark_display.h"
-#include "quillnote/authoring/renumber.h"
+#include "quillnote/authoring/all_marks.h"
+#include "quillnote/authoring/numbering.h"
 #include "quillnote/entity/mark_dictionary.h"
 
 #include "host/acdb/dbsymtb.h"

@@ -68,7 +68,8 @@ private:
         image.fill(Qt::black);
         const QImage empty = image;
         QPainter painter(&image);
-        const AcGiViewport view{.centre = {50, 50, 0}, .height = 200, .pixelWidth = 200, .pixelHeight = 200};
+        const AcGiViewport view(
+            AcGeView{.centre = {50, 50, 0}, .height = 200, .pixelWidth = 200, .pixelHeight = 200});
         acgi::PaintOptions options;
         options.fillBackground = false;
         acgi::displayOf(*acdbCurDwg()).paintTransients(shown, view, painter, options);
@@ -254,7 +255,7 @@ TEST_F(PolygonMarkTest, TargetsAreUprightInTheView)
     auto mark = onlyMark();
     EXPECT_TRUE(mark->vertices[0].isEqualTo({50, 0, 0}, 1e-9));
     EXPECT_TRUE(mark->vertices[3].isEqualTo({0, 50, 0}, 1e-9));
-    const AcGeMatrix3d toView = acedViewFrame(drawing->document().view());
+    const AcGeMatrix3d toView = drawing->document().view().getWorldToEyeTransform();
     const double side = 50 * std::sqrt(2.0);
     const AcGePoint3d low = toView * mark->targetCorner1;
     EXPECT_TRUE((toView * mark->targetCorner2).isEqualTo(low + AcGeVector3d(side, side, 0), 1e-9));

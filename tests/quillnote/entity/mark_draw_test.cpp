@@ -98,7 +98,7 @@ TEST_F(MarkDrawTest, APassLeavesTracesOnlyInWhatIsNotFiled)
     markDrawingState().textSuppressed = true;
     draw(*mark);
     EXPECT_EQ(markFieldValues(*mark), valuesBefore);
-    EXPECT_EQ(markDrawingState().drawnMarks.count(id), 1u);
+    EXPECT_EQ(drawnMarks(*id.database()).count(id), 1u);
     EXPECT_FALSE(markDrawingState().textSuppressed) << "lasts for one pass";
     EXPECT_FALSE(mark->textEndPoint) << "the text was left out";
     EXPECT_FALSE(mark->outlineCache.empty());
@@ -110,7 +110,7 @@ TEST_F(MarkDrawTest, HiddenMarksDrawNothingAnywhere)
 {
     const AcDbObjectId id = append([](QuillnoteObj3 &mark) { mark.displayMode = -1; });
     EXPECT_EQ(draw(id), QStringList());
-    EXPECT_TRUE(markDrawingState().drawnMarks.empty());
+    EXPECT_TRUE(drawnMarks(*id.database()).empty());
     tests::Recorder recorder;
     AcGiWorldDraw context(recorder, kAcGiSaveWorldDrawForProxy);
     AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->saveAs(&context);

@@ -67,7 +67,7 @@ struct MarkPictures : testing::Test {
     /// Letters and the edges of waves may fall on other sides of a pixel.
     void compareConverted(const QImage &marks, const acgi::PaintOptions &options) const
     {
-        AcApView &seen = drawing->document().view();
+        AcGeView &seen = drawing->document().view();
         seen.height = seen.pixelHeight; // A pixel is a unit, as in the pictures.
         EXPECT_GT(convertMarks(drawing->database()).converted, 0U);
         const AcGiViewport view = tests::planView(0, 0, marks.width(), marks.height());
@@ -157,8 +157,8 @@ static void addOfEveryKind(const MarkPictures &pictures)
 TEST_F(MarkPictures, Plotted)
 {
     addOfEveryKind(*this);
-    acedRegCmds()->addCommand(QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
-                              [&] { matched(tests::planView(0, 0, 440, 220), QStringLiteral("plotted")); });
+    acedRegCmds()->addCommand({QStringLiteral("TEST"), QStringLiteral("PLOT"), QStringLiteral("PLOT"), 0,
+                               [&] { matched(tests::planView(0, 0, 440, 220), QStringLiteral("plotted")); }});
     EXPECT_EQ(acedEditor()->runCommand(QStringLiteral("PLOT")), RTNORM);
     acedRegCmds()->removeGroup(QStringLiteral("TEST"));
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "quillnote/authoring/collect_marks.h"
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/mark_values.h"
@@ -54,8 +54,10 @@ struct ReportsTest : testing::Test {
         return id;
     }
 
-    /// One mark a state: answered, sub-numbered, with leader, hostile, hidden, drawn by hand, on a sheet,
-    /// without a name and with a status that is none.
+    inline static const QString kLongText = QString(64 * 1024, u'长');
+
+    /// One mark a state: answered, sub-numbered, with leader, hostile, hidden, drawn by hand and with 64 KB
+    /// of text, on a sheet, without a name and with a status that is none.
     static void addEveryKind(const tests::OpenDrawing &drawing)
     {
         AcDbDatabase &database = drawing.database();
@@ -79,17 +81,19 @@ struct ReportsTest : testing::Test {
         mark(database, QStringLiteral("😀 m² Ø12"), handling::kRefused);
         AcDbObjectPointer<QuillnoteObj3>(mark(database, QStringLiteral("隐藏")), AcDb::kForWrite)
             ->displayMode = -1;
-        AcDbObjectPointer<QuillnoteObj3>(mark(database, QStringLiteral("手绘")), AcDb::kForWrite)
-            ->sketchData = QByteArray("no sketch");
+        AcDbObjectPointer<QuillnoteObj3>(mark(database, kLongText), AcDb::kForWrite)->sketchData =
+            QByteArray("no sketch");
         acedMakeSpaceCurrent(drawing.document(), database.paperSpaceId());
         AcDbObjectPointer<QuillnoteObj3> last(mark(database, QStringLiteral("图纸空间"), 9), AcDb::kForWrite);
         last->suggestionName.clear();
         acedMakeSpaceCurrent(drawing.document(), database.modelSpaceId());
     }
 
-    static QByteArray withoutPath(const QString &report, const QString &drawing)
+    /// With short names for the path of the drawing and for the long text.
+    static QByteArray shortened(const QString &report, const QString &drawing)
     {
-        return tests::readFile(report).replace(drawing.toUtf8(), "<DRAWING>");
+        const QByteArray longText = QByteArray("\xb3\xa4").repeated(kLongText.size());
+        return tests::readFile(report).replace(drawing.toUtf8(), "<DRAWING>").replace(longText, "<LONG>");
     }
 
     tests::TempDir folder;

@@ -17,7 +17,7 @@ TEST_F(ReportsTest, TextReportListsEveryMark)
     addEveryKind(drawing);
     tests::ScriptFrontEnd script;
     QN3_QuillnoteOutputTxt();
-    EXPECT_TRUE(tests::matchesGolden(tests::readFile(folder.path(QStringLiteral("a#1_dwg.txt"))),
+    EXPECT_TRUE(tests::matchesGolden(shortened(folder.path(QStringLiteral("a#1_dwg.txt")), path),
                                      QStringLiteral("quillnote/reports/golden/text.txt")));
     EXPECT_THAT(script.printed.toStdString(), testing::HasSubstr("没有其中 3 个字符"));
 }
@@ -35,17 +35,17 @@ TEST_F(ReportsTest, WebReportHasAPictureAndATableForEachMark)
 
     const QString page = folder.path(QStringLiteral("a_1_dwg.html"));
     EXPECT_TRUE(
-        tests::matchesGolden(withoutPath(page, path), QStringLiteral("quillnote/reports/golden/web.html")));
+        tests::matchesGolden(shortened(page, path), QStringLiteral("quillnote/reports/golden/web.html")));
     EXPECT_THAT(script.printed.toStdString(), testing::HasSubstr("为了在网页中排版合理"));
     EXPECT_THAT(script.printed.toStdString(), testing::HasSubstr("评图标签 4 的文字中有浏览器会执行的标记"));
     EXPECT_THAT(script.printed.toStdString(),
                 testing::EndsWith(QStringLiteral("\n网页版标记已输出为<%1>。").arg(page).toStdString()));
     EXPECT_THAT(requests, testing::ElementsAre(os::ShellRequest{page, {}, {}, false}));
     EXPECT_EQ(tests::readFile(folder.path(QStringLiteral("PNG/a_1-10.png"))), "an earlier picture");
-    const AcApView &view = drawing.document().view();
+    const AcGeView &view = drawing.document().view();
     for (const int number : {9, 11, 16}) {
         const QImage picture(folder.path(QStringLiteral("PNG/a_1-%1.png").arg(number)));
-        EXPECT_EQ(picture.size(), QSize(view.pixelWidth, view.pixelHeight)) << number;
+        EXPECT_EQ(picture.size(), QSize(int(view.pixelWidth), int(view.pixelHeight))) << number;
     }
     // The last mark stands on a sheet, and the sheet is on the screen.
     EXPECT_FALSE(acedIsModelSpaceCurrent(drawing.document()));
@@ -73,21 +73,19 @@ TEST_F(ReportsTest, SheetHasARowForEachMark)
     QN3_outputHtmlWithNoPng();
     const QString page = folder.path(QStringLiteral("a_1_dwgN.html"));
     EXPECT_TRUE(
-        tests::matchesGolden(withoutPath(page, path), QStringLiteral("quillnote/reports/golden/sheet.html")));
+        tests::matchesGolden(shortened(page, path), QStringLiteral("quillnote/reports/golden/sheet.html")));
     EXPECT_THAT(script.printed.toStdString(),
                 testing::EndsWith(QStringLiteral("\n图纸校审单已输出为<%1>。").arg(page).toStdString()));
 
-    // The viewer of its own, when it is installed, and long texts.
+    // The viewer of its own, when it is installed.
     QDir(folder.path()).mkdir(QStringLiteral("installed"));
     const QString viewer = folder.write(QStringLiteral("installed/openSheet.exe"), "program");
-    mark(drawing.database(), QString(64 * 1024, u'长'));
     script.printed.clear();
     QN3_outputHtmlWithNoPng();
     EXPECT_THAT(script.printed.toStdString(),
                 testing::EndsWith(
                     QStringLiteral("\n图纸校审单已输出为<%1>, 马上会自动打开。").arg(page).toStdString()));
     EXPECT_EQ(requests.back(), (os::ShellRequest{viewer, {page}, {}, true}));
-    EXPECT_TRUE(tests::readFile(page).contains(QByteArray("\xb3\xa4").repeated(64 * 1024)));
 }
 
 TEST_F(ReportsTest, NothingIsWrittenWithoutMarksOrAName)

@@ -36,7 +36,7 @@ struct CaptureTest : testing::Test {
             "LINE",
             {{62, 1}, {100, "AcDbLine"}, {10, AcGePoint3d(-500, 5, 0)}, {11, AcGePoint3d(500, 5, 0)}});
         drawing = std::make_unique<tests::OpenDrawing>(memory.open());
-        drawing->document().view() = AcApView();
+        drawing->document().view() = AcGeView();
         drawing->document().view().height = 100; // 10 pixels a unit; the view is 160 wide.
     }
     ~CaptureTest() override

@@ -3,12 +3,16 @@
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/snapshot/fingerprint.h"
 
+#include "host/acdb/dbapi.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/owngroups.h"
 #include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 #include "tests/support/script_front_end.h"
 
 #include <gmock/gmock.h>
+
+#include <random>
 
 using testing::ElementsAre;
 
@@ -152,4 +156,92 @@ TEST_F(FingerprintTest, ATargetHasItsOwnSidesHoweverItIsSeen)
     const MarkCorners beside{
         .corner1 = {40, 20, 0}, .corner2 = {40, 60, 0}, .corner3 = {20, 40, 0}, .corner4 = {60, 40, 0}};
     EXPECT_EQ(computeTargetFingerprint(beside).ids.size(), 1U) << "the circle in its middle";
+}
+
+/// A drawing of many kinds in a square of 100, some of them changed since it was opened.
+static std::unique_ptr<tests::OpenDrawing> crowdedDrawing(std::mt19937 &random, int entities)
+{
+    std::uniform_real_distribution<double> place(0.0, 100.0);
+    tests::MemoryDrawing memory;
+    memory.entity("LINE", {{100, "AcDbLine"}, {10, AcGePoint3d()}, {11, AcGePoint3d(3, 1, 0)}},
+                  memory.block("B"));
+    std::vector<std::uint64_t> handles;
+    for (int i = 0; i < entities; ++i) {
+        const tests::Group at(10, AcGePoint3d(place(random), place(random), 0));
+        const tests::Group to(11, AcGePoint3d(place(random), place(random), 0));
+        if (i % 5 == 0)
+            handles.push_back(memory.entity("LINE", {{100, "AcDbLine"}, at, to, {1001, "APP"}, {1000, "x"}}));
+        else if (i % 5 == 1)
+            handles.push_back(memory.entity("CIRCLE", {{100, "AcDbCircle"}, at, {40, place(random) / 20}}));
+        else if (i % 5 == 2)
+            handles.push_back(
+                memory.entity("INSERT", {{100, "AcDbBlockReference"}, {2, "B"}, at, {50, 40.0}}));
+        else if (i % 5 == 3)
+            handles.push_back(memory.entity("TEXT", {{100, "AcDbText"}, {1, "门 %%c"}, at, {40, 1.0}}));
+        else
+            handles.push_back(memory.entity("STRANGE_KIND", {{100, "AcDbStrange"}, at, {90, i}}));
+    }
+    auto drawing = std::make_unique<tests::OpenDrawing>(memory.open());
+    for (std::size_t i = 0; i < handles.size(); i += 7)
+        AcDbObjectPointer<AcDbEntity>(drawing->id(handles[i]), AcDb::kForWrite)
+            ->transformBy(AcGeMatrix3d::translation({1.0 / 3, 0, 0}));
+    return drawing;
+}
+
+/// Each entity of the drawing is looked at, and its whole text is made.
+static TargetFingerprint takenSlowly(AcDbDatabase &database, const acgi::Window &window)
+{
+    TargetFingerprint taken;
+    std::int32_t sum = 0;
+    for (const std::uint32_t index : database.blockContents(database.modelSpaceId())->entities) {
+        const AcDbObjectId id(database.stub(index));
+        bool crosses = false;
+        readEntity(id, [&](const AcDbEntity &entity) { crosses = acgi::crosses(entity, window); });
+        if (!crosses)
+            continue;
+        taken.ids.insert(taken.ids.begin(), id);
+        sum = fingerprintSum(fingerprintText(acdbEntGetX(id, QStringLiteral("*"))), sum);
+    }
+    if (!taken.ids.empty())
+        taken.checksum = QStringLiteral("SUM=%1").arg(sum);
+    return taken;
+}
+
+TEST_F(FingerprintTest, ManyTakenTogetherAreThoseTakenOneByOne)
+{
+    std::mt19937 random(13);
+    std::uniform_real_distribution<double> place(-10.0, 100.0);
+    std::uniform_real_distribution<double> size(0.5, 15.0);
+    const auto crowded = crowdedDrawing(random, 600);
+    AcDbDatabase &database = crowded->database();
+    const AcGePoint3d beyond(-1000, -1000, 0);
+    std::vector<acgi::Window> targets;
+    for (int i = 0; i < 60; ++i) {
+        const AcGePoint3d low(place(random), place(random), 0);
+        targets.push_back(acgi::Window::fromCorners(low, low + AcGeVector3d(size(random), size(random), 0),
+                                                    i % 2 ? 0.0 : 0.5));
+    }
+    // More than one batch holds.
+    targets.insert(targets.end(), 400, acgi::Window::fromCorners(beyond, {1000, 1000, 0}));
+
+    std::vector<TargetFingerprint> together(targets.size());
+    const auto keep = [&](std::size_t target, TargetFingerprint taken) {
+        together[target] = std::move(taken);
+        return true;
+    };
+    EXPECT_TRUE(FingerprintTaker(database).takeEach(database.modelSpaceId(), targets, keep));
+    for (std::size_t i = 0; i < 61; ++i) {
+        const TargetFingerprint slowly = takenSlowly(database, targets[i]);
+        EXPECT_EQ(together[i].ids, slowly.ids) << i;
+        EXPECT_EQ(together[i].checksum, slowly.checksum) << i;
+    }
+    for (std::size_t i = 61; i < targets.size(); ++i) {
+        EXPECT_EQ(together[i].ids, together[60].ids) << i;
+        EXPECT_EQ(together[i].checksum, together[60].checksum) << i;
+    }
+    std::size_t heard = 0;
+    EXPECT_FALSE(FingerprintTaker(database).takeEach(
+        database.modelSpaceId(), targets,
+        [&](std::size_t, const TargetFingerprint &) { return ++heard < 3; }));
+    EXPECT_EQ(heard, 3U);
 }

@@ -12,11 +12,11 @@ struct ZoomTest : testing::Test {
     ZoomTest() : drawing(tests::MemoryDrawing().open())
     {
         settings::setNumber(u"viewScale2", 0);
-        view() = AcApView();
+        view() = AcGeView();
         view().pixelWidth = 200;
         view().pixelHeight = 100;
     }
-    AcApView &view() const { return drawing.document().view(); }
+    AcGeView &view() const { return drawing.document().view(); }
     const tests::OpenDrawing drawing;
     const AcDbExtents area{{10, 20, 0}, {30, 30, 0}};
 };

@@ -334,13 +334,16 @@ QByteArray DwgFile::classes() const
                   whole.bytes());
 }
 
-/// Empty: what the variables are is tested on real files.
+/// Zeros say zero in every code; what the variables are is tested on real files.
 QByteArray DwgFile::header() const
 {
+    constexpr qsizetype kAllVariables = 6000;
     BitWriter data;
     if (m_version >= DrawingVersion::r2007)
-        data.rl(33);
+        data.rl(m_hasVariables ? kAllVariables / 2 * 8 : 33);
     data.rl(0);
+    if (m_hasVariables)
+        data.raw(QByteArray(kAllVariables, '\0'));
     return framed(m_version, "CF7B1F23FDDE38A95F7C68B84E6D335F", "3084E0DC0221C756A0839747B192CCA0",
                   data.bytes());
 }
@@ -422,7 +425,7 @@ QByteArray DwgFile::paged() const
                                                           {"AcDb:Handles", objectMap(places)},
                                                           {"AcDb:AcDbObjects", objects}};
     constexpr qsizetype kFirstPage = 0x100;
-    constexpr qsizetype kPageSize = 0x800; // Large enough for each section.
+    constexpr qsizetype kPageUnit = 0x800;
     QByteArray pages, pageMap, sectionMap(0x14, '\0');
     putNumber(sectionMap, 0, std::size(sections), 4);
     const auto padded = [](QByteArray page) { return page.append((32 - page.size() % 32) % 32, '\0'); };
@@ -435,11 +438,12 @@ QByteArray DwgFile::paged() const
     };
     int number = 0;
     for (const auto &[name, content] : sections) {
-        const QByteArray data = packed(content + QByteArray(kPageSize - content.size(), '\0'));
+        const qsizetype pageSize = (content.size() / kPageUnit + 1) * kPageUnit;
+        const QByteArray data = packed(content + QByteArray(pageSize - content.size(), '\0'));
         QByteArray head(32, '\0');
         putNumber(head, 0, 0x4163043B, 4);
         putNumber(head, 8, std::uint64_t(data.size()), 4);
-        putNumber(head, 0xC, kPageSize, 4);
+        putNumber(head, 0xC, std::uint64_t(pageSize), 4);
         const std::uint32_t dataSum = dwg::pageChecksum(0, viewOf(data));
         putNumber(head, 0x1C, dataSum, 4);
         putNumber(head, 0x18, dwg::pageChecksum(dataSum, viewOf(head)), 4);
@@ -450,7 +454,7 @@ QByteArray DwgFile::paged() const
         QByteArray description(0x60 + 16, '\0');
         putNumber(description, 0, std::uint64_t(content.size()), 8);
         putNumber(description, 8, 1, 4);
-        putNumber(description, 0xC, kPageSize, 4);
+        putNumber(description, 0xC, std::uint64_t(pageSize), 4);
         putNumber(description, 0x14, 2, 4);
         description.replace(0x20, name.size(), name);
         putNumber(description, 0x60, std::uint64_t(number), 4);
@@ -515,7 +519,7 @@ QByteArray DwgFile::bytes() const
 
 // A drawing --------------------------------------------------------------------------------------
 
-QByteArray smallDwg(DrawingVersion version)
+QByteArray smallDwg(DrawingVersion version, bool hasVariables)
 {
     enum : std::uint64_t {
         blocks = 1,
@@ -538,6 +542,8 @@ QByteArray smallDwg(DrawingVersion version)
         custom = 0x33
     };
     DwgFile file(version);
+    if (hasVariables)
+        file.addVariables();
     file.addClass("TESTWALL", true);
     const auto control = [&file](std::uint64_t handle, int type, std::vector<std::uint64_t> records) {
         file.object(handle, type, [&](DwgObject &o) {

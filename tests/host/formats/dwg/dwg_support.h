@@ -76,6 +76,8 @@ public:
     void object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body);
     /// Classes count from 500.
     void addClass(const QByteArray &dxfName, bool isEntity);
+    /// All variables of the version, which are zero or empty.
+    void addVariables() { m_hasVariables = true; }
     QByteArray bytes() const;
 
 private:
@@ -87,11 +89,12 @@ private:
     QByteArray paged21() const;
 
     DrawingVersion m_version;
+    bool m_hasVariables = false;
     std::map<std::uint64_t, QByteArray> m_records;
     std::vector<std::pair<QByteArray, bool>> m_classes;
 };
 
 /// A drawing with a layer that is off, a line, a text, a circle with extended data and a custom entity.
-QByteArray smallDwg(DrawingVersion version);
+QByteArray smallDwg(DrawingVersion version, bool hasVariables = false);
 
 } // namespace tests

@@ -6,7 +6,7 @@
 #include "quillnote/snapshot/commands/place_differences.h"
 #include "quillnote/snapshot/commands/refresh_snapshots.h"
 
-#include "quillnote/authoring/create_mark.h"
+#include "quillnote/authoring/new_mark.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/entity/password.h"

@@ -1,7 +1,0 @@
-#include "quillnote/authoring/append_state.h"
-
-AppendState &appendState()
-{
-    static AppendState state;
-    return state;
-}
