@@ -40,9 +40,9 @@ std::vector<MapEntry> readObjectMap(Container &container)
         map.remove_prefix(size + 2);
     }
     if (badChunks != 0)
-        container.warn(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
+        container.warnOfLoss(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
     if (!ended)
-        container.warn(Host::tr("the object map has no end"));
+        container.warnOfLoss(Host::tr("the object map has no end"));
     if (!std::ranges::is_sorted(entries, {}, &MapEntry::handle))
         std::ranges::stable_sort(entries, {}, &MapEntry::handle);
     return entries;
@@ -108,7 +108,7 @@ std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container)
             break;
     }
     if (in.data.failed() || in.texts.failed())
-        container.warn(Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
+        container.warnOfLoss(Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
     return classes;
 }
 

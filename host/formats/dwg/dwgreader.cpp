@@ -124,7 +124,7 @@ bool Loading::findObjects()
         last = map[i].handle;
     }
     if (m_damaged != 0)
-        warn(Host::tr("%1 objects are damaged and were left out").arg(m_damaged));
+        m_source.container().warnOfLoss(Host::tr("%1 objects are damaged and were left out").arg(m_damaged));
     if (m_badChecksums != 0)
         warn(Host::tr("%1 objects have a wrong checksum; they are read as they are").arg(m_badChecksums));
     return true;

@@ -43,6 +43,7 @@ public:
     /// The class that a type names; null for those with a number of their own.
     const DwgClass *classOf(int type) const;
     const DwgClass *classNamed(const QByteArray &dxfName) const;
+    const dwg::Container &container() const { return m_container; }
     const dwg::Neighbours &neighbours() const { return m_neighbours; }
     /// What decoding an object of the file needs to know.
     dwg::ObjectPlace placeOf(const AcDbStub &stub) const;
