@@ -242,8 +242,8 @@ DrawingDifference compareSpaces(const ComparedSpace &old, const ComparedSpace &n
                                 const base::ProgressTeller::Listener &listener)
 {
     base::ProgressTeller teller(listener, QStringLiteral("比较图形"));
-    DrawingContent oldContent(*old.database);
-    DrawingContent newContent(*now.database);
+    DrawingContent oldContent;
+    DrawingContent newContent;
     const std::vector<AcDbObjectId> oldSeen = seenIn(old);
     const std::vector<AcDbObjectId> newSeen = seenIn(now);
     const double total = double(oldSeen.size() + newSeen.size());

@@ -124,6 +124,12 @@ Acad::ErrorStatus DwgFiler::readSoftPointerId(AcDbObjectId &value)
     return takeId(value);
 }
 
+/// A handle as a value stands among the data; nothing in the file follows it.
+Acad::ErrorStatus DwgFiler::readAcDbHandle(AcDbHandle &value)
+{
+    return take(value, [](ObjectReader &in) { return AcDbHandle{in.data.handle(0).handle}; });
+}
+
 Acad::ErrorStatus DwgFiler::readBytes(QByteArray &value, std::uint32_t size)
 {
     return take(value, [size](ObjectReader &in) { return in.data.bytes(size); });
@@ -197,6 +203,11 @@ Acad::ErrorStatus DwgFiler::writeHardPointerId(AcDbObjectId value)
 Acad::ErrorStatus DwgFiler::writeSoftPointerId(AcDbObjectId value)
 {
     return putId(Reference::softPointer, value);
+}
+
+Acad::ErrorStatus DwgFiler::writeAcDbHandle(AcDbHandle value)
+{
+    return put([&value](BitWriter &out) { out.handle(0, value.value); });
 }
 
 Acad::ErrorStatus DwgFiler::writeBytes(const QByteArray &value)

@@ -40,6 +40,7 @@ public:
     Acad::ErrorStatus readPoint3d(AcGePoint3d &value) override;
     Acad::ErrorStatus readVector3d(AcGeVector3d &value) override;
     Acad::ErrorStatus readHardPointerId(AcDbObjectId &value) override;
+    Acad::ErrorStatus readAcDbHandle(AcDbHandle &value) override;
     Acad::ErrorStatus readSoftPointerId(AcDbObjectId &value) override;
     Acad::ErrorStatus readBytes(QByteArray &value, std::uint32_t size) override;
 
@@ -53,6 +54,7 @@ public:
     Acad::ErrorStatus writePoint3d(const AcGePoint3d &value) override;
     Acad::ErrorStatus writeVector3d(const AcGeVector3d &value) override;
     Acad::ErrorStatus writeHardPointerId(AcDbObjectId value) override;
+    Acad::ErrorStatus writeAcDbHandle(AcDbHandle value) override;
     Acad::ErrorStatus writeSoftPointerId(AcDbObjectId value) override;
     Acad::ErrorStatus writeBytes(const QByteArray &value) override;
 

@@ -1,8 +1,9 @@
 // usage: dwg_repack FILE.dwg OUT.dwg
 //
-// Packs a drawing again with every object as it is, and compares what was written with the original, record by
-// record and section by section. Prints "AC1027 856 objects, 345600 bits kept, 102258 to 103010 bytes, packing it
-// again gives the same bytes"; fails with the reason when something differs. real_dwg_test.py runs it.
+// Packs a drawing again with every object as it is, and compares what was written with the original, record
+// by record and section by section. Prints "AC1027 856 objects, 345600 bits kept, 102258 to 103010 bytes,
+// packing it again gives the same bytes"; fails with the reason when something differs. real_dwg_test.py runs
+// it.
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
 #include "host/formats/dwg/dwgheader.h"
