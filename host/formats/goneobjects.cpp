@@ -38,6 +38,6 @@ std::vector<bool> goneObjects(const AcDbDatabase &database)
         chain.clear();
     }
     std::vector<bool> gones(states.size());
-    std::ranges::transform(states, gones.begin(), [](State state) { return state == gone; });
+    std::transform(states.begin(), states.end(), gones.begin(), [](State state) { return state == gone; });
     return gones;
 }
