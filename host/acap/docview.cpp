@@ -3,10 +3,10 @@
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
+#include "host/acdb/dbviewport.h"
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 static bool isUsableHeight(double height)
 {
@@ -56,88 +56,42 @@ static bool restoreModelView(const AcDbDatabase &database, AcGeView &view)
 
 // Viewports of sheets -----------------------------------------------------------------------------
 
-static std::int64_t integerOf(const ResbufList &groups, int code, std::int64_t fallback)
-{
-    const resbuf *group = findGroup(groups, code);
-    return group ? group->integer() : fallback;
-}
-
-/// The viewport entities of a sheet that can be read, with what they state as their number (69).
-static std::vector<std::pair<int, AcDbObjectId>> statedViewports(const AcDbDatabase &database,
-                                                                 AcDbObjectId sheet)
-{
-    static const AcDbKind viewportKind = acdbKind("VIEWPORT");
-    std::vector<std::pair<int, AcDbObjectId>> found;
-    const BlockContents *contents = database.blockContents(sheet);
-    if (!contents)
-        return found;
-    for (const std::uint32_t index : contents->entities) {
-        if (database.stub(index)->kind != viewportKind)
-            continue;
-        const AcDbObjectId id(database.stub(index));
-        const AcDbObjectPointer<AcDbEntity> viewport(id, AcDb::kForRead);
-        if (viewport)
-            found.emplace_back(int(integerOf(viewport->groups(), 69, 0)), id);
-    }
-    return found;
-}
-
 std::vector<std::pair<int, AcDbObjectId>> acapSheetViewports(const AcDbDatabase &database, AcDbObjectId sheet)
 {
-    auto viewports = statedViewports(database, sheet);
+    auto viewports = acdbSheetViewports(database, sheet);
     std::erase_if(viewports, [](const auto &each) { return each.first == 1; });
-    // Files of other programs leave numbers out or give one twice.
-    std::set<int> taken;
-    for (auto &[number, id] : viewports) {
-        if (number < 2 || !taken.insert(number).second)
-            number = 0;
-    }
-    int next = 2;
-    for (auto &[number, id] : viewports) {
-        if (number != 0)
-            continue;
-        while (!taken.insert(next).second)
-            ++next;
-        number = next;
-    }
     return viewports;
 }
 
 std::optional<AcApFloatingView> acapFloatingView(const AcDbEntity &viewport)
 {
-    const ResbufList &groups = viewport.groups();
-    const double height = realOf(groups, 41);
-    const double viewHeight = realOf(groups, 45);
-    const double twist = realOf(groups, 51) * kGePi / 180.0;
-    if (!isUsableHeight(height) || !isUsableHeight(viewHeight) || !std::isfinite(twist))
-        return std::nullopt;
-    const resbuf *const stated = findGroup(groups, 16);
-    const AcGeVector3d direction = stated ? stated->point().asVector() : AcGeVector3d::kZAxis;
-    if (!std::isfinite(direction.length()) || direction.isZeroLength())
+    const AcDbViewportData data = acdbViewportData(viewport);
+    if (!isUsableHeight(data.height) || !isUsableHeight(data.viewHeight))
         return std::nullopt;
     AcApFloatingView view;
-    view.scale = height / viewHeight;
-    view.twist = twist;
-    view.isPlan = direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0;
-    view.isOn = integerOf(groups, 68, 1) != 0;
+    view.scale = data.height / data.viewHeight;
+    view.twist = data.twist;
+    view.isPlan = data.isPlan();
+    view.isOn = data.isOn;
     const AcGeMatrix3d upright =
-        view.isPlan ? AcGeMatrix3d() : AcGeMatrix3d::planeToWorld(direction.normal()).inverse();
-    view.toSheet = AcGeMatrix3d::translation(pointOf(groups, 10).asVector()) *
+        view.isPlan ? AcGeMatrix3d() : AcGeMatrix3d::planeToWorld(data.direction.normal()).inverse();
+    view.toSheet = AcGeMatrix3d::translation(data.centre.asVector()) *
                    AcGeMatrix3d::scaling(view.scale, view.scale, view.scale) *
-                   AcGeMatrix3d::translation(-pointOf(groups, 12).asVector()) *
-                   AcGeMatrix3d::rotation(twist, AcGeVector3d::kZAxis) * upright *
-                   AcGeMatrix3d::translation(-pointOf(groups, 17).asVector());
+                   AcGeMatrix3d::translation({-data.viewCentre.x, -data.viewCentre.y, 0.0}) *
+                   AcGeMatrix3d::rotation(data.twist, AcGeVector3d::kZAxis) * upright *
+                   AcGeMatrix3d::translation(-data.target.asVector());
     return view;
 }
 
-/// The sheet itself is shown through the viewport entity whose number is 1.
+/// The sheet itself is shown through the viewport entity that stands for it.
 static bool restoreSheetView(const AcDbDatabase &database, AcDbObjectId space, AcGeView &view)
 {
-    for (const auto &[number, id] : statedViewports(database, space)) {
+    for (const auto &[number, id] : acdbSheetViewports(database, space)) {
         if (number != 1)
             continue;
         const AcDbObjectPointer<AcDbEntity> viewport(id, AcDb::kForRead);
-        return setView(view, {}, pointOf(viewport->groups(), 12), realOf(viewport->groups(), 45), 0.0);
+        const AcDbViewportData data = acdbViewportData(*viewport);
+        return setView(view, {}, {data.viewCentre.x, data.viewCentre.y, 0.0}, data.viewHeight, 0.0);
     }
     return false;
 }

@@ -24,7 +24,7 @@ struct AcApFloatingView {
     bool isPlan = true;   ///< Seen from above.
     bool isOn = true;
 };
-/// From a VIEWPORT entity; none when its numbers make no view (R12 keeps them elsewhere: none).
+/// From a VIEWPORT entity; none when its numbers make no view.
 std::optional<AcApFloatingView> acapFloatingView(const AcDbEntity &viewport);
 /// Numbers (CVPORT, from 2 on) and entities of the viewports of a sheet, without the sheet's own.
 std::vector<std::pair<int, AcDbObjectId>> acapSheetViewports(const AcDbDatabase &database,

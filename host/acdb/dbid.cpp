@@ -3,6 +3,7 @@
 #include "host/acdb/dbdict.h"
 #include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/acdb/kinds/entitykind.h"
 
 #include "host/base/assert.h"
 
@@ -118,20 +119,6 @@ struct KindRow {
 };
 
 // clang-format off
-static constexpr KindRow kEntityKinds[] = {
-    {"3DFACE", "AcDbFace"}, {"3DSOLID", "AcDb3dSolid"}, {"ACAD_PROXY_ENTITY", "AcDbProxyEntity"},
-    {"ACAD_TABLE", "AcDbTable"}, {"ARC", "AcDbArc"}, {"ARC_DIMENSION", "AcDbArcDimension"},
-    {"ATTDEF", "AcDbAttributeDefinition"}, {"BLOCK", "AcDbBlockBegin"}, {"BODY", "AcDbBody"},
-    {"CIRCLE", "AcDbCircle"}, {"DIMENSION", "AcDbDimension"}, {"ELLIPSE", "AcDbEllipse"},
-    {"ENDBLK", "AcDbBlockEnd"}, {"HATCH", "AcDbHatch"}, {"HELIX", "AcDbHelix"}, {"IMAGE", "AcDbRasterImage"},
-    {"LEADER", "AcDbLeader"}, {"LIGHT", "AcDbLight"}, {"LINE", "AcDbLine"}, {"LWPOLYLINE", "AcDbPolyline"},
-    {"MESH", "AcDbSubDMesh"}, {"MLINE", "AcDbMline"}, {"MULTILEADER", "AcDbMLeader"}, {"OLE2FRAME", "AcDbOle2Frame"},
-    {"POINT", "AcDbPoint"}, {"POLYLINE", "AcDb2dPolyline"}, {"RAY", "AcDbRay"}, {"REGION", "AcDbRegion"},
-    {"SECTION", "AcDbSection"}, {"SEQEND", "AcDbSequenceEnd"}, {"SHAPE", "AcDbShape"}, {"SOLID", "AcDbSolid"},
-    {"SPLINE", "AcDbSpline"}, {"SURFACE", "AcDbSurface"}, {"TOLERANCE", "AcDbFcf"}, {"TRACE", "AcDbTrace"},
-    {"UNDERLAY", "AcDbUnderlayReference"}, {"VERTEX", "AcDbVertex"}, {"VIEWPORT", "AcDbViewport"},
-    {"WIPEOUT", "AcDbWipeout"}, {"XLINE", "AcDbXline"},
-};
 static constexpr KindRow kObjectKinds[] = {
     {"ACAD_PROXY_OBJECT", "AcDbProxyObject"}, {"ACDBPLACEHOLDER", "AcDbPlaceHolder"}, {"GROUP", "AcDbGroup"},
     {"IMAGEDEF", "AcDbRasterImageDef"}, {"LAYOUT", "AcDbLayout"}, {"MATERIAL", "AcDbMaterial"},
@@ -165,7 +152,10 @@ static void registerOnce()
         newAcRxClass(QStringLiteral("AcDbObject"), nullptr, {}, [] { return new AcDbObject; });
     AcRxClass *const entity =
         newAcRxClass(QStringLiteral("AcDbEntity"), object, {}, [] { return new AcDbEntity; });
-    addKinds<AcDbEntity>(kEntityKinds, entity);
+    for (const EntityKind &kind : acdbEntityKinds()) {
+        if (kind.className)
+            addKind<AcDbEntity>(kind.className, entity, kind.dxfName);
+    }
     addKinds<AcDbObject>(kObjectKinds, object);
     AcRxClass *const text = addKind<AcDbText>("AcDbText", entity, "TEXT");
     addKind<AcDbAttribute>("AcDbAttribute", text, "ATTRIB");

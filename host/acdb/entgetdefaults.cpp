@@ -1,100 +1,17 @@
 #include "host/acdb/entgetdefaults.h"
 
-#include "host/acdb/dbdatabase.h"
+#include "host/acdb/kinds/entitykind.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <iterator>
 #include <optional>
-#include <unordered_map>
+
+using namespace listed;
 
 namespace
 {
-
-enum class Habit : std::uint8_t {
-    given,        ///< Listed when the entity has it.
-    always,       ///< Listed with its default when the entity has none.
-    unlessDefault ///< Not listed at its default.
-};
-
-struct Row {
-    int code;
-    Habit habit;
-    resbuf::Value defaultValue;
-};
-
-struct Section {
-    /// The marker of the subclass; several when kinds of one name differ in it.
-    std::vector<const char *> markers;
-    std::vector<Row> rows; ///< In the order of the list.
-};
-
-struct Kind {
-    const char *name;
-    std::vector<Section> sections;
-    bool planar = false; ///< Its points have no z.
-    int stop = 101;      ///< From this group on nothing is touched.
-};
-
-Row given(int code)
-{
-    return {code, Habit::given, {}};
-}
-
-Row real(int code, double value)
-{
-    return {code, Habit::always, value};
-}
-
-Row integer(int code, int value)
-{
-    return {code, Habit::always, std::int64_t(value)};
-}
-
-Row text(int code, const char *value)
-{
-    return {code, Habit::always, QString::fromLatin1(value)};
-}
-
-Row point(int code, double x, double y, double z)
-{
-    return {code, Habit::always, AcGePoint3d(x, y, z)};
-}
-
-Row unlessDefault(Row row)
-{
-    row.habit = Habit::unlessDefault;
-    return row;
-}
-
-const Row kNormal = point(210, 0, 0, 1);
-const Row kThickness = unlessDefault(real(39, 0));
-
-/// Text, attributes and attribute definitions share their first half.
-Section textSection()
-{
-    return {{"AcDbText"},
-            {kThickness, given(10), given(40), text(1, ""), real(50, 0), real(41, 1), real(51, 0),
-             text(7, "Standard"), integer(71, 0), integer(72, 0), point(11, 0, 0, 0), kNormal}};
-}
-
-/// Polylines of any sort start with a point that holds the elevation.
-Section polylineSection()
-{
-    return {{"AcDb2dPolyline", "AcDb3dPolyline", "AcDbPolygonMesh", "AcDbPolyFaceMesh"},
-            {integer(66, 1), point(10, 0, 0, 0), kThickness, integer(70, 0), real(40, 0), real(41, 0),
-             kNormal, integer(71, 0), integer(72, 0), integer(73, 0), integer(74, 0), integer(75, 0)}};
-}
-
-Section dimensionSection()
-{
-    return {{"AcDbDimension"},
-            {given(2), given(10), point(11, 0, 0, 0), point(12, 0, 0, 0), integer(70, 0), text(1, ""),
-             integer(71, 5), integer(72, 1), real(41, 1), given(42), integer(73, 0), integer(74, 0),
-             integer(75, 0), real(52, 0), real(53, 0), real(54, 0), real(51, 0), kNormal,
-             text(3, "Standard")}};
-}
 
 /// Display properties of every kind; they keep the order of the file.
 const std::vector<Row> &commonRows()
@@ -111,76 +28,6 @@ const std::vector<Row> &commonRows()
         given(440),
     };
     return rows;
-}
-
-/// The table: kinds, subclasses, codes, defaults; the order of the rows is the order of the list.
-const std::vector<Kind> &kinds()
-{
-    static const std::vector<Kind> table{
-        {"LINE", {{{"AcDbLine"}, {kThickness, given(10), given(11), kNormal}}}},
-        {"POINT", {{{"AcDbPoint"}, {given(10), kThickness, kNormal, real(50, 0)}}}},
-        {"CIRCLE", {{{"AcDbCircle"}, {kThickness, given(10), given(40), kNormal}}}},
-        {"ARC",
-         {{{"AcDbCircle"}, {kThickness, given(10), given(40), kNormal}},
-          {{"AcDbArc"}, {given(50), given(51)}}}},
-        {"ELLIPSE",
-         {{{"AcDbEllipse"}, {given(10), given(11), kNormal, given(40), real(41, 0), real(42, 2 * kGePi)}}}},
-        {"SOLID", {{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), kThickness, kNormal}}}},
-        {"TRACE", {{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), kThickness, kNormal}}}},
-        {"3DFACE", {{{"AcDbFace"}, {given(10), given(11), given(12), given(13), integer(70, 0)}}}},
-        {"LWPOLYLINE",
-         {{{"AcDbPolyline"},
-           {given(90), integer(70, 0), given(43), real(38, 0), real(39, 0), given(10), kNormal}}},
-         true},
-        {"POLYLINE", {polylineSection()}},
-        {"VERTEX",
-         {{{"AcDbVertex"}, {}},
-          {{"AcDb2dVertex", "AcDb3dPolylineVertex", "AcDbPolygonMeshVertex", "AcDbPolyFaceMeshVertex",
-            "AcDbFaceRecord"},
-           {given(10), real(40, 0), real(41, 0), real(42, 0), integer(91, 0), integer(70, 0), real(50, 0),
-            integer(71, 0), integer(72, 0), integer(73, 0), integer(74, 0)}}}},
-        {"SPLINE",
-         {{{"AcDbSpline"},
-           {given(210), integer(70, 0), given(71), given(72), given(73), integer(74, 0), real(42, 1e-7),
-            real(43, 1e-7), given(44), given(12), given(13), given(40), given(41), given(10), given(11)}}}},
-        {"TEXT", {textSection(), {{"AcDbText"}, {integer(73, 0)}}}},
-        {"ATTRIB",
-         {textSection(), {{"AcDbAttribute"}, {given(2), integer(70, 0), integer(73, 0), integer(74, 0)}}}},
-        {"ATTDEF",
-         {textSection(),
-          {{"AcDbAttributeDefinition"},
-           {text(3, ""), given(2), integer(70, 0), integer(73, 0), integer(74, 0)}}}},
-        {"MTEXT",
-         {{{"AcDbMText"},
-           {given(10), given(40), real(41, 0), real(46, 0), integer(71, 1), integer(72, 5), given(3),
-            text(1, ""), text(7, "Standard"), kNormal, given(11), given(42), given(43), given(50),
-            integer(73, 1), real(44, 1)}}},
-         false,
-         75},
-        {"INSERT",
-         {{{"AcDbBlockReference", "AcDbMInsertBlock"},
-           {unlessDefault(integer(66, 0)), given(2), given(10), real(41, 1), real(42, 1), real(43, 1),
-            real(50, 0), integer(70, 0), integer(71, 0), real(44, 0), real(45, 0), kNormal}}}},
-        {"SHAPE",
-         {{{"AcDbShape"},
-           {kThickness, given(10), given(40), given(2), real(50, 0), real(41, 1), real(51, 0), kNormal}}}},
-        {"TOLERANCE",
-         {{{"AcDbFcf"}, {text(3, "Standard"), given(10), text(1, ""), kNormal, point(11, 1, 0, 0)}}}},
-        {"DIMENSION", {dimensionSection()}},
-    };
-    return table;
-}
-
-const Kind *kindOf(AcDbKind kind)
-{
-    static const std::unordered_map<AcDbKind, const Kind *> byKind = [] {
-        std::unordered_map<AcDbKind, const Kind *> map;
-        for (const Kind &each : kinds())
-            map.emplace(acdbKind(each.name), &each);
-        return map;
-    }();
-    const auto found = byKind.find(kind);
-    return found == byKind.end() ? nullptr : found->second;
 }
 
 // Names are found whatever their letters' case, so "STANDARD" is the default as well.
@@ -232,7 +79,7 @@ struct Entry {
 class Settler
 {
 public:
-    explicit Settler(const Kind &kind) : m_kind(kind)
+    explicit Settler(const listed::Groups &kind) : m_kind(kind)
     {
         for (const Section &section : kind.sections)
             m_parts.push_back({nullptr, {}, std::vector<std::vector<Entry>>(section.rows.size())});
@@ -261,7 +108,7 @@ private:
     static void listPart(const Section &section, Part &part, ResbufList &list);
     static void moveAll(ResbufList &from, ResbufList &to);
 
-    const Kind &m_kind;
+    const listed::Groups &m_kind;
     std::vector<Part> m_parts;
     ResbufList m_others; ///< Subclasses that the table does not know.
 };
@@ -419,7 +266,8 @@ void acdbSettleDefaults(AcDbKind kind, ResbufList &content)
     ResbufList common;
     const auto begin = takeCommon(content, common);
     settleCommon(common);
-    const Kind *const known = kindOf(kind);
+    const EntityKind *const row = acdbEntityKind(kind);
+    const listed::Groups *const known = row && !row->listed.sections.empty() ? &row->listed : nullptr;
     const auto stop = known ? std::find_if(begin, content.end(),
                                            [known](const resbuf &group) {
                                                return group.restype == 101 || group.restype == known->stop;

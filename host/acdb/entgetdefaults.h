@@ -2,7 +2,7 @@
 //
 // A file may write a group whose value is the default or leave it out; the platform's lists do not tell
 // which. Each group of the common kinds is listed always, listed only when it differs from its default, or
-// listed when given, and stands at one place. The table of these habits is in the source file.
+// listed when given, and stands at one place. These habits stand with the kinds (kinds/).
 #pragma once
 
 #include "host/acdb/dbid.h"

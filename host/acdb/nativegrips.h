@@ -1,5 +1,4 @@
-// Grips of native entities: one row for each kind says which of its points can be dragged and what dragging
-// does.
+// Grips of native entities; which a kind has stands with the kinds (kinds/).
 #pragma once
 
 #include "host/acdb/dbentity.h"

@@ -23,6 +23,7 @@ TWINS = TOOLS / "dwg_twins"
 REPACK = TOOLS / "dwg_repack"
 # What a mark touches of the objects that are there: its block, its layer's neighbours, dictionaries, heads of tables.
 MOST_TOUCHED = 12
+GATE = TOOLS / "dwg_gate"
 
 # Kind and group, as regular expressions, and why they may differ.
 KNOWN = [
@@ -64,6 +65,13 @@ class RealDwgTest(unittest.TestCase):
         for path in files:
             with self.subTest(path.name):
                 print(f"ok     {path.name}: {self.check(path)}", flush=True)
+
+    def test_kinds_that_may_be_encoded(self):
+        files = [path for path in Path(FOLDER).rglob("*") if path.suffix.lower() == ".dwg"]
+        newer = [path for path in files if path.read_bytes()[:6].decode() not in OLD]
+        done = subprocess.run([GATE, *newer], capture_output=True, text=True)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        print(done.stdout.splitlines()[-1])
 
     def check(self, path):
         info = program.json.loads(program.call("info", path, "--json").stdout)

@@ -207,7 +207,9 @@ void writeBlockName(Encoder &e)
     const auto shown = std::ranges::find(e.rest, 2, &resbuf::restype);
     const resbuf::Value *const known = e.hidden(kBlockName);
     const bool isKept = known && (shown == e.rest.end() || shown->text() == e.old.shownName());
-    e.putText(isKept ? resbuf(2, *known).text() : shown == e.rest.end() ? QString() : storedName(shown->text()));
+    e.putText(isKept                  ? resbuf(2, *known).text()
+              : shown == e.rest.end() ? QString()
+                                      : storedName(shown->text()));
 }
 
 // INSERT -----------------------------------------------------------------------------------------
@@ -321,12 +323,9 @@ void writeParts(Encoder &e)
 std::span<const SpecialRow> blockSpecials()
 {
     static constexpr SpecialRow kRows[] = {
-        {"blockRecord", blockRecord, writeBlockRecord},
-        {"blockName", blockName, writeBlockName},
-        {"insertScale", insertScale, writeInsertScale},
-        {"hasParts", hasParts, writeHasParts},
-        {"partCount", partCount, writePartCount},
-        {"parts", parts, writeParts},
+        {"blockRecord", blockRecord, writeBlockRecord}, {"blockName", blockName, writeBlockName},
+        {"insertScale", insertScale, writeInsertScale}, {"hasParts", hasParts, writeHasParts},
+        {"partCount", partCount, writePartCount},       {"parts", parts, writeParts},
     };
     return kRows;
 }

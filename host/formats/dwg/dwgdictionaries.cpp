@@ -11,7 +11,7 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kBuffer = kFirstHidden, kEmptyItem };
+enum Hidden : int { kBuffer = kFirstHidden, kTextPage, kEmptyItem = kTextPage + 100000 };
 
 void dictionary(Decoder &d)
 {
@@ -96,7 +96,12 @@ bool xrecordGroup(Decoder &d, Bits &data)
             d.text(code, text);
         } else {
             const std::size_t length = data.rawShort();
-            const auto codec = base::TextCodec::fromDwgNumber(data.rawChar());
+            const unsigned page = data.rawChar();
+            const auto texts = std::ranges::count_if(d.out, [](const resbuf &group) {
+                return group.restype < kSubclass && groupKind(group.restype) == GroupKind::text;
+            });
+            d.hidden(kTextPage + int(texts), std::int64_t(page));
+            const auto codec = base::TextCodec::fromDwgNumber(std::uint16_t(page));
             const QByteArray bytes = data.bytes(length);
             d.text(code, decodeText({bytes.constData(), std::size_t(bytes.size())},
                                     codec.known() ? codec : d.in.facts().codec));
@@ -146,7 +151,8 @@ void xrecord(Decoder &d)
     }
 }
 
-bool writeXrecordText(const QString &text, Encoder &e, BitWriter &out)
+/// In the code page that the old record has there.
+bool writeXrecordText(const QString &text, int number, Encoder &e, BitWriter &out)
 {
     if (e.facts.hasTextStream()) {
         out.rawShort(std::uint16_t(text.size()));
@@ -154,14 +160,17 @@ bool writeXrecordText(const QString &text, Encoder &e, BitWriter &out)
             out.rawShort(unit.unicode());
         return text.size() <= 0xFFFF;
     }
-    const QByteArray bytes = e.facts.codec.encode(text, base::Substitute::unicodeEscape);
+    const auto page = std::uint16_t(e.hiddenInteger(kTextPage + number, e.facts.codec.dwgNumber()));
+    const auto codec = base::TextCodec::fromDwgNumber(page);
+    const QByteArray bytes =
+        (codec.known() ? codec : e.facts.codec).encode(text, base::Substitute::unicodeEscape);
     out.rawShort(std::uint16_t(bytes.size()));
-    out.rawChar(e.facts.codec.dwgNumber());
+    out.rawChar(page);
     out.bytes(bytes);
     return bytes.size() <= 0xFFFF;
 }
 
-bool writeXrecordGroup(const resbuf &group, Encoder &e, BitWriter &out)
+bool writeXrecordGroup(const resbuf &group, int textNumber, Encoder &e, BitWriter &out)
 {
     const int code = group.restype;
     const std::int64_t number = group.integer();
@@ -176,7 +185,7 @@ bool writeXrecordGroup(const resbuf &group, Encoder &e, BitWriter &out)
     };
     switch (groupKind(code)) {
     case GroupKind::text:
-        return writeXrecordText(group.text(), e, out);
+        return writeXrecordText(group.text(), textNumber, e, out);
     case GroupKind::point:
     case GroupKind::real:
         out.rawDouble(code >= 50 && code <= 58 ? e.radians(group.real()) : group.real());
@@ -220,8 +229,11 @@ void writeXrecord(Encoder &e)
 {
     BitWriter out;
     const bool hasCloning = !e.own.empty() && e.own.front().restype == 280;
+    int texts = 0;
     for (std::size_t i = hasCloning ? 1 : 0; i < e.own.size(); ++i) {
-        if (!writeXrecordGroup(e.own[i], e, out))
+        const bool isWritten = writeXrecordGroup(e.own[i], texts, e, out);
+        texts += groupKind(e.own[i].restype) == GroupKind::text;
+        if (!isWritten)
             return e.fail(Host::tr("group %1 is too long").arg(e.own[i].restype));
     }
     e.data.bitLong(std::int32_t(out.written().size()));
@@ -321,8 +333,10 @@ void writeIdBuffer(Encoder &e)
 std::span<const SpecialRow> dictionarySpecials()
 {
     static constexpr SpecialRow kRows[] = {
-        {"dictionary", dictionary, writeDictionary}, {"xrecord", xrecord, writeXrecord},
-        {"group", group, writeGroup},                {"sortTable", sortTable, writeSortTable},
+        {"dictionary", dictionary, writeDictionary},
+        {"xrecord", xrecord, writeXrecord},
+        {"group", group, writeGroup},
+        {"sortTable", sortTable, writeSortTable},
         {"idBuffer", idBuffer, writeIdBuffer},
     };
     return kRows;

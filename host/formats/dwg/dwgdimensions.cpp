@@ -11,7 +11,14 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kFlags = kFirstHidden, kBlockScale, kOrdinateFlags, kLeaderFlag, kLeaderOrigin, kLeaderTail };
+enum Hidden : int {
+    kFlags = kFirstHidden,
+    kBlockScale,
+    kOrdinateFlags,
+    kLeaderFlag,
+    kLeaderOrigin,
+    kLeaderTail
+};
 
 /// What all dimensions begin with. Their kind stands in the low bits of group 70.
 void dimension(Decoder &d)
@@ -81,10 +88,11 @@ void kindOfDimension(Decoder &d)
     static constexpr std::array kKinds{6, 0, 1, 5, 2, 4, 3};
     // An arc counts as an angle by three points, a jogged radius as a radius.
     const bool isArc = d.find(71 + kSubclass);
-    const int kind = d.in.type() >= kOrdinateDimension && d.in.type() < kOrdinateDimension + int(kKinds.size())
-                         ? kKinds[std::size_t(d.in.type() - kOrdinateDimension)]
-                     : isArc ? 5
-                             : 4;
+    const int kind =
+        d.in.type() >= kOrdinateDimension && d.in.type() < kOrdinateDimension + int(kKinds.size())
+            ? kKinds[std::size_t(d.in.type() - kOrdinateDimension)]
+        : isArc ? 5
+                : 4;
     std::int64_t value = flags->integer() | kind;
     if (d.in.type() == kOrdinateDimension) {
         const unsigned ordinate = d.in.data.rawChar();
@@ -98,7 +106,8 @@ void writeKindOfDimension(Encoder &e)
 {
     constexpr int kIsX = 64;
     if (e.place.type == kOrdinateDimension)
-        e.data.rawChar((unsigned(e.hiddenInteger(kOrdinateFlags)) & ~1u) | (e.peek(70).integer() & kIsX ? 1u : 0u));
+        e.data.rawChar((unsigned(e.hiddenInteger(kOrdinateFlags)) & ~1u) |
+                       (e.peek(70).integer() & kIsX ? 1u : 0u));
 }
 
 void dimensionHandles(Decoder &d)

@@ -45,7 +45,7 @@ struct Head {
     std::vector<std::uint64_t> reactors;
     std::uint64_t dictionary = 0;
     std::uint64_t owner = 0;
-    QString foreign;                              ///< Groups of an application, which DWG has no place for.
+    QString foreign;                             ///< Groups of an application, which DWG has no place for.
     std::map<int, std::vector<resbuf>> ofEntity; ///< By code.
 
     bool has(int code) const { return ofEntity.contains(code); }
@@ -107,8 +107,7 @@ Parts takeApart(const ResbufList &groups, std::size_t end, bool isEntity, bool i
         else if (group.restype != 5 && group.restype != 105 && !(isTable && group.restype == 2))
             break; // Kinds without a subclass marker.
     }
-    parts.own.assign(groups.begin() + std::ptrdiff_t(std::min(i, end)),
-                     groups.begin() + std::ptrdiff_t(end));
+    parts.own.assign(groups.begin() + std::ptrdiff_t(std::min(i, end)), groups.begin() + std::ptrdiff_t(end));
     return parts;
 }
 
@@ -129,7 +128,8 @@ public:
                   const ResbufList &groups)
         : m_facts(facts), m_names(names), m_place(place), m_old(facts, names.neighbours, place.old),
           m_out(facts, names, place, m_old), m_isTable(place.old.kindName == "TABLE"),
-          m_parts(takeApart(groups, ownEnd(groups, m_old), place.old.isEntity, m_isTable)), m_common(m_old.common)
+          m_parts(takeApart(groups, ownEnd(groups, m_old), place.old.isEntity, m_isTable)),
+          m_common(m_old.common)
     {
         m_before = takeApart(m_old.head, m_old.head.size(), place.old.isEntity, m_isTable).head;
     }
@@ -197,7 +197,8 @@ void RecordEncoder::settleCommon()
         std::tie(m_common.previous, m_common.next) = *m_place.chain;
     }
     if (!m_parts.head.foreign.isEmpty())
-        m_out.fail(Host::tr("groups of the application %1 have no place in a DWG file").arg(m_parts.head.foreign));
+        m_out.fail(
+            Host::tr("groups of the application %1 have no place in a DWG file").arg(m_parts.head.foreign));
     if (m_place.old.isEntity)
         settleEntity();
 }
@@ -229,8 +230,10 @@ void RecordEncoder::settleEntity()
         const auto is = [&linetype](QStringView name) {
             return linetype.compare(name, Qt::CaseInsensitive) == 0;
         };
-        m_common.linetypeFlags =
-            linetype.isEmpty() || is(u"ByLayer") ? 0 : is(u"ByBlock") ? 1 : is(u"Continuous") ? 2 : 3;
+        m_common.linetypeFlags = linetype.isEmpty() || is(u"ByLayer") ? 0
+                                 : is(u"ByBlock")                     ? 1
+                                 : is(u"Continuous")                  ? 2
+                                                                      : 3;
         if (m_common.linetypeFlags == 3)
             m_common.linetype = record(SymbolTable::linetype, linetype);
     }
@@ -296,7 +299,8 @@ void bigEndianHandle(std::uint64_t handle, BitWriter &out)
 }
 
 /// In the code page that the record has had for such texts, where it has any.
-bool extendedText(const FileFacts &facts, std::optional<std::uint16_t> page, const QString &text, BitWriter &out)
+bool extendedText(const FileFacts &facts, std::optional<std::uint16_t> page, const QString &text,
+                  BitWriter &out)
 {
     if (facts.hasTextStream()) {
         out.rawShort(std::uint16_t(text.size()));
@@ -305,7 +309,8 @@ bool extendedText(const FileFacts &facts, std::optional<std::uint16_t> page, con
         return text.size() <= 0xFFFF;
     }
     const auto codec = page ? base::TextCodec::fromDwgNumber(*page) : facts.codec;
-    const QByteArray bytes = (codec.known() ? codec : facts.codec).encode(text, base::Substitute::unicodeEscape);
+    const QByteArray bytes =
+        (codec.known() ? codec : facts.codec).encode(text, base::Substitute::unicodeEscape);
     out.rawChar(unsigned(bytes.size()));
     const std::uint16_t number = page ? *page : facts.codec.dwgNumber();
     out.rawShort(std::uint16_t(number << 8 | number >> 8)); // The other byte first.
@@ -355,7 +360,8 @@ void RecordEncoder::writeApplication(const QString &name, const QByteArray &item
     constexpr qsizetype kLongest = 0xFFFF;
     const std::uint64_t application = m_names.handleOf(SymbolTable::appId, name);
     if (application == 0)
-        m_out.fail(Host::tr("the application %1 of extended data is not registered in the drawing").arg(name));
+        m_out.fail(
+            Host::tr("the application %1 of extended data is not registered in the drawing").arg(name));
     if (items.size() > kLongest)
         m_out.fail(Host::tr("the extended data of %1 are too long").arg(name));
     m_out.data.bitShort(int(items.size()));
@@ -375,7 +381,8 @@ void RecordEncoder::writeExtended()
             BitWriter items;
             for (++i; i < m_parts.extended.size() && m_parts.extended[i].restype != 1001; ++i) {
                 if (!extendedItem(m_parts.extended[i], items))
-                    m_out.fail(Host::tr("group %1 of extended data cannot be stored").arg(m_parts.extended[i].restype));
+                    m_out.fail(Host::tr("group %1 of extended data cannot be stored")
+                                   .arg(m_parts.extended[i].restype));
             }
             writeApplication(name, items.written());
         }
@@ -470,7 +477,8 @@ void RecordEncoder::writeCommonHandles()
 /// Compared as groups, so that it does not matter who made them.
 bool RecordEncoder::keepsOwn() const
 {
-    const bool isTold = m_place.parts || m_place.block || m_place.blockBegin || m_place.entries || m_place.fields;
+    const bool isTold =
+        m_place.parts || m_place.block || m_place.blockBegin || m_place.entries || m_place.fields;
     return !isNew() && !m_place.isTrial && !isTold && m_parts.own == m_old.own;
 }
 
@@ -527,6 +535,10 @@ void RecordEncoder::writeFiled()
 /// The bits that a kind without a table shows as its groups.
 void RecordEncoder::writeProxy()
 {
+    const bool showsBits = !m_parts.own.empty() && m_parts.own.front().restype == 100 &&
+                           m_parts.own.front().text().startsWith(u"AcDbProxy");
+    if (!showsBits)
+        return m_out.fail(Host::tr("a DWG file has no form for objects of this kind"));
     QByteArray bytes[2]; // Texts, data
     std::int64_t bits[2] = {};
     const bool isWide = m_facts.since(DrawingVersion::r2010);
@@ -562,8 +574,9 @@ void RecordEncoder::writeProxy()
 void RecordEncoder::writeRow()
 {
     const Kind &kind = *m_place.old.kind;
-    if (!m_place.isTrial && !mayEncode(m_place.old.kindName, m_facts.version))
-        return m_out.fail(Host::tr("objects of this kind can be kept in a DWG file, but not changed or added"));
+    if (!m_place.isTrial && !mayEncode(kind, m_facts.version))
+        return m_out.fail(
+            Host::tr("objects of this kind can be kept in a DWG file, but not changed or added"));
     m_out.setGroups(kind, m_parts.own);
     m_out.writeFields(kind);
 }

@@ -48,16 +48,17 @@ struct BlockLists {
 /// record has; for a new object it is nothing.
 struct EncodePlace {
     std::uint64_t handle = 0;
-    int type = 0;                 ///< Its own, or that of its class.
-    ObjectPlace old;              ///< As for decoding; without a record for a new object.
+    int type = 0;                  ///< Its own, or that of its class.
+    ObjectPlace old;               ///< As for decoding; without a record for a new object.
     std::optional<int> entityMode; ///< 0 the owner is stored, 1 paper space, 2 model space.
     std::optional<std::uint64_t> owner;
     /// AC1015: what is drawn before and after; 0 at an end.
     std::optional<std::pair<std::uint64_t, std::uint64_t>> chain;
-    std::optional<OwnedParts> parts;                   ///< Of an INSERT or POLYLINE.
-    std::optional<BlockLists> block;                   ///< Of a block's header.
-    const ResbufList *blockBegin = nullptr;            ///< Of a block's header: the groups of its BLOCK.
-    std::optional<std::vector<std::uint64_t>> entries; ///< Of a table's head: its records in order, 0 for a gap.
+    std::optional<OwnedParts> parts;        ///< Of an INSERT or POLYLINE.
+    std::optional<BlockLists> block;        ///< Of a block's header.
+    const ResbufList *blockBegin = nullptr; ///< Of a block's header: the groups of its BLOCK.
+    std::optional<std::vector<std::uint64_t>>
+        entries;                         ///< Of a table's head: its records in order, 0 for a gap.
     const FiledFields *fields = nullptr; ///< Of a custom object: its own groups do not count then.
     /// Encodes everything anew, known to be right or not: what finds out.
     bool isTrial = false;
@@ -72,7 +73,7 @@ EncodePlace encodePlace(const AcDbDatabase &database, const DwgSource &source, c
 base::Result<QByteArray, QString> encodeObject(const FileFacts &facts, const Names &names,
                                                const EncodePlace &place, const ResbufList &groups);
 
-/// Whether own groups of a kind ("LINE") may be encoded for a version.
-bool mayEncode(const QByteArray &kindName, DrawingVersion version);
+/// Whether own groups of a kind may be encoded for a version.
+bool mayEncode(const Kind &kind, DrawingVersion version);
 
 } // namespace dwg

@@ -48,7 +48,8 @@ OldRecord::OldRecord(const FileFacts &facts, const Neighbours &neighbours, const
     const auto ownBegin = shown.begin() + std::ptrdiff_t(std::min(head.size(), shown.size()));
     reader.kept = &kept;
     appendExtendedData(reader, common, neighbours, extended);
-    own.assign(ownBegin, shown.end() - std::ptrdiff_t(std::min(extended.size(), std::size_t(shown.end() - ownBegin))));
+    own.assign(ownBegin,
+               shown.end() - std::ptrdiff_t(std::min(extended.size(), std::size_t(shown.end() - ownBegin))));
 
     Bits at = reader.dataFrom(common.extendedBegin);
     extendedEnd = at.position();
@@ -109,7 +110,8 @@ void Encoder::fail(const QString &sentence)
 /// left.
 static const Group *placeOf(const Kind &kind, std::size_t from, int code)
 {
-    if (from < kind.groups.size() && std::ranges::find(kind.groups[from].also, code) != kind.groups[from].also.end())
+    if (from < kind.groups.size() &&
+        std::ranges::find(kind.groups[from].also, code) != kind.groups[from].also.end())
         return &kind.groups[from];
     const auto matches = [code](const Group &group) {
         return group.marker.isEmpty() && group.code != 0 && group.code % kSubclass == code;
@@ -271,11 +273,12 @@ void Encoder::putColor(Color color)
         return;
     }
     const Kept::StoredColor *const stored = old.kept.colors.find(color);
-    const std::uint32_t value = color.rgb          ? 0xC2000000 | *color.rgb
+    const std::uint32_t value = color.rgb            ? 0xC2000000 | *color.rgb
                                 : color.index == 256 ? 0xC0000000
                                 : color.index == 0   ? 0xC1000000
                                                      : 0xC3000000 | std::uint32_t(color.index);
-    const unsigned named = stored ? stored->names : (color.name.isEmpty() ? 0 : 1) | (color.book.isEmpty() ? 0 : 2);
+    const unsigned named =
+        stored ? stored->names : (color.name.isEmpty() ? 0 : 1) | (color.book.isEmpty() ? 0 : 2);
     data.bitShort(stored ? stored->index : 0);
     data.bitLong(stored ? stored->value : std::int32_t(value));
     data.rawChar(named);

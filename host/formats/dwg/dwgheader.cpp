@@ -326,7 +326,8 @@ std::optional<SymbolTable> tableOfVariable(const Row &row)
 class HeaderWriter
 {
 public:
-    HeaderWriter(const FileFacts &facts, const Names &names, const HeaderChanges &changes, SectionEditor &section)
+    HeaderWriter(const FileFacts &facts, const Names &names, const HeaderChanges &changes,
+                 SectionEditor &section)
         : m_facts(facts), m_names(names), m_changes(changes), m_section(section),
           m_reader(facts, section.in, m_read)
     {
@@ -435,9 +436,10 @@ void HeaderWriter::putFlags(const Header &was)
     };
     const auto weight = unsigned(lineweightIndex(int(value("$CELWEIGHT").integer())));
     const unsigned flags = weight | (unsigned(value("$ENDCAPS").integer()) & 3) << 5 |
-                           (unsigned(value("$JOINSTYLE").integer()) & 3) << 7 | bit("$LWDISPLAY", 0x200, true) |
-                           bit("$XEDIT", 0x400, true) | bit("$EXTNAMES", 0x800, false) |
-                           bit("$PSTYLEMODE", 0x2000, false) | bit("$OLESTARTUP", 0x4000, false);
+                           (unsigned(value("$JOINSTYLE").integer()) & 3) << 7 |
+                           bit("$LWDISPLAY", 0x200, true) | bit("$XEDIT", 0x400, true) |
+                           bit("$EXTNAMES", 0x800, false) | bit("$PSTYLEMODE", 0x2000, false) |
+                           bit("$OLESTARTUP", 0x4000, false);
     const int units = int(value("$INSUNITS").integer());
     const int plotStyle = int(value("$CEPSNTYPE").integer());
     const std::uint64_t plotStyleName = value("$CEPSNID").handle().value;
@@ -445,7 +447,8 @@ void HeaderWriter::putFlags(const Header &was)
         return m_section.copy();
     constexpr unsigned kShown = 0x6FFF;
     m_section.skip();
-    m_section.data.bitLong(std::int32_t((unsigned(was.variables.front().groups.front().integer()) & ~kShown) | flags));
+    m_section.data.bitLong(
+        std::int32_t((unsigned(was.variables.front().groups.front().integer()) & ~kShown) | flags));
     m_section.data.bitShort(units);
     m_section.data.bitShort(plotStyle);
     if (plotStyle == 3)

@@ -37,7 +37,7 @@ struct HeaderChanges {
     std::uint64_t handleSeed = 0; ///< 0 leaves it as it is.
 };
 struct EncodedHeader {
-    QByteArray section;            ///< The whole of AcDb:Header.
+    QByteArray section;          ///< The whole of AcDb:Header.
     QList<QByteArray> notStored; ///< Variables that this version of DWG has no place for here.
 };
 /// The section of variables again, with changes; without any it has the same bits. AC1015 and later. The

@@ -350,9 +350,10 @@ const Kind *kindOfGroups(const QByteArray &dxfName, const ResbufList &groups)
         };
         const auto isMarker = [](const Group &group) { return !group.marker.isEmpty(); };
         const auto markers = std::ranges::count_if(kind.groups, isMarker);
-        const bool fits = dxfName == kind.dxfName && std::ranges::all_of(kind.groups, [&](const Group &group) {
-                              return !isMarker(group) || isThere(group);
-                          });
+        const bool fits =
+            dxfName == kind.dxfName && std::ranges::all_of(kind.groups, [&](const Group &group) {
+                return !isMarker(group) || isThere(group);
+            });
         if (fits && markers > most) {
             best = &kind;
             most = markers;

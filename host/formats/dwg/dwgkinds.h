@@ -55,8 +55,8 @@ struct Field {
 };
 
 struct Group {
-    QString marker; ///< A subclass marker, when not empty.
-    int code = 0;   ///< 0 with an empty marker: all that are left.
+    QString marker;        ///< A subclass marker, when not empty.
+    int code = 0;          ///< 0 with an empty marker: all that are left.
     std::vector<int> also; ///< Named in front of those that are left, and among them.
     bool hasDefault = false;
     resbuf::Value absent; ///< Left out when it has this value.

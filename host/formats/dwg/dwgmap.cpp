@@ -49,7 +49,8 @@ std::vector<MapEntry> readObjectMap(Container &container)
 }
 
 using namespace std::string_view_literals;
-static constexpr std::string_view kClassesBegin = "\x8D\xA1\xC4\xB8\xC4\xA9\xF8\xC5\xC0\xDC\xF4\x5F\xE7\xCF\xB6\x8A"sv;
+static constexpr std::string_view kClassesBegin =
+    "\x8D\xA1\xC4\xB8\xC4\xA9\xF8\xC5\xC0\xDC\xF4\x5F\xE7\xCF\xB6\x8A"sv;
 
 static DwgClass readClass(const FileFacts &facts, SectionStreams &in)
 {

@@ -55,8 +55,8 @@ struct FileFacts {
 /// A text in a code page, with what that lacks in escapes.
 QString decodeText(std::string_view bytes, const base::TextCodec &codec);
 
-/// Lineweights are stored as their place among the 24 that there are; 29 by layer, 30 by block, 31 default. In
-/// hundredths of a millimetre, -1, -2, -3.
+/// Lineweights are stored as their place among the 24 that there are; 29 by layer, 30 by block, 31 default.
+/// In hundredths of a millimetre, -1, -2, -3.
 int lineweightOf(int index);
 /// 31 for a weight that is none of them.
 int lineweightIndex(int weight);
@@ -132,7 +132,7 @@ struct Common {
     int plotStyleFlags = 0;
     int materialFlags = 0;
     int shadowFlags = 0;
-    int visibility = 0; ///< 1 invisible.
+    int visibility = 0;  ///< 1 invisible.
     int lineweight = 29; ///< Index: 29 by layer, 30 by block, 31 default.
 
     HandleRef owner;

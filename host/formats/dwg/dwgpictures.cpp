@@ -125,9 +125,7 @@ void owner(Decoder &d)
 }
 
 /// The owner stands among what all objects have.
-void writeOwner(Encoder &)
-{
-}
+void writeOwner(Encoder &) {}
 
 } // namespace
 

@@ -181,19 +181,22 @@ void SectionEditor::replaceHandle(std::uint64_t handle)
 
 QByteArray SectionEditor::finish()
 {
-    // What is left of data, texts and handles; less than a byte at the end only fills that up.
+    // What is left of data, texts and handles; less than a byte at the end only fills that up, and does so
+    // again where the rest begins at the same bit.
     BitWriter content;
     constexpr std::size_t kBits = 8;
     if (!m_facts.hasTextStream()) {
         const std::size_t left = m_content.size() * kBits - in.data.position();
-        in.data.skip(left - left % kBits);
+        m_filling = left % kBits;
+        in.data.skip(left - m_filling);
         copy();
         content = data;
     } else {
         in.data.seek(std::max(in.dataEnd, in.data.position()));
         in.texts.seek(std::max(in.textsEnd, in.texts.position()));
         const std::size_t left = m_content.size() * kBits - in.handles.position();
-        in.handles.skip(left - left % kBits);
+        m_filling = left % kBits;
+        in.handles.skip(left - m_filling);
         copy();
         BitWriter body = data;
         appendTexts(m_texts, body);
@@ -201,10 +204,10 @@ QByteArray SectionEditor::finish()
         content.append(body);
         content.append(m_handles);
     }
-    const std::size_t filled = m_content.size() * kBits;
-    Bits last(m_content);
-    last.seek(filled - 1);
-    content.pad(last.bit());
+    const std::size_t filled = m_content.size() * kBits - m_filling;
+    if (content.size() % kBits == filled % kBits)
+        copyBits(m_content, filled, m_content.size() * kBits, content);
+    content.pad(false);
     BitWriter framed;
     framed.bytes(QByteArray(m_section.data(), kSentinel));
     framed.rawLong(std::uint32_t(content.written().size()));

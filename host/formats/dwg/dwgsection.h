@@ -52,6 +52,7 @@ private:
     std::string_view m_behind; ///< From the checksum's end on.
     BitWriter m_texts, m_handles;
     std::size_t m_dataAt = 0, m_textsAt = 0, m_handlesAt = 0;
+    std::size_t m_filling = 0; ///< Bits behind the last whole byte of what was read.
     bool m_good = false;
 };
 

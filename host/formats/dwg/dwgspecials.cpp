@@ -7,9 +7,9 @@ namespace dwg
 
 const SpecialRow *findSpecial(std::string_view name)
 {
-    for (const auto rows : {textSpecials(), curveSpecials(), blockSpecials(), dimensionSpecials(), hatchSpecials(),
-                            pictureSpecials(), tableSpecials(), viewSpecials(), dictionarySpecials(),
-                            multileaderSpecials()}) {
+    for (const auto rows :
+         {textSpecials(), curveSpecials(), blockSpecials(), dimensionSpecials(), hatchSpecials(),
+          pictureSpecials(), tableSpecials(), viewSpecials(), dictionarySpecials(), multileaderSpecials()}) {
         const auto known = std::ranges::find(rows, name, &SpecialRow::name);
         if (known != rows.end())
             return &*known;

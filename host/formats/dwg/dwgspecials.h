@@ -10,8 +10,8 @@
 namespace dwg
 {
 
-/// What rows call "*name": a function that reads, and one that writes the same from groups; null where an object
-/// can only be kept.
+/// What rows call "*name": a function that reads, and one that writes the same from groups; null where an
+/// object can only be kept.
 struct SpecialRow {
     std::string_view name;
     void (*read)(Decoder &);

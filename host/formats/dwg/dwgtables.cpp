@@ -42,7 +42,15 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kStored = kFirstHidden, kIsUsed, kValues, kXref, kTextArea, kDash, kLineIndex = kDash + 1000 };
+enum Hidden : int {
+    kStored = kFirstHidden,
+    kIsUsed,
+    kValues,
+    kXref,
+    kTextArea,
+    kDash,
+    kLineIndex = kDash + 1000
+};
 
 void recordHead(Decoder &d)
 {
@@ -227,8 +235,8 @@ void linetype(Decoder &d)
     int number = kDash;
     for (const Dash &dash : dashes) {
         const std::uint64_t shapes = d.in.reference().handle;
-        const resbuf::Value stored[] = {std::int64_t(dash.code), dash.x,        dash.y,
-                                        dash.scale,              dash.rotation, std::int64_t(shapes)};
+        const resbuf::Value stored[] = {std::int64_t(dash.code), dash.x, dash.y, dash.scale, dash.rotation,
+                                        std::int64_t(shapes)};
         for (int i = 0; i < int(std::size(stored)); ++i)
             d.hidden(number + i, stored[i]);
         number += 8;
@@ -314,8 +322,9 @@ void settleDashTexts(Encoder &e, std::vector<ShownDash> &dashes, QByteArray &are
         if (!(dash.flags & kHasText))
             continue;
         dash.code = int(isWide ? area.size() / 2 : area.size());
-        area += isWide ? QByteArray(reinterpret_cast<const char *>(dash.text.utf16()), dash.text.size() * 2 + 2)
-                       : e.facts.codec.encode(dash.text, base::Substitute::unicodeEscape) + '\0';
+        area += isWide
+                    ? QByteArray(reinterpret_cast<const char *>(dash.text.utf16()), dash.text.size() * 2 + 2)
+                    : e.facts.codec.encode(dash.text, base::Substitute::unicodeEscape) + '\0';
     }
     if (area.size() > size)
         e.fail(Host::tr("the texts of the linetype are too long"));
@@ -326,7 +335,8 @@ void writeLinetype(Encoder &e)
 {
     BitWriter &data = e.data;
     std::vector<ShownDash> dashes = shownDashes(e);
-    const bool hasTexts = std::ranges::any_of(dashes, [](const ShownDash &dash) { return dash.flags & kHasText; });
+    const bool hasTexts =
+        std::ranges::any_of(dashes, [](const ShownDash &dash) { return dash.flags & kHasText; });
     QByteArray area = e.hiddenBytes(kTextArea);
     const qsizetype size = !e.facts.hasTextStream() ? 256 : hasTexts ? 512 : 0;
     if (area.size() != size)

@@ -9,7 +9,15 @@ namespace
 
 using enum DrawingVersion;
 
-enum Hidden : int { kAbsent = kFirstHidden, kAlignment, kPrompt, kUnknown, kColumnsVersion, kColumnsFlag, kColumnsApplication };
+enum Hidden : int {
+    kAbsent = kFirstHidden,
+    kAlignment,
+    kPrompt,
+    kUnknown,
+    kColumnsVersion,
+    kColumnsFlag,
+    kColumnsApplication
+};
 
 /// What a TEXT has of its own since AC1015: a byte tells what is not the usual value.
 void text(Decoder &d)
@@ -184,7 +192,7 @@ void columnsOfMtext(Decoder &d)
 {
     if (!d.since(r2018) || !d.in.data.bit())
         return;
-    d.hidden(kColumnsVersion, std::int64_t(d.in.data.rawChar()));
+    d.hidden(kColumnsVersion, std::int64_t(d.in.data.bitShort()));
     d.hidden(kColumnsFlag, std::int64_t(d.in.data.bit()));
     d.hidden(kColumnsApplication, std::int64_t(d.in.reference().handle));
     const int attachment = d.in.data.bitLong();
@@ -232,7 +240,7 @@ void writeColumnsOfMtext(Encoder &e)
     if (!hasColumns)
         return;
     constexpr int kVersion = 4;
-    e.data.rawChar(unsigned(e.hiddenInteger(kColumnsVersion, kVersion)));
+    e.data.bitShort(int(e.hiddenInteger(kColumnsVersion, kVersion)));
     e.data.bit(e.hiddenInteger(kColumnsFlag, 1) != 0);
     e.putHandle(Reference::hardPointer, std::uint64_t(e.hiddenInteger(kColumnsApplication)));
     e.data.bitLong(e.small(70 + kSubclass));

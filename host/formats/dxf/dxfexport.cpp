@@ -137,7 +137,9 @@ bool Exporter::object(const AcDbStub &stub)
             return false;
         }
         const char *const name = stub.has(AcDbStub::kEntity) ? "ACAD_PROXY_ENTITY" : "ACAD_PROXY_OBJECT";
-        if (kind != name)
+        // What its class can read will be written by the class.
+        const bool isRead = acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application() && !stub.object;
+        if (kind != name && !isRead)
             ++m_proxies[kind];
         groups.front().assign(QString::fromLatin1(name));
         break;

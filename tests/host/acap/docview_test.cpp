@@ -67,6 +67,21 @@ TEST(SavedView, OfASheetIsItsOwnViewport)
     EXPECT_DOUBLE_EQ(view.height, 300);
 }
 
+TEST(SavedView, WithoutNumbersTheFirstViewportIsTheSheet)
+{
+    MemoryDrawing drawing;
+    drawing.headerVariable("$TILEMODE", {{70, 0}});
+    const auto sheet = drawing.paperSpace();
+    drawing.entity("VIEWPORT", {{69, 0}, {12, AcGePoint2d(210, 148)}, {45, 300.0}}, sheet);
+    const auto second = drawing.entity("VIEWPORT", {{69, 0}, {12, AcGePoint2d(1, 1)}, {45, 9.0}}, sheet);
+    const auto database = drawing.open();
+    EXPECT_DOUBLE_EQ(opened(*database).height, 300);
+    const auto viewports = acapSheetViewports(*database, database->paperSpaceId());
+    ASSERT_EQ(viewports.size(), 1U);
+    EXPECT_EQ(viewports.front().first, 2);
+    EXPECT_EQ(viewports.front().second.handle().value, second);
+}
+
 TEST(SavedView, DamagedNumbersChangeNothing)
 {
     for (const double height : {0.0, -5.0, 1e300, double(NAN)}) {

@@ -1,6 +1,7 @@
-// dwg_gate FILE...: decodes every object of DWG files and encodes it again from its groups alone and what they
-// do not show. Prints for each version and kind how many came out with the same bits, and where the first
-// other one differs. real_dwg_test.py compares that with what mayEncode() allows.
+// dwg_gate FILE...: decodes every object of DWG files and encodes it again from its groups alone and what
+// they do not show; and once more as an object whose own groups have not changed. Prints for each version and
+// kind how many came out with the same bits, and where the first other one differs. Ends with status 1 when
+// mayEncode() allows a kind that did not, or when an unchanged object changed.
 #include "host/formats/dwg/dwgencoder.h"
 #include "host/formats/dwg/dwgheader.h"
 #include "host/formats/dwg/dwgkinds.h"
@@ -16,7 +17,10 @@ namespace
 
 struct Tally {
     int count = 0, same = 0, kept = 0;
+    bool isOpen = false; ///< May be encoded from groups.
     QString example;
+
+    bool isFault() const { return kept != count || (isOpen && same != count); }
 };
 
 std::map<std::pair<int, QByteArray>, Tally> theTallies;
@@ -43,11 +47,12 @@ void tryObject(const AcDbDatabase &database, const DwgSource &source, const AcDb
     const ResbufList groups = source.read(stub);
     dwg::EncodePlace place = dwg::encodePlace(database, source, stub, groups);
     QByteArray kind = place.old.kindName;
-    if (!place.old.kind)
-        kind = kind == "TABLE" ? QByteArray("TABLE") : QByteArray("(no table)");
     if (place.old.kind)
-        kind = QByteArray::number(place.type < dwg::kFirstClass ? place.type : 0) + " " + kind;
+        kind = QByteArray::number(place.old.kind->type) + " " + kind;
+    else if (kind != "TABLE")
+        kind = "(no table)";
     Tally &tally = theTallies[{int(source.version()), kind}];
+    tally.isOpen = place.old.kind && dwg::mayEncode(*place.old.kind, source.version());
     ++tally.count;
     const std::string_view old = place.old.record;
     const auto encode = [&](bool isTrial) {
@@ -62,9 +67,10 @@ void tryObject(const AcDbDatabase &database, const DwgSource &source, const AcDb
     if (isSame(made)) {
         ++tally.same;
     } else if (tally.example.isEmpty()) {
-        tally.example = QStringLiteral("%1 %2: ").arg(QString::fromUtf8(file)).arg(stub.handle, 0, 16) +
-                        (made ? difference(old, {made->constData(), std::size_t(made->size())}, source.facts())
-                              : made.error());
+        tally.example =
+            QStringLiteral("%1 %2: ").arg(QString::fromUtf8(file)).arg(stub.handle, 0, 16) +
+            (made ? difference(old, {made->constData(), std::size_t(made->size())}, source.facts())
+                  : made.error());
     }
 }
 
@@ -72,7 +78,8 @@ void tryObject(const AcDbDatabase &database, const DwgSource &source, const AcDb
 void trySections(const AcDbDatabase &database, DwgSource &source, const char *file)
 {
     const dwg::Names names{database, source.neighbours()};
-    const auto count = [&](const char *name, const base::Result<QByteArray, QString> &made, const char *section) {
+    const auto count = [&](const char *name, const base::Result<QByteArray, QString> &made,
+                           const char *section) {
         Tally &tally = theTallies[{int(source.version()), name}];
         ++tally.count;
         const std::string_view old = source.container().section(section);
@@ -80,14 +87,17 @@ void trySections(const AcDbDatabase &database, DwgSource &source, const char *fi
         tally.same += isSame;
         tally.kept += isSame;
         if (!isSame)
-            tally.example = QString::fromUtf8(file) + QStringLiteral(": ") +
-                            (made ? QStringLiteral("%1 bytes, now %2").arg(old.size()).arg(made->size()) : made.error());
+            tally.example =
+                QString::fromUtf8(file) + QStringLiteral(": ") +
+                (made ? QStringLiteral("%1 bytes, now %2").arg(old.size()).arg(made->size()) : made.error());
     };
     const auto header = dwg::encodeHeader(source.facts(), source.container(), names, {});
     count("(variables)",
-          header ? base::Result<QByteArray, QString>(header->section) : base::Failure<QString>{header.error()},
+          header ? base::Result<QByteArray, QString>(header->section)
+                 : base::Failure<QString>{header.error()},
           "AcDb:Header");
-    count("(classes)", dwg::encodeClasses(source.facts(), source.container(), source.classes()), "AcDb:Classes");
+    count("(classes)", dwg::encodeClasses(source.facts(), source.container(), source.classes()),
+          "AcDb:Classes");
 }
 
 } // namespace
@@ -114,9 +124,19 @@ int main(int argc, char **argv)
                 tryObject(database, source, *stub, argv[i]);
         }
     }
+    Tally all;
+    bool isFault = false;
     for (const auto &[key, tally] : theTallies) {
-        std::printf("AC%d %s %d objects, %d alike, %d kept%s%s\n", key.first, key.second.constData(), tally.count,
-                    tally.same, tally.kept, tally.example.isEmpty() ? "" : "; ", qPrintable(tally.example));
+        std::printf("%sAC%d %s: %d objects, %d alike, %d kept, %s%s%s\n", tally.isFault() ? "FAULT " : "",
+                    key.first, key.second.constData(), tally.count, tally.same, tally.kept,
+                    tally.isOpen ? "open" : "closed", tally.example.isEmpty() ? "" : "; ",
+                    qPrintable(tally.example));
+        isFault = isFault || tally.isFault();
+        all.count += tally.count;
+        all.same += tally.same;
+        all.kept += tally.kept;
     }
-    return 0;
+    std::printf("%d objects and sections, %d alike when encoded from groups, %d when not changed\n",
+                all.count, all.same, all.kept);
+    return isFault ? 1 : 0;
 }

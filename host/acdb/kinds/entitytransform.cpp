@@ -1,4 +1,4 @@
-#include "host/acdb/entitytransform.h"
+#include "host/acdb/kinds/entitytransform.h"
 
 #include <algorithm>
 #include <cmath>

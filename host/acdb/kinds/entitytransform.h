@@ -1,4 +1,4 @@
-// EntityTransform: one native entity on its way through a matrix. Part of acdbTransformGroups().
+// EntityTransform: one native entity on its way through a matrix (acdbTransformGroups()).
 #pragma once
 
 #include "host/acdb/resbuf.h"
@@ -80,7 +80,3 @@ private:
     bool m_overflows = false;
     std::size_t m_end = 0;
 };
-
-// Kinds whose groups get their meaning from where they stand.
-void transformHatch(EntityTransform &transform);
-void transformMultileader(EntityTransform &transform);

@@ -1,8 +1,26 @@
-// Transforms of hatches and multileaders, whose group codes mean different things in different places.
-#include "host/acdb/entitytransform.h"
+// Solids in a plane, faces and hatches.
+#include "host/acdb/kinds/entitykind.h"
 
-#include <algorithm>
-#include <cmath>
+using namespace gripping;
+using namespace listed;
+
+static constexpr Rule kSolidRules[] = {{10, Role::planePoint}, {11, Role::planePoint}, {12, Role::planePoint},
+                                       {13, Role::planePoint}, {38, Role::elevation},  {39, Role::length}};
+
+static constexpr Rule kFaceRules[] = {
+    {10, Role::point}, {11, Role::point}, {12, Role::point}, {13, Role::point}};
+
+static void solidGrips(const Shape &shape, Grips &grips)
+{
+    for (const int code : {10, 11, 12, 13})
+        addPoints(shape, grips, code, Role::planePoint);
+}
+
+static void faceGrips(const Shape &shape, Grips &grips)
+{
+    for (const int code : {10, 11, 12, 13})
+        addPoints(shape, grips, code, Role::point);
+}
 
 namespace
 {
@@ -157,90 +175,41 @@ private:
     Edge m_edge = noEdge;
 };
 
-/// A MULTILEADER nests its parts in braces: the content, its leaders, their lines.
-class MultileaderTransform
-{
-public:
-    explicit MultileaderTransform(EntityTransform &t) : m_t(t) {}
-
-    void run()
-    {
-        for (std::size_t i = 0; i < m_t.end(); ++i) {
-            resbuf &group = m_t.groups()[i];
-            if (m_depth < 3 && group.restype == 300 + 2 * m_depth && group.text() == kOpening[m_depth])
-                ++m_depth;
-            else if (m_depth > 0 && group.restype == 299 + 2 * m_depth && group.text() == u"}")
-                --m_depth;
-            else
-                visit(i);
-        }
-    }
-
-private:
-    static constexpr QStringView kOpening[] = {u"CONTEXT_DATA{", u"LEADER{", u"LEADER_LINE{"};
-    static constexpr Rule kProperties[] = {{41, Role::length}, {42, Role::length}, {45, Role::length}};
-    static constexpr Rule kContent[] = {
-        {10, Role::point},   {12, Role::point},      {13, Role::direction},  {15, Role::point},
-        {40, Role::length},  {41, Role::length},     {43, Role::length},     {44, Role::length},
-        {110, Role::point},  {111, Role::direction}, {112, Role::direction}, {140, Role::length},
-        {145, Role::length},
-    };
-    static constexpr Rule kLeader[] = {
-        {10, Role::point}, {11, Role::direction}, {12, Role::point}, {13, Role::point}, {40, Role::length}};
-    static constexpr Rule kLine[] = {{10, Role::point}, {11, Role::point}, {12, Role::point}};
-
-    void visit(std::size_t i)
-    {
-        static constexpr std::span<const Rule> kByDepth[] = {kProperties, kContent, kLeader, kLine};
-        resbuf &group = m_t.groups()[i];
-        const std::span<const Rule> rules = kByDepth[m_depth];
-        const auto rule = std::ranges::find(rules, group.restype, &Rule::code);
-        if (rule != rules.end())
-            m_t.apply(rule->role, group);
-        else if (m_depth == 1 && (group.restype == 11 || group.restype == 14))
-            reverseNormal(group);
-        else if (m_depth == 1 && (group.restype == 42 || group.restype == 46))
-            m_t.setReal(group, m_t.turnedAngle(group.real() * 180.0 / kGePi) * kGePi / 180.0);
-        else if (m_depth == 1 && group.restype == 47)
-            placeBlock(i);
-    }
-
-    void reverseNormal(resbuf &group)
-    {
-        const AcGeVector3d turned = m_t.turned(group.point().asVector());
-        const AcGeVector3d seen = m_t.mirrored() ? -turned : turned;
-        m_t.setPoint(group, {seen.x, seen.y, seen.z});
-    }
-
-    // Sixteen reals in rows; only the first 47 of them starts the work.
-    void placeBlock(std::size_t i)
-    {
-        ResbufList &groups = m_t.groups();
-        if (groups[i - 1].restype == 47 || i + 12 > m_t.end())
-            return;
-        AcGeMatrix3d placed;
-        for (std::size_t k = 0; k < 12; ++k) {
-            if (groups[i + k].restype != 47)
-                return;
-            placed.entry[k / 4][k % 4] = groups[i + k].real();
-        }
-        placed = m_t.matrix() * placed;
-        for (std::size_t k = 0; k < 12; ++k)
-            m_t.setReal(groups[i + k], placed.entry[k / 4][k % 4]);
-    }
-
-    EntityTransform &m_t;
-    int m_depth = 0;
-};
-
 } // namespace
 
-void transformHatch(EntityTransform &transform)
+static void transformHatch(EntityTransform &transform)
 {
     HatchTransform(transform).run();
 }
 
-void transformMultileader(EntityTransform &transform)
+static void hatchGrips(const Shape &shape, Grips &grips)
 {
-    MultileaderTransform(transform).run();
+    AcDbExtents box;
+    if (shape.entity().getGeomExtents(box) == Acad::eOk)
+        addWhole(grips, box.minPoint() + (box.maxPoint() - box.minPoint()) * 0.5);
+}
+
+std::vector<EntityKind> entitykinds::areas()
+{
+    return {
+        {.dxfName = "SOLID",
+         .className = "AcDbSolid",
+         .listed = {{{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), thickness(), normal()}}}},
+         .transforming = TransformRules{kSolidRules},
+         .grips = {solidGrips}},
+        {.dxfName = "TRACE",
+         .className = "AcDbTrace",
+         .listed = {{{{"AcDbTrace"}, {given(10), given(11), given(12), given(13), thickness(), normal()}}}},
+         .transforming = TransformRules{kSolidRules},
+         .grips = {solidGrips}},
+        {.dxfName = "3DFACE",
+         .className = "AcDbFace",
+         .listed = {{{{"AcDbFace"}, {given(10), given(11), given(12), given(13), integer(70, 0)}}}},
+         .transforming = TransformRules{kFaceRules, nullptr, false},
+         .grips = {faceGrips}},
+        {.dxfName = "HATCH",
+         .className = "AcDbHatch",
+         .transforming = TransformRules{{}, transformHatch},
+         .grips = {hatchGrips}},
+    };
 }
