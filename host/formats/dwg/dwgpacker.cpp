@@ -133,6 +133,8 @@ PackedSections::PackedSections(const FileContents &contents)
 
 std::string_view PackedSections::find(const QByteArray &name) const
 {
+    if (name == "AcDb:Signature")
+        return {}; // It vouched for another file.
     const auto changed = m_changed.find(name);
     return changed == m_changed.end() ? m_original.section(name) : viewOf(changed->second);
 }

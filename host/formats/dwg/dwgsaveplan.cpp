@@ -13,10 +13,10 @@
 namespace dwg
 {
 
-static const AcDbKind kBlock = acdbKind("BLOCK");
-static const AcDbKind kEndBlock = acdbKind("ENDBLK");
-static const AcDbKind kInsertKind = acdbKind("INSERT");
-static const AcDbKind kSequenceEnd = acdbKind("SEQEND");
+static bool isKind(const AcDbStub &stub, const char *dxfName)
+{
+    return acdbKindName(stub.kind) == dxfName;
+}
 
 SavePlan::SavePlan(const AcDbDatabase &database, const DwgSource &source)
     : m_database(database), m_source(source), m_facts(source.facts()), m_names{database, source.neighbours()},
@@ -113,7 +113,7 @@ void SavePlan::findTouched()
         if (!isLive(*stub))
             continue;
         touch(*stub);
-        const bool hasHeader = stub->kind == kBlock && stub->owner != 0;
+        const bool hasHeader = isKind(*stub, "BLOCK") && stub->owner != 0;
         if (isNew(*stub) || hasHeader)
             touchOwner(*stub); // A block's header holds what its BLOCK says.
         if (isNew(*stub) && stub->has(AcDbStub::kEntity) &&
@@ -127,7 +127,7 @@ void SavePlan::findTouched()
 void SavePlan::noteInserts()
 {
     for (const AcDbStub *const stub : m_changed) {
-        if (stub->kind != kInsertKind || !isLive(*stub))
+        if (!isKind(*stub, "INSERT") || !isLive(*stub))
             continue;
         const ResbufList groups = m_database.fileGroups(*stub);
         const resbuf *const name = findGroup(groups, 2);
@@ -288,7 +288,7 @@ void SavePlan::settleParts(const AcDbStub &owner)
         const AcDbStub *const part = m_database.stub(index);
         if (part->owner != owner.index || !part->has(AcDbStub::kSubEntity))
             continue;
-        if (part->kind == kSequenceEnd) {
+        if (isKind(*part, "SEQEND")) {
             parts.end = isLive(*part) ? part->handle : parts.end;
             continue;
         }
@@ -413,7 +413,7 @@ void SavePlan::encode(const AcDbStub &stub)
     place.block = where.block;
     place.entries = where.entries;
     place.blockBegin = where.blockBegin;
-    const bool isCustom = stub.object && stub.object->isCustom();
+    const bool isCustom = stub.object && stub.has(AcDbStub::kChanged) && stub.object->isCustom();
     const auto fields = isCustom ? filedFields(m_facts, AcDbObjectId(const_cast<AcDbStub *>(&stub)))
                                  : base::Result<FiledFields, Acad::ErrorStatus>(FiledFields());
     if (!fields)
