@@ -7,6 +7,7 @@
 
 #include "host/acdb/dbundo.h"
 #include "host/aced/edcommands.h"
+#include "host/acui/acuixref.h"
 
 #include <gtest/gtest.h>
 
@@ -152,6 +153,7 @@ TEST_F(MenuBarTest, TableNamesCommandsThatAreThereAndKeysThatAreFree)
     QTranslator english;
     ASSERT_TRUE(english.load(QStringLiteral("quillnote_en"), QCoreApplication::applicationDirPath() +
                                                                  QStringLiteral("/../share/translations")));
+    acuiRegisterXrefCommand();
     QSet<QString> keys;
     for (const window::HostMenu &menu : window::hostMenus()) {
         for (const window::HostMenuItem &item : menu.items) {

@@ -1,6 +1,7 @@
 // What two drawings have in common, what only one of them has, and where.
 #include "quillnote/aids/drawing_difference.h"
 
+#include "host/acgi/query/install.h"
 #include "tests/support/memory_drawing.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +14,8 @@ namespace
 using tests::Groups;
 
 struct Drawing {
+    Drawing() { acgi::install(); }
+
     tests::MemoryDrawing made;
     std::unique_ptr<AcDbDatabase> database;
 
