@@ -1,5 +1,7 @@
 #include "host/formats/dxf/dxfexport.h"
 
+#include "host/acdb/dbobject.h"
+
 #include "host/base/host_text.h"
 #include "host/formats/dxf/dxfencoder.h"
 #include "host/formats/dxf/dxftables.h"
