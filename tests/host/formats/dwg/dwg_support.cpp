@@ -337,13 +337,18 @@ QByteArray DwgFile::classes() const
 /// Zeros say zero in every code; what the variables are is tested on real files.
 QByteArray DwgFile::header() const
 {
-    constexpr qsizetype kAllVariables = 6000;
     BitWriter data;
-    if (m_version >= DrawingVersion::r2007)
-        data.rl(m_hasVariables ? kAllVariables / 2 * 8 : 33);
-    data.rl(0);
-    if (m_hasVariables)
-        data.raw(QByteArray(kAllVariables, '\0'));
+    const bool hasTexts = m_version >= DrawingVersion::r2007 && m_hasVariables;
+    if (hasTexts) {
+        constexpr int kBytes = 4000, kTextBits = 1600;
+        data.rl(32 + 8 * kBytes + 17);
+        data.raw(QByteArray(kBytes, '\0'));
+        data.rs(kTextBits);
+        data.b(true);
+    } else if (m_version >= DrawingVersion::r2007) {
+        data.rl(33);
+    }
+    data.raw(QByteArray(m_hasVariables ? 6000 : 4, '\0'));
     return framed(m_version, "CF7B1F23FDDE38A95F7C68B84E6D335F", "3084E0DC0221C756A0839747B192CCA0",
                   data.bytes());
 }
