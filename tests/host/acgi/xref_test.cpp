@@ -182,11 +182,12 @@ TEST_F(Xrefs, AreAttachedUnloadedAndDetachedAsStepsOfUndo)
     });
     const AcGePoint3d shown(140, 50, 0);
     EXPECT_EQ(extents(*database).maxPoint(), shown);
-    const AcDbObjectPointer<AcDbLayerTableRecord> layer(
-        database->tableRecord(SymbolTable::layer, "PLAN|WALL"), AcDb::kForRead);
+    AcDbObjectPointer<AcDbLayerTableRecord> layer(database->tableRecord(SymbolTable::layer, "PLAN|WALL"),
+                                                  AcDb::kForRead);
     ASSERT_TRUE(layer);
     EXPECT_EQ(layer->colorIndex(), 3);
     EXPECT_EQ(layer->flags() & 16, 16);
+    layer.close();
 
     step([&] { acdbSetXrefUnloaded(plan, true); });
     EXPECT_EQ(extents(*database).maxPoint(), AcGePoint3d(1, 1, 0));
