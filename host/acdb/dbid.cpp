@@ -15,6 +15,9 @@
 struct Kinds {
     static constexpr std::uint32_t kOurs = std::numeric_limits<std::uint32_t>::max();
 
+    /// They never move: other threads read those of their drawings while this one adds more.
+    Kinds() { names.reserve(std::size_t(std::numeric_limits<AcDbKind>::max()) + 1); }
+
     std::vector<QByteArray> names{QByteArray()};
     std::vector<std::uint32_t> users{kOurs}; ///< By kind: how many drawings name it; the program itself.
     QHash<QByteArray, AcDbKind> numbers;
@@ -88,7 +91,7 @@ AcDbDrawingKinds::~AcDbDrawingKinds()
 
 const QByteArray &acdbKindName(AcDbKind kind)
 {
-    return kinds().names.at(kind);
+    return kinds().names.data()[kind];
 }
 
 AcRxClass *acdbKindClass(AcDbKind kind, bool isEntity)
