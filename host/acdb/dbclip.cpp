@@ -126,8 +126,10 @@ static AcDbObjectId dictionaryIn(AcDbObjectId parent, const QString &key)
 static std::unique_ptr<AcDbObject> newFilter(AcDbDatabase &database, ResbufList groups)
 {
     const QByteArray kind = QByteArrayLiteral("SPATIAL_FILTER");
-    database.ensureClass({kind, QStringLiteral("AcDbSpatialFilter"), QStringLiteral("ObjectDBX Classes"), 0,
-                          false, false, false});
+    // The class is no one of ours; the file says where it comes from.
+    AcRxClass spatialFilter(QStringLiteral("AcDbSpatialFilter"), AcDbObject::desc(), kind, {});
+    spatialFilter.setApplication({.description = QStringLiteral("ObjectDBX Classes")});
+    database.ensureClass(spatialFilter);
     std::unique_ptr<AcDbObject> filter(
         static_cast<AcDbObject *>(acdbKindClass(database.kindNamed(kind), false)->create()));
     filter->editGroups() = std::move(groups);
@@ -209,6 +211,20 @@ static bool eraseWhenEmpty(AcDbObjectId id)
     return dictionary && dictionary->entries().empty() && dictionary->erase() == Acad::eOk;
 }
 
+static void forgetExtensionDictionary(AcDbObject &object)
+{
+    ResbufList &groups = object.editGroups();
+    const auto isText = [](const char *text) {
+        return [text](const resbuf &group) {
+            return group.restype == 102 && group.text() == QLatin1String(text);
+        };
+    };
+    const auto first = std::ranges::find_if(groups, isText("{ACAD_XDICTIONARY"));
+    const auto last = std::find_if(first, groups.end(), isText("}"));
+    if (last != groups.end())
+        groups.erase(first, last + 1);
+}
+
 Acad::ErrorStatus acdbRemoveClip(AcDbObjectId id)
 {
     AcDbObjectPointer<AcDbBlockReference> reference(id, AcDb::kForWrite);
@@ -230,6 +246,6 @@ Acad::ErrorStatus acdbRemoveClip(AcDbObjectId id)
             dictionary->unlink(kFilters);
     }
     if (eraseWhenEmpty(extension))
-        reference->dropExtensionDictionary();
+        forgetExtensionDictionary(*reference);
     return Acad::eOk;
 }

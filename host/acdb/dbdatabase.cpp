@@ -514,17 +514,14 @@ void AcDbDatabase::classRemoved(const AcRxClass *doomed)
 
 void AcDbDatabase::ensureClass(const AcRxClass &added)
 {
-    ensureClass({added.dxfName(), added.name(), added.application()->description,
-                 added.application()->proxyFlags, false, added.isDerivedFrom(AcDbEntity::desc()), false});
-}
-
-void AcDbDatabase::ensureClass(const DrawingClass &added)
-{
     const auto sameNames = [&](const DrawingClass &c) {
-        return c.dxfName == added.dxfName && c.className == added.className;
+        return c.dxfName == added.dxfName() && c.className == added.name();
     };
-    if (std::ranges::none_of(m_classes, sameNames))
-        m_classes.push_back(added);
+    if (std::ranges::any_of(m_classes, sameNames))
+        return;
+    m_classes.push_back({added.dxfName(), added.name(), added.application()->description,
+                         added.application()->proxyFlags, false, added.isDerivedFrom(AcDbEntity::desc()),
+                         false});
 }
 
 // Structure ---------------------------------------------------------------------------------------

@@ -145,8 +145,6 @@ public:
     /// Class records of custom classes that this drawing's objects need and that are not there yet are
     /// added when such an object is added.
     void ensureClass(const AcRxClass &added);
-    /// The same for a kind that has no class here.
-    void ensureClass(const DrawingClass &added);
 
     // Drawing variables --------------------------------------------------------------------------
     /// Names carry the dollar sign: "$CLAYER". Null when the drawing does not have the variable.

@@ -208,17 +208,6 @@ AcDbObjectId AcDbObject::createExtensionDictionary()
     return id;
 }
 
-void AcDbObject::dropExtensionDictionary()
-{
-    assertWriteEnabled();
-    const auto first = m_groups.begin() + std::ptrdiff_t(dictionaryBrace(m_groups));
-    const auto last = std::find_if(first, m_groups.end(), [](const resbuf &group) {
-        return group.restype == 102 && group.text() == QLatin1String("}");
-    });
-    if (last != m_groups.end())
-        m_groups.erase(first, last + 1);
-}
-
 void AcDbObject::linkExtensionDictionary(AcDbHandle handle)
 {
     const std::size_t brace = dictionaryBrace(m_groups);

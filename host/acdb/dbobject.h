@@ -65,8 +65,6 @@ public:
     AcDbObjectId extensionDictionary() const;
     /// Makes an empty one when there is none; needs write access.
     AcDbObjectId createExtensionDictionary();
-    /// The object names none any more; what it named stays. Needs write access.
-    void dropExtensionDictionary();
 
     // Overridden by custom classes ---------------------------------------------------------------
     virtual Acad::ErrorStatus subClose();

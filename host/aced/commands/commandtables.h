@@ -26,7 +26,6 @@ std::span<const Entry> layerCommands();
 std::span<const Entry> drawCommands();
 std::span<const Entry> blockCommands(); ///< INSERT.
 std::span<const Entry> xrefCommands();  ///< XREF.
-std::span<const Entry> xclipCommands();
 std::span<const Entry> inquiryCommands();
 std::span<const Entry> menuCommands();
 std::span<const Entry> plotCommands();

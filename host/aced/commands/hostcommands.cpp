@@ -26,7 +26,7 @@ void acedRegisterHostCommands()
     const std::array tables{fileCommands(),       editCommands(),  undoCommands(), viewCommands(),
                             coordinateCommands(), layerCommands(), drawCommands(), blockCommands(),
                             inquiryCommands(),    menuCommands(),  plotCommands(), layoutCommands(),
-                            gripCommands(),       xrefCommands(),  xclipCommands()};
+                            gripCommands(),       xrefCommands()};
     for (const std::span<const Entry> table : tables) {
         for (const Entry &entry : table) {
             const QString name = QLatin1String(entry.name);

@@ -30,5 +30,7 @@ double unitFactor(AcDbObjectId block);
 std::optional<Placement> askPlacement(bool uniform);
 /// Makes the block reference in the current space, with the attributes that the user is asked for.
 void insertReference(AcDbObjectId block, const Placement &placement, double units);
+/// The command XCLIP.
+void xclip();
 
 } // namespace hostcommands

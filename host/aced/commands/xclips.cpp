@@ -1,14 +1,14 @@
 // XCLIP: the part of a block or of an external reference that shows.
 #include "host/acdb/dbclip.h"
 #include "host/acdb/owngroups.h"
-#include "host/aced/commands/commandtables.h"
+#include "host/aced/commands/insertion.h"
 #include "host/aced/commands/support.h"
+#include "host/aced/edcommands.h"
 #include "host/acgi/kinds/draw_blocks.h"
 #include "host/acgi/kinds/draw_tools.h"
 #include "host/base/host_text.h"
 
 #include <algorithm>
-#include <array>
 
 namespace hostcommands
 {
@@ -187,7 +187,7 @@ static void drawBoundaries(const AcEdSelectionSet &references)
     }
 }
 
-static void xclip()
+void xclip()
 {
     AcEdSelectionSet references = askSelection();
     std::erase_if(references, [](AcDbObjectId id) { return !isReference(id); });
@@ -211,14 +211,6 @@ static void xclip()
         drawBoundaries(references);
     else
         switchTo(references, *choice == QLatin1String("ON"));
-}
-
-std::span<const Entry> xclipCommands()
-{
-    static constexpr std::array entries{
-        Entry{"XCLIP", QT_TRANSLATE_NOOP("Host", "剪裁"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, xclip},
-    };
-    return entries;
 }
 
 } // namespace hostcommands

@@ -295,6 +295,7 @@ std::span<const Entry> xrefCommands()
 {
     static constexpr std::array entries{
         Entry{"-XREF", QT_TRANSLATE_NOOP("Host", "外部参照"), ACRX_CMD_MODAL, xref},
+        Entry{"XCLIP", QT_TRANSLATE_NOOP("Host", "剪裁"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, xclip},
     };
     return entries;
 }
