@@ -4,6 +4,7 @@
 #include "host/acdb/dbundo.h"
 #include "host/acdb/dbxref.h"
 #include "host/acdb/dbxrefedit.h"
+#include "host/acgi/query/install.h"
 #include "host/acgi/query/spatial_index.h"
 #include "tests/support/files.h"
 #include "tests/support/memory_drawing.h"
@@ -243,6 +244,7 @@ TEST_F(Xrefs, HideWithTheLayersOfTheirHost)
 /// Whether a point of the segments or areas that shows lies in the window, found by trying very many.
 TEST(Clips, ArePickedByWhatShows)
 {
+    acgi::install();
     MemoryDrawing content;
     const std::uint64_t plan = content.block("PLAN");
     content.entity("LINE", {{10, AcGePoint3d(0, 0, 0)}, {11, AcGePoint3d(40, 40, 0)}}, plan);

@@ -98,7 +98,8 @@ TEST(DwgWriter, WritesWhatChangedAndKeepsTheBitsOfAllElse)
         const QString path = folder.write("plan.dwg", before);
         const auto database = opened(before);
         change(*database, circle, [](AcDbObject &object) { object.erase(); });
-        change(*database, text, [](AcDbObject &object) { object.setGroup(62, std::int64_t(5), u"AcDbEntity"); });
+        change(*database, text,
+               [](AcDbObject &object) { object.setGroup(62, std::int64_t(5), u"AcDbEntity"); });
         change(*database, layer, [](AcDbObject &object) { object.setGroup(62, std::int64_t(1)); });
         const std::uint64_t added = appendLine(*database, 1.0).handle().value;
         AcDbObjectId record;
