@@ -1,13 +1,13 @@
 // Claim: opening a DWG drawing takes at most twice as long as opening the same drawing as DXF, whose file is
 // several times as large. Files of AC1021 do not keep it yet: their pages are words of an error-correcting
-// code. What decoding every object takes is told beside it, and what saving with one change takes, read again and
-// with its backup, against copying the file.
+// code. What decoding every object takes is told beside it, and what saving with one change takes, read again
+// and with its backup, against copying the file.
 //
 // usage: bench_open_dwg FILE.dwg...   (the DXF file is written from the drawing itself)
 #include "bench/stopwatch.h"
+#include "host/acdb/dbobject.h"
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
-#include "host/acdb/dbobject.h"
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dwg/dwgsource.h"
 #include "host/formats/dwg/dwgwriter.h"
@@ -65,7 +65,8 @@ static bool measure(const QString &path)
     const QString saved = folder.filePath(QStringLiteral("saved.dwg"));
     const double copying = bench::bestSeconds(5, [&] {
         const auto bytes = base::readFileBytes(path);
-        static_cast<void>(base::writeFileAtomically(saved, QByteArrayView(bytes->data(), qsizetype(bytes->size()))));
+        static_cast<void>(
+            base::writeFileAtomically(saved, QByteArrayView(bytes->data(), qsizetype(bytes->size()))));
     });
     const double saving = secondsOfSaving(**opened, saved);
     std::printf("%-28s %8u objects, %6.2f MB: opening %7.1f ms; as DXF %6.2f MB: %7.1f ms (%.2f x); decoding "

@@ -35,11 +35,13 @@ Result<BackupFile, FileError> BackupFile::take(const QString &path)
     const QFileInfo info(target);
     const QString folder = info.path() + u'/';
     const QString temporary =
-        folder + QStringLiteral(".quill-%1.tmp").arg(QRandomGenerator::global()->generate(), 8, 16, QChar(u'0'));
+        folder +
+        QStringLiteral(".quill-%1.tmp").arg(QRandomGenerator::global()->generate(), 8, 16, QChar(u'0'));
     backup.m_backup = encodePath(folder + info.completeBaseName() + QStringLiteral(".bak"));
     QFile file(target);
     if (!file.copy(temporary))
-        return Failure{FileError::fromErrno(target, file.error() == QFileDevice::ResourceError ? ENOSPC : EACCES)};
+        return Failure{
+            FileError::fromErrno(target, file.error() == QFileDevice::ResourceError ? ENOSPC : EACCES)};
     backup.m_temporary = encodePath(temporary);
     return backup;
 }

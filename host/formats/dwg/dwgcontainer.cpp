@@ -69,7 +69,8 @@ base::Result<Container, QString> openContainer(std::string_view file)
 }
 
 /// Some writers do not count the sentinel at the end of a section.
-static std::string_view withEnd(std::string_view file, std::uint64_t at, std::string_view part, std::string_view end)
+static std::string_view withEnd(std::string_view file, std::uint64_t at, std::string_view part,
+                                std::string_view end)
 {
     const bool isCounted = part.ends_with(end);
     const bool follows = partOf(file, at + part.size(), end.size()) == end;

@@ -2,10 +2,10 @@
 #include "host/base/host_text.h"
 #include "host/formats/drawingformat.h"
 #include "host/formats/dwg/dwgcontainer.h"
+#include "host/formats/dwg/dwgpacker.h"
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dwg/dwgsource.h"
 #include "host/formats/dwg/dwgwriter.h"
-#include "host/formats/dwg/dwgpacker.h"
 
 namespace
 {
@@ -46,10 +46,7 @@ public:
             bytes.size() >= 6 && bytes.starts_with("AC") && bytes[2] >= '0' && bytes[2] <= '9';
         return isMarked ? Recognised::surely : Recognised::no;
     }
-    bool holds(const AcDbDatabase &database) const override
-    {
-        return sourceOf(database) != nullptr;
-    }
+    bool holds(const AcDbDatabase &database) const override { return sourceOf(database) != nullptr; }
 
     base::Result<std::unique_ptr<AcDbDatabase>, QString> read(base::FileBytes bytes, const QString &name,
                                                               const base::Progress &progress) const override
@@ -101,7 +98,10 @@ private:
         return dynamic_cast<const DwgSource *>(database.source());
     }
     /// Without changes the file is copied, whatever it is.
-    static bool mayNotCopy(const AcDbDatabase &database) { return !sourceOf(database) || database.hasChanges(); }
+    static bool mayNotCopy(const AcDbDatabase &database)
+    {
+        return !sourceOf(database) || database.hasChanges();
+    }
 };
 
 const DwgFormat theFormat;

@@ -287,7 +287,7 @@ Header readHeader(const FileFacts &facts, Container &container)
             header.variables.resize(before);
             std::erase_if(header.names, [before](const auto &name) { return name.first >= before; });
             container.warnOfLoss(Host::tr("the drawing's variables behind %1 could not be read")
-                               .arg(QString::fromLatin1(header.variables.back().name)));
+                                     .arg(QString::fromLatin1(header.variables.back().name)));
             break;
         }
     }

@@ -108,7 +108,8 @@ std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container)
             break;
     }
     if (in.data.failed() || in.texts.failed())
-        container.warnOfLoss(Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
+        container.warnOfLoss(
+            Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
     return classes;
 }
 

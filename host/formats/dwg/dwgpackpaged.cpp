@@ -72,8 +72,8 @@ private:
     const PackedSections &m_sections;
     QByteArray m_file;
     QByteArray m_pageMap;
-    std::uint32_t m_lastPage = 0;  ///< Of those with data.
-    std::uint32_t m_pageCount = 0; ///< With the maps.
+    std::uint32_t m_lastPage = 0;   ///< Of those with data.
+    std::uint32_t m_pageCount = 0;  ///< With the maps.
     std::size_t m_end = kFirstPage; ///< Of all pages, as their map has it.
 };
 
@@ -123,7 +123,8 @@ void PagedWriter::writeSection(const SectionForm &form, Packed &packed)
     QByteArray bytes(m_sections.find(form.name).data(), qsizetype(m_sections.find(form.name).size()));
     const auto section = numberAt<std::uint32_t>(viewOf(form.description), 0x18);
     const bool compressed = numberAt<std::uint32_t>(viewOf(form.description), 0x14) == 2;
-    std::size_t page = std::max<std::size_t>(numberAt<std::uint32_t>(viewOf(form.description), 0x0C), kPageUnit);
+    std::size_t page =
+        std::max<std::size_t>(numberAt<std::uint32_t>(viewOf(form.description), 0x0C), kPageUnit);
     if (!compressed) // Readers expect such sections in one page.
         page = std::max(page, roundedUp(std::size_t(bytes.size()), kSmallestPage));
     packed.at = std::size_t(m_file.size());
@@ -147,8 +148,8 @@ void PagedWriter::writeSectionMap(const std::vector<Packed> &sections)
 {
     constexpr std::uint32_t kBehindData = 3; // What the number of the map is counted from the last page.
     QByteArray map;
-    for (const std::size_t value : {sections.size(), std::size_t(2), std::size_t(0x7400), std::size_t(0),
-                                    sections.size()})
+    for (const std::size_t value :
+         {sections.size(), std::size_t(2), std::size_t(0x7400), std::size_t(0), sections.size()})
         appendNumber(map, std::uint32_t(value));
     for (const Packed &section : sections) {
         map += section.description;

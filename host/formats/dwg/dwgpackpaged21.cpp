@@ -32,7 +32,8 @@ std::size_t wordsFor(std::size_t size, const ReedSolomonCode &code)
 QByteArray packed(std::string_view plain)
 {
     QByteArray shorter = compress21(plain);
-    return std::size_t(shorter.size()) < plain.size() ? shorter : QByteArray(plain.data(), qsizetype(plain.size()));
+    return std::size_t(shorter.size()) < plain.size() ? shorter
+                                                      : QByteArray(plain.data(), qsizetype(plain.size()));
 }
 
 /// A map as it is stored, and what the header says of it.
@@ -78,7 +79,7 @@ public:
 
 private:
     struct Section {
-        QByteArray entry; ///< In the section map.
+        QByteArray entry;   ///< In the section map.
         std::size_t at = 0; ///< Of its first page; 0 when it has none.
     };
     struct StoredPage {
@@ -123,7 +124,7 @@ void PagedWriter21::writeSection(const SectionForm &form, Section &section)
     constexpr std::uint64_t kInterleaved = 4;
     const std::string_view description = viewOf(form.description);
     const auto order = numberAt<std::uint64_t>(description, 0x30) == kInterleaved ? WordOrder::interleaved
-                                                                                   : WordOrder::parityBehind;
+                                                                                  : WordOrder::parityBehind;
     const std::string_view found = m_sections.find(form.name);
     QByteArray bytes(found.data(), qsizetype(found.size()));
     section.at = m_dataAt + std::size_t(m_data.size());
@@ -212,7 +213,8 @@ QByteArray PagedWriter21::write()
     // sections could need, counted before any is written.
     std::size_t pages = kMapPages;
     for (const SectionForm &form : forms) {
-        const auto page = std::max<std::uint64_t>(numberAt<std::uint64_t>(viewOf(form.description), 0x08), kPageUnit);
+        const auto page =
+            std::max<std::uint64_t>(numberAt<std::uint64_t>(viewOf(form.description), 0x08), kPageUnit);
         pages += (m_sections.find(form.name).size() + std::size_t(page) - 1) / std::size_t(page);
     }
     const std::size_t mapPage = systemPageSize(pages * kMapEntry);

@@ -26,14 +26,15 @@ struct Record {
 
 // The second header ------------------------------------------------------------------------------
 
-constexpr std::string_view kSecondBegin = "\xD4\x7B\x21\xCE\x28\x93\x9F\xBF\x53\x24\x40\x09\x12\x3C\xAA\x01"sv;
+constexpr std::string_view kSecondBegin =
+    "\xD4\x7B\x21\xCE\x28\x93\x9F\xBF\x53\x24\x40\x09\x12\x3C\xAA\x01"sv;
 constexpr std::string_view kSecondEnd = "\x2B\x84\xDE\x31\xD7\x6C\x60\x40\xAC\xDB\xBF\xF6\xED\xC3\x55\xFE"sv;
 
 /// A copy of the places of sections, and handles that a damaged file is mended by; the first of them is the
 /// hand seed.
 struct SecondHeader {
-    QByteArray version;          ///< Its text and two numbers, 13 bytes.
-    std::uint16_t program = 0;   ///< The version and maintenance number of the program that wrote the file.
+    QByteArray version;        ///< Its text and two numbers, 13 bytes.
+    std::uint16_t program = 0; ///< The version and maintenance number of the program that wrote the file.
     std::uint16_t codePage = 0;
     std::vector<Record> records; ///< In an order of their own.
     std::vector<std::pair<std::uint8_t, QByteArray>> handles;

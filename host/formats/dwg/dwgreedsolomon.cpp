@@ -136,7 +136,8 @@ Polynomial generatorOf(const Field &field, std::size_t parity)
     for (std::size_t root = 1; root <= parity; ++root) {
         generator.insert(generator.begin(), 0);
         for (std::size_t i = 0; i + 1 < generator.size(); ++i)
-            generator[i] = std::uint8_t(generator[i] ^ field.multiply(generator[i + 1], field.power(unsigned(root))));
+            generator[i] =
+                std::uint8_t(generator[i] ^ field.multiply(generator[i + 1], field.power(unsigned(root))));
     }
     generator.pop_back();
     return generator;
@@ -157,7 +158,8 @@ Polynomial parityOf(const Field &field, const Polynomial &generator, std::string
 
 } // namespace
 
-QByteArray encodeReedSolomon(std::string_view data, std::size_t words, const ReedSolomonCode &code, WordOrder order)
+QByteArray encodeReedSolomon(std::string_view data, std::size_t words, const ReedSolomonCode &code,
+                             WordOrder order)
 {
     const Field field(code.fieldPolynomial);
     const Polynomial generator = generatorOf(field, kCodeWord - code.data);

@@ -116,7 +116,8 @@ void SavePlan::findTouched()
         const bool hasHeader = isKind(*stub, "BLOCK") && stub->owner != 0;
         if (isNew(*stub) || hasHeader)
             touchOwner(*stub); // A block's header holds what its BLOCK says.
-        if (isNew(*stub) && stub->has(AcDbStub::kEntity) && m_database.stub(stub->owner)->has(AcDbStub::kEntity))
+        if (isNew(*stub) && stub->has(AcDbStub::kEntity) &&
+            m_database.stub(stub->owner)->has(AcDbStub::kEntity))
             touch(*m_database.stub(stub->owner));
     }
     noteInserts();
@@ -150,7 +151,8 @@ void SavePlan::noteInserts()
 SavePlan::Stubs SavePlan::live(const Stubs &all) const
 {
     Stubs living;
-    std::ranges::copy_if(all, std::back_inserter(living), [this](const AcDbStub *stub) { return isLive(*stub); });
+    std::ranges::copy_if(all, std::back_inserter(living),
+                         [this](const AcDbStub *stub) { return isLive(*stub); });
     return living;
 }
 
@@ -269,7 +271,8 @@ std::uint64_t SavePlan::blockEnd(const AcDbStub &record, const char *kind)
                       {100, isBegin ? QStringLiteral("AcDbBlockBegin") : QStringLiteral("AcDbBlockEnd")}};
     if (isBegin) {
         const QString text = name ? name->text() : QString();
-        for (resbuf &group : ResbufList{{2, text}, {70, std::int64_t(0)}, {10, AcGePoint3d()}, {3, text}, {1, QString()}})
+        for (resbuf &group :
+             ResbufList{{2, text}, {70, std::int64_t(0)}, {10, AcGePoint3d()}, {3, text}, {1, QString()}})
             groups.push_back(std::move(group));
     }
     addRecord(place.handle, encodeObject(m_facts, m_names, place, groups), kind);
@@ -339,7 +342,8 @@ void SavePlan::settleClasses()
     for (const DwgClass &known : m_classes)
         next = std::max(next, known.number + 1);
     for (const DrawingClass &added : m_database.classes()) {
-        if (added.fromSource || std::ranges::find(m_classes, added.dxfName, &DwgClass::dxfName) != m_classes.end())
+        if (added.fromSource ||
+            std::ranges::find(m_classes, added.dxfName, &DwgClass::dxfName) != m_classes.end())
             continue;
         DwgClass made;
         made.number = next++;
@@ -378,7 +382,8 @@ void SavePlan::settleClasses()
 
 // Records ----------------------------------------------------------------------------------------
 
-void SavePlan::addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record, const QByteArray &kind)
+void SavePlan::addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record,
+                         const QByteArray &kind)
 {
     if (record)
         m_records[handle] = *std::move(record);
@@ -399,7 +404,9 @@ void SavePlan::encode(const AcDbStub &stub)
     const AcDbStub *const owner = stub.owner != 0 ? m_database.stub(stub.owner) : nullptr;
     if (isNew(stub) && stub.has(AcDbStub::kEntity) && owner) {
         const AcDbObjectId block(const_cast<AcDbStub *>(owner));
-        place.entityMode = block == m_database.modelSpaceId() ? 2 : block == m_database.paperSpaceId() ? 1 : 0;
+        place.entityMode = block == m_database.modelSpaceId()   ? 2
+                           : block == m_database.paperSpaceId() ? 1
+                                                                : 0;
     }
     place.chain = where.chain;
     place.parts = where.parts;
@@ -410,7 +417,8 @@ void SavePlan::encode(const AcDbStub &stub)
     const auto fields = isCustom ? filedFields(m_facts, AcDbObjectId(const_cast<AcDbStub *>(&stub)))
                                  : base::Result<FiledFields, Acad::ErrorStatus>(FiledFields());
     if (!fields)
-        return addRecord(stub.handle, base::Failure{acadErrorStatusText(fields.error())}, acdbKindName(stub.kind));
+        return addRecord(stub.handle, base::Failure{acadErrorStatusText(fields.error())},
+                         acdbKindName(stub.kind));
     if (isCustom)
         place.fields = &*fields;
     addRecord(stub.handle, encodeObject(m_facts, m_names, place, groups), acdbKindName(stub.kind));

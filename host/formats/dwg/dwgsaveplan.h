@@ -1,5 +1,5 @@
-// SavePlan: what saving makes of an opened DWG file: its records, changed, added and left out, and the sections
-// that follow from them.
+// SavePlan: what saving makes of an opened DWG file: its records, changed, added and left out, and the
+// sections that follow from them.
 //
 // Objects that nobody changed keep their records. Others are encoded; so are those that list them: headers of
 // blocks, heads of tables, owners of attributes and vertices, neighbours in a chain (AC1015).
@@ -19,8 +19,8 @@ namespace dwg
 class SavePlan
 {
 public:
-    /// Of the drawing as it is now; the source must outlive the plan. What cannot be encoded refuses the whole:
-    /// the error is a sentence without the file's name.
+    /// Of the drawing as it is now; the source must outlive the plan. What cannot be encoded refuses the
+    /// whole: the error is a sentence without the file's name.
     static base::Result<std::unique_ptr<SavePlan>, QString> make(const AcDbDatabase &database,
                                                                  const DwgSource &source);
 
@@ -76,7 +76,7 @@ private:
     const Names m_names;
     FileContents m_contents;
     std::vector<AcDbStub *> m_changed;
-    std::vector<bool> m_gone; ///< By stub index; empty when nothing is erased.
+    std::vector<bool> m_gone;                          ///< By stub index; empty when nothing is erased.
     std::unordered_map<std::uint32_t, Place> m_places; ///< Of touched objects, by index.
     std::set<std::uint32_t> m_blocks, m_owners;        ///< Whose lists change, by index.
     std::set<SymbolTable> m_tables;

@@ -10,8 +10,8 @@
 namespace
 {
 
-/// What is wrong with the drawing that a written file holds; empty when every object of the database is in it,
-/// in its place.
+/// What is wrong with the drawing that a written file holds; empty when every object of the database is in
+/// it, in its place.
 QString faultOf(const AcDbDatabase &database, base::FileBytes bytes, const dwg::SavePlan &plan)
 {
     const auto reread = readDwg(std::move(bytes), QStringLiteral("it"));
@@ -34,7 +34,8 @@ QString faultOf(const AcDbDatabase &database, base::FileBytes bytes, const dwg::
                             found->has(AcDbStub::kSubEntity) == stub.has(AcDbStub::kSubEntity);
         if (!isSame)
             return Host::tr("%1 %2 is not where it should be")
-                .arg(QString::fromLatin1(acdbKindName(stub.kind)), QString::number(stub.handle, 16).toUpper());
+                .arg(QString::fromLatin1(acdbKindName(stub.kind)),
+                     QString::number(stub.handle, 16).toUpper());
     }
     return {};
 }

@@ -140,7 +140,8 @@ bool Exporter::object(const AcDbStub &stub)
         }
         const char *const name = stub.has(AcDbStub::kEntity) ? "ACAD_PROXY_ENTITY" : "ACAD_PROXY_OBJECT";
         // What its class can read will be written by the class.
-        const bool isRead = acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application() && !stub.object;
+        const bool isRead =
+            acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application() && !stub.object;
         if (kind != name && !isRead)
             ++m_proxies[kind];
         groups.front().assign(QString::fromLatin1(name));

@@ -1,10 +1,11 @@
 // usage: dwg_repack FILE.dwg OUT.dwg
 //        dwg_repack --compare OLD.dwg NEW.dwg
 //
-// Packs a drawing again with every object as it is, and compares what was written with the original, record by
-// record and section by section. Prints "AC1027 856 objects, 345600 bits kept, 102258 to 103010 bytes, packing it
-// again gives the same bytes"; fails with the reason when something differs. Comparing tells which records of a drawing
-// another one has: "842 objects, 838 with the same bits, 31 added; others 1F 2 C 10". real_dwg_test.py runs it.
+// Packs a drawing again with every object as it is, and compares what was written with the original, record
+// by record and section by section. Prints "AC1027 856 objects, 345600 bits kept, 102258 to 103010 bytes,
+// packing it again gives the same bytes"; fails with the reason when something differs. Comparing tells which
+// records of a drawing another one has: "842 objects, 838 with the same bits, 31 added; others 1F 2 C 10".
+// real_dwg_test.py runs it.
 #include "host/base/atomic_file.h"
 #include "host/base/file_bytes.h"
 #include "host/formats/dwg/dwgheader.h"
@@ -85,8 +86,8 @@ bool compare(const QString &oldPath, const QString &newPath)
         if (found != after.end())
             after.erase(found);
     }
-    std::printf("%zu objects, %zu with the same bits, %zu added; others%s\n", before.size(), same, after.size(),
-                qPrintable(others));
+    std::printf("%zu objects, %zu with the same bits, %zu added; others%s\n", before.size(), same,
+                after.size(), qPrintable(others));
     return !before.empty();
 }
 

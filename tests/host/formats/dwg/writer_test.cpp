@@ -98,13 +98,15 @@ TEST(DwgWriter, WritesWhatChangedAndKeepsTheBitsOfAllElse)
         const QString path = folder.write("plan.dwg", before);
         const auto database = opened(before);
         change(*database, circle, [](AcDbObject &object) { object.erase(); });
-        change(*database, text, [](AcDbObject &object) { object.setGroup(62, std::int64_t(5), u"AcDbEntity"); });
+        change(*database, text,
+               [](AcDbObject &object) { object.setGroup(62, std::int64_t(5), u"AcDbEntity"); });
         change(*database, layer, [](AcDbObject &object) { object.setGroup(62, std::int64_t(1)); });
         const std::uint64_t added = appendLine(*database, 1.0).handle().value;
         AcDbObjectId record;
         change(*database, root, [&record](AcDbObject &object) {
             auto *const made = new AcDbXrecord;
-            ASSERT_EQ(made->setFromRbChain({{1, QStringLiteral("gr\u00fcn")}, {70, std::int64_t(7)}}), Acad::eOk);
+            ASSERT_EQ(made->setFromRbChain({{1, QStringLiteral("gr\u00fcn")}, {70, std::int64_t(7)}}),
+                      Acad::eOk);
             ASSERT_EQ(static_cast<AcDbDictionary &>(object).setAt("MARKS", made, record), Acad::eOk);
             made->close();
         });
@@ -118,7 +120,8 @@ TEST(DwgWriter, WritesWhatChangedAndKeepsTheBitsOfAllElse)
         EXPECT_EQ(again->version(), version);
         EXPECT_EQ(modelSpaceOf(*again), (std::vector<std::uint64_t>{line, text, custom, added}));
         EXPECT_GT(again->handseed().value, record.handle().value);
-        for (const std::uint64_t handle : {std::uint64_t(text), std::uint64_t(layer), added, record.handle().value})
+        for (const std::uint64_t handle :
+             {std::uint64_t(text), std::uint64_t(layer), added, record.handle().value})
             EXPECT_EQ(again->fileGroups(*again->getAcDbObjectId({handle}).stub()),
                       database->fileGroups(*database->getAcDbObjectId({handle}).stub()))
                 << handle;
@@ -149,7 +152,8 @@ TEST(DwgWriter, RefusesTheWholeWhenAnObjectCannotBeEncoded)
     const QByteArray before = tests::smallDwg(DrawingVersion::r2013, true);
     const QString path = folder.write("plan.dwg", before);
     const auto database = opened(before);
-    append(*database, {{0, QStringLiteral("UNHEARD")}, {100, QStringLiteral("AcDbEntity")}, {8, QStringLiteral("0")}});
+    append(*database,
+           {{0, QStringLiteral("UNHEARD")}, {100, QStringLiteral("AcDbEntity")}, {8, QStringLiteral("0")}});
     const auto saved = save(*database, path);
     ASSERT_FALSE(saved);
     EXPECT_THAT(saved.error().toStdString(), testing::HasSubstr("UNHEARD"));
