@@ -365,17 +365,17 @@ QString AcApDocManager::whyNotSaved(const AcApDocument &document) const
 {
     const QString name = document.isNamedDrawing() ? document.fileName() : document.docTitle();
     const DrawingFormat *const format = drawingFormatToSave(*document.m_database, name);
-    return format ? format->whyNotWritten() : QString();
+    return format ? format->whyNotWritten(*document.m_database) : QString();
 }
 
 QString AcApDocManager::suffixToSave(const AcApDocument &document) const
 {
     const QString own = QFileInfo(document.docTitle()).suffix();
     const DrawingFormat *const named = drawingFormatOfName(document.docTitle());
-    if (!named || named->whyNotWritten().isEmpty())
+    if (!named || named->whyNotWritten(*document.m_database).isEmpty())
         return own;
     for (const DrawingFormat *const format : drawingFormats()) {
-        if (format->whyNotWritten().isEmpty())
+        if (format->whyNotWritten(*document.m_database).isEmpty())
             return format->suffix();
     }
     return own;

@@ -1,6 +1,7 @@
 #include "host/acdb/dbdatabase.h"
 
 #include "host/acdb/dbdict.h"
+#include "host/acdb/dbfieldsource.h"
 #include "host/acdb/dbreactor.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbtransient.h"
@@ -15,6 +16,7 @@
 #include <limits>
 #include <optional>
 #include <set>
+#include <span>
 
 // Never destroyed: databases that live to the end of the process leave it later than a static would.
 static std::set<AcDbDatabase *> &openDatabases()
@@ -147,6 +149,16 @@ Acad::ErrorStatus AcDbDatabase::readCarried(AcDbObject &object) const
     return object.dwgInFields(&filer);
 }
 
+/// What the class filed, where the source shows that and nothing else of an object.
+static std::unique_ptr<AcDbDwgFiler> filedFields(const DrawingSource *source, const AcDbStub &stub,
+                                                 std::span<const resbuf> own)
+{
+    const auto *const filed = dynamic_cast<const AcDbFieldSource *>(source);
+    const bool isShownAsBits = !own.empty() && own.front().restype == 100 &&
+                               own.front().text().startsWith(QStringLiteral("AcDbProxy"));
+    return filed && isShownAsBits ? filed->fieldsOf(stub) : nullptr;
+}
+
 std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList groups) const
 {
     const bool isEntity = stub.has(AcDbStub::kEntity);
@@ -173,8 +185,9 @@ std::unique_ptr<AcDbObject> AcDbDatabase::materialise(AcDbStub &stub, ResbufList
     object->m_groups.insert(object->m_groups.end(), extended, groups.end());
 
     stub.set(AcDbStub::kBeingMade);
-    Acad::ErrorStatus status = readCarried(*object);
-    if (status != Acad::eMakeMeProxy) {
+    const auto fields = filedFields(m_source.get(), stub, std::span(own, extended));
+    Acad::ErrorStatus status = fields ? object->dwgInFields(fields.get()) : readCarried(*object);
+    if (!fields && status != Acad::eMakeMeProxy) {
         AcDbDxfFiler filer(const_cast<AcDbDatabase *>(this), ResbufList(own, extended));
         status = object->dxfInFields(&filer);
     }

@@ -80,9 +80,11 @@ QByteArray acdbCarriedFields(const AcDbDatabase &database, const ResbufList &gro
 class CarrierKeeper
 {
 public:
-    explicit CarrierKeeper(AcDbDatabase &database) : m_database(database)
+    CarrierKeeper(AcDbDatabase &database, AcDbCarried which) : m_database(database)
     {
-        quietly([this] {
+        quietly([this, which] {
+            if (which == AcDbCarried::all)
+                putUnchanged();
             for (const std::uint32_t index : std::vector(m_database.m_changed)) {
                 if (isWrittenFromMemory(*m_database.stub(index)))
                     put(*m_database.stub(index));
@@ -101,6 +103,19 @@ public:
     }
 
 private:
+    /// Custom objects that only the file has so far.
+    void putUnchanged()
+    {
+        for (std::uint32_t index = 1, count = m_database.stubCount(); index < count; ++index) {
+            AcDbStub &stub = *m_database.stub(index);
+            const bool isCustom = acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application();
+            if (!isCustom || stub.has(AcDbStub::kErased) || stub.has(AcDbStub::kChanged))
+                continue;
+            if (AcDbObject *const object = m_database.resident(stub); !object->m_isProxy)
+                put(stub);
+        }
+    }
+
     static bool isWrittenFromMemory(const AcDbStub &stub)
     {
         return stub.object && !stub.has(AcDbStub::kErased) && stub.has(AcDbStub::kChanged) &&
@@ -222,7 +237,8 @@ private:
     std::vector<std::pair<AcDbObject *, ResbufList>> m_linked;
 };
 
-AcDbDwgCarriers::AcDbDwgCarriers(AcDbDatabase &database) : m_keeper(std::make_unique<CarrierKeeper>(database))
+AcDbDwgCarriers::AcDbDwgCarriers(AcDbDatabase &database, AcDbCarried which)
+    : m_keeper(std::make_unique<CarrierKeeper>(database, which))
 {
 }
 

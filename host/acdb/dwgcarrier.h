@@ -9,13 +9,19 @@
 /// The carrier's key in an extension dictionary.
 inline constexpr QStringView kDwgCarrierKey = u"DWG_FIELDS";
 
+/// Which custom objects are written from memory.
+enum class AcDbCarried {
+    changed, ///< The file keeps the others as they are.
+    all,     ///< The file is of another format than the one that the drawing came from.
+};
+
 /// Puts the carriers of all custom objects that will be written from memory into the drawing, for as long as
 /// it is being saved; afterwards the drawing is as it was. Makes no undo steps and notifies nobody. Saving
 /// again uses the same handles.
 class AcDbDwgCarriers
 {
 public:
-    explicit AcDbDwgCarriers(AcDbDatabase &database);
+    explicit AcDbDwgCarriers(AcDbDatabase &database, AcDbCarried which = AcDbCarried::changed);
     ~AcDbDwgCarriers();
     AcDbDwgCarriers(const AcDbDwgCarriers &) = delete;
     AcDbDwgCarriers &operator=(const AcDbDwgCarriers &) = delete;

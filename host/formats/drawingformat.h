@@ -45,8 +45,8 @@ public:
     /// `name` is what errors call the file. When `progress` says no, reading ends with an error.
     virtual base::Result<std::unique_ptr<AcDbDatabase>, QString>
     read(base::FileBytes bytes, const QString &name, const base::Progress &progress) const = 0;
-    /// Why this format cannot be written, and what to do instead; empty when it can.
-    virtual QString whyNotWritten() const { return {}; }
+    /// Why a drawing cannot be written in this format, and what to do instead; empty when it can.
+    virtual QString whyNotWritten(const AcDbDatabase &) const { return {}; }
     /// What of a drawing cannot be written in this format, a sentence each. Empty: all of it can.
     virtual QStringList losses(const AcDbDatabase &database) const = 0;
     /// Drawings of other formats are converted, or refused with the reason. A crash, a failure, or `progress`

@@ -4,6 +4,78 @@
 <context>
     <name>Host</name>
     <message>
+        <source>DWG files of versions before 2000 can be read, but not written</source>
+        <translation>2000 版以前的 DWG 文件只能读取，不能写入</translation>
+    </message>
+    <message>
+        <source>a DXF drawing cannot be saved as DWG</source>
+        <translation>DXF 图形不能保存为 DWG</translation>
+    </message>
+    <message>
+        <source>it names %1 objects instead of %2</source>
+        <translation>其中列出 %1 个对象，应为 %2 个</translation>
+    </message>
+    <message>
+        <source>object %1 is damaged</source>
+        <translation>对象 %1 已损坏</translation>
+    </message>
+    <message>
+        <source>object %1 is missing</source>
+        <translation>缺少对象 %1</translation>
+    </message>
+    <message>
+        <source>object %1 is not as it was meant</source>
+        <translation>对象 %1 与预期不符</translation>
+    </message>
+    <message>
+        <source>the drawing is signed or protected, which a changed drawing would not be</source>
+        <translation>图形已签名或受保护，修改后将不再有效</translation>
+    </message>
+    <message>
+        <source>the file before it as a backup (%1)</source>
+        <translation>原文件的备份 (%1)</translation>
+    </message>
+    <message>
+        <source>the file has no place for the variable %1</source>
+        <translation>文件中没有存放变量 %1 的位置</translation>
+    </message>
+    <message>
+        <source>the file lacks a table that new records would go to</source>
+        <translation>文件缺少存放新记录的表</translation>
+    </message>
+    <message>
+        <source>the file was damaged when it was opened (%1)</source>
+        <translation>文件在打开时已损坏 (%1)</translation>
+    </message>
+    <message>
+        <source>the section %1 is not as it was meant</source>
+        <translation>节 %1 与预期不符</translation>
+    </message>
+    <message>
+        <source>the section map is cut off</source>
+        <translation>节映射表被截断</translation>
+    </message>
+    <message>
+        <source>the section map is damaged</source>
+        <translation>节映射表已损坏</translation>
+    </message>
+    <message>
+        <source>the variable %1 has no place in a DWG file of this version</source>
+        <translation>此版本的 DWG 文件不能存放变量 %1</translation>
+    </message>
+    <message>
+        <source>%1 %2 cannot be written: %3</source>
+        <translation>%1 %2 不能写入：%3</translation>
+    </message>
+    <message>
+        <source>%1 %2 is not where it should be</source>
+        <translation>%1 %2 不在应有的位置</translation>
+    </message>
+    <message>
+        <source>%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
+        <translation>%1；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
+    </message>
+    <message>
         <source>%1: the drawing came from no file that could be written</source>
         <translation>%1: 此图形不是来自可写入的文件</translation>
     </message>
@@ -260,6 +332,10 @@
         <translation>与其他名称的联系(硬链接)，这些名称仍为旧内容</translation>
     </message>
     <message>
+        <source>an external reference cannot own entities</source>
+        <translation>外部参照不能拥有图元</translation>
+    </message>
+    <message>
         <source>the file is too short</source>
         <translation>文件太短</translation>
     </message>
@@ -280,36 +356,104 @@
         <translation>文件头的校验和不对</translation>
     </message>
     <message>
+        <source>its corners do not lie in one plane</source>
+        <translation>其角点不在同一平面上</translation>
+    </message>
+    <message>
+        <source>its groups contradict each other</source>
+        <translation>其各组相互矛盾</translation>
+    </message>
+    <message>
+        <source>its names and its objects do not match</source>
+        <translation>其名称与对象不对应</translation>
+    </message>
+    <message>
+        <source>group %1 is too long</source>
+        <translation>组 %1 过长</translation>
+    </message>
+    <message>
+        <source>groups of the application %1 have no place in a DWG file</source>
+        <translation>DWG 文件中没有应用程序 %1 的组的位置</translation>
+    </message>
+    <message>
+        <source>the drawing has nothing called "%1"</source>
+        <translation>图形中没有名为“%1”的记录</translation>
+    </message>
+    <message>
+        <source>the drawing has no colour "%1"</source>
+        <translation>图形中没有颜色“%1”</translation>
+    </message>
+    <message>
+        <source>the application %1 of extended data is not registered in the drawing</source>
+        <translation>扩展数据的应用程序 %1 未在图形中注册</translation>
+    </message>
+    <message>
+        <source>the extended data of %1 are too long</source>
+        <translation>%1 的扩展数据过长</translation>
+    </message>
+    <message>
+        <source>group %1 of extended data cannot be stored</source>
+        <translation>扩展数据的组 %1 无法保存</translation>
+    </message>
+    <message>
+        <source>a table cannot be made anew</source>
+        <translation>表不能重新建立</translation>
+    </message>
+    <message>
+        <source>a DWG file has no form for objects of this kind</source>
+        <translation>DWG 文件中没有这种对象的形式</translation>
+    </message>
+    <message>
+        <source>its texts cannot be told from its other data</source>
+        <translation>其文字无法与其他数据区分</translation>
+    </message>
+    <message>
+        <source>its bits are damaged</source>
+        <translation>其数据已损坏</translation>
+    </message>
+    <message>
+        <source>objects of this kind can be kept in a DWG file, but not changed or added</source>
+        <translation>DWG 文件中这种对象可以保留，但不能修改或添加</translation>
+    </message>
+    <message>
+        <source>DWG drawings of this version are only read</source>
+        <translation>此版本的 DWG 图形只能读取</translation>
+    </message>
+    <message>
+        <source>DWG drawings of this version do not have that kind</source>
+        <translation>此版本的 DWG 图形没有这种对象</translation>
+    </message>
+    <message>
+        <source>group %1 has no place in a DWG file</source>
+        <translation>DWG 文件中没有组 %1 的位置</translation>
+    </message>
+    <message>
+        <source>a text of %1 characters is too long</source>
+        <translation>文字过长（%1 个字符）</translation>
+    </message>
+    <message>
+        <source>that part of it can only be read</source>
+        <translation>其中这一部分只能读取</translation>
+    </message>
+    <message>
         <source>%1: DWG drawings of version %2 cannot be read</source>
         <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
-    </message>
-    <message>
-        <source>DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
-        <translation>DWG 文件目前只能读取，还不能写入；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
-    </message>
-    <message>
-        <source>%1: a DXF drawing cannot be saved as DWG</source>
-        <translation>%1: DXF 图形不能保存为 DWG</translation>
     </message>
     <message>
         <source>DWG drawings cannot be written</source>
         <translation>不能写入 DWG 图形</translation>
     </message>
     <message>
-        <source>the section %1 does not begin as it should</source>
-        <translation>节 %1 的开头不对</translation>
-    </message>
-    <message>
-        <source>the section %1 is cut off</source>
-        <translation>节 %1 不完整</translation>
-    </message>
-    <message>
-        <source>the checksum of the section %1 is wrong</source>
-        <translation>节 %1 的校验和不对</translation>
-    </message>
-    <message>
         <source>the drawing's variables behind %1 could not be read</source>
         <translation>%1 之后的图形变量无法读取</translation>
+    </message>
+    <message>
+        <source>the variable $%1 names "%2", which the drawing does not have</source>
+        <translation>变量 $%1 指向“%2”，而图形中没有它</translation>
+    </message>
+    <message>
+        <source>the drawing's variables are damaged and cannot be written again</source>
+        <translation>图形的变量已损坏，无法重新写入</translation>
     </message>
     <message>
         <source>%1 parts of the object map have a wrong checksum</source>
@@ -322,6 +466,10 @@
     <message>
         <source>the class records behind %1 could not be read</source>
         <translation>第 %1 条之后的类记录无法读取</translation>
+    </message>
+    <message>
+        <source>the drawing's class records are damaged and cannot be written again</source>
+        <translation>图形的类记录已损坏，无法重新写入</translation>
     </message>
     <message>
         <source>the checksum of the file's header is wrong; its copy at the end is used</source>
@@ -410,6 +558,22 @@
     <message>
         <source>opening was stopped</source>
         <translation>打开已停止</translation>
+    </message>
+    <message>
+        <source>the section %1 does not begin as it should</source>
+        <translation>节 %1 的开头不对</translation>
+    </message>
+    <message>
+        <source>the section %1 is cut off</source>
+        <translation>节 %1 不完整</translation>
+    </message>
+    <message>
+        <source>the checksum of the section %1 is wrong</source>
+        <translation>节 %1 的校验和不对</translation>
+    </message>
+    <message>
+        <source>the texts of the linetype are too long</source>
+        <translation>线型的文字过长</translation>
     </message>
     <message>
         <source>the owner %1 is no layout; its entities were put into %2 space</source>

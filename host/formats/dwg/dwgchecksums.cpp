@@ -32,9 +32,10 @@ std::uint16_t crc16(std::string_view bytes, std::uint16_t seed)
     return std::uint16_t(crc);
 }
 
+static constexpr std::size_t kStride = 0x15B0; // So that sums cannot overflow.
+
 std::uint32_t pageChecksum(std::uint32_t seed, std::string_view bytes)
 {
-    constexpr std::size_t kStride = 0x15B0; // So that the sums cannot overflow.
     std::uint32_t low = seed & 0xFFFF;
     std::uint32_t high = seed >> 16;
     while (!bytes.empty()) {
@@ -61,6 +62,23 @@ static void putInOrder(std::string_view bytes, Put put)
             put(std::uint8_t(group[std::size_t(place - '0')]));
         bytes.remove_prefix(group.size());
     }
+}
+
+std::uint32_t pageChecksum21(std::string_view bytes)
+{
+    const std::uint64_t seed = std::uint64_t(bytes.size()) * 0x343FD + 0x269EC3;
+    std::uint32_t low = seed & 0xFFFF;
+    std::uint32_t high = std::uint32_t(seed >> 16) & 0xFFFF;
+    while (!bytes.empty()) {
+        putInOrder(bytes.substr(0, kStride), [&low, &high](std::uint8_t byte) {
+            low += byte;
+            high += low;
+        });
+        low %= 0xFFF1;
+        high %= 0xFFF1;
+        bytes.remove_prefix(std::min(bytes.size(), kStride));
+    }
+    return high << 16 | low;
 }
 
 std::uint64_t pageCrc64(std::string_view bytes)

@@ -27,6 +27,13 @@ void Container::warn(const QString &sentence)
         warnings.append(sentence);
 }
 
+void Container::warnOfLoss(const QString &sentence)
+{
+    if (damage.isEmpty())
+        damage = sentence;
+    warn(sentence);
+}
+
 std::size_t unpackedLimit(std::string_view file)
 {
     return 32 * file.size() + (std::size_t(16) << 20);
@@ -36,6 +43,7 @@ base::Result<Container, QString> openContainer(std::string_view file)
 {
     constexpr std::size_t kHeader = 0x80;
     Container container;
+    container.file = file;
     container.version = versionOf(file);
     if (file.size() < kHeader)
         return base::Failure{Host::tr("the file is too short")};
@@ -60,6 +68,15 @@ base::Result<Container, QString> openContainer(std::string_view file)
     return container;
 }
 
+/// Some writers do not count the sentinel at the end of a section.
+static std::string_view withEnd(std::string_view file, std::uint64_t at, std::string_view part,
+                                std::string_view end)
+{
+    const bool isCounted = part.ends_with(end);
+    const bool follows = partOf(file, at + part.size(), end.size()) == end;
+    return !isCounted && follows && !part.empty() ? partOf(file, at, part.size() + end.size()) : part;
+}
+
 base::Result<void, QString> openPlain(std::string_view file, Container &container)
 {
     constexpr std::size_t kFirstRecord = 0x19;
@@ -80,8 +97,10 @@ base::Result<void, QString> openPlain(std::string_view file, Container &containe
     for (std::uint32_t i = 0; i < records; ++i) {
         const std::size_t at = kFirstRecord + i * kRecord;
         const std::uint8_t number = std::uint8_t(partOf(file, at, 1).empty() ? 0xFF : file[at]);
-        const std::string_view part =
-            partOf(file, numberAt<std::uint32_t>(file, at + 1), numberAt<std::uint32_t>(file, at + 5));
+        const std::uint32_t place = numberAt<std::uint32_t>(file, at + 1);
+        std::string_view part = partOf(file, place, numberAt<std::uint32_t>(file, at + 5));
+        if (number < std::size(kSectionEnds))
+            part = withEnd(file, place, part, kSectionEnds[number]);
         if (number < std::size(kNames) && !part.empty())
             container.sections[kNames[number]] = QByteArray::fromRawData(part.data(), qsizetype(part.size()));
     }

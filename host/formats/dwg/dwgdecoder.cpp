@@ -13,10 +13,13 @@ namespace dwg
 
 void Decoder::angle(int group, double radians)
 {
-    real(group, radians * 180.0 / std::numbers::pi);
+    const double degrees = radians * 180.0 / std::numbers::pi;
+    if (in.kept)
+        in.kept->angles.add(degrees, radians);
+    real(group, degrees);
 }
 
-void Decoder::color(int group, const ObjectReader::Color &color)
+void Decoder::color(int group, const Color &color)
 {
     // 62 has its true colour in 420, 63 in 421 ...
     const int subclass = group / kSubclass * kSubclass;
@@ -29,13 +32,29 @@ void Decoder::color(int group, const ObjectReader::Color &color)
 QString Decoder::recordName(std::uint64_t record) const
 {
     const auto found = neighbours.recordNames.find(record);
-    return found == neighbours.recordNames.end() ? QString() : found->second;
+    const QString name = found == neighbours.recordNames.end() ? QString() : found->second;
+    if (in.kept)
+        in.kept->names.add(name, record);
+    return name;
 }
 
 const resbuf *Decoder::find(int group) const
 {
     const auto found = std::ranges::find(out, group, &resbuf::restype);
     return found == out.end() ? nullptr : &*found;
+}
+
+void Decoder::optionalHandle(int group)
+{
+    if (const std::uint64_t named = in.reference().handle)
+        handle(group, named);
+}
+
+void Decoder::addFlags(std::int64_t flags)
+{
+    const auto known = std::ranges::find(out, 70, &resbuf::restype);
+    if (known != out.end())
+        known->assign(known->integer() | flags);
 }
 
 void Decoder::remove(int group)
@@ -98,13 +117,15 @@ int nearestColorIndex(std::uint32_t rgb)
 
 // Fields -----------------------------------------------------------------------------------------
 
-static void readField(const Field &field, Decoder &d)
+static void readField(const Field &field, int place, Decoder &d)
 {
     using Code = Field::Code;
     Bits &data = d.in.data;
     const auto put = [&](resbuf::Value value) {
         if (field.group != 0)
             d.add(field.group, std::move(value));
+        else
+            d.hidden(place, std::move(value));
     };
     switch (field.code) {
     case Code::b:
@@ -128,7 +149,7 @@ static void readField(const Field &field, Decoder &d)
     case Code::bt:
         return put(data.thickness(d.in.version()));
     case Code::angle:
-        return put(data.bitDouble() * 180.0 / std::numbers::pi);
+        return d.angle(field.group, data.bitDouble());
     case Code::text:
         return put(d.in.text());
     case Code::p2bd:
@@ -157,13 +178,14 @@ static void readField(const Field &field, Decoder &d)
 void readFields(const Kind &kind, Decoder &decoder)
 {
     const int version = int(decoder.in.version());
-    for (const Field &field : kind.fields) {
+    for (std::size_t i = 0; i < kind.fields.size(); ++i) {
+        const Field &field = kind.fields[i];
         if (version >= field.since && (field.until == 0 || version < field.until) && decoder.in.good())
-            readField(field, decoder);
+            readField(field, int(i), decoder);
     }
 }
 
-static bool isAbsent(const Group &group, const resbuf::Value &value)
+bool isAbsent(const Group &group, const resbuf::Value &value)
 {
     if (!group.hasDefault)
         return false;
@@ -231,15 +253,6 @@ static void appendLinks(const Common &common, std::uint64_t owner, ResbufList &o
     out.emplace_back(330, AcDbHandle{owner});
 }
 
-static int entityLineweight(int index)
-{
-    static constexpr std::array<int, 24> kWeights{0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
-                                                  53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
-    if (index >= 0 && index < int(kWeights.size()))
-        return kWeights[std::size_t(index)];
-    return index == 29 ? -1 : index == 30 ? -2 : -3;
-}
-
 static void appendGraphics(const ObjectReader &reader, const Common &common, ResbufList &out)
 {
     if (common.graphicsSize == 0)
@@ -291,10 +304,10 @@ static void appendEntityHead(const ObjectReader &reader, const Common &common, c
         integer(440, *common.transparency);
     if (common.linetypeScale != 1.0)
         out.emplace_back(48, common.linetypeScale);
-    if (common.isInvisible)
+    if (common.visibility & 1)
         integer(60, 1);
     if (common.lineweight != 29)
-        integer(370, entityLineweight(common.lineweight));
+        integer(370, lineweightOf(common.lineweight));
     if (common.shadowFlags != 0)
         integer(284, common.shadowFlags);
     if (common.plotStyleFlags == 3 && common.plotStyle != 0)
@@ -317,8 +330,11 @@ static QString extendedText(const ObjectReader &reader, Bits &data)
     }
     const std::size_t length = data.rawChar();
     const std::uint16_t page = data.rawShort(); // The other byte first.
-    const auto codec = base::TextCodec::fromDwgNumber(std::uint16_t(page << 8 | page >> 8));
+    const auto number = std::uint16_t(page << 8 | page >> 8);
+    const auto codec = base::TextCodec::fromDwgNumber(number);
     const QByteArray bytes = data.bytes(length);
+    if (reader.kept)
+        reader.kept->extendedPage = number;
     return decodeText({bytes.constData(), std::size_t(bytes.size())},
                       codec.known() ? codec : reader.facts().codec);
 }
@@ -462,6 +478,20 @@ static void appendTable(ObjectReader &reader, const QString &name, ResbufList &o
         out.emplace_back(340, AcDbHandle{reader.reference().handle});
 }
 
+void appendHead(const ObjectReader &reader, const Common &common, const Neighbours &neighbours,
+                const ObjectPlace &place, ResbufList &out)
+{
+    const std::uint64_t owner = place.owner != 0 ? place.owner : common.owner.handle;
+    appendCommonHead(reader, place.kindName, out);
+    if (place.kindName == "TABLE") {
+        out.emplace_back(2, place.tableName);
+        out.emplace_back(5, AcDbHandle{reader.handle()});
+    }
+    appendLinks(common, owner, out);
+    if (place.isEntity)
+        appendEntityHead(reader, common, neighbours, owner, out);
+}
+
 // The whole --------------------------------------------------------------------------------------
 
 ResbufList decodeObject(const FileFacts &facts, const Neighbours &neighbours, const ObjectPlace &place)
@@ -472,14 +502,7 @@ ResbufList decodeObject(const FileFacts &facts, const Neighbours &neighbours, co
         return out;
     const Common common = reader.readCommon(place.isEntity);
     const std::uint64_t owner = place.owner != 0 ? place.owner : common.owner.handle;
-    appendCommonHead(reader, place.kindName, out);
-    if (place.kindName == "TABLE") {
-        out.emplace_back(2, place.tableName);
-        out.emplace_back(5, AcDbHandle{reader.handle()});
-    }
-    appendLinks(common, owner, out);
-    if (place.isEntity)
-        appendEntityHead(reader, common, neighbours, owner, out);
+    appendHead(reader, common, neighbours, place, out);
     if (place.kindName == "TABLE") {
         out.emplace_back(100, QStringLiteral("AcDbSymbolTable"));
         appendTable(reader, place.tableName, out);

@@ -52,12 +52,29 @@ public:
     void real(int group, double value) { add(group, value); }
     void text(int group, QString value) { add(group, std::move(value)); }
     void handle(int group, std::uint64_t value) { add(group, AcDbHandle{value}); }
+    /// What DXF does not show, under a number that the kind gives.
+    void hidden(int number, resbuf::Value value)
+    {
+        if (in.kept)
+            in.kept->hidden.emplace_back(number, std::move(value));
+    }
+    /// Groups that DXF does not show because they have no effect.
+    void withhold(ResbufList groups)
+    {
+        if (in.kept)
+            in.kept->withheld = std::move(groups);
+    }
     /// An angle that DWG holds in radians and DXF in degrees.
     void angle(int group, double radians);
     /// The index, and 420 to 427 with the true colour when there is one.
-    void color(int group, const ObjectReader::Color &color);
+    void color(int group, const Color &color);
     /// The name of a symbol table record.
     QString recordName(std::uint64_t record) const;
+    bool since(DrawingVersion first) const { return in.facts().since(first); }
+    /// The next handle, unless it is null.
+    void optionalHandle(int group);
+    /// Sets further bits of group 70.
+    void addFlags(std::int64_t flags);
     /// The value that was read for a group; none when there is none.
     const resbuf *find(int group) const;
     void remove(int group);
@@ -79,6 +96,10 @@ public:
 int nearestColorIndex(std::uint32_t rgb);
 
 struct Kind;
+
+/// Numbers of hidden values below this one are places in a row of fields.
+inline constexpr int kFirstHidden = 1000;
+
 /// Reads the object's own fields by its row; `decoder` stands behind the common part.
 void readFields(const Kind &kind, Decoder &decoder);
 
@@ -96,6 +117,10 @@ struct ObjectPlace {
 
 /// All groups, kind first. Damage ends the list there; what was read stays.
 ResbufList decodeObject(const FileFacts &facts, const Neighbours &neighbours, const ObjectPlace &place);
+
+/// The head of an object's groups, which all have: up to the owner, and up to the graphics of an entity.
+void appendHead(const ObjectReader &reader, const Common &common, const Neighbours &neighbours,
+                const ObjectPlace &place, ResbufList &out);
 
 /// What BLOCK shows of its block's header.
 void appendBlockBegin(const FileFacts &facts, std::string_view header, Decoder &decoder);

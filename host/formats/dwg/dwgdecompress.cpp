@@ -146,45 +146,7 @@ Copy readCopy18(Unpacker &unpacker, std::uint8_t opcode)
 /// Up to 32 literals; larger pieces stand in the file behind smaller ones.
 void appendShuffled(Unpacker &unpacker, std::string_view bytes)
 {
-    // For each length: pairs of (offset, count) in the order of the output.
-    static constexpr struct {
-        std::uint8_t pieces[10];
-    } kOrders[33] = {
-        {{}},
-        {{0, 1}},
-        {{1, 1, 0, 1}},
-        {{2, 1, 1, 1, 0, 1}},
-        {{0, 4}},
-        {{4, 1, 0, 4}},
-        {{5, 1, 1, 4, 0, 1}},
-        {{5, 2, 1, 4, 0, 1}},
-        {{0, 8}},
-        {{8, 1, 0, 8}},
-        {{9, 1, 1, 8, 0, 1}},
-        {{9, 2, 1, 8, 0, 1}},
-        {{8, 4, 0, 8}},
-        {{12, 1, 8, 4, 0, 8}},
-        {{13, 1, 9, 4, 1, 8, 0, 1}},
-        {{13, 2, 9, 4, 1, 8, 0, 1}},
-        {{8, 8, 0, 8}},
-        {{9, 8, 8, 1, 0, 8}},
-        {{17, 1, 1, 16, 0, 1}},
-        {{16, 3, 0, 16}},
-        {{16, 4, 0, 16}},
-        {{20, 1, 16, 4, 0, 16}},
-        {{20, 2, 16, 4, 0, 16}},
-        {{20, 3, 16, 4, 0, 16}},
-        {{16, 8, 0, 16}},
-        {{17, 8, 16, 1, 0, 16}},
-        {{25, 1, 17, 8, 16, 1, 0, 16}},
-        {{25, 2, 17, 8, 16, 1, 0, 16}},
-        {{24, 4, 16, 8, 0, 16}},
-        {{28, 1, 24, 4, 16, 8, 0, 16}},
-        {{28, 2, 24, 4, 16, 8, 0, 16}},
-        {{30, 1, 26, 4, 18, 8, 2, 16, 0, 2}},
-        {{16, 16, 0, 16}},
-    };
-    const auto &order = kOrders[bytes.size()].pieces;
+    const LiteralOrder &order = literalOrder21(bytes.size());
     for (std::size_t i = 0; i + 1 < sizeof order && order[i + 1] != 0; i += 2) {
         const std::string_view piece = bytes.substr(order[i], order[i + 1]);
         if (piece.size() == 16) { // Two halves, swapped.
@@ -260,6 +222,46 @@ Copy readCopy21(Unpacker &unpacker, std::uint8_t &opcode)
 }
 
 } // namespace
+
+const LiteralOrder &literalOrder21(std::size_t count)
+{
+    static constexpr LiteralOrder kOrders[33] = {
+        {},
+        {0, 1},
+        {1, 1, 0, 1},
+        {2, 1, 1, 1, 0, 1},
+        {0, 4},
+        {4, 1, 0, 4},
+        {5, 1, 1, 4, 0, 1},
+        {5, 2, 1, 4, 0, 1},
+        {0, 8},
+        {8, 1, 0, 8},
+        {9, 1, 1, 8, 0, 1},
+        {9, 2, 1, 8, 0, 1},
+        {8, 4, 0, 8},
+        {12, 1, 8, 4, 0, 8},
+        {13, 1, 9, 4, 1, 8, 0, 1},
+        {13, 2, 9, 4, 1, 8, 0, 1},
+        {8, 8, 0, 8},
+        {9, 8, 8, 1, 0, 8},
+        {17, 1, 1, 16, 0, 1},
+        {16, 3, 0, 16},
+        {16, 4, 0, 16},
+        {20, 1, 16, 4, 0, 16},
+        {20, 2, 16, 4, 0, 16},
+        {20, 3, 16, 4, 0, 16},
+        {16, 8, 0, 16},
+        {17, 8, 16, 1, 0, 16},
+        {25, 1, 17, 8, 16, 1, 0, 16},
+        {25, 2, 17, 8, 16, 1, 0, 16},
+        {24, 4, 16, 8, 0, 16},
+        {28, 1, 24, 4, 16, 8, 0, 16},
+        {28, 2, 24, 4, 16, 8, 0, 16},
+        {30, 1, 26, 4, 18, 8, 2, 16, 0, 2},
+        {16, 16, 0, 16},
+    };
+    return kOrders[count];
+}
 
 Decompressed decompress18(std::string_view packed, std::size_t limit)
 {

@@ -2,8 +2,10 @@
 #include "host/base/host_text.h"
 #include "host/formats/drawingformat.h"
 #include "host/formats/dwg/dwgcontainer.h"
+#include "host/formats/dwg/dwgpacker.h"
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dwg/dwgsource.h"
+#include "host/formats/dwg/dwgwriter.h"
 
 namespace
 {
@@ -44,10 +46,7 @@ public:
             bytes.size() >= 6 && bytes.starts_with("AC") && bytes[2] >= '0' && bytes[2] <= '9';
         return isMarked ? Recognised::surely : Recognised::no;
     }
-    bool holds(const AcDbDatabase &database) const override
-    {
-        return dynamic_cast<const DwgSource *>(database.source()) != nullptr;
-    }
+    bool holds(const AcDbDatabase &database) const override { return sourceOf(database) != nullptr; }
 
     base::Result<std::unique_ptr<AcDbDatabase>, QString> read(base::FileBytes bytes, const QString &name,
                                                               const base::Progress &progress) const override
@@ -59,31 +58,49 @@ public:
         return readDwg(std::move(bytes), name, progress);
     }
 
-    QString whyNotWritten() const override
+    QString whyNotWritten(const AcDbDatabase &database) const override
     {
-        return Host::tr(
-            "DWG files can be read, but not written yet; save the drawing as DXF (SAVEAS with a name "
-            "that ends in .dxf)");
+        const auto *const source = sourceOf(database);
+        const QString reason = source ? dwg::whyNotPacked(source->container())
+                                      : Host::tr("a DXF drawing cannot be saved as DWG");
+        if (reason.isEmpty())
+            return {};
+        return Host::tr("%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)").arg(reason);
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }
 
     base::Result<base::WrittenFile, QString> write(AcDbDatabase &database, const QString &path,
-                                                   const base::Progress &,
-                                                   const base::MayReplace &) const override
+                                                   const base::Progress &progress,
+                                                   const base::MayReplace &mayReplace) const override
     {
-        if (!holds(database))
-            return base::Failure{Host::tr("%1: a DXF drawing cannot be saved as DWG").arg(path)};
-        return base::Failure{path + QStringLiteral(": ") + whyNotWritten()};
+        if (const QString reason = whyNotWritten(database); !reason.isEmpty() && mayNotCopy(database))
+            return base::Failure{path + QStringLiteral(": ") + reason};
+        return writeDwg(database, *sourceOf(database), path, progress, mayReplace);
     }
 
-    /// Changes are kept in the format that can be written.
+    /// What cannot be written as DWG is kept in a format that can.
     base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const override
     {
+        if (const auto *const source = sourceOf(database)) {
+            if (auto image = dwgImage(database, *source))
+                return image;
+        }
         const DrawingFormat *const written = drawingFormatOfName(QStringLiteral("copy.dxf"));
         if (!written)
             return base::Failure{Host::tr("DWG drawings cannot be written")};
         return written->image(database);
+    }
+
+private:
+    static const DwgSource *sourceOf(const AcDbDatabase &database)
+    {
+        return dynamic_cast<const DwgSource *>(database.source());
+    }
+    /// Without changes the file is copied, whatever it is.
+    static bool mayNotCopy(const AcDbDatabase &database)
+    {
+        return !sourceOf(database) || database.hasChanges();
     }
 };
 

@@ -2,9 +2,12 @@
 
 #include "host/base/assert.h"
 #include "host/base/host_text.h"
-#include "host/formats/dwg/dwgchecksums.h"
+#include "host/formats/dwg/dwgencoder.h"
+#include "host/formats/dwg/dwgsection.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace dwg
 {
@@ -131,11 +134,22 @@ std::vector<Row> parseRows()
     return rows;
 }
 
+const std::vector<Row> &rows()
+{
+    static const std::vector<Row> kRows = parseRows();
+    return kRows;
+}
+
+bool isIn(const Row &row, DrawingVersion version)
+{
+    return int(version) >= row.since && (row.until == 0 || int(version) < row.until);
+}
+
 /// Reads the section by its rows.
 class HeaderReader
 {
 public:
-    HeaderReader(const FileFacts &facts, SectionStreams streams, Header &header)
+    HeaderReader(const FileFacts &facts, SectionStreams &streams, Header &header)
         : m_facts(facts), m_in(streams), m_header(header)
     {
     }
@@ -152,33 +166,13 @@ private:
     {
         return (m_facts.hasTextStream() ? m_in.handles : m_in.data).handle(0).handle;
     }
-    QString text();
     void color(const Row &row);
     void flags();
 
     const FileFacts &m_facts;
-    SectionStreams m_in;
+    SectionStreams &m_in;
     Header &m_header;
 };
-
-QString HeaderReader::text()
-{
-    if (m_facts.hasTextStream()) {
-        const std::size_t length = std::uint16_t(m_in.texts.bitShort());
-        if (m_in.texts.position() + length * 16 > m_in.textsEnd) {
-            m_in.texts.fail();
-            return {};
-        }
-        QString text;
-        for (std::size_t i = 0; i < length; ++i)
-            text.append(QChar(m_in.texts.rawShort()));
-        return text;
-    }
-    QByteArray bytes = m_in.data.bytes(std::uint16_t(m_in.data.bitShort()));
-    while (bytes.endsWith('\0'))
-        bytes.chop(1);
-    return decodeText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
-}
 
 void HeaderReader::color(const Row &row)
 {
@@ -188,7 +182,7 @@ void HeaderReader::color(const Row &row)
         const unsigned names = m_in.data.rawChar();
         for (const unsigned bit : {1u, 2u}) {
             if (names & bit)
-                text();
+                m_in.text(m_facts);
         }
         const unsigned kind = value >> 24;
         index = kind == 0xC0 ? 256 : kind == 0xC1 ? 0 : kind == 0xC3 ? std::int64_t(value & 0x1FF) : 7;
@@ -203,10 +197,7 @@ void HeaderReader::flags()
     const auto add = [this](const char *name, int group, std::int64_t value) {
         m_header.variables.push_back({name, {resbuf(group, value)}});
     };
-    const int weight = flags & 0x1F;
-    static constexpr int kWeights[] = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
-                                       53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
-    add("$CELWEIGHT", 370, weight < 24 ? kWeights[weight] : weight == 29 ? -1 : weight == 30 ? -2 : -3);
+    add("$CELWEIGHT", 370, lineweightOf(flags & 0x1F));
     add("$ENDCAPS", 280, (flags & 0x60) >> 5);
     add("$JOINSTYLE", 280, (flags & 0x180) >> 7);
     add("$LWDISPLAY", 290, !(flags & 0x200));
@@ -244,7 +235,7 @@ void HeaderReader::read(const Row &row)
     else if (code == "2RD")
         put(row, data.rawPoint2());
     else if (code == "T")
-        put(row, text());
+        put(row, m_in.text(m_facts));
     else if (code == "CMC")
         color(row);
     else if (code == "F")
@@ -274,68 +265,9 @@ void HeaderReader::read(const Row &row)
 
 } // namespace
 
-std::string_view framedSection(Container &container, const QByteArray &name, std::string_view sentinel)
-{
-    constexpr std::size_t kSentinel = 16;
-    const std::string_view section = container.section(name);
-    const QString called = QString::fromLatin1(name);
-    if (section.substr(0, std::min(kSentinel, section.size())) != sentinel)
-        container.warn(Host::tr("the section %1 does not begin as it should").arg(called));
-    const std::size_t size = numberAt<std::uint32_t>(section, kSentinel);
-    // Files may be larger than a number of 32 bits: the other half.
-    const bool isWide =
-        container.version == DrawingVersion::r2018 ||
-        ((container.version == DrawingVersion::r2010 || container.version == DrawingVersion::r2013) &&
-         container.maintenance > 3);
-    const std::size_t head = kSentinel + (isWide ? 8 : 4);
-    std::string_view data = partOf(section, head, size);
-    if (data.empty()) {
-        container.warn(Host::tr("the section %1 is cut off").arg(called));
-        return section.size() > head ? section.substr(head) : std::string_view();
-    }
-    const std::string_view summed = section.substr(kSentinel, head - kSentinel + size);
-    if (crc16(summed) != numberAt<std::uint16_t>(section, head + size))
-        container.warn(Host::tr("the checksum of the section %1 is wrong").arg(called));
-    return data;
-}
-
-SectionStreams sectionStreams(const FileFacts &facts, std::string_view section)
-{
-    SectionStreams streams;
-    streams.data = Bits(section);
-    if (!facts.hasTextStream())
-        return streams;
-    const std::size_t end = streams.data.rawLong();
-    streams.handles = Bits(section);
-    streams.handles.seek(end);
-    streams.texts = Bits(section);
-    if (end < 1 || streams.handles.failed()) {
-        streams.data.fail();
-        return streams;
-    }
-    Bits at(section);
-    at.seek(end - 1);
-    if (!at.bit() || end < 17)
-        return streams;
-    std::size_t textsEnd = end - 17;
-    at.seek(textsEnd);
-    std::size_t length = at.rawShort();
-    if (length & 0x8000 && textsEnd >= 16) {
-        textsEnd -= 16;
-        at.seek(textsEnd);
-        length = (length & 0x7FFF) | std::size_t(at.rawShort()) << 15;
-    }
-    if (length <= textsEnd) {
-        streams.texts.seek(textsEnd - length);
-        streams.textsEnd = textsEnd;
-    }
-    return streams;
-}
-
 Header readHeader(const FileFacts &facts, Container &container)
 {
     using namespace std::string_view_literals;
-    static const std::vector<Row> kRows = parseRows();
     constexpr std::string_view kBegin = "\xCF\x7B\x1F\x23\xFD\xDE\x38\xA9\x5F\x7C\x68\xB8\x4E\x6D\x33\x5F"sv;
     Header header;
     const std::string_view section = framedSection(container, "AcDb:Header", kBegin);
@@ -344,18 +276,18 @@ Header readHeader(const FileFacts &facts, Container &container)
     header.variables.push_back(
         {"$DWGCODEPAGE",
          {resbuf(3, QString::fromLatin1(facts.codec.name().data(), qsizetype(facts.codec.name().size())))}});
-    HeaderReader reader(facts, sectionStreams(facts, section), header);
-    const int version = int(facts.version);
-    for (const Row &row : kRows) {
-        if (version < row.since || (row.until != 0 && version >= row.until))
+    SectionStreams streams = sectionStreams(facts, section);
+    HeaderReader reader(facts, streams, header);
+    for (const Row &row : rows()) {
+        if (!isIn(row, facts.version))
             continue;
         const std::size_t before = header.variables.size();
         reader.read(row);
         if (!reader.good()) {
             header.variables.resize(before);
             std::erase_if(header.names, [before](const auto &name) { return name.first >= before; });
-            container.warn(Host::tr("the drawing's variables behind %1 could not be read")
-                               .arg(QString::fromLatin1(header.variables.back().name)));
+            container.warnOfLoss(Host::tr("the drawing's variables behind %1 could not be read")
+                                     .arg(QString::fromLatin1(header.variables.back().name)));
             break;
         }
     }
@@ -367,6 +299,207 @@ Header readHeader(const FileFacts &facts, Container &container)
             {"$MEASUREMENT", {resbuf(70, std::int64_t(numberAt<std::uint16_t>(drawn, 2 + length)))}});
     }
     return header;
+}
+
+// Writing ----------------------------------------------------------------------------------------
+
+namespace
+{
+
+/// Which table a variable's record stands in; empty when its name is no key.
+std::optional<SymbolTable> tableOfVariable(const Row &row)
+{
+    if (row.name == "DIMSTYLE")
+        return SymbolTable::dimStyle;
+    if (row.group == 8)
+        return SymbolTable::layer;
+    if (row.group == 7)
+        return SymbolTable::textStyle;
+    if (row.group == 6)
+        return SymbolTable::linetype;
+    if (row.group == 1)
+        return SymbolTable::block;
+    return row.name.contains("UCS") ? std::optional(SymbolTable::ucs) : std::nullopt;
+}
+
+/// Writes variables over those of the old section.
+class HeaderWriter
+{
+public:
+    HeaderWriter(const FileFacts &facts, const Names &names, const HeaderChanges &changes,
+                 SectionEditor &section)
+        : m_facts(facts), m_names(names), m_changes(changes), m_section(section),
+          m_reader(facts, section.in, m_read)
+    {
+    }
+    void write(const Row &row);
+    bool good() const { return m_reader.good(); }
+    const QString &failure() const { return m_failure; }
+    bool wasStored(const QByteArray &name) const { return m_stored.contains(name); }
+
+private:
+    const resbuf *changed(const QByteArray &name);
+    void put(const Row &row, const resbuf &value);
+    void putName(const Row &row, const QString &name);
+    void putColor(std::int64_t index);
+    void putFlags(const Header &was);
+
+    const FileFacts &m_facts;
+    const Names &m_names;
+    const HeaderChanges &m_changes;
+    SectionEditor &m_section;
+    Header m_read;
+    HeaderReader m_reader;
+    QList<QByteArray> m_stored;
+    QString m_failure;
+};
+
+const resbuf *HeaderWriter::changed(const QByteArray &name)
+{
+    const auto found = std::ranges::find(m_changes.variables, name, &HeaderVariable::name);
+    if (found == m_changes.variables.end() || found->groups.empty())
+        return nullptr;
+    m_stored.append(name);
+    return &found->groups.front();
+}
+
+void HeaderWriter::putName(const Row &row, const QString &name)
+{
+    const std::optional<SymbolTable> table = tableOfVariable(row);
+    const std::uint64_t record = table && !name.isEmpty() ? m_names.handleOf(*table, name) : 0;
+    if (record == 0 && !name.isEmpty())
+        m_failure = Host::tr("the variable $%1 names \"%2\", which the drawing does not have")
+                        .arg(QString::fromLatin1(row.name), name);
+    m_section.replaceHandle(record);
+}
+
+void HeaderWriter::putColor(std::int64_t index)
+{
+    if (!m_facts.since(DrawingVersion::r2004))
+        return m_section.data.bitShort(int(index));
+    const std::uint32_t value = index == 256 ? 0xC0000000
+                                : index == 0 ? 0xC1000000
+                                             : 0xC3000000 | (std::uint32_t(index) & 0x1FF);
+    m_section.data.bitShort(0);
+    m_section.data.bitLong(std::int32_t(value));
+    m_section.data.rawChar(0);
+}
+
+void HeaderWriter::put(const Row &row, const resbuf &value)
+{
+    BitWriter &data = m_section.data;
+    const QByteArray &code = row.code;
+    const std::int64_t number = value.integer();
+    if (code == "B") {
+        data.bit(number != 0);
+    } else if (code == "RC") {
+        data.rawChar(unsigned(number));
+    } else if (code == "BS") {
+        data.bitShort(int(number));
+    } else if (code == "BL") {
+        data.bitLong(std::int32_t(number));
+    } else if (code == "BLL") {
+        data.bitLongLong(std::uint64_t(number));
+    } else if (code == "BD") {
+        data.bitDouble(value.real());
+    } else if (code == "A") {
+        data.bitDouble(value.real() / 57.29577951308232);
+    } else if (code == "3BD") {
+        data.point3(value.point());
+    } else if (code == "2RD") {
+        data.rawPoint2({value.point().x, value.point().y});
+    } else if (code == "T") {
+        m_section.putText(value.text());
+    } else if (code == "CMC") {
+        putColor(number);
+    } else {
+        QUILL_ASSERT(code == "D");
+        constexpr double kDay = 86400000.0;
+        const double days = std::floor(value.real());
+        data.bitLong(std::int32_t(days));
+        data.bitLong(std::int32_t(std::min(std::round((value.real() - days) * kDay), kDay - 1.0)));
+    }
+}
+
+/// Several variables in one number; `was` holds them as they were read.
+void HeaderWriter::putFlags(const Header &was)
+{
+    bool isChanged = false;
+    const auto value = [&](const char *name) {
+        const auto old = std::ranges::find(was.variables, QByteArray(name), &HeaderVariable::name);
+        const resbuf *const now = changed(name);
+        isChanged = isChanged || now;
+        return now ? *now : old == was.variables.end() ? resbuf() : old->groups.front();
+    };
+    const auto bit = [&](const char *name, unsigned flag, bool isInverted) {
+        return (value(name).integer() != 0) != isInverted ? flag : 0u;
+    };
+    const auto weight = unsigned(lineweightIndex(int(value("$CELWEIGHT").integer())));
+    const unsigned flags = weight | (unsigned(value("$ENDCAPS").integer()) & 3) << 5 |
+                           (unsigned(value("$JOINSTYLE").integer()) & 3) << 7 |
+                           bit("$LWDISPLAY", 0x200, true) | bit("$XEDIT", 0x400, true) |
+                           bit("$EXTNAMES", 0x800, false) | bit("$PSTYLEMODE", 0x2000, false) |
+                           bit("$OLESTARTUP", 0x4000, false);
+    const int units = int(value("$INSUNITS").integer());
+    const int plotStyle = int(value("$CEPSNTYPE").integer());
+    const std::uint64_t plotStyleName = value("$CEPSNID").handle().value;
+    if (!isChanged)
+        return m_section.copy();
+    constexpr unsigned kShown = 0x6FFF;
+    m_section.skip();
+    m_section.data.bitLong(
+        std::int32_t((unsigned(was.variables.front().groups.front().integer()) & ~kShown) | flags));
+    m_section.data.bitShort(units);
+    m_section.data.bitShort(plotStyle);
+    if (plotStyle == 3)
+        m_section.putHandle(int(Reference::hardPointer), plotStyleName);
+}
+
+void HeaderWriter::write(const Row &row)
+{
+    m_read.variables.clear();
+    if (row.code == "F") {
+        Bits ahead = m_section.in.data;
+        m_read.variables.push_back({"", {resbuf(0, std::int64_t(ahead.bitLong()))}});
+        m_reader.read(row);
+        return putFlags(m_read);
+    }
+    m_reader.read(row);
+    if (row.code == "HD" && m_changes.handleSeed != 0) {
+        m_section.skip();
+        m_section.data.handle(0, m_changes.handleSeed);
+        return;
+    }
+    const resbuf *const value = row.name.isEmpty() ? nullptr : changed("$" + row.name);
+    if (!value || row.code == "HD")
+        return m_section.copy();
+    if (row.code == "N")
+        return putName(row, value->text());
+    m_section.skip();
+    put(row, *value);
+}
+
+} // namespace
+
+base::Result<EncodedHeader, QString> encodeHeader(const FileFacts &facts, const Container &container,
+                                                  const Names &names, const HeaderChanges &changes)
+{
+    SectionEditor section(facts, container, container.section("AcDb:Header"));
+    HeaderWriter writer(facts, names, changes, section);
+    for (const Row &row : rows()) {
+        if (isIn(row, facts.version) && section.good())
+            writer.write(row);
+    }
+    if (!section.good() || !facts.since(DrawingVersion::r2000))
+        return base::Failure{Host::tr("the drawing's variables are damaged and cannot be written again")};
+    if (!writer.failure().isEmpty())
+        return base::Failure{writer.failure()};
+    EncodedHeader encoded{section.finish(), {}};
+    for (const HeaderVariable &variable : changes.variables) {
+        if (!writer.wasStored(variable.name))
+            encoded.notStored.append(variable.name);
+    }
+    return encoded;
 }
 
 } // namespace dwg

@@ -30,15 +30,19 @@ struct Header {
 
 Header readHeader(const FileFacts &facts, Container &container);
 
-/// A section that is framed by sentinels, with its size and its checksum; empty when it is damaged beyond
-/// use. What is wrong is told in the container's warnings.
-std::string_view framedSection(Container &container, const QByteArray &name, std::string_view sentinel);
-
-/// The streams of a section that begins, since AC1021, with its size in bits.
-struct SectionStreams {
-    Bits data, texts, handles;
-    std::size_t textsEnd = 0;
+struct Names;
+/// What a drawing changed of its variables.
+struct HeaderChanges {
+    std::vector<HeaderVariable> variables;
+    std::uint64_t handleSeed = 0; ///< 0 leaves it as it is.
 };
-SectionStreams sectionStreams(const FileFacts &facts, std::string_view section);
+struct EncodedHeader {
+    QByteArray section;          ///< The whole of AcDb:Header.
+    QList<QByteArray> notStored; ///< Variables that this version of DWG has no place for here.
+};
+/// The section of variables again, with changes; without any it has the same bits. AC1015 and later. The
+/// error is a sentence without the file's name.
+base::Result<EncodedHeader, QString> encodeHeader(const FileFacts &facts, const Container &container,
+                                                  const Names &names, const HeaderChanges &changes);
 
 } // namespace dwg

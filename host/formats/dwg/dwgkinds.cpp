@@ -42,7 +42,7 @@ constexpr Row kRows[] = {
      TEXT_GROUPS "AcDbAttribute 10280 2 10070 10073=0 74=0 20280"},
     {kAttdef, "ATTDEF", "*text *attribute N:7",
      TEXT_GROUPS "AcDbAttributeDefinition 10280 3 2 10070 10073=0 74=0 20280"},
-    {kBlockBegin, "BLOCK", "T:-", "AcDbBlockBegin *"},
+    {kBlockBegin, "BLOCK", "*blockName", "AcDbBlockBegin *"},
     {kBlockEnd, "ENDBLK", "", "AcDbBlockEnd"},
     {kSeqEnd, "SEQEND", "", ""},
     {kInsert, "INSERT", "3BD:10 *insertScale A:50 3BD:210 *hasParts *partCount N:2 *parts",
@@ -59,7 +59,7 @@ constexpr Row kRows[] = {
     {0x11, "ARC", "3BD:10 BD:40 BT:39 BE:210 A:50 A:51", "AcDbCircle 39=0 10 40 210=z AcDbArc 50 51"},
     {0x12, "CIRCLE", "3BD:10 BD:40 BT:39 BE:210", "AcDbCircle 39=0 10 40 210=z"},
     {0x13, "LINE", "*line BT:39 BE:210", "AcDbLine 39=0 10 11 210=z"},
-    {0x14, "DIMENSION", "*dimension 3BD:10 3BD:13 3BD:14 *kindOfDimension *dimensionHandles",
+    {kOrdinateDimension, "DIMENSION", "*dimension 3BD:10 3BD:13 3BD:14 *kindOfDimension *dimensionHandles",
      DIMENSION_GROUPS "AcDbOrdinateDimension 13 14"},
     {0x15, "DIMENSION", "*dimension 3BD:13 3BD:14 3BD:10 A:52 A:10050 *kindOfDimension *dimensionHandles",
      DIMENSION_GROUPS "AcDbAlignedDimension 13 14 10050=0 52=0 AcDbRotatedDimension"},
@@ -113,7 +113,7 @@ constexpr Row kRows[] = {
     {kBlockHeader, "BLOCK_RECORD", "*blockRecord", "AcDbSymbolTableRecord AcDbBlockTableRecord 2 340 310 70 280 281"},
     {0x33, "LAYER", "*recordHead *layer",
      "AcDbSymbolTableRecord AcDbLayerTableRecord 2 70 62 420 430 6 290=1 370 390 347 348"},
-    {0x35, "STYLE", "*recordHead *style BD:40 BD:41 A:50 RC:71 BD:42 T:3 T:4",
+    {0x35, "STYLE", "*recordHead *style BD:40 BD:41 A:50 RC:71 BD:42 T:3 T:4 H:-",
      "AcDbSymbolTableRecord AcDbTextStyleTableRecord 2 70 40 41 50 71 42 3 4"},
     {0x39, "LTYPE", "*recordHead *linetype", "AcDbSymbolTableRecord AcDbLinetypeTableRecord 2 70 3 72 73 40 *"},
     {0x3D, "VIEW", "*recordHead *view",
@@ -123,7 +123,7 @@ constexpr Row kRows[] = {
     {0x41, "VPORT", "*recordHead *viewportRecord *viewportHandles",
      "AcDbSymbolTableRecord AcDbViewportTableRecord 2 70 10 11 12 13 14 15 16 17 40 41 42 43 44 50 51 71 72 73 74 75 76 77 "
      "78 281 65 110 111 112 345 346 79 146 332 348 60 61 292 282 141 142 63 421 431 361"},
-    {0x43, "APPID", "*recordHead RC:71", "AcDbSymbolTableRecord AcDbRegAppTableRecord 2 70 71=0"},
+    {0x43, "APPID", "*recordHead RC:71 H:-", "AcDbSymbolTableRecord AcDbRegAppTableRecord 2 70 71=0"},
     {0x45, "DIMSTYLE",
      "*recordHead "
      "B:71@<2000 B:72@<2000 B:73@<2000 B:74@<2000 B:75@<2000 B:76@<2000 B:170@<2000 B:172@<2000 B:173@<2000 B:174@<2000 "
@@ -150,7 +150,7 @@ constexpr Row kRows[] = {
     {kDictionary, "DICTIONARY", "*dictionary", "AcDbDictionary 280=0 281 *"},
     {kXrecord, "XRECORD", "*xrecord", "AcDbXrecord 10280 *"},
     {0x48, "GROUP", "*group", "AcDbGroup 300 70 71 340"},
-    {0x49, "MLINESTYLE", "*mlineStyle", "AcDbMlineStyle 2 70 3 62 420 51 52 71 *"},
+    {0x49, "MLINESTYLE", "*mlineStyle", "AcDbMlineStyle 2 70 3 62 420 51 52 71 *62,420"},
     {0x50, "ACDBPLACEHOLDER", "", ""},
     {0x52, "LAYOUT",
      PLOT_SETTINGS_FIELDS
@@ -158,7 +158,7 @@ constexpr Row kRows[] = {
      "3BD:10015 *layoutViewports",
      PLOT_SETTINGS_GROUPS
      "AcDbLayout 10001 10070 10071 10010 10011 10012 10014 10015 10146 10013 10016 10017 10076 10330 10331 10345 10346"},
-    {0, "PLOTSETTINGS", PLOT_SETTINGS_FIELDS "*plotView", PLOT_SETTINGS_GROUPS},
+    {0, "PLOTSETTINGS", PLOT_SETTINGS_FIELDS "*plotView H:-@2007", PLOT_SETTINGS_GROUPS},
     {0, "ACDBDICTIONARYWDFLT", "*dictionary H:340",
      "AcDbDictionary 280=0 281 3 350 360 AcDbDictionaryWithDefault 340"},
     {0, "DICTIONARYVAR", "RC:280 T:1", "DictionaryVariables 280 1"},
@@ -229,8 +229,10 @@ Field parseField(const QByteArray &word)
 {
     Field field;
     if (word.startsWith('*')) {
-        field.special = findSpecial({word.constData() + 1, std::size_t(word.size() - 1)});
-        QUILL_ASSERT(field.special);
+        const SpecialRow *const special = findSpecial({word.constData() + 1, std::size_t(word.size() - 1)});
+        QUILL_ASSERT(special);
+        field.special = special->read;
+        field.writeSpecial = special->write;
         return field;
     }
     const qsizetype colon = word.indexOf(':');
@@ -248,12 +250,17 @@ Field parseField(const QByteArray &word)
     return field;
 }
 
-/// "AcDbLine", "39=0", "*"
+/// "AcDbLine", "39=0", "*", "*62,420"
 Group parseGroup(const QByteArray &word)
 {
     Group group;
-    if (word == "*")
+    if (word.startsWith('*')) {
+        for (const QByteArray &code : word.mid(1).split(',')) {
+            if (!code.isEmpty())
+                group.also.push_back(code.toInt());
+        }
         return group;
+    }
     const qsizetype equals = word.indexOf('=');
     const QByteArray head = equals < 0 ? word : word.left(equals);
     bool isNumber = false;
@@ -330,6 +337,29 @@ const Kind *kindOfClass(const QByteArray &dxfName)
 {
     const auto found = tables().byName.find(dxfName);
     return found == tables().byName.end() ? nullptr : found->second;
+}
+
+const Kind *kindOfGroups(const QByteArray &dxfName, const ResbufList &groups)
+{
+    // Kinds that share a name ("POLYLINE") differ in their subclasses: the row that has the most of them.
+    const Kind *best = nullptr;
+    std::ptrdiff_t most = -1;
+    for (const Kind &kind : tables().kinds) {
+        const auto isThere = [&groups](const Group &group) {
+            return std::ranges::find(groups, resbuf(100, group.marker)) != groups.end();
+        };
+        const auto isMarker = [](const Group &group) { return !group.marker.isEmpty(); };
+        const auto markers = std::ranges::count_if(kind.groups, isMarker);
+        const bool fits =
+            dxfName == kind.dxfName && std::ranges::all_of(kind.groups, [&](const Group &group) {
+                return !isMarker(group) || isThere(group);
+            });
+        if (fits && markers > most) {
+            best = &kind;
+            most = markers;
+        }
+    }
+    return best;
 }
 
 const char *nameOfType(int type)

@@ -11,13 +11,15 @@
 //
 // `groups` says what DXF writes: words are subclass markers, numbers are groups, each with all that was read
 // for it. "=0" behind it leaves out what has that value ("=z" the direction z, "=x" x, "=Standard" a text).
-// "*" stands for all groups that the row does not name.
+// "*" stands for all groups that the row does not name, "*62" also for those 62 that follow one of them.
 #pragma once
 
 #include "host/formats/dwg/dwgdecoder.h"
 
 namespace dwg
 {
+
+class Encoder;
 
 struct Field {
     enum class Code : std::uint8_t {
@@ -49,11 +51,13 @@ struct Field {
     int since = 0; ///< Version number, 1015 ...
     int until = 0; ///< Before this one; 0 for no end.
     void (*special)(Decoder &) = nullptr;
+    void (*writeSpecial)(Encoder &) = nullptr; ///< Null for what is only read.
 };
 
 struct Group {
-    QString marker; ///< A subclass marker, when not empty.
-    int code = 0;   ///< 0 with an empty marker: all that are left.
+    QString marker;        ///< A subclass marker, when not empty.
+    int code = 0;          ///< 0 with an empty marker: all that are left.
+    std::vector<int> also; ///< Named in front of those that are left, and among them.
     bool hasDefault = false;
     resbuf::Value absent; ///< Left out when it has this value.
 };
@@ -66,9 +70,14 @@ struct Kind {
     std::vector<Group> groups;
 };
 
+/// Whether DXF leaves a value out.
+bool isAbsent(const Group &group, const resbuf::Value &value);
+
 /// Null for kinds without a table.
 const Kind *kindOfType(int type);
 const Kind *kindOfClass(const QByteArray &dxfName);
+/// The kind that a new object's groups are of, whose name several may have; null when there is none.
+const Kind *kindOfGroups(const QByteArray &dxfName, const ResbufList &groups);
 /// The DXF name of a type below kFirstClass; null for numbers without a kind.
 const char *nameOfType(int type);
 bool isEntityType(int type);

@@ -2,7 +2,7 @@
 
 #include "host/base/host_text.h"
 #include "host/formats/dwg/dwgchecksums.h"
-#include "host/formats/dwg/dwgheader.h"
+#include "host/formats/dwg/dwgsection.h"
 
 #include <algorithm>
 
@@ -40,76 +40,120 @@ std::vector<MapEntry> readObjectMap(Container &container)
         map.remove_prefix(size + 2);
     }
     if (badChunks != 0)
-        container.warn(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
+        container.warnOfLoss(Host::tr("%1 parts of the object map have a wrong checksum").arg(badChunks));
     if (!ended)
-        container.warn(Host::tr("the object map has no end"));
+        container.warnOfLoss(Host::tr("the object map has no end"));
     if (!std::ranges::is_sorted(entries, {}, &MapEntry::handle))
         std::ranges::stable_sort(entries, {}, &MapEntry::handle);
     return entries;
 }
 
-/// Texts of class records; the same streams as those of an object.
-static QString classText(const FileFacts &facts, SectionStreams &in)
+using namespace std::string_view_literals;
+static constexpr std::string_view kClassesBegin =
+    "\x8D\xA1\xC4\xB8\xC4\xA9\xF8\xC5\xC0\xDC\xF4\x5F\xE7\xCF\xB6\x8A"sv;
+
+static DwgClass readClass(const FileFacts &facts, SectionStreams &in)
 {
-    if (facts.hasTextStream()) {
-        const std::size_t length = std::uint16_t(in.texts.bitShort());
-        if (in.texts.position() + length * 16 > in.textsEnd) {
-            in.texts.fail();
-            return {};
-        }
-        QString text;
-        for (std::size_t i = 0; i < length; ++i)
-            text.append(QChar(in.texts.rawShort()));
-        return text;
+    DwgClass next;
+    next.number = in.data.bitShort();
+    next.proxyFlags = std::uint16_t(in.data.bitShort());
+    next.application = in.text(facts);
+    next.className = in.text(facts);
+    next.dxfName = in.text(facts).toUtf8();
+    next.wasProxy = in.data.bit();
+    next.isEntity = in.data.bitShort() == kProxyEntity;
+    if (facts.since(DrawingVersion::r2004)) {
+        next.instances = in.data.bitLong();
+        next.version = in.data.bitLong();
+        next.maintenance = in.data.bitLong();
+        in.data.bitLong();
+        in.data.bitLong();
     }
-    QByteArray bytes = in.data.bytes(std::uint16_t(in.data.bitShort()));
-    while (bytes.endsWith('\0'))
-        bytes.chop(1);
-    return decodeText({bytes.constData(), std::size_t(bytes.size())}, facts.codec);
+    return next;
+}
+
+/// Since AC1018 the highest number stands first; before, the records end with the section.
+static int readHighestClass(const FileFacts &facts, SectionStreams &in)
+{
+    if (!facts.since(DrawingVersion::r2004))
+        return INT16_MAX;
+    const int highest = in.data.bitShort();
+    in.data.rawChar();
+    in.data.rawChar();
+    in.data.bit();
+    return highest;
+}
+
+static bool isClassNext(const SectionStreams &in, int highest)
+{
+    Bits ahead = in.data;
+    if (in.texts.failed() || ahead.failed() || ahead.bitsLeft() <= 32)
+        return false;
+    const int number = ahead.bitShort();
+    return !ahead.failed() && number >= kFirstClass && number <= highest;
 }
 
 std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container)
 {
-    using namespace std::string_view_literals;
-    constexpr std::string_view kBegin = "\x8D\xA1\xC4\xB8\xC4\xA9\xF8\xC5\xC0\xDC\xF4\x5F\xE7\xCF\xB6\x8A"sv;
     std::vector<DwgClass> classes;
-    SectionStreams in = sectionStreams(facts, framedSection(container, "AcDb:Classes", kBegin));
-    const bool isNew = facts.since(DrawingVersion::r2004);
-    int highest = INT16_MAX;
-    if (isNew) {
-        highest = in.data.bitShort();
-        in.data.rawChar();
-        in.data.rawChar();
-        in.data.bit();
-    }
-    while (!in.data.failed() && !in.texts.failed() && in.data.bitsLeft() > 32) {
-        DwgClass next;
-        next.number = in.data.bitShort();
-        if (next.number < kFirstClass || next.number > highest)
-            break;
-        next.proxyFlags = std::uint16_t(in.data.bitShort());
-        next.application = classText(facts, in);
-        next.className = classText(facts, in);
-        next.dxfName = classText(facts, in).toUtf8();
-        next.wasProxy = in.data.bit();
-        next.isEntity = in.data.bitShort() == kProxyEntity;
-        if (isNew) {
-            in.data.bitLong(); // How many there are.
-            next.version = in.data.bitLong();
-            next.maintenance = in.data.bitLong();
-            in.data.bitLong();
-            in.data.bitLong();
-        }
+    SectionStreams in = sectionStreams(facts, framedSection(container, "AcDb:Classes", kClassesBegin));
+    const int highest = readHighestClass(facts, in);
+    while (isClassNext(in, highest)) {
+        DwgClass next = readClass(facts, in);
         if (in.data.failed() || in.texts.failed())
             break;
-        const bool isLast = isNew && next.number == highest;
+        const bool isLast = next.number == highest;
         classes.push_back(std::move(next));
         if (isLast)
             break;
     }
     if (in.data.failed() || in.texts.failed())
-        container.warn(Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
+        container.warnOfLoss(
+            Host::tr("the class records behind %1 could not be read").arg(int(classes.size())));
     return classes;
+}
+
+static void writeClass(const FileFacts &facts, const DwgClass &added, SectionEditor &section)
+{
+    section.data.bitShort(added.number);
+    section.data.bitShort(added.proxyFlags);
+    section.putText(added.application);
+    section.putText(added.className);
+    section.putText(QString::fromUtf8(added.dxfName));
+    section.data.bit(added.wasProxy);
+    section.data.bitShort(added.isEntity ? kProxyEntity : kProxyObject);
+    if (!facts.since(DrawingVersion::r2004))
+        return;
+    for (const int number : {added.instances, added.version, added.maintenance, 0, 0})
+        section.data.bitLong(number);
+}
+
+base::Result<QByteArray, QString> encodeClasses(const FileFacts &facts, const Container &container,
+                                                const std::vector<DwgClass> &classes)
+{
+    SectionEditor section(facts, container, container.section("AcDb:Classes"));
+    SectionStreams ahead = section.in;
+    const int highest = readHighestClass(facts, ahead);
+    if (facts.since(DrawingVersion::r2004)) {
+        section.in.data.bitShort();
+        section.skip();
+        section.data.bitShort(classes.empty() ? highest : classes.back().number);
+        section.in = ahead;
+        section.copy();
+    }
+    for (const DwgClass &each : classes) {
+        const bool isOld = isClassNext(section.in, highest);
+        const DwgClass old = isOld ? readClass(facts, section.in) : DwgClass();
+        if (isOld && old == each) {
+            section.copy();
+        } else {
+            section.skip();
+            writeClass(facts, each, section);
+        }
+    }
+    if (!section.good() || isClassNext(section.in, highest))
+        return base::Failure{Host::tr("the drawing's class records are damaged and cannot be written again")};
+    return section.finish();
 }
 
 } // namespace dwg

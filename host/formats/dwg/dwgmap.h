@@ -15,5 +15,10 @@ struct MapEntry {
 std::vector<MapEntry> readObjectMap(Container &container);
 
 std::vector<DwgClass> readClasses(const FileFacts &facts, Container &container);
+/// The whole section AcDb:Classes again with these classes: all that the file has, in their order, perhaps
+/// with another number of instances, and new ones behind them. The same classes have the same bits. The error
+/// is a sentence without the file's name.
+base::Result<QByteArray, QString> encodeClasses(const FileFacts &facts, const Container &container,
+                                                const std::vector<DwgClass> &classes);
 
 } // namespace dwg

@@ -3,8 +3,29 @@
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgcontainer.h"
 
+#include <algorithm>
+#include <array>
+
 namespace dwg
 {
+
+static constexpr std::array<int, 24> kLineweights{0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
+                                                  53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
+
+int lineweightOf(int index)
+{
+    if (index >= 0 && index < int(kLineweights.size()))
+        return kLineweights[std::size_t(index)];
+    return index == 29 ? -1 : index == 30 ? -2 : -3;
+}
+
+int lineweightIndex(int weight)
+{
+    if (weight == -1 || weight == -2)
+        return 28 - weight;
+    const auto known = std::ranges::find(kLineweights, weight);
+    return known == kLineweights.end() ? 31 : int(known - kLineweights.begin());
+}
 
 ObjectReader::ObjectReader(const FileFacts &facts, std::string_view record) : m_facts(facts), m_record(record)
 {
@@ -42,6 +63,7 @@ void ObjectReader::findStreams(std::size_t handlesBegin)
 {
     handles = Bits(m_body);
     handles.seek(handlesBegin);
+    m_handlesBegin = handlesBegin;
     m_dataEnd = m_textsBegin = m_textsEnd = std::min(handlesBegin, m_handlesEnd);
     if (!m_facts.hasTextStream() || handlesBegin < 1 || handlesBegin > m_handlesEnd)
         return;
@@ -132,7 +154,7 @@ void ObjectReader::readEntityFlags(Common &common)
         for (std::uint64_t &style : common.visualStyles)
             style = data.bit() ? 1 : 0; // Read with the other handles.
     }
-    common.isInvisible = data.bitShort() & 1;
+    common.visibility = data.bitShort();
     if (m_facts.since(DrawingVersion::r2000))
         common.lineweight = data.rawChar();
 }
@@ -142,6 +164,7 @@ void ObjectReader::readEntityColor(Common &common)
 {
     const unsigned value = std::uint16_t(data.bitShort());
     m_hasBookColor = false;
+    common.colorWord = value;
     if (!m_facts.since(DrawingVersion::r2004)) {
         common.color = std::int16_t(value);
         return;
@@ -210,10 +233,12 @@ QString ObjectReader::text()
 {
     if (!m_facts.hasTextStream()) {
         const std::size_t length = std::uint16_t(data.bitShort());
-        QByteArray bytes = data.bytes(length);
-        if (bytes.endsWith('\0'))
-            bytes.chop(1);
-        return decodeText({bytes.constData(), std::size_t(bytes.size())}, m_facts.codec);
+        const QByteArray bytes = data.bytes(length);
+        const auto shown = std::size_t(bytes.endsWith('\0') ? bytes.size() - 1 : bytes.size());
+        QString text = decodeText({bytes.constData(), shown}, m_facts.codec);
+        if (kept)
+            kept->texts.add(text, bytes);
+        return text;
     }
     if (m_textsBegin == m_textsEnd)
         return {};
@@ -225,17 +250,22 @@ QString ObjectReader::text()
     QString text(qsizetype(length), Qt::Uninitialized);
     for (QChar &unit : text)
         unit = QChar(texts.rawShort());
+    const QByteArray stored(reinterpret_cast<const char *>(text.constData()), kept ? text.size() * 2 : 0);
     while (text.endsWith(QChar(0)))
         text.chop(1);
-    return withoutEscapes(std::move(text));
+    text = withoutEscapes(std::move(text));
+    if (kept)
+        kept->texts.add(text, stored);
+    return text;
 }
 
-ObjectReader::Color ObjectReader::color()
+Color ObjectReader::color()
 {
     Color color;
     color.index = data.bitShort();
     if (!m_facts.since(DrawingVersion::r2004))
         return color;
+    const int stored = color.index;
     const std::uint32_t value = std::uint32_t(data.bitLong());
     const unsigned flags = data.rawChar();
     if (flags & 1)
@@ -258,6 +288,8 @@ ObjectReader::Color ObjectReader::color()
     default:
         break;
     }
+    if (kept)
+        kept->colors.add(color, {stored, std::int32_t(value), flags});
     return color;
 }
 

@@ -1,6 +1,7 @@
 // One object of a DWG file: its three streams of data, texts and handles, and what all objects have.
 #pragma once
 
+#include "host/acdb/resbuf.h"
 #include "host/base/text_codec.h"
 #include "host/formats/dwg/dwgbits.h"
 
@@ -27,6 +28,7 @@ enum Type : int {
     kVertexFace = 0x0E,
     kPolyline2d = 0x0F,
     kPolyline3d = 0x10,
+    kOrdinateDimension = 0x14, ///< The first of them.
     kPolylinePface = 0x1D,
     kPolylineMesh = 0x1E,
     kDictionary = 0x2A,
@@ -53,6 +55,63 @@ struct FileFacts {
 /// A text in a code page, with what that lacks in escapes.
 QString decodeText(std::string_view bytes, const base::TextCodec &codec);
 
+/// Lineweights are stored as their place among the 24 that there are; 29 by layer, 30 by block, 31 default.
+/// In hundredths of a millimetre, -1, -2, -3.
+int lineweightOf(int index);
+/// 31 for a weight that is none of them.
+int lineweightIndex(int weight);
+
+/// A colour of an object's own data (CMC).
+struct Color {
+    int index = 256;
+    std::optional<std::uint32_t> rgb;
+    QString name, book;
+
+    friend bool operator==(const Color &, const Color &) = default;
+};
+
+/// In which form a record stores things that are shown in another one. What has not changed is stored again
+/// as it was, in the order in which it was read.
+template <class Shown, class Stored>
+class KeptForms
+{
+public:
+    void add(Shown shown, Stored stored) { m_forms.emplace_back(std::move(shown), std::move(stored)); }
+    /// The next form of what shows as `shown`; null when the record has none.
+    const Stored *find(const Shown &shown)
+    {
+        for (std::size_t i = 0; i < m_forms.size(); ++i) {
+            const std::size_t at = (m_next + i) % m_forms.size();
+            if (m_forms[at].first == shown) {
+                m_next = at + 1;
+                return &m_forms[at].second;
+            }
+        }
+        return nullptr;
+    }
+    bool isEmpty() const { return m_forms.empty(); }
+
+private:
+    std::vector<std::pair<Shown, Stored>> m_forms;
+    std::size_t m_next = 0;
+};
+
+/// What groups do not show of a record, and encoding the object again needs.
+struct Kept {
+    struct StoredColor {
+        int index = 0;
+        std::int32_t value = 0;
+        unsigned names = 0; ///< 1 a name follows, 2 a colour book.
+    };
+    KeptForms<QString, QByteArray> texts; ///< With their NUL, where they have one.
+    KeptForms<QString, std::uint64_t> names;
+    KeptForms<double, double> angles; ///< Degrees and radians.
+    KeptForms<Color, StoredColor> colors;
+    std::vector<std::pair<int, resbuf::Value>> hidden; ///< By a number that the kind gives.
+    std::optional<std::uint16_t> extendedPage;         ///< Of the last text in extended data.
+    ResbufList withheld;                               ///< Groups that say nothing, and so are not shown.
+};
+
 /// What all objects have in front of their own data, and what of the handle stream belongs to it.
 struct Common {
     // Places in the object's data; raw.
@@ -65,6 +124,7 @@ struct Common {
     bool hasBinaryData = false; ///< Kept in the file's data storage.
 
     int color = 256;
+    unsigned colorWord = 256; ///< As stored: the index below flags.
     std::optional<std::uint32_t> trueColor;
     std::optional<std::uint32_t> transparency;
     double linetypeScale = 1.0;
@@ -72,7 +132,7 @@ struct Common {
     int plotStyleFlags = 0;
     int materialFlags = 0;
     int shadowFlags = 0;
-    bool isInvisible = false;
+    int visibility = 0;  ///< 1 invisible.
     int lineweight = 29; ///< Index: 29 by layer, 30 by block, 31 default.
 
     HandleRef owner;
@@ -110,11 +170,6 @@ public:
 
     QString text(); ///< TV or TU
     HandleRef reference() { return handles.handle(m_handle); }
-    struct Color {
-        int index = 256;
-        std::optional<std::uint32_t> rgb;
-        QString name, book;
-    };
     Color color(); ///< CMC
 
     /// The data from a place on, whatever became of `data` in the meantime.
@@ -127,7 +182,10 @@ public:
     std::size_t dataEnd() const { return m_dataEnd; }
     std::size_t textsBegin() const { return m_textsBegin; }
     std::size_t textsEnd() const { return m_textsEnd; }
+    std::size_t handlesBegin() const { return m_handlesBegin; }
     std::size_t handlesEnd() const { return m_handlesEnd; }
+
+    Kept *kept = nullptr; ///< Gets what the record will be encoded from, when there is one.
 
 private:
     void findStreams(std::size_t handlesBegin);
@@ -145,6 +203,7 @@ private:
     std::size_t m_dataEnd = 0;
     std::size_t m_textsBegin = 0;
     std::size_t m_textsEnd = 0;
+    std::size_t m_handlesBegin = 0;
     std::size_t m_handlesEnd = 0;
     bool m_hasBookColor = false;
 };

@@ -50,28 +50,11 @@ private:
     std::size_t m_work = 0; ///< Bytes that pages gave.
 };
 
-/// The header is masked by a sequence of numbers.
-QByteArray unmasked(std::string_view masked)
-{
-    QByteArray plain(masked.data(), qsizetype(masked.size()));
-    std::uint32_t seed = 1;
-    for (char &byte : plain) {
-        seed = seed * 0x343FD + 0x269EC3;
-        byte = char(byte ^ char(seed >> 16));
-    }
-    return plain;
-}
-
-std::string_view viewOf(const QByteArray &bytes)
-{
-    return {bytes.constData(), std::size_t(bytes.size())};
-}
-
 bool PagedFile::takeHeader(std::string_view masked)
 {
     if (masked.size() != kHeaderSize)
         return false;
-    m_header = unmasked(masked);
+    m_header = masked18(masked);
     QByteArray summed = m_header;
     const auto told = numberAt<std::uint32_t>(viewOf(summed), 0x68);
     summed.replace(0x68, 4, QByteArray(4, '\0'));
@@ -89,7 +72,7 @@ bool PagedFile::readHeader()
         warn(Host::tr("the checksum of the file's header is wrong; its copy at the end is used"));
         return true;
     }
-    m_header = unmasked(first);
+    m_header = masked18(first);
     warn(Host::tr("the checksum of the file's header is wrong"));
     return m_header.startsWith("AcFssFcAJMB");
 }
@@ -142,12 +125,16 @@ bool PagedFile::readSectionMap(const QByteArray &map)
     std::size_t at = kHead;
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::string_view description = partOf(view, at, kDescription);
-        if (description.empty())
+        if (description.empty()) {
+            m_container.warnOfLoss(Host::tr("the section map is cut off"));
             break;
+        }
         const std::uint64_t pages = numberAt<std::uint32_t>(description, 0x08);
         const std::string_view entries = partOf(view, at + kDescription, pages * kPageEntry);
-        if (entries.empty() && pages != 0)
+        if (entries.empty() && pages != 0) {
+            m_container.warnOfLoss(Host::tr("the section map is cut off"));
             break;
+        }
         if (!readSection(description, entries))
             return false;
         at += kDescription + std::size_t(pages) * kPageEntry;
@@ -162,6 +149,9 @@ bool PagedFile::readSection(std::string_view description, std::string_view pages
     const std::uint64_t size = numberAt<std::uint64_t>(description, 0);
     const std::string_view name = description.substr(0x20, 64);
     const QByteArray sectionName(name.data(), qsizetype(std::min(name.find('\0'), name.size())));
+    const auto first = pages.empty() ? m_pages.end() : m_pages.find(numberAt<std::int32_t>(pages, 0));
+    m_container.forms.push_back({sectionName, QByteArray(description.data(), qsizetype(description.size())),
+                                 first == m_pages.end() ? 0 : first->second.at});
     if (sectionName.isEmpty())
         return true;
     if (size > unpackedLimit(m_file) - m_unpacked)
@@ -185,7 +175,7 @@ void PagedFile::readPage(const QByteArray &name, std::string_view description, s
     const std::string_view masked =
         page == m_pages.end() ? std::string_view() : partOf(m_file, page->second.at, kPageHeader);
     if (masked.empty()) {
-        warn(Host::tr("page %1 is missing").arg(what));
+        m_container.warnOfLoss(Host::tr("page %1 is missing").arg(what));
         return;
     }
     const std::uint32_t mask = 0x4164536B ^ std::uint32_t(page->second.at);
@@ -195,7 +185,7 @@ void PagedFile::readPage(const QByteArray &name, std::string_view description, s
     const std::string_view stored = partOf(m_file, page->second.at + kPageHeader, head[2]);
     const std::uint64_t start = numberAt<std::uint64_t>(entry, 8);
     if (head[0] != kDataPageType || stored.empty() || start > std::uint64_t(section.size())) {
-        warn(Host::tr("page %1 is damaged and was left out").arg(what));
+        m_container.warnOfLoss(Host::tr("page %1 is damaged and was left out").arg(what));
         return;
     }
     const std::uint32_t dataSum = head[7];
@@ -212,7 +202,8 @@ void PagedFile::readPage(const QByteArray &name, std::string_view description, s
     if (packed) {
         auto unpacked = decompress18(stored, limit);
         if (!unpacked.whole)
-            warn(Host::tr("page %1 is damaged behind byte %2").arg(what).arg(unpacked.bytes.size()));
+            m_container.warnOfLoss(
+                Host::tr("page %1 is damaged behind byte %2").arg(what).arg(unpacked.bytes.size()));
         bytes = std::move(unpacked.bytes);
     } else {
         bytes = QByteArray::fromRawData(stored.data(), qsizetype(stored.size()));
@@ -235,10 +226,22 @@ base::Result<void, QString> PagedFile::open()
         return base::Failure{Host::tr("the section map is missing or damaged")};
     if (!readSectionMap(map))
         return base::Failure{Host::tr("the sections would be far larger than the file")};
+    m_container.head = m_header;
     return {};
 }
 
 } // namespace
+
+QByteArray masked18(std::string_view bytes)
+{
+    QByteArray other(bytes.data(), qsizetype(bytes.size()));
+    std::uint32_t seed = 1;
+    for (char &byte : other) {
+        seed = seed * 0x343FD + 0x269EC3;
+        byte = char(byte ^ char(seed >> 16));
+    }
+    return other;
+}
 
 base::Result<void, QString> openPaged(std::string_view file, Container &container)
 {

@@ -18,11 +18,6 @@ namespace
 
 constexpr std::uint64_t kFirstPage = 0x480;
 
-std::string_view viewOf(const QByteArray &bytes)
-{
-    return {bytes.constData(), std::size_t(bytes.size())};
-}
-
 std::uint64_t aligned8(std::uint64_t size)
 {
     return (size + 7) & ~std::uint64_t(7);
@@ -88,6 +83,7 @@ bool PagedFile21::readHeader()
     auto unpacked = packed < 0 ? Decompressed{QByteArray(data.data(), qsizetype(data.size())), true}
                                : decompress21(data, kUnpackedHeader);
     m_header = std::move(unpacked.bytes);
+    m_container.head = plain.bytes;
     return unpacked.whole && std::size_t(m_header.size()) == kUnpackedHeader;
 }
 
@@ -140,21 +136,30 @@ bool PagedFile21::readSectionMap(const QByteArray &map)
     constexpr std::size_t kPageEntry = 56;
     const std::string_view view = viewOf(map);
     for (std::size_t at = 0; at + kDescription <= view.size();) {
-        const std::string_view description = view.substr(at, kDescription);
+        const std::string_view description = view.substr(at);
         const auto nameLength = numberAt<std::uint64_t>(description, 0x20);
         const auto encoding = numberAt<std::uint64_t>(description, 0x30);
         const auto pages = numberAt<std::uint64_t>(description, 0x38);
-        if (nameLength > 256 || pages > view.size())
+        if (nameLength > 256 || pages > view.size()) {
+            m_container.warnOfLoss(Host::tr("the section map is damaged"));
             break;
+        }
         const std::string_view name = partOf(view, at + kDescription, nameLength);
         const std::string_view entries = partOf(view, at + kDescription + nameLength, pages * kPageEntry);
-        if (entries.size() != pages * kPageEntry)
+        if (entries.size() != pages * kPageEntry) {
+            m_container.warnOfLoss(Host::tr("the section map is cut off"));
             break;
+        }
         QByteArray sectionName;
         for (std::size_t i = 0; i + 1 < name.size() && name[i] != '\0'; i += 2)
             sectionName.append(name[i]);
         if (numberAt<std::uint64_t>(description, 0x10) == 1)
             return false;
+        const auto first =
+            entries.empty() ? m_pages.end() : m_pages.find(numberAt<std::uint64_t>(entries, 0x10));
+        m_container.forms.push_back({sectionName,
+                                     QByteArray(description.data(), qsizetype(kDescription + nameLength)),
+                                     first == m_pages.end() ? 0 : first->second});
         if (!sectionName.isEmpty() &&
             !readSection(sectionName, numberAt<std::uint64_t>(description, 0), encoding, entries))
             return false;
@@ -190,7 +195,7 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
     const bool fits = page.start <= std::uint64_t(section.size()) && page.packed <= m_file.size() &&
                       page.size <= unpackedLimit(m_file);
     if (place == m_pages.end() || !fits) {
-        warn(Host::tr("page %1 is missing").arg(what));
+        m_container.warnOfLoss(Host::tr("page %1 is missing").arg(what));
         return;
     }
     const std::uint64_t words = (aligned8(page.packed) + kDataPages.data - 1) / kDataPages.data;
@@ -198,7 +203,7 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
     const std::string_view stored =
         partOf(m_file, place->second, interleaved ? words * kCodeWord : page.packed);
     if (stored.empty()) {
-        warn(Host::tr("page %1 is missing").arg(what));
+        m_container.warnOfLoss(Host::tr("page %1 is missing").arg(what));
         return;
     }
     // The checksum is cheap; the words are looked at when it says so.
@@ -216,7 +221,8 @@ void PagedFile21::readPage(const QByteArray &name, std::uint64_t encoding, const
     if (page.packed < page.size) {
         auto unpacked = decompress21(viewOf(plain.bytes), std::size_t(page.size));
         if (!unpacked.whole)
-            warn(Host::tr("page %1 is damaged behind byte %2").arg(what).arg(unpacked.bytes.size()));
+            m_container.warnOfLoss(
+                Host::tr("page %1 is damaged behind byte %2").arg(what).arg(unpacked.bytes.size()));
         plain.bytes = std::move(unpacked.bytes);
     }
     m_work += std::size_t(plain.bytes.size());

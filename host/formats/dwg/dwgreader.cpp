@@ -124,7 +124,7 @@ bool Loading::findObjects()
         last = map[i].handle;
     }
     if (m_damaged != 0)
-        warn(Host::tr("%1 objects are damaged and were left out").arg(m_damaged));
+        m_source.container().warnOfLoss(Host::tr("%1 objects are damaged and were left out").arg(m_damaged));
     if (m_badChecksums != 0)
         warn(Host::tr("%1 objects have a wrong checksum; they are read as they are").arg(m_badChecksums));
     return true;
@@ -178,7 +178,7 @@ void Loading::noteName(const Found &found)
         return;
     }
     if (const DwgClass *const known = m_source.classOf(found.type); known && known->dxfName == "DBCOLOR") {
-        const ObjectReader::Color color = reader.color();
+        const Color color = reader.color();
         neighbours.bookColors[found.handle] =
             color.book.isEmpty() ? color.name : color.book + u'$' + color.name;
         return;

@@ -129,7 +129,57 @@ bool mend(const Field &field, Word &word, const Polynomial &syndromes)
     return mended == errors;
 }
 
+/// The polynomial whose roots are the first powers, without its highest coefficient, which is one.
+Polynomial generatorOf(const Field &field, std::size_t parity)
+{
+    Polynomial generator{1};
+    for (std::size_t root = 1; root <= parity; ++root) {
+        generator.insert(generator.begin(), 0);
+        for (std::size_t i = 0; i + 1 < generator.size(); ++i)
+            generator[i] =
+                std::uint8_t(generator[i] ^ field.multiply(generator[i + 1], field.power(unsigned(root))));
+    }
+    generator.pop_back();
+    return generator;
+}
+
+/// What is left of the data, the lowest power first, after division by the generator.
+Polynomial parityOf(const Field &field, const Polynomial &generator, std::string_view data)
+{
+    Polynomial rest(generator.size());
+    for (auto byte = data.rbegin(); byte != data.rend(); ++byte) {
+        const std::uint8_t factor = std::uint8_t(std::uint8_t(*byte) ^ rest.back());
+        for (std::size_t i = rest.size() - 1; i > 0; --i)
+            rest[i] = std::uint8_t(rest[i - 1] ^ field.multiply(factor, generator[i]));
+        rest[0] = field.multiply(factor, generator[0]);
+    }
+    return rest;
+}
+
 } // namespace
+
+QByteArray encodeReedSolomon(std::string_view data, std::size_t words, const ReedSolomonCode &code,
+                             WordOrder order)
+{
+    const Field field(code.fieldPolynomial);
+    const Polynomial generator = generatorOf(field, kCodeWord - code.data);
+    QByteArray plain(data.data(), qsizetype(std::min(data.size(), words * code.data)));
+    plain.resize(qsizetype(words * code.data), '\0');
+    QByteArray stored(qsizetype(words * kCodeWord), Qt::Uninitialized);
+    char *const out = stored.data();
+    for (std::size_t w = 0; w < words; ++w) {
+        const std::string_view word(plain.constData() + w * code.data, code.data);
+        const Polynomial parity = parityOf(field, generator, word);
+        const auto place = [&](std::size_t i) {
+            if (order == WordOrder::interleaved)
+                return i * words + w;
+            return i < code.data ? w * code.data + i : words * code.data + w * parity.size() + i - code.data;
+        };
+        for (std::size_t i = 0; i < kCodeWord; ++i)
+            out[place(i)] = i < code.data ? word[i] : char(parity[i - code.data]);
+    }
+    return stored;
+}
 
 QByteArray dataOfWords(std::string_view stored, std::size_t words, const ReedSolomonCode &code)
 {

@@ -29,4 +29,10 @@ QByteArray dataOfWords(std::string_view stored, std::size_t words, const ReedSol
 /// are. `stored` holds words * 255 bytes.
 Corrected decodeReedSolomon(std::string_view stored, std::size_t words, const ReedSolomonCode &code);
 
+/// Code words of the data, which is filled up with zeros to `words` times what a word holds: interleaved, or
+/// the data of all words and then their parity.
+enum class WordOrder { interleaved, parityBehind };
+QByteArray encodeReedSolomon(std::string_view data, std::size_t words, const ReedSolomonCode &code,
+                             WordOrder order);
+
 } // namespace dwg

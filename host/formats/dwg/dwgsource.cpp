@@ -1,6 +1,7 @@
 #include "host/formats/dwg/dwgsource.h"
 
 #include "host/acdb/dbdatabase.h"
+#include "host/formats/dwg/dwgfiler.h"
 #include "host/formats/dwg/dwgkinds.h"
 
 #include <algorithm>
@@ -73,7 +74,13 @@ QString dwgTableName(int controlType)
     }
 }
 
-ResbufList DwgSource::read(const AcDbStub &stub) const
+const DwgClass *DwgSource::classNamed(const QByteArray &dxfName) const
+{
+    const auto found = std::ranges::find(m_classes, dxfName, &DwgClass::dxfName);
+    return found == m_classes.end() ? nullptr : &*found;
+}
+
+dwg::ObjectPlace DwgSource::placeOf(const AcDbStub &stub) const
 {
     const dwg::ObjectReader head(m_facts, record(stub));
     dwg::ObjectPlace place;
@@ -89,5 +96,17 @@ ResbufList DwgSource::read(const AcDbStub &stub) const
         place.blockOfBegin = record(*owner);
     if (const DwgClass *const known = classOf(head.type()))
         place.classVersion = known->version | known->maintenance << 16;
-    return dwg::decodeObject(m_facts, m_neighbours, place);
+    return place;
+}
+
+std::unique_ptr<AcDbDwgFiler> DwgSource::fieldsOf(const AcDbStub &stub) const
+{
+    if (!stub.has(AcDbStub::kHasSource))
+        return nullptr;
+    return std::make_unique<dwg::DwgFiler>(m_facts, stub.database, record(stub), stub.has(AcDbStub::kEntity));
+}
+
+ResbufList DwgSource::read(const AcDbStub &stub) const
+{
+    return dwg::decodeObject(m_facts, m_neighbours, placeOf(stub));
 }

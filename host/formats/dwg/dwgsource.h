@@ -4,6 +4,7 @@
 // AcDb:AcDbObjects later. Nothing changes after opening, so that any thread may decode.
 #pragma once
 
+#include "host/acdb/dbfieldsource.h"
 #include "host/base/file_bytes.h"
 #include "host/formats/dwg/dwgcontainer.h"
 #include "host/formats/dwg/dwgdecoder.h"
@@ -16,10 +17,13 @@ struct DwgClass {
     QByteArray dxfName;
     bool wasProxy = false;
     bool isEntity = false;
+    int instances = 0; ///< Since AC1018.
     int version = 0, maintenance = 0;
+
+    friend bool operator==(const DwgClass &, const DwgClass &) = default;
 };
 
-class DwgSource : public DrawingSource
+class DwgSource : public DrawingSource, public AcDbFieldSource
 {
 public:
     DwgSource(base::FileBytes bytes, dwg::Container container);
@@ -29,6 +33,7 @@ public:
     std::string_view bytes() const override { return m_bytes.view(); }
     QString notUnderstood() const override { return m_notUnderstood; }
     ResbufList read(const AcDbStub &stub) const override;
+    std::unique_ptr<AcDbDwgFiler> fieldsOf(const AcDbStub &stub) const override;
 
     const dwg::FileFacts &facts() const { return m_facts; }
     const std::vector<DwgClass> &classes() const { return m_classes; }
@@ -37,6 +42,11 @@ public:
     std::string_view record(const AcDbStub &stub) const;
     /// The class that a type names; null for those with a number of their own.
     const DwgClass *classOf(int type) const;
+    const DwgClass *classNamed(const QByteArray &dxfName) const;
+    const dwg::Container &container() const { return m_container; }
+    const dwg::Neighbours &neighbours() const { return m_neighbours; }
+    /// What decoding an object of the file needs to know.
+    dwg::ObjectPlace placeOf(const AcDbStub &stub) const;
     /// The object's row; null when it has no table.
     const dwg::Kind *kindOf(int type) const;
 

@@ -1,5 +1,7 @@
 #include "host/formats/dxf/dxfexport.h"
 
+#include "host/acdb/dbobject.h"
+
 #include "host/base/host_text.h"
 #include "host/formats/dxf/dxfencoder.h"
 #include "host/formats/dxf/dxftables.h"
@@ -137,7 +139,10 @@ bool Exporter::object(const AcDbStub &stub)
             return false;
         }
         const char *const name = stub.has(AcDbStub::kEntity) ? "ACAD_PROXY_ENTITY" : "ACAD_PROXY_OBJECT";
-        if (kind != name)
+        // What its class can read will be written by the class.
+        const bool isRead =
+            acdbKindClass(stub.kind, stub.has(AcDbStub::kEntity))->application() && !stub.object;
+        if (kind != name && !isRead)
             ++m_proxies[kind];
         groups.front().assign(QString::fromLatin1(name));
         break;

@@ -87,7 +87,7 @@ public:
     base::Result<std::unique_ptr<DrawingImage>, QString> image(AcDbDatabase &database) const override
     {
         if (!holds(database)) {
-            const AcDbDwgCarriers carriers(database);
+            const AcDbDwgCarriers carriers(database, AcDbCarried::all);
             return std::unique_ptr<DrawingImage>(
                 std::make_unique<ConvertedToDxf>(dxf::exportDrawing(database).bytes));
         }

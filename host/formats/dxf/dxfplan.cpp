@@ -2,6 +2,7 @@
 
 #include "host/formats/dxf/dxfidentity.h"
 #include "host/formats/dxf/dxftables.h"
+#include "host/formats/goneobjects.h"
 
 #include <algorithm>
 
@@ -15,7 +16,7 @@ SavePlan::SavePlan(const AcDbDatabase &database, const DxfSource &source)
     if (!database.hasChanges())
         return;
     m_changed = database.changedStubs();
-    findGone();
+    m_gone = goneObjects(database);
     removeGone();
     writeChanged();
     writeNew();
@@ -63,46 +64,6 @@ static Place placeOf(const AcDbStub &stub)
 }
 
 // Objects ----------------------------------------------------------------------------------------
-
-static bool anyErased(const AcDbDatabase &database)
-{
-    for (std::uint32_t index = 1; index < database.stubCount(); ++index) {
-        if (database.stub(index)->has(AcDbStub::kErased))
-            return true;
-    }
-    return false;
-}
-
-/// What an erased object owns goes with it, however deep.
-void SavePlan::findGone()
-{
-    // What was made and erased again is no change, but may have left something that it owned.
-    if (!anyErased(m_database))
-        return;
-    enum State : char { unknown, pending, alive, gone };
-    std::vector<State> states(m_database.stubCount(), unknown);
-    std::vector<std::uint32_t> chain;
-    for (std::uint32_t first = 1; first < m_database.stubCount(); ++first) {
-        State verdict = alive;
-        for (std::uint32_t index = first; index != 0; index = m_database.stub(index)->owner) {
-            if (states[index] != unknown) {
-                verdict = states[index] == gone ? gone : alive; // Owners in a circle own nothing.
-                break;
-            }
-            states[index] = pending;
-            chain.push_back(index);
-            if (m_database.stub(index)->has(AcDbStub::kErased)) {
-                verdict = gone;
-                break;
-            }
-        }
-        for (const std::uint32_t index : chain)
-            states[index] = verdict;
-        chain.clear();
-    }
-    m_gone.resize(states.size());
-    std::transform(states.begin(), states.end(), m_gone.begin(), [](State state) { return state == gone; });
-}
 
 void SavePlan::removeGone()
 {

@@ -33,7 +33,6 @@ private:
     enum Rank { kContents, kInnerEnd, kContainer, kSectionEnd, kNewSection, kKept, kFileEnd };
 
     std::uint64_t newHandle();
-    void findGone();
 
     void insert(std::uint64_t offset, Rank rank, const QByteArray &bytes);
     void replace(Place place, QByteArray bytes);

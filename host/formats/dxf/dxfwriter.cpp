@@ -186,7 +186,7 @@ base::Result<base::WrittenFile, DxfError> convertToDxf(AcDbDatabase &database, c
 {
     dxf::Exported converted;
     {
-        const AcDbDwgCarriers carriers(database);
+        const AcDbDwgCarriers carriers(database, AcDbCarried::all);
         converted = dxf::exportDrawing(database);
     }
     if (!base::report(progress, 0.5))

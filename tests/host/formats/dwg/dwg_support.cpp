@@ -2,6 +2,7 @@
 
 #include "host/formats/dwg/dwgchecksums.h"
 #include "host/formats/dwg/dwgobject.h"
+#include "host/formats/dwg/dwgpacker.h"
 
 #include <zlib.h>
 
@@ -189,11 +190,12 @@ static QByteArray crcOf(const QByteArray &bytes)
     return crc.bytes();
 }
 
-void DwgFile::object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body)
+QByteArray dwgRecord(DrawingVersion version, std::uint64_t handle, int type,
+                     const std::function<void(DwgObject &)> &body)
 {
-    DwgObject made(m_version);
+    DwgObject made(version);
     made.data.h(0, handle);
-    DwgObject content(m_version);
+    DwgObject content(version);
     body(content);
     if (!content.extended.isEmpty()) {
         made.data.bs(int(content.extended.size()));
@@ -230,8 +232,12 @@ void DwgFile::object(std::uint64_t handle, int type, const std::function<void(Dw
         head.rc(unsigned(handleBits >> 7));
     }
     QByteArray record = head.bytes() + whole.bytes();
-    record += crcOf(record);
-    m_records[handle] = record;
+    return record + crcOf(record);
+}
+
+void DwgFile::object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body)
+{
+    m_records[handle] = dwgRecord(m_version, handle, type, body);
 }
 
 void DwgFile::addClass(const QByteArray &dxfName, bool isEntity)
@@ -328,13 +334,21 @@ QByteArray DwgFile::classes() const
                   whole.bytes());
 }
 
-/// Empty: what the variables are is tested on real files.
+/// Zeros say zero in every code; what the variables are is tested on real files.
 QByteArray DwgFile::header() const
 {
     BitWriter data;
-    if (m_version >= DrawingVersion::r2007)
+    const bool hasTexts = m_version >= DrawingVersion::r2007 && m_hasVariables;
+    if (hasTexts) {
+        constexpr int kBytes = 4000, kTextBits = 1600;
+        data.rl(32 + 8 * kBytes + 17);
+        data.raw(QByteArray(kBytes, '\0'));
+        data.rs(kTextBits);
+        data.b(true);
+    } else if (m_version >= DrawingVersion::r2007) {
         data.rl(33);
-    data.rl(0);
+    }
+    data.raw(QByteArray(m_hasVariables ? 6000 : 4, '\0'));
     return framed(m_version, "CF7B1F23FDDE38A95F7C68B84E6D335F", "3084E0DC0221C756A0839747B192CCA0",
                   data.bytes());
 }
@@ -389,10 +403,7 @@ static QByteArray packed(const QByteArray &bytes)
     return out + bytes + QByteArray("\x11\0\0", 3);
 }
 
-static std::string_view viewOf(const QByteArray &bytes)
-{
-    return {bytes.constData(), std::size_t(bytes.size())};
-}
+using dwg::viewOf;
 
 static QByteArray systemPage(std::uint32_t type, const QByteArray &content)
 {
@@ -419,7 +430,7 @@ QByteArray DwgFile::paged() const
                                                           {"AcDb:Handles", objectMap(places)},
                                                           {"AcDb:AcDbObjects", objects}};
     constexpr qsizetype kFirstPage = 0x100;
-    constexpr qsizetype kPageSize = 0x800; // Large enough for each section.
+    constexpr qsizetype kPageUnit = 0x800;
     QByteArray pages, pageMap, sectionMap(0x14, '\0');
     putNumber(sectionMap, 0, std::size(sections), 4);
     const auto padded = [](QByteArray page) { return page.append((32 - page.size() % 32) % 32, '\0'); };
@@ -432,11 +443,12 @@ QByteArray DwgFile::paged() const
     };
     int number = 0;
     for (const auto &[name, content] : sections) {
-        const QByteArray data = packed(content + QByteArray(kPageSize - content.size(), '\0'));
+        const qsizetype pageSize = (content.size() / kPageUnit + 1) * kPageUnit;
+        const QByteArray data = packed(content + QByteArray(pageSize - content.size(), '\0'));
         QByteArray head(32, '\0');
         putNumber(head, 0, 0x4163043B, 4);
         putNumber(head, 8, std::uint64_t(data.size()), 4);
-        putNumber(head, 0xC, kPageSize, 4);
+        putNumber(head, 0xC, std::uint64_t(pageSize), 4);
         const std::uint32_t dataSum = dwg::pageChecksum(0, viewOf(data));
         putNumber(head, 0x1C, dataSum, 4);
         putNumber(head, 0x18, dwg::pageChecksum(dataSum, viewOf(head)), 4);
@@ -447,7 +459,7 @@ QByteArray DwgFile::paged() const
         QByteArray description(0x60 + 16, '\0');
         putNumber(description, 0, std::uint64_t(content.size()), 8);
         putNumber(description, 8, 1, 4);
-        putNumber(description, 0xC, kPageSize, 4);
+        putNumber(description, 0xC, std::uint64_t(pageSize), 4);
         putNumber(description, 0x14, 2, 4);
         description.replace(0x20, name.size(), name);
         putNumber(description, 0x60, std::uint64_t(number), 4);
@@ -475,14 +487,44 @@ QByteArray DwgFile::paged() const
     return file + pages + head;
 }
 
+/// The same sections behind Reed-Solomon words; what packs them is tried on real files.
+QByteArray DwgFile::paged21() const
+{
+    const QByteArray other = paged();
+    dwg::Container container;
+    container.version = m_version;
+    if (!dwg::openPaged(viewOf(other), container))
+        return {};
+    QByteArray begin(0x480, '\0');
+    begin.replace(0, 0x80, other.left(0x80));
+    container.file = viewOf(begin);
+    container.objects = container.section("AcDb:AcDbObjects");
+    for (dwg::SectionForm &form : container.forms) {
+        QByteArray name;
+        for (const char unit : form.name + '\0')
+            name.append(unit).append('\0');
+        form.description = QByteArray(0x40, '\0');
+        putNumber(form.description, 0x08, 0xF800, 8);
+        putNumber(form.description, 0x20, std::uint64_t(name.size()), 8);
+        putNumber(form.description, 0x30, 4, 8);
+        form.description += name;
+    }
+    constexpr int kHeaderSize = 0x110;
+    container.head = QByteArray(0x20 + kHeaderSize, '\0');
+    putNumber(container.head, 0x18, std::uint64_t(std::int64_t(-kHeaderSize)), 8);
+    return *dwg::packFile({container, {}, dwg::storedObjects(container), 0});
+}
+
 QByteArray DwgFile::bytes() const
 {
-    return m_version < DrawingVersion::r2004 ? plain() : paged();
+    if (m_version < DrawingVersion::r2004)
+        return plain();
+    return m_version == DrawingVersion::r2007 ? paged21() : paged();
 }
 
 // A drawing --------------------------------------------------------------------------------------
 
-QByteArray smallDwg(DrawingVersion version)
+QByteArray smallDwg(DrawingVersion version, bool hasVariables)
 {
     enum : std::uint64_t {
         blocks = 1,
@@ -505,6 +547,8 @@ QByteArray smallDwg(DrawingVersion version)
         custom = 0x33
     };
     DwgFile file(version);
+    if (hasVariables)
+        file.addVariables();
     file.addClass("TESTWALL", true);
     const auto control = [&file](std::uint64_t handle, int type, std::vector<std::uint64_t> records) {
         file.object(handle, type, [&](DwgObject &o) {

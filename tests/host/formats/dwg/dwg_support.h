@@ -4,7 +4,8 @@
 //     file.object(0x20, dwg::kInsert, [](tests::DwgObject &o) { o.entity(); o.data.bd(1.0); });
 //     const QByteArray bytes = file.bytes();
 //
-// AC1015 keeps its sections as they are; AC1027 packs them into pages, without compressing anything.
+// AC1015 keeps its sections as they are; AC1027 packs them into pages, without compressing anything; AC1021
+// is packed by the program.
 #pragma once
 
 #include "host/acdb/dbsource.h"
@@ -63,6 +64,10 @@ private:
     DrawingVersion m_version;
 };
 
+/// One object's record.
+QByteArray dwgRecord(DrawingVersion version, std::uint64_t handle, int type,
+                     const std::function<void(DwgObject &)> &body);
+
 class DwgFile
 {
 public:
@@ -71,6 +76,8 @@ public:
     void object(std::uint64_t handle, int type, const std::function<void(DwgObject &)> &body);
     /// Classes count from 500.
     void addClass(const QByteArray &dxfName, bool isEntity);
+    /// All variables of the version, which are zero or empty.
+    void addVariables() { m_hasVariables = true; }
     QByteArray bytes() const;
 
 private:
@@ -79,13 +86,15 @@ private:
     QByteArray header() const;
     QByteArray plain() const;
     QByteArray paged() const;
+    QByteArray paged21() const;
 
     DrawingVersion m_version;
+    bool m_hasVariables = false;
     std::map<std::uint64_t, QByteArray> m_records;
     std::vector<std::pair<QByteArray, bool>> m_classes;
 };
 
 /// A drawing with a layer that is off, a line, a text, a circle with extended data and a custom entity.
-QByteArray smallDwg(DrawingVersion version);
+QByteArray smallDwg(DrawingVersion version, bool hasVariables = false);
 
 } // namespace tests

@@ -1,5 +1,7 @@
 // What packs a DWG file: both compressions, Reed-Solomon words, bit codes.
 #include "host/formats/dwg/dwgbits.h"
+#include "host/formats/dwg/dwgcompress.h"
+#include "host/formats/dwg/dwgcontainer.h"
 #include "host/formats/dwg/dwgdecompress.h"
 #include "host/formats/dwg/dwgreedsolomon.h"
 #include "tests/host/formats/dwg/dwg_support.h"
@@ -79,6 +81,43 @@ TEST(DwgDecompress, UnpacksLiteralsOf21InTheirOwnOrder)
                      .whole);
 }
 
+/// Repetitions near and far, short and long, between runs of literals of every length up to a few hundred.
+std::string patchwork(std::mt19937 &random, std::size_t size)
+{
+    std::string bytes;
+    while (bytes.size() < size) {
+        const std::size_t length = random() % (random() % 5 == 0 ? 3000 : 40) + 1;
+        const std::size_t from = bytes.empty() ? 0 : random() % bytes.size();
+        const bool isCopy = random() % 3 != 0 && !bytes.empty();
+        for (std::size_t i = 0; i < length; ++i)
+            bytes += isCopy ? bytes[from + i % (bytes.size() - from)] : char(random());
+    }
+    return bytes;
+}
+
+TEST(DwgCompress, GivesBackWhatWasPacked)
+{
+    std::mt19937 random(3);
+    std::vector<std::string> rows{"abcd", "aaaaaaaa", std::string(0x7400, '\0'), std::string(200000, 'x')};
+    for (std::size_t length = 1; length < 700; ++length) { // Runs of literals, then copies of every length.
+        std::string run;
+        for (std::size_t i = 0; i < length + 4; ++i)
+            run += char(random());
+        rows.push_back(run + run.substr(0, length) + "end");
+    }
+    for (int i = 0; i < 30; ++i)
+        rows.push_back(patchwork(random, i < 3 ? 150000 : random() % 30000 + 4));
+    for (const std::string &plain : rows) {
+        SCOPED_TRACE(plain.size());
+        const QByteArray wanted = QByteArray::fromStdString(plain);
+        const auto as18 = dwg::decompress18(dwg::viewOf(dwg::compress18(plain)), plain.size());
+        EXPECT_TRUE(as18.whole && as18.bytes == wanted);
+        const auto as21 = dwg::decompress21(dwg::viewOf(dwg::compress21(plain)), plain.size());
+        EXPECT_TRUE(as21.whole && as21.bytes == wanted);
+    }
+    EXPECT_LT(dwg::compress18(rows[2]).size(), 0x100) << "zeros take nearly nothing";
+}
+
 /// A code word made the slow way: parity is what is left of the data after division.
 std::string codeWord(const dwg::ReedSolomonCode &code, const std::string &data)
 {
@@ -133,6 +172,11 @@ TEST(DwgReedSolomon, MendsHalfAsManyBytesAsThereIsParity)
             return stored;
         };
         const QByteArray wanted = QByteArray::fromStdString(data[0] + data[1]);
+        const std::string whole = wanted.toStdString();
+        EXPECT_EQ(dwg::encodeReedSolomon(whole, 2, code, dwg::WordOrder::interleaved).toStdString(),
+                  interleaved());
+        EXPECT_EQ(dwg::encodeReedSolomon(whole, 2, code, dwg::WordOrder::parityBehind).toStdString(),
+                  whole + words[0].substr(code.data) + words[1].substr(code.data));
         EXPECT_TRUE(dwg::decodeReedSolomon(interleaved(), 2, code).clean);
         const std::size_t most = (dwg::kCodeWord - code.data) / 2;
         for (std::size_t i = 0; i < most; ++i)

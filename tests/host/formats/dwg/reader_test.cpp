@@ -15,8 +15,8 @@
 namespace
 {
 
-constexpr DrawingVersion kVersions[] = {DrawingVersion::r2000, DrawingVersion::r2004, DrawingVersion::r2010,
-                                        DrawingVersion::r2013, DrawingVersion::r2018};
+constexpr DrawingVersion kVersions[] = {DrawingVersion::r2000, DrawingVersion::r2004, DrawingVersion::r2007,
+                                        DrawingVersion::r2010, DrawingVersion::r2013, DrawingVersion::r2018};
 
 base::Result<std::unique_ptr<AcDbDatabase>, QString> open(const QByteArray &bytes)
 {

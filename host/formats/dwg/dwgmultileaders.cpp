@@ -14,7 +14,7 @@ constexpr DrawingVersion r2010 = DrawingVersion::r2010;
 std::int64_t colorBits(Decoder &d)
 {
     const int index = d.in.data.bitShort();
-    if (!d.in.facts().since(DrawingVersion::r2004)) {
+    if (!d.since(DrawingVersion::r2004)) {
         const std::uint32_t bits = index == 256 ? 0xC0000000
                                    : index == 0 ? 0xC1000000
                                                 : 0xC3000000 | unsigned(index);
@@ -27,12 +27,6 @@ std::int64_t colorBits(Decoder &d)
     if (flags & 2)
         d.in.text();
     return value;
-}
-
-void optionalHandle(Decoder &d, int group)
-{
-    if (const std::uint64_t named = d.in.reference().handle)
-        d.handle(group, named);
 }
 
 void leaderLine(Decoder &d)
@@ -52,7 +46,7 @@ void leaderLine(Decoder &d)
         }
     }
     d.integer(91, data.bitLong());
-    if (d.in.facts().since(r2010)) {
+    if (d.since(r2010)) {
         const int type = data.bitShort();
         const std::int64_t color = colorBits(d);
         const std::uint64_t linetype = d.in.reference().handle;
@@ -97,7 +91,7 @@ void leaderRoot(Decoder &d)
     const std::size_t lines = d.count(data.bitLong(), 6);
     for (std::size_t i = 0; i < lines && !data.failed(); ++i)
         leaderLine(d);
-    if (d.in.facts().since(r2010))
+    if (d.since(r2010))
         d.integer(271, data.bitShort());
     d.text(303, QStringLiteral("}"));
 }
@@ -173,12 +167,12 @@ void content(Decoder &d)
         d.add(group, data.point3());
     d.integer(297, data.bit());
     int top = 0, bottom = 0;
-    if (d.in.facts().since(r2010)) {
+    if (d.since(r2010)) {
         top = data.bitShort();
         bottom = data.bitShort();
     }
     d.out.insert(d.out.end(), leaders.begin(), leaders.end());
-    if (d.in.facts().since(r2010)) {
+    if (d.since(r2010)) {
         d.integer(272, bottom);
         d.integer(273, top);
     }
@@ -188,7 +182,7 @@ void content(Decoder &d)
 void labels(Decoder &d)
 {
     Bits &data = d.in.data;
-    if (!d.in.facts().since(r2010)) {
+    if (!d.since(r2010)) {
         const std::size_t arrows = d.count(data.bitLong());
         for (std::size_t i = 0; i < arrows; ++i) {
             d.integer(94, data.bit());
@@ -207,7 +201,7 @@ void labels(Decoder &d)
 void multileader(Decoder &d)
 {
     Bits &data = d.in.data;
-    if (d.in.facts().since(r2010))
+    if (d.since(r2010))
         d.integer(270, data.bitShort());
     content(d);
     d.handle(340, d.in.reference().handle);
@@ -219,7 +213,7 @@ void multileader(Decoder &d)
     d.integer(290, data.bit());
     d.integer(291, data.bit());
     d.real(41, data.bitDouble());
-    optionalHandle(d, 342);
+    d.optionalHandle(342);
     d.real(42, data.bitDouble());
     d.integer(172, data.bitShort());
     d.handle(343, d.in.reference().handle);
@@ -227,7 +221,7 @@ void multileader(Decoder &d)
         d.integer(group, data.bitShort());
     d.integer(92, colorBits(d));
     d.integer(292, data.bit());
-    optionalHandle(d, 344);
+    d.optionalHandle(344);
     d.integer(93, colorBits(d));
     d.add(10, data.point3());
     d.real(43, data.bitDouble());
@@ -238,18 +232,18 @@ void multileader(Decoder &d)
     d.integer(178, data.bitShort());
     d.integer(179, data.bitShort());
     d.real(45, data.bitDouble());
-    if (d.in.facts().since(r2010)) {
+    if (d.since(r2010)) {
         for (const int group : {271, 273, 272})
             d.integer(group, data.bitShort());
     }
-    if (d.in.facts().since(DrawingVersion::r2013))
+    if (d.since(DrawingVersion::r2013))
         d.integer(295, data.bit());
 }
 
 void multileaderStyle(Decoder &d)
 {
     Bits &data = d.in.data;
-    if (d.in.facts().since(r2010))
+    if (d.since(r2010))
         d.integer(179, data.bitShort());
     for (int group = 170; group <= 172; ++group)
         d.integer(group, data.bitShort());
@@ -265,7 +259,7 @@ void multileaderStyle(Decoder &d)
     d.integer(291, data.bit());
     d.real(43, data.bitDouble());
     d.text(3, d.in.text());
-    optionalHandle(d, 341);
+    d.optionalHandle(341);
     d.real(44, data.bitDouble());
     d.text(300, d.in.text());
     d.handle(342, d.in.reference().handle);
@@ -276,7 +270,7 @@ void multileaderStyle(Decoder &d)
     d.integer(292, data.bit());
     d.integer(297, data.bit());
     d.real(46, data.bitDouble());
-    optionalHandle(d, 343);
+    d.optionalHandle(343);
     d.integer(94, colorBits(d));
     const AcGePoint3d scale = data.point3();
     d.real(47, scale.x);
@@ -290,19 +284,23 @@ void multileaderStyle(Decoder &d)
     d.integer(296, data.bit());
     d.integer(295, data.bit());
     d.real(143, data.bitDouble());
-    if (d.in.facts().since(r2010)) {
+    if (d.since(r2010)) {
         for (const int group : {271, 273, 272})
             d.integer(group, data.bitShort());
     }
-    if (d.in.facts().since(DrawingVersion::r2013))
+    if (d.since(DrawingVersion::r2013))
         d.integer(298, data.bit());
 }
 
 } // namespace
 
-Special findMultileaderSpecial(std::string_view name)
+std::span<const SpecialRow> multileaderSpecials()
 {
-    return name == "multileader" ? multileader : name == "multileaderStyle" ? multileaderStyle : nullptr;
+    static constexpr SpecialRow kRows[] = {
+        {"multileader", multileader, nullptr},
+        {"multileaderStyle", multileaderStyle, nullptr},
+    };
+    return kRows;
 }
 
 } // namespace dwg
