@@ -26,9 +26,8 @@ struct OverlayTest : AuthoringTest {
         drawing.reset();
         acDocManager()->newDocument();
         source = files.path("旧图.dxf");
-        for (const QStringList &answers :
-             {QStringList{"LINE", "0,0", "100,50", ""}, QStringList{"BASE", "7,8"}})
-            run(answers.front(), answers.mid(1));
+        run("LINE", {"0,0", "100,50", ""});
+        acdbCurDwg()->setHeaderVariable("$INSBASE", {{10, AcGePoint3d(7, 8, 0)}});
         addDefinitions(*acdbCurDwg());
         EXPECT_TRUE(acDocManager()->saveDocument(curDoc(), source));
         acDocManager()->closeDocument(curDoc());
