@@ -69,7 +69,7 @@ static void setStyle(const std::vector<AcDbObjectId> &ids, int style)
     for (const AcDbObjectId id : ids) {
         AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
         const AcGePoint3d corner = mark->targetCorner1;
-        mark->targetStyle = std::int16_t(style);
+        mark->targetStyle = TargetStyle(style);
         mark->vertexCount = style > 50 ? 5 : 0;
         for (const auto &[i, x, y] :
              {std::tuple(0U, 0, 0), {1U, 35, 3}, {2U, 40, 20}, {3U, 18, 30}, {4U, 3, 24}})
@@ -124,8 +124,8 @@ static void changeAll(AcDbDatabase &database, const std::vector<AcDbObjectId> &i
         for (const AcDbObjectId id : ids)
             AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForWrite)->editVersion = 7;
     });
-    timeCommand("hide all", database, [&] { setAllMarksDisplayMode(database, -1); });
-    timeCommand("show all", database, [&] { setAllMarksDisplayMode(database, 0); });
+    timeCommand("hide all", database, [&] { setAllMarksDisplayMode(database, DisplayMode::hidden); });
+    timeCommand("show all", database, [&] { setAllMarksDisplayMode(database, DisplayMode::full); });
     timeCommand("renumber", database, [&] { renumberMarks(database); });
 }
 

@@ -22,13 +22,7 @@
 #include <optional>
 #include <vector>
 
-static constexpr int kDefaultHeight = 100;
-
-static int tickHeight()
-{
-    const int height = settings::number(u"YesTickHeight");
-    return height < 1 ? kDefaultHeight : height;
-}
+static constexpr settings::Number kHeight = u"YesTickHeight";
 
 static bool isHeld(const char *key)
 {
@@ -140,7 +134,7 @@ void QN3_YesOrErrTick()
     KeptVariables::dropUnits();
     if (settings::number(u"useLayer") != 0)
         ensureMarkLayer(*acdbCurDwg());
-    const double size = tickHeight();
+    const double size = settings::number(kHeight);
     std::vector<AcEdSelectionSet> changed;
     for (;;) {
         AcGePoint3d point;
@@ -202,9 +196,9 @@ void QN3_TickSmall()
 void QN3_TickHeight()
 {
     double height = 0.0;
-    const QString prompt = QStringLiteral("\n请输入对勾标记的高度[%1]: ").arg(tickHeight());
+    const QString prompt = QStringLiteral("\n请输入对勾标记的高度[%1]: ").arg(settings::number(kHeight));
     if (acedGetReal(prompt, height) != RTNORM)
         return;
     constexpr double kMost = 2147483647.0;
-    settings::setNumber(u"YesTickHeight", height < 1.0 ? kDefaultHeight : int(std::min(height, kMost)));
+    settings::setNumber(kHeight, height < 1.0 ? kHeight->range.otherwise : int(std::min(height, kMost)));
 }

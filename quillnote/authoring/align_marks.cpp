@@ -60,7 +60,7 @@ static std::optional<MarkCorners> askReference()
         acedRefuse(QStringLiteral("不是评图标签。"));
         return std::nullopt;
     }
-    if (mark->leaderMode == 0) {
+    if (!hasTextBox(mark->leaderMode)) {
         acedRefuse(QStringLiteral("不是引线标记，不能当做参考物。"));
         return std::nullopt;
     }
@@ -70,7 +70,7 @@ static std::optional<MarkCorners> askReference()
 static bool isLeaderMark(AcDbObjectId id)
 {
     const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    return mark && mark->leaderMode != 0;
+    return mark && hasTextBox(mark->leaderMode);
 }
 
 /// False when the mark cannot be opened for write.

@@ -29,7 +29,7 @@ void saySkippedMarks(int count, std::size_t of)
 
 // How much of the marks is seen -------------------------------------------------------------------
 
-static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
+static bool setDisplayMode(AcDbObjectId id, DisplayMode mode)
 {
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     if (!mark)
@@ -43,7 +43,7 @@ static bool setDisplayMode(AcDbObjectId id, std::int16_t mode)
 }
 
 // The display learns of a change when the mark is closed.
-void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf)
+void setDisplayModes(AcDbDatabase &database, const std::function<DisplayMode(AcDbObjectId)> &modeOf)
 {
     int skipped = 0;
     const CollectedMarks marks = collectAllMarks(database);
@@ -52,24 +52,24 @@ void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(Ac
     saySkippedMarks(skipped, marks.ids.size());
 }
 
-void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode)
+void setAllMarksDisplayMode(AcDbDatabase &database, DisplayMode mode)
 {
     setDisplayModes(database, [mode](AcDbObjectId) { return mode; });
 }
 
 void QN3_allMarksHide()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), -1);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::hidden);
 }
 
 void QN3_allMarksShow()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), 0);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::full);
 }
 
 void QN3_allMarksShrink()
 {
-    setAllMarksDisplayMode(*acdbCurDwg(), 1);
+    setAllMarksDisplayMode(*acdbCurDwg(), DisplayMode::shrunk);
 }
 
 // Having marks drawn anew -------------------------------------------------------------------------

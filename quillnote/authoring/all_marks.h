@@ -3,6 +3,7 @@
 #pragma once
 
 #include "quillnote/authoring/collect_marks.h"
+#include "quillnote/entity/mark_styles.h"
 
 #include <functional>
 
@@ -13,12 +14,11 @@ CollectedMarks collectAllMarks(const AcDbDatabase &database);
 /// them the command is refused.
 void saySkippedMarks(int count, std::size_t of);
 
-/// How much of each mark is seen: -1 nothing, 0 everything, 1 only the flag. It is kept in the marks, so it
-/// is saved. Marks that are so already are not written to; those that cannot be written to are skipped, with
-/// a printed line.
-void setDisplayModes(AcDbDatabase &database, const std::function<std::int16_t(AcDbObjectId)> &modeOf);
+/// Gives each mark a display mode, which is filed with it. Marks that have it already are not written to;
+/// those that cannot be written to are skipped, with a printed line.
+void setDisplayModes(AcDbDatabase &database, const std::function<DisplayMode(AcDbObjectId)> &modeOf);
 /// The same mode for all.
-void setAllMarksDisplayMode(AcDbDatabase &database, std::int16_t mode);
+void setAllMarksDisplayMode(AcDbDatabase &database, DisplayMode mode);
 
 // Commands -----------------------------------------------------------------------------------------
 

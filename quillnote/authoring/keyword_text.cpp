@@ -12,7 +12,7 @@ constexpr int kMostEntities = 101;
 constexpr int kMostOfBlock = 100;
 constexpr int kMostAttributes = 100;
 constexpr qsizetype kLongestText = 1000;   ///< Of one entity.
-constexpr qsizetype kLongestWhole = 20000; ///< Every text is looked for in what is there.
+constexpr qsizetype kLongestWhole = 20000; ///< Each new text is compared with all of it.
 
 QString plainText(const QString &coded)
 {
@@ -79,7 +79,7 @@ private:
             record.isNull() || !database ? nullptr : database->blockContents(record);
         if (!contents)
             return;
-        // What was left of the budget bounds blocks in blocks, and blocks that contain themselves.
+        // The rest of the budget bounds blocks in blocks, and blocks that contain themselves.
         for (const std::uint32_t index : contents->entities) {
             if (--budget < 0)
                 return;

@@ -21,7 +21,7 @@ static AcDbObjectId findOrAddLayer(AcDbDatabase &database, const QString &name)
     if (id.isValid() || layers.addLike(QStringLiteral("0"), name, id) != Acad::eOk)
         return id;
     AcDbObjectPointer<AcDbLayerTableRecord> added(static_cast<AcDbLayerTableRecord *>(id.stub()->object));
-    added->setColorIndex(settings::numberInRange(u"color1", 1, 255, 2));
+    added->setColorIndex(settings::number(u"color1"));
     added->setLinetype(QStringLiteral("Continuous"));
     added->setIsPlottable(true);
     return id;

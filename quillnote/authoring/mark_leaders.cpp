@@ -13,9 +13,9 @@
 static void becomeLeaderMark(QuillnoteObj3 &mark)
 {
     setTextBoxCorners(mark, targetCorners(mark));
-    mark.leaderMode = 1;
-    mark.targetStyle = 0;
-    mark.flagStyle = static_cast<std::int16_t>(startUpSettings().BKstyle);
+    mark.leaderMode = LeaderMode::leader;
+    mark.targetStyle = TargetStyle::none;
+    mark.flagStyle = FrameStyle(startUpSettings().BKstyle);
 }
 
 bool addLeader(QuillnoteObj3 &mark, const AcGePoint3d &end)
@@ -24,7 +24,7 @@ bool addLeader(QuillnoteObj3 &mark, const AcGePoint3d &end)
     if (unused == mark.leaderUsed.end())
         return false;
     mark.assertWriteEnabled();
-    if (mark.leaderMode == 0)
+    if (!hasTextBox(mark.leaderMode))
         becomeLeaderMark(mark);
     mark.leaderEnds[std::size_t(unused - mark.leaderUsed.begin())] = {end.x, end.y, 0.0};
     *unused = true;
@@ -55,9 +55,9 @@ static std::optional<AcGePoint3d> leaderBase(AcDbObjectId id)
     const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     if (!mark)
         return std::nullopt;
-    AcGePoint3d base = mark->leaderMode == 0
-                           ? mark->targetCorner1 + (mark->targetCorner2 - mark->targetCorner1) * 0.5
-                           : mark->textBoxCorner1;
+    AcGePoint3d base = hasTextBox(mark->leaderMode)
+                           ? mark->textBoxCorner1
+                           : mark->targetCorner1 + (mark->targetCorner2 - mark->targetCorner1) * 0.5;
     base.z = 0.0;
     return acedTrans(base, AcEdSpace::world, AcEdSpace::ucs);
 }

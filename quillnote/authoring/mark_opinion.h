@@ -21,5 +21,5 @@ AcDbObjectId makeMarkFromEditor(const NewMark &request, const QString &keywordTe
 /// Command: pick a mark and edit it.
 void QN3_QNeditMark();
 /// Opens the editor on a mark's opinion and stores what was confirmed. Asks for the password of a protected
-/// mark. What is no mark is left alone.
+/// mark. Other entities are left alone.
 void editMark(AcDbObjectId id);

@@ -17,20 +17,20 @@
 
 // Picking -----------------------------------------------------------------------------------------
 
-static constexpr const char16_t *kPickVariables[] = {u"OSmode", u"Highlight", u"cmdecho"};
+static constexpr settings::Number kPickVariables[] = {u"OSmode", u"Highlight", u"cmdecho"};
 
 PickVariables::PickVariables()
 {
-    for (const char16_t *name : kPickVariables) {
-        settings::setNumber(name, acedIntVar(QString::fromUtf16(name)));
-        acedSetIntVar(QString::fromUtf16(name), 0);
+    for (const settings::Number row : kPickVariables) {
+        settings::setNumber(row, acedIntVar(row->name.toString()));
+        acedSetIntVar(row->name.toString(), 0);
     }
 }
 
 PickVariables::~PickVariables()
 {
-    for (const char16_t *name : kPickVariables)
-        acedSetIntVar(QString::fromUtf16(name), settings::number(name));
+    for (const settings::Number row : kPickVariables)
+        acedSetIntVar(row->name.toString(), settings::number(row));
 }
 
 struct PickTexts {

@@ -8,10 +8,8 @@
 #include "host/aced/edinput.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 static constexpr double kSameVertex = 0.001;
-static constexpr int kThickPolygon = 51;
 
 static bool areSame(const AcGePoint3d &a, const AcGePoint3d &b)
 {
@@ -68,10 +66,10 @@ std::optional<std::size_t> edgeAt(std::span<const AcGePoint3d> vertices, bool is
 static std::optional<std::vector<AcGePoint3d>> outlineOf(const QuillnoteObj3 &mark)
 {
     const OutlineRecord record = outlineRecord(mark);
-    if (mark.targetStyle > 50)
+    if (hasVertices(mark.targetStyle))
         return std::vector(record.vertices.begin(), record.vertices.end());
-    const int style = std::abs(mark.targetStyle);
-    if (style != 2 && style != 4 && style != 5)
+    const TargetStyle style = withoutSign(mark.targetStyle);
+    if (!isWaveRectangle(style) && style != TargetStyle::bevel)
         return std::nullopt;
     const MarkCorners &corners = record.target;
     return std::vector{corners.corner1, corners.corner4, corners.corner2, corners.corner3};
@@ -82,8 +80,7 @@ VertexPlace vertexPlace(const QuillnoteObj3 &mark, const AcGePoint3d &point)
     const std::optional<std::vector<AcGePoint3d>> vertices = outlineOf(mark);
     if (!vertices)
         return {VertexPlace::noOutline};
-    const bool isSpline = mark.targetStyle == 52 || mark.targetStyle == 54;
-    const std::optional<std::size_t> edge = edgeAt(*vertices, isSpline, onPlane(point));
+    const std::optional<std::size_t> edge = edgeAt(*vertices, isSpline(mark.targetStyle), onPlane(point));
     if (!edge)
         return {VertexPlace::offOutline};
     return {vertices->size() < QuillnoteObj3::kSlots ? VertexPlace::onEdge : VertexPlace::full, *edge};
@@ -99,8 +96,8 @@ bool insertVertex(QuillnoteObj3 &mark, const AcGePoint3d &point)
     vertices.insert(vertices.begin() + std::ptrdiff_t(place.edge) + 1, onPlane(point));
     std::ranges::copy(vertices, mark.vertices.begin());
     mark.vertexCount = static_cast<std::int16_t>(vertices.size());
-    if (mark.targetStyle <= 50)
-        mark.targetStyle = kThickPolygon;
+    if (!hasVertices(mark.targetStyle))
+        mark.targetStyle = TargetStyle::thickPolygon;
     return true;
 }
 

@@ -174,7 +174,7 @@ NativeConversion convertMarks(AcDbDatabase &database)
             const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
             if (!mark)
                 continue;
-            if (mark->displayMode == -1) {
+            if (mark->displayMode == DisplayMode::hidden) {
                 ++result.hidden;
                 continue;
             }

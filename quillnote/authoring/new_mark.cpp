@@ -36,7 +36,7 @@ double suitingTextHeight(double viewHeight, const AcDbExtents &drawing)
     constexpr double kFewestLines = 10.0; // A higher text would be a band across the view.
     double height = viewHeight / kLinesInView;
     if (drawing.isValid()) {
-        // Of a sheet with this diagonal: from what is just legible to what shouts.
+        // Of a sheet with this diagonal: from just legible to far too large.
         const double diagonal = drawing.minPoint().distanceTo(drawing.maxPoint());
         if (diagonal > 0.0 && std::isfinite(diagonal))
             height = std::clamp(height, diagonal / 500.0, diagonal / 60.0);
@@ -171,10 +171,10 @@ static void placeTarget(QuillnoteObj3 &mark, const NewMark &request)
     mark.targetCorner1 = request.corner1;
     mark.targetCorner2 = request.corner2;
     completeTargetCorners(mark);
-    mark.leaderMode = 0;
-    mark.targetStyle = static_cast<std::int16_t>(request.isFreehand ? 0 : startUpSettings().style);
+    mark.leaderMode = LeaderMode::flag;
+    mark.targetStyle = request.isFreehand ? TargetStyle::none : TargetStyle(startUpSettings().style);
     if (request.isFreehand)
-        mark.flagStyle = 0;
+        mark.flagStyle = FrameStyle::none;
     else
         keepTextLegible(mark);
 }
@@ -202,14 +202,14 @@ static void placeLeader(const AcDbDatabase &database, QuillnoteObj3 &mark, const
     mark.textBoxCorner1 = box.corner1;
     mark.textBoxCorner2 = box.corner2;
     completeTextBoxCorners(mark);
-    mark.leaderMode = 1;
-    mark.flagStyle = static_cast<std::int16_t>(startUpSettings().BKstyle);
+    mark.leaderMode = LeaderMode::leader;
+    mark.flagStyle = FrameStyle(startUpSettings().BKstyle);
     mark.leaderEnds[0] = request.corner1;
     mark.leaderUsed[0] = true;
     mark.targetCorner1 = request.corner1;
     mark.targetCorner2 = request.corner1;
     completeTargetCorners(mark);
-    mark.targetStyle = 0;
+    mark.targetStyle = TargetStyle::none;
     standBoxOnItsPlace(database, mark);
 }
 

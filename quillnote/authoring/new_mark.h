@@ -39,7 +39,8 @@ AcGeVector3d viewRight();
 /// Text height (that of sheets while a sheet is current), axes along the current view, colours and password.
 void fillMarkFromSettings(QuillnoteObj3 &mark);
 
-/// Puts the mark on the mark layer when the settings ask for one, else on layer "0", settles and appends it.
+/// Puts the mark on the mark layer when the settings ask for one, else on layer "0", lays it out and appends
+/// it.
 AcDbObjectId appendNewMark(AcDbDatabase &database, std::unique_ptr<QuillnoteObj3> mark);
 /// Appends a settled mark to a block record, the current space when it is null. A null id when the drawing
 /// refuses it.

@@ -5,12 +5,11 @@
 #include "quillnote/entity/mark_record.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
-#include <cstdlib>
-
-/// Outline codes: thick ones stand two below the thin ones.
-static constexpr int kThinPolygon = 53;
-static constexpr int kThinSpline = 54;
-static constexpr int kThinToThick = -2;
+/// Marks around rectangles have thick waves by this setting; so do those that are drawn then.
+static bool wantsThickWaves()
+{
+    return withoutSign(TargetStyle(startUpSettings().style)) >= TargetStyle::thickWaves;
+}
 
 QuillnotePolygonJig::QuillnotePolygonJig(const AcGePoint3d &start, const AcGeVector3d &ucsNormal,
                                          bool isPolygon)
@@ -26,7 +25,7 @@ void QuillnotePolygonJig::begin()
     initMarkFromSettings(*m_mark);
     orientMark(*m_mark, m_normal);
     m_mark->markNumber = 0;
-    m_mark->targetStyle = static_cast<std::int16_t>(m_isPolygon ? kThinPolygon : kThinSpline);
+    m_mark->targetStyle = m_isPolygon ? TargetStyle::thinPolygon : TargetStyle::thinSpline;
     m_vertices.assign(1, m_start);
     setOutlineVertices(*m_mark, m_vertices);
 }
@@ -52,8 +51,8 @@ AcEdJig::DragStatus QuillnotePolygonJig::run()
 std::unique_ptr<QuillnoteObj3> QuillnotePolygonJig::takeMark()
 {
     setOutlineVertices(*m_mark, distinctVertices(m_vertices));
-    if (std::abs(startUpSettings().style) >= 5)
-        m_mark->targetStyle = static_cast<std::int16_t>(m_mark->targetStyle + kThinToThick);
+    if (wantsThickWaves())
+        m_mark->targetStyle = m_isPolygon ? TargetStyle::thickPolygon : TargetStyle::thickSpline;
     return std::move(m_mark);
 }
 

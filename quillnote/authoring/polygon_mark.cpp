@@ -17,7 +17,6 @@
 #include "host/aced/edinput.h"
 #include "host/os/guid.h"
 
-static constexpr std::int16_t kThickPolygon = 51;
 static constexpr std::size_t kLeastVertices = 3; ///< Of what encloses something.
 static constexpr std::size_t kMostPicks = 128;
 
@@ -76,7 +75,7 @@ AcDbObjectId makePolygonMark(AcDbDatabase &database, std::span<const AcGePoint3d
     initMarkFromSettings(*mark);
     orientMark(*mark, ucsNormal);
     mark->markNumber = *number;
-    mark->targetStyle = kThickPolygon;
+    mark->targetStyle = TargetStyle::thickPolygon;
     setOutlineVertices(*mark, vertices);
     const AcDbObjectId id = appendPolygonMark(database, std::move(mark));
     if (!id.isNull())
@@ -118,7 +117,7 @@ static void takeOpinion(QuillnoteObj3 &polygon, const QuillnoteObj3 &from)
     polygon.subNumber = from.subNumber;
     polygon.chPwMD5 = from.chPwMD5;
     polygon.fullImage = from.fullImage;
-    polygon.leaderMode = 1;
+    polygon.leaderMode = LeaderMode::leader;
     polygon.leaderUsed[0] = true;
     polygon.leaderEnds[0] = from.leaderEnds[0];
 }

@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QJsonValue>
 
+#include <functional>
 #include <type_traits>
 
 namespace fields
@@ -76,12 +77,35 @@ struct Filing<AcGeVector3d> {
     static AcGeVector3d fromGroup(const resbuf &group) { return group.point().asVector(); }
 };
 
+/// Codes are filed as their numbers.
+template <class T>
+requires std::is_enum_v<T>
+struct Filing<T> {
+    using Number = std::underlying_type_t<T>;
+    static Acad::ErrorStatus read(AcDbDwgFiler &filer, T &value)
+    {
+        auto number = Number();
+        const Acad::ErrorStatus status = std::invoke(Filing<Number>::read, filer, number);
+        value = T(number);
+        return status;
+    }
+    static Acad::ErrorStatus write(AcDbDwgFiler &filer, T value)
+    {
+        return std::invoke(Filing<Number>::write, filer, Number(value));
+    }
+    static Acad::ErrorStatus writeGroup(AcDbDxfFiler &filer, int code, T value)
+    {
+        return std::invoke(Filing<Number>::writeGroup, filer, code, Number(value));
+    }
+    static T fromGroup(const resbuf &group) { return T(Filing<Number>::fromGroup(group)); }
+};
+
 /// Assigns only what the filer really had, so that a record keeps its value when reading fails.
 template <class T>
 Acad::ErrorStatus readItem(AcDbDwgFiler &filer, T &value)
 {
     T taken{};
-    const Acad::ErrorStatus status = (filer.*Filing<T>::read)(taken);
+    const Acad::ErrorStatus status = std::invoke(Filing<T>::read, filer, taken);
     if (status == Acad::eOk)
         value = std::move(taken);
     return status;
@@ -94,7 +118,7 @@ Acad::ErrorStatus readItem(AcDbDwgFiler &filer, std::vector<AcDbObjectId> &value
 template <class T>
 Acad::ErrorStatus writeItem(AcDbDwgFiler &filer, const T &value)
 {
-    return (filer.*Filing<T>::write)(value);
+    return std::invoke(Filing<T>::write, filer, value);
 }
 Acad::ErrorStatus writeItem(AcDbDwgFiler &filer, const QByteArray &value);
 Acad::ErrorStatus writeItem(AcDbDwgFiler &filer, const std::vector<AcDbObjectId> &value);
@@ -108,7 +132,7 @@ void readGroup(const resbuf &group, T &value)
 template <class T>
 Acad::ErrorStatus writeGroup(AcDbDxfFiler &filer, int code, const T &value)
 {
-    return (filer.*Filing<T>::writeGroup)(code, value);
+    return std::invoke(Filing<T>::writeGroup, filer, code, value);
 }
 
 // Dumps. Points are arrays of three, ids their handles, bytes an object of size and SHA-256.
@@ -117,6 +141,11 @@ requires std::is_arithmetic_v<T> QJsonValue toJson(T value)
 {
     return QJsonValue(std::conditional_t < std::is_integral_v<T> && !std::is_same_v<T, bool>, int,
                       T > (value));
+}
+template <class T>
+requires std::is_enum_v<T> QJsonValue toJson(T value)
+{
+    return toJson(std::underlying_type_t<T>(value));
 }
 inline QJsonValue toJson(const QString &value)
 {

@@ -5,6 +5,8 @@
 // a row at the end with a newer `since`, and records filed before read with the field's default.
 #pragma once
 
+#include "quillnote/entity/mark_styles.h"
+
 #include "host/acdb/dbid.h"
 #include "host/acge/gepoint.h"
 
@@ -58,17 +60,18 @@ struct Field {
     using Member =
         std::variant<std::uint16_t Record::*, std::int16_t Record::*, bool Record::*, double Record::*,
                      QString Record::*, AcGePoint3d Record::*, AcGeVector3d Record::*, QByteArray Record::*,
-                     std::vector<AcDbObjectId> Record::*, PointRun<Record>, PointSlots<Record>>;
+                     std::vector<AcDbObjectId> Record::*, TargetStyle Record::*, FrameStyle Record::*,
+                     LeaderMode Record::*, DisplayMode Record::*, PointRun<Record>, PointSlots<Record>>;
     /// Brings a value that was read into the field's range.
-    using Settle = void (*)(Record &);
+    using Repair = void (*)(Record &);
 
     // A constructor, because a default argument knows the line of the row. (std::source_location is not in
     // all compilers that build this.)
     constexpr Field(QStringView fieldName, Member fieldMember, std::uint16_t sinceVersion, Dxf inDxf = {},
-                    Settle settleRead = nullptr, const char *file = __builtin_FILE(),
+                    Repair repairRead = nullptr, const char *file = __builtin_FILE(),
                     int line = __builtin_LINE())
         : name(fieldName), member(fieldMember), since(sinceVersion), dxf(inDxf),
-          settle(settleRead), row{file, line}
+          repair(repairRead), row{file, line}
     {
     }
 
@@ -76,7 +79,7 @@ struct Field {
     Member member;
     std::uint16_t since; ///< First format version whose records hold the field.
     Dxf dxf;
-    Settle settle;
+    Repair repair;
     RowPlace row; ///< Printed when the field cannot be filed.
 };
 

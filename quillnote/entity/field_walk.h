@@ -81,15 +81,15 @@ struct DwgWriter {
     }
 };
 
-/// Reads one field and settles it. A failure is reported with the line of the row.
+/// Reads one field and repairs it. A failure is reported with the line of the row.
 template <class Record>
 Acad::ErrorStatus readDwgField(AcDbDwgFiler &filer, Record &record, const Field<Record> &field)
 {
     const Acad::ErrorStatus status = std::visit(DwgReader<Record>{filer, record}, field.member);
     if (status != Acad::eOk)
         return reportFailure(status, field.row);
-    if (field.settle)
-        field.settle(record);
+    if (field.repair)
+        field.repair(record);
     return status;
 }
 
@@ -212,8 +212,8 @@ void readDxfGroup(const resbuf &group, std::size_t occurrence, Record &record,
     if (!taker || (takers > 1 && occurrence >= takers))
         return;
     std::visit(DxfReader<Record>{group, record, occurrence}, taker->member);
-    if (taker->settle)
-        taker->settle(record);
+    if (taker->repair)
+        taker->repair(record);
 }
 
 // Dumps, comparison, copies ----------------------------------------------------------------------------

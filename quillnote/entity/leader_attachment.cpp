@@ -147,15 +147,15 @@ std::optional<AcGePoint3d> onFreeOutline(std::span<const AcGePoint3d> vertices, 
 
 } // namespace
 
-std::optional<AcGePoint3d> attachLeaders(int targetStyle, int drawnStyle, const OutlineRecord &mark,
-                                         bool hasUsedLeader, const AcGePoint3d &reference)
+std::optional<AcGePoint3d> attachLeaders(TargetStyle targetStyle, TargetStyle drawnStyle,
+                                         const OutlineRecord &mark, bool hasUsedLeader,
+                                         const AcGePoint3d &reference)
 {
-    if (targetStyle < 1 || !hasUsedLeader)
+    if ((!fillsRectangle(targetStyle) && !hasVertices(targetStyle)) || !hasUsedLeader)
         return std::nullopt;
-    if (drawnStyle > 50)
-        return onFreeOutline(mark.vertices, drawnStyle == 52 || drawnStyle == 54, reference);
-    const bool isEllipse = drawnStyle == 1 || drawnStyle == 3 || drawnStyle == 6;
-    return isEllipse ? onEllipse(mark.target, reference) : onRectangle(mark.target, reference);
+    if (hasVertices(drawnStyle))
+        return onFreeOutline(mark.vertices, isSpline(drawnStyle), reference);
+    return isEllipse(drawnStyle) ? onEllipse(mark.target, reference) : onRectangle(mark.target, reference);
 }
 
 AcGePoint3d snapLeaderEnd(const AcGePoint3d &end, const WaveMiddles &middles)

@@ -11,8 +11,9 @@
 /// Rectangles offer twelve points of their sides, ellipses the middles of the sides around them; the nearest
 /// one is taken, the first one of equals. Polygons and splines offer the first point of the outline that is
 /// met on the way from the middle of the vertices to the reference point.
-std::optional<AcGePoint3d> attachLeaders(int targetStyle, int drawnStyle, const OutlineRecord &mark,
-                                         bool hasUsedLeader, const AcGePoint3d &reference);
+std::optional<AcGePoint3d> attachLeaders(TargetStyle targetStyle, TargetStyle drawnStyle,
+                                         const OutlineRecord &mark, bool hasUsedLeader,
+                                         const AcGePoint3d &reference);
 
 /// The end of a leader on a wave: on the first bump whose middle is closer than the chord, or on the next
 /// bump when that is nearer still. Unchanged when no bump is close; the last one is not asked.

@@ -4,8 +4,6 @@
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
 
-#include <cstdlib>
-
 static bool usesTrueType()
 {
     std::optional<bool> &known = markDrawingState().trueType;
@@ -18,8 +16,8 @@ MarkDrawingSettings markDrawingSettings()
 {
     const StartUpSettings &copies = startUpSettings();
     return {.applyAll = copies.applyAll,
-            .style = copies.style,
-            .BKstyle = copies.BKstyle,
+            .style = TargetStyle(copies.style),
+            .BKstyle = FrameStyle(copies.BKstyle),
             .color1 = copies.color1,
             .color2 = copies.color2,
             .textHeight = copies.suitsTextHeight ? 0 : copies.textHeight,
@@ -34,20 +32,16 @@ MarkDrawingSettings markDrawingSettings()
             .trueType = usesTrueType()};
 }
 
-int drawnTargetStyle(int targetStyle, const MarkDrawingSettings &settings)
+TargetStyle drawnTargetStyle(TargetStyle targetStyle, const MarkDrawingSettings &settings)
 {
-    const int own = std::abs(targetStyle);
-    const bool isReplaced = settings.applyAll && settings.style != 0 && own >= 1 && own <= 49;
-    return isReplaced ? std::abs(settings.style) : own;
+    const TargetStyle own = withoutSign(targetStyle);
+    const bool isReplaced = settings.applyAll && settings.style != TargetStyle::none && fillsRectangle(own);
+    return isReplaced ? withoutSign(settings.style) : own;
 }
 
-int drawnFlagStyle(int flagStyle, const MarkDrawingSettings &settings)
+FrameStyle drawnFrameStyle(FrameStyle flagStyle, const MarkDrawingSettings &settings)
 {
-    constexpr int kFirst = 100;
-    constexpr int kLast = 105;
-    constexpr int kBevelBox = 103;
-    const int style = settings.applyAll ? settings.BKstyle : flagStyle;
-    return style >= kFirst && style <= kLast ? style : kBevelBox;
+    return orBevel(settings.applyAll ? settings.BKstyle : flagStyle);
 }
 
 static int drawnColor(int own, int configured, bool applyAll, ColorRange highest)

@@ -1,16 +1,16 @@
 // What the settings impose on the drawing of marks, as one value that a drawing pass is given.
 #pragma once
 
-#include <cstdint>
+#include "quillnote/entity/mark_styles.h"
 
 /// Everything but `trueType` comes from the start-up copies. Whether the flags are being refreshed while
 /// zooming (setting autoFlagRefresh) is no wish but a state: see mark_state.h.
 struct MarkDrawingSettings {
     /// The settings below replace what the marks themselves hold: style, BKstyle, text heights, colours.
     bool applyAll = false;
-    int style = 0;     ///< Outline, -6 to 6
-    int BKstyle = 103; ///< Text-box frame, 99 to 105
-    int color1 = 2;    ///< Colour indexes.
+    TargetStyle style = TargetStyle::none; ///< Up to thickWaveEllipse, of either sign.
+    FrameStyle BKstyle = FrameStyle::bevel;
+    int color1 = 2; ///< Colour indexes.
     int color2 = 2;
     int textHeight = 1000; ///< Drawing units; 0: none is set, marks keep their own.
     int textHeightPS = 10; ///< The same in paper-space layouts.
@@ -28,11 +28,11 @@ struct MarkDrawingSettings {
 /// As they are now. Reads one value from the store: ask once for a pass over many marks where possible.
 MarkDrawingSettings markDrawingSettings();
 
-/// The outline code that a mark is drawn with, 0 to 6 or 51 to 54 (other codes of records come back as they
-/// are, without their sign, and have no outline). See docs/decisions/0011-apply-all-and-negative-styles.md.
-int drawnTargetStyle(int targetStyle, const MarkDrawingSettings &settings);
-/// The text-box frame that a mark is drawn with, 100 to 105.
-int drawnFlagStyle(int flagStyle, const MarkDrawingSettings &settings);
+/// The outline that a mark is drawn with; the number has no sign. See
+/// docs/decisions/0011-apply-all-and-negative-styles.md.
+TargetStyle drawnTargetStyle(TargetStyle targetStyle, const MarkDrawingSettings &settings);
+/// The text-box frame that a mark is drawn with: one that has a name, and not `none`.
+FrameStyle drawnFrameStyle(FrameStyle flagStyle, const MarkDrawingSettings &settings);
 
 /// A colour that a mark is drawn in: its own, or the configured one where it is an index up to `highest`.
 /// 256 is "by layer".

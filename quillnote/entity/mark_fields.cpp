@@ -14,23 +14,23 @@ static int filedVertices(const Mark &mark)
     return mark.hasFiledVertices() ? mark.vertexCount : 0;
 }
 
-static void settleVertexCount(Mark &mark)
+static void repairVertexCount(Mark &mark)
 {
     mark.vertexCount = std::clamp<std::int16_t>(mark.vertexCount, 0, Mark::kSlots);
 }
 
-static void settleWeight(Mark &mark)
+static void repairWeight(Mark &mark)
 {
     if (mark.weight < 1 || mark.weight > 10)
         mark.weight = 5;
 }
 
-static void settlePasswordHash(Mark &mark)
+static void repairPasswordHash(Mark &mark)
 {
     mark.chPwMD5.truncate(Mark::kPasswordHashLength);
 }
 
-static void settleEditVersion(Mark &mark)
+static void repairEditVersion(Mark &mark)
 {
     if (mark.editVersion < 0 || mark.editVersion > 255)
         mark.editVersion = 1;
@@ -41,7 +41,7 @@ static constexpr fields::PointSlots<Mark> kLeaders{&Mark::leaderEnds, &Mark::lea
 
 // clang-format off
 static constexpr std::array kFields = std::to_array<MarkField>({
-    // name               member                     since  DXF code, place  settle
+    // name               member                     since  DXF code, place  repair
     {u"formatVersion",     &Mark::formatVersion,     1, {70, 1}},
     {u"erasable",          &Mark::erasable,          1, {290, 4}},
     {u"displayMode",       &Mark::displayMode,       1, {171, 5}},
@@ -70,22 +70,22 @@ static constexpr std::array kFields = std::to_array<MarkField>({
     {u"reservedShort2",    &Mark::reservedShort2,    7, {179, 25}},
     {u"cornersValid",      &Mark::cornersValid,      7, {291, 26}},
     {u"flagPoint",         &Mark::flagPoint,         7, {13, 27}},
-    {u"vertexCount",       &Mark::vertexCount,       7, {270, 28}, settleVertexCount},
+    {u"vertexCount",       &Mark::vertexCount,       7, {270, 28}, repairVertexCount},
     {u"vertices",          kVertices,                7, {14, 29}},
     {u"reservedDouble",    &Mark::reservedDouble,    7, {41, 38}},
     {u"bigCategory",       &Mark::bigCategory,       7, {305, 32}},
     {u"smallCategory",     &Mark::smallCategory,     7, {306, 33}},
-    {u"weight",            &Mark::weight,            7, {71, 34}, settleWeight},
+    {u"weight",            &Mark::weight,            7, {71, 34}, repairWeight},
     {u"suggestionName",    &Mark::suggestionName,    1, {303, 30}},
     {u"feedbackName",      &Mark::feedbackName,      1, {304, 31}},
-    {u"chPwMD5",           &Mark::chPwMD5,           1, {}, settlePasswordHash},
+    {u"chPwMD5",           &Mark::chPwMD5,           1, {}, repairPasswordHash},
     {u"createTime",        &Mark::createTime,        1, {42, 35}},
     {u"feedbackTime",      &Mark::feedbackTime,      1, {43, 36}},
     {u"GUID",              &Mark::GUID,              1},
     {u"sketchData",        &Mark::sketchData,        1},
     {u"textHeight",        &Mark::textHeight,        4, {40, 37}},
     {u"leaders",           kLeaders,                 4, {15, 39}},
-    {u"editVersion",       &Mark::editVersion,       4, {}, settleEditVersion},
+    {u"editVersion",       &Mark::editVersion,       4, {}, repairEditVersion},
     {u"reservedShortA",    &Mark::reservedShortA,    4},
     {u"reservedShortB",    &Mark::reservedShortB,    4},
     {u"reservedDoubleA",   &Mark::reservedDoubleA,   4},

@@ -34,11 +34,11 @@ static void deriveTextBox(QuillnoteObj3 &mark)
 void upgradeOldMark(QuillnoteObj3 &mark)
 {
     mark.cornersValid = false;
-    if (mark.targetStyle >= 0)
+    if (!isNegative(mark.targetStyle))
         return;
-    mark.targetStyle = 0;
-    mark.leaderMode = 1;
-    mark.flagStyle = static_cast<std::int16_t>(startUpSettings().BKstyle);
+    mark.targetStyle = TargetStyle::none;
+    mark.leaderMode = LeaderMode::leader;
+    mark.flagStyle = FrameStyle(startUpSettings().BKstyle);
     deriveTextBox(mark);
 }
 

@@ -39,7 +39,7 @@ MarkShape markShape(const QuillnoteObj3 &mark, const MarkWriteBack &found)
                     .textLength = mark.suggestionContent.size()};
     shape.target.corner3 = found.targetCorner3;
     shape.target.corner4 = found.targetCorner4;
-    if (mark.leaderMode >= 1)
+    if (hasTextBox(mark.leaderMode))
         shape.textBox = found.textBox;
     return shape;
 }
@@ -47,9 +47,9 @@ MarkShape markShape(const QuillnoteObj3 &mark, const MarkWriteBack &found)
 void applyMarkShape(QuillnoteObj3 &mark, const MarkShape &shape)
 {
     mark.assertWriteEnabled();
-    mark.targetStyle = std::int16_t(shape.targetStyle);
-    mark.leaderMode = std::int16_t(shape.leaderMode);
-    mark.flagStyle = std::int16_t(shape.flagStyle);
+    mark.targetStyle = shape.targetStyle;
+    mark.leaderMode = shape.leaderMode;
+    mark.flagStyle = shape.flagStyle;
     mark.xDirection = shape.xDirection;
     setTargetCorners(mark, shape.target);
     setTextBoxCorners(mark, shape.textBox);
@@ -61,7 +61,7 @@ void applyMarkShape(QuillnoteObj3 &mark, const MarkShape &shape)
 
 static bool isOnlySketch(const MarkShape &shape)
 {
-    return shape.targetStyle == 0 && shape.hasSketch;
+    return shape.targetStyle == TargetStyle::none && shape.hasSketch;
 }
 
 std::vector<MarkGrip> markGrips(const MarkShape &shape)
@@ -70,10 +70,10 @@ std::vector<MarkGrip> markGrips(const MarkShape &shape)
     if (isOnlySketch(shape))
         return {{MarkGrip::sketch, 0, target.corner3}};
     std::vector<MarkGrip> grips;
-    if (shape.targetStyle > 50 && shape.vertexCount > 1) {
+    if (hasVertices(shape.targetStyle) && shape.vertexCount > 1) {
         for (std::size_t i = 0; i < shape.vertexCount; ++i)
             grips.push_back({MarkGrip::vertex, i, shape.vertices[i]});
-    } else if (shape.targetStyle >= 1 && shape.targetStyle <= 49) {
+    } else if (fillsRectangle(shape.targetStyle)) {
         AcGePoint3d centre = target.corner1 + (target.corner2 - target.corner1) * 0.5;
         centre.z = 0.0;
         grips.push_back({MarkGrip::targetCentre, 0, centre});
@@ -81,7 +81,7 @@ std::vector<MarkGrip> markGrips(const MarkShape &shape)
         for (const AcGePoint3d &corner : {target.corner1, target.corner2, target.corner3, target.corner4})
             grips.push_back({MarkGrip::targetCorner, number++, corner});
     }
-    if (shape.leaderMode < 1) {
+    if (!hasTextBox(shape.leaderMode)) {
         grips.push_back({MarkGrip::flag, 0, shape.flagPoint});
         return grips;
     }
@@ -159,7 +159,7 @@ void Drag::turnToView()
     m_shape.xDirection = seen;
     const double angle = std::atan2(before.crossProduct(seen).dotProduct(m_toWorld * AcGeVector3d::kZAxis),
                                     before.dotProduct(seen));
-    if (m_shape.leaderMode < 1 || std::abs(angle) < kGeTolerance)
+    if (!hasTextBox(m_shape.leaderMode) || std::abs(angle) < kGeTolerance)
         return;
     MarkCorners &box = m_shape.textBox;
     const AcGeMatrix3d turn = AcGeMatrix3d::rotation(angle, m_toWorld * AcGeVector3d::kZAxis, box.corner3);
@@ -190,9 +190,9 @@ void Drag::moveTarget(const std::vector<MarkGrip> &grips)
         shift(m_shape.target, m_offset);
     else
         moveSides(dragged);
-    if (!whole && m_shape.leaderMode >= 1 &&
+    if (!whole && hasTextBox(m_shape.leaderMode) &&
         m_shape.target.corner1.isEqualTo(m_shape.target.corner2, kSameCorner))
-        m_shape.targetStyle = 0;
+        m_shape.targetStyle = TargetStyle::none;
     attachFirstLeader();
 }
 
@@ -271,10 +271,8 @@ void Drag::moveFlag()
 
 void Drag::makeLeaderMark()
 {
-    constexpr int kFirstFrame = 100;
-    constexpr int kBevelBox = 103;
-    m_shape.leaderMode = 1;
-    m_shape.flagStyle = m_settings.BKstyle < kFirstFrame ? kBevelBox : m_settings.BKstyle;
+    m_shape.leaderMode = LeaderMode::leader;
+    m_shape.flagStyle = orBevel(m_settings.BKstyle);
     // Where no height is set for all marks, the box begins with that of its own text, which it is fitted to.
     const int configured = m_view.viewport.paperSpace ? m_settings.textHeightPS : m_settings.textHeight;
     const double height = configured > 0 ? double(configured) : m_shape.textHeight;
@@ -300,9 +298,9 @@ void Drag::moveBox()
     const AcGePoint3d &corner = m_shape.textBox.corner3;
     const bool isBack =
         corner.distanceTo(flagAnchor()) < reach() || corner.distanceTo(m_shape.target.corner1) < reach();
-    if (m_shape.targetStyle < 1 || m_shape.targetStyle > 50 || !isBack)
+    if (!fillsRectangle(m_shape.targetStyle) || !isBack)
         return;
-    m_shape.leaderMode = 0;
+    m_shape.leaderMode = LeaderMode::flag;
     m_shape.leaderUsed[0] = false;
 }
 
@@ -325,7 +323,7 @@ void Drag::moveLeaderEnd(std::size_t slot)
 void Drag::attachFirstLeader()
 {
     const bool hasUsed = std::ranges::find(m_shape.leaderUsed, true) != m_shape.leaderUsed.end();
-    if (m_shape.leaderMode < 1)
+    if (!hasTextBox(m_shape.leaderMode))
         return;
     const OutlineRecord record{.target = m_shape.target,
                                .textBox = m_shape.textBox,

@@ -6,9 +6,9 @@
 
 /// What dragging grips may change of a mark, and what it depends on.
 struct MarkShape {
-    int targetStyle = 2;
-    int leaderMode = 0;
-    int flagStyle = 103;
+    TargetStyle targetStyle = TargetStyle::thinWaves;
+    LeaderMode leaderMode = LeaderMode::flag;
+    FrameStyle flagStyle = FrameStyle::bevel;
     bool hasSketch = false;
     AcGeVector3d normal = AcGeVector3d::kZAxis;
     AcGeVector3d xDirection = AcGeVector3d::kXAxis;
@@ -53,7 +53,7 @@ std::optional<MarkShape> moveMarkGrips(MarkShape shape, std::span<const int> gri
                                        const AcGeVector3d &offset, const MarkDrawingSettings &settings,
                                        const MarkView &view);
 
-/// Told, with the mark open for write, when a drag has given a polygon or spline mark another target: what is
-/// kept of the target's content is of another place now. Returns the one before.
+/// Called, with the mark open for write, when a drag has given a polygon or spline mark another target: its
+/// picture and fingerprint are of another place now. Returns the function that was set before.
 using TargetReshaped = void (*)(QuillnoteObj3 &mark);
 TargetReshaped setTargetReshaped(TargetReshaped hearer);

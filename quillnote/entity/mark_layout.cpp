@@ -58,7 +58,7 @@ private:
     const MarkView &m_view;
     MarkPicture m_picture;
     bool m_isLeader;
-    int m_style; ///< Outline to draw.
+    TargetStyle m_style; ///< Outline to draw.
     OutlineRecord m_record;
     OutlineView m_outlineView;
     MarkLayout m_layout;
@@ -68,8 +68,9 @@ private:
 
 LayoutPass::LayoutPass(const QuillnoteObj3 &mark, const MarkDrawingSettings &settings, const MarkView &view,
                        MarkPicture picture)
-    : m_mark(mark), m_settings(settings), m_view(view), m_picture(picture), m_isLeader(mark.leaderMode >= 1),
-      m_style(drawnTargetStyle(mark.targetStyle, settings)), m_record(outlineRecord(mark))
+    : m_mark(mark), m_settings(settings), m_view(view), m_picture(picture),
+      m_isLeader(hasTextBox(mark.leaderMode)), m_style(drawnTargetStyle(mark.targetStyle, settings)),
+      m_record(outlineRecord(mark))
 {
     m_layout.axes = markAxes(mark);
     m_layout.plotting = view.plotting;
@@ -79,7 +80,7 @@ LayoutPass::LayoutPass(const QuillnoteObj3 &mark, const MarkDrawingSettings &set
                                       : kUnitMillimetres * view.viewport.millimetre();
     m_outlineView = {m_layout.drawUnit, settings};
     if (isProxy()) {
-        m_record.displayMode = 0;
+        m_record.displayMode = DisplayMode::full;
         m_record.gripEditing = false;
     }
 }
@@ -97,7 +98,7 @@ MarkLayout LayoutPass::run()
     found.textBox = m_layout.textBox;
     if (m_isLeader)
         attachFirstLeader();
-    if (m_mark.displayMode != -1) {
+    if (m_mark.displayMode != DisplayMode::hidden) {
         layOutOutline();
         layOutFlag();
         layOutSketch();
@@ -122,7 +123,7 @@ void LayoutPass::layOutText()
     const bool hasText =
         !m_mark.suggestionContent.isEmpty() || m_settings.viewName || m_settings.viewDateTime;
     const bool isShown = (m_settings.showMarkText || m_isLeader) && m_mark.sketchData.isEmpty();
-    if (!hasText || !isShown || m_mark.displayMode != 0 || m_view.textSuppressed)
+    if (!hasText || !isShown || m_mark.displayMode != DisplayMode::full || m_view.textSuppressed)
         return;
     m_layout.text = layOutMarkText(m_mark, m_settings, frame, m_layout.axes, start, height);
     found.textEndPoint = m_layout.text->endPoint;
@@ -156,7 +157,7 @@ void LayoutPass::fitTextBox(const MarkTextLayout &text, const MarkTextFrame &fra
 
 void LayoutPass::layOutOutline()
 {
-    if (m_record.displayMode != 0)
+    if (m_record.displayMode != DisplayMode::full)
         return;
     if (isProxy())
         proxyOutline(m_record, m_style, m_settings, m_layout.outline);
@@ -168,8 +169,8 @@ void LayoutPass::layOutOutline()
     if (!m_isLeader)
         return;
     layOutLeaders();
-    constexpr int kThinRectangle = 102;
-    const int frame = isProxy() ? kThinRectangle : drawnFlagStyle(m_mark.flagStyle, m_settings);
+    const FrameStyle frame =
+        isProxy() ? FrameStyle::rectangle : drawnFrameStyle(m_mark.flagStyle, m_settings);
     if (!m_mark.suggestionContent.isEmpty())
         textBoxFrame(m_record, m_outlineView, frame, m_layout.frame);
     if (m_view.plotting)
@@ -182,8 +183,7 @@ void LayoutPass::attachFirstLeader()
     const bool hasUsed = std::ranges::find(m_mark.leaderUsed, true) != m_mark.leaderUsed.end();
     for (const AcGePoint3d &reference : {m_layout.textBox.corner2, m_layout.textBox.corner3}) {
         const std::optional<AcGePoint3d> end =
-            attachLeaders(m_mark.targetStyle, drawnTargetStyle(m_mark.targetStyle, m_settings), m_record,
-                          hasUsed, reference);
+            attachLeaders(m_mark.targetStyle, m_style, m_record, hasUsed, reference);
         if (!end)
             continue;
         m_layout.writeBack.leaderEnds[0] = *end;
@@ -244,14 +244,13 @@ AcGePoint3d LayoutPass::flagAnchor() const
 {
     if (m_isLeader)
         return m_layout.textBox.corner2;
-    const int style = drawnTargetStyle(m_mark.targetStyle, m_settings);
-    return style == 2 || style == 5 ? m_layout.target.corner3 : m_layout.target.corner2;
+    return isWaveRectangle(m_style) ? m_layout.target.corner3 : m_layout.target.corner2;
 }
 
 void LayoutPass::layOutFlag()
 {
-    const bool hasFlag =
-        m_mark.targetStyle > 0 || m_mark.leaderMode > 0 || m_settings.displayFlagWithFreehandDraw;
+    const bool hasOutline = fillsRectangle(m_mark.targetStyle) || hasVertices(m_mark.targetStyle);
+    const bool hasFlag = hasOutline || m_isLeader || m_settings.displayFlagWithFreehandDraw;
     if (!hasFlag || !(m_settings.viewFlag || isProxy()))
         return;
     m_layout.flag = makeMarkFlag(flagAnchor(), flagSize(), m_layout.axes,
@@ -269,7 +268,7 @@ void LayoutPass::layOutSketch()
                                       m_view.viewport.getWorldToEyeTransform());
     const AcDbExtents box = sketch::extents(*strokes, placement);
     m_layout.sketch = {std::move(strokes).value(), placement, box};
-    if (m_mark.targetStyle == 0 && box.isValid())
+    if (m_mark.targetStyle == TargetStyle::none && box.isValid())
         m_layout.writeBack.targetCorner3 = {box.minPoint().x, box.maxPoint().y, box.minPoint().z};
 }
 

@@ -63,7 +63,7 @@ void thinEllipse(const OutlineRecord &mark, const OutlineView &view, MarkOutline
 
 void bevelRectangle(const OutlineRecord &mark, const OutlineView &view, MarkOutline &outline)
 {
-    if (mark.displayMode != 0)
+    if (mark.displayMode != DisplayMode::full)
         return;
     const double unit = view.drawUnit;
     // The factor by which mitres reach further than the half width; the same as that of waves.
@@ -175,7 +175,7 @@ OutlineRecord outlineRecord(const QuillnoteObj3 &mark)
             .xDirection = mark.xDirection,
             .vertices = std::span(mark.vertices).first(used),
             .displayMode = mark.displayMode,
-            .enlarged = mark.targetStyle < 0,
+            .enlarged = isNegative(mark.targetStyle),
             .color1 = mark.color1,
             .color2 = mark.color2,
             .textHeight = mark.textHeight,
@@ -202,43 +202,40 @@ std::optional<AcGeFitSpline3d> closedSpline(std::span<const AcGePoint3d> vertice
     return spline.getEndParam() ? std::optional(std::move(spline)) : std::nullopt;
 }
 
-void targetOutline(const OutlineRecord &mark, const OutlineView &view, int style, MarkOutline &outline)
+void targetOutline(const OutlineRecord &mark, const OutlineView &view, TargetStyle style,
+                   MarkOutline &outline)
 {
     outline.clear();
     outline.waveColor = drawnColor1(mark.color1, view.settings, ColorRange::indexesAndByLayer);
     const double diagonal = mark.target.diagonal();
     const bool isShown = diagonal >= view.drawUnit;
-    const auto waves = [&](bool thin) { outline.thinWaves = thin || mark.gripEditing; };
+    outline.thinWaves = hasThinWaves(style) || mark.gripEditing;
     switch (style) {
-    case 1:
+    case TargetStyle::ellipse:
         if (isShown)
             thinEllipse(mark, view, outline);
         break;
-    case 2:
-    case 5:
-        waves(style == 2);
+    case TargetStyle::thinWaves:
+    case TargetStyle::thickWaves:
         if (diagonal >= 0.5 * view.drawUnit)
             addWaveRectangle(outline, mark.target, diagonal / 15.0);
         break;
-    case 3:
-    case 6:
-        waves(style == 3);
+    case TargetStyle::thinWaveEllipse:
+    case TargetStyle::thickWaveEllipse:
         if (isShown)
             waveEllipse(mark.target, outline);
         break;
-    case 4:
+    case TargetStyle::bevel:
         if (isShown)
             bevelRectangle(mark, view, outline);
         break;
-    case 51:
-    case 53:
-        waves(style == 53);
+    case TargetStyle::thickPolygon:
+    case TargetStyle::thinPolygon:
         if (mark.vertices.size() >= 2)
             wavePolygon(mark.vertices, view.drawUnit, outline);
         break;
-    case 52:
-    case 54:
-        waves(style == 54);
+    case TargetStyle::thickSpline:
+    case TargetStyle::thinSpline:
         if (mark.vertices.size() >= 2)
             waveSpline(mark.vertices, view.drawUnit, outline);
         break;

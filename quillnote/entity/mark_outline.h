@@ -35,9 +35,10 @@ struct OutlineRecord {
     MarkCorners target{};
     MarkCorners textBox{};
     AcGeVector3d xDirection = AcGeVector3d::kXAxis;
-    std::span<const AcGePoint3d> vertices{}; ///< Of polygon and spline marks; whose they are outlives this.
-    int displayMode = 0;
-    bool enlarged = false; ///< The mark's own outline code is negative: ellipses are a quarter larger.
+    std::span<const AcGePoint3d>
+        vertices{}; ///< Of polygon and spline marks; the mark that has them outlives this.
+    DisplayMode displayMode = DisplayMode::full;
+    bool enlarged = false; ///< The mark's own outline number is negative: ellipses are a quarter larger.
     int color1 = 2;        ///< The mark's own colours.
     int color2 = 5;
     double textHeight = 0.0;
@@ -80,15 +81,16 @@ struct OutlineView {
     MarkDrawingSettings settings{};
 };
 
-/// `style` as drawnTargetStyle() gives it; codes without outline and targets too small to show give an empty
-/// one.
-void targetOutline(const OutlineRecord &mark, const OutlineView &view, int style, MarkOutline &outline);
-/// What programs that do not know marks will see: at most 14 bumps, in thick lines around a target of the
-/// styles 1 to 49. It depends on no view.
-void proxyOutline(const OutlineRecord &mark, int style, const MarkDrawingSettings &settings,
+/// `style` as drawnTargetStyle() gives it; numbers without outline and targets too small to show give an
+/// empty one.
+void targetOutline(const OutlineRecord &mark, const OutlineView &view, TargetStyle style,
+                   MarkOutline &outline);
+/// What programs that do not know marks will see: at most 14 bumps, in thick lines around the rectangle of a
+/// target. It depends on no view.
+void proxyOutline(const OutlineRecord &mark, TargetStyle style, const MarkDrawingSettings &settings,
                   MarkOutline &outline);
-/// `flagStyle` 100 to 105, all others as 103. Empty unless the mark is shown in full.
-void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, int flagStyle, MarkOutline &outline);
+/// Empty unless the mark is shown in full.
+void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, FrameStyle style, MarkOutline &outline);
 
 /// The closed spline of a spline mark through three vertices at least; nothing when there is none.
 std::optional<AcGeFitSpline3d> closedSpline(std::span<const AcGePoint3d> vertices);

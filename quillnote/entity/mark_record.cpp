@@ -92,7 +92,7 @@ static AcDbDatabase *drawingOf(AcDbObjectId id)
 void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
 {
     const bool isShown = context->regenType() == kAcGiStandardDisplay;
-    if (displayMode != -1) {
+    if (displayMode != DisplayMode::hidden) {
         const MarkLayout layout = layOutMark(*this, markDrawingSettings(), markViewOf(context->viewport()));
         drawMark(layout, *context);
         if (isShown) {
@@ -109,7 +109,7 @@ void QuillnoteObj3::subViewportDraw(AcGiViewportDraw *context) const
 
 void QuillnoteObj3::saveAs(AcGiWorldDraw *context) const
 {
-    if (displayMode != -1)
+    if (displayMode != DisplayMode::hidden)
         drawMark(layOutMark(*this, markDrawingSettings(), currentMarkView(database()), MarkPicture::proxy),
                  *context);
 }
@@ -140,9 +140,9 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
             box.addPoint(c4);
         }
     };
-    if (targetStyle != 0)
+    if (targetStyle != TargetStyle::none)
         addRectangle(targetCorner1, targetCorner2, targetCorner3, targetCorner4);
-    if (leaderMode > 0) {
+    if (hasTextBox(leaderMode)) {
         addRectangle(textBoxCorner1, textBoxCorner2, textBoxCorner3, textBoxCorner4);
         for (std::size_t i = 0; i < kSlots; ++i) {
             if (leaderUsed[i])
@@ -161,7 +161,7 @@ Acad::ErrorStatus QuillnoteObj3::subGetGeomExtents(AcDbExtents &extents) const
     return box.isValid() ? Acad::eOk : Acad::eInvalidExtents;
 }
 
-/// What was mirrored would hang upside down or read backwards: the x direction points to the right again, the
+/// A mirrored mark would hang upside down or read backwards: the x direction points to the right again, the
 /// corners get their roles anew, and the vertices run the other way, so that waves bulge outwards.
 static void standUpright(QuillnoteObj3 &mark)
 {
@@ -205,7 +205,7 @@ Acad::ErrorStatus QuillnoteObj3::subTransformBy(const AcGeMatrix3d &matrix)
     for (std::size_t i = 0; i < kSlots; ++i) {
         if (leaderUsed[i])
             leaderEnds[i].transformBy(matrix);
-        if (targetStyle > 50)
+        if (hasVertices(targetStyle))
             vertices[i].transformBy(matrix);
     }
     const bool isMirrored = matrix.determinant() < 0.0;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "quillnote/entity/field_table.h"
+#include "quillnote/entity/mark_styles.h"
 
 #include "host/acdb/dbentity.h"
 
@@ -33,7 +34,7 @@ public:
     // Filed fields ----------------------------------------------------------------------------------
     std::uint16_t formatVersion = kFormatVersion; ///< Always the current one in memory.
     bool erasable = true;                         ///< False refuses every erase.
-    std::int16_t displayMode = 0;                 ///< -1 hidden, 0 full, 1 shrunk
+    DisplayMode displayMode = DisplayMode::full;
     std::uint16_t markNumber = 1;
     std::uint16_t subNumber = 0; ///< 0 is none.
     QString suggestionContent;   ///< The reviewer's opinion.
@@ -42,7 +43,7 @@ public:
     AcGePoint3d targetCorner1;
     AcGePoint3d targetCorner2{1.0, 1.0, 0.0};
     std::int16_t feedbackType = 0; ///< Handling status: mark_values.h.
-    std::int16_t targetStyle = 2;  ///< Outline: -6 to 6, 51 to 54
+    TargetStyle targetStyle = TargetStyle::thinWaves;
     std::uint16_t reservedShort = 8;
     std::uint16_t color1 = 2; ///< Colour indexes.
     std::uint16_t color2 = 5;
@@ -54,8 +55,8 @@ public:
     AcGePoint3d textBoxCorner2;
     AcGePoint3d textBoxCorner3;
     AcGePoint3d textBoxCorner4;
-    std::int16_t flagStyle = 101; ///< Text-box frame, 100 to 105
-    std::int16_t leaderMode = 0;  ///< 1: text in a box joined to the target by leaders. 0: flag mark.
+    FrameStyle flagStyle = FrameStyle::waveLine; ///< Of the text box.
+    LeaderMode leaderMode = LeaderMode::flag;
     std::int16_t reservedShort2 = 0;
     bool cornersValid = false; ///< Corners 3 and 4 are computed.
     AcGePoint3d flagPoint;
@@ -98,7 +99,7 @@ public:
     std::uint32_t snapEntityCount() const { return static_cast<std::uint32_t>(snapEntityIds.size()); }
 
     /// Polygon and spline marks carry their vertices, when there are two at least.
-    bool hasFiledVertices() const { return vertexCount >= 2 && targetStyle > 50; }
+    bool hasFiledVertices() const { return vertexCount >= 2 && hasVertices(targetStyle); }
 
     // Run-time members: not filed, as new in every mark that is opened. Those that a drawing pass leaves
     // behind are mutable, because drawing happens while the mark is open for read ---------------------

@@ -63,7 +63,7 @@ double markTextHeight(const QuillnoteObj3 &mark, const MarkDrawingSettings &sett
                       double frameWidth)
 {
     double height = 0.0;
-    if (mark.leaderMode < 1)
+    if (!hasTextBox(mark.leaderMode))
         height = flagMarkTextHeight(mark, settings, paperSpace, frameWidth);
     else if (settings.applyAll && settings.textHeight >= 1)
         height = settings.textHeight;
@@ -287,7 +287,7 @@ MarkTextLayout layOutMarkText(const QuillnoteObj3 &mark, const MarkDrawingSettin
     const double lineWidth = 10.0 * height > frame.width ? 10.0 * height : margined;
     LineBreaker breaker(layout, axes.up * (-kLinePitch * height), markTextSize(settings.trueType, height),
                         lineWidth, start);
-    const bool isBox = mark.leaderMode >= 1;
+    const bool isBox = hasTextBox(mark.leaderMode);
     for (const QStringView paragraph : paragraphsOf(mark.suggestionContent))
         isBox ? breaker.addWrapped(paragraph) : breaker.addParagraph(paragraph);
     layout.endPoint = breaker.base();

@@ -56,10 +56,10 @@ QString handling::statusSentence(std::int16_t code)
 
 std::uint16_t firstColorOfNewMarks()
 {
-    return static_cast<std::uint16_t>(settings::numberInRange(u"color1", 1, 255, 2));
+    return static_cast<std::uint16_t>(settings::number(u"color1"));
 }
 
 std::uint16_t secondColorOfNewMarks()
 {
-    return static_cast<std::uint16_t>(settings::numberInRange(u"color2", 1, 255, 5));
+    return static_cast<std::uint16_t>(settings::stored(u"color2").value_or(5));
 }

@@ -4,7 +4,7 @@
 
 bool QuillnoteObj3::subIsHidden() const
 {
-    return displayMode < 0;
+    return displayMode == DisplayMode::hidden;
 }
 
 QStringList QuillnoteObj3::subTexts() const

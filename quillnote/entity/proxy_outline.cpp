@@ -51,24 +51,24 @@ static void addWaves(std::span<const AcGePoint3d> corners, std::vector<WaveBump>
         waveAlongSegment(bumps, side.from, side.to, side.length() / side.bumps(step));
 }
 
-void proxyOutline(const OutlineRecord &mark, int style, const MarkDrawingSettings &settings,
+void proxyOutline(const OutlineRecord &mark, TargetStyle style, const MarkDrawingSettings &settings,
                   MarkOutline &outline)
 {
     outline.clear();
     outline.waveColor = drawnColor1(mark.color1, settings, ColorRange::indexesAndByLayer);
     outline.thinWaves = true;
-    outline.waveWeight = style == 53 || style == 54 ? 0 : kThickWeight;
-    if (style >= 1 && style <= 49) {
+    outline.waveWeight = hasVertices(style) && hasThinWaves(style) ? 0 : kThickWeight;
+    if (fillsRectangle(style)) {
         const MarkCorners &target = mark.target;
         addWaves(std::array{target.corner1, target.corner4, target.corner2, target.corner3}, outline.bumps);
         return;
     }
-    if (style < 51 || style > 54 || mark.vertices.size() < 2)
+    if ((!isPolygon(style) && !isSpline(style)) || mark.vertices.size() < 2)
         return;
-    const bool isSpline = style == 52 || style == 54;
-    const std::optional<AcGeFitSpline3d> spline = isSpline ? closedSpline(mark.vertices) : std::nullopt;
+    const std::optional<AcGeFitSpline3d> spline =
+        isSpline(style) ? closedSpline(mark.vertices) : std::nullopt;
     if (!spline) {
-        if (!isSpline || mark.vertices.size() == 2)
+        if (isPolygon(style) || mark.vertices.size() == 2)
             addWaves(mark.vertices, outline.bumps);
         return;
     }

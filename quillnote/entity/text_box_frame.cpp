@@ -41,27 +41,27 @@ void bevelBox(const OutlineRecord &mark, const OutlineView &view, const PlaneAxe
 
 } // namespace
 
-void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, int flagStyle, MarkOutline &outline)
+void textBoxFrame(const OutlineRecord &mark, const OutlineView &view, FrameStyle style, MarkOutline &outline)
 {
     outline.clear();
-    if (mark.displayMode != 0)
+    if (mark.displayMode != DisplayMode::full)
         return;
     const MarkCorners &box = mark.textBox;
     const PlaneAxes axes = planeAxes(box.corner4 - box.corner1);
     outline.waveColor = drawnColor1(mark.color1, view.settings, ColorRange::indexesAndByLayer);
-    outline.thinWaves = flagStyle == 104 || mark.gripEditing;
-    switch (flagStyle) {
-    case 100:
+    outline.thinWaves = style == FrameStyle::thinWaves || mark.gripEditing;
+    switch (style) {
+    case FrameStyle::underline:
         underlineBar(mark, view, axes, outline);
         break;
-    case 101:
+    case FrameStyle::waveLine:
         waveAlongSegment(outline.bumps, box.corner1, box.corner4, waveStep(mark, view, 0.5));
         break;
-    case 102:
+    case FrameStyle::rectangle:
         addThinRectangle(outline, box, mark, view.settings);
         break;
-    case 104:
-    case 105:
+    case FrameStyle::thinWaves:
+    case FrameStyle::thickWaves:
         addWaveRectangle(outline, box, waveStep(mark, view, 1.0));
         break;
     default:

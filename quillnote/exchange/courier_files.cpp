@@ -28,7 +28,7 @@
 static constexpr int kLookMilliseconds = 200;
 static constexpr int kLooksAStatus = 5;
 static constexpr int kSilentSeconds = 15; ///< A courier that says nothing for so long is started again.
-static constexpr QStringView kPlaceSetting = u"courierPlace";
+static constexpr settings::Text kPlaceSetting = u"courierPlace";
 
 static QString courierFolder()
 {

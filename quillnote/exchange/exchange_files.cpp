@@ -10,7 +10,7 @@
 #include <QFile>
 #include <QStandardPaths>
 
-static constexpr QStringView kFolderSetting = u"synFileUploadPath";
+static constexpr settings::Text kFolderSetting = u"synFileUploadPath";
 static constexpr int kMostComplaints = 5;
 
 static QString withSlash(QString folder)

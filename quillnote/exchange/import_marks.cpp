@@ -351,7 +351,7 @@ static ImportedFile importMarks(const QString &path, QByteArrayView bytes, const
 /// The box around what is about to be erased: the target, or text box and leader ends.
 static void addPlaces(const QuillnoteObj3 &mark, AcDbExtents &box)
 {
-    if (mark.leaderMode != 1) {
+    if (!hasTextBox(mark.leaderMode)) {
         box.addPoint(mark.targetCorner1);
         box.addPoint(mark.targetCorner2);
         return;

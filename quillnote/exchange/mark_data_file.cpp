@@ -55,6 +55,12 @@ static void put(ByteWriter &out, const T &value)
     for (const double part : {value.x, value.y, value.z})
         out.put<double>(part);
 }
+template <class T>
+requires std::is_enum_v<T>
+static void put(ByteWriter &out, T code)
+{
+    put(out, std::underlying_type_t<T>(code));
+}
 static void put(ByteWriter &out, const QByteArray &bytes)
 {
     out.put<std::uint32_t>(std::uint32_t(bytes.size()));
@@ -100,6 +106,12 @@ static void get(ByteReader &in, T &value)
     if (!std::isfinite(parts[0]) || !std::isfinite(parts[1]) || !std::isfinite(parts[2]))
         in.fail();
 }
+template <class T>
+requires std::is_enum_v<T>
+static void get(ByteReader &in, T &code)
+{
+    code = T(in.get<std::underlying_type_t<T>>());
+}
 static void get(ByteReader &in, QByteArray &bytes)
 {
     const auto size = in.get<std::uint32_t>();
@@ -110,7 +122,7 @@ static void get(ByteReader &in, QByteArray &bytes)
 
 struct RecordRow {
     MarkField::Member member;
-    MarkField::Settle settle;
+    MarkField::Repair repair;
     int since; ///< 3, 4 or 7
 };
 
@@ -144,7 +156,7 @@ static std::vector<RecordRow> makeRows()
             rows.push_back({MarkField::Member(&Mark::textAnchor), nullptr, named.since});
         } else {
             const MarkField &field = markField(named.field);
-            rows.push_back({field.member, field.settle, named.since});
+            rows.push_back({field.member, field.repair, named.since});
         }
     }
     return rows;
@@ -232,7 +244,7 @@ static void upgradeRecord(Mark &mark)
 {
     const AcGePoint3d first = mark.targetCorner1;
     const AcGePoint3d second = mark.targetCorner2;
-    const bool wasLeader = mark.targetStyle < 0;
+    const bool wasLeader = isNegative(mark.targetStyle);
     upgradeOldMark(mark);
     if (!wasLeader)
         return;
@@ -252,8 +264,8 @@ static void getRecord(ByteReader &in, MarkDataRecord &record, int version)
         if (row.since > version)
             continue;
         std::visit(ItemReader{in, *record.mark}, row.member);
-        if (row.settle)
-            row.settle(*record.mark);
+        if (row.repair)
+            row.repair(*record.mark);
     }
     in.get(record.handle.value);
     in.get(record.owner.value);

@@ -30,8 +30,8 @@ void QN3_Setup()
 {
     const std::optional<SetupValues> values = runSetup(readSetup());
     // Colours are stored by their buttons, whatever becomes of the rest.
-    startUpSettings().color1 = settings::numberInRange(u"color1", 1, 255, 2);
-    startUpSettings().color2 = settings::numberInRange(u"color2", 1, 255, 2);
+    startUpSettings().color1 = settings::number(u"color1");
+    startUpSettings().color2 = settings::number(u"color2");
     if (!values)
         return;
     storeSetup(*values);

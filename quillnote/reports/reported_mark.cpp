@@ -24,7 +24,7 @@ std::optional<ReportedMark> readReportedMark(AcDbObjectId id)
     read.id = id;
     read.number = markNumberText(mark->markNumber, mark->subNumber);
     read.order = markOrder(mark->markNumber, mark->subNumber);
-    read.isHidden = mark->displayMode == -1;
+    read.isHidden = mark->displayMode == DisplayMode::hidden;
     read.status = mark->feedbackType;
     read.opinion = mark->suggestionContent;
     read.feedback = mark->feedbackContent;

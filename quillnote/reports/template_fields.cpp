@@ -21,9 +21,9 @@ static QStringList trimmedItems(const QString &list, QChar separator)
     return items;
 }
 
-static QStringList storedItems(QStringView name)
+static QStringList storedItems(settings::Text row)
 {
-    const QString list = settings::text(name, settings::kTemplateKey);
+    const QString list = settings::text(row);
     return list.isEmpty() ? QStringList() : trimmedItems(list, u',');
 }
 
@@ -43,15 +43,8 @@ std::vector<TemplateField> templateFields()
     return fields;
 }
 
-static QString listName(int row)
-{
-    return QStringLiteral("List%1").arg(row);
-}
-
-static QString textName(int row)
-{
-    return QStringLiteral("txt%1").arg(row);
-}
+static constexpr settings::Text kLists = u"List%d";
+static constexpr settings::Text kTexts = u"txt%d";
 
 static QStringList cleanValues(const QString &list)
 {
@@ -62,19 +55,18 @@ static QStringList cleanValues(const QString &list)
 
 RememberedRow rememberedRow(int row)
 {
-    return {cleanValues(settings::text(listName(row), settings::kTemplateKey)),
-            settings::text(textName(row), settings::kTemplateKey)};
+    return {cleanValues(settings::text(kLists, row)), settings::text(kTexts, row)};
 }
 
 void rememberRows(const QStringList &texts)
 {
     for (int row = 0; row < kMostRows; ++row) {
-        QString list = settings::text(listName(row), settings::kTemplateKey);
+        QString list = settings::text(kLists, row);
         if (row < texts.size()) {
             if (!list.contains(texts[row]))
                 list = texts[row] + u'|' + list;
-            settings::setText(textName(row), texts[row], settings::kTemplateKey);
+            settings::setText(kTexts, row, texts[row]);
         }
-        settings::setText(listName(row), cleanValues(list).join(u'|'), settings::kTemplateKey);
+        settings::setText(kLists, row, cleanValues(list).join(u'|'));
     }
 }

@@ -24,15 +24,8 @@ static QStringList captions()
     return captions;
 }
 
-static QString listName(int row)
-{
-    return QStringLiteral("xmlList%1").arg(row);
-}
-
-static QString textName(int row)
-{
-    return QStringLiteral("xmlTxt%1").arg(row);
-}
+static constexpr settings::Text kLists = u"xmlList%d";
+static constexpr settings::Text kTexts = u"xmlTxt%d";
 
 static QStringList itemsOf(const QString &list)
 {
@@ -52,8 +45,8 @@ static std::vector<TemplateDialogRow> dialogRows()
         if (row == 0)
             rows.push_back({caption, {}, {}, true});
         else
-            rows.push_back({caption, itemsOf(settings::text(listName(row), settings::kTemplateKey)),
-                            settings::text(textName(row), settings::kTemplateKey), false});
+            rows.push_back(
+                {caption, itemsOf(settings::text(kLists, row)), settings::text(kTexts, row), false});
     }
     return rows;
 }
@@ -62,14 +55,14 @@ static std::vector<TemplateDialogRow> dialogRows()
 static void remember(int row, const QString &text)
 {
     constexpr qsizetype kMostItems = 11;
-    QString list = settings::text(listName(row), settings::kTemplateKey);
+    QString list = settings::text(kLists, row);
     if (!list.contains(text))
         list = text + u'|' + list;
     const QStringList items = itemsOf(list).mid(0, kMostItems);
     if (!items.isEmpty())
-        settings::setText(listName(row), items.join(u'|'), settings::kTemplateKey);
+        settings::setText(kLists, row, items.join(u'|'));
     if (!text.isEmpty())
-        settings::setText(textName(row), text, settings::kTemplateKey);
+        settings::setText(kTexts, row, text);
 }
 
 std::optional<XmlProject> askXmlProject(const QString &fileName)

@@ -111,7 +111,7 @@ void XmlReport::add(const XmlProject &project, std::span<const ReportedMark> mar
 {
     for (const ReportedMark &each : marks) {
         const AcDbObjectPointer<QuillnoteObj3> mark(each.id, AcDb::kForRead);
-        if (!mark || mark->displayMode == -1)
+        if (!mark || mark->displayMode == DisplayMode::hidden)
             continue;
         auto *const record = new TiXmlElement("oneRecord");
         m_root->LinkEndChild(record);
@@ -137,7 +137,7 @@ QString xmlReportPath(const QString &drawing)
 
 // The command -------------------------------------------------------------------------------------
 
-static const QString kHandedOver = QStringLiteral("Yun_tmpXmlFn");
+static constexpr settings::Text kHandedOver = u"Yun_tmpXmlFn";
 
 static bool writeDocument(const XmlReport &report, const QString &path)
 {

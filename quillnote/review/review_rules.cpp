@@ -147,7 +147,7 @@ std::optional<std::int16_t> statusOf(int control)
 
 AcDbExtents sheetWindow(const AcDbExtents &mark, int viewScale, bool besidePicture)
 {
-    const double share = (100 - (viewScale < 30 || viewScale > 90 ? 50 : viewScale)) / 100.0;
+    const double share = (100 - viewScale) / 100.0;
     const AcGeVector3d size = mark.maxPoint() - mark.minPoint();
     const AcGeVector3d margin(size.x * share, size.y * share, 0);
     const AcGeVector3d aside(besidePicture ? margin.x / 2 : 0.0, 0, 0);

@@ -53,6 +53,6 @@ struct ShownFeedback {
 int statusControl(std::int16_t status);
 std::optional<std::int16_t> statusOf(int control);
 
-/// What a sheet is zoomed to: the mark with the margin of "viewScale" (30 to 90, else 50) percent, moved
-/// aside when the mark's picture stands beside it.
+/// What a sheet is zoomed to: the mark with the margin of the setting "viewScale", moved aside
+/// when the mark's picture stands beside it.
 AcDbExtents sheetWindow(const AcDbExtents &mark, int viewScale, bool besidePicture);

@@ -15,7 +15,9 @@ void showMarksOf(AcDbDatabase &database, const QString &reviewer)
     if (his.empty())
         return;
     const std::unordered_set<AcDbObjectId> shown(his.begin(), his.end());
-    setDisplayModes(database, [&](AcDbObjectId id) { return std::int16_t(shown.contains(id) ? 0 : -1); });
+    setDisplayModes(database, [&](AcDbObjectId id) {
+        return shown.contains(id) ? DisplayMode::full : DisplayMode::hidden;
+    });
 }
 
 void QN3_ViewByName()
@@ -29,7 +31,7 @@ void QN3_ViewByName()
         return;
     const QString chosen = dialog.chosenName();
     if (chosen.isEmpty())
-        setAllMarksDisplayMode(database, 0);
+        setAllMarksDisplayMode(database, DisplayMode::full);
     else
         showMarksOf(database, chosen);
 }

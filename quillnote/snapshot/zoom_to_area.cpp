@@ -8,7 +8,7 @@
 
 AcDbExtents widenedArea(const AcDbExtents &area)
 {
-    const double share = settings::numberInRange(u"viewScale2", 10, 90, 20) / 100.0;
+    const double share = settings::number(u"viewScale2") / 100.0;
     const AcGeVector3d size = area.maxPoint() - area.minPoint();
     const AcGeVector3d margin(size.x * share, size.y * share, 0);
     return {area.minPoint() - margin, area.maxPoint() + margin};
@@ -16,7 +16,7 @@ AcDbExtents widenedArea(const AcDbExtents &area)
 
 AcDbExtents targetZoomWindow(const AcGePoint3d &corner1, const AcGePoint3d &corner2)
 {
-    const double share = (100 - settings::numberInRange(u"viewScale", 30, 90, 50)) / 100.0;
+    const double share = (100 - settings::number(u"viewScale")) / 100.0;
     const AcGeVector3d size = corner2 - corner1;
     const AcGeVector3d margin(std::abs(size.x) * share, std::abs(size.y) * share, 0);
     AcDbExtents window;

@@ -36,8 +36,8 @@ private:
 MarkDrawingSettings drawingSettings(const SetupValues &values)
 {
     MarkDrawingSettings drawn;
-    drawn.style = values.style;
-    drawn.BKstyle = values.BKstyle;
+    drawn.style = TargetStyle(values.style);
+    drawn.BKstyle = FrameStyle(values.BKstyle);
     drawn.autoTargetTextHeight = values.autoTargetTextHeight;
     drawn.autoFlagSize = values.autoFlagSize;
     drawn.showMarkText = values.showMarkText;
@@ -55,8 +55,8 @@ std::unique_ptr<SampleMark> newMark(const SetupValues &values, int color1, int c
     mark->suggestionName = values.name.isEmpty() ? QStringLiteral("姓名") : values.name;
     mark->color1 = static_cast<std::uint16_t>(color1);
     mark->color2 = static_cast<std::uint16_t>(color2);
-    mark->flagStyle = static_cast<std::int16_t>(values.BKstyle);
-    mark->targetStyle = static_cast<std::int16_t>(values.style);
+    mark->flagStyle = FrameStyle(values.BKstyle);
+    mark->targetStyle = TargetStyle(values.style);
     mark->textHeight = kTextHeight;
     mark->autoTextHeight = values.autoTargetTextHeight;
     return mark;
@@ -77,8 +77,8 @@ std::unique_ptr<SampleMark> leaderMark(const SetupValues &values, int color1, in
     auto mark = newMark(values, color1, color2);
     mark->markNumber = 2;
     mark->suggestionContent = QStringLiteral("引出文字");
-    mark->leaderMode = 1;
-    mark->targetStyle = 0;
+    mark->leaderMode = LeaderMode::leader;
+    mark->targetStyle = TargetStyle::none;
     mark->leaderEnds[0] = {-60, -75, 0};
     mark->leaderUsed[0] = true;
     mark->targetCorner1 = mark->targetCorner2 = mark->leaderEnds[0];

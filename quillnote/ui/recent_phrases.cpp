@@ -2,17 +2,14 @@
 
 #include "quillnote/frame/settings/settings.h"
 
-static QString settingName(int index)
-{
-    return QStringLiteral("savedNearTxt%1").arg(index);
-}
+static constexpr settings::Text kPhrases = u"savedNearTxt%d";
 
 // Stored from the oldest on, because that is how every program reads them: from the last to the first.
 QStringList recentPhrases()
 {
     QStringList texts;
     for (int i = kMostRecentPhrases - 1; i >= 0; --i) {
-        if (const QString text = settings::text(settingName(i)); !text.isEmpty())
+        if (const QString text = settings::text(kPhrases, i); !text.isEmpty())
             texts.append(text);
     }
     return texts;
@@ -29,5 +26,5 @@ void keepRecentPhrase(const QString &text)
     if (texts.size() > kMostRecentPhrases)
         texts.resize(kMostRecentPhrases);
     for (int i = 0; i < kMostRecentPhrases; ++i)
-        settings::setText(settingName(i), i < texts.size() ? texts[texts.size() - 1 - i] : QString());
+        settings::setText(kPhrases, i, i < texts.size() ? texts[texts.size() - 1 - i] : QString());
 }

@@ -77,11 +77,6 @@ enum Control : int {
 
 const QString kAutomaticHeight = QStringLiteral("0即为自动大小，REGEN后自动适应屏幕");
 
-int color(QStringView setting)
-{
-    return settings::numberInRange(setting, 1, 255, 2);
-}
-
 } // namespace
 
 template <std::size_t N>
@@ -106,8 +101,8 @@ static void choose(CSetup &dialog, const std::array<Choice, N> &choices, int val
 // The dialog -------------------------------------------------------------------------------------
 
 CSetup::CSetup(const SetupValues &start, QWidget *parent)
-    : CAcUiDialog(parent), m_form(std::make_unique<Ui::Setup>()), m_color1(color(u"color1")),
-      m_color2(color(u"color2"))
+    : CAcUiDialog(parent), m_form(std::make_unique<Ui::Setup>()), m_color1(settings::number(u"color1")),
+      m_color2(settings::number(u"color2"))
 {
     m_form->setupUi(this);
     setWindowTitle(QStringLiteral("评图标签[V%1]").arg(QStringLiteral("8.0")));
@@ -263,9 +258,9 @@ void CSetup::connectButtons()
     on(m_form->id1065, [this] { chooseTemplate(); });
 }
 
-void CSetup::chooseColor(QStringView setting, int &current)
+void CSetup::chooseColor(settings::Number setting, int &current)
 {
-    int index = color(setting);
+    int index = settings::number(setting);
     if (!acedSetColorDialog(index))
         return;
     settings::setNumber(setting, index);

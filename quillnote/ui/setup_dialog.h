@@ -1,6 +1,7 @@
 // The settings dialog. Values in, values out: the caller stores them.
 #pragma once
 
+#include "quillnote/frame/settings/settings_table.h"
 #include "quillnote/ui/setup_values.h"
 
 #include "host/acui/acuidialog.h"
@@ -35,7 +36,7 @@ private:
     void fill(const SetupValues &values);
     void watchChanges();
     void connectButtons();
-    void chooseColor(QStringView setting, int &color);
+    void chooseColor(settings::Number setting, int &color);
     void chooseTemplate();
     bool passwordsAgree();
     void checkHeight();

@@ -1,5 +1,6 @@
 #include "quillnote/ui/setup_values.h"
 
+#include "quillnote/entity/mark_styles.h"
 #include "quillnote/entity/password.h"
 #include "quillnote/frame/settings/settings.h"
 #include "quillnote/frame/settings/start_up_settings.h"
@@ -7,30 +8,25 @@
 #include "host/aced/edsysvar.h"
 #include "host/base/phrase_file.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 // Reading and storing ----------------------------------------------------------------------------
 
-static bool isOn(QStringView name)
+static bool isOn(settings::Number row)
 {
-    return settings::number(name) >= 1;
-}
-
-static int positive(QStringView name, int otherwise)
-{
-    const int value = settings::number(name);
-    return value > 0 ? value : otherwise;
+    return settings::number(row) >= 1;
 }
 
 SetupValues readSetup()
 {
     SetupValues values;
-    values.style = settings::numberInRange(u"style", 1, 6, 1);
-    values.BKstyle = settings::numberInRange(u"BKstyle", 100, 105, 103);
+    values.style = std::max(settings::number(u"style"), 1);
+    values.BKstyle = int(orBevel(FrameStyle(settings::number(u"BKstyle"))));
     values.name = settings::text(u"name");
-    values.textHeight = positive(u"textHeight", 1000);
-    values.textHeightPS = positive(u"textHeightPS", 10);
+    values.textHeight = settings::number(u"textHeight");
+    values.textHeightPS = settings::number(u"textHeightPS");
     values.useLayer = isOn(u"useLayer");
     values.layerName = values.useLayer ? settings::text(u"LayerName") : QString();
     values.noPlotLayer = isOn(u"noPlotLayer");
@@ -52,9 +48,9 @@ SetupValues readSetup()
 }
 
 /// With 0 the height suits the view; what the program uses stays until it looks.
-static void storeHeight(QStringView name, int height, int &copy)
+static void storeHeight(settings::Number row, int height, int &copy)
 {
-    settings::setNumber(name, height);
+    settings::setNumber(row, height);
     if (height > 0)
         copy = height;
 }

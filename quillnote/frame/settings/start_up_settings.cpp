@@ -8,17 +8,9 @@ StartUpSettings &startUpSettings()
     return copies;
 }
 
-static constexpr int kTextHeight = 1000;
-
-static int readTextHeight(QStringView name, int otherwise)
+static bool isOn(settings::Number row)
 {
-    const int stored = settings::number(name);
-    return stored > 0 ? stored : otherwise;
-}
-
-static bool isOn(QStringView name)
-{
-    return settings::number(name) >= 1;
+    return settings::number(row) >= 1;
 }
 
 void readStartUpSettings()
@@ -30,16 +22,16 @@ void readStartUpSettings()
                           (settings::number(u"SnapReview") != 0 ? StartUpSettings::kReviewFullView : 0);
     copies.autoFlagSize = isOn(u"autoFlagSize");
     copies.applyAll = isOn(u"applyAll");
-    copies.textHeight = readTextHeight(u"textHeight", kTextHeight);
-    copies.suitsTextHeight = settings::number(u"textHeight") <= 0;
-    copies.textHeightPS = readTextHeight(u"textHeightPS", 10);
+    copies.textHeight = settings::number(u"textHeight");
+    copies.suitsTextHeight = !settings::stored(u"textHeight");
+    copies.textHeightPS = settings::number(u"textHeightPS");
     copies.showMarkText = settings::number(u"NoDisplayText") != 1;
     copies.autoTargetTextHeight = settings::number(u"autoTargetTxtH") >= 0;
     copies.tickScale = 1.0;
-    copies.style = settings::numberInRange(u"style", -6, 6, 0);
-    copies.BKstyle = settings::numberInRange(u"BKstyle", 99, 105, 103);
-    copies.color1 = settings::numberInRange(u"color1", 1, 255, 2);
-    copies.color2 = settings::numberInRange(u"color2", 1, 255, 2);
+    copies.style = settings::number(u"style");
+    copies.BKstyle = settings::number(u"BKstyle");
+    copies.color1 = settings::number(u"color1");
+    copies.color2 = settings::number(u"color2");
     copies.viewDateTime = isOn(u"viewDateTime");
     copies.viewName = isOn(u"viewName");
     copies.viewFlag = isOn(u"viewFlag");

@@ -11,7 +11,7 @@
 /// Leader marks are made without one; refreshing gives them one.
 static bool hasNoSnapshot(const QuillnoteObj3 &mark)
 {
-    return mark.leaderMode == 1 && mark.snapEntityIds.empty() && mark.snapChecksum.isEmpty() &&
+    return hasTextBox(mark.leaderMode) && mark.snapEntityIds.empty() && mark.snapChecksum.isEmpty() &&
            mark.snapImage.isEmpty() && mark.fullImage.isEmpty();
 }
 
@@ -53,7 +53,7 @@ static std::map<AcDbObjectId, SpaceTargets> targetsBySpace(std::span<const AcDbO
     std::map<AcDbObjectId, SpaceTargets> spaces;
     for (std::size_t i = 0; i < marks.size(); ++i) {
         const AcDbObjectPointer<QuillnoteObj3> mark(marks[i], AcDb::kForRead);
-        if (!mark || mark->targetStyle < 0)
+        if (!mark || isNegative(mark->targetStyle))
             continue;
         if (hasNoSnapshot(*mark)) {
             ++result.withoutSnapshot;

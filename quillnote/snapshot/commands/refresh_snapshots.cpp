@@ -60,7 +60,7 @@ static bool takeSnapshot(AcDbObjectId id)
 {
     const QString fullView = captureFullView();
     AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForWrite);
-    const bool hasTarget = mark && mark->targetStyle >= 0;
+    const bool hasTarget = mark && !isNegative(mark->targetStyle);
     if (hasTarget)
         storeTarget(*mark, fullView);
     QByteArray picture = takeTemporaryPicture(fullView);

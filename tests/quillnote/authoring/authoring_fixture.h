@@ -35,8 +35,8 @@ struct AuthoringTest : testing::Test {
         installPasswordPrompt();
         passwordState().reset();
         startUpSettings().reset();
-        for (const QStringView name : {u"useLayer", u"noPlotLayer"})
-            settings::setNumber(name, 0);
+        settings::setNumber(u"useLayer", 0);
+        settings::setNumber(u"noPlotLayer", 0);
         settings::setText(u"LayerName", u"");
         settings::setText(u"chPwMD5", u"");
         settings::setText(u"name", u"张工");
@@ -70,13 +70,22 @@ struct AuthoringTest : testing::Test {
         EXPECT_TRUE(script.isUsedUp()) << qPrintable(command);
         return script.printed;
     }
+    /// The command says this and changes nothing, also no undo step.
+    void expectRefused(const QString &command, const QStringList &answers, const QString &said,
+                       const QStringList &dialogLines = {}) const
+    {
+        closeStep();
+        const auto before = tests::wholeDrawing(database());
+        const std::size_t position = database().undo().position();
+        EXPECT_TRUE(run(command, answers, dialogLines).contains(said)) << qPrintable(command + said);
+        EXPECT_EQ(tests::wholeDifference(before, tests::wholeDrawing(database())), QStringList());
+        EXPECT_EQ(database().undo().position(), position) << qPrintable(command + said);
+    }
     /// The command is one step: undo brings the whole drawing back, redo its result.
     QString runAndBack(const QString &command, const QStringList &answers = {},
                        const QStringList &dialogLines = {}) const
     {
         closeStep();
-        // What the test itself changed so far is a step of its own.
-        AcDbUndoGroup(database(), QString());
         const auto before = tests::wholeDrawing(database());
         const std::size_t position = database().undo().position();
         const QString printed = run(command, answers, dialogLines);

@@ -161,9 +161,9 @@ TEST_F(AuthoringTest, ALeaderMarkHasItsTextBesideTheEndOfTheLeader)
             request.corner2 = toView.inverse() * AcGePoint3d(x, 50, 0);
             request.opinionText = QString(85, QLatin1Char('m'));
             AcDbObjectPointer<QuillnoteObj3> mark(createMark(database(), request), AcDb::kForRead);
-            EXPECT_EQ(mark->leaderMode, 1);
-            EXPECT_EQ(mark->targetStyle, 0);
-            EXPECT_EQ(mark->flagStyle, 104);
+            EXPECT_EQ(mark->leaderMode, LeaderMode::leader);
+            EXPECT_EQ(mark->targetStyle, TargetStyle::none);
+            EXPECT_EQ(mark->flagStyle, FrameStyle::thinWaves);
             EXPECT_TRUE(mark->leaderUsed[0] && !mark->leaderUsed[1]);
             EXPECT_TRUE(mark->targetCorner1.isEqualTo(request.corner1, 1e-9));
             EXPECT_TRUE(mark->targetCorner2.isEqualTo(request.corner1, 1e-9));
@@ -272,22 +272,12 @@ TEST_F(AuthoringTest, ACopyGetsAnIdentityOfItsOwn)
     EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(original, AcDb::kForRead)->GUID, guid);
 }
 
-TEST_F(AuthoringTest, EditingCountsAndAsksForThePassword)
+TEST_F(AuthoringTest, EditingCounts)
 {
-    settings::setText(u"chPwMD5", hashPassword(QStringLiteral("open")));
     const AcDbObjectId id = make(QStringLiteral("Li"), QStringLiteral("old"));
-    {
-        tests::ScriptFrontEnd script({}, {"set 1032 \"wrong\"", "click 1"});
-        editMark(id);
-        EXPECT_TRUE(script.isUsedUp());
-    }
-    EXPECT_EQ(AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->suggestionContent, "old");
-    {
-        tests::ScriptFrontEnd script({}, {"set 1032 \" open \"", "click 1", "set 1003 \"new\"", "ok"});
-        editMark(id);
-        EXPECT_TRUE(script.isUsedUp());
-    }
-    AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
+    tests::ScriptFrontEnd script({}, {"set 1003 \"new\"", "ok"});
+    editMark(id);
+    const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
     EXPECT_EQ(mark->suggestionContent, "new");
     EXPECT_EQ(mark->editVersion, 2);
 }

@@ -11,7 +11,7 @@ TEST_F(AuthoringTest, ALeaderCommandMakesALeaderMarkAndNoSnapshot)
             settings::setText(u"name", u"李工");
             runAndBack(QStringLiteral("QN3_QuillnoteLeader"), {"10,20", end}, {"set 1003 \"净高\"", "ok"});
             const AcDbObjectPointer<QuillnoteObj3> mark(collectMarks(database()).ids.back(), AcDb::kForRead);
-            EXPECT_EQ(mark->leaderMode, 1);
+            EXPECT_EQ(mark->leaderMode, LeaderMode::leader);
             EXPECT_EQ(mark->leaderEnds[0], AcGePoint3d(10, 20, 0)) << "picked points are not sorted";
             EXPECT_EQ(mark->suggestionContent, QStringLiteral("净高"));
             EXPECT_EQ(mark->suggestionName, QStringLiteral("李工"));
@@ -54,8 +54,8 @@ TEST_F(AuthoringTest, AFreehandMarkHoldsWhatTheInkLibraryWrote)
     const std::int32_t words[] = {1600, 1000, 1, 2, 0, 0, 1600, 1000, 1, 1};
     EXPECT_EQ(mark->sketchData, QByteArray(reinterpret_cast<const char *>(words), sizeof words));
     EXPECT_EQ(temporary.entryList({QStringLiteral("QNS*")}), before);
-    EXPECT_EQ(mark->targetStyle, 0);
-    EXPECT_EQ(mark->flagStyle, 0);
+    EXPECT_EQ(mark->targetStyle, TargetStyle::none);
+    EXPECT_EQ(mark->flagStyle, FrameStyle::none);
     EXPECT_EQ(mark->weight, 5);
     EXPECT_EQ(mark->suggestionName, QStringLiteral("张工"));
     EXPECT_TRUE(mark->suggestionContent.isEmpty());

@@ -3,7 +3,6 @@
 
 #include "quillnote/authoring/polygon_mark.h"
 
-#include "host/acdb/dbsymtb.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 
 namespace
@@ -41,9 +40,9 @@ TEST_F(AddLeaderTest, AFlagMarkBecomesALeaderMark)
     EXPECT_TRUE(script.prompts[1].base.isEqualTo({5, -10, -3}, 1e-9)) << "the middle of the target";
     {
         const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-        EXPECT_EQ(mark->leaderMode, 1);
-        EXPECT_EQ(mark->targetStyle, 0);
-        EXPECT_EQ(mark->flagStyle, 105);
+        EXPECT_EQ(mark->leaderMode, LeaderMode::leader);
+        EXPECT_EQ(mark->targetStyle, TargetStyle::none);
+        EXPECT_EQ(mark->flagStyle, FrameStyle::thickWaves);
         EXPECT_NEAR(mark->textBoxCorner1.x, 0, 1e-9);
         EXPECT_LT(mark->textBoxCorner1.y, 10) << "below, by its lines";
         EXPECT_TRUE(mark->textBoxCorner3.isEqualTo({0, 10, 0}, 1e-9));
@@ -64,10 +63,7 @@ TEST_F(AddLeaderTest, SixteenLeadersAreAllThereIsRoomFor)
     const QString printed = runAndBack(QStringLiteral("addAleadLine"), answers + QStringList{"0,300"});
     EXPECT_TRUE(printed.contains(QStringLiteral("\n最多只能添加16根引线！")));
     EXPECT_EQ(leadersOf(id), 16) << "those before stay";
-    closeStep();
-    const std::size_t position = database().undo().position();
-    run(QStringLiteral("addAleadLine"), {"L", "0,300"});
-    EXPECT_EQ(database().undo().position(), position);
+    expectRefused(QStringLiteral("addAleadLine"), {"L", "0,300"}, QStringLiteral("最多只能添加16根引线"));
 }
 
 TEST_F(AddLeaderTest, FurtherLeadersOfAPolygonEndWhereTheyArePut)
@@ -78,7 +74,7 @@ TEST_F(AddLeaderTest, FurtherLeadersOfAPolygonEndWhereTheyArePut)
     const AcGePoint3d first = AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->leaderEnds[0];
     runAndBack(QStringLiteral("addAleadLine"), {"L", "30,300", ""});
     const AcDbObjectPointer<QuillnoteObj3> mark(id, AcDb::kForRead);
-    EXPECT_EQ(mark->targetStyle, 53) << "the outline stays";
+    EXPECT_EQ(mark->targetStyle, TargetStyle::thinPolygon) << "the outline stays";
     EXPECT_TRUE(mark->leaderEnds[0].isEqualTo(first, 1e-6));
     EXPECT_EQ(mark->leaderEnds[1], AcGePoint3d(30, 300, 0));
 }
@@ -87,23 +83,6 @@ TEST_F(AddLeaderTest, NothingChosenOrAnsweredChangesNothing)
 {
     make();
     make();
-    closeStep();
-    const std::size_t position = database().undo().position();
-    run(QStringLiteral("addAleadLine"), {""});
-    run(QStringLiteral("addAleadLine"), {"^C"});
-    run(QStringLiteral("addAleadLine"), {"ALL"});
-    run(QStringLiteral("addAleadLine"), {"L", ""});
-    EXPECT_EQ(database().undo().position(), position);
-}
-
-TEST_F(AddLeaderTest, LockedLayersKeepTheirMarks)
-{
-    settings::setNumber(u"useLayer", 1);
-    const AcDbObjectId id = make();
-    AcDbObjectPointer<AcDbLayerTableRecord>(
-        database().tableRecord(SymbolTable::layer, QStringLiteral("评图标签")), AcDb::kForWrite)
-        ->setIsLocked(true);
-    const QString printed = run(QStringLiteral("addAleadLine"), {"L", "30,300"});
-    EXPECT_TRUE(printed.contains(QStringLiteral("\n该评图标签无法修改：")));
-    EXPECT_EQ(leadersOf(id), 0);
+    for (const QStringList &answers : std::initializer_list<QStringList>{{""}, {"^C"}, {"ALL"}, {"L", ""}})
+        expectRefused(QStringLiteral("addAleadLine"), answers, {});
 }

@@ -54,7 +54,7 @@ TEST_F(NativeConversionTest, AMarkBecomesABlockReferenceWhereItStood)
     change(id, [](QuillnoteObj3 &mark) {
         mark.targetCorner1 = {5, 6, 0};
         mark.targetCorner2 = {905, 606, 0};
-        mark.targetStyle = 4;
+        mark.targetStyle = TargetStyle::bevel;
         mark.cornersValid = false;
         mark.color1 = 3;
         mark.textHeight = 20;
@@ -84,7 +84,7 @@ TEST_F(NativeConversionTest, AMarkBecomesABlockReferenceWhereItStood)
 
 TEST_F(NativeConversionTest, WhatMayNotGoStays)
 {
-    change(make(), [](QuillnoteObj3 &mark) { mark.displayMode = -1; });
+    change(make(), [](QuillnoteObj3 &mark) { mark.displayMode = DisplayMode::hidden; });
     change(make(), [](QuillnoteObj3 &mark) { mark.erasable = false; });
     change(make(), [](QuillnoteObj3 &mark) { mark.chPwMD5 = hashPassword(QStringLiteral("open")); });
     make();
@@ -110,7 +110,7 @@ TEST_F(NativeConversionTest, MarksOfSheetsStayOnTheirSheet)
 
 TEST_F(NativeConversionTest, MarksTooSmallToSeeKeepTheirOutline)
 {
-    change(make(), [](QuillnoteObj3 &mark) { mark.targetStyle = 2; });
+    change(make(), [](QuillnoteObj3 &mark) { mark.targetStyle = TargetStyle::thinWaves; });
     drawing->document().view().height = 1e6;
     EXPECT_EQ(convertMarks(database()).converted, 1U);
     EXPECT_TRUE(kinds(entities(QStringLiteral("*U1"))).contains(QStringLiteral("LWPOLYLINE")));

@@ -54,7 +54,7 @@ public:
 
     std::vector<AcGePoint3d> path;
     std::vector<int> vertices; ///< Of the mark that was shown, at each place; 0 for none.
-    std::vector<int> styles;
+    std::vector<TargetStyle> styles;
     bool isPainted = false;
 
 private:
@@ -63,7 +63,7 @@ private:
         const std::vector<const AcDbEntity *> shown = tracker.shown();
         const auto *const mark = shown.empty() ? nullptr : dynamic_cast<const QuillnoteObj3 *>(shown[0]);
         vertices.push_back(mark ? mark->vertexCount : 0);
-        styles.push_back(mark ? mark->targetStyle : 0);
+        styles.push_back(mark ? mark->targetStyle : TargetStyle::none);
         QImage image(200, 200, QImage::Format_RGB32);
         image.fill(Qt::black);
         const QImage empty = image;
@@ -103,14 +103,14 @@ TEST_F(PolygonMarkTest, OutlineAndTextBecomeOneMark)
                {"set 1003 \"门宽不足\"", "ok"});
     EXPECT_EQ(acedIntVar(QStringLiteral("OSMODE")), 35);
     const auto mark = onlyMark();
-    EXPECT_EQ(mark->targetStyle, 51);
+    EXPECT_EQ(mark->targetStyle, TargetStyle::thickPolygon);
     EXPECT_THAT(verticesOf(*mark), ElementsAre(AcGePoint3d(0, 0, 0), AcGePoint3d(100, 0, 0),
                                                AcGePoint3d(100, 80, 0), AcGePoint3d(0, 80, 0)));
     EXPECT_EQ(mark->targetCorner1, AcGePoint3d(0, 0, 0));
     EXPECT_EQ(mark->targetCorner2, AcGePoint3d(100, 80, 0));
     EXPECT_TRUE(mark->targetCorner4.isEqualTo({100, 0, 0}, 1e-9));
-    EXPECT_EQ(mark->leaderMode, 1);
-    EXPECT_EQ(mark->flagStyle, 104);
+    EXPECT_EQ(mark->leaderMode, LeaderMode::leader);
+    EXPECT_EQ(mark->flagStyle, FrameStyle::thinWaves);
     EXPECT_EQ(mark->suggestionContent, QStringLiteral("门宽不足"));
     EXPECT_EQ(mark->suggestionName, QStringLiteral("张工"));
     EXPECT_EQ(mark->markNumber, 1);
@@ -134,13 +134,13 @@ TEST_F(PolygonMarkTest, AnOutlineWithoutTextIsFinished)
     const auto opened = marks();
     ASSERT_EQ(opened.size(), 3U);
     const QuillnoteObj3 &spline = **opened[1];
-    EXPECT_EQ(spline.targetStyle, 54);
+    EXPECT_EQ(spline.targetStyle, TargetStyle::thinSpline);
     EXPECT_EQ(spline.vertexCount, 3) << "it closes by itself";
-    EXPECT_EQ(spline.leaderMode, 0);
+    EXPECT_EQ(spline.leaderMode, LeaderMode::flag);
     EXPECT_EQ(spline.markNumber, 2);
     EXPECT_EQ(spline.suggestionName, QStringLiteral("张工"));
     EXPECT_EQ((*opened[2])->markNumber, 3);
-    EXPECT_EQ((*opened[2])->targetStyle, 53);
+    EXPECT_EQ((*opened[2])->targetStyle, TargetStyle::thinPolygon);
     EXPECT_EQ(readLastMarkNumber(database()), 3);
 }
 
@@ -196,9 +196,9 @@ TEST_F(PolygonMarkTest, TwoVerticesTakeNoText)
     runAndBack(QStringLiteral("QN3_PolygonMarkJig"), {"0,0", "50,0", "", "90,90"}, {"set 1003 \"x\"", "ok"});
     const auto opened = marks();
     ASSERT_EQ(opened.size(), 2U);
-    EXPECT_EQ((*opened[0])->leaderMode, 0);
+    EXPECT_EQ((*opened[0])->leaderMode, LeaderMode::flag);
     EXPECT_EQ((*opened[0])->markNumber, 2);
-    EXPECT_EQ((*opened[1])->leaderMode, 1);
+    EXPECT_EQ((*opened[1])->leaderMode, LeaderMode::leader);
     EXPECT_EQ((*opened[1])->markNumber, 1);
 }
 
@@ -208,7 +208,7 @@ TEST_F(PolygonMarkTest, ThePolygonCommandMakesAFinishedMark)
     run(QStringLiteral("LINE"), {"20,40", "60,40", ""});
     runAndBack(QStringLiteral("QN3_PolygonMark"), {"0,0", "100,0,7", "100,80", ""});
     const auto mark = onlyMark();
-    EXPECT_EQ(mark->targetStyle, 51);
+    EXPECT_EQ(mark->targetStyle, TargetStyle::thickPolygon);
     EXPECT_EQ(mark->vertexCount, 3);
     EXPECT_EQ(mark->vertices[1], AcGePoint3d(100, 0, 0));
     EXPECT_EQ(mark->targetCorner2, AcGePoint3d(100, 80, 0));
@@ -285,10 +285,10 @@ TEST_F(PolygonMarkTest, TheOutlineFollowsTheCursor)
     // The place of the cursor is one vertex more than those accepted, however far it moved.
     EXPECT_THAT(front.vertices, ElementsAre(2, 2, 2, 3, 3, 3, 4, 4, 4, 3, 3, 3))
         << "the outline stays while the place of the text is asked";
-    EXPECT_THAT(std::span(front.styles).first(9), testing::Each(53));
+    EXPECT_THAT(std::span(front.styles).first(9), testing::Each(TargetStyle::thinPolygon));
     EXPECT_TRUE(front.isPainted);
     const auto mark = onlyMark();
-    EXPECT_EQ(mark->targetStyle, 51);
+    EXPECT_EQ(mark->targetStyle, TargetStyle::thickPolygon);
     EXPECT_THAT(verticesOf(*mark),
                 ElementsAre(AcGePoint3d(0, 0, 0), AcGePoint3d(100, 0, 0), AcGePoint3d(100, 80, 0)));
     EXPECT_EQ(mark->targetCorner2, AcGePoint3d(100, 80, 0)) << "what was hovered over is forgotten";

@@ -22,17 +22,22 @@ static OutlineRecord target(const AcGePoint3d &corner1, const AcGePoint3d &corne
 TEST(LeaderAttachment, RectanglesOfferTwelvePoints)
 {
     const OutlineRecord mark = target({0, 0, 0}, {30, 60, 0});
-    const auto attached = [&](const AcGePoint3d &from) { return attachLeaders(2, 2, mark, true, from); };
+    const auto attached = [&](const AcGePoint3d &from) {
+        return attachLeaders(TargetStyle::thinWaves, TargetStyle::thinWaves, mark, true, from);
+    };
     expectNear(attached({0, -9, 0}), {6, 0, 0});
     expectNear(attached({11, -9, 0}), {10, 0, 0});
     expectNear(attached({99, -9, 0}), {30, 12, 0});
     expectNear(attached({15, 90, 0}), {15, 60, 0});
     expectNear(attached({-9, 19, 0}), {0, 20, 0});
     expectNear(attached({12.5, -9, 0}), {10, 0, 0}); // As near as the middle, and asked before.
-    expectNear(attachLeaders(2, 6, mark, true, {11, -9, 0}), {15, 0, 0});
-    expectNear(attachLeaders(2, 6, mark, true, {-99, 30, 0}), {0, 30, 0});
-    EXPECT_FALSE(attachLeaders(0, 0, mark, true, {99, 0, 0})) << "no outline";
-    EXPECT_FALSE(attachLeaders(2, 2, mark, false, {99, 0, 0})) << "no leader";
+    expectNear(attachLeaders(TargetStyle::thinWaves, TargetStyle::thickWaveEllipse, mark, true, {11, -9, 0}),
+               {15, 0, 0});
+    expectNear(attachLeaders(TargetStyle::thinWaves, TargetStyle::thickWaveEllipse, mark, true, {-99, 30, 0}),
+               {0, 30, 0});
+    EXPECT_FALSE(attachLeaders(TargetStyle::none, TargetStyle::none, mark, true, {99, 0, 0})) << "no outline";
+    EXPECT_FALSE(attachLeaders(TargetStyle::thinWaves, TargetStyle::thinWaves, mark, false, {99, 0, 0}))
+        << "no leader";
 }
 
 TEST(LeaderAttachment, EndsLieOnTheTargetHoweverItIsSeen)
@@ -40,9 +45,13 @@ TEST(LeaderAttachment, EndsLieOnTheTargetHoweverItIsSeen)
     // Turned by a quarter: the world's x runs upwards, the lower side is x = 0.
     OutlineRecord mark;
     mark.target = {.corner1 = {0, 60, 0}, .corner2 = {30, 0, 0}, .corner3 = {30, 60, 0}, .corner4 = {}};
-    expectNear(attachLeaders(2, 2, mark, true, {-9, 55, 0}), {0, 48, 0});
-    expectNear(attachLeaders(3, 3, mark, true, {-9, 40, 0}), {0, 30, 0});
-    expectNear(attachLeaders(1, 1, mark, true, {-9, 40, 0}), {0, 30, 0});
+    expectNear(attachLeaders(TargetStyle::thinWaves, TargetStyle::thinWaves, mark, true, {-9, 55, 0}),
+               {0, 48, 0});
+    expectNear(
+        attachLeaders(TargetStyle::thinWaveEllipse, TargetStyle::thinWaveEllipse, mark, true, {-9, 40, 0}),
+        {0, 30, 0});
+    expectNear(attachLeaders(TargetStyle::ellipse, TargetStyle::ellipse, mark, true, {-9, 40, 0}),
+               {0, 30, 0});
 }
 
 TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)
@@ -53,14 +62,18 @@ TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)
     OutlineRecord mark;
     mark.vertices = notched;
     const AcGePoint3d middle(26.0 / 5, 5, 0);
-    expectNear(attachLeaders(51, 51, mark, true, {99, 5, 0}), {6, 5, 0});
-    expectNear(attachLeaders(53, 53, mark, true, {-10, 5, 0}), {0, 5, 0});
-    EXPECT_FALSE(attachLeaders(51, 51, mark, true, {3, 5, 0})) << "the reference point is inside";
-    EXPECT_FALSE(attachLeaders(51, 51, mark, true, middle));
+    expectNear(attachLeaders(TargetStyle::thickPolygon, TargetStyle::thickPolygon, mark, true, {99, 5, 0}),
+               {6, 5, 0});
+    expectNear(attachLeaders(TargetStyle::thinPolygon, TargetStyle::thinPolygon, mark, true, {-10, 5, 0}),
+               {0, 5, 0});
+    EXPECT_FALSE(attachLeaders(TargetStyle::thickPolygon, TargetStyle::thickPolygon, mark, true, {3, 5, 0}))
+        << "the reference point is inside";
+    EXPECT_FALSE(attachLeaders(TargetStyle::thickPolygon, TargetStyle::thickPolygon, mark, true, middle));
 
     const std::array<AcGePoint3d, 4> square{{{10, 0, 0}, {0, 10, 0}, {-10, 0, 0}, {0, -10, 0}}};
     mark.vertices = square;
-    const auto end = attachLeaders(52, 52, mark, true, {30, 40, 0});
+    const auto end =
+        attachLeaders(TargetStyle::thickSpline, TargetStyle::thickSpline, mark, true, {30, 40, 0});
     ASSERT_TRUE(end);
     EXPECT_NEAR(end->x * 40, end->y * 30, 1e-7) << "on the line";
     double off = 1e9;
@@ -70,7 +83,7 @@ TEST(LeaderAttachment, PolygonsAndSplinesAreMetFromTheirMiddle)
     EXPECT_LT(off, 2e-3) << "on the curve";
 
     mark.vertices = std::span(square).first(1);
-    EXPECT_FALSE(attachLeaders(51, 51, mark, true, {99, 5, 0}));
+    EXPECT_FALSE(attachLeaders(TargetStyle::thickPolygon, TargetStyle::thickPolygon, mark, true, {99, 5, 0}));
 }
 
 TEST(LeaderAttachment, EndsSnapToBumps)

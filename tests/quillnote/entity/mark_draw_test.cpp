@@ -37,7 +37,7 @@ struct MarkDrawTest : testing::Test {
     AcDbObjectId append(Change change) const
     {
         auto mark = std::make_unique<QuillnoteObj3>();
-        mark->targetStyle = 4;
+        mark->targetStyle = TargetStyle::bevel;
         mark->targetCorner2 = {120, 60, 0};
         mark->textHeight = 6;
         mark->suggestionContent = QStringLiteral("门宽不足");
@@ -87,8 +87,8 @@ TEST_F(MarkDrawTest, APassDrawsTextOutlineAndFlagInTheirColours)
 TEST_F(MarkDrawTest, APassLeavesTracesOnlyInWhatIsNotFiled)
 {
     const AcDbObjectId id = append([](QuillnoteObj3 &mark) {
-        mark.targetStyle = 2;
-        mark.leaderMode = 1;
+        mark.targetStyle = TargetStyle::thinWaves;
+        mark.leaderMode = LeaderMode::leader;
         mark.textBoxCorner1 = {200, 100, 0};
         mark.textBoxCorner2 = {300, 120, 0};
         mark.leaderUsed[0] = true;
@@ -108,7 +108,7 @@ TEST_F(MarkDrawTest, APassLeavesTracesOnlyInWhatIsNotFiled)
 
 TEST_F(MarkDrawTest, HiddenMarksDrawNothingAnywhere)
 {
-    const AcDbObjectId id = append([](QuillnoteObj3 &mark) { mark.displayMode = -1; });
+    const AcDbObjectId id = append([](QuillnoteObj3 &mark) { mark.displayMode = DisplayMode::hidden; });
     EXPECT_EQ(draw(id), QStringList());
     EXPECT_TRUE(drawnMarks(*id.database()).empty());
     tests::Recorder recorder;
@@ -120,9 +120,9 @@ TEST_F(MarkDrawTest, HiddenMarksDrawNothingAnywhere)
 TEST_F(MarkDrawTest, ADraggedThickWaveIsDrawnAsArcsForOnePass)
 {
     const AcDbObjectId id = append([](QuillnoteObj3 &mark) {
-        mark.targetStyle = 5;
-        mark.leaderMode = 1;
-        mark.flagStyle = 105;
+        mark.targetStyle = TargetStyle::thickWaves;
+        mark.leaderMode = LeaderMode::leader;
+        mark.flagStyle = FrameStyle::thickWaves;
         mark.textBoxCorner1 = {200, 100, 0};
         mark.textBoxCorner2 = {300, 120, 0};
     });
@@ -164,8 +164,8 @@ TEST_F(MarkDrawTest, ASketchIsDrawnEvenWhenShrunkAndGivesItsUpperLeftCorner)
     const std::int32_t numbers[] = {100, 100, 1, 2, 10, 20, 60, 70, 0x0000FF, 2};
     const QByteArray bytes(reinterpret_cast<const char *>(numbers), sizeof numbers);
     const AcDbObjectId id = append([&](QuillnoteObj3 &mark) {
-        mark.targetStyle = 0;
-        mark.displayMode = 1;
+        mark.targetStyle = TargetStyle::none;
+        mark.displayMode = DisplayMode::shrunk;
         mark.targetCorner2 = {200, 100, 0};
         mark.sketchData = bytes;
     });

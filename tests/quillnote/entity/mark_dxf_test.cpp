@@ -113,7 +113,7 @@ TEST_F(MarkDxf, WhatIsTooMuchOrUnknownIsSkipped)
     EXPECT_EQ(differingMarkFields(mark, clean), QStringList());
 }
 
-TEST_F(MarkDxf, OfOtherCodesTheLastCountsAndRangesAreSettled)
+TEST_F(MarkDxf, OfOtherCodesTheLastCountsAndRangesAreRepaired)
 {
     ResbufList groups = tests::dxfGroups();
     std::erase_if(groups, [](const resbuf &g) { return g.restype == 14; });

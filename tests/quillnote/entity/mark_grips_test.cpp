@@ -27,13 +27,13 @@ protected:
             view.viewport.twist = GetParam();
         settings.textHeight = 4;
         settings.textHeightPS = 2;
-        settings.BKstyle = 99;
+        settings.BKstyle = FrameStyle(99);
         shape.target = rectangle(0, 0, 120, 60);
         shape.flagPoint = world(0, -6);
         shape.xDirection = view.viewport.getEyeToWorldTransform() * AcGeVector3d::kXAxis;
         shape.textHeight = 6;
         shape.textLength = 4;
-        settle();
+        placeFlag();
     }
     AcGePoint3d world(double x, double y) const
     {
@@ -48,18 +48,18 @@ protected:
         return {world(left, bottom), world(right, top), world(left, top), world(right, bottom)};
     }
     /// Where drawing puts the flag of this target.
-    void settle()
+    void placeFlag()
     {
         const auto mark = QuillnoteObj3::forReading();
-        mark->leaderMode = 0;
-        shape.textBox = shape.leaderMode ? shape.textBox : shape.target;
+        mark->leaderMode = LeaderMode::flag;
+        shape.textBox = hasTextBox(shape.leaderMode) ? shape.textBox : shape.target;
         applyMarkShape(*mark, shape);
         shape.flagPoint = layOutMark(*mark, settings, view).writeBack.flagPoint;
     }
     /// A box of 100 x 20 with two leaders; slot 3 is the second one.
     void makeLeaderMark()
     {
-        shape.leaderMode = 1;
+        shape.leaderMode = LeaderMode::leader;
         shape.textBox = rectangle(200, 100, 300, 120);
         shape.leaderUsed[0] = shape.leaderUsed[3] = true;
         shape.leaderEnds[0] = world(120, 30);
@@ -95,10 +95,10 @@ TEST_P(MarkGrips, StandInTheirOrder)
     EXPECT_EQ(kinds(), "c0 c0 c1 c2 c3 f0 ");
     makeLeaderMark();
     EXPECT_EQ(kinds(), "c0 c0 c1 c2 c3 b0 w0 l0 l3 ");
-    shape.targetStyle = 51;
+    shape.targetStyle = TargetStyle::thickPolygon;
     shape.vertexCount = 3;
     EXPECT_EQ(kinds(), "v0 v1 v2 b0 w0 l0 l3 ");
-    shape.targetStyle = 0;
+    shape.targetStyle = TargetStyle::none;
     EXPECT_EQ(kinds(), "b0 w0 l0 l3 ");
     shape.hasSketch = true;
     EXPECT_EQ(kinds(), "s0 ");
@@ -123,7 +123,7 @@ TEST_P(MarkGrips, TheTargetStaysARectangle)
         const MarkShape moved = drag(row.grips, row.x, row.y);
         EXPECT_TRUE(isRectangle(moved.target, row.left, row.bottom, row.right, row.top))
             << row.grips.front() << ' ' << row.x << ' ' << row.y;
-        EXPECT_EQ(moved.targetStyle, 2);
+        EXPECT_EQ(moved.targetStyle, TargetStyle::thinWaves);
     }
 }
 
@@ -140,11 +140,11 @@ TEST_P(MarkGrips, ATargetThatIsAskewInTheViewIsMadeStraight)
 
 TEST_P(MarkGrips, AFlagThatIsDraggedAwayBecomesALeaderMark)
 {
-    EXPECT_EQ(drag({5}, 0, -5.9).leaderMode, 0);
+    EXPECT_EQ(drag({5}, 0, -5.9).leaderMode, LeaderMode::flag);
     const double x = 200;
     const MarkShape moved = drag({5}, x, 0);
-    EXPECT_EQ(moved.leaderMode, 1);
-    EXPECT_EQ(moved.flagStyle, 103);
+    EXPECT_EQ(moved.leaderMode, LeaderMode::leader);
+    EXPECT_EQ(moved.flagStyle, FrameStyle::bevel);
     EXPECT_TRUE(moved.leaderUsed[0]);
     const AcGePoint3d flag = view.viewport.getWorldToEyeTransform() * moved.flagPoint;
     EXPECT_TRUE(isRectangle(moved.textBox, flag.x, flag.y - 4, flag.x + 15, flag.y)) << "five letters of 3";
@@ -159,10 +159,10 @@ TEST_P(MarkGrips, AFlagThatIsDraggedAwayBecomesALeaderMark)
 TEST_P(MarkGrips, ATextBoxThatComesBackBecomesAFlag)
 {
     makeLeaderMark();
-    EXPECT_EQ(drag({5}, 1, 1).leaderMode, 1) << "a small move is no way back";
-    EXPECT_EQ(drag({5}, -300, -120).leaderMode, 1);
+    EXPECT_EQ(drag({5}, 1, 1).leaderMode, LeaderMode::leader) << "a small move is no way back";
+    EXPECT_EQ(drag({5}, -300, -120).leaderMode, LeaderMode::leader);
     const MarkShape back = drag({5}, -203, -118);
-    EXPECT_EQ(back.leaderMode, 0) << "near corner 1";
+    EXPECT_EQ(back.leaderMode, LeaderMode::flag) << "near corner 1";
     EXPECT_FALSE(back.leaderUsed[0]);
     EXPECT_TRUE(back.leaderUsed[3]);
     EXPECT_TRUE(isRectangle(drag({5}, -20, 30).textBox, 180, 130, 280, 150));
@@ -191,16 +191,17 @@ TEST_P(MarkGrips, ALeaderMarkWithoutTargetKeepsItsLeaders)
 {
     makeLeaderMark();
     const MarkShape bare = drag({1}, 120, 60);
-    EXPECT_EQ(bare.targetStyle, 0);
+    EXPECT_EQ(bare.targetStyle, TargetStyle::none);
     EXPECT_EQ(bare.leaderUsed, shape.leaderUsed);
-    EXPECT_EQ(drag({1}, 119, 60).targetStyle, 2);
-    shape.leaderMode = 0;
-    EXPECT_EQ(drag({1}, 120, 60).targetStyle, 2) << "a flag mark has nothing but its outline";
+    EXPECT_EQ(drag({1}, 119, 60).targetStyle, TargetStyle::thinWaves);
+    shape.leaderMode = LeaderMode::flag;
+    EXPECT_EQ(drag({1}, 120, 60).targetStyle, TargetStyle::thinWaves)
+        << "a flag mark has nothing but its outline";
 }
 
 TEST_P(MarkGrips, VerticesAndSketchesMove)
 {
-    shape.targetStyle = 53;
+    shape.targetStyle = TargetStyle::thinPolygon;
     shape.vertexCount = 3;
     shape.vertices[1] = world(10, 10);
     const MarkShape moved = drag({1}, 3, 4);
@@ -210,7 +211,7 @@ TEST_P(MarkGrips, VerticesAndSketchesMove)
     shape.vertices[2] = world(0, 10);
     EXPECT_TRUE(isRectangle(drag({1}, 20, -7).target, 0, 0, 30, 10)) << "the target is around the vertices";
     EXPECT_TRUE(isRectangle(drag({1, 2}, 20, -17).target, 0, -7, 30, 0));
-    shape.targetStyle = 0;
+    shape.targetStyle = TargetStyle::none;
     shape.hasSketch = true;
     const MarkShape sketch = drag({0}, 3, 4);
     EXPECT_TRUE(isAt(sketch.target.corner1, 3, 4));
@@ -238,7 +239,7 @@ protected:
         std::unique_ptr<QuillnoteObj3> made = QuillnoteObj3::forReading();
         made->targetCorner2 = {120, 60, 0};
         made->textHeight = 6;
-        made->targetStyle = 4;
+        made->targetStyle = TargetStyle::bevel;
         settleMark(*made, *database);
         id = tests::append(*database, std::move(made));
     }
@@ -290,7 +291,7 @@ TEST_F(MarkGripEntity, ADraggedVertexIsToldToWhoKeepsWhatTheTargetHeld)
     });
     {
         const auto mark = open();
-        mark->targetStyle = 53;
+        mark->targetStyle = TargetStyle::thinPolygon;
         mark->vertexCount = 3;
         mark->vertices[1] = {60, 0, 0};
         mark->vertices[2] = {60, 80, 0};
@@ -310,7 +311,7 @@ TEST_F(MarkGripEntity, ABoxComesToRestAndItsGripsStandOnIt)
                                              "chapter 5 and tell the structural engineer.\r\n第二行");
     const int flag = 5;
     EXPECT_EQ(drag(*mark, flag, {300, 40, 0}), Acad::eOk);
-    ASSERT_EQ(mark->leaderMode, 1);
+    ASSERT_EQ(mark->leaderMode, LeaderMode::leader);
     const AcGeVector3d size = mark->textBoxCorner2 - mark->textBoxCorner1;
     EXPECT_GT(size.y, 2 * 1.25 * 6) << "it holds its lines";
     for (int i = 0; i < 7; ++i) {

@@ -27,7 +27,7 @@ static testing::AssertionResult isAt(const AcGePoint3d &point, const AcGePoint3d
 struct MarkLayoutTest : testing::Test {
     MarkLayoutTest()
     {
-        mark->targetStyle = 4;
+        mark->targetStyle = TargetStyle::bevel;
         mark->targetCorner2 = {120, 60, 0};
         mark->textHeight = 6;
         mark->suggestionContent = QStringLiteral("门宽不足");
@@ -39,7 +39,7 @@ struct MarkLayoutTest : testing::Test {
     /// The text box is 100 x 20 from (200, 100); one leader.
     void makeLeaderMark()
     {
-        mark->leaderMode = 1;
+        mark->leaderMode = LeaderMode::leader;
         mark->textBoxCorner1 = {200, 100, 0};
         mark->textBoxCorner2 = {300, 120, 0};
         mark->textBoxCorner3 = {200, 120, 0};
@@ -69,7 +69,7 @@ TEST_F(MarkLayoutTest, TheHintSaysWhatTheMarkIs)
     mark->suggestionName = QStringLiteral("张三");
     EXPECT_EQ(mark->subHint(), u"12.3  张三\n门宽不足\n（未答复）");
     EXPECT_FALSE(mark->subIsHidden());
-    mark->displayMode = -1;
+    mark->displayMode = DisplayMode::hidden;
     mark->feedbackType = -1;
     mark->feedbackContent = QStringLiteral("规范允许");
     mark->feedbackName = QStringLiteral("李四");
@@ -105,8 +105,8 @@ TEST_F(MarkLayoutTest, APassShowsWhatModeAndSettingsLetItShow)
     };
     makeLeaderMark();
     for (const Row &row : rows) {
-        mark->displayMode = std::int16_t(row.displayMode);
-        mark->leaderMode = std::int16_t(row.leaderMode);
+        mark->displayMode = DisplayMode(row.displayMode);
+        mark->leaderMode = LeaderMode(row.leaderMode);
         settings.showMarkText = row.showText;
         settings.viewFlag = row.viewFlag;
         view.textSuppressed = row.suppressed;
@@ -130,7 +130,7 @@ TEST_F(MarkLayoutTest, AnEmptyOpinionHasNoBox)
 
 TEST_F(MarkLayoutTest, MarksWithoutOutlineHaveAFlagOnlyWhenAskedFor)
 {
-    mark->targetStyle = 0;
+    mark->targetStyle = TargetStyle::none;
     EXPECT_FALSE(layOut().flag);
     settings.displayFlagWithFreehandDraw = true;
     EXPECT_TRUE(layOut().flag);
@@ -139,7 +139,7 @@ TEST_F(MarkLayoutTest, MarksWithoutOutlineHaveAFlagOnlyWhenAskedFor)
 TEST_F(MarkLayoutTest, ProgramsThatDoNotKnowMarksSeeSimplerOnes)
 {
     settings.viewFlag = false;
-    mark->targetStyle = 1;
+    mark->targetStyle = TargetStyle::ellipse;
     const MarkLayout ellipse = layOut(MarkPicture::proxy);
     EXPECT_TRUE(ellipse.outline.pieces.empty());
     EXPECT_FALSE(ellipse.outline.bumps.empty());
@@ -147,7 +147,7 @@ TEST_F(MarkLayoutTest, ProgramsThatDoNotKnowMarksSeeSimplerOnes)
     EXPECT_TRUE(ellipse.flag);
 
     makeLeaderMark();
-    mark->flagStyle = 105;
+    mark->flagStyle = FrameStyle::thickWaves;
     const MarkLayout leader = layOut(MarkPicture::proxy);
     EXPECT_TRUE(leader.frame.bumps.empty());
     EXPECT_EQ(leader.frame.pieces.size(), 1u);
@@ -157,10 +157,10 @@ TEST_F(MarkLayoutTest, ProgramsThatDoNotKnowMarksSeeSimplerOnes)
 
 TEST_F(MarkLayoutTest, WaveRectanglesHaveTheirFlagAtTheLeft)
 {
-    mark->targetStyle = 5;
+    mark->targetStyle = TargetStyle::thickWaves;
     EXPECT_TRUE(isAt(layOut().flag->outline[0], {0, 60, 0}));
     settings.applyAll = true;
-    settings.style = 4;
+    settings.style = TargetStyle::bevel;
     EXPECT_TRUE(isAt(layOut().flag->outline[0], {120, 60, 0})) << "by the outline that is drawn";
 }
 
@@ -191,7 +191,7 @@ TEST_F(MarkLayoutTest, FlagSizes)
     settings.textHeightPS = 4;
     view.flagScale = 2;
     for (const Row &row : rows) {
-        mark->leaderMode = row.leader;
+        mark->leaderMode = row.leader ? LeaderMode::leader : LeaderMode::flag;
         mark->textHeight = row.textHeight;
         settings.autoFlagSize = row.autoSize;
         settings.applyAll = row.applyAll;
@@ -230,7 +230,7 @@ TEST_F(MarkLayoutTest, TextHeights)
     settings.textHeight = 50;
     settings.textHeightPS = 4;
     for (const Row &row : rows) {
-        mark->leaderMode = row.leader;
+        mark->leaderMode = row.leader ? LeaderMode::leader : LeaderMode::flag;
         mark->textHeight = row.own;
         mark->autoTextHeight = row.automatic;
         settings.applyAll = row.applyAll;
@@ -412,7 +412,7 @@ TEST_F(MarkLayoutTest, LeadersStartAtTheCornerOnTheSideOfTheirEnd)
         AcGePoint3d start;
     };
     makeLeaderMark();
-    mark->targetStyle = 0; // Nothing to attach to: ends stay.
+    mark->targetStyle = TargetStyle::none; // Nothing to attach to: ends stay.
     mark->leaderUsed = {};
     mark->suggestionContent.clear();
     const Row rows[] = {
@@ -437,7 +437,7 @@ TEST_F(MarkLayoutTest, TheFirstLeaderFollowsTheTargetAndTouchesABump)
 {
     makeLeaderMark();
     EXPECT_TRUE(isAt(layOut().leaders.at(0).end, {120, 30, 0})) << "right side, its middle";
-    mark->targetStyle = 2;
+    mark->targetStyle = TargetStyle::thinWaves;
     const MarkLayout waves = layOut();
     const AcGePoint3d &end = waves.leaders.at(0).end;
     const auto &middles = waves.waveMiddles.slots();

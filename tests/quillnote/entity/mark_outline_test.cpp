@@ -30,14 +30,14 @@ OutlineRecord rectangleMark(double width, double height)
 MarkOutline outlineOf(const OutlineRecord &mark, int style, const OutlineView &view = {})
 {
     MarkOutline outline;
-    targetOutline(mark, view, style, outline);
+    targetOutline(mark, view, TargetStyle(style), outline);
     return outline;
 }
 
-MarkOutline frameOf(const OutlineRecord &mark, int flagStyle, const OutlineView &view = {})
+MarkOutline frameOf(const OutlineRecord &mark, FrameStyle style, const OutlineView &view = {})
 {
     MarkOutline outline;
-    textBoxFrame(mark, view, flagStyle, outline);
+    textBoxFrame(mark, view, style, outline);
     return outline;
 }
 
@@ -101,7 +101,7 @@ TEST(MarkOutline, BevelledRectangle)
     EXPECT_EQ(lines[1], u"5 fill [(0.707 -1.082)(11.082 -1.082)(11.082 9.293)(10.332 9.293)"
                         "(10.332 -0.332)(0.707 -0.332)]");
     EXPECT_EQ(lines[2], u"2 polyline (0 0) (10 0) (10 10) (0 10) (0 0)");
-    mark.displayMode = 1;
+    mark.displayMode = DisplayMode::shrunk;
     EXPECT_TRUE(outlineOf(mark, 4, {.drawUnit = 3}).isEmpty());
 }
 
@@ -147,7 +147,7 @@ TEST(MarkOutline, ProxiesAreClosedAndMadeOfFewBumps)
         for (const std::size_t vertices : {std::size_t(3), star.size()}) {
             mark.vertices = std::span(star).first(vertices);
             MarkOutline outline;
-            proxyOutline(mark, style, {}, outline);
+            proxyOutline(mark, TargetStyle(style), {}, outline);
             EXPECT_LE(outline.bumps.size(), 14u + (vertices > 14 ? 2u : 0u)) << style;
             ASSERT_GE(outline.bumps.size(), 4u) << style;
             EXPECT_TRUE(outline.bumps.front().a.isEqualTo(outline.bumps.back().b, 1e-6)) << style;
@@ -201,55 +201,60 @@ TEST(TextBoxFrame, Frames)
 {
     OutlineRecord mark = rectangleMark(40, 10);
     mark.textHeight = 8;
-    EXPECT_EQ(drawn(frameOf(mark, 100)), QStringList{"2 fill [(0 0)(40 0)(40 -0.25)(0 -0.25)(0 0)]"});
-    EXPECT_EQ(frameOf(mark, 101).bumps.size(), 10u);
-    EXPECT_EQ(drawn(frameOf(mark, 102)), QStringList{"2 polyline (0 0) (40 0) (40 10) (0 10) (0 0)"});
-    EXPECT_EQ(frameOf(mark, 104).bumps.size(), 12u);
-    EXPECT_TRUE(frameOf(mark, 104).thinWaves);
-    EXPECT_FALSE(frameOf(mark, 105).thinWaves);
-    EXPECT_EQ(frameOf(mark, 99).pieces, frameOf(mark, 103).pieces);
-    const QStringList bevel = drawn(frameOf(mark, 103));
+    EXPECT_EQ(drawn(frameOf(mark, FrameStyle::underline)),
+              QStringList{"2 fill [(0 0)(40 0)(40 -0.25)(0 -0.25)(0 0)]"});
+    EXPECT_EQ(frameOf(mark, FrameStyle::waveLine).bumps.size(), 10u);
+    EXPECT_EQ(drawn(frameOf(mark, FrameStyle::rectangle)),
+              QStringList{"2 polyline (0 0) (40 0) (40 10) (0 10) (0 0)"});
+    EXPECT_EQ(frameOf(mark, FrameStyle::thinWaves).bumps.size(), 12u);
+    EXPECT_TRUE(frameOf(mark, FrameStyle::thinWaves).thinWaves);
+    EXPECT_FALSE(frameOf(mark, FrameStyle::thickWaves).thinWaves);
+    EXPECT_EQ(frameOf(mark, FrameStyle(99)).pieces, frameOf(mark, FrameStyle::bevel).pieces);
+    const QStringList bevel = drawn(frameOf(mark, FrameStyle::bevel));
     ASSERT_EQ(bevel.size(), 3);
     EXPECT_EQ(bevel[0], u"2 polyline (0 0) (40 0) (40 10) (0 10) (0 0)");
     EXPECT_EQ(bevel[1], u"2 fill [(-1.828 2.828)(-1.828 11.828)(37.172 11.828)(37.172 13.828)"
                         "(-3.828 13.828)(-3.828 2.828)]");
     EXPECT_EQ(bevel[2], u"5 fill [(2.828 -3.828)(43.828 -3.828)(43.828 7.172)(41.828 7.172)"
                         "(41.828 -1.828)(2.828 -1.828)]");
-    mark.displayMode = 1;
+    mark.displayMode = DisplayMode::shrunk;
     for (int style = 100; style <= 105; ++style)
-        EXPECT_TRUE(frameOf(mark, style).isEmpty()) << style;
+        EXPECT_TRUE(frameOf(mark, FrameStyle(style)).isEmpty()) << style;
 }
 
 TEST(TextBoxFrame, WithoutTextHeightTheDrawingUnitCounts)
 {
     const OutlineRecord mark = rectangleMark(40, 10);
     const OutlineView view{.drawUnit = 8};
-    EXPECT_EQ(drawn(frameOf(mark, 100, view)), QStringList{"2 fill [(0 0)(40 0)(40 -1)(0 -1)(0 0)]"});
-    EXPECT_EQ(frameOf(mark, 101, view).bumps.size(), 10u);
-    EXPECT_EQ(frameOf(mark, 105, view).bumps.size(), 26u) << "2 x 10 and 2 x 3 of half a unit";
+    EXPECT_EQ(drawn(frameOf(mark, FrameStyle::underline, view)),
+              QStringList{"2 fill [(0 0)(40 0)(40 -1)(0 -1)(0 0)]"});
+    EXPECT_EQ(frameOf(mark, FrameStyle::waveLine, view).bumps.size(), 10u);
+    EXPECT_EQ(frameOf(mark, FrameStyle::thickWaves, view).bumps.size(), 26u)
+        << "2 x 10 and 2 x 3 of half a unit";
     OutlineRecord same = mark;
     same.textHeight = 8;
-    EXPECT_EQ(frameOf(mark, 103, view).points, frameOf(same, 103).points);
+    EXPECT_EQ(frameOf(mark, FrameStyle::bevel, view).points, frameOf(same, FrameStyle::bevel).points);
 }
 
 TEST(MarkDrawingSettings, WhatApplyAllReplaces)
 {
-    MarkDrawingSettings settings{.style = 6, .BKstyle = 104};
-    EXPECT_EQ(drawnTargetStyle(-3, settings), 3);
-    EXPECT_EQ(drawnFlagStyle(100, settings), 100);
-    EXPECT_EQ(drawnFlagStyle(0, settings), 103);
+    MarkDrawingSettings settings{.style = TargetStyle::thickWaveEllipse, .BKstyle = FrameStyle::thinWaves};
+    EXPECT_EQ(drawnTargetStyle(TargetStyle(-3), settings), TargetStyle::thinWaveEllipse);
+    EXPECT_EQ(drawnFrameStyle(FrameStyle::underline, settings), FrameStyle::underline);
+    EXPECT_EQ(drawnFrameStyle(FrameStyle::none, settings), FrameStyle::bevel);
     EXPECT_EQ(drawnColor1(7, settings, ColorRange::indexes), 7);
 
     settings.applyAll = true;
     for (const auto &[own, shown] : {std::pair(1, 6), {49, 6}, {-1, 6}, {-6, 6}, {0, 0}, {50, 50}, {53, 53}})
-        EXPECT_EQ(drawnTargetStyle(own, settings), shown) << own;
-    EXPECT_EQ(drawnFlagStyle(100, settings), 104);
-    settings.BKstyle = 99;
-    EXPECT_EQ(drawnFlagStyle(100, settings), 103);
-    settings.style = 0;
-    EXPECT_EQ(drawnTargetStyle(4, settings), 4) << "no outline is configured, so nothing is replaced";
-    settings.style = -2;
-    EXPECT_EQ(drawnTargetStyle(4, settings), 2);
+        EXPECT_EQ(drawnTargetStyle(TargetStyle(own), settings), TargetStyle(shown)) << own;
+    EXPECT_EQ(drawnFrameStyle(FrameStyle::underline, settings), FrameStyle::thinWaves);
+    settings.BKstyle = FrameStyle(99);
+    EXPECT_EQ(drawnFrameStyle(FrameStyle::underline, settings), FrameStyle::bevel);
+    settings.style = TargetStyle::none;
+    EXPECT_EQ(drawnTargetStyle(TargetStyle::bevel, settings), TargetStyle::bevel)
+        << "no outline is configured, so nothing is replaced";
+    settings.style = TargetStyle(-2);
+    EXPECT_EQ(drawnTargetStyle(TargetStyle::bevel, settings), TargetStyle::thinWaves);
 
     settings.color1 = 256;
     settings.color2 = 30;
@@ -267,7 +272,7 @@ TEST(MarkOutline, CompletesWhatARecordLeavesOut)
     registerMarkClass();
     const auto mark = QuillnoteObj3::forReading();
     mark->targetCorner2 = {10, 10, 0};
-    mark->targetStyle = -1;
+    mark->targetStyle = TargetStyle(-1);
     mark->vertexCount = 99;
     EXPECT_EQ(outlineRecord(*mark).vertices.size(), 16u);
     EXPECT_TRUE(outlineRecord(*mark).target.corner4.isEqualTo({10, 0, 0}));

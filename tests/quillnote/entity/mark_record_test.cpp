@@ -145,15 +145,15 @@ TEST_F(MarkRecord, ExtentsHoldWhatTheMarkShows)
     mark.targetCorner4 = {112, 100, 0};
     mark.leaderEnds[3] = {90, 90, 0};
     expectBox({100, 100, 0}, {112, 107, 0}, "a flag mark has no leaders");
-    mark.targetStyle = -2;
+    mark.targetStyle = TargetStyle(-2);
     expectBox({100, 100, 0}, {112, 107, 0}, "negative codes have an outline too");
-    mark.leaderMode = 1;
+    mark.leaderMode = LeaderMode::leader;
     mark.leaderUsed[3] = true;
     mark.leaderEnds[4] = {-1, -1, 0};
     mark.textBoxCorner1 = mark.textBoxCorner2 = mark.textBoxCorner3 = mark.textBoxCorner4 = {200, 101, 0};
-    mark.targetStyle = 0;
+    mark.targetStyle = TargetStyle::none;
     expectBox({90, 90, 0}, {200, 101, 0}, "no outline: box and used leaders");
-    mark.leaderMode = 0;
+    mark.leaderMode = LeaderMode::flag;
     expectBox({100, 100, 0}, {112, 107, 0}, "a sketch not drawn yet");
     mark.textEndPoint = AcGePoint3d(95, 80, 0);
     expectBox({95, 80, 0}, {95, 80, 0}, "the end of the text");
@@ -178,7 +178,7 @@ TEST_F(MarkRecord, TransformMovesWhatIsInUse)
     expectAt(mark.leaderEnds[1], {101, 201, 0}, "a free slot");
     expectAt(AcGePoint3d() + mark.xDirection, {-1, 0, 0});
 
-    mark.targetStyle = 5;
+    mark.targetStyle = TargetStyle::thickWaves;
     const AcGePoint3d vertex = mark.vertices[0];
     mark.transformBy(turn);
     EXPECT_EQ(mark.vertices[0], vertex) << "not a polygon";
@@ -188,7 +188,7 @@ TEST_F(MarkRecord, AMirroredMarkStandsUprightWhereItsMirrorImageIs)
 {
     for (const AcGeVector3d &line : {AcGeVector3d::kYAxis, AcGeVector3d::kXAxis}) {
         QuillnoteObj3 mark;
-        mark.targetStyle = 51;
+        mark.targetStyle = TargetStyle::thickPolygon;
         mark.vertexCount = 3;
         mark.vertices = {{{1, 1, 0}, {3, 1, 0}, {2, 2, 0}}};
         mark.targetCorner1 = {1, 1, 0};
@@ -205,8 +205,8 @@ TEST_F(MarkRecord, AMirroredMarkStandsUprightWhereItsMirrorImageIs)
 TEST_F(MarkRecord, AScaledTextBoxFitsItsText)
 {
     auto made = std::make_unique<QuillnoteObj3>();
-    made->targetStyle = 0;
-    made->leaderMode = 1;
+    made->targetStyle = TargetStyle::none;
+    made->leaderMode = LeaderMode::leader;
     made->textHeight = 6;
     made->suggestionContent = QStringLiteral("门宽不足");
     made->textBoxCorner2 = made->textBoxCorner4 = {100, 0, 0};

@@ -74,9 +74,9 @@ TEST_F(MarkStream, AnOldLeaderMarkGetsATextBoxOverItsTarget)
     QuillnoteObj3 mark;
     ASSERT_EQ(read(mark, tests::markStream(6, -4)), Acad::eOk);
     startUpSettings().reset();
-    EXPECT_EQ(mark.targetStyle, 0);
-    EXPECT_EQ(mark.leaderMode, 1);
-    EXPECT_EQ(mark.flagStyle, 105);
+    EXPECT_EQ(mark.targetStyle, TargetStyle::none);
+    EXPECT_EQ(mark.leaderMode, LeaderMode::leader);
+    EXPECT_EQ(mark.flagStyle, FrameStyle::thickWaves);
     EXPECT_EQ(mark.textBoxCorner1, AcGePoint3d(1, 2, 3));
     EXPECT_EQ(mark.textBoxCorner2, AcGePoint3d(4, 5, 0));
     EXPECT_EQ(mark.textBoxCorner3, AcGePoint3d(1, 5, 0));
@@ -125,7 +125,7 @@ TEST_F(MarkStream, EveryTruncationIsRefusedWithTheRowOfItsField)
                     .contains(QStringLiteral("@%1:").arg(markField(u"suggestionContent").row.line)));
 }
 
-TEST_F(MarkStream, ValuesOutOfRangeAreSettled)
+TEST_F(MarkStream, ValuesOutOfRangeAreRepaired)
 {
     struct Row {
         std::int16_t QuillnoteObj3::*field;
@@ -161,7 +161,7 @@ TEST_F(MarkStream, VerticesAreFiledOnlyForPolygonsWithTwo)
           std::tuple{2, 5, 0}}) {
         QuillnoteObj3 mark;
         const qsizetype without = written(mark).size();
-        mark.targetStyle = static_cast<std::int16_t>(style);
+        mark.targetStyle = TargetStyle(style);
         mark.vertexCount = static_cast<std::int16_t>(count);
         for (std::size_t i = 0; i < mark.vertices.size(); ++i)
             mark.vertices[i] = {double(i), 1, 2};

@@ -121,8 +121,8 @@ TEST(MarkDataFile, OlderVersionsAreUpgraded)
         EXPECT_EQ(mark.formatVersion, 7);
         EXPECT_FALSE(mark.cornersValid);
         // A leader mark of those days.
-        EXPECT_EQ(mark.leaderMode, 1);
-        EXPECT_EQ(mark.targetStyle, 0);
+        EXPECT_EQ(mark.leaderMode, LeaderMode::leader);
+        EXPECT_EQ(mark.targetStyle, TargetStyle::none);
         EXPECT_EQ(mark.textBoxCorner1, AcGePoint3d(1, 2, 3));
         EXPECT_EQ(mark.textBoxCorner2, AcGePoint3d(4, 5, 6));
         EXPECT_EQ(mark.textHeight, version == 4 ? 2.5 : 0.0);

@@ -91,7 +91,7 @@ static void setVertices(QuillnoteObj3 &mark, std::initializer_list<AcGePoint3d> 
 
 static void setTextBox(QuillnoteObj3 &mark, double left, double bottom, double right, double top)
 {
-    mark.leaderMode = 1;
+    mark.leaderMode = LeaderMode::leader;
     mark.textBoxCorner1 = {left, bottom, 0};
     mark.textBoxCorner2 = {right, top, 0};
     mark.textBoxCorner3 = {left, top, 0};
@@ -106,7 +106,7 @@ TEST_P(MarkOutlines, LookAsTheyDid)
 {
     const int style = GetParam();
     add({30, 50, 0}, 120, 70, [&](QuillnoteObj3 &mark) {
-        mark.targetStyle = std::int16_t(style);
+        mark.targetStyle = TargetStyle(style);
         mark.suggestionContent = QStringLiteral("门宽不足");
         if (style > 50)
             setVertices(mark, {{30, 50, 0}, {130, 60, 0}, {150, 100, 0}, {80, 120, 0}, {40, 105, 0}});
@@ -122,8 +122,8 @@ TEST_P(MarkFrames, LookAsTheyDid)
 {
     const int outline = GetParam() % 2 ? 5 : 51;
     add({20, 25, 0}, 90, 60, [&](QuillnoteObj3 &mark) {
-        mark.targetStyle = std::int16_t(outline);
-        mark.flagStyle = std::int16_t(GetParam());
+        mark.targetStyle = TargetStyle(outline);
+        mark.flagStyle = FrameStyle(GetParam());
         mark.suggestionContent = QStringLiteral("门宽不足\r\n改为 900");
         setTextBox(mark, 140, 100, 230, 140);
         if (outline == 51)
@@ -140,14 +140,14 @@ static void addOfEveryKind(const MarkPictures &pictures)
         {4, {20, 150, 0}}, {1, {160, 150, 0}}, {-6, {300, 150, 0}}, {51, {20, 40, 0}}};
     for (const auto &[style, corner] : places) {
         pictures.add(corner, 80, 50, [&, style = style, corner = corner](QuillnoteObj3 &mark) {
-            mark.targetStyle = std::int16_t(style);
+            mark.targetStyle = TargetStyle(style);
             mark.suggestionContent = QStringLiteral("门宽");
             setVertices(mark, {corner, corner + AcGeVector3d(80, 10, 0), corner + AcGeVector3d(50, 50, 0)});
         });
     }
     pictures.add({160, 40, 0}, 80, 50, [](QuillnoteObj3 &mark) {
-        mark.targetStyle = 4;
-        mark.flagStyle = 103;
+        mark.targetStyle = TargetStyle::bevel;
+        mark.flagStyle = FrameStyle::bevel;
         mark.suggestionContent = QStringLiteral("改为 900");
         setTextBox(mark, 290, 60, 370, 90);
     });
@@ -193,7 +193,7 @@ TEST_F(MarkPictures, NumbersSitInTheirFlags)
     double x = 12;
     for (const auto &[number, subNumber] : numbers) {
         add({x, 60, 0}, 10, 40, [&, n = number, sub = subNumber](QuillnoteObj3 &mark) {
-            mark.targetStyle = 4;
+            mark.targetStyle = TargetStyle::bevel;
             mark.markNumber = std::uint16_t(n);
             mark.subNumber = std::uint16_t(sub);
             mark.textHeight = 24;
@@ -204,7 +204,7 @@ TEST_F(MarkPictures, NumbersSitInTheirFlags)
     for (const int status : {handling::kNone, handling::kRefused, handling::kDisputed,
                              handling::kPartlyCorrected, handling::kCorrected}) {
         add({x, 10, 0}, 10, 30, [&](QuillnoteObj3 &mark) {
-            mark.targetStyle = 4;
+            mark.targetStyle = TargetStyle::bevel;
             mark.markNumber = std::uint16_t(5 + status);
             mark.textHeight = 24;
             mark.feedbackType = std::int16_t(status);
@@ -219,23 +219,23 @@ TEST_F(MarkPictures, ShrunkSignedAndTurned)
 {
     startUpSettings().viewName = true;
     add({10, 80, 0}, 60, 40, [](QuillnoteObj3 &mark) {
-        mark.targetStyle = 4;
-        mark.displayMode = 1;
+        mark.targetStyle = TargetStyle::bevel;
+        mark.displayMode = DisplayMode::shrunk;
         mark.suggestionContent = QStringLiteral("不显示");
     });
     add({110, 80, 0}, 100, 60, [](QuillnoteObj3 &mark) {
-        mark.targetStyle = 4;
+        mark.targetStyle = TargetStyle::bevel;
         mark.suggestionContent = QStringLiteral("文字较长的意见会按照靶框宽度换行显示");
         mark.suggestionName = QStringLiteral("Reviewer");
     });
     add({300, 40, 0}, 30, 80, [](QuillnoteObj3 &mark) {
-        mark.targetStyle = 5;
+        mark.targetStyle = TargetStyle::thickWaves;
         mark.xDirection = AcGeVector3d(0.8, 0.6, 0);
         mark.suggestionContent = QStringLiteral("转角");
     });
     add({10, 10, 0}, 60, 40, [](QuillnoteObj3 &mark) {
-        mark.targetStyle = 4;
-        mark.displayMode = -1;
+        mark.targetStyle = TargetStyle::bevel;
+        mark.displayMode = DisplayMode::hidden;
     });
     compare(400, 160, QStringLiteral("modes"));
 }
@@ -252,7 +252,7 @@ TEST_F(MarkPictures, SketchesShowEveryKindOfStroke)
                                     8,   110, 60, 145, 90, 0xC0C000, 1, //
                                     9,   155, 60, 190, 90, 0x8000FF, 1};
     add({10, 10, 0}, 200, 100, [&](QuillnoteObj3 &mark) {
-        mark.targetStyle = 0;
+        mark.targetStyle = TargetStyle::none;
         mark.sketchData = QByteArray(reinterpret_cast<const char *>(numbers), sizeof numbers);
     });
     // Plain entities show their widths only where weights are shown.

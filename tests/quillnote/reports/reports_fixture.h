@@ -73,14 +73,14 @@ struct ReportsTest : testing::Test {
         {
             AcDbObjectPointer<QuillnoteObj3> made(
                 mark(database, {}, handling::kPartlyCorrected, QStringLiteral("部分")), AcDb::kForWrite);
-            made->leaderMode = 1;
+            made->leaderMode = LeaderMode::leader;
             made->textBoxCorner1 = {30, 20, 0};
             made->textBoxCorner2 = {60, 40, 0};
         }
         mark(database, QStringLiteral("<script>alert(1)</script> \"引号\" & 'x'"), handling::kCorrected);
         mark(database, QStringLiteral("😀 m² Ø12"), handling::kRefused);
         AcDbObjectPointer<QuillnoteObj3>(mark(database, QStringLiteral("隐藏")), AcDb::kForWrite)
-            ->displayMode = -1;
+            ->displayMode = DisplayMode::hidden;
         AcDbObjectPointer<QuillnoteObj3>(mark(database, kLongText), AcDb::kForWrite)->sketchData =
             QByteArray("no sketch");
         acedMakeSpaceCurrent(drawing.document(), database.paperSpaceId());

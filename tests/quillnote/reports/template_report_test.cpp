@@ -100,11 +100,11 @@ TEST(TemplateFill, MarksSortByNumber)
 struct TemplateReportTest : ReportsTest {
     TemplateReportTest()
     {
-        for (const QStringView name : {u"tipList", u"fieldList"})
-            settings::setText(name, u"", settings::kTemplateKey);
+        settings::setText(u"tipList", u"");
+        settings::setText(u"fieldList", u"");
         for (int row = 0; row < 20; ++row) {
-            settings::setText(QStringLiteral("List%1").arg(row), u"", settings::kTemplateKey);
-            settings::setText(QStringLiteral("txt%1").arg(row), u"", settings::kTemplateKey);
+            settings::setText(u"List%d", row, u"");
+            settings::setText(u"txt%d", row, u"");
         }
         useTemplate(inCodePage(
             QStringLiteral("<p>$项目名称$ $文件名$</p>\r\n$开始重复$\r\n<li>$序号$ $校审意见$</li>\r\n"
@@ -115,7 +115,6 @@ struct TemplateReportTest : ReportsTest {
     {
         settings::setText(u"TempleteHTML", u' ' + folder.write(QStringLiteral("form.html"), bytes));
     }
-    static QString stored(QStringView name) { return settings::text(name, settings::kTemplateKey); }
 };
 
 TEST_F(TemplateReportTest, WritesASeriesOfReportsAndRemembersWhatWasTyped)
@@ -141,8 +140,8 @@ TEST_F(TemplateReportTest, WritesASeriesOfReportsAndRemembersWhatWasTyped)
     EXPECT_TRUE(
         fromCodePage(tests::readFile(folder.path(QStringLiteral("a#1_dwg_1.html")))).contains(u"泵站"));
     EXPECT_TRUE(QFileInfo::exists(folder.path(QStringLiteral("a#1_dwg_2.html"))));
-    EXPECT_EQ(stored(u"List1"), "泵站|泵房"); // "泵" stands in one of them.
-    EXPECT_EQ(stored(u"txt1"), "泵");
+    EXPECT_EQ(settings::text(u"List%d", 1), "泵站|泵房"); // "泵" stands in one of them.
+    EXPECT_EQ(settings::text(u"txt%d", 1), "泵");
     EXPECT_EQ(requests.size(), 3U);
 }
 
@@ -163,7 +162,7 @@ TEST_F(TemplateReportTest, AskingForTheTemplateAndGivingItUp)
         run({QString(), QString()}, {QStringLiteral("cancel"), QStringLiteral("ok")}).contains(u"放弃！"));
     EXPECT_FALSE(QFileInfo::exists(folder.path(QStringLiteral("p_dxf.html"))));
     EXPECT_FALSE(run({QStringLiteral("Y"), QStringLiteral("^C")}, {}).contains(u"已输出"));
-    EXPECT_EQ(stored(u"txt1"), "");
+    EXPECT_EQ(settings::text(u"txt%d", 1), "");
 }
 
 TEST_F(TemplateReportTest, TemplatesOfOtherEncodingsAreRefused)
@@ -206,17 +205,17 @@ TEST_F(TemplateReportTest, TextsArePickedFromTheDrawing)
     script.addDialogLine(QStringLiteral("click 1"));
     QN3_outputHtmlWithNoPng();
     EXPECT_TRUE(script.isUsedUp());
-    EXPECT_EQ(stored(u"txt1"), "图号 12\r\n前后");
-    EXPECT_EQ(stored(u"txt2"), "kept");
-    EXPECT_EQ(stored(u"txt3"), "");
+    EXPECT_EQ(settings::text(u"txt%d", 1), "图号 12\r\n前后");
+    EXPECT_EQ(settings::text(u"txt%d", 2), "kept");
+    EXPECT_EQ(settings::text(u"txt%d", 3), "");
 }
 
 TEST_F(TemplateReportTest, FieldsComeFromTheSettingsInPairs)
 {
     EXPECT_EQ(templateFields().size(), 10U);
     EXPECT_EQ(templateFields()[6].placeholder, "$设计日期$");
-    settings::setText(u"tipList", u" 甲, ,丙", settings::kTemplateKey);
-    settings::setText(u"fieldList", u"$甲$,", settings::kTemplateKey);
+    settings::setText(u"tipList", u" 甲, ,丙");
+    settings::setText(u"fieldList", u"$甲$,");
     const std::vector<TemplateField> fields = templateFields();
     ASSERT_EQ(fields.size(), 2U);
     EXPECT_EQ(fields[0].caption, "甲");
@@ -228,8 +227,8 @@ TEST_F(TemplateReportTest, FieldsComeFromTheSettingsInPairs)
     EXPECT_EQ(dialog.itemText(521), "不能空白！");
     EXPECT_EQ(dialog.texts(), (QStringList{QStringLiteral("t"), QStringLiteral("/p/a.dwg")}));
     EXPECT_FALSE(dialog.item(542)->isVisibleTo(&dialog));
-    settings::setText(u"tipList", QStringLiteral("x,").repeated(30), settings::kTemplateKey);
-    settings::setText(u"fieldList", QStringLiteral("y,").repeated(30), settings::kTemplateKey);
+    settings::setText(u"tipList", QStringLiteral("x,").repeated(30));
+    settings::setText(u"fieldList", QStringLiteral("y,").repeated(30));
     EXPECT_EQ(templateFields().size(), 20U);
 }
 

@@ -25,7 +25,7 @@ struct ReportTest : testing::Test {
         AcDbObjectPointer<QuillnoteObj3> made(createMark(database, request), AcDb::kForWrite);
         made->feedbackContent = feedback;
         made->feedbackType = status;
-        made->displayMode = -1;
+        made->displayMode = DisplayMode::hidden;
     }
     tests::TempDir folder;
 };

@@ -86,8 +86,8 @@ struct XmlCommandTest : ReportsTest {
     {
         settings::setText(u"Yun_tmpXmlFn", u"old");
         for (int row = 1; row <= 10; ++row) {
-            settings::setText(QStringLiteral("xmlList%1").arg(row), u"", settings::kTemplateKey);
-            settings::setText(QStringLiteral("xmlTxt%1").arg(row), u"", settings::kTemplateKey);
+            settings::setText(u"xmlList%d", row, u"");
+            settings::setText(u"xmlTxt%d", row, u"");
         }
     }
     QString path(const char *name) const { return folder.path(QString::fromLatin1(name)); }
@@ -105,8 +105,8 @@ TEST_F(XmlCommandTest, WritesBesideTheDrawingAndHandsOver)
     EXPECT_EQ(textsOf(first, QStringLiteral("fileName")), QStringList{QStringLiteral("plan.dwg")});
     EXPECT_TRUE(script.printed.contains(QStringLiteral("程序文件未找到，请重新安装CAD评图标签软件云模块！")));
     EXPECT_EQ(settings::text(u"Yun_tmpXmlFn"), QString()) << "nobody got it";
-    EXPECT_EQ(settings::text(u"xmlList1", settings::kTemplateKey), QStringLiteral("泵房"));
-    EXPECT_EQ(settings::text(u"xmlTxt1", settings::kTemplateKey), QStringLiteral("泵房"));
+    EXPECT_EQ(settings::text(u"xmlList%d", 1), QStringLiteral("泵房"));
+    EXPECT_EQ(settings::text(u"xmlTxt%d", 1), QStringLiteral("泵房"));
 
     // What was typed is offered again; an earlier document stays.
     tests::ScriptFrontEnd again({QString()}, {QStringLiteral("ok"), QStringLiteral("no")});

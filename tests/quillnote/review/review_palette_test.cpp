@@ -236,15 +236,15 @@ TEST_F(ReviewPaletteTest, DoubleClickDoesWhatTheSettingWants)
 TEST_F(ReviewPaletteTest, ViewByNameShowsOneReviewersMarks)
 {
     const auto modes = [this] {
-        std::vector<int> all;
+        std::vector<DisplayMode> all;
         for (const AcDbObjectId id : ids)
             all.push_back(AcDbObjectPointer<QuillnoteObj3>(id, AcDb::kForRead)->displayMode);
         return all;
     };
     run(QStringLiteral("QN3_ViewByName"), {}, {QStringLiteral("doubleclick 1063 李工")});
-    EXPECT_THAT(modes(), testing::ElementsAre(-1, 0, -1));
+    EXPECT_THAT(modes(), testing::ElementsAre(DisplayMode::hidden, DisplayMode::full, DisplayMode::hidden));
     run(QStringLiteral("QN3_ViewByName"), {}, {QStringLiteral("cancel")});
-    EXPECT_THAT(modes(), testing::ElementsAre(-1, 0, -1));
+    EXPECT_THAT(modes(), testing::ElementsAre(DisplayMode::hidden, DisplayMode::full, DisplayMode::hidden));
     run(QStringLiteral("QN3_ViewByName"), {}, {QStringLiteral("ok")});
-    EXPECT_THAT(modes(), testing::ElementsAre(0, 0, 0));
+    EXPECT_THAT(modes(), testing::ElementsAre(DisplayMode::full, DisplayMode::full, DisplayMode::full));
 }

@@ -95,7 +95,7 @@ TEST(ReviewAnswer, OnlyWhatWasChangedIsAChange)
 TEST(ReviewView, MarginsAndWidths)
 {
     const AcDbExtents mark({0, 0, 0}, {100, 40, 0});
-    const AcDbExtents half = sheetWindow(mark, 20, false); // Out of range: 50.
+    const AcDbExtents half = sheetWindow(mark, 50, false);
     EXPECT_DOUBLE_EQ(half.minPoint().x, -50);
     EXPECT_DOUBLE_EQ(half.maxPoint().y, 60);
     const AcDbExtents aside = sheetWindow(mark, 80, true);

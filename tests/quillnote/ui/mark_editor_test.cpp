@@ -19,10 +19,11 @@ struct MarkEditorTest : AuthoringTest {
         folder.write(QStringLiteral("审图/a.txt"), "ByLine 0\n第一段\n第二行\n---------\n乙[[[权重=7]]]\n");
         folder.write(QStringLiteral("审图/b.txt"), "丙 & 丁\n");
         settings::setText(u"CYZSLocation", library);
-        for (const QStringView name : {u"useXmlMenu", u"derectDraw", u"left", u"top", u"right", u"bottom"})
-            settings::setNumber(name, 0);
+        for (const settings::Number row : std::initializer_list<settings::Number>{
+                 u"useXmlMenu", u"derectDraw", u"left", u"top", u"right", u"bottom"})
+            settings::setNumber(row, 0);
         for (int i = 0; i < 15; ++i)
-            settings::setText(QStringLiteral("savedNearTxt%1").arg(i), u"");
+            settings::setText(u"savedNearTxt%d", i, u"");
     }
     ~MarkEditorTest() override
     {

@@ -129,7 +129,7 @@ TEST(PhraseLibrary, WhatIsShippedIsWhole)
 TEST(RecentPhrases, TheNewestStandsFirstAfterEveryOpening)
 {
     for (int i = 0; i < 15; ++i)
-        settings::setText(QStringLiteral("savedNearTxt%1").arg(i), u"");
+        settings::setText(u"savedNearTxt%d", i, u"");
     QStringList expected;
     for (int i = 0; i < 17; ++i) {
         keepRecentPhrase(QStringLiteral("词%1").arg(i));
@@ -140,7 +140,7 @@ TEST(RecentPhrases, TheNewestStandsFirstAfterEveryOpening)
     keepRecentPhrase(QStringLiteral("词9"));
     expected.move(expected.indexOf(QStringLiteral("词9")), 0);
     EXPECT_EQ(recentPhrases(), expected);
-    EXPECT_EQ(settings::text(u"savedNearTxt14"), QStringLiteral("词9"));
+    EXPECT_EQ(settings::text(u"savedNearTxt%d", 14), QStringLiteral("词9"));
     keepRecentPhrase(QString(5000, u'x')); // Settings do not hold it.
     EXPECT_EQ(recentPhrases(), expected);
 }

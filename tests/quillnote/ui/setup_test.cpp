@@ -12,9 +12,9 @@ struct SetupTest : AuthoringTest {
     SetupTest()
     {
         acuiInstall();
-        for (const QStringView name :
-             {u"style", u"BKstyle", u"doubleClick", u"autoFlagRefresh", u"SnapRecord", u"SnapReview"})
-            settings::setNumber(name, 0);
+        for (const settings::Number row : std::initializer_list<settings::Number>{
+                 u"style", u"BKstyle", u"doubleClick", u"autoFlagRefresh", u"SnapRecord", u"SnapReview"})
+            settings::setNumber(row, 0);
         settings::setNumber(u"textHeight", 20);
         settings::setNumber(u"textHeightPS", 3);
         drawing->document().view().height = 1000;
@@ -36,14 +36,25 @@ TEST_F(SetupTest, StoresWhatIsChosen)
                "set 1057 1",  "set 1153 1",  "set 1155 1",          "set 1072 0",    "set 1071 1",
                "set 1061 1",  "set 1054 1",  "set 1150 1",          "set 1154 1",    "set 1059 0",
                "set 1019 1",  "ok"});
-    const std::map<QString, int> numbers{
-        {"style", 5},          {"BKstyle", 105},    {"textHeight", 25},    {"textHeightPS", 10},
-        {"autoTargetTxtH", 1}, {"useLayer", 1},     {"noPlotLayer", 1},    {"SnapRecord", 0},
-        {"SnapReview", 1},     {"applyAll", 1},     {"NoDisplayText", 1},  {"viewName", 1},
-        {"viewFlag", 1},       {"viewDateTime", 1}, {"useTemplet", 1},     {"DisplayFlagWithFreehandDraw", 1},
-        {"autoFlagSize", -1},  {"doubleClick", 2},  {"autoFlagRefresh", 0}};
-    for (const auto &[name, value] : numbers)
-        EXPECT_EQ(settings::number(name), value) << qPrintable(name);
+    struct Stored {
+        settings::Number row;
+        int value;
+    };
+    const Stored numbers[] = {{u"style", 5},          {u"BKstyle", 105},
+                              {u"textHeight", 25},    {u"textHeightPS", 10},
+                              {u"autoTargetTxtH", 1}, {u"useLayer", 1},
+                              {u"noPlotLayer", 1},    {u"SnapRecord", 0},
+                              {u"SnapReview", 1},     {u"applyAll", 1},
+                              {u"NoDisplayText", 1},  {u"viewName", 1},
+                              {u"viewFlag", 1},       {u"viewDateTime", 1},
+                              {u"useTemplet", 1},     {u"DisplayFlagWithFreehandDraw", 1},
+                              {u"autoFlagSize", -1},  {u"doubleClick", 2},
+                              {u"autoFlagRefresh", 0}};
+    const auto expectStored = [&] {
+        for (const auto &[row, value] : numbers)
+            EXPECT_EQ(settings::number(row), value) << row->name.toString().toStdString();
+    };
+    expectStored();
     EXPECT_EQ(settings::text(u"name"), QStringLiteral("王工"));
     EXPECT_EQ(settings::text(u"LayerName"), QStringLiteral("审图"));
     EXPECT_EQ(settings::text(u"chPwMD5"), hashPassword(QStringLiteral("秘密")));
@@ -55,8 +66,7 @@ TEST_F(SetupTest, StoresWhatIsChosen)
 
     // Opening and confirming changes nothing but the password, which has to be typed each time.
     setUp({"ok"});
-    for (const auto &[name, value] : numbers)
-        EXPECT_EQ(settings::number(name), name == u"autoFlagSize" ? -1 : value) << qPrintable(name);
+    expectStored();
     EXPECT_EQ(settings::text(u"chPwMD5"), QString());
     setUp({"set 1003 \"别人\"", "cancel"});
     EXPECT_EQ(settings::text(u"name"), QStringLiteral("王工"));

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <set>
 
 static void forgetEverything()
@@ -23,6 +22,11 @@ protected:
     Settings() { forgetEverything(); }
 };
 
+static void store(const settings::Row &row, qint64 value)
+{
+    os::WriteNumber(os::Hive::currentUser, row.key, row.name, static_cast<std::uint32_t>(value));
+}
+
 TEST_F(Settings, NumbersAreSignedAndTextsAreCopies)
 {
     EXPECT_TRUE(settings::setNumber(u"autoTargetTxtH", -1));
@@ -30,33 +34,50 @@ TEST_F(Settings, NumbersAreSignedAndTextsAreCopies)
     EXPECT_EQ(settings::number(u"autoTargetTxtH"), -1);
 
     EXPECT_TRUE(settings::setText(u"name", u"张三"));
-    EXPECT_TRUE(settings::setText(u"List0", u"a|b", settings::kTemplateKey));
+    EXPECT_TRUE(settings::setText(u"List%d", 0, u"a|b"));
     const QString name = settings::text(u"name");
-    EXPECT_EQ(settings::text(u"List0", settings::kTemplateKey), u"a|b");
-    EXPECT_EQ(settings::text(u"List0"), QString());
+    EXPECT_EQ(settings::text(u"List%d", 0), u"a|b");
+    EXPECT_EQ(os::SettingsStore::user().text(settings::kTemplateKey, u"List0"), u"a|b");
     EXPECT_EQ(name, u"张三");
 }
 
-TEST_F(Settings, TheOtherTypeAndNothingReadAsZeroOrEmpty)
+TEST_F(Settings, TheOtherTypeReadsAsNothing)
 {
-    settings::setText(u"style", u"3");
-    settings::setNumber(u"name", 7);
-    EXPECT_EQ(settings::number(u"style"), 0);
+    os::WriteText(os::Hive::currentUser, settings::kKey, u"ChineseVersion", u"3");
+    os::WriteNumber(os::Hive::currentUser, settings::kKey, u"name", 7);
+    EXPECT_EQ(settings::number(u"ChineseVersion"), 0);
     EXPECT_EQ(settings::text(u"name"), QString());
-    EXPECT_EQ(settings::number(u"viewScale"), 0);
-    EXPECT_EQ(settings::numberInRange(u"viewScale", 30, 90, 50), 50);
+}
+
+TEST_F(Settings, NumbersOutsideTheirRangeAreNone)
+{
+    for (const settings::Row &row : settings::table::kRows) {
+        if (row.kind != settings::Kind::number)
+            continue;
+        const settings::Number name(row);
+        const auto [low, high, otherwise] = row.range;
+        SCOPED_TRACE(row.name.toString().toStdString());
+        EXPECT_EQ(settings::number(name), otherwise) << "nothing is stored";
+        for (const qint64 value : {qint64(low) - 1, qint64(low), qint64(high), qint64(high) + 1}) {
+            if (value != qint64(int(value)))
+                continue;
+            store(row, value);
+            const bool isIn = value >= low && value <= high;
+            EXPECT_EQ(settings::number(name), isIn ? value : otherwise) << value;
+            EXPECT_EQ(settings::stored(name).has_value(), isIn) << value;
+        }
+    }
 }
 
 TEST_F(Settings, TheTableNamesEachValueOnce)
 {
     std::set<std::pair<QString, QString>> seen;
-    for (const settings::Value &value : settings::table()) {
+    for (const settings::Row &row : settings::table::kRows) {
         // Names of settings do not depend on letter case.
-        EXPECT_TRUE(seen.emplace(value.key.toString(), value.name.toString().toLower()).second)
-            << value.name.toString().toStdString();
-        EXPECT_EQ(value.name.endsWith(u"%d"), value.last > value.first)
-            << value.name.toString().toStdString();
-        EXPECT_FALSE(value.meaning.isEmpty());
+        EXPECT_TRUE(seen.emplace(row.key.toString(), row.name.toString().toLower()).second)
+            << row.name.toString().toStdString();
+        EXPECT_EQ(row.name.endsWith(u"%d"), row.indexes.last > row.indexes.first)
+            << row.name.toString().toStdString();
     }
 }
 
@@ -70,43 +91,30 @@ TEST_F(Settings, StartUpTakesDefaultsWhenNothingIsStored)
     EXPECT_FALSE(os::SettingsStore::user().number(settings::kKey, u"textHeightPS"));
 }
 
-TEST_F(Settings, StartUpReplacesNumbersOutOfRange)
+TEST_F(Settings, StartUpTakesNumbersOfTheRangeOnly)
 {
-    struct Row {
-        QStringView name;
+    struct Copy {
+        settings::Number row;
         int StartUpSettings::*copy;
-        int stored;
-        int expected;
     };
-    const Row rows[] = {
-        {u"style", &StartUpSettings::style, -6, -6},
-        {u"style", &StartUpSettings::style, -7, 0},
-        {u"style", &StartUpSettings::style, 6, 6},
-        {u"style", &StartUpSettings::style, 7, 0},
-        {u"BKstyle", &StartUpSettings::BKstyle, 98, 103},
-        {u"BkStyle", &StartUpSettings::BKstyle, 99, 99},
-        {u"BKstyle", &StartUpSettings::BKstyle, 105, 105},
-        {u"BKstyle", &StartUpSettings::BKstyle, 106, 103},
-        {u"color1", &StartUpSettings::color1, 0, 2},
-        {u"color1", &StartUpSettings::color1, 1, 1},
-        {u"color2", &StartUpSettings::color2, 255, 255},
-        {u"color2", &StartUpSettings::color2, 256, 2},
-        {u"textHeight", &StartUpSettings::textHeight, 35, 35},
-        {u"textHeight", &StartUpSettings::textHeight, -35, 1000},
-        {u"textHeightPS", &StartUpSettings::textHeightPS, 0, 10},
-    };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(row.name.toString().toStdString() + " = " + std::to_string(row.stored));
-        settings::setNumber(row.name, row.stored);
-        readStartUpSettings();
-        EXPECT_EQ(startUpSettings().*row.copy, row.expected);
+    for (const auto &[row, copy] :
+         {Copy{u"style", &StartUpSettings::style}, Copy{u"BKstyle", &StartUpSettings::BKstyle},
+          Copy{u"color1", &StartUpSettings::color1}, Copy{u"color2", &StartUpSettings::color2},
+          Copy{u"textHeight", &StartUpSettings::textHeight},
+          Copy{u"textHeightPS", &StartUpSettings::textHeightPS}}) {
+        for (const int value : {row->range.low, row->range.low - 1}) {
+            settings::setNumber(row, value);
+            readStartUpSettings();
+            EXPECT_EQ(startUpSettings().*copy, value < row->range.low ? row->range.otherwise : value)
+                << row->name.toString().toStdString();
+        }
     }
 }
 
 TEST_F(Settings, StartUpReadsSwitches)
 {
     struct Row {
-        QStringView name;
+        settings::Number name;
         bool StartUpSettings::*copy;
         std::vector<std::pair<int, bool>> cases;
     };
@@ -125,7 +133,7 @@ TEST_F(Settings, StartUpReadsSwitches)
     };
     for (const Row &row : rows) {
         for (const auto &[stored, expected] : row.cases) {
-            SCOPED_TRACE(row.name.toString().toStdString() + " = " + std::to_string(stored));
+            SCOPED_TRACE(row.name->name.toString().toStdString() + " = " + std::to_string(stored));
             settings::setNumber(row.name, stored);
             readStartUpSettings();
             EXPECT_EQ(startUpSettings().*row.copy, expected);
@@ -150,7 +158,8 @@ TEST_F(Settings, ATextHeightThatNobodySetSuitsEachDrawing)
         settings::setNumber(u"textHeight", stored);
         readStartUpSettings();
         EXPECT_TRUE(startUpSettings().suitsTextHeight);
-        EXPECT_EQ(settings::number(u"textHeight"), stored) << "nothing is stored for the user";
+        EXPECT_EQ(int(os::ReadNumber(os::Hive::currentUser, settings::kKey, u"textHeight")), stored)
+            << "nothing is stored for the user";
     }
     settings::setNumber(u"textHeight", 35);
     readStartUpSettings();

@@ -116,7 +116,7 @@ TEST_F(SnapshotCommandsTest, ComparingListsWhatWasModified)
 
     // A target that is empty now; one without a target of its own; the view turned.
     AcDbObjectPointer<AcDbEntity>(drawing->id(circle), AcDb::kForWrite)->erase();
-    AcDbObjectPointer<QuillnoteObj3>(three, AcDb::kForWrite)->targetStyle = -2;
+    AcDbObjectPointer<QuillnoteObj3>(three, AcDb::kForWrite)->targetStyle = TargetStyle(-2);
     drawing->document().view().twist = 0.7;
     EXPECT_TRUE(compare().endsWith(QStringLiteral("\n  5.2,4")));
 }
@@ -136,7 +136,7 @@ TEST_F(SnapshotCommandsTest, WhatHasNoSnapshotOrCannotBeWrittenIsNoFinding)
     const AcDbObjectId leader = mark(0, 1);
     {
         const AcDbObjectPointer<QuillnoteObj3> made(leader, AcDb::kForWrite);
-        made->leaderMode = 1;
+        made->leaderMode = LeaderMode::leader;
         made->snapEntityIds.clear();
         made->snapChecksum.clear();
         made->snapImage.clear();
