@@ -212,6 +212,7 @@ bool FingerprintTaker::takeEach(AcDbObjectId space, std::span<const acgi::Window
 {
     const std::vector<std::size_t> order = orderByPlace(targets);
     std::vector<acgi::Window> ordered;
+    ordered.reserve(targets.size());
     for (const std::size_t target : order)
         ordered.push_back(targets[target]);
     const auto finish = [&](Batch &batch) {
