@@ -395,7 +395,9 @@ void SavePlan::addRecord(std::uint64_t handle, base::Result<QByteArray, QString>
 void SavePlan::encode(const AcDbStub &stub)
 {
     const Place &where = m_places[stub.index];
-    const ResbufList groups = m_database.fileGroups(stub);
+    // Who is only somebody's neighbour stays as the file has it, whatever class has opened it.
+    const bool isOwn = isNew(stub) || stub.has(AcDbStub::kChanged);
+    const ResbufList groups = isOwn ? m_database.fileGroups(stub) : m_source.read(stub);
     EncodePlace place = encodePlace(m_database, m_source, stub, groups);
     if (place.type == 0) {
         const auto known = std::ranges::find(m_classes, acdbKindName(stub.kind), &DwgClass::dxfName);
