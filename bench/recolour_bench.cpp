@@ -1,5 +1,5 @@
-// Claim: all entities of a drawing of a million are painted in one colour, and get their own ones back, within
-// 3 s each, as one step of undo. The bound is writing a colour to each.
+// Claim: all entities of a drawing of a million are painted in one colour, and get their own ones back,
+// within 3 s each, as one step of undo. The bound is writing a colour to each.
 //
 // usage: QT_QPA_PLATFORM=offscreen bench_recolour DRAWING.dxf (bench/make_drawing.py makes one)
 #include "bench/opened_drawing.h"

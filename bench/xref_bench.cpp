@@ -4,8 +4,8 @@
 // usage: QT_QPA_PLATFORM=offscreen bench_xref HOST.dxf ONE.dxf   (bench/make_drawing.py makes the files)
 #include "bench/opened_drawing.h"
 #include "bench/stopwatch.h"
-#include "host/aced/edpick.h"
 #include "host/acdb/dbsymtb.h"
+#include "host/aced/edpick.h"
 #include "host/acgi/display/display.h"
 #include "host/acgi/query/extents.h"
 #include "host/acgi/query/install.h"
@@ -50,8 +50,7 @@ static bool measure(const QString &path, Times &times)
         document = bench::opened(path);
         // Whoever asks for the extents needs what the references show.
         if (document)
-            box = acgi::spatialIndexOf(*document->database())
-                      .extents(document->database()->modelSpaceId());
+            box = acgi::spatialIndexOf(*document->database()).extents(document->database()->modelSpaceId());
     });
     if (!document || !box.isValid())
         return false;
