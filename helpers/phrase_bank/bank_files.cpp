@@ -29,7 +29,9 @@ std::optional<std::vector<Entry>> entriesOf(const QString &title, QByteArrayView
     if (!text)
         return {};
     std::vector<Entry> entries;
-    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases) {
+    auto parsed = parsePhraseFile(text->text, std::numeric_limits<int>::max());
+    for (Phrase &phrase : parsed.phrases) {
+        phrase.text.remove(QChar::ByteOrderMark); // Where files were put together.
         if (isSeen(phrase.text))
             entries.push_back({title, phrase.text, phrase.weight});
     }
@@ -71,13 +73,17 @@ QByteArray asPhraseFile(const std::vector<Entry> &entries)
             text += QStringLiteral("------------\r\n");
         if (entry.weight)
             text += phraseTag(entry.weight);
-        text += harmless(entry.text) + QStringLiteral("\r\n");
+        QString written = harmless(entry.text);
+        if (&entry == &entries.front())
+            written.replace(QStringLiteral("ByLine"),
+                            QStringLiteral("By Line")); // Would tell how the file is read.
+        text += written + QStringLiteral("\r\n");
     }
     bool isLossless = false;
     const QByteArray chinese = base::TextCodec("ANSI_936").encode(text, isLossless);
-    // What would be read as UTF-8 is written so.
-    return isLossless && !base::looksLikeUtf8({chinese.data(), std::size_t(chinese.size())}) ? chinese
-                                                                                             : text.toUtf8();
+    // What would be read as something else in the code page is written as UTF-8.
+    const auto read = isLossless ? decodePhraseBytes(chinese) : std::nullopt;
+    return read && read->text == text ? chinese : text.toUtf8();
 }
 
 void writePhraseFile(const QString &path, const std::vector<Entry> &entries)

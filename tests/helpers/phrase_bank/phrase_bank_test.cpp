@@ -93,7 +93,8 @@ TEST(PhraseBank, KeepsAndComesBack)
 TEST(PhraseBank, PhraseFilesGoInAndOut)
 {
     const tests::TempDir folder;
-    for (const char *const text : {"m² 二次\n两行", "// 注释 '''[[[x]]] ------ ///// ———", "臧红波"}) {
+    for (const char *const text :
+         {"m² 二次\n两行", "ByLine = 0", "// 注释 '''[[[x]]] ------ ///// ———", "臧红波"}) {
         QString lines = QString::fromUtf8(text);
         lines.replace(u'\n', QStringLiteral("\r\n"));
         const QString path = folder.path(QStringLiteral("外.txt"));
@@ -104,7 +105,8 @@ TEST(PhraseBank, PhraseFilesGoInAndOut)
         EXPECT_EQ(read[0].weight, 7);
         EXPECT_EQ(read[1].category, QStringLiteral("外"));
     }
-    const QString zero = folder.write(QStringLiteral("zero.txt"), QByteArrayLiteral("wide\0door\n\1\0\0\1\n"));
+    const QString zero =
+        folder.write(QStringLiteral("zero.txt"), QByteArrayLiteral("wide\0door\n\1\0\0\1\n"));
     Bank bank(QStringLiteral(":memory:"));
     EXPECT_EQ(bank.add(QStringLiteral("z"), readPhraseFile(zero)), 1);
     EXPECT_EQ(texts(bank.find(QStringLiteral("door"), {}, 0)), QStringList{QStringLiteral("wide door")});
