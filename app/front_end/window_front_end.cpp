@@ -82,9 +82,9 @@ std::optional<AcEdAnswer> WindowFrontEnd::askFile(const AcEdPrompt &prompt)
     dialog.setFileMode(isSave                                       ? QFileDialog::AnyFile
                        : prompt.kind == AcEdPromptKind::filesToOpen ? QFileDialog::ExistingFiles
                                                                     : QFileDialog::ExistingFile);
-    dialog.setNameFilters({!isDrawing ? QStringLiteral("*.") + ending
-                           : isSave   ? tr("图形 (*.dxf *.DXF)")
-                                      : tr("图形 (*.dwg *.DWG *.dxf *.DXF)"),
+    dialog.setNameFilters({!isDrawing                   ? QStringLiteral("*.") + ending
+                           : isSave && ending != u"dwg" ? tr("图形 (*.dxf *.DXF)")
+                                                        : tr("图形 (*.dwg *.DWG *.dxf *.DXF)"),
                            tr("所有文件 (*)")});
     // With it the dialog asks about the file that will be written, not about a name without its ending.
     dialog.setDefaultSuffix(ending);

@@ -244,7 +244,8 @@ bool DocumentGuard::saveAs(AcApDocument *document)
     if (const QFileInfo file(present); file.suffix() != suffix)
         present = file.dir().filePath(file.completeBaseName() + u'.' + suffix);
     QString path;
-    if (acedGetFileD(tr("图形另存为"), present, QStringLiteral("dxf"), kAcUiSaveFile, path) != RTNORM)
+    const QString endings = suffix == u"dxf" ? suffix : suffix + QStringLiteral(";dxf");
+    if (acedGetFileD(tr("图形另存为"), present, endings, kAcUiSaveFile, path) != RTNORM)
         return false;
     return save(document, path);
 }

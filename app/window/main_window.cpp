@@ -347,7 +347,7 @@ void MainWindow::openHelp()
 void MainWindow::showAbout()
 {
     QMessageBox::about(this, tr("关于 Quillnote"),
-                       tr("<h3>Quillnote %1</h3><p>在 DXF 图纸中书写、回复和核对校审意见。</p>"
+                       tr("<h3>Quillnote %1</h3><p>在 DWG 和 DXF 图纸中书写、回复和核对校审意见。</p>"
                           "<p>使用 Qt %2。</p>")
                            .arg(QStringLiteral(QUILLNOTE_VERSION), QString::fromLatin1(qVersion())));
 }

@@ -16,14 +16,23 @@
 namespace bank
 {
 
+/// Control characters alone are no phrase: nobody could see or choose it.
+static bool isSeen(QStringView text)
+{
+    return std::ranges::any_of(text,
+                               [](QChar c) { return c.isSurrogate() || (c.isPrint() && !c.isSpace()); });
+}
+
 std::optional<std::vector<Entry>> entriesOf(const QString &title, QByteArrayView bytes)
 {
     const auto text = bytes.size() <= kLargestPhraseFile ? decodePhraseBytes(bytes) : std::nullopt;
     if (!text)
         return {};
     std::vector<Entry> entries;
-    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases)
-        entries.push_back({title, phrase.text, phrase.weight});
+    for (const Phrase &phrase : parsePhraseFile(text->text, std::numeric_limits<int>::max()).phrases) {
+        if (isSeen(phrase.text))
+            entries.push_back({title, phrase.text, phrase.weight});
+    }
     return entries;
 }
 

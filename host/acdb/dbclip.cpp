@@ -56,7 +56,7 @@ Corners shortened(const Corners &corners)
 Corners imitation(Corners hole, AcDbExtents around)
 {
     const auto leftmost = std::ranges::min_element(hole, {}, &AcGePoint2d::x);
-    std::ranges::rotate(hole, leftmost);
+    std::rotate(hole.begin(), leftmost, hole.end());
     around.addExt(boxOf(hole));
     const AcGeVector3d margin = (around.maxPoint() - around.minPoint()) * 0.05;
     const AcGePoint3d low = around.minPoint() - margin;

@@ -2919,8 +2919,8 @@ Select polyline: </translation>
         <translation>About Quillnote</translation>
     </message>
     <message>
-        <source>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;在 DXF 图纸中书写、回复和核对校审意见。&lt;/p&gt;&lt;p&gt;使用 Qt %2。&lt;/p&gt;</source>
-        <translation>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;Writing, answering and checking review marks in DXF drawings.&lt;/p&gt;&lt;p&gt;Uses Qt %2.&lt;/p&gt;</translation>
+        <source>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;在 DWG 和 DXF 图纸中书写、回复和核对校审意见。&lt;/p&gt;&lt;p&gt;使用 Qt %2。&lt;/p&gt;</source>
+        <translation>&lt;h3&gt;Quillnote %1&lt;/h3&gt;&lt;p&gt;Writing, answering and checking review marks in DWG and DXF drawings.&lt;/p&gt;&lt;p&gt;Uses Qt %2.&lt;/p&gt;</translation>
     </message>
 </context>
 <context>

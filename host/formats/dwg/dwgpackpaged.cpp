@@ -210,6 +210,7 @@ QByteArray PagedWriter::write()
     for (const std::size_t i : fileOrder(m_original))
         writeSection(forms[i], sections[i]);
     std::vector<std::size_t> places;
+    places.reserve(sections.size());
     for (const Packed &section : sections)
         places.push_back(section.at == 0 ? 0 : section.at + kPageHeader);
     putPlaces(m_file, m_original, places);

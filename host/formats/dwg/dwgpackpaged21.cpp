@@ -244,6 +244,7 @@ QByteArray PagedWriter21::write()
     m_file = QByteArray(m_original.file.data(), kFirstPage);
     m_file += mapPages.bytes + mapPages.bytes + m_data + sectionPage.bytes + sectionPage.bytes;
     std::vector<std::size_t> places;
+    places.reserve(sections.size());
     for (const Section &section : sections)
         places.push_back(section.at);
     putPlaces(m_file, m_original, places);

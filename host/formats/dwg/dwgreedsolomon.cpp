@@ -163,9 +163,11 @@ QByteArray encodeReedSolomon(std::string_view data, std::size_t words, const Ree
 {
     const Field field(code.fieldPolynomial);
     const Polynomial generator = generatorOf(field, kCodeWord - code.data);
-    QByteArray plain(data.data(), qsizetype(std::min(data.size(), words * code.data)));
-    plain.resize(qsizetype(words * code.data), '\0');
-    QByteArray stored(qsizetype(words * kCodeWord), Qt::Uninitialized);
+    const std::size_t size = words * code.data;
+    QByteArray plain(data.data(), qsizetype(std::min(data.size(), size)));
+    plain.resize(qsizetype(size), '\0');
+    const std::size_t coded = words * kCodeWord;
+    QByteArray stored(qsizetype(coded), Qt::Uninitialized);
     char *const out = stored.data();
     for (std::size_t w = 0; w < words; ++w) {
         const std::string_view word(plain.constData() + w * code.data, code.data);

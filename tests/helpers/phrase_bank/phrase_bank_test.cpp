@@ -104,7 +104,7 @@ TEST(PhraseBank, PhraseFilesGoInAndOut)
         EXPECT_EQ(read[0].weight, 7);
         EXPECT_EQ(read[1].category, QStringLiteral("外"));
     }
-    const QString zero = folder.write(QStringLiteral("zero.txt"), QByteArrayLiteral("wide\0door\n"));
+    const QString zero = folder.write(QStringLiteral("zero.txt"), QByteArrayLiteral("wide\0door\n\1\0\0\1\n"));
     Bank bank(QStringLiteral(":memory:"));
     EXPECT_EQ(bank.add(QStringLiteral("z"), readPhraseFile(zero)), 1);
     EXPECT_EQ(texts(bank.find(QStringLiteral("door"), {}, 0)), QStringList{QStringLiteral("wide door")});
