@@ -417,10 +417,10 @@ void SavePlan::encode(const AcDbStub &stub)
     const auto fields = isCustom ? filedFields(m_facts, AcDbObjectId(const_cast<AcDbStub *>(&stub)))
                                  : base::Result<FiledFields, Acad::ErrorStatus>(FiledFields());
     if (!fields)
-        return addRecord(stub.handle,
-                         base::Failure{QStringLiteral("%1 %2: %3").arg(
-                             QString::fromLatin1(acdbKindName(stub.kind)),
-                             QString::number(stub.handle, 16).toUpper(), acadErrorStatusText(fields.error()))});
+        return addRecord(stub.handle, base::Failure{QStringLiteral("%1 %2: %3")
+                                                        .arg(QString::fromLatin1(acdbKindName(stub.kind)),
+                                                             QString::number(stub.handle, 16).toUpper(),
+                                                             acadErrorStatusText(fields.error()))});
     if (isCustom)
         place.fields = &*fields;
     addRecord(stub.handle, encodeObject(m_facts, m_names, place, groups));

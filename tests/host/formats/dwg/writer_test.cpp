@@ -171,7 +171,8 @@ TEST(DwgWriter, KeepsCustomObjectsThatAreOnlyNeighbours)
         const tests::TempDir folder;
         const QString path = folder.write("plan.dwg", tests::smallDwg(version, true));
         const auto database = opened(tests::readFile(path));
-        const std::uint64_t note = addNote(*database, QStringLiteral("\u8bc4\u56fe"), "secret").handle().value;
+        const std::uint64_t note =
+            addNote(*database, QStringLiteral("\u8bc4\u56fe"), "secret").handle().value;
         ASSERT_TRUE(save(*database, path));
 
         const auto again = opened(tests::readFile(path));
