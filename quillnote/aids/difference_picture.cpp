@@ -1,7 +1,9 @@
 #include "quillnote/aids/difference_picture.h"
 
+#include "quillnote/aids/overlay_copy.h"
 #include "quillnote/entity/mark_class.h"
 
+#include "host/acdb/dbentity.h"
 #include "host/aced/edpicture.h"
 #include "host/aced/edplot.h"
 #include "host/aced/edview.h"
@@ -59,12 +61,24 @@ static void paintFrames(const DrawingDifference &difference, const AcGiViewport 
     }
 }
 
+/// Marks and overlays: not part of what is compared.
+static bool isAboutTheDrawing(AcDbObjectId id)
+{
+    static const AcDbKind kMark = acdbKind(kMarkDxfName);
+    static const AcDbKind kInsert = acdbKind("INSERT");
+    if (id.stub()->kind == kMark)
+        return true;
+    if (id.stub()->kind != kInsert)
+        return false;
+    const AcDbObjectPointer<AcDbEntity> reference(id, AcDb::kForRead);
+    return reference && showsOverlay(*reference);
+}
+
 static void paintAll(const ComparedSpace &old, const ComparedSpace &now, const DrawingDifference &difference,
                      const AcGiViewport &view, QPainter &painter)
 {
-    const AcDbKind marks = acdbKind(kMarkDxfName);
     paintSome(now, view, painter, kBoth,
-              [&](AcDbObjectId id) { return id.stub()->kind == marks || difference.onlyNew.contains(id); });
+              [&](AcDbObjectId id) { return isAboutTheDrawing(id) || difference.onlyNew.contains(id); });
     paintSome(old, view, painter, kOnlyOld,
               [&](AcDbObjectId id) { return !difference.onlyOld.contains(id); });
     paintSome(now, view, painter, kOnlyNew,

@@ -1,6 +1,7 @@
 #include "quillnote/aids/drawing_difference.h"
 
 #include "quillnote/aids/links/link_record.h"
+#include "quillnote/aids/overlay_copy.h"
 #include "quillnote/entity/mark_class.h"
 #include "quillnote/snapshot/commands/drawing_content.h"
 
@@ -38,7 +39,7 @@ std::vector<AcDbObjectId> seenIn(const ComparedSpace &where)
         if (!id.isValid() || std::ranges::find(passedOver, id.stub()->kind) != std::end(passedOver))
             continue;
         const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-        if (entity && visibility.isVisible(*entity))
+        if (entity && visibility.isVisible(*entity) && !showsOverlay(*entity))
             seen.push_back(id);
     }
     return seen;

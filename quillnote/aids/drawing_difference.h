@@ -36,8 +36,8 @@ struct DrawingDifference {
     bool any() const { return !onlyOld.empty() || !onlyNew.empty(); }
 };
 
-/// Compares what can be seen in two spaces and is neither a review mark nor a hot link. Entities are the same
-/// when their contents are, whatever their handles; points may lie up to `tolerance` (drawing units) apart,
-/// other numbers a thousandth of their size when there is a tolerance at all.
+/// Compares what can be seen in two spaces and is neither a review mark nor a hot link nor an overlay.
+/// Entities are the same when their contents are, whatever their handles; points may lie up to `tolerance`
+/// (drawing units) apart, other numbers a thousandth of their size when there is a tolerance at all.
 DrawingDifference compareSpaces(const ComparedSpace &old, const ComparedSpace &now, double tolerance,
                                 const base::ProgressTeller::Listener &listener = {});

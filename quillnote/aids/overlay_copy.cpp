@@ -5,6 +5,7 @@
 
 #include "host/acap/docfile.h"
 #include "host/acap/docman.h"
+#include "host/acdb/dbents.h"
 #include "host/acdb/dbsymtb.h"
 #include "host/acdb/dbundo.h"
 #include "host/aced/edfrontend.h"
@@ -133,6 +134,12 @@ base::Result<OverlayCopy, OverlayTrouble> makeOverlayCopy(const QString &source,
 }
 
 // What a drawing says of its overlays -------------------------------------------------------------
+
+bool showsOverlay(const AcDbEntity &entity)
+{
+    const auto *const reference = dynamic_cast<const AcDbBlockReference *>(&entity);
+    return reference && reference->blockName().startsWith(kOverlayPrefix);
+}
 
 std::vector<Overlay> overlaysOf(const AcDbDatabase &database)
 {

@@ -12,6 +12,7 @@
 #include <vector>
 
 class AcDbDatabase;
+class AcDbEntity;
 
 /// How the names of the copies begin, and of the blocks that show them.
 inline constexpr QStringView kOverlayPrefix = u"叠图_";
@@ -36,6 +37,8 @@ struct Overlay {
     int colorIndex = 0;
 };
 std::vector<Overlay> overlaysOf(const AcDbDatabase &database);
+/// A reference to the block of an overlay.
+bool showsOverlay(const AcDbEntity &entity);
 /// Keeps with the block what the copy came from.
 void rememberOverlaySource(AcDbObjectId block, const QString &source, int colorIndex);
 

@@ -17,6 +17,12 @@ static bool isContent(int code)
            !(code >= 320 && code <= 369) && !(code >= 390 && code <= 399) && !(code >= 480 && code <= 481);
 }
 
+/// Graphics for programs that do not know the kind of entity; each program draws them anew when it saves.
+static bool isProxyGraphics(int code)
+{
+    return code == 92 || code == 160 || code == 310;
+}
+
 static void appendNumber(QByteArray &content, double value)
 {
     content += QByteArray::number(value == 0.0 ? 0.0 : value, 'g', 10);
@@ -63,9 +69,13 @@ const QByteArray &DrawingContent::of(AcDbObjectId entity)
 QByteArray DrawingContent::read(AcDbObjectId entity)
 {
     QByteArray content;
-    const bool withBlock = showsBlock(acdbKindName(entity.stub()->kind));
+    const QByteArray kind = acdbKindName(entity.stub()->kind);
+    const bool withBlock = showsBlock(kind);
+    bool isOfEveryEntity = false;
     for (const resbuf &group : acdbEntGetX(entity)) {
-        if (!isContent(group.restype))
+        if (group.restype == 100)
+            isOfEveryEntity = group.text() == u"AcDbEntity" && kind != "ACAD_PROXY_ENTITY";
+        if (!isContent(group.restype) || (isOfEveryEntity && isProxyGraphics(group.restype)))
             continue;
         if (withBlock && group.restype == kName) {
             const QString name = group.text();

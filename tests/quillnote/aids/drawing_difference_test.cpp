@@ -36,7 +36,7 @@ struct Drawing {
 
 } // namespace
 
-TEST(DrawingDifference, HandlesAndOrderDoNotCount)
+TEST(DrawingDifference, HandlesOrderAndGraphicsForOtherProgramsDoNotCount)
 {
     std::mt19937 random(3);
     Drawing old;
@@ -48,6 +48,13 @@ TEST(DrawingDifference, HandlesAndOrderDoNotCount)
         old.line(x, y);
     std::ranges::shuffle(places, random);
     now.line(500, 500);
+    for (Drawing *const each : {&old, &now})
+        each->made.entity("LINE", {{8, "0"},
+                                   {92, 1},
+                                   {310, QByteArray(each == &old ? "a" : "b")},
+                                   {100, "AcDbLine"},
+                                   {10, AcGePoint3d(1, 2, 0)},
+                                   {11, AcGePoint3d(3, 4, 0)}});
     for (const auto &[x, y] : places)
         now.line(x, y);
     now.line(places[0].first, places[0].second);

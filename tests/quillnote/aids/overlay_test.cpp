@@ -1,4 +1,5 @@
 // Overlays: the painted copy, attaching it, what becomes of it when its file is gone, cleaning.
+#include "quillnote/aids/drawing_difference.h"
 #include "quillnote/aids/overlay_copy.h"
 #include "quillnote/aids/recolouring.h"
 
@@ -9,6 +10,7 @@
 #include "host/aced/edselect.h"
 #include "tests/quillnote/authoring/authoring_fixture.h"
 #include "tests/support/files.h"
+#include "tests/support/picture.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -108,6 +110,18 @@ TEST_F(OverlayTest, TheCopyIsPaintedAndTheDrawingIsOnlyRead)
     EXPECT_TRUE(box.minPoint().isEqualTo({0, 0, 0}, 1e-9) && box.maxPoint().isEqualTo({100, 50, 0}, 1e-9));
     attach();
     EXPECT_EQ(overlaysOf(*acdbCurDwg()).size(), 2U) << "a second one has a name of its own";
+}
+
+TEST_F(OverlayTest, AClippedOneLooksLikeTheGoldenAndIsNoPartOfTheDrawing)
+{
+    run("LINE", {"20,45", "20,5", "100,5", ""});
+    attach();
+    run("QN8_xclip", {"0,0", "15,15"});
+    run("QN8_xclip", {"25,-5", "80,45"});
+    const AcDbObjectId space = acdbCurDwg()->modelSpaceId();
+    const tests::Picture picture = tests::paintPicture(space, tests::planView(-10, -10, 480, 280, 4.0));
+    EXPECT_TRUE(tests::matchesPicture(picture.image, QStringLiteral("quillnote/aids/clipped.png")));
+    EXPECT_EQ(compareSpaces({}, {acdbCurDwg(), space}, 0.0).onlyNew.size(), 2U) << "the two lines";
 }
 
 TEST_F(OverlayTest, SaysWhyNothingWasAttached)
