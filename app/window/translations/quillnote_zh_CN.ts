@@ -64,10 +64,6 @@
         <translation>此版本的 DWG 文件不能存放变量 %1</translation>
     </message>
     <message>
-        <source>%1 %2 cannot be written: %3</source>
-        <translation>%1 %2 不能写入：%3</translation>
-    </message>
-    <message>
         <source>%1 %2 is not where it should be</source>
         <translation>%1 %2 不在应有的位置</translation>
     </message>

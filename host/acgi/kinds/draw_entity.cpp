@@ -5,6 +5,8 @@
 #include "host/acgi/proxy/proxy_graphics.h"
 #include "host/acgi/world_draw.h"
 
+#include <algorithm>
+
 namespace acgi
 {
 
@@ -108,11 +110,20 @@ static bool drawCustom(const AcDbEntity &entity, AcGiGeometry &sink)
     return true;
 }
 
+/// Kept as its bits under its own name, an entity has none of the groups that its kind is drawn from.
+static bool isKeptAsIs(const AcDbEntity &entity)
+{
+    const ResbufList &groups = entity.groups();
+    const auto own = std::ranges::find(groups.begin() + std::ptrdiff_t(subclassBegin(groups, u"AcDbEntity")),
+                                       groups.end(), 100, &resbuf::restype);
+    return own != groups.end() && own->text() == u"AcDbProxyEntity";
+}
+
 static bool drawByKind(const AcDbEntity &entity, AcGiGeometry &sink)
 {
     const AcDbStub *const stub = entity.objectId().stub();
     const DrawFunction draw = drawFunction(stub ? stub->kind : acdbKnownKind(entity.dxfName()));
-    if (draw) {
+    if (draw && !isKeptAsIs(entity)) {
         draw(entity, sink);
         return true;
     }

@@ -63,9 +63,7 @@ public:
         const auto *const source = sourceOf(database);
         const QString reason = source ? dwg::whyNotPacked(source->container())
                                       : Host::tr("a DXF drawing cannot be saved as DWG");
-        if (reason.isEmpty())
-            return {};
-        return Host::tr("%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)").arg(reason);
+        return reason.isEmpty() ? QString() : dwg::withWayOut(reason);
     }
 
     QStringList losses(const AcDbDatabase &) const override { return {}; }

@@ -28,12 +28,14 @@ constexpr Proven kProven[] = {
     {0x05, "ENDBLK", kAll},
     {0x06, "SEQEND", kAll},
     {0x07, "INSERT", kAll},
-    {0x0A, "VERTEX", k2000},
+    {0x0A, "VERTEX", kAll}, // Like 0x0F.
     {0x0B, "VERTEX", kAll},
     {0x0C, "VERTEX", k2000},
     {0x0D, "VERTEX", kAll},
     {0x0E, "VERTEX", kAll},
-    {0x0F, "POLYLINE", k2000},
+    // Drawings at hand have it in AC1015 only; later, lists of vertices are those of 0x10, and an independent reader
+    // finds the same vertices.
+    {0x0F, "POLYLINE", kAll},
     {0x10, "POLYLINE", kAll},
     {0x11, "ARC", kAll},
     {0x12, "CIRCLE", kAll},

@@ -21,6 +21,11 @@ QString whyNotPacked(const Container &original)
     return {};
 }
 
+QString withWayOut(const QString &reason)
+{
+    return Host::tr("%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)").arg(reason);
+}
+
 // Objects ----------------------------------------------------------------------------------------
 
 std::vector<PackedObject> storedObjects(Container &container)

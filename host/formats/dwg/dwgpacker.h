@@ -27,6 +27,8 @@ struct FileContents {
 
 /// Why a file of this kind cannot be packed again; empty when it can.
 QString whyNotPacked(const Container &original);
+/// The reason, and how the drawing is kept nevertheless.
+QString withWayOut(const QString &reason);
 
 /// The whole file. The error is a sentence without the file's name.
 base::Result<QByteArray, QString> packFile(const FileContents &contents);

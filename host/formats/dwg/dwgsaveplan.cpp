@@ -275,7 +275,7 @@ std::uint64_t SavePlan::blockEnd(const AcDbStub &record, const char *kind)
              ResbufList{{2, text}, {70, std::int64_t(0)}, {10, AcGePoint3d()}, {3, text}, {1, QString()}})
             groups.push_back(std::move(group));
     }
-    addRecord(place.handle, encodeObject(m_facts, m_names, place, groups), kind);
+    addRecord(place.handle, encodeObject(m_facts, m_names, place, groups));
     return place.handle;
 }
 
@@ -382,14 +382,12 @@ void SavePlan::settleClasses()
 
 // Records ----------------------------------------------------------------------------------------
 
-void SavePlan::addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record,
-                         const QByteArray &kind)
+void SavePlan::addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record)
 {
     if (record)
         m_records[handle] = *std::move(record);
     else
-        fail(Host::tr("%1 %2 cannot be written: %3")
-                 .arg(QString::fromLatin1(kind), QString::number(handle, 16).toUpper(), record.error()));
+        fail(withWayOut(record.error()));
 }
 
 void SavePlan::encode(const AcDbStub &stub)
@@ -419,11 +417,13 @@ void SavePlan::encode(const AcDbStub &stub)
     const auto fields = isCustom ? filedFields(m_facts, AcDbObjectId(const_cast<AcDbStub *>(&stub)))
                                  : base::Result<FiledFields, Acad::ErrorStatus>(FiledFields());
     if (!fields)
-        return addRecord(stub.handle, base::Failure{acadErrorStatusText(fields.error())},
-                         acdbKindName(stub.kind));
+        return addRecord(stub.handle, base::Failure{QStringLiteral("%1 %2: %3")
+                                                        .arg(QString::fromLatin1(acdbKindName(stub.kind)),
+                                                             QString::number(stub.handle, 16).toUpper(),
+                                                             acadErrorStatusText(fields.error()))});
     if (isCustom)
         place.fields = &*fields;
-    addRecord(stub.handle, encodeObject(m_facts, m_names, place, groups), acdbKindName(stub.kind));
+    addRecord(stub.handle, encodeObject(m_facts, m_names, place, groups));
 }
 
 void SavePlan::encodeAll()

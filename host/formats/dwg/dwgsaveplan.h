@@ -65,7 +65,7 @@ private:
     void settleClasses();
     void encodeAll();
     void encode(const AcDbStub &stub);
-    void addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record, const QByteArray &kind);
+    void addRecord(std::uint64_t handle, base::Result<QByteArray, QString> record);
     void settleRecords();
     void settleVariables();
     void settleMeasurement(const ResbufList &groups);

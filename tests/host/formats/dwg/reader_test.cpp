@@ -139,21 +139,22 @@ bool looksThrough(const QByteArray &bytes)
     return true;
 }
 
-TEST(DwgReader, SurvivesEveryCutAndChangedBytes)
+TEST(DwgReader, SurvivesCutsAndChangedBytes)
 {
-    for (const DrawingVersion version : {DrawingVersion::r2000, DrawingVersion::r2013}) {
-        const QByteArray whole = tests::smallDwg(version);
+    std::mt19937 random(1);
+    for (const DrawingVersion version : kVersions) {
+        const QByteArray whole = tests::smallDwg(version, true);
         int opened = 0;
-        for (qsizetype size = 0; size < whole.size(); ++size)
-            opened += looksThrough(whole.left(size));
-        EXPECT_LT(opened, whole.size() / 2);
-        std::mt19937 random(1);
-        for (int i = 0; i < 3000; ++i) {
+        for (int i = 0; i < 300; ++i)
+            opened += looksThrough(whole.left(qsizetype(random() % std::size_t(whole.size()))));
+        EXPECT_LT(opened, 200);
+        for (int i = 0; i < 1000; ++i) {
             QByteArray changed = whole;
-            changed[qsizetype(random() % std::size_t(whole.size()))] = char(random());
+            for (unsigned bytes = 1 + random() % 3; bytes > 0; --bytes)
+                changed[qsizetype(random() % std::size_t(whole.size()))] = char(random());
             opened += looksThrough(changed);
         }
-        EXPECT_GT(opened, 1000) << "most changes leave a drawing that can be read";
+        EXPECT_GT(opened, 200) << "many changes leave a drawing that can be read";
     }
 }
 

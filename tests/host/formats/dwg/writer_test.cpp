@@ -7,10 +7,13 @@
 #include "host/formats/dwg/dwgreader.h"
 #include "host/formats/dwg/dwgsource.h"
 #include "host/formats/dwg/dwgwriter.h"
+#include "tests/host/acdb/custom_note.h"
 #include "tests/host/formats/dwg/dwg_support.h"
 #include "tests/support/files.h"
 
 #include <gmock/gmock.h>
+
+#include <random>
 
 namespace
 {
@@ -159,6 +162,59 @@ TEST(DwgWriter, RefusesTheWholeWhenAnObjectCannotBeEncoded)
     EXPECT_THAT(saved.error().toStdString(), testing::HasSubstr("UNHEARD"));
     EXPECT_EQ(tests::readFile(path), before);
     EXPECT_EQ(folder.fileNames(), QStringList{"plan.dwg"});
+}
+
+TEST(DwgWriter, KeepsCustomObjectsThatAreOnlyNeighbours)
+{
+    const NoteClass noteClass;
+    for (const DrawingVersion version : kVersions) {
+        const tests::TempDir folder;
+        const QString path = folder.write("plan.dwg", tests::smallDwg(version, true));
+        const auto database = opened(tests::readFile(path));
+        const std::uint64_t note =
+            addNote(*database, QStringLiteral("\u8bc4\u56fe"), "secret").handle().value;
+        ASSERT_TRUE(save(*database, path));
+
+        const auto again = opened(tests::readFile(path));
+        const AcDbObjectPointer<NoteEntity> reader(again->getAcDbObjectId({note}), AcDb::kForRead);
+        ASSERT_TRUE(reader);
+        appendLine(*again, 1.0);
+        const auto saved = save(*again, path);
+        ASSERT_TRUE(saved) << qPrintable(saved.error());
+
+        const auto last = opened(tests::readFile(path));
+        const AcDbObjectPointer<NoteEntity> kept(last->getAcDbObjectId({note}), AcDb::kForRead);
+        ASSERT_TRUE(kept);
+        EXPECT_EQ(kept->text, reader->text);
+        EXPECT_EQ(kept->secret, "secret");
+    }
+}
+
+/// What damage opens as is either saved whole or refused, and a refusal writes nothing.
+TEST(DwgWriter, SavesOrRefusesWhatWasDamaged)
+{
+    const tests::TempDir folder;
+    std::mt19937 random(1);
+    int saves = 0;
+    for (const DrawingVersion version : kVersions) {
+        const QByteArray whole = tests::smallDwg(version, true);
+        for (int i = 0; i < 15; ++i) {
+            QByteArray changed = whole;
+            changed[qsizetype(random() % std::size_t(whole.size()))] = char(random());
+            const QString path = folder.write("damaged.dwg", changed);
+            auto database = readDwg(base::FileBytes::fromByteArray(changed), path);
+            if (!database || (*database)->modelSpaceId().isNull())
+                continue;
+            const std::uint64_t added = appendLine(**database, 1.0).handle().value;
+            if (!save(**database, path)) {
+                EXPECT_EQ(tests::readFile(path), changed);
+                continue;
+            }
+            ++saves;
+            EXPECT_FALSE(opened(tests::readFile(path))->getAcDbObjectId({added}).isNull());
+        }
+    }
+    EXPECT_GT(saves, 5);
 }
 
 } // namespace
