@@ -31,7 +31,8 @@ std::optional<std::vector<Entry>> entriesOf(const QString &title, QByteArrayView
     std::vector<Entry> entries;
     auto parsed = parsePhraseFile(text->text, std::numeric_limits<int>::max());
     for (Phrase &phrase : parsed.phrases) {
-        phrase.text.remove(QChar::ByteOrderMark); // Where files were put together.
+        phrase.text = QString::fromUtf8(phrase.text.toUtf8()); // Halves of characters are none.
+        phrase.text.remove(QChar::ByteOrderMark);              // Where files were put together.
         if (isSeen(phrase.text))
             entries.push_back({title, phrase.text, phrase.weight});
     }
@@ -52,6 +53,7 @@ std::vector<Entry> readPhraseFile(const QString &path)
 /// Marks that a phrase file takes for something else lose their meaning when a blank stands inside.
 static QString harmless(QString text)
 {
+    text.remove(QChar(1)); // Of these a phrase file drops some; marks must not grow together behind them.
     for (const QString &mark :
          {QStringLiteral("//"), QStringLiteral(";;;"), QStringLiteral("'''"), QStringLiteral("@@@"),
           QStringLiteral("[[["), QStringLiteral("]]]"), QStringLiteral("$$$"), QStringLiteral("{{{"),
@@ -59,7 +61,7 @@ static QString harmless(QString text)
         while (text.contains(mark))
             text.replace(mark, mark.first(1) + u' ' + mark.sliced(1));
     }
-    return text.remove(QChar(1)); // Of these it drops some.
+    return text;
 }
 
 QByteArray asPhraseFile(const std::vector<Entry> &entries)

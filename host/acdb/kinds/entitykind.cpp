@@ -21,8 +21,8 @@ std::span<const EntityKind> acdbEntityKinds()
     return all;
 }
 
-/// Indexed by kind number: many entities ask.
-const EntityKind *acdbEntityKind(AcDbKind kind)
+/// Indexed by kind number: many entities ask. Numbers the kinds.
+static const std::vector<const EntityKind *> &kindsByNumber()
 {
     static const std::vector<const EntityKind *> byNumber = [] {
         std::vector<const EntityKind *> table;
@@ -33,10 +33,17 @@ const EntityKind *acdbEntityKind(AcDbKind kind)
         }
         return table;
     }();
+    return byNumber;
+}
+
+const EntityKind *acdbEntityKind(AcDbKind kind)
+{
+    const std::vector<const EntityKind *> &byNumber = kindsByNumber();
     return kind < byNumber.size() ? byNumber[kind] : nullptr;
 }
 
 const EntityKind *acdbEntityKind(const QByteArray &dxfName)
 {
+    kindsByNumber(); // Names have numbers from here on.
     return acdbEntityKind(acdbKnownKind(dxfName));
 }

@@ -546,5 +546,7 @@ base::Result<std::unique_ptr<AcDbDatabase>, QString> readDwg(base::FileBytes byt
     for (const QString &sentence : source.container().warnings)
         loader.addRepair(sentence);
     loader.finish();
+    if (!database->blockContents(database->modelSpaceId()))
+        return failed(Host::tr("the drawing has no model space that can be read"));
     return database;
 }
