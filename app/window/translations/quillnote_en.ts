@@ -1334,6 +1334,68 @@ Enter an option [TWist/Zoom/PAn/Undo/eXit] &lt;eXit&gt;: </translation>
         <translation>Twist View</translation>
     </message>
     <message>
+        <source>边界没有面积。</source>
+        <translation>The boundary has no area.</translation>
+    </message>
+    <message>
+        <source>
+至少需要三个点。</source>
+        <translation>
+Three points are needed at least.</translation>
+    </message>
+    <message>
+        <source>
+选择多段线: </source>
+        <translation>
+Select polyline: </translation>
+    </message>
+    <message>
+        <source>这不是至少有三个顶点的多段线。</source>
+        <translation>This is no polyline with three vertices or more.</translation>
+    </message>
+    <message>
+        <source>
+指定剪裁边界 [选择多段线(S)/多边形(P)/矩形(R)/反向剪裁(I)] &lt;矩形&gt;: </source>
+        <translation>
+Specify clipping boundary [Select/Polygonal/Rectangular/Invert] &lt;Rectangular&gt;: </translation>
+    </message>
+    <message>
+        <source>
+边界内部将被隐藏。</source>
+        <translation>
+The inside of the boundary will be hidden.</translation>
+    </message>
+    <message>
+        <source>
+边界外部将被隐藏。</source>
+        <translation>
+The outside of the boundary will be hidden.</translation>
+    </message>
+    <message>
+        <source>此版本的图形文件不能保存剪裁。</source>
+        <translation>Drawing files of this version cannot hold clips.</translation>
+    </message>
+    <message>
+        <source>
+是否删除旧边界?</source>
+        <translation>
+Delete old boundaries?</translation>
+    </message>
+    <message>
+        <source>所选对象没有剪裁。</source>
+        <translation>The selected objects have no clip.</translation>
+    </message>
+    <message>
+        <source>没有选择块参照。</source>
+        <translation>No block reference was selected.</translation>
+    </message>
+    <message>
+        <source>
+输入剪裁选项 [开(ON)/关(OFF)/删除(D)/生成多段线(P)/新建边界(N)] &lt;新建边界&gt;: </source>
+        <translation>
+Enter clipping option [ON/OFF/Delete/Polyline/New] &lt;New&gt;: </translation>
+    </message>
+    <message>
         <source>已加载</source>
         <translation>loaded</translation>
     </message>
@@ -1447,6 +1509,22 @@ Enter names of external references to detach: </translation>
     </message>
     <message>
         <source>
+输入要绑定的外部参照名: </source>
+        <translation>
+Enter names of external references to bind: </translation>
+    </message>
+    <message>
+        <source>外部参照 %1 未加载，不能绑定。</source>
+        <translation>External reference %1 is not loaded and cannot be bound.</translation>
+    </message>
+    <message>
+        <source>
+“%1”已绑定。</source>
+        <translation>
+“%1” bound.</translation>
+    </message>
+    <message>
+        <source>
 输入要卸载的外部参照名: </source>
         <translation>
 Enter names of external references to unload: </translation>
@@ -1492,8 +1570,18 @@ Enter path type [Full/Relative/None] &lt;Relative&gt;: </translation>
 Enter names of external references to change the path type of: </translation>
     </message>
     <message>
+        <source>
+输入选项 [?/绑定(B)/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/覆盖(O)/附着(A)] &lt;附着&gt;: </source>
+        <translation>
+Enter an option [?/Bind/Detach/Path/PAthtype/Unload/Reload/Overlay/Attach] &lt;Attach&gt;: </translation>
+    </message>
+    <message>
         <source>外部参照</source>
         <translation>External References</translation>
+    </message>
+    <message>
+        <source>剪裁</source>
+        <translation>Clip</translation>
     </message>
     <message>
         <source>选择过滤器第 %1 项: %2</source>
@@ -1720,6 +1808,54 @@ Please open: %1</translation>
         <translation>By Block</translation>
     </message>
     <message>
+        <source>名称</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>状态</source>
+        <translation>State</translation>
+    </message>
+    <message>
+        <source>类型</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>路径</source>
+        <translation>Path</translation>
+    </message>
+    <message>
+        <source>附着(&amp;A)...</source>
+        <translation>&amp;Attach...</translation>
+    </message>
+    <message>
+        <source>覆盖(&amp;O)...</source>
+        <translation>&amp;Overlay...</translation>
+    </message>
+    <message>
+        <source>重载(&amp;R)</source>
+        <translation>&amp;Reload</translation>
+    </message>
+    <message>
+        <source>卸载(&amp;U)</source>
+        <translation>&amp;Unload</translation>
+    </message>
+    <message>
+        <source>路径(&amp;P)...</source>
+        <translation>&amp;Path...</translation>
+    </message>
+    <message>
+        <source>绑定(&amp;B)</source>
+        <translation>&amp;Bind</translation>
+    </message>
+    <message>
+        <source>拆离(&amp;D)</source>
+        <translation>&amp;Detach</translation>
+    </message>
+    <message>
+        <source>%1 的图形文件</source>
+        <translation>Drawing File of %1</translation>
+    </message>
+    <message>
         <source>修改</source>
         <translation>Change</translation>
     </message>
@@ -1746,308 +1882,6 @@ Please open: %1</translation>
     <message>
         <source>&lt; %1 &gt;文件不是ANSI编码，请用记事本打开并以ANSI格式保存。</source>
         <translation>The file &lt; %1 &gt; has no ANSI encoding. Open it in a text editor and save it as ANSI.</translation>
-    </message>
-    <message>
-        <source>
-  嵌套: %1  %2  %3</source>
-        <translation>
-  nested: %1  %2  %3</translation>
-    </message>
-    <message>
-        <source>
-%1  %2  %3  %4</source>
-        <translation>
-%1  %2  %3  %4</translation>
-    </message>
-    <message>
-        <source>
-“%1”不能加载: %2</source>
-        <translation>
-Cannot load “%1”: %2</translation>
-    </message>
-    <message>
-        <source>
-“%1”已加载。</source>
-        <translation>
-“%1” loaded.</translation>
-    </message>
-    <message>
-        <source>
-“%1”已卸载。</source>
-        <translation>
-“%1” unloaded.</translation>
-    </message>
-    <message>
-        <source>
-“%1”已拆离。</source>
-        <translation>
-“%1” detached.</translation>
-    </message>
-    <message>
-        <source>
-外部参照“%1”已定义，使用现有定义。</source>
-        <translation>
-External reference “%1” is defined already; its definition is used.</translation>
-    </message>
-    <message>
-        <source>
-旧路径: %1</source>
-        <translation>
-Old path: %1</translation>
-    </message>
-    <message>
-        <source>
-本图没有外部参照。</source>
-        <translation>
-The drawing has no external references.</translation>
-    </message>
-    <message>
-        <source>
-输入新路径: </source>
-        <translation>
-Enter new path: </translation>
-    </message>
-    <message>
-        <source>
-输入要卸载的外部参照名: </source>
-        <translation>
-Enter names of external references to unload: </translation>
-    </message>
-    <message>
-        <source>
-输入要拆离的外部参照名: </source>
-        <translation>
-Enter names of external references to detach: </translation>
-    </message>
-    <message>
-        <source>
-输入要改变路径类型的外部参照名: </source>
-        <translation>
-Enter names of external references to change the path type of: </translation>
-    </message>
-    <message>
-        <source>
-输入要编辑其路径的外部参照名: </source>
-        <translation>
-Enter names of external references to edit the path of: </translation>
-    </message>
-    <message>
-        <source>
-输入要重载的外部参照名: </source>
-        <translation>
-Enter names of external references to reload: </translation>
-    </message>
-    <message>
-        <source>
-输入要附着的文件名: </source>
-        <translation>
-Enter name of file to attach: </translation>
-    </message>
-    <message>
-        <source>
-输入路径类型 [完整(Full)/相对(Relative)/无(None)] &lt;相对&gt;: </source>
-        <translation>
-Enter path type [Full/Relative/None] &lt;Relative&gt;: </translation>
-    </message>
-    <message>
-        <source>不能读取</source>
-        <translation>unreadable</translation>
-    </message>
-    <message>
-        <source>不能附着: %1</source>
-        <translation>Cannot attach: %1</translation>
-    </message>
-    <message>
-        <source>图形不能参照它自己。</source>
-        <translation>A drawing cannot refer to itself.</translation>
-    </message>
-    <message>
-        <source>图形尚未命名，没有相对路径。</source>
-        <translation>The drawing has no name yet, so there is no relative path.</translation>
-    </message>
-    <message>
-        <source>外部参照 %1 已存在，其文件为 %2。</source>
-        <translation>External reference %1 exists; its file is %2.</translation>
-    </message>
-    <message>
-        <source>外部参照 %1: %2</source>
-        <translation>External reference %1: %2</translation>
-    </message>
-    <message>
-        <source>已加载</source>
-        <translation>loaded</translation>
-    </message>
-    <message>
-        <source>已卸载</source>
-        <translation>unloaded</translation>
-    </message>
-    <message>
-        <source>循环参照</source>
-        <translation>circular</translation>
-    </message>
-    <message>
-        <source>未找到</source>
-        <translation>not found</translation>
-    </message>
-    <message>
-        <source>本图已有名为 %1 的块。</source>
-        <translation>The drawing has a block named %1.</translation>
-    </message>
-    <message>
-        <source>没有与“%1”匹配的外部参照。</source>
-        <translation>No external reference matches “%1”.</translation>
-    </message>
-    <message>
-        <source>覆盖</source>
-        <translation>overlay</translation>
-    </message>
-    <message>
-        <source>附着</source>
-        <translation>attached</translation>
-    </message>
-    <message>
-        <source>
-“%1”已绑定。</source>
-        <translation>
-“%1” bound.</translation>
-    </message>
-    <message>
-        <source>
-指定剪裁边界 [选择多段线(S)/多边形(P)/矩形(R)/反向剪裁(I)] &lt;矩形&gt;: </source>
-        <translation>
-Specify clipping boundary [Select/Polygonal/Rectangular/Invert] &lt;Rectangular&gt;: </translation>
-    </message>
-    <message>
-        <source>
-是否删除旧边界?</source>
-        <translation>
-Delete old boundaries?</translation>
-    </message>
-    <message>
-        <source>
-至少需要三个点。</source>
-        <translation>
-Three points are needed at least.</translation>
-    </message>
-    <message>
-        <source>
-输入剪裁选项 [开(ON)/关(OFF)/删除(D)/生成多段线(P)/新建边界(N)] &lt;新建边界&gt;: </source>
-        <translation>
-Enter clipping option [ON/OFF/Delete/Polyline/New] &lt;New&gt;: </translation>
-    </message>
-    <message>
-        <source>
-输入要绑定的外部参照名: </source>
-        <translation>
-Enter names of external references to bind: </translation>
-    </message>
-    <message>
-        <source>
-输入选项 [?/绑定(B)/拆离(D)/路径(P)/路径类型(PA)/卸载(U)/重载(R)/覆盖(O)/附着(A)] &lt;附着&gt;: </source>
-        <translation>
-Enter an option [?/Bind/Detach/Path/PAthtype/Unload/Reload/Overlay/Attach] &lt;Attach&gt;: </translation>
-    </message>
-    <message>
-        <source>
-边界内部将被隐藏。</source>
-        <translation>
-The inside of the boundary will be hidden.</translation>
-    </message>
-    <message>
-        <source>
-边界外部将被隐藏。</source>
-        <translation>
-The outside of the boundary will be hidden.</translation>
-    </message>
-    <message>
-        <source>
-选择多段线: </source>
-        <translation>
-Select polyline: </translation>
-    </message>
-    <message>
-        <source>%1 的图形文件</source>
-        <translation>Drawing File of %1</translation>
-    </message>
-    <message>
-        <source>关闭</source>
-        <translation>Close</translation>
-    </message>
-    <message>
-        <source>卸载(&amp;U)</source>
-        <translation>&amp;Unload</translation>
-    </message>
-    <message>
-        <source>名称</source>
-        <translation>Name</translation>
-    </message>
-    <message>
-        <source>外部参照</source>
-        <translation>External References</translation>
-    </message>
-    <message>
-        <source>外部参照 %1 未加载，不能绑定。</source>
-        <translation>External reference %1 is not loaded and cannot be bound.</translation>
-    </message>
-    <message>
-        <source>所选对象没有剪裁。</source>
-        <translation>The selected objects have no clip.</translation>
-    </message>
-    <message>
-        <source>拆离(&amp;D)</source>
-        <translation>&amp;Detach</translation>
-    </message>
-    <message>
-        <source>此版本的图形文件不能保存剪裁。</source>
-        <translation>Drawing files of this version cannot hold clips.</translation>
-    </message>
-    <message>
-        <source>没有选择块参照。</source>
-        <translation>No block reference was selected.</translation>
-    </message>
-    <message>
-        <source>状态</source>
-        <translation>State</translation>
-    </message>
-    <message>
-        <source>类型</source>
-        <translation>Type</translation>
-    </message>
-    <message>
-        <source>绑定(&amp;B)</source>
-        <translation>&amp;Bind</translation>
-    </message>
-    <message>
-        <source>覆盖(&amp;O)...</source>
-        <translation>&amp;Overlay...</translation>
-    </message>
-    <message>
-        <source>路径</source>
-        <translation>Path</translation>
-    </message>
-    <message>
-        <source>路径(&amp;P)...</source>
-        <translation>&amp;Path...</translation>
-    </message>
-    <message>
-        <source>边界没有面积。</source>
-        <translation>The boundary has no area.</translation>
-    </message>
-    <message>
-        <source>这不是至少有三个顶点的多段线。</source>
-        <translation>This is no polyline with three vertices or more.</translation>
-    </message>
-    <message>
-        <source>重载(&amp;R)</source>
-        <translation>&amp;Reload</translation>
-    </message>
-    <message>
-        <source>附着(&amp;A)...</source>
-        <translation>&amp;Attach...</translation>
-    </message>
-    <message>
-        <source>剪裁</source>
-        <translation>Clip</translation>
     </message>
 </context>
 <context>
@@ -2377,6 +2211,10 @@ Select polyline: </translation>
         <translation>%2 faults were mended while opening %1.</translation>
     </message>
     <message>
+        <source>外部参照 %1 没有显示: %2</source>
+        <translation>External reference %1 is not shown: %2</translation>
+    </message>
+    <message>
         <source>不能恢复图形: %1</source>
         <translation>The drawing cannot be recovered: %1</translation>
     </message>
@@ -2449,6 +2287,10 @@ Select polyline: </translation>
         <translation>The recovery copy cannot be written: %1</translation>
     </message>
     <message>
+        <source>%1 的外部参照已改变: %2。重新加载吗?</source>
+        <translation>External references of %1 have changed: %2. Reload them?</translation>
+    </message>
+    <message>
         <source>%1 已被他人修改。重新读取吗?</source>
         <translation>Somebody else has changed %1. Read it again?</translation>
     </message>
@@ -2463,14 +2305,6 @@ Select polyline: </translation>
     <message>
         <source>保留我的图形(&amp;K)</source>
         <translation>&amp;Keep My Drawing</translation>
-    </message>
-    <message>
-        <source>%1 的外部参照已改变: %2。重新加载吗?</source>
-        <translation>External references of %1 have changed: %2. Reload them?</translation>
-    </message>
-    <message>
-        <source>外部参照 %1 没有显示: %2</source>
-        <translation>External reference %1 is not shown: %2</translation>
     </message>
 </context>
 <context>
@@ -2619,6 +2453,14 @@ Select polyline: </translation>
     <message>
         <source>以另一个名称保存当前图形</source>
         <translation>Save the current drawing under another name</translation>
+    </message>
+    <message>
+        <source>外部参照(&amp;X)…</source>
+        <translation>E&amp;xternal References…</translation>
+    </message>
+    <message>
+        <source>列出、附着和重载外部参照</source>
+        <translation>List, attach and reload external references</translation>
     </message>
     <message>
         <source>打印为 PDF(&amp;P)…</source>
@@ -2773,6 +2615,14 @@ Select polyline: </translation>
         <translation>Mirror entities in a line</translation>
     </message>
     <message>
+        <source>剪裁(&amp;X)</source>
+        <translation>&amp;Clip Block</translation>
+    </message>
+    <message>
+        <source>只显示块或外部参照的一部分</source>
+        <translation>Show only a part of a block or external reference</translation>
+    </message>
+    <message>
         <source>删除(&amp;E)</source>
         <translation>&amp;Erase</translation>
     </message>
@@ -2859,22 +2709,6 @@ Select polyline: </translation>
     <message>
         <source>窗口(&amp;W)</source>
         <translation>&amp;Window</translation>
-    </message>
-    <message>
-        <source>列出、附着和重载外部参照</source>
-        <translation>List, attach and reload external references</translation>
-    </message>
-    <message>
-        <source>剪裁(&amp;X)</source>
-        <translation>&amp;Clip Block</translation>
-    </message>
-    <message>
-        <source>只显示块或外部参照的一部分</source>
-        <translation>Show only a part of a block or external reference</translation>
-    </message>
-    <message>
-        <source>外部参照(&amp;X)…</source>
-        <translation>E&amp;xternal References…</translation>
     </message>
 </context>
 <context>

@@ -4,74 +4,6 @@
 <context>
     <name>Host</name>
     <message>
-        <source>DWG files of versions before 2000 can be read, but not written</source>
-        <translation>2000 版以前的 DWG 文件只能读取，不能写入</translation>
-    </message>
-    <message>
-        <source>a DXF drawing cannot be saved as DWG</source>
-        <translation>DXF 图形不能保存为 DWG</translation>
-    </message>
-    <message>
-        <source>it names %1 objects instead of %2</source>
-        <translation>其中列出 %1 个对象，应为 %2 个</translation>
-    </message>
-    <message>
-        <source>object %1 is damaged</source>
-        <translation>对象 %1 已损坏</translation>
-    </message>
-    <message>
-        <source>object %1 is missing</source>
-        <translation>缺少对象 %1</translation>
-    </message>
-    <message>
-        <source>object %1 is not as it was meant</source>
-        <translation>对象 %1 与预期不符</translation>
-    </message>
-    <message>
-        <source>the drawing is signed or protected, which a changed drawing would not be</source>
-        <translation>图形已签名或受保护，修改后将不再有效</translation>
-    </message>
-    <message>
-        <source>the file before it as a backup (%1)</source>
-        <translation>原文件的备份 (%1)</translation>
-    </message>
-    <message>
-        <source>the file has no place for the variable %1</source>
-        <translation>文件中没有存放变量 %1 的位置</translation>
-    </message>
-    <message>
-        <source>the file lacks a table that new records would go to</source>
-        <translation>文件缺少存放新记录的表</translation>
-    </message>
-    <message>
-        <source>the file was damaged when it was opened (%1)</source>
-        <translation>文件在打开时已损坏 (%1)</translation>
-    </message>
-    <message>
-        <source>the section %1 is not as it was meant</source>
-        <translation>节 %1 与预期不符</translation>
-    </message>
-    <message>
-        <source>the section map is cut off</source>
-        <translation>节映射表被截断</translation>
-    </message>
-    <message>
-        <source>the section map is damaged</source>
-        <translation>节映射表已损坏</translation>
-    </message>
-    <message>
-        <source>the variable %1 has no place in a DWG file of this version</source>
-        <translation>此版本的 DWG 文件不能存放变量 %1</translation>
-    </message>
-    <message>
-        <source>%1 %2 is not where it should be</source>
-        <translation>%1 %2 不在应有的位置</translation>
-    </message>
-    <message>
-        <source>%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
-        <translation>%1；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
-    </message>
-    <message>
         <source>%1: the drawing came from no file that could be written</source>
         <translation>%1: 此图形不是来自可写入的文件</translation>
     </message>
@@ -436,6 +368,10 @@
         <translation>%1: 不能读取 %2 版的 DWG 图形</translation>
     </message>
     <message>
+        <source>a DXF drawing cannot be saved as DWG</source>
+        <translation>DXF 图形不能保存为 DWG</translation>
+    </message>
+    <message>
         <source>DWG drawings cannot be written</source>
         <translation>不能写入 DWG 图形</translation>
     </message>
@@ -468,6 +404,26 @@
         <translation>图形的类记录已损坏，无法重新写入</translation>
     </message>
     <message>
+        <source>DWG files of versions before 2000 can be read, but not written</source>
+        <translation>2000 版以前的 DWG 文件只能读取，不能写入</translation>
+    </message>
+    <message>
+        <source>the drawing is signed or protected, which a changed drawing would not be</source>
+        <translation>图形已签名或受保护，修改后将不再有效</translation>
+    </message>
+    <message>
+        <source>the file was damaged when it was opened (%1)</source>
+        <translation>文件在打开时已损坏 (%1)</translation>
+    </message>
+    <message>
+        <source>%1; save the drawing as DXF (SAVEAS with a name that ends in .dxf)</source>
+        <translation>%1；请把图形另存为 DXF (SAVEAS，文件名以 .dxf 结尾)</translation>
+    </message>
+    <message>
+        <source>object %1 is damaged</source>
+        <translation>对象 %1 已损坏</translation>
+    </message>
+    <message>
         <source>the checksum of the file's header is wrong; its copy at the end is used</source>
         <translation>文件头的校验和不对，改用文件末尾的副本</translation>
     </message>
@@ -478,6 +434,10 @@
     <message>
         <source>the checksum of the section map is wrong</source>
         <translation>节表的校验和不对</translation>
+    </message>
+    <message>
+        <source>the section map is cut off</source>
+        <translation>节映射表被截断</translation>
     </message>
     <message>
         <source>page %1 is missing</source>
@@ -524,6 +484,10 @@
         <translation>页表</translation>
     </message>
     <message>
+        <source>the section map is damaged</source>
+        <translation>节映射表已损坏</translation>
+    </message>
+    <message>
         <source>page %1 was damaged; its code words mended it</source>
         <translation>第 %1 页曾有损坏，已由纠错码修复</translation>
     </message>
@@ -556,6 +520,38 @@
         <translation>打开已停止</translation>
     </message>
     <message>
+        <source>the drawing has no model space that can be read</source>
+        <translation>图形没有可读的模型空间</translation>
+    </message>
+    <message>
+        <source>the section %1 is not as it was meant</source>
+        <translation>节 %1 与预期不符</translation>
+    </message>
+    <message>
+        <source>it names %1 objects instead of %2</source>
+        <translation>其中列出 %1 个对象，应为 %2 个</translation>
+    </message>
+    <message>
+        <source>object %1 is missing</source>
+        <translation>缺少对象 %1</translation>
+    </message>
+    <message>
+        <source>object %1 is not as it was meant</source>
+        <translation>对象 %1 与预期不符</translation>
+    </message>
+    <message>
+        <source>the file lacks a table that new records would go to</source>
+        <translation>文件缺少存放新记录的表</translation>
+    </message>
+    <message>
+        <source>the file has no place for the variable %1</source>
+        <translation>文件中没有存放变量 %1 的位置</translation>
+    </message>
+    <message>
+        <source>the variable %1 has no place in a DWG file of this version</source>
+        <translation>此版本的 DWG 文件不能存放变量 %1</translation>
+    </message>
+    <message>
         <source>the section %1 does not begin as it should</source>
         <translation>节 %1 的开头不对</translation>
     </message>
@@ -570,6 +566,22 @@
     <message>
         <source>the texts of the linetype are too long</source>
         <translation>线型的文字过长</translation>
+    </message>
+    <message>
+        <source>%1 %2 is not where it should be</source>
+        <translation>%1 %2 不在应有的位置</translation>
+    </message>
+    <message>
+        <source>the file before it as a backup (%1)</source>
+        <translation>原文件的备份 (%1)</translation>
+    </message>
+    <message>
+        <source>saving was stopped</source>
+        <translation>保存已停止</translation>
+    </message>
+    <message>
+        <source>what was written cannot be read again (%1); the file stays as it was</source>
+        <translation>写出的内容不能重新读取 (%1)；原文件保持不变</translation>
     </message>
     <message>
         <source>the owner %1 is no layout; its entities were put into %2 space</source>
@@ -726,14 +738,6 @@
     <message>
         <source>the drawing did not come from a DXF file</source>
         <translation>该图形不是来自 DXF 文件</translation>
-    </message>
-    <message>
-        <source>saving was stopped</source>
-        <translation>保存已停止</translation>
-    </message>
-    <message>
-        <source>what was written cannot be read again (%1); the file stays as it was</source>
-        <translation>写出的内容不能重新读取 (%1)；原文件保持不变</translation>
     </message>
     <message>
         <source>objects are missing</source>
