@@ -157,8 +157,9 @@ public:
             ++(each.isNew ? place.added : place.removed);
         }
         std::vector<DifferingPlace> sorted;
-        for (auto &[key, place] : places)
-            sorted.push_back(std::move(place));
+        sorted.reserve(places.size());
+        for (const auto &[key, place] : places)
+            sorted.push_back(place);
         std::ranges::stable_sort(sorted, {}, [this](const DifferingPlace &place) {
             return std::pair(-row(place.box.maxPoint().y), place.box.minPoint().x);
         });
