@@ -92,7 +92,8 @@ endfunction()
 # What every test sees, whoever starts it; the test programs' own main() sets the same (tests/support).
 set(QUILL_TEST_ENVIRONMENT QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 TZ=UTC
   FONTCONFIG_FILE=${CMAKE_SOURCE_DIR}/tests/support/fonts.conf
-  LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0)
+  LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0
+  TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/races.supp:print_suppressions=0)
 
 # Tests, benchmarks and fuzz targets are built on demand: the targets "tests", "benchmarks" and "fuzzers".
 add_custom_target(tests)
